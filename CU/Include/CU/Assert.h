@@ -1,0 +1,44 @@
+#pragma once
+
+#include <stdio.h>
+
+#include "CU/Platform.h"
+
+// Reports one failed check into the day's trace file, "/ZELTrace-%Y-%m-%d.txt" in the temporary
+// directory: time, expression, source, line, the thread's last error and stack, and what the
+// report handlers add. Shows nothing and stops nothing; a report that cannot be written is
+// dropped, and so is everything after the first 10 reports of a process. The last error is kept.
+// Returns 0: go on.
+CU_API int CUDisplayAssert(const char *expression, const char *file, int line);
+
+// Adds and removes a function that writes to the open trace file at the end of every report, in
+// the order of registration. A null handler, or one that is not registered, is ignored.
+CU_API void CURegisterExceptionHandler(void (*handler)(FILE *));
+CU_API void CUUnregisterExceptionHandler(void (*handler)(FILE *));
+
+// Checks a contract: evaluates `expression` once and reports it when it does not hold. The value is
+// the report's answer: 0, go on as if nothing had happened; anything else, give up the operation.
+// The source that uses it defines CU_SOURCE, its bare name, such as "String".
+#define CU_ASSERT(expression) CU_ASSERT_TEXT(expression, #expression)
+// The same where the reported text differs from the code.
+#define CU_ASSERT_TEXT(expression, text) \
+    CUAssertHolds(static_cast<bool>(expression), (text), CU_SOURCE, __LINE__)
+
+inline int CUAssertHolds(bool bHolds, const char *text, const char *file, int line)
+{
+    return bHolds ? 0 : CUDisplayAssert(text, file, line);
+}
+
+// Marks a function as running, for as long as the guard lives, in an int that the function owns
+// (usually a static); reports "*m_nFlag == 0" when it was running already. Not for threads.
+class CU_API CCUNoRecur
+{
+public:
+    explicit CCUNoRecur(int *flag);
+    CCUNoRecur(const CCUNoRecur &other) = default;
+    ~CCUNoRecur();
+    CCUNoRecur &operator=(const CCUNoRecur &other);
+
+private:
+    int *m_nFlag;
+};

@@ -1,0 +1,11 @@
+# Sourced by the commands at the root and the tools: where Windows programs run here, and how.
+# shellcheck shell=bash
+root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
+export WINEARCH=win32
+export WINEPREFIX="${AUTORUN_WINEPREFIX:-$root/build/wine}"
+export WINEDEBUG="${WINEDEBUG:--all}"
+# Without its debugger Wine ends a crashed program at once instead of asking in a dialog; menu
+# entries for the programs under test are not wanted.
+export WINEDLLOVERRIDES="winedbg.exe,winemenubuilder.exe=d"
+# The locale decides on date and time pictures.
+export LC_ALL=C

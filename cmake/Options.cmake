@@ -1,0 +1,31 @@
+# Compiler and linker settings as targets: `autorun_warnings` for all our code, `autorun_product`
+# for what is shipped, `autorun_runtime` for every program that runs on 32-bit Windows.
+
+add_library(autorun_warnings INTERFACE)
+target_compile_options(autorun_warnings INTERFACE
+  $<$<COMPILE_LANGUAGE:CXX>:-Wall -Wextra -Wpedantic -Wshadow -Wconversion -Werror>
+  # Win32 hands out functions and messages through types that only a cast can turn.
+  $<$<COMPILE_LANGUAGE:CXX>:-Wno-cast-function-type>)
+
+# The records have the sizes that Windows 95 and NT 4 know (NONCLIENTMETRICS 340 bytes, ...).
+add_library(autorun_platform INTERFACE)
+target_compile_definitions(autorun_platform INTERFACE WINVER=0x0400 _WIN32_WINNT=0x0400)
+if(AUTORUN_CHECKED)
+  target_compile_options(autorun_platform INTERFACE
+    $<$<COMPILE_LANGUAGE:CXX>:-fsanitize=undefined -fsanitize-undefined-trap-on-error>)
+endif()
+
+add_library(autorun_product INTERFACE)
+target_link_libraries(autorun_product INTERFACE autorun_warnings autorun_platform)
+target_compile_options(autorun_product INTERFACE
+  $<$<COMPILE_LANGUAGE:CXX>:-fno-exceptions -fno-rtti -fno-threadsafe-statics -fno-asynchronous-unwind-tables>
+  $<$<COMPILE_LANGUAGE:CXX>:-ffunction-sections -fdata-sections>)
+
+# One file that needs the system's libraries only; address randomisation and no execution of data;
+# runs from Windows 95 and NT 4 on; the same input gives the same bytes.
+add_library(autorun_runtime INTERFACE)
+target_link_options(autorun_runtime INTERFACE
+  -static -static-libgcc -static-libstdc++ -Wl,--gc-sections
+  -Wl,--dynamicbase,--nxcompat,--no-insert-timestamp
+  -Wl,--major-subsystem-version=4,--minor-subsystem-version=0
+  -Wl,--major-os-version=4,--minor-os-version=0)
