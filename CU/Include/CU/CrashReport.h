@@ -1,0 +1,19 @@
+#pragma once
+
+#include "CU/Platform.h"
+
+// From here on an exception that nobody handles is written to the day's trace file (see Assert.h):
+// its name and address, the registers, the stack, and what the report handlers add. The handler
+// that stood before, then the system's own handling, go on afterwards. Calling it again is without
+// effect.
+CU_API void CUStartExceptionHandler();
+
+// Whether the process ends after a crash report, at once and with the exception's code as exit
+// code, instead of going on to the system's own handling, which may wait in a dialog. False at
+// first.
+CU_API void CUShutdownAfterCrash(bool bShutdown);
+
+// Deletes the trace files of the temporary directory, "ZELTrace-YYYY-MM-DD.txt", that are older
+// than the daysToKeep newest days that have one, each with a line in the trace. Today's is among
+// those kept unless daysToKeep is below 1. Returns how many were deleted.
+CU_API int CUPurgeTraceFiles(int daysToKeep = 30);
