@@ -1,0 +1,31 @@
+#pragma once
+
+#include "CU/Platform.h"
+
+// An object that a thread's end concerns: it gets one OnThreadExit, on that thread, when the thread
+// that registered it ends (by return or ExitThread; for the main thread, at process exit).
+// A thread that is terminated from outside, or by the end of the process, calls nobody.
+class CU_API CCUThreadExitHandler
+{
+public:
+    CCUThreadExitHandler() = default;
+    CCUThreadExitHandler(const CCUThreadExitHandler &) = delete;
+    CCUThreadExitHandler &operator=(const CCUThreadExitHandler &) = delete;
+
+    // The object is not registered any more and usually deletes itself. bKillTimer: system timers
+    // may be stopped. Must not wait for another thread: the system may hold its loader's lock.
+    virtual void OnThreadExit(bool bKillTimer) = 0;
+    // The object must not be registered any more.
+    virtual ~CCUThreadExitHandler();
+
+private:
+    friend class CCUThreadExitList;
+
+    CCUThreadExitHandler *m_pNextHandler = nullptr;
+};
+
+// Adds an object to the calling thread's list, which does not own it; the latest is called first.
+// False when there is no storage slot left, and for null.
+CU_API bool CURegisterThreadExitHandler(CCUThreadExitHandler *pHandler);
+// Takes an object off the calling thread's list; false when it is not in there.
+CU_API bool CUUnregisterThreadExitHandler(CCUThreadExitHandler *pHandler);

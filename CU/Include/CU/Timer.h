@@ -1,0 +1,39 @@
+#pragma once
+
+#include "CU/Platform.h"
+
+// A one-shot alarm: derive from it, arm it, and TimeOut is called once when the delay has passed,
+// in the message loop of the thread that armed it. An object that never arms costs two words.
+// A timer belongs to the thread that armed it for as long as it is armed: arming, killing and
+// destroying it then is that thread's alone. Delays are milliseconds, at most 2^31 - 1.
+class CU_API CCUTimer
+{
+public:
+    CCUTimer(const CCUTimer &) = delete;
+    CCUTimer &operator=(const CCUTimer &) = delete;
+
+protected:
+    CCUTimer() = default;
+    // Kills the alarm.
+    virtual ~CCUTimer();
+
+public:
+    // The alarm has come. nNow is the CUGetTime at which the serving of due timers began. The timer
+    // is not armed any more, so it may arm itself again, or delete itself.
+    virtual void TimeOut(long nNow);
+
+protected:
+    // Arms the timer, in place of any earlier alarm; a delay of 0 or less is served by the next
+    // turn of the message loop. Does nothing after CUShutdown.
+    void SetAlarm(long nMilliseconds);
+    // The same, unless the timer is armed for that moment or an earlier one.
+    void SetAlarmIfEarlier(long nMilliseconds);
+    // Does nothing when the timer is not armed, and after CUShutdown.
+    void KillAlarm();
+
+private:
+    friend class CCUTimerTask;
+
+    CCUTimer *m_pNext = nullptr;
+    unsigned long m_uAlarm = 0;  // CUGetTime at which it is due; 0: not armed
+};

@@ -1,0 +1,47 @@
+#pragma once
+
+#include "CU/ThreadExit.h"
+
+class CCUTimer;
+
+// All armed timers of one thread, in the order in which they are due, behind one hidden window and
+// at most one pending system notification. Made by the thread's first SetAlarm, deleted when the
+// thread ends; every call except GetThreadTimerTask is that thread's. Programs use CCUTimer.
+class CU_API CCUTimerTask : public CCUThreadExitHandler
+{
+public:
+    // Unlinks every timer, destroys the window and deletes the task. bKillTimer false leaves a
+    // pending multimedia timer to run out, with a line in the trace.
+    void OnThreadExit(bool bKillTimer) override;
+
+    // Arms the timer in nMilliseconds, in place of an earlier alarm of the same timer. Timers due
+    // at the same millisecond are served in the order of arming. Nothing after CUShutdown.
+    void SetAlarm(CCUTimer *pTimer, long nMilliseconds);
+    // Nothing when the timer is not armed, and after CUShutdown. A timer that is armed but not in
+    // this task's list (armed by another thread) is reported, and disarmed all the same.
+    void KillAlarm(CCUTimer *pTimer);
+    // Asks the system for one notification when the first timer is due (after 60 s at the latest).
+    // Nothing after CUShutdown.
+    void ResetTimer();
+
+    // The calling thread's task, made by the first call.
+    static CCUTimerTask *GetThreadTimerTask();
+
+protected:
+    ~CCUTimerTask() override;
+
+private:
+    friend class CCUTimer;
+    friend class CCUTimerTaskInspector;
+
+    CCUTimerTask();
+
+    CCUTimer *m_pFirst = nullptr;
+    unsigned long m_uListLength = 0;
+    long m_nPending = 0;             // notifications asked for and not yet received
+    unsigned long m_uStartTick = 0;  // when window timer 1 is due; 0 once it has fired
+    BOOL m_bMockTimerSet = FALSE;    // a "TimerTaskMock" is on its way
+    unsigned int m_uTimerID = 0;     // the pending multimedia timer
+    HWND m_hWnd = nullptr;
+    CCUTimerTask *m_pNextTask = nullptr;
+};
