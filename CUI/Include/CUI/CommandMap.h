@@ -1,0 +1,95 @@
+#pragma once
+
+#include "CUI/Platform.h"
+
+class CCUICommandHandler;
+
+// The process's map from command identifiers to their handlers: two dense tables, one for
+// 1,000 to 9,999 and one for 10,000 and above. It is made by its first use and deleted when the
+// process exits; it owns no handler. Identifier 0 is never mapped; one from 1 to 999 belongs to no
+// table and is reported as "0". For the user-interface thread only.
+//
+// Handlers may add, remove, override and delete handlers, themselves included, from any of their
+// operations that the map calls.
+class CUI_API CCUICommandMap
+{
+public:
+    CCUICommandMap(const CCUICommandMap &) = delete;
+    CCUICommandMap &operator=(const CCUICommandMap &) = delete;
+
+    // Enters the handler for every identifier of its range; the table that holds the first one
+    // takes them all and grows in steps of 64. A slot in use is reported as
+    // "m_pMap[nMap][nIndex + nI] == NULL" and overwritten. Returns 1; or 0 for null (reported as
+    // "pCmdHandler"), for a first identifier in no table (reported as "nIndex >= 0"), and when
+    // there is no memory.
+    static int Add(CCUICommandHandler *pCmdHandler);
+
+    // Empties the slots of the handler's range, whoever is in them, and every other slot that the
+    // handler is in. Returns 1; or 0 for null (reported as "pCmdHandler") and when the range does
+    // not lie within a table. Once the map is deleted there is nothing to remove: 1.
+    static int Remove(CCUICommandHandler *pCmdHandler);
+
+    // The identifier's handler, or null.
+    static CCUICommandHandler *Lookup(unsigned int nID) { return This()->_Lookup(nID); }
+
+    // Puts the handler (null: none) into the identifier's slot and returns the one that was there,
+    // for the caller to put back. Outside the tables' present length: null, and nothing changes.
+    static CCUICommandHandler *Override(unsigned int nID, CCUICommandHandler *pCmdHandler);
+
+    // Refreshes the commands whose state does not ask for something else: HandleUpdate for every
+    // identifier with a handler whose GetState has no bit of 0x3D, in ascending order. Entries that
+    // a pass appends by growing a table are left to the next pass.
+    static void IdleUpdate();
+
+    // Writes all entries to the trace.
+    static void Dump();
+
+private:
+    enum
+    {
+        GROWTH_STEP = 64,
+        TABLES = 2,
+        FIRST_BASE = 1000,
+        SECOND_BASE = 10000
+    };
+
+    CCUICommandMap();
+    ~CCUICommandMap();
+
+    static CCUICommandMap *This() { return s_pThis ? s_pThis : Make(); }
+    static CCUICommandMap *Make();
+    static void Delete();
+
+    static unsigned int Base(int nMap) { return nMap ? SECOND_BASE : FIRST_BASE; }
+    static int Table(unsigned int nID);
+
+    int _Add(CCUICommandHandler *pCmdHandler);
+    int _Remove(CCUICommandHandler *pCmdHandler);
+    CCUICommandHandler *_Lookup(unsigned int nID);
+    CCUICommandHandler *_Override(unsigned int nID, CCUICommandHandler *pCmdHandler);
+    void _IdleUpdate();
+    void _Dump();
+
+    void DumpEntry(int nMap, int nIndex);
+    CCUICommandHandler **Slot(unsigned int nID);
+    bool Grow(int nMap, unsigned int nEntries);
+
+    // Null before the first use and after the end.
+    static CCUICommandMap *s_pThis;
+    static bool s_bDeleted;
+
+    const int m_nGrowBy;
+    int m_nLength[TABLES];
+    CCUICommandHandler **m_pMap[TABLES];
+};
+
+inline CCUICommandHandler *CCUICommandMap::_Lookup(unsigned int nID)
+{
+    // An identifier below its table's base wraps round to an index that no table has.
+    const int nMap = nID >= SECOND_BASE ? 1 : 0;
+    const unsigned int nIndex = nID - Base(nMap);
+    if (nIndex < static_cast<unsigned int>(m_nLength[nMap]))
+        return m_pMap[nMap][nIndex];
+    Table(nID);  // reports identifiers of no table
+    return nullptr;
+}
