@@ -1,0 +1,33 @@
+#pragma once
+
+#include "CUI/Bitmap.h"
+#include "CUI/Platform.h"
+
+// A memory DC with a bitmap that only grows, to paint a picture before it is shown. It starts with
+// a transparent background mode and is cleared by nobody: it holds what was last drawn.
+class CUI_API CCUIOffScreenDC
+{
+public:
+    CCUIOffScreenDC();
+    ~CCUIOffScreenDC();
+    CCUIOffScreenDC(const CCUIOffScreenDC &) = delete;
+    CCUIOffScreenDC &operator=(const CCUIOffScreenDC &) = delete;
+
+    // Waits until no other thread has the DC and returns it, compatible with hDC and at least cx by
+    // cy pixels (as large as before when there is no memory for more; null, and reported, when
+    // there is no DC). Every call is paired with one of ReleaseDC, on the same thread, which may
+    // nest them.
+    HDC GetDC(HDC hDC, int cx, int cy);
+    void ReleaseDC();
+
+private:
+    bool Fits(HDC hDC, int cx, int cy) const;
+    void Grow(HDC hDC, int cx, int cy);
+
+    HDC m_memDC;
+    CCUIBitmap m_bitmap;
+    CRITICAL_SECTION m_lock;
+};
+
+// The process's one, for any thread.
+CUI_API CCUIOffScreenDC *CUIGetOSDC();

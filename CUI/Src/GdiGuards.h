@@ -1,0 +1,112 @@
+#pragma once
+
+#include "CUI/Platform.h"
+
+// What GDI wants back, given back at the end of a block. Declare an object before the guard that
+// selects it: the guard lets go of it first.
+
+class CCUIGdiGuard
+{
+public:
+    CCUIGdiGuard() = default;
+    CCUIGdiGuard(const CCUIGdiGuard &) = delete;
+    CCUIGdiGuard &operator=(const CCUIGdiGuard &) = delete;
+};
+
+// Selects an object and, at the end, what was selected before. False when selecting failed.
+class CCUISelect : private CCUIGdiGuard
+{
+public:
+    CCUISelect(HDC hDC, HGDIOBJ hObject) : m_hDC(hDC), m_hOld(SelectObject(hDC, hObject)) {}
+    ~CCUISelect() { SelectObject(m_hDC, m_hOld); }
+    explicit operator bool() const { return m_hOld != nullptr; }
+
+private:
+    HDC m_hDC;
+    HGDIOBJ m_hOld;
+};
+
+// Selects a palette, unless it is null, and realises it; then selects and realises the old one.
+class CCUISelectPalette : private CCUIGdiGuard
+{
+public:
+    CCUISelectPalette(HDC hDC, HPALETTE hPal, int bForceBkgd) : m_hDC(hDC), m_bBkgd(bForceBkgd)
+    {
+        m_hOld = hPal ? Realize(hPal) : nullptr;
+    }
+    ~CCUISelectPalette()
+    {
+        if (m_hOld)
+            Realize(m_hOld);
+    }
+
+private:
+    HPALETTE Realize(HPALETTE hPal)
+    {
+        const HPALETTE hOld = SelectPalette(m_hDC, hPal, m_bBkgd);
+        RealizePalette(m_hDC);
+        return hOld;
+    }
+    HDC m_hDC;
+    int m_bBkgd;
+    HPALETTE m_hOld;
+};
+
+// The DC of a window's client area; null: of the screen.
+class CCUIWindowDC : private CCUIGdiGuard
+{
+public:
+    explicit CCUIWindowDC(HWND hWnd) : m_hWnd(hWnd), m_hDC(GetDC(hWnd)) {}
+    ~CCUIWindowDC() { ReleaseDC(m_hWnd, m_hDC); }
+    operator HDC() const { return m_hDC; }
+
+private:
+    HWND m_hWnd;
+    HDC m_hDC;
+};
+
+// A memory DC compatible with another DC; null: with the screen.
+class CCUIMemoryDC : private CCUIGdiGuard
+{
+public:
+    explicit CCUIMemoryDC(HDC hDC) : m_hDC(CreateCompatibleDC(hDC)) {}
+    ~CCUIMemoryDC() { DeleteDC(m_hDC); }
+    operator HDC() const { return m_hDC; }
+
+private:
+    HDC m_hDC;
+};
+
+// Everything that is set on a DC.
+class CCUISavedDC : private CCUIGdiGuard
+{
+public:
+    explicit CCUISavedDC(HDC hDC) : m_hDC(hDC), m_nSaved(SaveDC(hDC)) {}
+    ~CCUISavedDC() { RestoreDC(m_hDC, m_nSaved); }
+
+private:
+    HDC m_hDC;
+    int m_nSaved;
+};
+
+// A bitmap, brush, pen, font or palette that dies with the guard, unless it is detached.
+template <typename Handle>
+class CCUIOwned : private CCUIGdiGuard
+{
+public:
+    explicit CCUIOwned(Handle hObject) : m_hObject(hObject) {}
+    ~CCUIOwned() { DeleteObject(m_hObject); }
+    operator Handle() const { return m_hObject; }
+    Handle Detach();
+
+private:
+    Handle m_hObject;
+};
+
+template <typename Handle>
+Handle CCUIOwned<Handle>::Detach()
+{
+    const Handle hObject = m_hObject;
+    m_hObject = nullptr;
+    return hObject;
+}
