@@ -1,0 +1,27 @@
+#pragma once
+
+#include "CU/Platform.h"
+
+class CCUString;
+
+// The version of the running operating system, asked for at construction.
+class CU_API CCUVersionInfo
+{
+public:
+    CCUVersionInfo();
+    ~CCUVersionInfo();
+
+    // Exactly one holds on a system known to us: Win32s, Windows 95 and its successors, Windows NT.
+    bool IsWin32() const;
+    bool IsWin95() const;
+    bool IsWinNT() const;
+    // The installed service pack, such as "Service Pack 6"; empty when there is none.
+    CCUString GetVerString() const;
+    int GetMajor() const;
+    int GetMinor() const;
+    // On Windows 95 and its successors the upper word repeats major and minor version.
+    int GetBuildNumber() const;
+
+private:
+    OSVERSIONINFOA m_version;
+};
