@@ -1,0 +1,289 @@
+#pragma once
+
+#include <stdarg.h>
+
+#include "CU/Assert.h"
+#include "CU/Platform.h"
+
+// What stands in front of a string's characters, in the same heap block.
+struct CCUStringData
+{
+    // How many strings share the block. 1: its owner may write. -1: locked, never shared.
+    volatile LONG nRefs;
+    int nDataLength;   // characters, the terminating NUL not counted
+    int nAllocLength;  // capacity in characters, the terminating NUL not counted
+};
+
+// The block of every empty string: locked, length 0, capacity 0, one NUL. Never counted or freed.
+extern CU_API CCUStringData *const CUDataNil;
+// Its character. `= CUPchNil` empties a string; a string is empty and owns nothing exactly when
+// its characters are at this address (or at that of a block of its own, of length 0).
+extern CU_API const char *const CUPchNil;
+
+// A string of 8-bit characters in the ANSI code page. Copies share one heap block and write to it
+// only after taking a copy of their own, so that passing and returning by value costs one
+// interlocked increment and no allocation; the empty string never allocates.
+//
+// The text ends in a NUL and may hold others: what takes its length from the string (copy, `+`,
+// `Mid`, `Find`, `Encode64`, ...) works on all of it, what takes a `const char *` reads to the
+// first NUL. A null `const char *` reads as "".
+//
+// Capacity is exact, without slack: `+=` that does not fit allocates and copies on every call, so
+// that a text of n characters built one by one costs n allocations and about n * n / 2 bytes of
+// copying (10,000 characters: some 180 times a growing buffer). Build long texts with GetBuffer.
+//
+// One object is for one thread at a time; objects that share a block may be copied, changed and
+// destroyed on different threads. Contract breaches are reported with the source "String" and the
+// operation goes on; a length that cannot be (negative, beyond 2147483646, past the capacity) is
+// cut to what is possible, so that nothing but SetAt ever writes outside the block. Running out of
+// memory is not reported to the caller.
+class CU_API CCUString
+{
+public:
+    CCUString() { Init(); }
+    // Shares the source's block; a locked source is copied.
+    CCUString(const CCUString &stringSrc);
+    CCUString(const char *psz);
+    CCUString(const unsigned char *psz);
+    // Exactly nLength characters, NULs among them too.
+    CCUString(const char *pch, int nLength);
+    // nRepeat times ch; empty when nRepeat is below 1.
+    CCUString(char ch, int nRepeat);
+    // UTF-16 up to its NUL, converted to the ANSI code page; null reads as empty. Capacity is two
+    // characters for each of the source's.
+    CCUString(const unsigned short *pszWide);
+    CCUString(const wchar_t *pszWide);
+    ~CCUString() { Release(); }
+
+    // Shares the source's block; copies into this string's own block when either is locked.
+    CCUString &operator=(const CCUString &stringSrc);
+    // These keep this string's block where it is not shared and large enough.
+    CCUString &operator=(const char *psz);
+    CCUString &operator=(const unsigned char *psz);
+    CCUString &operator=(const unsigned short *pszWide);
+    CCUString &operator=(const wchar_t *pszWide);
+
+    int GetLength() const { return GetData()->nDataLength; }
+    bool IsEmpty() const { return GetData()->nDataLength == 0; }
+    int GetAllocLength() const { return GetData()->nAllocLength; }
+    // Valid until the next call that changes or destroys this string.
+    operator const char *() const { return m_pchData; }
+
+    // 0 to GetLength(), where the terminating NUL is. Asserted, not stopped, outside.
+    char GetAt(int nIndex) const;
+    char operator[](int nIndex) const { return GetAt(nIndex); }
+    // 0 to GetLength() - 1. Asserted outside, and stored all the same.
+    void SetAt(int nIndex, char ch);
+
+    CCUString &operator+=(const char *psz);
+    CCUString &operator+=(char ch);
+    CCUString &operator+=(const CCUString &string);
+
+    // Negative, 0 or positive: by bytes, by bytes without regard to case (the C library's locale),
+    // and in the order of the C library's locale.
+    int Compare(const char *psz) const;
+    int CompareNoCase(const char *psz) const;
+    int Collate(const char *psz) const;
+
+    // Parts of the text, each a block of its own. What reaches outside the text is cut to it.
+    CCUString Mid(int nFirst) const;
+    CCUString Mid(int nFirst, int nCount) const;
+    CCUString Left(int nCount) const;
+    CCUString Right(int nCount) const;
+    // The leading run of characters that are, or are not, in the set.
+    CCUString SpanIncluding(const char *set) const;
+    CCUString SpanExcluding(const char *set) const;
+
+    // The index of the first (ReverseFind: the last) match; -1: none. The terminating NUL is never
+    // found; the empty substring is found at 0, a null one nowhere.
+    int Find(char ch) const;
+    int Find(const char *pszSub) const;
+    int ReverseFind(char ch) const;
+    int FindOneOf(const char *set) const;
+
+    // Case by the system's ANSI rules, white space by the C library's isspace.
+    void MakeUpper();
+    void MakeLower();
+    void MakeReverse();
+    void TrimRight();
+    void TrimLeft();
+
+    // Replaces the text by a formatted one. Reserves what the format lets expect (each number 32
+    // characters, each float 512, each text its length or width, cut to its precision) and never
+    // grows: output that is longer, such as "%10.3s" or "%.600f", is reported and cut. Understands
+    // %c %C %s %S %d %i %o %p %u %x %X %e %f %g %G %n with flags, width, precision, `*` and one of
+    // h l F N L; anything else is reported and counted as nothing. A null text is printed as far
+    // as its one reserved character. Arguments may point into this string.
+    void Format(const char *pszFormat, ...);
+
+    // The characters for writing, room for at least nMinBufLength and a NUL; the text stays. Call
+    // ReleaseBuffer before anything else: until then the length is stale.
+    char *GetBuffer(int nMinBufLength);
+    // Sets the length after writing; -1: up to the first NUL.
+    void ReleaseBuffer(int nNewLength = -1);
+    // GetBuffer and ReleaseBuffer in one: the length is set before the characters are written.
+    char *GetBufferSetLength(int nNewLength);
+    // Gives back capacity beyond the text.
+    void FreeExtra();
+    // Until UnlockBuffer the block belongs to this string alone: copies take blocks of their own,
+    // Empty keeps it, and so does an assignment that fits (one that does not takes a larger block,
+    // locked as well). An empty string without a block has nothing to lock.
+    char *LockBuffer();
+    void UnlockBuffer();
+    void Empty();
+
+    // The text up to its first NUL as UTF-16 in the bytes of the result: GetLength() is two for
+    // each wide character, the terminating wide NUL included.
+    CCUString ConvertToWide() const;
+    // This string: it is 8-bit already.
+    CCUString ConvertToANSI() const;
+    // Base64 of all bytes, with "=" padding, without line breaks.
+    CCUString Encode64() const;
+    // The bytes that the characters of the alphabet give; all others are skipped, left-over bits
+    // dropped. Never fails.
+    CCUString Decode64() const;
+
+protected:
+    CCUStringData *GetData() const { return reinterpret_cast<CCUStringData *>(m_pchData) - 1; }
+    void Init() { m_pchData = const_cast<char *>(CUPchNil); }
+    static int SafeStrlen(const char *psz);
+
+    // Points at a new block of exactly nLen characters, of which only the NUL is written; the old
+    // one stays with the caller. An impossible length is reported and gives the empty string.
+    void AllocBuffer(int nLen);
+    // Lets go of the block and points at the empty one.
+    void Release();
+    static void Release(CCUStringData *pData);
+    // Makes the block this string's own: with its text, or with room for nLen and any text.
+    void CopyBeforeWrite();
+    void AllocBeforeWrite(int nLen);
+    // A block of nCopyLen + nExtraLen in dest, with nCopyLen characters from nCopyIndex.
+    void AllocCopy(CCUString &dest, int nCopyLen, int nCopyIndex, int nExtraLen) const;
+    void AssignCopy(int nSrcLen, const char *src);
+    // Points at a new block with both texts; the old one stays with the caller.
+    void ConcatCopy(int nSrc1Len, const char *src1, int nSrc2Len, const char *src2);
+    void ConcatInPlace(int nSrcLen, const char *src);
+    void FormatV(const char *pszFormat, va_list args);
+
+    char *m_pchData;
+
+private:
+    friend CU_API CCUString operator+(const CCUString &string1, const CCUString &string2);
+    friend CU_API CCUString operator+(const CCUString &string, const char *psz);
+    friend CU_API CCUString operator+(const char *psz, const CCUString &string);
+    friend CU_API CCUString operator+(const CCUString &string, char ch);
+    friend CU_API CCUString operator+(char ch, const CCUString &string);
+
+    bool IsLocked() const { return GetData()->nRefs < 0 && GetData() != CUDataNil; }
+    bool PointsInto(const void *p) const;
+    void ReleaseOld(CCUStringData *pOldData);
+    void ConvertFromWide(const unsigned short *pszWide, int nCapacity);
+};
+
+CU_API CCUString operator+(const CCUString &string1, const CCUString &string2);
+CU_API CCUString operator+(const CCUString &string, const char *psz);
+CU_API CCUString operator+(const char *psz, const CCUString &string);
+CU_API CCUString operator+(const CCUString &string, char ch);
+CU_API CCUString operator+(char ch, const CCUString &string);
+
+inline bool operator==(const CCUString &s1, const CCUString &s2)
+{
+    return s1.Compare(s2) == 0;
+}
+inline bool operator==(const CCUString &s1, const char *s2)
+{
+    return s1.Compare(s2) == 0;
+}
+inline bool operator==(const char *s1, const CCUString &s2)
+{
+    return s2.Compare(s1) == 0;
+}
+inline bool operator!=(const CCUString &s1, const CCUString &s2)
+{
+    return s1.Compare(s2) != 0;
+}
+inline bool operator!=(const CCUString &s1, const char *s2)
+{
+    return s1.Compare(s2) != 0;
+}
+inline bool operator!=(const char *s1, const CCUString &s2)
+{
+    return s2.Compare(s1) != 0;
+}
+inline bool operator<(const CCUString &s1, const CCUString &s2)
+{
+    return s1.Compare(s2) < 0;
+}
+inline bool operator<(const CCUString &s1, const char *s2)
+{
+    return s1.Compare(s2) < 0;
+}
+inline bool operator<(const char *s1, const CCUString &s2)
+{
+    return s2.Compare(s1) > 0;
+}
+inline bool operator>(const CCUString &s1, const CCUString &s2)
+{
+    return s1.Compare(s2) > 0;
+}
+inline bool operator>(const CCUString &s1, const char *s2)
+{
+    return s1.Compare(s2) > 0;
+}
+inline bool operator>(const char *s1, const CCUString &s2)
+{
+    return s2.Compare(s1) < 0;
+}
+inline bool operator<=(const CCUString &s1, const CCUString &s2)
+{
+    return s1.Compare(s2) <= 0;
+}
+inline bool operator<=(const CCUString &s1, const char *s2)
+{
+    return s1.Compare(s2) <= 0;
+}
+inline bool operator<=(const char *s1, const CCUString &s2)
+{
+    return s2.Compare(s1) >= 0;
+}
+inline bool operator>=(const CCUString &s1, const CCUString &s2)
+{
+    return s1.Compare(s2) >= 0;
+}
+inline bool operator>=(const CCUString &s1, const char *s2)
+{
+    return s1.Compare(s2) >= 0;
+}
+inline bool operator>=(const char *s1, const CCUString &s2)
+{
+    return s2.Compare(s1) <= 0;
+}
+
+inline char CCUString::GetAt(int nIndex) const
+{
+    CUAssertHolds(nIndex >= 0, "nIndex >= 0", "String", __LINE__);
+    CUAssertHolds(nIndex <= GetData()->nDataLength, "nIndex <= GetData()->nDataLength", "String",
+                  __LINE__);
+    return m_pchData[nIndex];
+}
+
+// ANSI code page from NUL-terminated UTF-16. `count` is the room at mbstr in bytes, the NUL
+// included. Returns the bytes written with the NUL, or 0: no room, or wcstr null. A null mbstr with
+// a count of 0 asks for the bytes needed.
+CU_API int CUWideToMultiByteString(char *mbstr, const unsigned short *wcstr, unsigned int count);
+// The other way; room and result are in 16-bit characters.
+CU_API int CUMultiByteToWideString(unsigned short *wcstr, const char *mbstr, unsigned int count);
+
+// The same for callers that hold another 16-bit character type, such as wchar_t.
+template <typename Wide>
+inline int CUWideToMultiByteString(char *mbstr, const Wide *wcstr, unsigned int count)
+{
+    static_assert(sizeof(Wide) == sizeof(unsigned short), "UTF-16 expected");
+    return CUWideToMultiByteString(mbstr, reinterpret_cast<const unsigned short *>(wcstr), count);
+}
+template <typename Wide>
+inline int CUMultiByteToWideString(Wide *wcstr, const char *mbstr, unsigned int count)
+{
+    static_assert(sizeof(Wide) == sizeof(unsigned short), "UTF-16 expected");
+    return CUMultiByteToWideString(reinterpret_cast<unsigned short *>(wcstr), mbstr, count);
+}
