@@ -1,0 +1,68 @@
+#pragma once
+
+#include "CUI/Platform.h"
+
+class CCUString;
+
+// Makes device-dependent bitmaps (DDBs) and palettes of bitmap resources, files and packed DIBs.
+//
+// A packed DIB is one block: a BITMAPINFOHEADER, the colour table (RGBQUADs), the pixel rows. One
+// that is returned came from malloc and is freed with free; one that is given stays the caller's.
+// Bitmaps and palettes that are returned are the caller's, to be deleted with DeleteObject. The
+// number of colours is biClrUsed, or 2^biBitCount when that is 0 and the depth 8 bits or less, or
+// 0. Failures return null; nothing is reported unless said so. Headers and files are taken for
+// untrusted: what they claim and do not hold leads to null. For the user-interface thread.
+//
+// Where a palette is made, it is selected into the screen's DC as a foreground palette and realised
+// before the bitmap is made.
+
+// A BMP file as a packed DIB, or null. Headers other than the 40-byte one are refused. Rows are
+// taken to be aligned to words, of (depth x width) / 8 bytes rounded up to even. A file that cannot
+// be opened, is too short for its file header or no bitmap is traced.
+CUI_API BITMAPINFOHEADER *CUIBmpDIBFromFile(const CCUString &sFile);
+
+// A palette of the colour table, which starts 40 bytes after the header's start. *pnColors is the
+// number of colours that the header claims; the palette has the first 256 of them, since nobody
+// vouches for more. Null for no colours.
+CUI_API HPALETTE CUIBmpCreateDIBPalette(BITMAPINFO *pbmi, int *pnColors);
+
+// A DDB of a BMP file, read as CUIBmpDIBFromFile does, and in hPal its palette, or null.
+CUI_API HBITMAP CUIBmpLoadBitmapFilePalette(const CCUString &sFile, HPALETTE &hPal);
+
+// The same of a bitmap resource. One that is missing is reported with "hRsrcImage".
+CUI_API HBITMAP CUIBmpLoadBitmapPalette(HINSTANCE hInst, const char *pszName, HPALETTE &hPal);
+
+// A DDB of a bitmap resource, or of a BMP file when hInst is null and pszName a string; a file that
+// cannot be loaded is traced. With bMapColors every colour of the colour table that equals pFrom[i]
+// becomes pTo[i], the first match counting; with an nCount of 0 black, grey (808080), silver
+// (C0C0C0) and white become CUIData's button text, shadow, face and highlight. The colours are
+// COLORREFs. phPal may be null; otherwise it receives the palette of the (replaced) colours.
+CUI_API HBITMAP CUIBmpLoad(HINSTANCE hInst, const char *pszName, HPALETTE *phPal, bool bMapColors,
+                           DWORD *pFrom, DWORD *pTo, int nCount);
+
+// The same of a packed DIB whose pixels start after a table of 256 entries, whatever the depth.
+// The colours are replaced in that table itself.
+CUI_API HBITMAP CUIBmpCreateBitmap(BITMAPINFOHEADER *pbih, HPALETTE *phPal, bool bMapColors,
+                                   DWORD *pFrom, DWORD *pTo, int nCount);
+
+// DDBs of a BMP file or a bitmap resource whose pixels follow a full colour table (2^biBitCount
+// entries). Where bSysColors is not 0, and always for resources, those of the first 16 colours that
+// are black, grey, silver or white become the system's present button colours: for pictures of 16
+// colours. CUIBmpLoadBitmap reports a missing resource with "hRsrcImage".
+CUI_API HBITMAP CUIBmpLoadBitmapFile(const CCUString &sFile, int bSysColors);
+CUI_API HBITMAP CUIBmpLoadSysColorBitmap(HINSTANCE hInst, HRSRC hRsrc);
+CUI_API HBITMAP CUIBmpLoadBitmap(HINSTANCE hInst, const char *pszName);
+
+// A bitmap of the screen's depth, cx by cy pixels, that holds the top-left part of hbm. The palette
+// may be null.
+CUI_API HBITMAP CUICopyBitmap(HBITMAP hbm, int cx, int cy, HPALETTE hPal);
+
+// A palette with the same entries, the first 256.
+CUI_API HPALETTE CUICopyPalette(HPALETTE hPal);
+
+// The bitmap as a packed DIB of its own depth, its colours taken through the palette (null: the
+// default palette). dwHeaderSize receives the bytes before the pixels. Null for a null bitmap.
+CUI_API BITMAPINFOHEADER *CUIBitmapToDib(HBITMAP hbm, HPALETTE hPal, DWORD &dwHeaderSize);
+
+// Writes the entries of a palette, the first 256, to the debug trace.
+CUI_API void CUIDumpPalette(HPALETTE hPal);
