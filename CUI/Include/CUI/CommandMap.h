@@ -63,16 +63,18 @@ private:
     static unsigned int Base(int nMap) { return nMap ? SECOND_BASE : FIRST_BASE; }
     static int Table(unsigned int nID);
 
+    // NOLINTBEGIN(readability-identifier-naming): the static operations' counterparts
     int _Add(CCUICommandHandler *pCmdHandler);
     int _Remove(CCUICommandHandler *pCmdHandler);
     CCUICommandHandler *_Lookup(unsigned int nID);
     CCUICommandHandler *_Override(unsigned int nID, CCUICommandHandler *pCmdHandler);
     void _IdleUpdate();
     void _Dump();
+    // NOLINTEND(readability-identifier-naming)
 
     void DumpEntry(int nMap, int nIndex);
     CCUICommandHandler **Slot(unsigned int nID);
-    bool Grow(int nMap, unsigned int nEntries);
+    bool Cover(int nMap, int nIndex, unsigned int nRange);
 
     // Null before the first use and after the end.
     static CCUICommandMap *s_pThis;
