@@ -1,0 +1,282 @@
+#include "CUI/Bitmap.h"
+
+#include <stdlib.h>
+
+#include "CU/Assert.h"
+#include "CUI/BmpBlt.h"
+#include "CUI/BmpLoad.h"
+#include "CUI/Data.h"
+
+#define CU_SOURCE "Bitmap"
+
+namespace {
+
+// The record of all empty bitmaps. Plain data, so that bitmaps may be made before and destroyed
+// after everything else.
+CUIBitmapData nilData = {-1, 0, 0, 0, nullptr, nullptr};
+
+const char *ToResourceID(UINT nID)
+{
+    return reinterpret_cast<const char *>(static_cast<ULONG_PTR>(nID & 0xFFFF));
+}
+
+CUIBitmapData *NewData(HBITMAP hBitmap)
+{
+    return new CUIBitmapData{1, 0, 0, 0, nullptr, hBitmap};
+}
+
+CUIBitmapSource *NewSource(const CCUString &sName, const char *pszID, WORD wFlags, HINSTANCE hInst)
+{
+    return new CUIBitmapSource{sName, pszID, hInst, wFlags, nullptr, 0};
+}
+
+void DestroyData(CUIBitmapData *pData)
+{
+    if (pData->m_pSource) {
+        CUIBmpDeleteObject(&pData->m_pSource->m_hPalette);
+        delete pData->m_pSource;
+    }
+    CUIBmpDeleteObject(&pData->m_hBitmap);
+    delete pData;
+}
+
+void RefreshDimensions(CUIBitmapData &data)
+{
+    data.m_nWidth = data.m_nHeight = data.m_nDepth = 0;
+    if (!data.m_hBitmap)
+        return;
+    // What GetObject wants for a DIB section differs between systems; a BITMAP comes first in both.
+    DIBSECTION section = {};
+    const int nSize = GetObjectA(data.m_hBitmap, 0, nullptr);
+    if (nSize == sizeof(BITMAP) || nSize == sizeof(DIBSECTION))
+        GetObjectA(data.m_hBitmap, nSize, &section);
+    data.m_nWidth = section.dsBm.bmWidth;
+    data.m_nHeight = section.dsBm.bmHeight;
+    data.m_nDepth = section.dsBm.bmPlanes * section.dsBm.bmBitsPixel;
+    CU_ASSERT_TEXT(data.m_nWidth > 0 && data.m_nHeight > 0 && data.m_nDepth > 0,
+                   "m_nWidth > 0 && m_nHeight > 0 && m_nDepth > 0");
+}
+
+// The numeric id to try when the resource's own name finds nothing.
+const char *SecondID(const CUIBitmapSource &source)
+{
+    if (source.m_sBitmap.IsEmpty())
+        return source.m_pszID;
+    const char *pszName = source.m_sBitmap;
+    char *pEnd = nullptr;
+    const unsigned long nID = strtoul(pszName, &pEnd, 10);
+    return ToResourceID(pEnd == pszName + source.m_sBitmap.GetLength() ? nID : 0);
+}
+
+// The colours that a load replaces.
+struct CColorMap
+{
+    DWORD *m_pFrom;
+    DWORD *m_pTo;
+    int m_nCount;
+};
+
+HBITMAP LoadNamed(CUIBitmapSource &source, HINSTANCE hInst, const char *pszName,
+                  const CColorMap &map)
+{
+    return CUIBmpLoad(
+        hInst, pszName, source.m_wFlags & CUIBMP_PALETTE ? &source.m_hPalette : nullptr,
+        (source.m_wFlags & CUIBMP_SYSCOLORS) != 0, map.m_pFrom, map.m_pTo, map.m_nCount);
+}
+
+HBITMAP LoadResourceBitmap(CUIBitmapSource &source, const CColorMap &map)
+{
+    CU_ASSERT_TEXT(source.m_wFlags & CUIBMP_RESOURCE, "m_wFlags & 0x08");
+    CU_ASSERT_TEXT(source.m_sBitmap.GetLength() > 0 || source.m_pszID != nullptr,
+                   "m_sBitmap.GetLength() > 0 || m_pszID != 0");
+    const char *pszName = source.m_pszID;
+    if (!source.m_sBitmap.IsEmpty())
+        pszName = source.m_sBitmap;
+    const HBITMAP hBitmap = LoadNamed(source, source.m_hInst, pszName, map);
+    return hBitmap ? hBitmap : LoadNamed(source, source.m_hInst, SecondID(source), map);
+}
+
+HBITMAP LoadFileBitmap(CUIBitmapSource &source, const CColorMap &map)
+{
+    CU_ASSERT_TEXT(source.m_wFlags & CUIBMP_FILE, "m_wFlags & 0x04");
+    CU_ASSERT_TEXT(source.m_sBitmap.GetLength() > 0, "m_sBitmap.GetLength() > 0");
+    return LoadNamed(source, nullptr, source.m_sBitmap, map);
+}
+
+void LoadFromSource(CUIBitmapData &data, const CColorMap &map)
+{
+    if (!data.m_pSource)
+        return;
+    CUIBitmapSource &source = *data.m_pSource;
+    CUIBmpDeleteObject(&data.m_hBitmap);
+    CUIBmpDeleteObject(&source.m_hPalette);
+    if (source.m_wFlags & CUIBMP_RESOURCE)
+        data.m_hBitmap = LoadResourceBitmap(source, map);
+    else if (source.m_wFlags & CUIBMP_FILE)
+        data.m_hBitmap = LoadFileBitmap(source, map);
+    RefreshDimensions(data);
+    source.m_dwColorStamp = CUIGetWinData()->dwColorStamp;
+}
+
+}  // namespace
+
+CCUIBitmap::CCUIBitmap() : m_pchData(&nilData) {}
+
+CCUIBitmap::CCUIBitmap(const CCUIBitmap &bitmapSrc) : m_pchData(&nilData)
+{
+    if (bitmapSrc.m_pchData->m_nRefs < 1) {
+        CU_ASSERT(bitmapSrc.m_pchData == &nilData);
+        return;
+    }
+    CU_ASSERT(bitmapSrc.m_pchData != &nilData);
+    m_pchData = bitmapSrc.m_pchData;
+    InterlockedIncrement(&m_pchData->m_nRefs);
+}
+
+CCUIBitmap::CCUIBitmap(UINT nID, WORD wFlags, HINSTANCE hInst) : m_pchData(&nilData)
+{
+    Load(nID, wFlags, hInst);
+}
+
+CCUIBitmap::CCUIBitmap(const char *pszName, WORD wFlags, HINSTANCE hInst) : m_pchData(&nilData)
+{
+    Load(pszName, wFlags, hInst);
+}
+
+CCUIBitmap::CCUIBitmap(const CCUString &sName, WORD wFlags, HINSTANCE hInst) : m_pchData(&nilData)
+{
+    Load(sName, wFlags, hInst);
+}
+
+CCUIBitmap::CCUIBitmap(HBITMAP hBitmap, HPALETTE hPalette) : m_pchData(&nilData)
+{
+    Adopt(hBitmap, hPalette);
+}
+
+CCUIBitmap::CCUIBitmap(BITMAPINFOHEADER *pbih, WORD wFlags) : m_pchData(NewData(nullptr))
+{
+    CUIBitmapSource *pSource = NewSource(CCUString(), nullptr, 0, nullptr);
+    m_pchData->m_pSource = pSource;
+    m_pchData->m_hBitmap =
+        CUIBmpCreateBitmap(pbih, wFlags & CUIBMP_PALETTE ? &pSource->m_hPalette : nullptr,
+                           (wFlags & CUIBMP_SYSCOLORS) != 0, nullptr, nullptr, 0);
+    RefreshDimensions(*m_pchData);
+}
+
+CCUIBitmap::~CCUIBitmap()
+{
+    Empty();
+}
+
+CCUIBitmap &CCUIBitmap::operator=(const CCUIBitmap &bitmapSrc)
+{
+    if (m_pchData == bitmapSrc.m_pchData)
+        return *this;
+    CUIBitmapData *pData = bitmapSrc.m_pchData;
+    Empty();
+    if (pData != &nilData) {
+        InterlockedIncrement(&pData->m_nRefs);
+        m_pchData = pData;
+    }
+    return *this;
+}
+
+CCUIBitmap &CCUIBitmap::operator=(HBITMAP hBitmap)
+{
+    // Its own handle would be deleted before it is taken over.
+    if (!hBitmap || hBitmap != m_pchData->m_hBitmap)
+        Adopt(hBitmap, nullptr);
+    return *this;
+}
+
+void CCUIBitmap::Load(const CCUString &sName, WORD wFlags, HINSTANCE hInst)
+{
+    LoadNew(sName, nullptr, wFlags, hInst);
+}
+
+void CCUIBitmap::Load(UINT nID, WORD wFlags, HINSTANCE hInst)
+{
+    LoadNew(CCUString(), ToResourceID(nID), static_cast<WORD>(wFlags | CUIBMP_RESOURCE), hInst);
+}
+
+void CCUIBitmap::Load(const char *pszName, WORD wFlags, HINSTANCE hInst)
+{
+    LoadNew(CCUString(), pszName, static_cast<WORD>(wFlags | CUIBMP_RESOURCE), hInst);
+}
+
+void CCUIBitmap::ReLoad(DWORD *pFrom, DWORD *pTo, int nCount)
+{
+    const CUIBitmapSource *pSource = m_pchData->m_pSource;
+    if (m_pchData->m_nRefs >= 2 && pSource)
+        LoadNew(pSource->m_pszID ? CCUString() : pSource->m_sBitmap, pSource->m_pszID,
+                pSource->m_wFlags, pSource->m_hInst);
+    LoadFromSource(*m_pchData, {pFrom, pTo, nCount});
+}
+
+void CCUIBitmap::Empty()
+{
+    if (m_pchData == &nilData)
+        return;
+    CU_ASSERT(m_pchData->m_nRefs > 0);
+    if (InterlockedDecrement(&m_pchData->m_nRefs) <= 0)
+        DestroyData(m_pchData);
+    m_pchData = &nilData;
+}
+
+bool CCUIBitmap::IsNull() const
+{
+    return !m_pchData->m_hBitmap;
+}
+
+int CCUIBitmap::Width() const
+{
+    return m_pchData->m_nWidth;
+}
+
+int CCUIBitmap::Height() const
+{
+    return m_pchData->m_nHeight;
+}
+
+int CCUIBitmap::Depth() const
+{
+    return m_pchData->m_nDepth;
+}
+
+CCUIBitmap::operator HBITMAP() const
+{
+    return m_pchData->m_hBitmap;
+}
+
+CCUIBitmap::operator HPALETTE() const
+{
+    return m_pchData->m_pSource ? m_pchData->m_pSource->m_hPalette : nullptr;
+}
+
+const CUIBitmapData *CCUIBitmap::GetData() const
+{
+    return m_pchData;
+}
+
+void CCUIBitmap::Adopt(HBITMAP hBitmap, HPALETTE hPalette)
+{
+    Empty();
+    if (!hBitmap)
+        return;
+    m_pchData = NewData(hBitmap);
+    if (hPalette) {
+        m_pchData->m_pSource = NewSource(CCUString(), nullptr, 0, nullptr);
+        m_pchData->m_pSource->m_hPalette = hPalette;
+    }
+    RefreshDimensions(*m_pchData);
+}
+
+void CCUIBitmap::LoadNew(const CCUString &sName, const char *pszID, WORD wFlags, HINSTANCE hInst)
+{
+    // Made before the old record goes, which the name may be a part of.
+    CUIBitmapData *pData = NewData(nullptr);
+    pData->m_pSource = NewSource(sName, pszID, wFlags, hInst);
+    Empty();
+    m_pchData = pData;
+    LoadFromSource(*pData, {nullptr, nullptr, 0});
+}

@@ -1,0 +1,158 @@
+#include "CUI/BmpLoad.h"
+
+#include <stdlib.h>
+#include <string.h>
+
+#include "CU/Assert.h"
+#include "CU/Dump.h"
+#include "CUI/Data.h"
+#include "GdiGuards.h"
+#include "PackedDib.h"
+
+#define CU_SOURCE "Bmp"
+
+namespace {
+
+// The layout of the DIBs that are converted here: a full table, whatever the depth.
+const DWORD nFullTable = CUI_DIB_MAX_COLORS * sizeof(RGBQUAD);
+
+DWORD ToQuad(DWORD cr)
+{
+    return static_cast<DWORD>(GetRValue(cr)) << 16 | static_cast<DWORD>(GetGValue(cr)) << 8 |
+           GetBValue(cr);
+}
+
+// Which colours are replaced by which.
+struct CColorMap
+{
+    DWORD *m_pFrom;
+    DWORD *m_pTo;
+    int m_nCount;
+};
+
+void ReplaceColors(DWORD *pTable, DWORD nColors, const CColorMap &map)
+{
+    if (!map.m_pFrom || !map.m_pTo)
+        return;
+    for (DWORD *pColor = pTable; pColor < pTable + nColors; ++pColor) {
+        int i = 0;
+        while (i < map.m_nCount && ToQuad(map.m_pFrom[i]) != *pColor)
+            ++i;
+        if (i < map.m_nCount)
+            *pColor = ToQuad(map.m_pTo[i]);
+    }
+}
+
+void MapColors(DWORD *pTable, DWORD nColors, const CColorMap &map)
+{
+    const CUIData &data = *CUIGetWinData();
+    DWORD from[] = {0x000000, 0x808080, 0xC0C0C0, 0xFFFFFF};
+    DWORD to[] = {data.ResolveColor(data.crSys[COLOR_BTNTEXT]),
+                  data.ResolveColor(data.crSys[COLOR_BTNSHADOW]),
+                  data.ResolveColor(data.crSys[COLOR_BTNFACE]),
+                  data.ResolveColor(data.crSys[COLOR_BTNHIGHLIGHT])};
+    const CColorMap buttons = {from, to, 4};
+    ReplaceColors(pTable, nColors, map.m_nCount == 0 ? buttons : map);
+}
+
+// Colours, palette and bitmap of a DIB with a full table, of which nothing but the header is known
+// to be there when bTrusted is false.
+HBITMAP Convert(HDC hScreen, BITMAPINFOHEADER *pbih, bool bTrusted, HPALETTE *phPal,
+                const CColorMap *pMap)
+{
+    char *pBlock = reinterpret_cast<char *>(pbih);
+    RGBQUAD *pTable = reinterpret_cast<BITMAPINFO *>(pbih)->bmiColors;
+    const DWORD nClaimed = CUIDibColorCount(*pbih);
+    const DWORD nColors = nClaimed < CUI_DIB_MAX_COLORS ? nClaimed : CUI_DIB_MAX_COLORS;
+    const ULONGLONG nPixels = static_cast<ULONGLONG>(pbih->biSize) + nFullTable;
+    if (!bTrusted && !CUIMemoryHolds(pTable, nColors * sizeof(RGBQUAD), pMap != nullptr))
+        return nullptr;
+    if (pMap)
+        MapColors(reinterpret_cast<DWORD *>(pTable), nColors, *pMap);
+    if (phPal) {
+        *phPal = CUIPaletteFromTable(pTable, nColors);
+        CUIRealizeForLoad(hScreen, *phPal);
+    }
+    if (!bTrusted && !CUIMemoryHolds(pbih, CUIDibExtent(*pbih, nPixels), false))
+        return nullptr;
+    return CUIDibToBitmap(hScreen, pbih, pBlock + nPixels);
+}
+
+// The picture of a DIB section of any layout as a plain DIB with a full table, from malloc.
+BITMAPINFOHEADER *SectionToDib(HDC hScreen, HBITMAP hDIB)
+{
+    BITMAP bm = {};
+    const int nGot = GetObjectA(hDIB, sizeof(bm), &bm);
+    CU_ASSERT_TEXT(nGot == sizeof(bm), "GetObject(hDIB, sizeof(bm), &bm) == sizeof(bm)");
+
+    BITMAPINFOHEADER header = {};
+    header.biSize = sizeof header;
+    header.biWidth = bm.bmWidth;
+    header.biHeight = bm.bmHeight;
+    header.biPlanes = 1;
+    header.biBitCount = bm.bmBitsPixel;
+    header.biCompression = BI_RGB;
+    // Not the 3780 of a 96 dpi screen: what was meant as dots per inch has always been written
+    // here.
+    header.biXPelsPerMeter = 96;
+    header.biYPelsPerMeter = 96;
+    const ULONGLONG nImage = CUIDibImageSize(header);
+    const DWORD nHeaders = sizeof header + nFullTable;
+    if (nImage > static_cast<size_t>(-1) - nHeaders)
+        return nullptr;
+    header.biSizeImage = static_cast<DWORD>(nImage);
+
+    char *pBlock = static_cast<char *>(malloc(nHeaders + header.biSizeImage));
+    if (!pBlock)
+        return nullptr;
+    BITMAPINFO *pInfo = reinterpret_cast<BITMAPINFO *>(pBlock);
+    memset(pBlock, 0, nHeaders);
+    pInfo->bmiHeader = header;
+    if (!GetDIBits(hScreen, hDIB, 0, static_cast<UINT>(labs(bm.bmHeight)), pBlock + nHeaders, pInfo,
+                   DIB_RGB_COLORS))
+    {
+        free(pBlock);
+        return nullptr;
+    }
+    return &pInfo->bmiHeader;
+}
+
+bool IsName(const char *pszName)
+{
+    return reinterpret_cast<ULONG_PTR>(pszName) >> 16 != 0;
+}
+
+}  // namespace
+
+HBITMAP CUIBmpLoad(HINSTANCE hInst, const char *pszName, HPALETTE *phPal, bool bMapColors,
+                   DWORD *pFrom, DWORD *pTo, int nCount)
+{
+    const bool bFile = !hInst && IsName(pszName);
+    const UINT nFlags =
+        LR_CREATEDIBSECTION | LR_DEFAULTSIZE | (bFile ? static_cast<UINT>(LR_LOADFROMFILE) : 0);
+    const CCUIOwned<HBITMAP> hDIB(
+        static_cast<HBITMAP>(LoadImageA(hInst, pszName, IMAGE_BITMAP, 0, 0, nFlags)));
+    if (!hDIB) {
+        if (bFile)
+            CUDump("Error loading bitmap %s.\n", pszName);
+        return nullptr;
+    }
+    const CCUIWindowDC hScreen(nullptr);
+    BITMAPINFOHEADER *pbih = SectionToDib(hScreen, hDIB);
+    if (!pbih)
+        return nullptr;
+    const CColorMap map = {pFrom, pTo, nCount};
+    const HBITMAP hBitmap = Convert(hScreen, pbih, true, phPal, bMapColors ? &map : nullptr);
+    free(pbih);
+    return hBitmap;
+}
+
+HBITMAP CUIBmpCreateBitmap(BITMAPINFOHEADER *pbih, HPALETTE *phPal, bool bMapColors, DWORD *pFrom,
+                           DWORD *pTo, int nCount)
+{
+    if (!pbih)
+        return nullptr;
+    const CCUIWindowDC hScreen(nullptr);
+    const CColorMap map = {pFrom, pTo, nCount};
+    return Convert(hScreen, pbih, false, phPal, bMapColors ? &map : nullptr);
+}

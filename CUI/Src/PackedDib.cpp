@@ -1,0 +1,88 @@
+#include "PackedDib.h"
+
+namespace {
+
+// More than any block can have, and still far from the end of 64 bits.
+const ULONGLONG nImpossible = 1ULL << 62;
+
+bool IsCompressed(const BITMAPINFOHEADER &header)
+{
+    return header.biCompression != BI_RGB && header.biCompression != BI_BITFIELDS;
+}
+
+// The bytes after the header in which GDI looks for colours or colour masks.
+ULONGLONG TableSize(const BITMAPINFOHEADER &header)
+{
+    if (header.biCompression == BI_BITFIELDS)
+        return 3 * sizeof(DWORD);
+    if (header.biBitCount > 8)
+        return 0;
+    const DWORD nMost = 1U << header.biBitCount;
+    const DWORD nColors = CUIDibColorCount(header);
+    return sizeof(RGBQUAD) * (nColors < nMost ? nColors : nMost);
+}
+
+}  // namespace
+
+DWORD CUIDibColorCount(const BITMAPINFOHEADER &header)
+{
+    if (header.biClrUsed)
+        return header.biClrUsed;
+    return header.biBitCount <= 8 ? 1U << header.biBitCount : 0;
+}
+
+ULONGLONG CUIDibImageSize(const BITMAPINFOHEADER &header)
+{
+    if (header.biSize < sizeof(BITMAPINFOHEADER) || header.biSize > sizeof(BITMAPV5HEADER) ||
+        header.biWidth < 0 || header.biBitCount > 32)
+        return nImpossible;
+    if (IsCompressed(header))
+        return header.biSizeImage;
+    const ULONGLONG nWidth = static_cast<ULONGLONG>(header.biWidth);
+    const LONGLONG nHeight = header.biHeight;
+    const ULONGLONG nRow = ((header.biBitCount * nWidth + 31) >> 5) * 4;
+    return nRow >= 1ULL << 31 ? nImpossible
+                              : nRow * static_cast<ULONGLONG>(nHeight < 0 ? -nHeight : nHeight);
+}
+
+ULONGLONG CUIDibExtent(const BITMAPINFOHEADER &header, ULONGLONG nPixels)
+{
+    const ULONGLONG nTableEnd = header.biSize + TableSize(header);
+    const ULONGLONG nImageEnd = nPixels + CUIDibImageSize(header);
+    return nTableEnd > nImageEnd ? nTableEnd : nImageEnd;
+}
+
+bool CUIMemoryHolds(const void *p, ULONGLONG nSize, bool bWrite)
+{
+    const DWORD nWritable =
+        PAGE_READWRITE | PAGE_WRITECOPY | PAGE_EXECUTE_READWRITE | PAGE_EXECUTE_WRITECOPY;
+    const DWORD nReadable = nWritable | PAGE_READONLY | PAGE_EXECUTE_READ;
+    const ULONGLONG nEnd = reinterpret_cast<ULONG_PTR>(p) + nSize;
+    ULONGLONG nAt = reinterpret_cast<ULONG_PTR>(p);
+    while (nAt < nEnd) {
+        MEMORY_BASIC_INFORMATION region;
+        if (nAt > ~static_cast<ULONG_PTR>(0) ||
+            !VirtualQuery(reinterpret_cast<void *>(static_cast<ULONG_PTR>(nAt)), &region,
+                          sizeof region) ||
+            region.State != MEM_COMMIT || (region.Protect & PAGE_GUARD) ||
+            !(region.Protect & (bWrite ? nWritable : nReadable)))
+            return false;
+        nAt = reinterpret_cast<ULONG_PTR>(region.BaseAddress) +
+              static_cast<ULONGLONG>(region.RegionSize);
+    }
+    return true;
+}
+
+void CUIRealizeForLoad(HDC hDC, HPALETTE hPal)
+{
+    if (!hPal)
+        return;
+    SelectPalette(hDC, hPal, FALSE);
+    RealizePalette(hDC);
+}
+
+HBITMAP CUIDibToBitmap(HDC hDC, const BITMAPINFOHEADER *pbih, const void *pPixels)
+{
+    return CreateDIBitmap(hDC, pbih, CBM_INIT, pPixels, reinterpret_cast<const BITMAPINFO *>(pbih),
+                          DIB_RGB_COLORS);
+}
