@@ -177,7 +177,9 @@ private:
     bool IsLocked() const { return GetData()->nRefs < 0 && GetData() != CUDataNil; }
     bool PointsInto(const void *p) const;
     void ReleaseOld(CCUStringData *pOldData);
+    void SetLength(int nLength);
     void ConvertFromWide(const unsigned short *pszWide, int nCapacity);
+    void PrintV(int nMaxLen, const char *pszFormat, va_list argListSave);
 };
 
 CU_API CCUString operator+(const CCUString &string1, const CCUString &string2);

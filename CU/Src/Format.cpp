@@ -1,0 +1,231 @@
+// Formatting in two passes: what the format lets expect is reserved, then written, never grown.
+
+#include <stdarg.h>
+#include <stdio.h>
+#include <stdlib.h>
+#include <string.h>
+#include <wchar.h>
+
+#include "CU/String.h"
+#include "StringLength.h"
+
+#define CU_SOURCE "String"
+
+namespace {
+
+const int NUMBER_LENGTH = 32;
+const int FLOAT_LENGTH = 512;
+
+int Max(int n1, int n2)
+{
+    return n1 > n2 ? n1 : n2;
+}
+
+int Add(int n1, int n2)
+{
+    return CUToLength(static_cast<long long>(n1) + n2);
+}
+
+// The length of a text of which no more than nMost characters will be read; null is empty.
+template <typename Char>
+int TextLength(const Char *psz, int nMost)
+{
+    int nLength = 0;
+    while (psz && nLength < nMost && psz[nLength])
+        ++nLength;
+    return nLength;
+}
+
+// Walks a format and its arguments and sums up the longest text they are expected to give.
+class CFormatEstimate
+{
+public:
+    // Texts between pOwn and pOwnEnd are the target's own.
+    CFormatEstimate(const char *pszFormat, va_list args, const char *pOwn, const char *pOwnEnd)
+        : m_p(pszFormat), m_pOwn(pOwn), m_pOwnEnd(pOwnEnd), m_nMaxLen(0), m_bReadsOwn(false)
+    {
+        va_copy(m_args, args);
+        Walk();
+        va_end(m_args);
+    }
+    int MaxLen() const { return m_nMaxLen; }
+    // An argument is a part of the target.
+    bool ReadsOwn() const { return m_bReadsOwn; }
+
+private:
+    struct CItem
+    {
+        int nWidth;
+        int nPrecision;
+        char chModifier;
+    };
+
+    void Walk();
+    CItem ReadItem();
+    bool ReadFlags(int &nWidth);
+    int ReadNumber();
+    int ItemLength(const CItem &item);
+    int StringLength(const CItem &item);
+    static int FitString(const CItem &item, int nItemLen);
+
+    const char *m_p;
+    va_list m_args;
+    const char *m_pOwn;
+    const char *m_pOwnEnd;
+    int m_nMaxLen;
+    bool m_bReadsOwn;
+};
+
+void CFormatEstimate::Walk()
+{
+    for (; *m_p; ++m_p) {
+        if (*m_p != '%' || *++m_p == '%') {
+            m_nMaxLen = Add(m_nMaxLen, 1);
+            continue;
+        }
+        const CItem item = ReadItem();
+        m_nMaxLen = Add(m_nMaxLen, ItemLength(item));
+        if (!*m_p)
+            break;
+    }
+}
+
+// Reads up to the conversion character.
+CFormatEstimate::CItem CFormatEstimate::ReadItem()
+{
+    CItem item = {0, 0, '\0'};
+    if (!ReadFlags(item.nWidth))
+        item.nWidth = ReadNumber();
+    CU_ASSERT_TEXT(item.nWidth >= 0, "nWidth >= 0");
+    if (*m_p == '.') {
+        ++m_p;
+        if (*m_p == '*') {
+            item.nPrecision = va_arg(m_args, int);
+            ++m_p;
+        } else {
+            item.nPrecision = ReadNumber();
+        }
+        CU_ASSERT_TEXT(item.nPrecision >= 0, "nPrecision >= 0");
+    }
+    if (*m_p && strchr("hlFNL", *m_p))
+        item.chModifier = *m_p++;
+    return item;
+}
+
+// True when the width came from an argument.
+bool CFormatEstimate::ReadFlags(int &nWidth)
+{
+    bool bWidth = false;
+    for (;; ++m_p) {
+        switch (*m_p) {
+        case '#':  // "0x"
+            m_nMaxLen = Add(m_nMaxLen, 2);
+            break;
+        case '*':
+            nWidth = va_arg(m_args, int);
+            bWidth = true;
+            break;
+        case '-':
+        case '+':
+        case '0':
+        case ' ': break;
+        default: return bWidth;
+        }
+    }
+}
+
+// Reads as atoi does, without its undefined result for a number that is too large.
+int CFormatEstimate::ReadNumber()
+{
+    const int nNumber = static_cast<int>(strtol(m_p, nullptr, 10));
+    while (*m_p >= '0' && *m_p <= '9')
+        ++m_p;
+    return nNumber;
+}
+
+int CFormatEstimate::ItemLength(const CItem &item)
+{
+    switch (*m_p) {
+    case 'c':
+    case 'C': va_arg(m_args, int); return FitString(item, 2);
+    case 's':
+    case 'S': return FitString(item, Max(1, StringLength(item)));
+    case 'd':
+    case 'i':
+    case 'o':
+    case 'p':
+    case 'u':
+    case 'x':
+    case 'X': va_arg(m_args, int); return Max(NUMBER_LENGTH, Add(item.nWidth, item.nPrecision));
+    case 'e':
+    case 'f':
+    case 'g':
+    case 'G': va_arg(m_args, double); return Max(FLOAT_LENGTH, Add(item.nWidth, item.nPrecision));
+    case 'n': va_arg(m_args, void *); return 0;
+    default: CU_ASSERT_TEXT(false, "0"); return 0;
+    }
+}
+
+int CFormatEstimate::StringLength(const CItem &item)
+{
+    const char *psz = va_arg(m_args, const char *);
+    m_bReadsOwn = m_bReadsOwn || (psz >= m_pOwn && psz <= m_pOwnEnd);
+    // A text that a precision cuts needs no NUL.
+    const int nMost = item.nPrecision > 0 ? item.nPrecision : INT_MAX;
+    const bool bWide = item.chModifier == 'l' || (*m_p == 'S' && item.chModifier != 'h');
+    if (bWide)
+        return TextLength(reinterpret_cast<const wchar_t *>(psz), nMost);
+    return TextLength(psz, nMost);
+}
+
+// The width first, then the precision: a width beyond the precision is cut as well.
+int CFormatEstimate::FitString(const CItem &item, int nItemLen)
+{
+    nItemLen = Max(nItemLen, item.nWidth);
+    if (item.nPrecision != 0 && nItemLen >= item.nPrecision)
+        nItemLen = item.nPrecision;
+    return nItemLen;
+}
+
+}  // namespace
+
+void CCUString::Format(const char *pszFormat, ...)
+{
+    va_list args;
+    va_start(args, pszFormat);
+    FormatV(pszFormat, args);
+    va_end(args);
+}
+
+void CCUString::FormatV(const char *pszFormat, va_list args)
+{
+    if (!pszFormat)
+        pszFormat = "";
+    const CFormatEstimate estimate(pszFormat, args, m_pchData, m_pchData + GetAllocLength());
+    if (estimate.ReadsOwn() || PointsInto(pszFormat)) {
+        // Writing would change what is still to be read.
+        CCUString text;
+        text.PrintV(estimate.MaxLen(), pszFormat, args);
+        *this = text;
+        return;
+    }
+    PrintV(estimate.MaxLen(), pszFormat, args);
+}
+
+// Writes the text into a buffer of nMaxLen characters.
+void CCUString::PrintV(int nMaxLen, const char *pszFormat, va_list argListSave)
+{
+    GetBuffer(nMaxLen);
+    // The block of all empty strings is not for writing.
+    char chNone = '\0';
+    char *pch = GetData() == CUDataNil ? &chNone : m_pchData;
+    const int nLast = GetAllocLength();
+    pch[nLast] = '\0';
+    // Not the language's vsnprintf: it brings a formatter of its own along.
+    const int nWritten = _vsnprintf(pch, static_cast<size_t>(nLast) + 1, pszFormat, argListSave);
+    // Cut output gives a negative result as an error in it does, but fills the buffer.
+    const bool bFits = nWritten < 0 ? pch[nLast] == '\0' : nWritten <= nLast;
+    pch[nLast] = '\0';
+    CU_ASSERT_TEXT(bFits, "_vstprintf(m_pchData, pszFormat, argListSave) <= GetAllocLength()");
+    ReleaseBuffer(-1);
+}
