@@ -1,0 +1,203 @@
+#include "CU/StackTrace.h"
+
+#include <stdarg.h>
+#include <stdio.h>
+#include <string.h>
+
+#include "DebugHelp.h"
+#include "Demangle.h"
+#include "KeepLastError.h"
+#include "StackWalk.h"
+
+namespace {
+
+struct CLine
+{
+    char text[640];
+    int nLength;
+};
+
+bool IsCode(DWORD dwAddress)
+{
+    MEMORY_BASIC_INFORMATION memory;
+    return VirtualQuery(reinterpret_cast<void *>(dwAddress), &memory, sizeof memory) &&
+           memory.State == MEM_COMMIT &&
+           (memory.Protect & (PAGE_EXECUTE | PAGE_EXECUTE_READ | PAGE_EXECUTE_READWRITE |
+                              PAGE_EXECUTE_WRITECOPY)) != 0;
+}
+
+void Add(CCUStackAddresses &stack, DWORD dwAddress)
+{
+    if (stack.nCount < CCUStackAddresses::Most)
+        stack.address[stack.nCount++] = dwAddress;
+}
+
+// Where the stack that holds the address ends: everything between can be read.
+DWORD EndOfStack(DWORD dwAddress)
+{
+    MEMORY_BASIC_INFORMATION memory;
+    if (!VirtualQuery(reinterpret_cast<void *>(dwAddress), &memory, sizeof memory) ||
+        memory.State != MEM_COMMIT || (memory.Protect & (PAGE_NOACCESS | PAGE_GUARD)))
+        return 0;
+    return reinterpret_cast<DWORD>(memory.BaseAddress) + memory.RegionSize;
+}
+
+// Follows the frame pointers. Needs nothing of the thread's and takes no lock, so that it works on
+// a thread that is held anywhere.
+void WalkFramePointers(const CONTEXT &context, CCUStackAddresses &stack)
+{
+    const DWORD dwEnd = EndOfStack(context.Esp);
+    const DWORD FrameSize = 2 * sizeof(DWORD);
+    Add(stack, context.Eip);
+    // A call through a bad pointer has just left its return address.
+    if (!IsCode(context.Eip) && context.Esp % 4 == 0 && context.Esp + 4 <= dwEnd)
+        Add(stack, *reinterpret_cast<const DWORD *>(context.Esp));
+    DWORD dwLowest = context.Esp;
+    DWORD dwFrame = context.Ebp;
+    while (dwFrame >= dwLowest && dwFrame % 4 == 0 && dwEnd >= FrameSize &&
+           dwFrame <= dwEnd - FrameSize && stack.nCount < CCUStackAddresses::Most)
+    {
+        const DWORD *frame = reinterpret_cast<const DWORD *>(dwFrame);
+        if (!IsCode(frame[1]))
+            break;
+        Add(stack, frame[1]);
+        dwLowest = dwFrame + FrameSize;
+        dwFrame = frame[0];
+    }
+}
+
+void WalkDebugHelp(HANDLE hThread, CONTEXT context, CCUStackAddresses &stack)
+{
+    STACKFRAME frame = {};
+    frame.AddrPC.Offset = context.Eip;
+    frame.AddrPC.Mode = AddrModeFlat;
+    frame.AddrFrame.Offset = context.Ebp;
+    frame.AddrFrame.Mode = AddrModeFlat;
+    frame.AddrStack.Offset = context.Esp;
+    frame.AddrStack.Mode = AddrModeFlat;
+    const CCUDebugHelp debugHelp;
+    while (stack.nCount < CCUStackAddresses::Most && debugHelp.Walk(hThread, frame, context) &&
+           frame.AddrPC.Offset)
+        Add(stack, frame.AddrPC.Offset);
+}
+
+const char *NameOfPath(const char *path)
+{
+    const char *name = path;
+    for (; *path; ++path) {
+        if (*path == '\\' || *path == '/')
+            name = path + 1;
+    }
+    return name;
+}
+
+void Append(CLine &line, const char *format, ...) __attribute__((format(ms_printf, 2, 3)));
+void Append(CLine &line, const char *format, ...)
+{
+    va_list args;
+    va_start(args, format);
+    const int nRoom = static_cast<int>(sizeof line.text) - 1 - line.nLength;
+    const int nLength =
+        _vsnprintf(line.text + line.nLength, static_cast<size_t>(nRoom), format, args);
+    va_end(args);
+    line.nLength += nLength < 0 ? nRoom : nLength;
+    line.text[line.nLength] = '\0';
+}
+
+// `dwInside` lies within the instruction that is meant: a return address may belong to the next
+// line, or even to the next function.
+void FormatLine(DWORD dwAddress, DWORD dwInside, CLine &line)
+{
+    line.nLength = 0;
+    Append(line, "%08lx", dwAddress);
+    MEMORY_BASIC_INFORMATION memory;
+    char szPath[MAX_PATH];
+    if (!VirtualQuery(reinterpret_cast<void *>(dwInside), &memory, sizeof memory) ||
+        !GetModuleFileNameA(static_cast<HMODULE>(memory.AllocationBase), szPath, MAX_PATH))
+        return;
+    szPath[MAX_PATH - 1] = '\0';
+    Append(line, " %s", NameOfPath(szPath));
+
+    const CCUDebugHelp debugHelp;
+    char szSymbol[256];
+    DWORD dwOffset = 0;
+    if (!debugHelp.GetFunction(dwInside, szSymbol, sizeof szSymbol, dwOffset)) {
+        Append(line, "+0x%lx", dwAddress - reinterpret_cast<DWORD>(memory.AllocationBase));
+        return;
+    }
+    char szFunction[256];
+    CUDemangle(szSymbol, szFunction, sizeof szFunction);
+    Append(line, " %s+0x%lx", szFunction, dwOffset + (dwAddress - dwInside));
+    const char *file = nullptr;
+    DWORD nLine = 0;
+    if (debugHelp.GetLine(dwInside, file, nLine))
+        Append(line, " %s(%lu)", NameOfPath(file), nLine);
+}
+
+// A thread that is held may hold the very locks that the debug-help library wants; its frame
+// pointers want none.
+bool WalkOtherThread(HANDLE hThread, CCUStackAddresses &stack)
+{
+    CONTEXT context = {};
+    context.ContextFlags = CONTEXT_CONTROL | CONTEXT_INTEGER;
+    if (SuspendThread(hThread) == static_cast<DWORD>(-1))
+        return false;
+    const bool bKnown = GetThreadContext(hThread, &context) != 0;
+    if (bKnown)
+        WalkFramePointers(context, stack);
+    ResumeThread(hThread);
+    stack.bFirstIsExact = true;
+    return bKnown;
+}
+
+}  // namespace
+
+void CUWalkStack(HANDLE hThread, const CONTEXT &context, CCUStackAddresses &stack)
+{
+    stack.nCount = 0;
+    WalkDebugHelp(hThread, context, stack);
+    // Without the library, or where it knows no further than the first call.
+    if (stack.nCount < 2) {
+        stack.nCount = 0;
+        WalkFramePointers(context, stack);
+    }
+}
+
+int CUFormatStack(const CCUStackAddresses &stack, char *buffer, unsigned int size)
+{
+    unsigned int nUsed = 0;
+    int nLines = 0;
+    for (; nLines < stack.nCount; ++nLines) {
+        const DWORD dwAddress = stack.address[nLines];
+        const bool bExact = nLines == 0 && stack.bFirstIsExact;
+        CLine line;
+        FormatLine(dwAddress, bExact ? dwAddress : dwAddress - 1, line);
+        Append(line, "\n");
+        const unsigned int nLength = static_cast<unsigned int>(line.nLength);
+        if (nUsed + nLength >= size)
+            break;
+        memcpy(buffer + nUsed, line.text, nLength);
+        nUsed += nLength;
+    }
+    if (size > 0)
+        buffer[nUsed] = '\0';
+    return nLines;
+}
+
+__attribute__((noinline)) int CUGetStackTrace(HANDLE hThread, char *buffer, unsigned int size)
+{
+    const CCUKeepLastError keepLastError;
+    CCUStackAddresses stack = {};
+    if (hThread != GetCurrentThread()) {
+        WalkOtherThread(hThread, stack);
+        return CUFormatStack(stack, buffer, size);
+    }
+    // As the thread will stand when this function has returned.
+    CONTEXT context = {};
+    const DWORD dwFrame = reinterpret_cast<DWORD>(__builtin_frame_address(0));
+    context.Eip = reinterpret_cast<DWORD>(__builtin_return_address(0));
+    context.Ebp = *reinterpret_cast<const DWORD *>(dwFrame);
+    context.Esp = dwFrame + 2 * sizeof(DWORD);
+    CUWalkStack(hThread, context, stack);
+    return CUFormatStack(stack, buffer, size);
+}

@@ -1,0 +1,13 @@
+#pragma once
+
+#include <stdio.h>
+
+#include "CU/Platform.h"
+
+// What assertion and crash reports share. Private to the layer.
+
+// Opens the day's trace file for one more report and begins it with the separator and the time.
+// Null when there is no temporary directory or the file cannot be opened.
+FILE *CUOpenReport();
+// Lets the report handlers have their say and closes the file.
+void CUCloseReport(FILE *file);
