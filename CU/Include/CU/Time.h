@@ -3,8 +3,7 @@
 #include <time.h>
 
 #include "CU/Platform.h"
-
-class CCUString;
+#include "CU/String.h"
 
 // A signed length of time in whole seconds, in one 32-bit word. Nothing is checked or clamped:
 // sums and products wrap. All divisions truncate toward zero, so that every part of a negative span

@@ -1,8 +1,7 @@
 #pragma once
 
 #include "CU/Platform.h"
-
-class CCUString;
+#include "CU/String.h"
 
 // The version of the running operating system, asked for at construction.
 class CU_API CCUVersionInfo

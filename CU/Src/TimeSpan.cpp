@@ -1,0 +1,120 @@
+#include <stdio.h>
+
+#include "CU/Assert.h"
+#include "CU/Time.h"
+#include "Wrap.h"
+
+#define CU_SOURCE "Time"
+
+namespace {
+
+// Where the text of a span grows. The position runs on past the end, so that text that does not
+// fit is noticed; only what fits is stored.
+class CSpanText
+{
+public:
+    void Put(char ch)
+    {
+        if (pch < &szBuffer[128])
+            *pch++ = ch;
+        else
+            m_bCut = true;
+    }
+    void PutNumber(const char *format, long nValue)
+    {
+        char szNumber[16];
+        sprintf(szNumber, format, nValue);
+        for (const char *digit = szNumber; *digit; ++digit)
+            Put(*digit);
+    }
+    // Checked before each character of the format.
+    bool HasRoom() const { return CU_ASSERT(pch < &szBuffer[128]) == 0; }
+
+    CCUString Text() const
+    {
+        if (m_bCut)
+            HasRoom();
+        return CCUString(szBuffer, static_cast<int>(pch - szBuffer));
+    }
+
+private:
+    // Named as in the reported text.
+    char szBuffer[128];
+    char *pch = szBuffer;
+    bool m_bCut = false;
+};
+
+void PutCode(CSpanText &text, char code, const CCUTimeSpan &span)
+{
+    switch (code) {
+    case 'D': text.PutNumber("%ld", span.GetDays()); break;
+    case 'H': text.PutNumber("%02ld", span.GetHours()); break;
+    case 'M': text.PutNumber("%02ld", span.GetMinutes()); break;
+    case 'S': text.PutNumber("%02ld", span.GetSeconds()); break;
+    case '%': text.Put('%'); break;
+    default:
+        CU_ASSERT(0);
+        if (code)
+            text.Put(code);
+    }
+}
+
+}  // namespace
+
+CCUTimeSpan::CCUTimeSpan(long nDays, int nHours, int nMinutes, int nSeconds)
+{
+    const long nTotalHours = WrapAdd(WrapMul(nDays, 24), nHours);
+    const long nTotalMinutes = WrapAdd(WrapMul(nTotalHours, 60), nMinutes);
+    m_nSpan = WrapAdd(WrapMul(nTotalMinutes, 60), nSeconds);
+}
+
+CCUTimeSpan CCUTimeSpan::operator+(CCUTimeSpan other) const
+{
+    return WrapAdd(m_nSpan, other.m_nSpan);
+}
+
+CCUTimeSpan CCUTimeSpan::operator-(CCUTimeSpan other) const
+{
+    return WrapSub(m_nSpan, other.m_nSpan);
+}
+
+CCUTimeSpan &CCUTimeSpan::operator+=(CCUTimeSpan other)
+{
+    m_nSpan = WrapAdd(m_nSpan, other.m_nSpan);
+    return *this;
+}
+
+CCUTimeSpan &CCUTimeSpan::operator-=(CCUTimeSpan other)
+{
+    m_nSpan = WrapSub(m_nSpan, other.m_nSpan);
+    return *this;
+}
+
+CCUString CCUTimeSpan::Format(const char *pszFormat) const
+{
+    CSpanText text;
+    for (const char *next = pszFormat ? pszFormat : ""; *next && text.HasRoom(); ++next) {
+        if (*next != '%') {
+            text.Put(*next);
+            continue;
+        }
+        ++next;
+        PutCode(text, *next, *this);
+        // A percent sign at the very end has no letter behind it.
+        if (!*next)
+            break;
+    }
+    return text.Text();
+}
+
+int CCUTimeSpan::Parse(const CCUString &sText)
+{
+    int nDays = 0;
+    int nHours = 0;
+    int nMinutes = 0;
+    int nSeconds = 0;
+    if (sscanf(sText, "%d:%d:%d:%d", &nDays, &nHours, &nMinutes, &nSeconds) != 4)
+        return 0;
+    *this = CCUTimeSpan(nDays, nHours, nMinutes, nSeconds);
+    return 1;
+}
