@@ -68,8 +68,8 @@ const char *SecondID(const CUIBitmapSource &source)
     return ToResourceID(pEnd == pszName + source.m_sBitmap.GetLength() ? nID : 0);
 }
 
-// The colours that a load replaces.
-struct CColorMap
+// The colours that a load replaces, as CUIBmpLoad takes them.
+struct CSubstitution
 {
     DWORD *m_pFrom;
     DWORD *m_pTo;
@@ -77,14 +77,14 @@ struct CColorMap
 };
 
 HBITMAP LoadNamed(CUIBitmapSource &source, HINSTANCE hInst, const char *pszName,
-                  const CColorMap &map)
+                  const CSubstitution &map)
 {
     return CUIBmpLoad(
         hInst, pszName, source.m_wFlags & CUIBMP_PALETTE ? &source.m_hPalette : nullptr,
         (source.m_wFlags & CUIBMP_SYSCOLORS) != 0, map.m_pFrom, map.m_pTo, map.m_nCount);
 }
 
-HBITMAP LoadResourceBitmap(CUIBitmapSource &source, const CColorMap &map)
+HBITMAP LoadResourceBitmap(CUIBitmapSource &source, const CSubstitution &map)
 {
     CU_ASSERT_TEXT(source.m_wFlags & CUIBMP_RESOURCE, "m_wFlags & 0x08");
     CU_ASSERT_TEXT(source.m_sBitmap.GetLength() > 0 || source.m_pszID != nullptr,
@@ -96,14 +96,14 @@ HBITMAP LoadResourceBitmap(CUIBitmapSource &source, const CColorMap &map)
     return hBitmap ? hBitmap : LoadNamed(source, source.m_hInst, SecondID(source), map);
 }
 
-HBITMAP LoadFileBitmap(CUIBitmapSource &source, const CColorMap &map)
+HBITMAP LoadFileBitmap(CUIBitmapSource &source, const CSubstitution &map)
 {
     CU_ASSERT_TEXT(source.m_wFlags & CUIBMP_FILE, "m_wFlags & 0x04");
     CU_ASSERT_TEXT(source.m_sBitmap.GetLength() > 0, "m_sBitmap.GetLength() > 0");
     return LoadNamed(source, nullptr, source.m_sBitmap, map);
 }
 
-void LoadFromSource(CUIBitmapData &data, const CColorMap &map)
+void LoadFromSource(CUIBitmapData &data, const CSubstitution &map)
 {
     if (!data.m_pSource)
         return;

@@ -16,49 +16,25 @@ namespace {
 // The layout of the DIBs that are converted here: a full table, whatever the depth.
 const DWORD nFullTable = CUI_DIB_MAX_COLORS * sizeof(RGBQUAD);
 
-DWORD ToQuad(DWORD cr)
+void MapColors(RGBQUAD *pTable, DWORD nColors, const CUIColorMap &map)
 {
-    return static_cast<DWORD>(GetRValue(cr)) << 16 | static_cast<DWORD>(GetGValue(cr)) << 8 |
-           GetBValue(cr);
-}
-
-// Which colours are replaced by which.
-struct CColorMap
-{
-    DWORD *m_pFrom;
-    DWORD *m_pTo;
-    int m_nCount;
-};
-
-void ReplaceColors(DWORD *pTable, DWORD nColors, const CColorMap &map)
-{
-    if (!map.m_pFrom || !map.m_pTo)
+    if (map.m_nCount != 0) {
+        if (map.m_pFrom && map.m_pTo)
+            CUIReplaceColors(pTable, nColors, map);
         return;
-    for (DWORD *pColor = pTable; pColor < pTable + nColors; ++pColor) {
-        int i = 0;
-        while (i < map.m_nCount && ToQuad(map.m_pFrom[i]) != *pColor)
-            ++i;
-        if (i < map.m_nCount)
-            *pColor = ToQuad(map.m_pTo[i]);
     }
-}
-
-void MapColors(DWORD *pTable, DWORD nColors, const CColorMap &map)
-{
     const CUIData &data = *CUIGetWinData();
-    DWORD from[] = {0x000000, 0x808080, 0xC0C0C0, 0xFFFFFF};
-    DWORD to[] = {data.ResolveColor(data.crSys[COLOR_BTNTEXT]),
-                  data.ResolveColor(data.crSys[COLOR_BTNSHADOW]),
-                  data.ResolveColor(data.crSys[COLOR_BTNFACE]),
-                  data.ResolveColor(data.crSys[COLOR_BTNHIGHLIGHT])};
-    const CColorMap buttons = {from, to, 4};
-    ReplaceColors(pTable, nColors, map.m_nCount == 0 ? buttons : map);
+    const DWORD buttons[CUI_BUTTON_COLORS] = {data.ResolveColor(data.crSys[COLOR_BTNTEXT]),
+                                              data.ResolveColor(data.crSys[COLOR_BTNSHADOW]),
+                                              data.ResolveColor(data.crSys[COLOR_BTNFACE]),
+                                              data.ResolveColor(data.crSys[COLOR_BTNHIGHLIGHT])};
+    CUIReplaceColors(pTable, nColors, {CUIButtonGreys, buttons, CUI_BUTTON_COLORS});
 }
 
 // Colours, palette and bitmap of a DIB with a full table, of which nothing but the header is known
 // to be there when bTrusted is false.
 HBITMAP Convert(HDC hScreen, BITMAPINFOHEADER *pbih, bool bTrusted, HPALETTE *phPal,
-                const CColorMap *pMap)
+                const CUIColorMap *pMap)
 {
     char *pBlock = reinterpret_cast<char *>(pbih);
     RGBQUAD *pTable = reinterpret_cast<BITMAPINFO *>(pbih)->bmiColors;
@@ -68,7 +44,7 @@ HBITMAP Convert(HDC hScreen, BITMAPINFOHEADER *pbih, bool bTrusted, HPALETTE *ph
     if (!bTrusted && !CUIMemoryHolds(pTable, nColors * sizeof(RGBQUAD), pMap != nullptr))
         return nullptr;
     if (pMap)
-        MapColors(reinterpret_cast<DWORD *>(pTable), nColors, *pMap);
+        MapColors(pTable, nColors, *pMap);
     if (phPal) {
         *phPal = CUIPaletteFromTable(pTable, nColors);
         CUIRealizeForLoad(hScreen, *phPal);
@@ -141,7 +117,7 @@ HBITMAP CUIBmpLoad(HINSTANCE hInst, const char *pszName, HPALETTE *phPal, bool b
     BITMAPINFOHEADER *pbih = SectionToDib(hScreen, hDIB);
     if (!pbih)
         return nullptr;
-    const CColorMap map = {pFrom, pTo, nCount};
+    const CUIColorMap map = {pFrom, pTo, nCount};
     const HBITMAP hBitmap = Convert(hScreen, pbih, true, phPal, bMapColors ? &map : nullptr);
     free(pbih);
     return hBitmap;
@@ -153,6 +129,6 @@ HBITMAP CUIBmpCreateBitmap(BITMAPINFOHEADER *pbih, HPALETTE *phPal, bool bMapCol
     if (!pbih)
         return nullptr;
     const CCUIWindowDC hScreen(nullptr);
-    const CColorMap map = {pFrom, pTo, nCount};
+    const CUIColorMap map = {pFrom, pTo, nCount};
     return Convert(hScreen, pbih, false, phPal, bMapColors ? &map : nullptr);
 }

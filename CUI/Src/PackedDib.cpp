@@ -5,6 +5,17 @@ namespace {
 // More than any block can have, and still far from the end of 64 bits.
 const ULONGLONG nImpossible = 1ULL << 62;
 
+RGBQUAD ToQuad(DWORD cr)
+{
+    return {GetBValue(cr), GetGValue(cr), GetRValue(cr), 0};
+}
+
+bool IsColor(const RGBQUAD &color, DWORD cr)
+{
+    return color.rgbBlue == GetBValue(cr) && color.rgbGreen == GetGValue(cr) &&
+           color.rgbRed == GetRValue(cr) && color.rgbReserved == 0;
+}
+
 bool IsCompressed(const BITMAPINFOHEADER &header)
 {
     return header.biCompression != BI_RGB && header.biCompression != BI_BITFIELDS;
@@ -24,6 +35,19 @@ ULONGLONG TableSize(const BITMAPINFOHEADER &header)
 
 }  // namespace
 
+const DWORD CUIButtonGreys[CUI_BUTTON_COLORS] = {0x000000, 0x808080, 0xC0C0C0, 0xFFFFFF};
+
+void CUIReplaceColors(RGBQUAD *pTable, DWORD nColors, const CUIColorMap &map)
+{
+    for (RGBQUAD *pColor = pTable; pColor < pTable + nColors; ++pColor) {
+        int i = 0;
+        while (i < map.m_nCount && !IsColor(*pColor, map.m_pFrom[i]))
+            ++i;
+        if (i < map.m_nCount)
+            *pColor = ToQuad(map.m_pTo[i]);
+    }
+}
+
 DWORD CUIDibColorCount(const BITMAPINFOHEADER &header)
 {
     if (header.biClrUsed)
@@ -34,7 +58,7 @@ DWORD CUIDibColorCount(const BITMAPINFOHEADER &header)
 ULONGLONG CUIDibImageSize(const BITMAPINFOHEADER &header)
 {
     if (header.biSize < sizeof(BITMAPINFOHEADER) || header.biSize > sizeof(BITMAPV5HEADER) ||
-        header.biWidth < 0 || header.biBitCount > 32)
+        header.biSize % sizeof(DWORD) != 0 || header.biWidth < 0 || header.biBitCount > 32)
         return nImpossible;
     if (IsCompressed(header))
         return header.biSizeImage;

@@ -2,6 +2,8 @@
 
 #include "CUI/Platform.h"
 
+class CCUString;
+
 // What the loaders of packed DIBs share. Headers are not believed: sizes are computed in 64 bits
 // and held against the bytes that there are before GDI, which trusts a header, gets to see it.
 
@@ -21,6 +23,22 @@ ULONGLONG CUIDibExtent(const BITMAPINFOHEADER &header, ULONGLONG nPixels);
 // Whether nSize bytes at p can be read, and written as well with bWrite: for DIBs that come
 // without a size.
 bool CUIMemoryHolds(const void *p, ULONGLONG nSize, bool bWrite);
+
+// CUIBmpDIBFromFile with the size of the block: header, table and pixels.
+BITMAPINFOHEADER *CUIReadDib(const CCUString &sFile, DWORD &nSize);
+
+// Which COLORREFs are replaced by which, the first match counting.
+struct CUIColorMap
+{
+    const DWORD *m_pFrom;
+    const DWORD *m_pTo;
+    int m_nCount;
+};
+void CUIReplaceColors(RGBQUAD *pTable, DWORD nColors, const CUIColorMap &map);
+
+// The colours of buttons in the usual scheme: text, shadow, face, highlight.
+const int CUI_BUTTON_COLORS = 4;
+extern const DWORD CUIButtonGreys[CUI_BUTTON_COLORS];
 
 // A palette of nColors entries; null for none, and for more than a palette can have.
 HPALETTE CUIPaletteFromTable(const RGBQUAD *pTable, DWORD nColors);

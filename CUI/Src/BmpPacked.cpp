@@ -1,0 +1,162 @@
+// Bitmaps of packed DIBs whose size is known: whole files, whole resources.
+
+#include <stdlib.h>
+#include <string.h>
+
+#include "BmpSharedDC.h"
+#include "CU/Assert.h"
+#include "CU/String.h"
+#include "CUI/BmpLoad.h"
+#include "GdiGuards.h"
+#include "PackedDib.h"
+
+#define CU_SOURCE "Bmp"
+
+namespace {
+
+// A bitmap resource in memory, until the end of the block.
+class CResource
+{
+public:
+    CResource(HINSTANCE hInst, HRSRC hRsrc)
+        : m_hGlobal(LoadResource(hInst, hRsrc)),
+          m_nSize(m_hGlobal ? SizeofResource(hInst, hRsrc) : 0)
+    {
+    }
+    ~CResource() { FreeResource(m_hGlobal); }
+    CResource(const CResource &) = delete;
+    CResource &operator=(const CResource &) = delete;
+
+    // Null when there is not even a header.
+    const BITMAPINFOHEADER *Dib() const
+    {
+        return m_nSize < sizeof(BITMAPINFOHEADER)
+                   ? nullptr
+                   : static_cast<const BITMAPINFOHEADER *>(LockResource(m_hGlobal));
+    }
+    DWORD Size() const { return m_nSize; }
+
+private:
+    HGLOBAL m_hGlobal;
+    DWORD m_nSize;
+};
+
+HRSRC FindBitmap(HINSTANCE hInst, const char *pszName)
+{
+    const HRSRC hRsrcImage =
+        FindResourceA(hInst, pszName, reinterpret_cast<const char *>(RT_BITMAP));
+    CU_ASSERT(hRsrcImage);
+    return hRsrcImage;
+}
+
+HBITMAP PaletteBitmap(const BITMAPINFOHEADER *pbih, DWORD nSize, HPALETTE &hPal)
+{
+    const CCUIWindowDC hScreen(nullptr);
+    const DWORD nColors = CUIDibColorCount(*pbih);
+    const ULONGLONG nTable = static_cast<ULONGLONG>(nColors) * sizeof(RGBQUAD);
+    if (sizeof *pbih + nTable <= nSize)
+        hPal = CUIPaletteFromTable(reinterpret_cast<const RGBQUAD *>(pbih + 1), nColors);
+    CUIRealizeForLoad(hScreen, hPal);
+    const ULONGLONG nPixels = pbih->biSize + nTable;
+    if (CUIDibExtent(*pbih, nPixels) > nSize)
+        return nullptr;
+    return CUIDibToBitmap(hScreen, pbih, reinterpret_cast<const char *>(pbih) + nPixels);
+}
+
+// The header of a DIB with its colours, to be changed without the DIB.
+struct CDibHead
+{
+    CDibHead(const BITMAPINFOHEADER *pbih, DWORD nSize) : m_bytes()
+    {
+        memcpy(m_bytes, pbih, nSize < sizeof m_bytes ? nSize : sizeof m_bytes);
+    }
+    BITMAPINFOHEADER *Header() { return reinterpret_cast<BITMAPINFOHEADER *>(m_bytes); }
+    // Those of the first 16 colours that are a button's in the usual scheme become the present
+    // ones. Colours beyond them stay: pictures of 16 colours are what this is for.
+    void MapSysColors();
+
+    alignas(4) char m_bytes[sizeof(BITMAPV5HEADER) + CUI_DIB_MAX_COLORS * sizeof(RGBQUAD)];
+};
+
+void CDibHead::MapSysColors()
+{
+    const DWORD buttons[CUI_BUTTON_COLORS] = {
+        GetSysColor(COLOR_BTNTEXT), GetSysColor(COLOR_BTNSHADOW), GetSysColor(COLOR_BTNFACE),
+        GetSysColor(COLOR_BTNHIGHLIGHT)};
+    CUIReplaceColors(reinterpret_cast<RGBQUAD *>(m_bytes + Header()->biSize), 16,
+                     {CUIButtonGreys, buttons, CUI_BUTTON_COLORS});
+}
+
+HBITMAP SysColorBitmap(const BITMAPINFOHEADER *pbih, DWORD nSize, bool bMapColors)
+{
+    // A full table is assumed, whatever the header says of the colours in use.
+    const int nBits = pbih->biBitCount < 32 ? pbih->biBitCount : 32;
+    const ULONGLONG nPixels = sizeof *pbih + (static_cast<ULONGLONG>(sizeof(RGBQUAD)) << nBits);
+    if (CUIDibExtent(*pbih, nPixels) > nSize)
+        return nullptr;
+    CDibHead head(pbih, nSize);
+    if (bMapColors)
+        head.MapSysColors();
+
+    const int nWidth = pbih->biWidth;
+    const int nHeight = abs(pbih->biHeight);
+    const CCUIWindowDC hScreen(nullptr);
+    const HBITMAP hBitmap = CreateCompatibleBitmap(hScreen, nWidth, nHeight);
+    if (!hBitmap)
+        return nullptr;
+    const HDC hMemory = g_bmpImageDC.For(hScreen);
+    const CCUISelect select(hMemory, hBitmap);
+    StretchDIBits(hMemory, 0, 0, nWidth, nHeight, 0, 0, nWidth, nHeight,
+                  reinterpret_cast<const char *>(pbih) + nPixels,
+                  reinterpret_cast<const BITMAPINFO *>(head.Header()), DIB_RGB_COLORS, SRCCOPY);
+    return hBitmap;
+}
+
+}  // namespace
+
+HBITMAP CUIBmpLoadBitmapFilePalette(const CCUString &sFile, HPALETTE &hPal)
+{
+    hPal = nullptr;
+    DWORD nSize = 0;
+    BITMAPINFOHEADER *pbih = CUIReadDib(sFile, nSize);
+    if (!pbih)
+        return nullptr;
+    const HBITMAP hBitmap = PaletteBitmap(pbih, nSize, hPal);
+    free(pbih);
+    return hBitmap;
+}
+
+HBITMAP CUIBmpLoadBitmapPalette(HINSTANCE hInst, const char *pszName, HPALETTE &hPal)
+{
+    hPal = nullptr;
+    const HRSRC hRsrcImage = FindBitmap(hInst, pszName);
+    if (!hRsrcImage)
+        return nullptr;
+    const CResource resource(hInst, hRsrcImage);
+    const BITMAPINFOHEADER *pbih = resource.Dib();
+    return pbih ? PaletteBitmap(pbih, resource.Size(), hPal) : nullptr;
+}
+
+HBITMAP CUIBmpLoadBitmapFile(const CCUString &sFile, int bSysColors)
+{
+    DWORD nSize = 0;
+    BITMAPINFOHEADER *pbih = CUIReadDib(sFile, nSize);
+    if (!pbih)
+        return nullptr;
+    const HBITMAP hBitmap = SysColorBitmap(pbih, nSize, bSysColors != 0);
+    free(pbih);
+    return hBitmap;
+}
+
+HBITMAP CUIBmpLoadSysColorBitmap(HINSTANCE hInst, HRSRC hRsrc)
+{
+    const CResource resource(hInst, hRsrc);
+    const BITMAPINFOHEADER *pbih = resource.Dib();
+    return pbih ? SysColorBitmap(pbih, resource.Size(), true) : nullptr;
+}
+
+HBITMAP CUIBmpLoadBitmap(HINSTANCE hInst, const char *pszName)
+{
+    const HRSRC hRsrcImage = FindBitmap(hInst, pszName);
+    return hRsrcImage ? CUIBmpLoadSysColorBitmap(hInst, hRsrcImage) : nullptr;
+}
