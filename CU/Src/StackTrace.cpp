@@ -46,12 +46,12 @@ DWORD EndOfStack(DWORD dwAddress)
 // a thread that is held anywhere.
 void WalkFramePointers(const CONTEXT &context, CCUStackAddresses &stack)
 {
-    const DWORD dwEnd = EndOfStack(context.Esp);
     const DWORD FrameSize = 2 * sizeof(DWORD);
     Add(stack, context.Eip);
     // A call through a bad pointer has just left its return address.
-    if (!IsCode(context.Eip) && context.Esp % 4 == 0 && context.Esp + 4 <= dwEnd)
+    if (!IsCode(context.Eip) && context.Esp % 4 == 0 && EndOfStack(context.Esp))
         Add(stack, *reinterpret_cast<const DWORD *>(context.Esp));
+    const DWORD dwEnd = EndOfStack(context.Ebp);
     DWORD dwLowest = context.Esp;
     DWORD dwFrame = context.Ebp;
     while (dwFrame >= dwLowest && dwFrame % 4 == 0 && dwEnd >= FrameSize &&
