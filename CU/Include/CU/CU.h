@@ -10,7 +10,7 @@
 CU_API unsigned long CUGetTime();
 
 // Tells the framework that the program ends: from now on no alarm is armed or killed. For good;
-// further calls do nothing. The end of the process does it too.
+// further calls do nothing.
 CU_API void CUShutdown();
 CU_API bool CUIsShutdown();
 
@@ -22,7 +22,8 @@ CU_API bool CUIsYourMessage(unsigned int uMessage);
 
 // The framework's message window: hidden, one a process, for posting work to the thread that made
 // it. That is the thread of the first call, which should be the one with the windows; the window
-// ends with it, and the next call makes another. Null when it cannot be made, or at process exit.
+// ends with it, and the next call makes another. Null when it cannot be made; none is made after
+// CUShutdown.
 CU_API HWND CUGetWindow();
 // What the message window does with a message: WM_USER to WM_USER + 2, which even a restricted
 // CCUIWindow::IdleLoop serves, or one from CURegisterMessageId. Replaces an earlier handler; null

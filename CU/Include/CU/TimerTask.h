@@ -27,18 +27,34 @@ public:
     // The calling thread's task, made by the first call.
     static CCUTimerTask *GetThreadTimerTask();
 
+    unsigned long GetListLength() const { return m_uListLength; }
+    // Notifications asked for and not yet received.
+    long GetPendingCount() const { return m_nPending; }
+
 protected:
     ~CCUTimerTask() override;
 
 private:
     friend class CCUTimer;
-    friend class CCUTimerTaskInspector;
 
-    CCUTimerTask();
+    CCUTimerTask() = default;
+    static void Initialize();
+    // Takes a timer that goes out of the calling thread's list, even after CUShutdown.
+    static void Forget(const CCUTimer *pTimer);
+    static LRESULT CALLBACK WindowProc(HWND hWnd, UINT uMessage, WPARAM wParam, LPARAM lParam);
+    bool OnMessage(UINT uMessage);
+    void MakeWindow();
+    bool Unlink(const CCUTimer *pTimer);
+    void CancelNotification();
+    bool RemoveRealMessage();
+    void StartMultimediaTimer(long nDelay);
+    void PostMock();
+    void ServeTimers();
+    static void TraceTimeOut(const void *pTimer, unsigned long uBefore, unsigned long uAfter);
 
     CCUTimer *m_pFirst = nullptr;
     unsigned long m_uListLength = 0;
-    long m_nPending = 0;             // notifications asked for and not yet received
+    long m_nPending = 0;
     unsigned long m_uStartTick = 0;  // when window timer 1 is due; 0 once it has fired
     BOOL m_bMockTimerSet = FALSE;    // a "TimerTaskMock" is on its way
     unsigned int m_uTimerID = 0;     // the pending multimedia timer

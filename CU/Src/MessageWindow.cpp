@@ -1,0 +1,101 @@
+#include <new>
+
+#include "CU/CU.h"
+#include "CU/ThreadExit.h"
+#include "LazyLock.h"
+
+namespace {
+
+const char s_szClass[] = "CUMessageWindow";
+
+CCULazyLock s_lock;
+volatile HWND s_hWnd = nullptr;
+
+// What the message window does with one message. Entries are never taken off: any thread may be
+// looking.
+struct CMessageEntry
+{
+    CMessageEntry *next;
+    unsigned int message;
+    volatile CUMessageHandler handler;
+};
+CMessageEntry *volatile s_firstEntry = nullptr;
+
+CMessageEntry *FindEntry(unsigned int uMessage)
+{
+    CMessageEntry *entry = s_firstEntry;
+    while (entry && entry->message != uMessage)
+        entry = entry->next;
+    return entry;
+}
+
+LRESULT CALLBACK MessageWindowProc(HWND hWnd, UINT uMessage, WPARAM wParam, LPARAM lParam)
+{
+    const CMessageEntry *entry = FindEntry(uMessage);
+    const CUMessageHandler handler = entry ? entry->handler : nullptr;
+    if (handler) {
+        handler(uMessage, wParam, lParam);
+        return 0;
+    }
+    if (uMessage == WM_NCDESTROY)
+        s_hWnd = nullptr;
+    return DefWindowProcA(hWnd, uMessage, wParam, lParam);
+}
+
+// Destroys the window in time, so that CUGetWindow never answers a dead one.
+class CMessageWindowOwner : public CCUThreadExitHandler
+{
+public:
+    explicit CMessageWindowOwner(HWND hWnd) : m_hWnd(hWnd) {}
+    void OnThreadExit(bool) override
+    {
+        if (s_hWnd == m_hWnd && DestroyWindow(m_hWnd))
+            UnregisterClassA(s_szClass, GetModuleHandleA(nullptr));
+        delete this;
+    }
+
+private:
+    HWND m_hWnd;
+};
+
+HWND MakeWindow()
+{
+    const HINSTANCE hInstance = GetModuleHandleA(nullptr);
+    WNDCLASSA wndClass = {};
+    wndClass.lpfnWndProc = MessageWindowProc;
+    wndClass.hInstance = hInstance;
+    wndClass.lpszClassName = s_szClass;
+    RegisterClassA(&wndClass);  // fails when another thread's window was there before
+    return CreateWindowExA(0, s_szClass, s_szClass, WS_POPUP, 0, 0, 0, 0, nullptr, nullptr,
+                           hInstance, nullptr);
+}
+
+}  // namespace
+
+HWND CUGetWindow()
+{
+    if (s_hWnd)
+        return s_hWnd;
+    CCULockGuard guard(s_lock);
+    if (!s_hWnd && !CUIsShutdown()) {
+        s_hWnd = MakeWindow();
+        if (s_hWnd)
+            CURegisterThreadExitHandler(new CMessageWindowOwner(s_hWnd));
+    }
+    return s_hWnd;
+}
+
+bool CUSetMessageHandler(unsigned int uMessage, CUMessageHandler handler)
+{
+    const bool bUrgent = uMessage >= WM_USER && uMessage <= WM_USER + 2;
+    if (!bUrgent && !CUIsYourMessage(uMessage))
+        return false;
+    CCULockGuard guard(s_lock);
+    CMessageEntry *entry = FindEntry(uMessage);
+    if (!entry) {
+        entry = new CMessageEntry{s_firstEntry, uMessage, handler};
+        s_firstEntry = entry;
+    }
+    entry->handler = handler;
+    return true;
+}
