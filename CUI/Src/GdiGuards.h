@@ -18,12 +18,40 @@ class CCUISelect : private CCUIGdiGuard
 {
 public:
     CCUISelect(HDC hDC, HGDIOBJ hObject) : m_hDC(hDC), m_hOld(SelectObject(hDC, hObject)) {}
-    ~CCUISelect() { SelectObject(m_hDC, m_hOld); }
+    ~CCUISelect()
+    {
+        if (m_hOld)
+            SelectObject(m_hDC, m_hOld);
+    }
     explicit operator bool() const { return m_hOld != nullptr; }
 
 private:
     HDC m_hDC;
     HGDIOBJ m_hOld;
+};
+
+// Sets the background colour and, at the end, the one before.
+class CCUIBkColor : private CCUIGdiGuard
+{
+public:
+    CCUIBkColor(HDC hDC, DWORD cr) : m_hDC(hDC), m_crOld(SetBkColor(hDC, cr)) {}
+    ~CCUIBkColor() { SetBkColor(m_hDC, m_crOld); }
+
+private:
+    HDC m_hDC;
+    DWORD m_crOld;
+};
+
+// The same for the text colour.
+class CCUITextColor : private CCUIGdiGuard
+{
+public:
+    CCUITextColor(HDC hDC, DWORD cr) : m_hDC(hDC), m_crOld(SetTextColor(hDC, cr)) {}
+    ~CCUITextColor() { SetTextColor(m_hDC, m_crOld); }
+
+private:
+    HDC m_hDC;
+    DWORD m_crOld;
 };
 
 // Selects a palette, unless it is null, and realises it; then selects and realises the old one.

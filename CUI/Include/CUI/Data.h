@@ -36,6 +36,9 @@ public:
 
     HBRUSH hbrLtGray;
     HBRUSH hbrDkGray;  // light grey too
+    // The next four are made of the tagged colours as they are in crSys. GDI takes a colour whose
+    // tag is odd, button face's and window's, for a palette index: to fill with those, make a brush
+    // of ResolveColor's answer.
     HBRUSH hbrBtnHilite;
     HBRUSH hbrBtnFace;
     HBRUSH hbrBtnShadow;
@@ -81,6 +84,9 @@ public:
 
 private:
     CUIData();
+    void UpdateMetrics();
+    void UpdateBrushes();
+    void UpdatePens();
     friend CUI_API CUIData *CUIGetWinData();
 };
 
