@@ -2,12 +2,12 @@
 
 #include "CUI/Platform.h"
 
-// A memory DC that is kept between calls, made again only when the target's depth changes. It is
-// not to be found selected with anything: who selects an object selects the old one back.
+// A memory DC that is kept between calls and made again only when the target's depth changes. Who
+// selects something into it or changes a colour puts the old one back.
 class CCUIBmpSharedDC
 {
 public:
-    constexpr CCUIBmpSharedDC() : m_hDC(nullptr) {}
+    constexpr CCUIBmpSharedDC() : m_hDC(nullptr), m_nBits(0) {}
     ~CCUIBmpSharedDC();
     CCUIBmpSharedDC(const CCUIBmpSharedDC &) = delete;
     CCUIBmpSharedDC &operator=(const CCUIBmpSharedDC &) = delete;
@@ -17,6 +17,7 @@ public:
 
 private:
     HDC m_hDC;
+    int m_nBits;  // its BITSPIXEL
 };
 
 // The module's three, released at exit. For the user-interface thread.

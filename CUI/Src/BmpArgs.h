@@ -1,0 +1,19 @@
+#pragma once
+
+#include "CUI/Platform.h"
+
+// The arguments of the blitting functions, unsigned in their interfaces, as GDI takes them.
+inline int CUIBmpInt(UINT n)
+{
+    return static_cast<int>(n);
+}
+
+// When either size is 0, both become the bitmap's own. They stay for a handle that is no bitmap.
+inline void CUIBmpDefaultSize(HBITMAP hBmp, UINT &cx, UINT &cy)
+{
+    BITMAP bm;
+    if ((cx != 0 && cy != 0) || GetObjectA(hBmp, sizeof bm, &bm) == 0)
+        return;
+    cx = static_cast<UINT>(bm.bmWidth);
+    cy = static_cast<UINT>(bm.bmHeight);
+}
