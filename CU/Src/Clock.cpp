@@ -1,6 +1,7 @@
 #include "CU/Clock.h"
 
 #include "Epoch.h"
+#include "LazyLock.h"
 
 namespace {
 
@@ -109,12 +110,11 @@ double CUGetSystemTimeSeconds()
 
 double CUDoubleTime()
 {
-    static volatile LONG s_nLock;
+    static CCULazyLock s_lock;
     static double s_tick;
     // What is to be added to the counter.
     static double s_base;
-    while (InterlockedExchange(&s_nLock, 1))
-        Sleep(1);
+    const CCULockGuard guard(s_lock);
     if (s_tick <= 0)
         s_tick = SystemTick();
     const double system = CUGetSystemTimeSeconds();
@@ -124,9 +124,7 @@ double CUDoubleTime()
         s_base = system - counter;
     else if (s_base + counter > system + s_tick)
         s_base = system + s_tick - counter;
-    const double result = s_base + counter;
-    InterlockedExchange(&s_nLock, 0);
-    return result;
+    return s_base + counter;
 }
 
 bool CUGetSystemTimeAdjustment(double &increment, double &adjustment)

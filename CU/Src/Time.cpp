@@ -44,13 +44,10 @@ bool IsDaylight(const CFields &fields, int isDst, const TIME_ZONE_INFORMATION &z
 {
     if (isDst != -1)
         return isDst == 1;
-    tm record = {};
-    record.tm_year = WrapSub(fields.nYear, 1900);
-    record.tm_yday = CUDayOfYear(record.tm_year, WrapSub(fields.nMonth, 1), fields.nDay);
-    record.tm_hour = fields.nHour;
-    record.tm_min = fields.nMinute;
-    record.tm_sec = fields.nSecond;
-    return CUIsDaylightTime(zone, record);
+    const long nYear = WrapSub(fields.nYear, 1900);
+    return CUIsDaylightTime(zone,
+                            {nYear, CUDayOfYear(nYear, WrapSub(fields.nMonth, 1), fields.nDay),
+                             CUMilliseconds(fields.nHour, fields.nMinute, fields.nSecond, 0)});
 }
 
 long InstantOfFields(const CFields &fields, int isDst, const TIME_ZONE_INFORMATION *tzi)

@@ -5,6 +5,7 @@
 #include "CU/Registry.h"
 #include "CU/Time.h"
 #include "CU/Version.h"
+#include "LazyLock.h"
 #include "TimeZone.h"
 
 namespace {
@@ -74,17 +75,12 @@ CCUString Abbreviated(const CCUString &sPicture, const char *name)
 
 CCUString LongDatePicture()
 {
-    // Waits rather than going without: two threads at this place are rare, and the string is not
-    // theirs to read while it changes.
-    static volatile LONG s_nLock;
-    while (InterlockedExchange(&s_nLock, 1))
-        Sleep(1);
+    static CCULazyLock s_lock;
+    const CCULockGuard guard(s_lock);
     static CCUString s_sPicture;
     if (InterlockedExchange(&s_nTimeFormatChanged, 0))
         s_sPicture = ReadLongDatePicture();
-    const CCUString sPicture(s_sPicture);
-    InterlockedExchange(&s_nLock, 0);
-    return sPicture;
+    return s_sPicture;
 }
 
 CCUString AbbreviatedLongDate(const CSource &source)
@@ -129,11 +125,21 @@ const CCode s_codes[] = {{"%x", ShortDate}, {"%lx", LongDate}, {"%sx", Abbreviat
 
 bool HasCodes(const char *format)
 {
-    for (const char *code = strchr(format, '%'); code; code = strchr(code + 1, '%')) {
-        if (code[1] && strchr("xXzZ", code[1]))
-            return true;
-        if ((code[1] == 'l' || code[1] == 's') && code[2] == 'x')
-            return true;
+    for (const char *next = format; *next; ++next) {
+        if (*next != '%')
+            continue;
+        switch (next[1]) {
+        case 'x':
+        case 'X':
+        case 'Z':
+        case 'z': return true;
+        case 'l':
+        case 's':
+            if (next[2] == 'x')
+                return true;
+            break;
+        default: break;
+        }
     }
     return false;
 }

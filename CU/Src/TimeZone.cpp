@@ -11,33 +11,26 @@ namespace {
 
 // Days before each month, less one: plus a day of the month, the day of the year from 0. Entry n is
 // also the last day of the n-th month, counted from 1.
-const short s_commonYear[13] = {-1, 30, 58, 89, 119, 150, 180, 211, 242, 272, 303, 333, 364};
-const short s_leapYear[13] = {-1, 30, 59, 90, 120, 151, 181, 212, 243, 273, 304, 334, 365};
+typedef short CDaysOfYear[13];
+const CDaysOfYear s_commonYear = {-1, 30, 58, 89, 119, 150, 180, 211, 242, 272, 303, 333, 364};
+const CDaysOfYear s_leapYear = {-1, 30, 59, 90, 120, 151, 181, 212, 243, 273, 304, 334, 365};
 
 // Years are counted since 1900 here, as in tm.
-const short *DaysOfYear(long nYear)
+const CDaysOfYear &DaysOfYear(long nYear)
 {
     return (nYear & 3) == 0 ? s_leapYear : s_commonYear;
 }
 
-// When a zone changes over in a year.
-struct CTransition
-{
-    long nYear;
-    long nDay;           // of the year, from 0
-    long nMilliseconds;  // of the day
-};
-
 struct CTransitions
 {
-    CTransition start;  // into daylight time
-    CTransition end;    // out of it, expressed in standard time
+    CUTimeOfYear start;  // into daylight time
+    CUTimeOfYear end;    // out of it, expressed in standard time
 };
 
 // The day of a rule whose month is 1..12. Nonsense in its other fields only makes a nonsense day.
 long TransitionDay(long nYear, const SYSTEMTIME &rule)
 {
-    const short *days = DaysOfYear(nYear);
+    const CDaysOfYear &days = DaysOfYear(nYear);
     if (rule.wYear != 0)
         return days[rule.wMonth - 1] + rule.wDay;
     const long nFirst = days[rule.wMonth - 1] + 1;
@@ -52,23 +45,16 @@ long TransitionDay(long nYear, const SYSTEMTIME &rule)
     return nDay;
 }
 
-long SecondOfDay(long nHour, long nMinute, long nSecond)
+CUTimeOfYear StartOfDaylight(long nYear, const SYSTEMTIME &rule)
 {
-    return (nHour * 60 + nMinute) * 60 + nSecond;
-}
-
-CTransition StartOfDaylight(long nYear, const SYSTEMTIME &rule)
-{
-    const long nSeconds = SecondOfDay(rule.wHour, rule.wMinute, rule.wSecond);
     return {nYear, TransitionDay(nYear, rule),
-            WrapAdd(WrapMul(nSeconds, 1000), rule.wMilliseconds)};
+            CUMilliseconds(rule.wHour, rule.wMinute, rule.wSecond, rule.wMilliseconds)};
 }
 
-CTransition EndOfDaylight(long nYear, const SYSTEMTIME &rule, LONG nDaylightBias)
+CUTimeOfYear EndOfDaylight(long nYear, const SYSTEMTIME &rule, LONG nDaylightBias)
 {
-    const long nSeconds =
-        WrapAdd(SecondOfDay(rule.wHour, rule.wMinute, rule.wSecond), WrapMul(nDaylightBias, 60));
-    long nMilliseconds = WrapAdd(WrapMul(nSeconds, 1000), rule.wMilliseconds);
+    long nMilliseconds = CUMilliseconds(rule.wHour, WrapAdd(rule.wMinute, nDaylightBias),
+                                        rule.wSecond, rule.wMilliseconds);
     // The day does not follow when the time moves over midnight, and the step is a day less one
     // millisecond: results depend on both.
     if (nMilliseconds < 0)
@@ -120,14 +106,24 @@ tm *RuntimeGmt(long nTime)
     return gmtime(&time);
 }
 
+// Cheaper than gmtime, whose other fields no rule asks for. From 1970 to 2038 every year divisible
+// by 4 is a leap year, and four years from a leap year on have 1461 days; 1968 is one.
+CUTimeOfYear ToTimeOfYear(long nTime)
+{
+    const long nDays = nTime / 86400 + 731;
+    const long nDayInFour = nDays % 1461;
+    const long nYearInFour = nDayInFour < 366 ? 0 : (nDayInFour - 1) / 365;
+    const long nDay = nYearInFour == 0 ? nDayInFour : nDayInFour - 1 - nYearInFour * 365;
+    return {68 + nDays / 1461 * 4 + nYearInFour, nDay, nTime % 86400 * 1000};
+}
+
 tm *BreakDown(long nTime, const TIME_ZONE_INFORMATION &zone)
 {
     const long nStandard = WrapSub(nTime, WrapMul(zone.Bias, 60));
-    tm *record = RuntimeGmt(nStandard);
-    const bool bDaylight = record && CUIsDaylightTime(zone, *record);
+    // gmtime knows no time before 1970.
+    const bool bDaylight = nStandard >= 0 && CUIsDaylightTime(zone, ToTimeOfYear(nStandard));
     const LONG nBias = bDaylight ? zone.DaylightBias : zone.StandardBias;
-    if (nBias != 0)
-        record = RuntimeGmt(WrapSub(nStandard, WrapMul(nBias, 60)));
+    tm *record = RuntimeGmt(WrapSub(nStandard, WrapMul(nBias, 60)));
     if (!record)
         return RuntimeLocal(nTime);
     record->tm_isdst = bDaylight;
@@ -173,33 +169,35 @@ DWORD CUGetCurrentZone(TIME_ZONE_INFORMATION &zone)
     return s_dwResult;
 }
 
-bool CUIsDaylightTime(const TIME_ZONE_INFORMATION &zone, const tm &fields)
+bool CUIsDaylightTime(const TIME_ZONE_INFORMATION &zone, const CUTimeOfYear &time)
 {
     // A month of 0 is how a zone says that it has no daylight time; a rule in a month that does
     // not exist never comes into force either.
     if (!IsMonth(zone.DaylightDate.wMonth) || !IsMonth(zone.StandardDate.wMonth))
         return false;
-    const CTransitions transitions = GetTransitions(zone, fields.tm_year);
+    const CTransitions transitions = GetTransitions(zone, time.nYear);
     const long nStart = transitions.start.nDay;
     const long nEnd = transitions.end.nDay;
-    const long nDay = fields.tm_yday;
-    if (nDay != nStart && nDay != nEnd) {
-        if (nStart >= nEnd)
-            return nDay < nEnd || nDay > nStart;
-        return nStart < nDay && nDay < nEnd;
-    }
-    const long nSeconds =
-        WrapAdd(WrapMul(WrapAdd(WrapMul(fields.tm_hour, 60), fields.tm_min), 60), fields.tm_sec);
-    const long nMilliseconds = WrapMul(nSeconds, 1000);
-    if (nDay == nStart)
-        return nMilliseconds >= transitions.start.nMilliseconds;
-    return nMilliseconds < transitions.end.nMilliseconds;
+    if (time.nDay == nStart)
+        return time.nMilliseconds >= transitions.start.nMilliseconds;
+    if (time.nDay == nEnd)
+        return time.nMilliseconds < transitions.end.nMilliseconds;
+    if (nStart >= nEnd)
+        return time.nDay < nEnd || time.nDay > nStart;
+    return nStart < time.nDay && time.nDay < nEnd;
 }
 
-int CUDayOfYear(long nYear, int nMonth, int nDay)
+long CUDayOfYear(long nYear, int nMonth, int nDay)
 {
     const int nEntry = nMonth < 0 ? 0 : nMonth > 11 ? 11 : nMonth;
     return WrapAdd(nDay, DaysOfYear(nYear)[nEntry]);
+}
+
+long CUMilliseconds(long nHour, long nMinute, long nSecond, long nMilliseconds)
+{
+    const long nMinutes = WrapAdd(WrapMul(nHour, 60), nMinute);
+    const long nSeconds = WrapAdd(WrapMul(nMinutes, 60), nSecond);
+    return WrapAdd(WrapMul(nSeconds, 1000), nMilliseconds);
 }
 
 tm *CCUTime::GetGmtTm(tm *out) const
