@@ -6,6 +6,7 @@
 #include "CU/Assert.h"
 #include "CU/Dump.h"
 #include "CUI/Data.h"
+#include "DibCheck.h"
 #include "GdiGuards.h"
 #include "PackedDib.h"
 
@@ -93,6 +94,23 @@ BITMAPINFOHEADER *SectionToDib(HDC hScreen, HBITMAP hDIB)
     return &pInfo->bmiHeader;
 }
 
+HBITMAP LoadFileSection(const char *pszName, UINT nFlags)
+{
+    CCUFile file;
+    if (!CUIBmpFileIsSound(file, pszName))
+        return nullptr;
+    return static_cast<HBITMAP>(
+        LoadImageA(nullptr, pszName, IMAGE_BITMAP, 0, 0, nFlags | LR_LOADFROMFILE));
+}
+
+HBITMAP LoadResourceSection(HINSTANCE hInst, const char *pszName, UINT nFlags)
+{
+    // Without a module it is one of the system's own.
+    if (hInst && !CUIBmpResourceIsSound(hInst, pszName))
+        return nullptr;
+    return static_cast<HBITMAP>(LoadImageA(hInst, pszName, IMAGE_BITMAP, 0, 0, nFlags));
+}
+
 bool IsName(const char *pszName)
 {
     return reinterpret_cast<ULONG_PTR>(pszName) >> 16 != 0;
@@ -104,10 +122,9 @@ HBITMAP CUIBmpLoad(HINSTANCE hInst, const char *pszName, HPALETTE *phPal, bool b
                    DWORD *pFrom, DWORD *pTo, int nCount)
 {
     const bool bFile = !hInst && IsName(pszName);
-    const UINT nFlags =
-        LR_CREATEDIBSECTION | LR_DEFAULTSIZE | (bFile ? static_cast<UINT>(LR_LOADFROMFILE) : 0);
-    const CCUIOwned<HBITMAP> hDIB(
-        static_cast<HBITMAP>(LoadImageA(hInst, pszName, IMAGE_BITMAP, 0, 0, nFlags)));
+    const UINT nFlags = LR_CREATEDIBSECTION | LR_DEFAULTSIZE;
+    const CCUIOwned<HBITMAP> hDIB(bFile ? LoadFileSection(pszName, nFlags)
+                                        : LoadResourceSection(hInst, pszName, nFlags));
     if (!hDIB) {
         if (bFile)
             CUDump("Error loading bitmap %s.\n", pszName);

@@ -1,0 +1,71 @@
+#include "DibCheck.h"
+
+#include <string.h>
+
+#include "PackedDib.h"
+
+namespace {
+
+// All headers start with their size; the old one is not the start of the others.
+union CAnyHeader
+{
+    BITMAPINFOHEADER m_info;
+    BITMAPCOREHEADER m_core;
+};
+
+// The header in its usual form and what comes before the pixels when nothing says where they are.
+ULONGLONG ReadHeader(const CAnyHeader &any, BITMAPINFOHEADER &header)
+{
+    if (any.m_core.bcSize == sizeof any.m_core) {
+        header = {};
+        header.biSize = sizeof header;
+        header.biWidth = any.m_core.bcWidth;
+        header.biHeight = any.m_core.bcHeight;
+        header.biBitCount = any.m_core.bcBitCount;
+        const DWORD nColors = CUIDibColorCount(header);
+        return sizeof any.m_core + nColors * static_cast<ULONGLONG>(sizeof(RGBTRIPLE));
+    }
+    header = any.m_info;
+    const DWORD nMasks = header.biCompression == BI_BITFIELDS ? 3 * sizeof(DWORD) : 0;
+    const DWORD nColors = CUIDibColorCount(header);
+    const DWORD nKept = nColors < CUI_DIB_MAX_COLORS ? nColors : CUI_DIB_MAX_COLORS;
+    return static_cast<ULONGLONG>(header.biSize) + nMasks + nKept * sizeof(RGBQUAD);
+}
+
+// nPixels: where the pixels are said to be, 0: after the colours. nSize: all bytes from the header.
+bool IsSound(const CAnyHeader &any, ULONGLONG nPixels, ULONGLONG nSize)
+{
+    BITMAPINFOHEADER header;
+    const ULONGLONG nHead = ReadHeader(any, header);
+    // The first byte after the colours is looked at in any case.
+    return nHead < nSize && (nPixels ? nPixels : nHead) + CUIDibImageSize(header) <= nSize;
+}
+
+}  // namespace
+
+bool CUIBmpFileIsSound(CCUFile &file, const char *pszName)
+{
+    BITMAPFILEHEADER fileHeader;
+    CAnyHeader any = {};
+    if (!file.Open(pszName, CCUFile::modeRead | CCUFile::shareDenyWrite | CCUFile::modeNoInherit) ||
+        file.Read(&fileHeader, sizeof fileHeader) != sizeof fileHeader ||
+        file.Read(&any, sizeof any) < sizeof any.m_core)
+        return false;
+    const ULONGLONG nSize = static_cast<ULONGLONG>(file.GetLength()) - sizeof fileHeader;
+    return fileHeader.bfOffBits < sizeof fileHeader
+               ? fileHeader.bfOffBits == 0 && IsSound(any, 0, nSize)
+               : IsSound(any, fileHeader.bfOffBits - sizeof fileHeader, nSize);
+}
+
+bool CUIBmpResourceIsSound(HINSTANCE hInst, const char *pszName)
+{
+    const HRSRC hRsrc = FindResourceA(hInst, pszName, reinterpret_cast<const char *>(RT_BITMAP));
+    const HGLOBAL hGlobal = hRsrc ? LoadResource(hInst, hRsrc) : nullptr;
+    const void *pData = hGlobal ? LockResource(hGlobal) : nullptr;
+    if (!pData)
+        return false;
+    const DWORD nSize = SizeofResource(hInst, hRsrc);
+    CAnyHeader any = {};
+    memcpy(&any, pData, nSize < sizeof any ? nSize : sizeof any);
+    return IsSound(any, 0, nSize);
+}
