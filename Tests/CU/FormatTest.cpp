@@ -1,0 +1,136 @@
+#include <gtest/gtest.h>
+#include <limits.h>
+#include <stdio.h>
+#include <string.h>
+
+#include <random>
+#include <string>
+#include <vector>
+
+#include "CU/String.h"
+#include "Support/AssertReports.h"
+#include "Support/Fuzz.h"
+#include "Support/HeapWatch.h"
+
+namespace {
+
+class CFormatted : public CCUString
+{
+public:
+    using CCUString::FormatV;
+};
+
+const char TOO_LONG[] = "_vstprintf(m_pchData, pszFormat, argListSave) <= GetAllocLength()";
+
+void Expect(const CCUString &text, int nReserved, const char *expected)
+{
+    EXPECT_STREQ(text, expected);
+    EXPECT_EQ(text.GetAllocLength(), nReserved) << expected;
+}
+
+template <typename... Args>
+CCUString Formatted(const char *pszFormat, Args... args)
+{
+    CCUString result;
+    result.Format(pszFormat, args...);
+    return result;
+}
+
+}  // namespace
+
+TEST(Format, ReservesWhatTheFormatLetsExpect)
+{
+    const CAssertReports reports;
+    Expect(Formatted("plain 100%%"), 10, "plain 100%");
+    Expect(Formatted("%.3s", "abcdef"), 3, "abc");
+    Expect(Formatted("%10s", "ab"), 10, "        ab");
+    Expect(Formatted("%-4s|", "ab"), 5, "ab  |");
+    Expect(Formatted("%s%s", "", "abc"), 4, "abc");
+    Expect(Formatted("%.0s", "abc"), 3, "");
+    Expect(Formatted("%c%5c", 'x', 'y'), 7, "x    y");
+    Expect(Formatted("%hs %S %ls %hS", "a", L"bc", L"def", "g"), 10, "a bc def g");
+    Expect(Formatted("%d", -5), 32, "-5");
+    Expect(Formatted("%40d", 5), 40, "                                       5");
+    Expect(Formatted("%#x", 255), 34, "0xff");
+    Expect(Formatted("%##-+ 0.40u", 1), 44, "0000000000000000000000000000000000000001");
+    Expect(Formatted("%ld %hd %Fi", 1L, 2, 3), 98, "1 2 3");
+    Expect(Formatted("%f", 0.5), 512, "0.500000");
+    Expect(Formatted("%Lg%le", 0.5, 1.0), 1024, "0.51.000000e+000");
+    Expect(Formatted("%*d%.*f", 33, 1, 1, 0.25), 545, "                                10.3");
+    EXPECT_EQ(Formatted("%*5s|", 3, "x").GetAllocLength(), 2);
+    int nCount = 0;
+    Expect(Formatted("ab%n", &nCount), 2, "ab");
+    EXPECT_EQ(nCount, 2);
+    // A larger block of the string's own is kept.
+    CCUString text('x', 100);
+    text.Format("%d", 1);
+    Expect(text, 100, "1");
+    EXPECT_EQ(reports.Count("0"), 1);
+}
+
+TEST(Format, ReportsAndCutsWhatDoesNotFit)
+{
+    const CAssertReports reports;
+    const CHeapWatch heap;
+    Expect(Formatted("%10.3s", "abcdef"), 3, "   ");
+    EXPECT_EQ(Formatted("%.600f", 1e300).GetLength(), 600);
+    Expect(Formatted("%s%hs", static_cast<char *>(nullptr), static_cast<char *>(nullptr)), 2, "(n");
+    EXPECT_EQ(reports.Count(TOO_LONG), 3);
+    Expect(Formatted("%E", 1.5), 0, "");
+    EXPECT_EQ(reports.Count("0"), 1);
+    EXPECT_EQ(reports.Count(TOO_LONG), 4);
+    Expect(Formatted("%*s", -3, "a"), 1, "a");
+    EXPECT_EQ(reports.Count("nWidth >= 0"), 1);
+    Expect(Formatted("a%.*d", -1, 7), 33, "a7");
+    EXPECT_EQ(reports.Count("nPrecision >= 0"), 1);
+    Expect(Formatted("%2147483647d", 1), 0, "");
+    EXPECT_EQ(reports.Count("nLen <= 2147483647-1"), 1);
+}
+
+TEST(Format, TakesItsOwnTextAsArgument)
+{
+    const CHeapWatch heap;
+    CCUString text("abc"), copy("%s!");
+    text.Format("%s-%s", static_cast<const char *>(text), static_cast<const char *>(text) + 1);
+    EXPECT_STREQ(text, "abc-bc");
+    copy.Format(copy, static_cast<const char *>(text));
+    EXPECT_STREQ(copy, "abc-bc!");
+    copy.LockBuffer();
+    copy.Format("%s", static_cast<const char *>(copy) + 4);
+    EXPECT_STREQ(copy, "bc!");
+    EXPECT_EQ(copy.GetAllocLength(), 7);
+}
+
+// Arguments that are valid whatever a broken format takes them for: words that as integers are
+// small enough for a width and as pointers show short, writable text, both 8-bit and wide.
+TEST(Format, NeverLeavesItsBlockWhateverTheFormat)
+{
+    const DWORD nBase = 0x10000;
+    char *texts = static_cast<char *>(VirtualAlloc(reinterpret_cast<void *>(nBase), 0x1000,
+                                                   MEM_RESERVE | MEM_COMMIT, PAGE_READWRITE));
+    ASSERT_TRUE(texts);
+    const CHeapWatch heap;
+    std::mt19937 random(3);
+    const char *const tokens[] = {"%", "%", "%", "%", "%", ".",    "*",    "#",  "-", "+",  "0",
+                                  " ", "h", "l", "F", "N", "L",    "I64",  "w",  "c", "C",  "s",
+                                  "s", "S", "d", "i", "o", "p",    "u",    "x",  "X", "e",  "f",
+                                  "g", "G", "E", "n", "a", "text", "\xE9", "\n", "7", "12", "345 "};
+    std::vector<char> expected(1 << 20);
+    for (int i = 0; i < FuzzInputs(); ++i) {
+        char szFormat[64] = "";
+        for (unsigned int n = random() % 10; n > 0; --n)
+            strcat(szFormat, tokens[random() % (sizeof tokens / sizeof *tokens)]);
+        DWORD args[32];
+        for (DWORD &arg : args) {
+            arg = nBase + random() % 64 * 16;
+            memcpy(reinterpret_cast<void *>(arg), "s\0h\0o\0r\0t\0\0\0longer", 12);
+        }
+        CFormatted text;
+        text.FormatV(szFormat, reinterpret_cast<va_list>(args));
+        ASSERT_LE(text.GetLength(), text.GetAllocLength()) << szFormat;
+        const int n =
+            _vsnprintf(expected.data(), expected.size(), szFormat, reinterpret_cast<va_list>(args));
+        const size_t nLength = static_cast<size_t>(text.GetLength());
+        ASSERT_TRUE(n < 0 || strncmp(text, expected.data(), nLength) == 0) << szFormat;
+    }
+}

@@ -1,0 +1,87 @@
+#pragma once
+
+#include <malloc.h>
+#include <stdlib.h>
+#include <string.h>
+
+#include "Support/ImportHook.h"
+
+// Stands in for the heap of this program, on all threads: counts the blocks, puts them right
+// before pages that nobody may touch, so that a byte too far is a crash, and overwrites what is
+// given back, so that text read from a dead block is seen to be wrong. The up to three bytes
+// between a block and its page are looked at when it is freed. What is larger than a slot, or
+// comes when all are taken, goes to the ordinary heap.
+class CHeapWatch
+{
+public:
+    CHeapWatch() : m_malloc("malloc", Malloc), m_free("free", Free)
+    {
+        s_malloc = m_malloc.Original<void *__cdecl(size_t)>();
+        s_free = m_free.Original<void __cdecl(void *)>();
+        s_nMade = s_nFreed = 0;
+        // What earlier tests of this process left in a slot may come back later: slots stay.
+        if (s_base)
+            return;
+        s_base = static_cast<char *>(
+            VirtualAlloc(nullptr, SLOTS * (SLOT_SIZE + PAGE), MEM_RESERVE, PAGE_NOACCESS));
+        for (int i = 0; i < SLOTS; ++i)
+            VirtualAlloc(Slot(i), SLOT_SIZE, MEM_COMMIT, PAGE_READWRITE);
+    }
+
+    // Blocks taken, and taken but not given back, since the object was made.
+    static int Made() { return s_nMade; }
+    static int Live() { return s_nMade - s_nFreed; }
+
+private:
+    enum
+    {
+        PAGE = 4096,
+        SLOT_SIZE = 1 << 18,
+        SLOTS = 12,
+        SLACK = 0xA5
+    };
+
+    static char *Slot(int i) { return s_base + i * (SLOT_SIZE + PAGE); }
+    static LONG Rounded(LONG nSize) { return (nSize + 3) & ~3; }
+    static void *__cdecl Malloc(size_t nSize)
+    {
+        InterlockedIncrement(&s_nMade);
+        for (int i = 0; i < SLOTS && nSize <= SLOT_SIZE; ++i) {
+            const LONG nLength = static_cast<LONG>(nSize);
+            if (InterlockedCompareExchange(&s_nSizes[i], nLength, 0) != 0)
+                continue;
+            char *block = Slot(i) + SLOT_SIZE - Rounded(nLength);
+            memset(block, SLACK, static_cast<size_t>(Rounded(nLength)));
+            return block;
+        }
+        return s_malloc(nSize);
+    }
+    static void __cdecl Free(void *p)
+    {
+        if (!p)
+            return;
+        InterlockedIncrement(&s_nFreed);
+        char *block = static_cast<char *>(p);
+        if (block < s_base || block >= Slot(SLOTS)) {
+            memset(p, 0xDD, _msize(p));
+            s_free(p);
+            return;
+        }
+        LONG &nSize = s_nSizes[(block - s_base) / (SLOT_SIZE + PAGE)];
+        for (LONG n = nSize; n < Rounded(nSize); ++n) {
+            if (static_cast<unsigned char>(block[n]) != SLACK)
+                abort();
+        }
+        memset(block, 0xDD, static_cast<size_t>(nSize));
+        InterlockedExchange(&nSize, 0);
+    }
+
+    inline static void *(__cdecl *s_malloc)(size_t) = malloc;
+    inline static void(__cdecl *s_free)(void *) = free;
+    inline static char *s_base = nullptr;
+    inline static LONG s_nSizes[SLOTS] = {};
+    inline static LONG s_nMade = 0;
+    inline static LONG s_nFreed = 0;
+    CImportHook m_malloc;
+    CImportHook m_free;
+};
