@@ -1,0 +1,285 @@
+#pragma once
+
+#include "CU/Timer.h"
+#include "CUI/Platform.h"
+
+class CCUIMenu;
+class CCUIWindow;
+class CCUIWindowHookList;
+
+// Sees a window's messages before the window does; see CCUIWindow::InsertMessageHook.
+class CUI_API CCUIWindowHook
+{
+public:
+    // Answers nonzero when it handled the message and wrote `result`: nobody else sees it then.
+    virtual int OnHookMessage(UINT message, WPARAM wParam, LPARAM lParam, long &result) = 0;
+
+protected:
+    ~CCUIWindowHook() = default;
+};
+
+// Called at the end of every idle pass of a message loop; see CCUIWindow::SetIdleCallback.
+class CUI_API CCUIIdleCallback
+{
+public:
+    virtual void OnIdle() = 0;
+
+protected:
+    ~CCUIIdleCallback() = default;
+};
+
+// One object bound to one window. The window is subclassed: each of its messages reaches the
+// message hooks and then one virtual handler of the object. The object may exist before its window
+// and outlive it; destroyed first, it destroys the window.
+//
+// Every base handler passes its message to default processing: a handler that is overridden and
+// does not call its base swallows the message. A handler may destroy its own object.
+// A window's object is used on the thread of the window only; FromHandle may be called anywhere.
+class CUI_API CCUIWindow : public CCUTimer
+{
+public:
+    CCUIWindow();
+    CCUIWindow(const CCUIWindow &) = delete;
+    CCUIWindow &operator=(const CCUIWindow &) = delete;
+
+    // Destroys the window if there still is one, and traces that.
+    ~CCUIWindow() override;
+
+    // --- The virtual operations, in slot order; the handlers among them are protected, below. ---
+
+    // Called before a creation with what is about to be created, to be changed at will; 0 cancels.
+    // The base turns a null class name into the framework's plain window class, registered here.
+    virtual int PreCreate(CREATESTRUCTA *pCreate);
+
+    // Creates a window and binds it before its first message. `rect` is in the coordinates that
+    // CreateWindow takes; `nID` is the identifier of a WS_CHILD window, else ignored.
+    // 1 on success, 0 on failure (the object has no window then).
+    virtual int Create(const char *className, const char *windowName, DWORD style, const RECT &rect,
+                       HWND hParent, UINT nID);
+    virtual int CreateEx(DWORD exStyle, const char *className, const char *windowName, DWORD style,
+                         int x, int y, int cx, int cy, HWND hParent, HMENU hMenuOrID,
+                         void *param = nullptr);
+
+    // Called after a successful creation, when CreateWindow has returned.
+    virtual void PostCreate();
+
+    // Destroys the window. 1 on success, 0 when there is none or it belongs to another thread.
+    virtual int Destroy();
+
+protected:
+    // Cracks the message and calls its handler.
+    virtual long WindowProc(UINT message, WPARAM wParam, LPARAM lParam);
+
+    // Every message without a handler of its own.
+    virtual long OnMessage(UINT message, WPARAM wParam, LPARAM lParam);
+
+    // What this window, as a child, sent its parent, given back by the parent before it looks
+    // itself: a WM_NOTIFY, and any other reflected message (WM_COMMAND, WM_CTLCOLOR…, WM_DRAWITEM,
+    // WM_MEASUREITEM, WM_COMPAREITEM, WM_DELETEITEM, WM_HSCROLL, WM_VSCROLL, WM_CHARTOITEM,
+    // WM_VKEYTOITEM). Nonzero: handled, `result` is the answer.
+    virtual int OnReflectedNotification(UINT nID, NMHDR *pHeader, long &result);
+    virtual int OnReflectedMessage(UINT message, WPARAM wParam, LPARAM lParam, long &result);
+
+    virtual int OnCreate(CREATESTRUCTA *pCreate);
+    // The base unbinds the object and then lets the window's own procedure have the message.
+    virtual void OnDestroy();
+    virtual void OnClose();
+    virtual void OnActivate(UINT nState, UINT nMinimized, HWND hOther);
+    virtual void OnSize(UINT nType, int cx, int cy);
+    virtual long OnNotify(UINT nID, NMHDR *pHeader);
+    virtual void OnCommand(UINT nCode, UINT nID, HWND hControl);
+    virtual void OnPaint(HDC hDC);
+    virtual int OnEraseBkgnd(HDC hDC);
+    // Mouse positions are signed client pixels.
+    virtual void OnLButtonDown(UINT nFlags, POINT &point);
+    virtual void OnLButtonUp(UINT nFlags, POINT &point);
+    virtual void OnLButtonDblClk(UINT nFlags, POINT &point);
+    virtual void OnRButtonDown(UINT nFlags, POINT &point);
+    virtual void OnRButtonUp(UINT nFlags, POINT &point);
+    virtual void OnRButtonDblClk(UINT nFlags, POINT &point);
+    // Screen pixels; (-1, -1) when asked for by the keyboard. The base shows the context menu.
+    virtual void OnContextMenu(HWND hWnd, POINT &point);
+    virtual void OnMouseMove(UINT nFlags, POINT &point);
+    virtual void OnSysColorChange();
+    virtual void OnShowWindow(int bShow, int nStatus);
+    virtual int OnSetCursor(HWND hWnd, UINT nHitTest, UINT nMessage);
+    virtual void OnWinIniChange(WPARAM nAction, const char *section);
+    virtual void OnSetFocus(HWND hOld);
+    virtual void OnKillFocus(HWND hNew);
+    virtual void OnParentNotify(UINT nEvent, UINT nID, LPARAM lParam);
+    // The framework's WM_USER + 0x38: keeps the flag that GetShowToolTips answers.
+    virtual void OnShowToolTips(int bShow);
+    virtual int OnMeasureItem(UINT nID, MEASUREITEMSTRUCT *pMeasure);
+    virtual int OnDrawItem(UINT nID, DRAWITEMSTRUCT *pDraw);
+    virtual void OnMenuSelect(UINT nItem, UINT nFlags, HMENU hMenu);
+    virtual void OnInitMenuPopup(HMENU hMenu, UINT nIndex, int bSystemMenu);
+    virtual long OnMenuChar(UINT nChar, UINT nFlags, HMENU hMenu);
+    virtual void OnCancelMode();
+    virtual void OnCaptureChanged(HWND hNew);
+    // The framework's window-state notification, WM_USER + 0x35.
+    virtual void OnSetWindowState(UINT nState);
+
+public:
+    // Sees a queued message of this window, of its children and of what it owns before it is
+    // translated and dispatched. Nonzero: consumed. The base tries the accelerators.
+    virtual int PreTranslateMessage(MSG *pMsg);
+
+    // --- Binding ---
+
+    // Binds the object to an existing window of this process. An object that was bound to it
+    // before loses it. Asserts "!m_pOldProc" and "!m_hWnd". Stays unbound when the window cannot
+    // carry a property (no window, or another process's).
+    void Attach(HWND hWnd);
+
+    // Unbinds and returns the window, which lives on with the procedure that it had. A procedure
+    // that somebody installed after Attach stays; what it passes on reaches the former procedure.
+    HWND Detach();
+
+    // The object that is bound to the window, or null. No call to the system.
+    static CCUIWindow *FromHandle(HWND hWnd);
+
+    // Arms and disarms the creation hook: the next window that this thread creates is bound to this
+    // object before its first message. One object of the process may wait at a time; asserts
+    // "!s_pHookWin", "!s_hNextHook", "m_hWnd == 0" and "s_hNextHook" (Hook), "s_pHookWin" and
+    // "s_hNextHook" (UnHook).
+    void Hook();
+    void UnHook();
+
+    // Message hooks are asked in the order of insertion. They are not owned; they may be inserted
+    // and removed while a message passes through them.
+    void InsertMessageHook(CCUIWindowHook *pHook);
+    void RemoveMessageHook(CCUIWindowHook *pHook);
+
+    // --- State ---
+
+    HWND GetHandle() const { return m_hWnd; }
+    operator HWND() const { return m_hWnd; }  // NOLINT: windows are passed to Win32 all the time
+    // Whether the window exists (1 or 0).
+    int Exist() const;
+    int IsActive() const { return m_bActive; }
+
+    // The window that stands for the parent where a message walks up from window to window.
+    HWND GetOwner() const { return m_hWndOwner; }
+    void SetOwner(HWND hOwner) { m_hWndOwner = hOwner; }
+
+    // The window that a dialog of this window must have as its owner: this one or, for a child,
+    // the nearest ancestor that is none. Where the chain of parents goes on to another, enabled
+    // top-level window, that one is disabled and stored in *phDisabled (else null), to be enabled
+    // again by the caller.
+    HWND GetSafeOwner(HWND *phDisabled);
+    // The end of the chain of parents and owners.
+    HWND GetTopLevelWindow() const;
+
+    // Copies the table; a count of 0 removes it. 1 on success.
+    int SetAccelerators(ACCEL *pAccelerators, int nCount);
+
+    // The menu that the base OnContextMenu shows; not owned.
+    void SetContextMenu(CCUIMenu *pMenu) { m_pContextMenu = pMenu; }
+    CCUIMenu *GetContextMenu() const { return m_pContextMenu; }
+    // Shows a menu at a screen position with TrackPopupMenu's flags and waits; its commands come to
+    // this window. Clicks inside pExclude (null: none) do not close it where the system has that.
+    // With TPM_RETURNCMD the chosen identifier, else nonzero on success.
+    int DisplayPopupMenu(CCUIMenu *pMenu, unsigned nFlags, POINT &point, const RECT *pExclude);
+
+    int GetShowToolTips() const { return m_bShowToolTips; }
+
+    // --- Messages ---
+
+    // Default processing: the procedure that was replaced when the object was bound, or
+    // DefWindowProc. Asserts "Exist()".
+    long DefProc(UINT message, WPARAM wParam, LPARAM lParam);
+    // Default processing of the message that is being handled; 0 outside of a message.
+    long Default();
+
+    // Sends the message to all children and their children, parents first. *pnSent (may be null)
+    // grows by the number of windows that got it. 1, or 0 when the window is none.
+    static int SendMessageToDescendants(HWND hWnd, UINT message, WPARAM wParam, LPARAM lParam,
+                                        int *pnSent);
+    // Gives the message that is being handled back to the child that sent it; 1 when the child is
+    // a framework window and handled it: *pResult is its answer.
+    int ReflectLastMessage(HWND hChild, long *pResult);
+
+    // --- The message loop ---
+    //
+    // When the queue goes empty after a message that counts as activity, one idle pass refreshes
+    // the commands (CCUICommandMap::IdleUpdate) and calls the idle callback. Mouse moves, timers,
+    // paints, multimedia notifications, messages from WM_USER up and the framework's own do not
+    // count. With the debug switch "MessageDebug" ("\Debug\Window") at 1 or above, messages and
+    // idle passes that take more than a second are traced.
+
+    // Runs the thread's loop until WM_QUIT; returns its exit code.
+    static int RunLoop();
+    // Runs the loop until the window's modal run ends or the object is destroyed. WM_QUIT ends it
+    // too and is posted again for the loop around it.
+    void ModalLoop();
+    // Fetches one message, waiting for it, and handles it. 0 for WM_QUIT, else 1.
+    static int PumpMessage(MSG *pMsg);
+    // Offers the message to the framework windows from its target up; nonzero when one took it.
+    static int PerformPreTranslation(MSG *pMsg);
+    // Handles what is waiting for |nMilliseconds| at the most; a negative number also waits for
+    // more until then. Restricted: timers, multimedia notifications and the first three messages
+    // of the framework's message window only. WM_QUIT ends it and is posted again.
+    static void IdleLoop(long nMilliseconds, int bRestricted);
+    // Cancels all dialogs that the window owns, the deepest first.
+    static void AbortDialog(HWND hWnd);
+    // Null: none. Not owned.
+    static void SetIdleCallback(CCUIIdleCallback *pCallback);
+    // A number of milliseconds that a program keeps here for its idle work; 0 at first.
+    static void SetIdleTime(long nMilliseconds);
+    static long GetIdleTime();
+    // CUGetTime at the start of RunLoop and at the last idle pass; 0 before.
+    static unsigned long GetLoopStartTime();
+    static unsigned long GetLastIdleTime();
+
+protected:
+    class CWatch;
+
+    // To be called with the result of a creation that the hook was armed for: 1 when the object is
+    // bound to that window; else nothing is left of either, 0.
+    int FinishCreation(HWND hWnd);
+
+    HWND m_hWnd;
+    WNDPROC m_pOldProc;
+    HWND m_hWndOwner;
+    int m_bActive;  // in a run of a dialog
+    int m_bEnded;   // the modal run must stop
+    int m_bDead;    // the destructor has begun
+
+private:
+    class CMessage;
+
+    static LRESULT CALLBACK StaticWindowProc(HWND hWnd, UINT message, WPARAM wParam, LPARAM lParam);
+    static LRESULT CALLBACK CreationHookProc(int nCode, WPARAM wParam, LPARAM lParam);
+    static long CallProcedure(WNDPROC pProc, HWND hWnd, UINT message, WPARAM wParam, LPARAM lParam);
+    static LRESULT ForwardUnbound(HWND hWnd, UINT message, WPARAM wParam, LPARAM lParam);
+    bool CallHooks(const CMessage &message, long &result);
+    HWND FindReflectChild(UINT message, WPARAM wParam, LPARAM lParam) const;
+    long ReflectOrDefault(HWND hChild);
+
+    HACCEL m_hAccelerators;
+    CCUIMenu *m_pContextMenu;
+    int m_bShowToolTips;
+    int m_bMissedDetach;   // the window died attached: OnDestroy did not reach the base
+    CMessage *m_pMessage;  // being handled, the innermost
+    CWatch *m_pWatch;      // who must hear that the object is gone
+    CCUIWindowHookList *m_pHooks;
+
+    static CCUIWindow *s_pHookWin;
+    static HHOOK s_hNextHook;
+};
+
+// Tells, on the stack of a function that calls user code, whether the object still stands.
+class CUI_API CCUIWindow::CWatch
+{
+public:
+    explicit CWatch(CCUIWindow *pWindow);
+    ~CWatch();
+    CWatch(const CWatch &) = delete;
+    CWatch &operator=(const CWatch &) = delete;
+    bool IsGone() const { return !m_pWindow; }
+
+private:
+    friend class CCUIWindow;
+    CCUIWindow *m_pWindow;
+    CWatch *m_pNext;
+};

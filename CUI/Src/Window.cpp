@@ -1,0 +1,297 @@
+#include "CUI/Window.h"
+
+#include "CU/Assert.h"
+#include "CU/Dump.h"
+#include "CU/String.h"
+#include "CUI/Menu.h"
+#include "WindowHookList.h"
+#include "WindowMap.h"
+#include "WindowMessage.h"
+
+#define CU_SOURCE "Window"
+
+namespace {
+
+// The property that holds a window's object, with the process in its name: a window's properties
+// are seen by every process.
+const char *PropertyName()
+{
+    static CCUString s_sName;
+    if (s_sName.IsEmpty())
+        s_sName.Format("kvxCCUIWindow-%d", GetCurrentProcessId());
+    return s_sName;
+}
+
+WNDPROC GetProcedure(HWND hWnd)
+{
+    return reinterpret_cast<WNDPROC>(GetWindowLongA(hWnd, GWL_WNDPROC));
+}
+
+WNDPROC SetProcedure(HWND hWnd, WNDPROC pProc)
+{
+    return reinterpret_cast<WNDPROC>(
+        SetWindowLongA(hWnd, GWL_WNDPROC, reinterpret_cast<LONG>(pProc)));
+}
+
+}  // namespace
+
+CCUIWindow::CWatch::CWatch(CCUIWindow *pWindow) : m_pWindow(pWindow), m_pNext(pWindow->m_pWatch)
+{
+    pWindow->m_pWatch = this;
+}
+
+CCUIWindow::CWatch::~CWatch()
+{
+    if (m_pWindow)
+        m_pWindow->m_pWatch = m_pNext;
+}
+
+CCUIWindow::CCUIWindow()
+    : m_hWnd(nullptr),
+      m_pOldProc(nullptr),
+      m_hWndOwner(nullptr),
+      m_bActive(0),
+      m_bEnded(0),
+      m_bDead(0),
+      m_hAccelerators(nullptr),
+      m_pContextMenu(nullptr),
+      m_bShowToolTips(1),
+      m_bMissedDetach(0),
+      m_pMessage(nullptr),
+      m_pWatch(nullptr),
+      m_pHooks(nullptr)
+{
+}
+
+CCUIWindow::~CCUIWindow()
+{
+    m_bDead = 1;
+    if (s_pHookWin == this)
+        UnHook();  // a window made later must not be bound to what is gone
+    if (Exist()) {
+        CUDump("Destroying Window in ~CCUIWindow.\n");
+        CCUIWindow::Destroy();
+    }
+    if (m_hWnd || m_bMissedDetach) {
+        CUDump("Detach not called in OnDestroy().\n");
+        Detach();
+    }
+    if (m_hAccelerators)
+        DestroyAcceleratorTable(m_hAccelerators);
+    delete m_pHooks;
+    for (CWatch *pWatch = m_pWatch; pWatch; pWatch = pWatch->m_pNext)
+        pWatch->m_pWindow = nullptr;
+}
+
+void CCUIWindow::Attach(HWND hWnd)
+{
+    CU_ASSERT(!m_pOldProc);
+    CU_ASSERT(!m_hWnd);
+    if (m_hWnd)
+        Detach();
+    if (CCUIWindow *pBefore = FromHandle(hWnd))
+        pBefore->Detach();
+    if (!SetPropA(hWnd, PropertyName(), this))
+        return;
+    // A former binding may have left our procedure in the chain, below somebody else's. Put on top
+    // once more it would be called by itself.
+    CUIWindowBinding binding = {nullptr, nullptr};
+    if (!CUIWindowMapGet(hWnd, binding))
+        binding.pOldProc = SetProcedure(hWnd, StaticWindowProc);
+    if (!binding.pOldProc) {
+        SetPropA(hWnd, PropertyName(), nullptr);
+        return;
+    }
+    m_hWnd = hWnd;
+    m_pOldProc = binding.pOldProc;
+    m_bMissedDetach = 0;
+    binding.pWindow = this;
+    CUIWindowMapSet(hWnd, binding);
+}
+
+HWND CCUIWindow::Detach()
+{
+    const HWND hWnd = m_hWnd;
+    const WNDPROC pOldProc = m_pOldProc;
+    m_hWnd = nullptr;
+    m_pOldProc = nullptr;
+    // A handle that is somebody else's by now is left alone.
+    if (!pOldProc || FromHandle(hWnd) != this)
+        return hWnd;
+    if (GetProcedure(hWnd) == StaticWindowProc) {
+        CUIWindowMapRemove(hWnd);
+        SetProcedure(hWnd, pOldProc);
+    } else {
+        // Somebody subclassed after us and goes on calling our procedure.
+        CUIWindowMapSet(hWnd, {nullptr, pOldProc});
+    }
+    SetPropA(hWnd, PropertyName(), nullptr);
+    return hWnd;
+}
+
+CCUIWindow *CCUIWindow::FromHandle(HWND hWnd)
+{
+    return CUIWindowMapFind(hWnd);
+}
+
+LRESULT CALLBACK CCUIWindow::StaticWindowProc(HWND hWnd, UINT message, WPARAM wParam, LPARAM lParam)
+{
+    CCUIWindow *const pWindow = FromHandle(hWnd);
+    if (!pWindow)
+        return ForwardUnbound(hWnd, message, wParam, lParam);
+    CMessage current(pWindow, message, wParam, lParam);
+    long result = 0;
+    if (pWindow->m_pHooks && pWindow->CallHooks(current, result))
+        return result;
+    if (pWindow->m_hWnd != hWnd)
+        return ForwardUnbound(hWnd, message, wParam, lParam);
+    result = pWindow->WindowProc(message, wParam, lParam);
+    if (message == WM_NCDESTROY && !current.IsGone() && pWindow->m_hWnd == hWnd) {
+        pWindow->m_bMissedDetach = 1;
+        pWindow->Detach();
+        CUIWindowMapRemove(hWnd);
+    }
+    return result;
+}
+
+LRESULT CCUIWindow::ForwardUnbound(HWND hWnd, UINT message, WPARAM wParam, LPARAM lParam)
+{
+    CUIWindowBinding binding = {nullptr, nullptr};
+    if (CUIWindowMapGet(hWnd, binding) && message == WM_NCDESTROY)
+        CUIWindowMapRemove(hWnd);
+    return CallProcedure(binding.pOldProc, hWnd, message, wParam, lParam);
+}
+
+long CCUIWindow::CallProcedure(WNDPROC pProc, HWND hWnd, UINT message, WPARAM wParam, LPARAM lParam)
+{
+    return pProc ? CallWindowProcA(pProc, hWnd, message, wParam, lParam)
+                 : DefWindowProcA(hWnd, message, wParam, lParam);
+}
+
+long CCUIWindow::DefProc(UINT message, WPARAM wParam, LPARAM lParam)
+{
+    CU_ASSERT(Exist());
+    return CallProcedure(m_pOldProc, m_hWnd, message, wParam, lParam);
+}
+
+long CCUIWindow::Default()
+{
+    return m_pMessage ? DefProc(m_pMessage->m_message, m_pMessage->m_wParam, m_pMessage->m_lParam)
+                      : 0;
+}
+
+// True when the message is done with: a hook handled it, or the object is gone.
+bool CCUIWindow::CallHooks(const CMessage &message, long &result)
+{
+    CCUIWindowHookList &hooks = *m_pHooks;
+    hooks.BeginWalk();
+    // A hook that is inserted on the way sees the next message first.
+    const unsigned nCount = hooks.GetCount();
+    bool bHandled = false;
+    for (unsigned i = 0; i < nCount && !bHandled; ++i) {
+        CCUIWindowHook *const pHook = hooks.GetAt(i);
+        if (!pHook)
+            continue;
+        bHandled = pHook->OnHookMessage(message.m_message, message.m_wParam, message.m_lParam,
+                                        result) != 0;
+        if (message.IsGone())
+            return true;
+    }
+    hooks.EndWalk();
+    return bHandled;
+}
+
+void CCUIWindow::InsertMessageHook(CCUIWindowHook *pHook)
+{
+    if (!pHook)
+        return;
+    if (!m_pHooks)
+        m_pHooks = new CCUIWindowHookList;
+    m_pHooks->Insert(pHook);
+}
+
+void CCUIWindow::RemoveMessageHook(CCUIWindowHook *pHook)
+{
+    if (m_pHooks)
+        m_pHooks->Remove(pHook);
+}
+
+// The base OnDestroy: the object lets go first, so the message needs the handle and the procedure
+// named.
+void CCUIWindow::OnDestroy()
+{
+    SetContextMenu(nullptr);
+    const HWND hWnd = m_hWnd;
+    const WNDPROC pOldProc = m_pOldProc;
+    Detach();
+    CallProcedure(pOldProc, hWnd, WM_DESTROY, 0, 0);
+}
+
+int CCUIWindow::Exist() const
+{
+    return m_hWnd && IsWindow(m_hWnd);
+}
+
+HWND CCUIWindow::GetTopLevelWindow() const
+{
+    HWND hTop = m_hWnd;
+    for (HWND hWnd = m_hWnd; hWnd; hWnd = GetParent(hWnd))
+        hTop = hWnd;
+    return hTop;
+}
+
+HWND CCUIWindow::GetSafeOwner(HWND *phDisabled)
+{
+    HWND hOwner = m_hWnd;
+    while (hOwner && (GetWindowLongA(hOwner, GWL_STYLE) & WS_CHILD))
+        hOwner = GetParent(hOwner);
+    if (!phDisabled)
+        return hOwner;
+    *phDisabled = nullptr;
+    const HWND hTop = GetTopLevelWindow();
+    if (hTop != hOwner && IsWindowEnabled(hTop)) {
+        EnableWindow(hTop, FALSE);
+        *phDisabled = hTop;
+    }
+    return hOwner;
+}
+
+int CCUIWindow::SetAccelerators(ACCEL *pAccelerators, int nCount)
+{
+    if (m_hAccelerators)
+        DestroyAcceleratorTable(m_hAccelerators);
+    m_hAccelerators = nullptr;
+    if (!pAccelerators || nCount <= 0)
+        return 1;
+    m_hAccelerators = CreateAcceleratorTableA(pAccelerators, nCount);
+    return m_hAccelerators != nullptr;
+}
+
+int CCUIWindow::DisplayPopupMenu(CCUIMenu *pMenu, unsigned nFlags, POINT &point,
+                                 const RECT *pExclude)
+{
+    if (!pMenu || !m_hWnd)
+        return 0;
+    TPMPARAMS params = {sizeof params, {}};
+    if (pExclude)
+        params.rcExclude = *pExclude;
+    return TrackPopupMenuEx(pMenu->GetHandle(), nFlags, point.x, point.y, m_hWnd,
+                            pExclude ? &params : nullptr);
+}
+
+int CCUIWindow::SendMessageToDescendants(HWND hWnd, UINT message, WPARAM wParam, LPARAM lParam,
+                                         int *pnSent)
+{
+    if (!IsWindow(hWnd))
+        return 0;
+    HWND hNext = nullptr;
+    for (HWND hChild = GetWindow(hWnd, GW_CHILD); hChild; hChild = hNext) {
+        SendMessageA(hChild, message, wParam, lParam);
+        if (pnSent)
+            ++*pnSent;
+        SendMessageToDescendants(hChild, message, wParam, lParam, pnSent);
+        // The message may have ended the child, and with it the way to the next one.
+        hNext = IsWindow(hChild) ? GetWindow(hChild, GW_HWNDNEXT) : nullptr;
+    }
+    return 1;
+}

@@ -1,0 +1,129 @@
+// How windows come into being and get bound to their objects.
+
+#include "CU/Assert.h"
+#include "CU/String.h"
+#include "CUI/Window.h"
+#include "CUI/WindowClass.h"
+
+#define CU_SOURCE "Window"
+
+CCUIWindow *CCUIWindow::s_pHookWin;
+HHOOK CCUIWindow::s_hNextHook;
+
+namespace {
+
+// The system's input-method windows come along with the first window of a thread, and not always
+// after it.
+bool IsHelperWindow(HWND hWnd)
+{
+    char szClass[16] = "";
+    GetClassNameA(hWnd, szClass, sizeof szClass);
+    return lstrcmpiA(szClass, "IME") == 0 || lstrcmpiA(szClass, "MSCTFIME UI") == 0;
+}
+
+}  // namespace
+
+void CCUIWindow::Hook()
+{
+    CU_ASSERT(!s_pHookWin);
+    CU_ASSERT(!s_hNextHook);
+    CU_ASSERT(m_hWnd == 0);
+    if (s_hNextHook)
+        UnhookWindowsHookEx(s_hNextHook);
+    s_pHookWin = this;
+    s_hNextHook = SetWindowsHookExA(WH_CBT, CreationHookProc, nullptr, GetCurrentThreadId());
+    CU_ASSERT(s_hNextHook);
+}
+
+void CCUIWindow::UnHook()
+{
+    CU_ASSERT(s_pHookWin);
+    CU_ASSERT(s_hNextHook);
+    if (s_hNextHook)
+        UnhookWindowsHookEx(s_hNextHook);
+    s_pHookWin = nullptr;
+    s_hNextHook = nullptr;
+}
+
+LRESULT CALLBACK CCUIWindow::CreationHookProc(int nCode, WPARAM wParam, LPARAM lParam)
+{
+    const auto hWnd = reinterpret_cast<HWND>(wParam);
+    CCUIWindow *pWaiting = nullptr;
+    if (nCode == HCBT_CREATEWND && s_pHookWin && !IsHelperWindow(hWnd)) {
+        pWaiting = s_pHookWin;
+        pWaiting->Attach(hWnd);
+    }
+    const LRESULT result = CallNextHookEx(s_hNextHook, nCode, wParam, lParam);
+    if (pWaiting && s_pHookWin == pWaiting)
+        pWaiting->UnHook();
+    return result;
+}
+
+int CCUIWindow::PreCreate(CREATESTRUCTA *pCreate)
+{
+    if (!pCreate->lpszClass) {
+        CUIWindowClassDoRegister(CUI_CLASS_WINDOW);
+        pCreate->lpszClass = CUIWindowClassName(CUI_CLASS_WINDOW);
+    }
+    return 1;
+}
+
+int CCUIWindow::Create(const char *className, const char *windowName, DWORD style, const RECT &rect,
+                       HWND hParent, UINT nID)
+{
+    const auto hMenuOrID = reinterpret_cast<HMENU>(style & WS_CHILD ? nID : 0);
+    return CreateEx(0, className, windowName, style, rect.left, rect.top, rect.right - rect.left,
+                    rect.bottom - rect.top, hParent, hMenuOrID);
+}
+
+int CCUIWindow::CreateEx(DWORD exStyle, const char *className, const char *windowName, DWORD style,
+                         int x, int y, int cx, int cy, HWND hParent, HMENU hMenuOrID, void *param)
+{
+    CREATESTRUCTA create = {};
+    create.lpCreateParams = param;
+    create.hInstance = GetModuleHandleA(nullptr);
+    create.hMenu = hMenuOrID;
+    create.hwndParent = hParent;
+    create.cx = cx;
+    create.cy = cy;
+    create.x = x;
+    create.y = y;
+    create.style = static_cast<LONG>(style);
+    create.lpszName = windowName;
+    create.lpszClass = className;
+    create.dwExStyle = exStyle;
+    if (!PreCreate(&create))
+        return 0;
+
+    CWatch watch(this);
+    Hook();
+    const HWND hWnd =
+        CreateWindowExA(create.dwExStyle, create.lpszClass, create.lpszName,
+                        static_cast<DWORD>(create.style), create.x, create.y, create.cx, create.cy,
+                        create.hwndParent, create.hMenu, create.hInstance, create.lpCreateParams);
+    if (watch.IsGone() || !FinishCreation(hWnd))
+        return 0;
+    PostCreate();
+    return 1;
+}
+
+int CCUIWindow::FinishCreation(HWND hWnd)
+{
+    if (s_pHookWin == this)
+        UnHook();
+    if (hWnd && m_hWnd == hWnd)
+        return 1;
+    if (m_hWnd)
+        Detach();
+    m_bMissedDetach = 0;
+    if (hWnd)
+        DestroyWindow(hWnd);
+    return 0;
+}
+
+void CCUIWindow::PostCreate() {}
+
+int CCUIWindow::Destroy()
+{
+    return m_hWnd && DestroyWindow(m_hWnd);
+}
