@@ -1,0 +1,166 @@
+#pragma once
+
+#include "CU/String.h"
+#include "CUI/DialogTemplate.h"
+#include "CUI/Window.h"
+
+// What kind of control a registered control is: which of its notifications mean that the user
+// changed it.
+enum DialogControlType
+{
+    DialogControlNone = 0,        // never changed
+    DialogControlEdit = 1,        // EN_CHANGE
+    DialogControlListBox = 2,     // LBN_SELCHANGE
+    DialogControlComboBox = 3,    // CBN_SELCHANGE, CBN_EDITCHANGE
+    DialogControlButton = 4,      // BN_CLICKED of a check box or radio button
+    DialogControlAuto = 5,        // what its window class says
+    DialogControlTreeView = 6,    // selection, label and item changes
+    DialogControlListView = 7,    // state, text and label changes
+    DialogControlTab = 8,         // another page
+    DialogControlDatePicker = 9,  // another date
+    DialogControlSpecial = 10     // CCUIDialog::IsSpecialControlModified decides
+};
+
+// A registered control of a dialog.
+struct CCUIControlInfo
+{
+    HWND hWnd;
+    unsigned nID;
+    DialogControlType type;  // never DialogControlAuto
+    bool bAutoMakeDirty;     // its changes make the dialog dirty
+};
+
+// The directions of CCUIDialog::ExchangeData.
+const unsigned short CUI_TOSCREEN = 0;
+const unsigned short CUI_FROMSCREEN = 1;
+
+class CCUIControlList;
+
+// A dialog made from a template resource, run modally (DoModal) or modelessly. The object outlives
+// its window; a run may follow a run.
+//
+// Data exchange: OnInitDialog puts the data on the screen, OnOK takes it back, both through
+// UpdateData, which calls ExchangeData. Dirty tracking: the user's change of a registered control
+// makes the dialog dirty (OnEvent "Dirty"); a successful exchange makes it clean.
+class CUI_API CCUIDialog : public CCUIWindow
+{
+public:
+    // The name, text or MAKEINTRESOURCE(id), is kept as a pointer.
+    CCUIDialog(HINSTANCE hInstance, const char *templateName);
+    ~CCUIDialog() override;
+
+    using CCUIWindow::Create;
+    // Makes a modeless dialog from GetTemplate(), shown as its style says; null on failure.
+    virtual HWND Create(HWND hParent);
+    // Runs the dialog until EndDialog and returns what that was given; IDCANCEL when the dialog
+    // cannot be created, is running already, or is closed another way; 0 without instance or
+    // template name. The parent (may be null) must be minimised no more and is disabled meanwhile.
+    virtual int DoModal(CCUIWindow *pParent);
+    // Makes a modeless dialog and shows it; null on failure.
+    virtual HWND DoModeless(CCUIWindow *pParent);
+
+    // Exchanges data: "ToScreen" or "FromScreen"; any other code is traced. What ExchangeData said.
+    virtual int UpdateData(CCUString &sCode);
+    // Something happened that the program may want to know: "Dirty". The base does nothing.
+    virtual void OnEvent(CCUString &sEvent);
+
+    // What the template says; see CCUIDialogTemplate.
+    virtual const DLGTEMPLATE *GetTemplate();
+    virtual unsigned long GetWindowStyle();
+    virtual int GetSizeInDialogUnits(SIZE &size);
+    virtual int GetSizeInPixels(SIZE &size);
+    virtual int GetCaption(CCUString &sCaption);
+
+    // The background, a colour or what CUIData::ResolveColor takes; at first the button face.
+    virtual void SetColor(COLORREF cr);
+    virtual COLORREF GetColor();
+
+    // Whether OnInitDialog registers all controls with an identifier; false at first.
+    virtual void SetAutoMakeDirty(bool bAuto);
+    virtual bool GetAutoMakeDirty();
+    // One entry an identifier; the later registration counts.
+    virtual void RegisterControl(HWND hControl, unsigned nID, DialogControlType type);
+    virtual void UnRegisterControl(unsigned nID);
+    virtual void UnRegisterAllControls();
+    // The first enabled child, known from OnInitDialog on.
+    virtual HWND GetFirstControl();
+    virtual void SetFirstControl(HWND hControl);
+    // 1 and the entry, or 0 when none has the identifier.
+    virtual int GetControlInfo(unsigned nID, CCUIControlInfo &info);
+    virtual void SetControlAutoMakeDirty(unsigned nID, bool bAuto);
+
+protected:
+    // OK: ends the dialog with IDOK if the data can be taken; else it stays open.
+    virtual void OnOK();
+    // Cancel, Escape and the close box: ends the dialog with IDCANCEL.
+    virtual void OnCancel();
+
+public:
+    // Ends a modal run with a result, and destroys the window. May be called from any handler,
+    // OnInitDialog too; without a window it only sets the result.
+    virtual void EndDialog(unsigned nResult);
+
+protected:
+    // For ExchangeData to call and return: tells the user about a control whose text cannot be
+    // taken, and puts the focus there with its text selected. 0.
+    virtual int ExchangeFail(int nID, CCUString &sMessage);
+    // WM_INITDIALOG. Nonzero: the system sets the focus (to `hFocus`).
+    virtual int OnInitDialog(HWND hFocus, LPARAM lParam);
+    // Moves the data in a direction, CUI_TOSCREEN or CUI_FROMSCREEN; 0 when it cannot.
+    virtual int ExchangeData(unsigned short nDirection);
+    // Restores the parent's top-level window if it is minimised.
+    virtual void RestoreParent(CCUIWindow *pParent);
+    // Whether the notification of a registered control means that the user changed it.
+    virtual int IsWMCommandControlModified(int nCode, unsigned nID, HWND hControl);
+    virtual int IsWMNotifyControlModified(int nCode, unsigned nID, HWND hControl);
+    virtual int IsSpecialControlModified(int nCode, unsigned nID, HWND hControl);
+
+public:
+    int PreTranslateMessage(MSG *pMsg) override;
+
+    // Whether the last data exchange succeeded.
+    bool IsDataValid() const { return m_bDataValid; }
+    bool IsDirty() const { return m_bDirty; }
+    // OnEvent "Dirty" when it becomes dirty.
+    void SetDirty(bool bDirty);
+
+protected:
+    long WindowProc(UINT message, WPARAM wParam, LPARAM lParam) override;
+    void OnDestroy() override;
+    void OnCommand(UINT nCode, UINT nID, HWND hControl) override;
+    long OnNotify(UINT nID, NMHDR *pHeader) override;
+    void OnSysColorChange() override;
+
+    HINSTANCE m_hInstance;  // of the template
+
+private:
+    enum Mode
+    {
+        ModeNone,
+        ModeModal,
+        ModeModeless
+    };
+
+    static INT_PTR CALLBACK DialogProc(HWND hWnd, UINT message, WPARAM wParam, LPARAM lParam);
+    static BOOL CALLBACK VisitChild(HWND hChild, LPARAM lParam);
+    HWND Start(Mode mode, const DLGTEMPLATE *pTemplate, HWND hOwner);
+    void MakeBrush();
+    void DisableOwner();
+    void GiveOwnerBack();
+
+    CCUIDialogTemplate m_template;
+    CCUIControlList *m_pControls;
+    COLORREF m_color;
+    HBRUSH m_hBrush;
+    HWND m_hFirstControl;
+    const char *m_templateName;
+    Mode m_mode;
+    int m_nResult;
+    bool m_bDataValid;
+    bool m_bAutoMakeDirty;
+    bool m_bDirty;
+    bool m_bExchanging;
+    HWND m_hRunOwner;       // of this run
+    HWND m_hDisabledTop;    // disabled for this run
+    bool m_bOwnerDisabled;  // by us
+};

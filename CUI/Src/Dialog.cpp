@@ -1,0 +1,318 @@
+#include "CUI/Dialog.h"
+
+#include "CU/Assert.h"
+#include "CUI/Data.h"
+#include "ControlList.h"
+
+#define CU_SOURCE "Dialog"
+
+namespace {
+
+// No colour of the user's, so that the first SetColor makes the brush.
+constexpr COLORREF s_crNone = 0x010101;
+
+}  // namespace
+
+CCUIDialog::CCUIDialog(HINSTANCE hInstance, const char *templateName)
+    : m_hInstance(hInstance),
+      m_template(hInstance, templateName),
+      m_pControls(new CCUIControlList),
+      m_color(s_crNone),
+      m_hBrush(nullptr),
+      m_hFirstControl(nullptr),
+      m_templateName(templateName),
+      m_mode(ModeNone),
+      m_nResult(IDCANCEL),
+      m_bDataValid(false),
+      m_bAutoMakeDirty(false),
+      m_bDirty(false),
+      m_bExchanging(false),
+      m_hRunOwner(nullptr),
+      m_hDisabledTop(nullptr),
+      m_bOwnerDisabled(false)
+{
+    CCUIDialog::SetColor(CUIGetWinData()->crSys[COLOR_BTNFACE]);
+}
+
+CCUIDialog::~CCUIDialog()
+{
+    // The window goes while its handlers are still those of a dialog: the owner is given back.
+    m_bDead = 1;
+    if (Exist())
+        CCUIDialog::GiveOwnerBack();
+    if (m_hBrush)
+        DeleteObject(m_hBrush);
+    CCUIDialog::UnRegisterAllControls();
+    delete m_pControls;
+}
+
+// --- Runs ---
+
+int CCUIDialog::DoModal(CCUIWindow *pParent)
+{
+    if (!m_hInstance || !m_templateName)
+        return 0;
+    CU_ASSERT(m_hWnd == 0);
+    if (m_hWnd)
+        return IDCANCEL;
+    CWatch watch(this);
+    m_hRunOwner = nullptr;
+    if (pParent && pParent->Exist())
+        m_hRunOwner = pParent->GetSafeOwner(&m_hDisabledTop);
+    RestoreParent(pParent);
+    m_nResult = IDCANCEL;
+    Start(ModeModal, nullptr, m_hRunOwner);
+    if (watch.IsGone())
+        return IDCANCEL;
+    ModalLoop();
+    return watch.IsGone() ? static_cast<int>(IDCANCEL) : m_nResult;
+}
+
+HWND CCUIDialog::DoModeless(CCUIWindow *pParent)
+{
+    if (!m_hInstance || !m_templateName || m_hWnd)
+        return nullptr;
+    m_hRunOwner = nullptr;
+    HWND hOwner = nullptr;
+    if (pParent && pParent->Exist()) {
+        const bool bChild = (GetWindowStyle() & WS_CHILD) != 0;
+        RestoreParent(pParent);
+        hOwner = bChild ? pParent->GetHandle() : pParent->GetSafeOwner(nullptr);
+    }
+    return Start(ModeModeless, nullptr, hOwner);
+}
+
+HWND CCUIDialog::Create(HWND hParent)
+{
+    const DLGTEMPLATE *pTemplate = GetTemplate();
+    if (!pTemplate || m_hWnd)
+        return nullptr;
+    m_hRunOwner = nullptr;
+    return Start(ModeModeless, pTemplate, hParent);
+}
+
+// Makes the window from the given template or, without one, from the resource, which is shown at
+// once. On failure the object is as it was before the run.
+HWND CCUIDialog::Start(Mode mode, const DLGTEMPLATE *pTemplate, HWND hOwner)
+{
+    CWatch watch(this);
+    m_bActive = 1;
+    m_bEnded = 0;
+    m_mode = mode;
+    Hook();
+    const HWND hWnd =
+        pTemplate ? CreateDialogIndirectParamA(m_hInstance, pTemplate, hOwner, DialogProc, 0)
+                  : CreateDialogParamA(m_hInstance, m_templateName, hOwner, DialogProc, 0);
+    if (watch.IsGone())
+        return nullptr;
+    if (!FinishCreation(hWnd)) {
+        GiveOwnerBack();
+        m_mode = ModeNone;
+        m_bActive = 0;
+        m_bEnded = 1;
+        return nullptr;
+    }
+    if (!pTemplate) {
+        ShowWindow(hWnd, SW_SHOW);
+        SetForegroundWindow(hWnd);
+    }
+    return watch.IsGone() ? nullptr : m_hWnd;
+}
+
+void CCUIDialog::RestoreParent(CCUIWindow *pParent)
+{
+    const HWND hTop = pParent ? pParent->GetTopLevelWindow() : nullptr;
+    WINDOWPLACEMENT placement = {};
+    placement.length = sizeof placement;
+    if (!hTop || !GetWindowPlacement(hTop, &placement) || placement.showCmd != SW_SHOWMINIMIZED)
+        return;
+    placement.showCmd = SW_RESTORE;
+    SetWindowPlacement(hTop, &placement);
+}
+
+void CCUIDialog::EndDialog(unsigned nResult)
+{
+    GiveOwnerBack();
+    m_nResult = static_cast<int>(nResult);
+    if (!m_hWnd)
+        return;
+    // Wakes the loop of the run, wherever it waits.
+    PostMessageA(m_hWnd, WM_NULL, 0, 0);
+    Destroy();
+}
+
+void CCUIDialog::DisableOwner()
+{
+    if (!m_hRunOwner || !IsWindow(m_hRunOwner) || !IsWindowEnabled(m_hRunOwner))
+        return;
+    EnableWindow(m_hRunOwner, FALSE);
+    EnableWindow(m_hWnd, TRUE);
+    m_bOwnerDisabled = true;
+}
+
+// Enabled before the dialog goes: the system activates the next window, and must be able to choose
+// the owner.
+void CCUIDialog::GiveOwnerBack()
+{
+    const HWND hOwner = m_hRunOwner;
+    const HWND hTop = m_hDisabledTop;
+    const bool bEnable = m_bOwnerDisabled;
+    m_hRunOwner = nullptr;
+    m_hDisabledTop = nullptr;
+    m_bOwnerDisabled = false;
+    if (!hOwner)
+        return;
+    if (bEnable)
+        EnableWindow(hOwner, TRUE);
+    if (m_hWnd && GetActiveWindow() == m_hWnd)
+        SetActiveWindow(hOwner);
+    if (hTop && IsWindow(hTop))
+        EnableWindow(hTop, TRUE);
+}
+
+// --- Messages ---
+
+// Every message goes through the object; nothing is left for the procedure that Win32 asks for.
+INT_PTR CALLBACK CCUIDialog::DialogProc(HWND, UINT, WPARAM, LPARAM)
+{
+    return FALSE;
+}
+
+long CCUIDialog::WindowProc(UINT message, WPARAM wParam, LPARAM lParam)
+{
+    switch (message) {
+    case WM_INITDIALOG: return OnInitDialog(reinterpret_cast<HWND>(wParam), lParam);
+    case WM_CTLCOLORSTATIC:
+        SetBkColor(reinterpret_cast<HDC>(wParam), CUIGetWinData()->ResolveColor(m_color));
+        return reinterpret_cast<long>(m_hBrush);
+    case WM_CTLCOLORDLG: return reinterpret_cast<long>(m_hBrush);
+    default: return CCUIWindow::WindowProc(message, wParam, lParam);
+    }
+}
+
+int CCUIDialog::OnInitDialog(HWND, LPARAM)
+{
+    CWatch watch(this);
+    m_hFirstControl = nullptr;
+    EnumChildWindows(m_hWnd, VisitChild, reinterpret_cast<LPARAM>(this));
+    const int nResult = Default();
+    m_bDataValid = false;
+    CCUString sCode("ToScreen");
+    const bool bValid = UpdateData(sCode) != 0;
+    if (watch.IsGone() || !m_hWnd)
+        return nResult;
+    m_bDataValid = bValid;
+    DisableOwner();
+    HWND hBusy = GetCapture();
+    if (!hBusy)
+        hBusy = GetFocus();
+    if (hBusy)
+        SendMessageA(hBusy, WM_CANCELMODE, 0, 0);
+    return nResult;
+}
+
+BOOL CALLBACK CCUIDialog::VisitChild(HWND hChild, LPARAM lParam)
+{
+    auto &dialog = *reinterpret_cast<CCUIDialog *>(lParam);
+    if (!dialog.m_hFirstControl && IsWindowEnabled(hChild))
+        dialog.m_hFirstControl = hChild;
+    const int nID = GetDlgCtrlID(hChild);
+    if (dialog.GetAutoMakeDirty() && nID > 0)
+        dialog.RegisterControl(hChild, static_cast<unsigned>(nID), DialogControlAuto);
+    return TRUE;
+}
+
+int CCUIDialog::PreTranslateMessage(MSG *pMsg)
+{
+    CWatch watch(this);
+    if (CCUIWindow::PreTranslateMessage(pMsg) || watch.IsGone())
+        return 1;
+    const bool bInput = (pMsg->message >= WM_KEYFIRST && pMsg->message <= WM_KEYLAST) ||
+                        (pMsg->message >= WM_MOUSEFIRST && pMsg->message <= WM_MBUTTONDBLCLK);
+    return bInput && IsDialogMessageA(m_hWnd, pMsg);
+}
+
+void CCUIDialog::OnDestroy()
+{
+    GiveOwnerBack();
+    m_bActive = 0;
+    m_bEnded = 1;
+    m_mode = ModeNone;
+    CCUIWindow::OnDestroy();
+}
+
+void CCUIDialog::OnOK()
+{
+    CWatch watch(this);
+    m_bDataValid = false;
+    CCUString sCode("FromScreen");
+    if (!UpdateData(sCode) || watch.IsGone())
+        return;
+    m_bDataValid = true;
+    EndDialog(IDOK);
+}
+
+void CCUIDialog::OnCancel()
+{
+    EndDialog(IDCANCEL);
+}
+
+// --- Colour ---
+
+void CCUIDialog::SetColor(COLORREF cr)
+{
+    if (cr == m_color)
+        return;
+    m_color = cr;
+    MakeBrush();
+    if (Exist())
+        InvalidateRect(m_hWnd, nullptr, TRUE);
+}
+
+COLORREF CCUIDialog::GetColor()
+{
+    return m_color;
+}
+
+void CCUIDialog::MakeBrush()
+{
+    const HBRUSH hOld = m_hBrush;
+    m_hBrush = CreateSolidBrush(CUIGetWinData()->ResolveColor(m_color));
+    if (hOld)
+        DeleteObject(hOld);
+}
+
+void CCUIDialog::OnSysColorChange()
+{
+    CWatch watch(this);
+    CCUIWindow::OnSysColorChange();
+    if (!watch.IsGone())
+        MakeBrush();
+}
+
+// --- What the template says ---
+
+const DLGTEMPLATE *CCUIDialog::GetTemplate()
+{
+    return m_template.GetTemplate();
+}
+
+unsigned long CCUIDialog::GetWindowStyle()
+{
+    return m_template.GetStyle();
+}
+
+int CCUIDialog::GetSizeInDialogUnits(SIZE &size)
+{
+    return m_template.GetSizeInDialogUnits(size);
+}
+
+int CCUIDialog::GetSizeInPixels(SIZE &size)
+{
+    return m_template.GetSizeInPixels(size);
+}
+
+int CCUIDialog::GetCaption(CCUString &sCaption)
+{
+    return m_template.GetCaption(sCaption);
+}
