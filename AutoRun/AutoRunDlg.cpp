@@ -1,0 +1,363 @@
+#include "AutoRunDlg.h"
+
+#include "CUI/BmpBlt.h"
+#include "CUI/OffScreenDC.h"
+#include "CUI/ResourceString.h"
+#include "Resource.h"
+#include "SkinTable.h"
+
+namespace {
+
+constexpr COLORREF s_crText = RGB(0, 0, 0);
+constexpr COLORREF s_crEmboss = RGB(255, 255, 255);
+
+// How long the exit line stays lit before Escape closes the launcher.
+constexpr DWORD s_nEscapePause = 500;
+
+constexpr WORD s_wBitmapFlags = CUIBMP_PALETTE | CUIBMP_RESOURCE;
+
+// Both ends of a text belong to it. The table may hold any numbers, so the sum needs more bits.
+bool IsWithin(LONG n, LONG nFirst, LONG nLength)
+{
+    return n >= nFirst && n <= static_cast<long long>(nFirst) + nLength;
+}
+
+// Whatever number the table holds, the text goes up and left of it.
+int Before(LONG n, DWORD nPixels)
+{
+    return static_cast<int>(static_cast<DWORD>(n) - nPixels);
+}
+
+void DrawWhole(HDC hDC, const POINT &at, const CCUIBitmap &bitmap)
+{
+    CUIBmpBitBlt(hDC, static_cast<UINT>(at.x), static_cast<UINT>(at.y), bitmap, 0, 0, 0, 0, bitmap,
+                 FALSE);
+}
+
+void DrawLine(HDC hDC, int x, int y, const CCUString &sText)
+{
+    TextOutA(hDC, x, y, sText, sText.GetLength());
+}
+
+}  // namespace
+
+CAutoRunDlg::CAutoRunDlg(HINSTANCE hInstance)
+    : CCUIDialog(hInstance, MAKEINTRESOURCEA(IDD_AUTORUN)),
+      m_bmpBackground(IDB_BACKGROUND, s_wBitmapFlags, hInstance),
+      m_bmpProduct(IDB_PRODUCT, s_wBitmapFlags, hInstance),
+      m_bmpBullet(IDB_BULLET, s_wBitmapFlags, hInstance),
+      m_ptProductBMP(),
+      m_ptProductIcon(),
+      m_ptTitleDVR(),
+      m_hotSpots(),
+      m_rectAbout(),
+      m_hFontTitle(nullptr),
+      m_hFontItem(nullptr),
+      m_hFontAbout(nullptr),
+      m_hIcon(nullptr),
+      m_clrHighlight(0),
+      m_clrSpare(0),
+      m_nHotSpot(HotSpotNone),
+      m_nPressed(HotSpotNone)
+{
+}
+
+// --- Start: the string table, the window's place ---
+
+// The order of reading is the order in which bad entries are reported.
+int CAutoRunDlg::OnInitDialog(HWND hFocus, LPARAM lParam)
+{
+    CSkinTable table(m_hInstance);
+    ReadFonts(table);
+    CCUIDialog::OnInitDialog(hFocus, lParam);
+    SetWindowTextA(m_hWnd, table.ReadText(IDS_CAPTION));
+    PlaceWindow();
+    SetIcons();
+    ReadTexts(table);
+    ReadPoints(table);
+    m_clrHighlight = table.ReadColor(IDS_HIGHLIGHT_COLOR);
+    m_clrSpare = table.ReadColor(IDS_SPARE_COLOR);
+    return 1;
+}
+
+void CAutoRunDlg::ReadFonts(CSkinTable &table)
+{
+    m_hFontTitle = table.ReadFont(IDS_TITLE_FONT);
+    m_hFontItem = table.ReadFont(IDS_ITEM_FONT);
+    m_hFontAbout = table.ReadFont(IDS_ABOUT_FONT);
+}
+
+void CAutoRunDlg::ReadTexts(const CSkinTable &table)
+{
+    m_strTitle = table.ReadText(IDS_TITLE);
+    m_strHotSpots[HotSpotSetup] = table.ReadText(IDS_SETUP);
+    m_strHotSpots[HotSpotExit] = table.ReadText(IDS_EXIT);
+    m_strHotSpots[HotSpotRun] = table.ReadText(IDS_RUN);
+    m_strHotSpots[HotSpotHelp] = table.ReadText(IDS_HELP);
+    m_strAbout = table.ReadText(IDS_ABOUT);
+}
+
+// What a failed check reports for a point and for the rectangle.
+#define POINT_CHECK(name) "sscanf(sText, \"%d,%d\", &" name ".x, &" name ".y) == 2"
+#define RECT_CHECK(name)                                                                    \
+    "sscanf(sText, \"%d,%d,%d,%d\", &" name ".left, &" name ".top, &" name ".right, &" name \
+    ".bottom) == 4"
+
+void CAutoRunDlg::ReadPoints(const CSkinTable &table)
+{
+    HotSpot &setup = m_hotSpots[HotSpotSetup];
+    HotSpot &exit = m_hotSpots[HotSpotExit];
+    HotSpot &run = m_hotSpots[HotSpotRun];
+    HotSpot &help = m_hotSpots[HotSpotHelp];
+
+    table.ReadPoint(IDS_PRODUCT_POS, m_ptProductBMP, POINT_CHECK("m_ptProductBMP"));
+    table.ReadPoint(IDS_PRODUCT_ICON_POS, m_ptProductIcon, POINT_CHECK("m_ptProductIcon"));
+    table.ReadPoint(IDS_SETUP_ICON_POS, setup.ptIcon, POINT_CHECK("m_ptSetupIcon"));
+    table.ReadPoint(IDS_EXIT_ICON_POS, exit.ptIcon, POINT_CHECK("m_ptExitIcon"));
+    table.ReadPoint(IDS_RUN_ICON_POS, run.ptIcon, POINT_CHECK("m_ptRunIcon"));
+    table.ReadPoint(IDS_HELP_ICON_POS, help.ptIcon, POINT_CHECK("m_ptHelpIcon"));
+    table.ReadPoint(IDS_TITLE_POS, m_ptTitleDVR, POINT_CHECK("m_ptTitleDVR"));
+    table.ReadPoint(IDS_SETUP_POS, setup.ptText, POINT_CHECK("m_ptSetup"));
+    table.ReadPoint(IDS_EXIT_POS, exit.ptText, POINT_CHECK("m_ptExit"));
+    table.ReadPoint(IDS_RUN_POS, run.ptText, POINT_CHECK("m_ptRun"));
+    table.ReadPoint(IDS_HELP_POS, help.ptText, POINT_CHECK("m_ptHelp"));
+    table.ReadRect(IDS_ABOUT_RECT, m_rectAbout, RECT_CHECK("m_rectAbout"));
+}
+
+void CAutoRunDlg::PlaceWindow()
+{
+    const int cx = m_bmpBackground.Width();
+    const int cy = m_bmpBackground.Height();
+    SetWindowPos(m_hWnd, nullptr, (GetSystemMetrics(SM_CXSCREEN) - cx) / 2,
+                 (GetSystemMetrics(SM_CYSCREEN) - cy) / 2, cx, cy, SWP_NOZORDER);
+}
+
+void CAutoRunDlg::SetIcons()
+{
+    m_hIcon = LoadIconA(m_hInstance, MAKEINTRESOURCEA(IDI_AUTORUN));
+    SendMessageA(m_hWnd, WM_SETICON, ICON_BIG, reinterpret_cast<LPARAM>(m_hIcon));
+    SendMessageA(m_hWnd, WM_SETICON, ICON_SMALL, reinterpret_cast<LPARAM>(m_hIcon));
+}
+
+void CAutoRunDlg::OnDestroy()
+{
+    CCUIDialog::OnDestroy();
+    // The icon is shared by the system, so no more than the reference is given back.
+    CUIBmpDeleteObject(reinterpret_cast<void **>(&m_hFontTitle));
+    CUIBmpDeleteObject(reinterpret_cast<void **>(&m_hFontItem));
+    CUIBmpDeleteObject(reinterpret_cast<void **>(&m_hFontAbout));
+    CUIBmpDeleteObject(reinterpret_cast<void **>(&m_hIcon));
+}
+
+// --- The mouse and the keyboard ---
+
+void CAutoRunDlg::SetHotSpot(int nHotSpot)
+{
+    if (nHotSpot == m_nHotSpot)
+        return;
+    m_nHotSpot = nHotSpot;
+    InvalidateRect(m_hWnd, nullptr, TRUE);
+    UpdateWindow(m_hWnd);
+}
+
+int CAutoRunDlg::HitTest(const POINT &point) const
+{
+    for (int i = 0; i < HotSpotCount; ++i) {
+        const HotSpot &hotSpot = m_hotSpots[i];
+        if (IsWithin(point.x, hotSpot.ptText.x, hotSpot.sizeText.cx) &&
+            IsWithin(point.y, hotSpot.ptText.y, hotSpot.sizeText.cy))
+            return i;
+    }
+    return HotSpotNone;
+}
+
+void CAutoRunDlg::OnMouseMove(UINT, POINT &point)
+{
+    SetHotSpot(HitTest(point));
+}
+
+void CAutoRunDlg::OnLButtonDown(UINT, POINT &point)
+{
+    SetHotSpot(HitTest(point));
+    if (m_nHotSpot == HotSpotNone)
+        return;
+    m_nPressed = m_nHotSpot;
+    SetCapture(m_hWnd);
+}
+
+void CAutoRunDlg::OnLButtonUp(UINT, POINT &point)
+{
+    if (GetCapture() == m_hWnd) {
+        SetHotSpot(HitTest(point));
+        if (m_nPressed == m_nHotSpot)
+            Activate(m_nHotSpot);
+        // Without a window to name, the whole desktop would be painted again.
+        if (m_hWnd) {
+            ReleaseCapture();
+            InvalidateRect(m_hWnd, nullptr, TRUE);
+        }
+    }
+    m_nPressed = HotSpotNone;
+}
+
+void CAutoRunDlg::OnCancelMode()
+{
+    if (GetCapture() == m_hWnd)
+        ReleaseCapture();
+}
+
+void CAutoRunDlg::OnCaptureChanged(HWND)
+{
+    m_nPressed = HotSpotNone;
+}
+
+int CAutoRunDlg::PreTranslateMessage(MSG *pMsg)
+{
+    if (pMsg->message != WM_KEYDOWN || pMsg->wParam != VK_ESCAPE)
+        return CCUIDialog::PreTranslateMessage(pMsg);
+    SetHotSpot(HotSpotExit);
+    Sleep(s_nEscapePause);
+    EndDialog(IDCANCEL);
+    return 1;
+}
+
+void CAutoRunDlg::Activate(int nHotSpot)
+{
+    switch (nHotSpot) {
+    case HotSpotSetup: Start(IDS_SETUP_COMMAND); break;
+    case HotSpotExit: EndDialog(IDCANCEL); break;
+    case HotSpotRun: Start(IDS_RUN_COMMAND); break;
+    case HotSpotHelp: Start(IDS_HELP_COMMAND); break;
+    default: break;
+    }
+}
+
+// A bare file name is found beside the launcher, whatever the current directory.
+void CAutoRunDlg::Start(UINT nCommandLineID)
+{
+    WinExec(CUIResourceString(m_hInstance, nCommandLineID, false), SW_SHOWNORMAL);
+}
+
+// --- Painting ---
+
+int CAutoRunDlg::OnEraseBkgnd(HDC hDC)
+{
+    const int nSaved = SaveDC(hDC);
+    if (IsIconic(m_hWnd))
+        PaintIcon(hDC);
+    else
+        PaintPicture(hDC);
+    RestoreDC(hDC, nSaved);
+    return 1;
+}
+
+void CAutoRunDlg::PaintIcon(HDC hDC)
+{
+    RECT client;
+    GetClientRect(m_hWnd, &client);
+    // That x depends on the bottom is how minimised launchers have always looked.
+    DrawIcon(hDC, (client.right - client.bottom - GetSystemMetrics(SM_CXICON) + 1) / 2,
+             (client.bottom - client.top - GetSystemMetrics(SM_CYICON) + 1) / 2, m_hIcon);
+}
+
+// Off screen in one pass and to the window in one blit, so that nothing flickers.
+void CAutoRunDlg::PaintPicture(HDC hDC)
+{
+    const int cx = m_bmpBackground.Width();
+    const int cy = m_bmpBackground.Height();
+    const HDC hMemDC = CUIGetOSDC()->GetDC(hDC, cx, cy);
+    if (hMemDC) {
+        DrawBitmaps(hMemDC);
+        DrawTexts(hMemDC);
+    }
+    const HPALETTE hPalette = m_bmpBackground;
+    if (hPalette) {
+        SelectPalette(hDC, hPalette, FALSE);
+        RealizePalette(hDC);
+    }
+    BitBlt(hDC, 0, 0, cx, cy, hMemDC, 0, 0, SRCCOPY);
+    CUIGetOSDC()->ReleaseDC();
+}
+
+void CAutoRunDlg::DrawBitmaps(HDC hDC)
+{
+    DrawWhole(hDC, POINT(), m_bmpBackground);
+    DrawWhole(hDC, m_ptProductBMP, m_bmpProduct);
+    for (const HotSpot &hotSpot : m_hotSpots)
+        DrawWhole(hDC, hotSpot.ptIcon, m_bmpBullet);
+}
+
+void CAutoRunDlg::DrawTexts(HDC hDC)
+{
+    SetBkMode(hDC, TRANSPARENT);
+    SetTextColor(hDC, s_crText);
+    const HGDIOBJ hOldFont = SelectObject(hDC, m_hFontTitle);
+    DrawLine(hDC, m_ptTitleDVR.x, m_ptTitleDVR.y, m_strTitle);
+    SelectObject(hDC, m_hFontAbout);
+    DrawTextA(hDC, m_strAbout, m_strAbout.GetLength(), &m_rectAbout, 0);
+    SelectObject(hDC, m_hFontItem);
+    MeasureHotSpots(hDC);
+    DrawHotSpots(hDC);
+    // The DC is shared and outlives the fonts.
+    SelectObject(hDC, hOldFont);
+}
+
+void CAutoRunDlg::MeasureHotSpots(HDC hDC)
+{
+    if (m_hotSpots[0].sizeText.cx != 0)
+        return;
+    for (int i = 0; i < HotSpotCount; ++i) {
+        RECT rect = {};
+        DrawTextA(hDC, m_strHotSpots[i], m_strHotSpots[i].GetLength(), &rect,
+                  DT_CALCRECT | DT_SINGLELINE);
+        m_hotSpots[i].sizeText = {rect.right - rect.left, rect.bottom - rect.top};
+    }
+}
+
+void CAutoRunDlg::DrawHotSpots(HDC hDC)
+{
+    for (int i = 0; i < HotSpotCount; ++i) {
+        const CCUString &sText = m_strHotSpots[i];
+        const POINT &at = m_hotSpots[i].ptText;
+        DrawLine(hDC, at.x, at.y, sText);
+        // While another line is held down, the one under the mouse stays dark.
+        if (m_nHotSpot != i || (m_nPressed != i && m_nPressed != HotSpotNone))
+            continue;
+        SetTextColor(hDC, s_crEmboss);
+        DrawLine(hDC, Before(at.x, 2), Before(at.y, 2), sText);
+        SetTextColor(hDC, m_clrHighlight);
+        DrawLine(hDC, Before(at.x, 1), Before(at.y, 1), sText);
+        SetTextColor(hDC, s_crText);
+    }
+}
+
+// --- Palettes ---
+
+long CAutoRunDlg::WindowProc(UINT message, WPARAM wParam, LPARAM lParam)
+{
+    // That lParam is compared, which holds no window here, makes the launcher realise its palette
+    // on its own change too; the second time nothing changes any more.
+    const bool bOther = message == WM_PALETTECHANGED && reinterpret_cast<HWND>(lParam) != m_hWnd;
+    if (message != WM_QUERYNEWPALETTE && !bOther)
+        return CCUIDialog::WindowProc(message, wParam, lParam);
+    const bool bChanged = RealizeBackground();
+    if (bChanged)
+        InvalidateRect(m_hWnd, nullptr, TRUE);
+    return bChanged;
+}
+
+// Whether colours of the screen changed.
+bool CAutoRunDlg::RealizeBackground()
+{
+    const HDC hDC = GetDC(m_hWnd);
+    const HPALETTE hPalette = m_bmpBackground;
+    bool bChanged = false;
+    if (hPalette) {
+        const HPALETTE hOld = SelectPalette(hDC, hPalette, FALSE);
+        const UINT nChanged = RealizePalette(hDC);
+        bChanged = nChanged > 0 && nChanged != GDI_ERROR;
+        SelectPalette(hDC, hOld, FALSE);
+    }
+    ReleaseDC(m_hWnd, hDC);
+    return bChanged;
+}

@@ -1,0 +1,70 @@
+#include "SkinTable.h"
+
+#include <stdio.h>
+
+#include "CU/Assert.h"
+#include "CUI/ResourceString.h"
+
+#define CU_SOURCE "SkinTable"
+
+namespace {
+
+// Whatever the display's resolution: the pictures around the texts do not grow with it either.
+constexpr int s_nPixelsPerInch = 96;
+constexpr int s_nPointsPerInch = 72;
+
+}  // namespace
+
+CSkinTable::CSkinTable(HINSTANCE hInstance)
+    : m_hInstance(hInstance),
+      m_logFont(),
+      m_nHeight(0),
+      m_nBold(0),
+      m_nItalic(0),
+      m_nRed(0),
+      m_nGreen(0),
+      m_nBlue(0)
+{
+    m_logFont.lfPitchAndFamily = VARIABLE_PITCH | FF_SWISS;
+}
+
+CCUString CSkinTable::ReadText(UINT nID) const
+{
+    return CUIResourceString(m_hInstance, nID, false);
+}
+
+void CSkinTable::ReadPoint(UINT nID, POINT &point, const char *check) const
+{
+    const CCUString sText = ReadText(nID);
+    CU_ASSERT_TEXT(sscanf(sText, "%ld,%ld", &point.x, &point.y) == 2, check);
+}
+
+void CSkinTable::ReadRect(UINT nID, RECT &rect, const char *check) const
+{
+    const CCUString sText = ReadText(nID);
+    CU_ASSERT_TEXT(
+        sscanf(sText, "%ld,%ld,%ld,%ld", &rect.left, &rect.top, &rect.right, &rect.bottom) == 4,
+        check);
+}
+
+COLORREF CSkinTable::ReadColor(UINT nID)
+{
+    const CCUString sText = ReadText(nID);
+    CU_ASSERT_TEXT(sscanf(sText, "%d,%d,%d", &m_nRed, &m_nGreen, &m_nBlue) == 3,
+                   "sscanf(sText, \"%d,%d,%d\", &nRed, &nGreen, &nBlue) == 3");
+    return RGB(m_nRed, m_nGreen, m_nBlue);
+}
+
+HFONT CSkinTable::ReadFont(UINT nID)
+{
+    const CCUString sText = ReadText(nID);
+    static_assert(LF_FACESIZE == 32, "the width below leaves room for the terminator");
+    CU_ASSERT_TEXT(
+        sscanf(sText, "%d,%d,%d,%31s", &m_nHeight, &m_nBold, &m_nItalic, m_logFont.lfFaceName) == 4,
+        "sscanf(sText, \"%d,%d,%d,%s\", &nHeight, &nBold, &nItalic,"
+        "(PCTSTR)logFont.lfFaceName) == 4");
+    m_logFont.lfWeight = m_nBold > 0 ? FW_BOLD : FW_NORMAL;
+    m_logFont.lfItalic = m_nItalic != 0;
+    m_logFont.lfHeight = -MulDiv(m_nHeight, s_nPixelsPerInch, s_nPointsPerInch);
+    return CreateFontIndirectA(&m_logFont);
+}
