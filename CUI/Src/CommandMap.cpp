@@ -35,63 +35,59 @@ const CStateName STATE_NAMES[] = {
 
 }  // namespace
 
-CCUICommandMap *CCUICommandMap::s_pThis;
+CCUICommandMap CCUICommandMap::s_this;
 bool CCUICommandMap::s_bDeleted;
 
-CCUICommandMap::CCUICommandMap() : m_nGrowBy(GROWTH_STEP), m_nLength(), m_pMap()
+CCUICommandMap &CCUICommandMap::This()
 {
+    if (s_this.m_nGrowBy == 0)
+        s_this.Make();
+    return s_this;
+}
+
+void CCUICommandMap::Make()
+{
+    m_nGrowBy = GROWTH_STEP;
     for (int nMap = 0; nMap < TABLES; ++nMap)
         Cover(nMap, 0, GROWTH_STEP);
-}
-
-CCUICommandMap::~CCUICommandMap()
-{
-    for (CCUICommandHandler **pMap : m_pMap)
-        free(pMap);
-}
-
-CCUICommandMap *CCUICommandMap::Make()
-{
-    s_pThis = new CCUICommandMap;
     // A use after the end, by an object that outlives the map, makes a map that nobody deletes.
     if (!s_bDeleted)
         atexit(Delete);
-    return s_pThis;
 }
 
 void CCUICommandMap::Delete()
 {
-    delete s_pThis;
-    s_pThis = nullptr;
+    for (CCUICommandHandler **pMap : s_this.m_pMap)
+        free(pMap);
+    s_this = CCUICommandMap();
     s_bDeleted = true;
 }
 
 int CCUICommandMap::Add(CCUICommandHandler *pCmdHandler)
 {
-    return This()->_Add(pCmdHandler);
+    return This()._Add(pCmdHandler);
 }
 
 int CCUICommandMap::Remove(CCUICommandHandler *pCmdHandler)
 {
     // Handlers that are destroyed with late globals find no map; that is no fault of theirs.
-    return s_bDeleted ? 1 : This()->_Remove(pCmdHandler);
+    return s_bDeleted ? 1 : This()._Remove(pCmdHandler);
 }
 
 CCUICommandHandler *CCUICommandMap::Override(unsigned int nID, CCUICommandHandler *pCmdHandler)
 {
-    return This()->_Override(nID, pCmdHandler);
+    return This()._Override(nID, pCmdHandler);
 }
 
 void CCUICommandMap::IdleUpdate()
 {
-    // A program without commands needs no map to find that out.
-    if (s_pThis)
-        s_pThis->_IdleUpdate();
+    // Not This: a program without commands needs no tables to find that out.
+    s_this._IdleUpdate();
 }
 
 void CCUICommandMap::Dump()
 {
-    This()->_Dump();
+    This()._Dump();
 }
 
 // The table of an identifier. Those below the first base have none; they are given table 0, where
@@ -106,14 +102,6 @@ int CCUICommandMap::Table(unsigned int nID)
     }
     CU_ASSERT_TEXT(false, "0");
     return 0;
-}
-
-// The identifier's slot, or null when it lies outside the tables' present length.
-CCUICommandHandler **CCUICommandMap::Slot(unsigned int nID)
-{
-    const int nMap = Table(nID);
-    const unsigned int nIndex = nID - Base(nMap);
-    return nIndex < static_cast<unsigned int>(m_nLength[nMap]) ? &m_pMap[nMap][nIndex] : nullptr;
 }
 
 // Lengthens a table, in steps, until it covers a range. False, and nothing changed, where there is
@@ -184,11 +172,12 @@ int CCUICommandMap::_Remove(CCUICommandHandler *pCmdHandler)
 
 CCUICommandHandler *CCUICommandMap::_Override(unsigned int nID, CCUICommandHandler *pCmdHandler)
 {
-    CCUICommandHandler **pSlot = Slot(nID);
-    if (!pSlot)
+    const int nMap = Table(nID);
+    const unsigned int nIndex = nID - Base(nMap);
+    if (nIndex >= static_cast<unsigned int>(m_nLength[nMap]))
         return nullptr;
-    CCUICommandHandler *pPrevious = *pSlot;
-    *pSlot = pCmdHandler;
+    CCUICommandHandler *pPrevious = m_pMap[nMap][nIndex];
+    m_pMap[nMap][nIndex] = pCmdHandler;
     return pPrevious;
 }
 

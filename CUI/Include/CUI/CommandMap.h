@@ -14,9 +14,6 @@ class CCUICommandHandler;
 class CUI_API CCUICommandMap
 {
 public:
-    CCUICommandMap(const CCUICommandMap &) = delete;
-    CCUICommandMap &operator=(const CCUICommandMap &) = delete;
-
     // Enters the handler for every identifier of its range; the table that holds the first one
     // takes them all and grows in steps of 64. A slot in use is reported as
     // "m_pMap[nMap][nIndex + nI] == NULL" and overwritten. Returns 1; or 0 for null (reported as
@@ -30,7 +27,7 @@ public:
     static int Remove(CCUICommandHandler *pCmdHandler);
 
     // The identifier's handler, or null.
-    static CCUICommandHandler *Lookup(unsigned int nID) { return This()->_Lookup(nID); }
+    static CCUICommandHandler *Lookup(unsigned int nID) { return s_this._Lookup(nID); }
 
     // Puts the handler (null: none) into the identifier's slot and returns the one that was there,
     // for the caller to put back. Outside the tables' present length: null, and nothing changes.
@@ -53,11 +50,14 @@ private:
         SECOND_BASE = 10000
     };
 
-    CCUICommandMap();
-    ~CCUICommandMap();
+    // Not yet made: no step and no tables. Nothing of it runs at start-up.
+    constexpr CCUICommandMap() : m_nGrowBy(0), m_nLength(), m_pMap() {}
 
-    static CCUICommandMap *This() { return s_pThis ? s_pThis : Make(); }
-    static CCUICommandMap *Make();
+    CCUICommandMap(const CCUICommandMap &) = delete;
+    CCUICommandMap &operator=(const CCUICommandMap &) = default;
+
+    static CCUICommandMap &This();
+    void Make();
     static void Delete();
 
     static unsigned int Base(int nMap) { return nMap ? SECOND_BASE : FIRST_BASE; }
@@ -66,32 +66,35 @@ private:
     // NOLINTBEGIN(readability-identifier-naming): the static operations' counterparts
     int _Add(CCUICommandHandler *pCmdHandler);
     int _Remove(CCUICommandHandler *pCmdHandler);
-    CCUICommandHandler *_Lookup(unsigned int nID);
+    CCUICommandHandler *_Lookup(unsigned int nID) const;
     CCUICommandHandler *_Override(unsigned int nID, CCUICommandHandler *pCmdHandler);
     void _IdleUpdate();
     void _Dump();
     // NOLINTEND(readability-identifier-naming)
 
     void DumpEntry(int nMap, int nIndex);
-    CCUICommandHandler **Slot(unsigned int nID);
     bool Cover(int nMap, int nIndex, unsigned int nRange);
 
-    // Null before the first use and after the end.
-    static CCUICommandMap *s_pThis;
+    static CCUICommandMap s_this;
     static bool s_bDeleted;
 
-    const int m_nGrowBy;
+    int m_nGrowBy;
     int m_nLength[TABLES];
     CCUICommandHandler **m_pMap[TABLES];
 };
 
-inline CCUICommandHandler *CCUICommandMap::_Lookup(unsigned int nID)
+inline CCUICommandHandler *CCUICommandMap::_Lookup(unsigned int nID) const
 {
-    // An identifier below its table's base wraps round to an index that no table has.
-    const int nMap = nID >= SECOND_BASE ? 1 : 0;
-    const unsigned int nIndex = nID - Base(nMap);
-    if (nIndex < static_cast<unsigned int>(m_nLength[nMap]))
-        return m_pMap[nMap][nIndex];
-    Table(nID);  // reports identifiers of no table
+    // An identifier of no table wraps round to an index that no table has.
+    const bool bSecond = nID >= SECOND_BASE;
+    const unsigned int nIndex = bSecond ? nID - SECOND_BASE : nID - FIRST_BASE;
+    if (bSecond) {
+        if (nIndex < static_cast<unsigned int>(m_nLength[1]))
+            return m_pMap[1][nIndex];
+    } else if (nIndex < static_cast<unsigned int>(m_nLength[0])) {
+        return m_pMap[0][nIndex];
+    } else {
+        Table(nID);  // reports it
+    }
     return nullptr;
 }
