@@ -2,6 +2,7 @@
 
 #include "CU/StackTrace.h"
 #include "KeepLastError.h"
+#include "Print.h"
 #include "TraceFile.h"
 
 #define CU_SOURCE "Assert"
@@ -25,14 +26,17 @@ int CUDisplayAssert(const char *expression, const char *file, int line)
     const CCUKeepLastError keepLastError;
     if (!CountReport())
         return 0;
+    // First what takes long, then the file at one go: other reports of the day go there too.
+    char szStack[4096];
+    CUGetStackTrace(GetCurrentThread(), szStack, sizeof szStack);
     FILE *report = CUOpenReport();
     if (!report)
         return 0;
-    fprintf(report, "Assert:%s  File:%s  Line:%d  Last Error:%lx\n", expression, file, line,
-            keepLastError.Error());
-    char szStack[4096];
-    CUGetStackTrace(GetCurrentThread(), szStack, sizeof szStack);
-    fprintf(report, "\n%s\n", szStack);
+    fputs("Assert:", report);
+    fputs(expression ? expression : "(null)", report);
+    CUPrint(report, "  File:%s  Line:%d  Last Error:%lx\n\n", file, line, keepLastError.Error());
+    fputs(szStack, report);
+    fputc('\n', report);
     CUCloseReport(report);
     return 0;
 }

@@ -11,6 +11,7 @@
 #include "CU/Assert.h"
 #include "CU/File.h"
 #include "CU/Time.h"
+#include "Print.h"
 
 #define CU_SOURCE "Dump"
 
@@ -78,12 +79,12 @@ void WriteHeader(FILE *file)
     szName[sizeof szName - 1] = '\0';
     const SYSTEMTIME &standard = zone.StandardDate;
     const SYSTEMTIME &daylight = zone.DaylightDate;
-    fprintf(file, "**TZ** bias:%d std:%d %d:%d:%d:%d:%d day:%d %d:%d:%d:%d:%d %s\n",
+    CUPrint(file, "**TZ** bias:%d std:%d %d:%d:%d:%d:%d day:%d %d:%d:%d:%d:%d %s\n",
             static_cast<int>(zone.Bias), static_cast<int>(zone.StandardBias), standard.wMonth,
             standard.wDayOfWeek, standard.wDay, standard.wHour, standard.wMinute,
             static_cast<int>(zone.DaylightBias), daylight.wMonth, daylight.wDayOfWeek,
             daylight.wDay, daylight.wHour, daylight.wMinute, szName);
-    fprintf(file, "Seconds since start-up: %d\n", static_cast<int>(GetTickCount() / 1000));
+    CUPrint(file, "Seconds since start-up: %d\n", static_cast<int>(GetTickCount() / 1000));
 }
 
 }  // namespace
@@ -159,9 +160,9 @@ void CCULogFiles::BeginFile(FILE *file, const CCUString &sName)
         WriteHeader(file);
         return;
     }
-    fprintf(m_file, "\n======================================================\nContinued in %s\n",
+    CUPrint(m_file, "\n======================================================\nContinued in %s\n",
             static_cast<const char *>(sName));
-    fprintf(file, "Continued from %s\n======================================================\n\n",
+    CUPrint(file, "Continued from %s\n======================================================\n\n",
             static_cast<const char *>(m_sName));
     fclose(m_file);
 }
