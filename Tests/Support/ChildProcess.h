@@ -1,0 +1,60 @@
+#pragma once
+
+#include <stdlib.h>
+#include <string.h>
+
+#include "CU/Platform.h"
+
+// A part that this test program plays as another process, with the environment (and so the
+// temporary directory) of the test that starts it:
+//     CHILD_PROCESS(Crash) { *static_cast<volatile int *>(nullptr) = 0; }
+//     EXPECT_EQ(0xC0000005, CChildProcess("Crash").ExitCode());
+// It runs while global objects are constructed, and ends with exit(0).
+class CChildProcess
+{
+public:
+    explicit CChildProcess(const char *part) : m_process()
+    {
+        char szProgram[MAX_PATH];
+        GetModuleFileNameA(nullptr, szProgram, MAX_PATH);
+        STARTUPINFOA startup = {};
+        startup.cb = sizeof startup;
+        SetEnvironmentVariableA("TEST_PART", part);
+        CreateProcessA(szProgram, nullptr, nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup,
+                       &m_process);
+        SetEnvironmentVariableA("TEST_PART", nullptr);
+    }
+    ~CChildProcess()
+    {
+        CloseHandle(m_process.hThread);
+        CloseHandle(m_process.hProcess);
+    }
+    CChildProcess(const CChildProcess &) = delete;
+    CChildProcess &operator=(const CChildProcess &) = delete;
+
+    // Waits for the end.
+    DWORD ExitCode() const
+    {
+        DWORD nCode = 0;
+        WaitForSingleObject(m_process.hProcess, INFINITE);
+        GetExitCodeProcess(m_process.hProcess, &nCode);
+        return nCode;
+    }
+    static void Play(const char *part, void (*play)())
+    {
+        const char *wanted = getenv("TEST_PART");
+        if (!wanted || strcmp(wanted, part) != 0)
+            return;
+        SetErrorMode(SEM_FAILCRITICALERRORS | SEM_NOGPFAULTERRORBOX | SEM_NOOPENFILEERRORBOX);
+        play();
+        exit(0);
+    }
+
+private:
+    PROCESS_INFORMATION m_process;
+};
+
+#define CHILD_PROCESS(part)                                                       \
+    static void Play##part();                                                     \
+    static const bool s_b##part = (CChildProcess::Play(#part, Play##part), true); \
+    static void Play##part()
