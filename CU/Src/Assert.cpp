@@ -2,7 +2,6 @@
 
 #include "CU/StackTrace.h"
 #include "KeepLastError.h"
-#include "Print.h"
 #include "TraceFile.h"
 
 #define CU_SOURCE "Assert"
@@ -32,11 +31,8 @@ int CUDisplayAssert(const char *expression, const char *file, int line)
     FILE *report = CUOpenReport();
     if (!report)
         return 0;
-    fputs("Assert:", report);
-    fputs(expression ? expression : "(null)", report);
-    CUPrint(report, "  File:%s  Line:%d  Last Error:%lx\n\n", file, line, keepLastError.Error());
-    fputs(szStack, report);
-    fputc('\n', report);
+    fprintf(report, "Assert:%s  File:%s  Line:%d  Last Error:%lx\n\n%s\n", expression, file, line,
+            keepLastError.Error(), szStack);
     CUCloseReport(report);
     return 0;
 }

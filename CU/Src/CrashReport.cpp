@@ -4,7 +4,6 @@
 
 #include "ExceptionName.h"
 #include "KeepLastError.h"
-#include "Print.h"
 #include "StackWalk.h"
 #include "TraceFile.h"
 
@@ -31,27 +30,27 @@ void WriteWhatHappened(FILE *file, const CCrash &crash)
     const EXCEPTION_RECORD &record = *crash.pointers->ExceptionRecord;
     char szProgram[MAX_PATH] = "";
     GetModuleFileNameA(nullptr, szProgram, MAX_PATH - 1);
-    CUPrint(file, "Exception:%s  Code:%08lx  Address:%08lx  Thread:%lx  Last Error:%lx\n",
+    fprintf(file, "Exception:%s  Code:%08lx  Address:%08lx  Thread:%lx  Last Error:%lx\n",
             CUGetExceptionName(record.ExceptionCode), record.ExceptionCode,
             reinterpret_cast<DWORD>(record.ExceptionAddress), crash.dwThreadId, crash.dwLastError);
     const bool bAccess = record.ExceptionCode == static_cast<DWORD>(EXCEPTION_ACCESS_VIOLATION) ||
                          record.ExceptionCode == static_cast<DWORD>(EXCEPTION_IN_PAGE_ERROR);
     if (bAccess && record.NumberParameters >= 2) {
         const ULONG_PTR nKind = record.ExceptionInformation[0];
-        CUPrint(file, "%s address %08lx\n",
+        fprintf(file, "%s address %08lx\n",
                 nKind == 0 ? "Reading" : (nKind == 1 ? "Writing" : "Executing"),
                 record.ExceptionInformation[1]);
     }
-    CUPrint(file, "Program:%s\n", szProgram);
+    fprintf(file, "Program:%s\n", szProgram);
 }
 
 void WriteRegisters(FILE *file, const CONTEXT &context)
 {
-    CUPrint(file, "\nEAX:%08lx  EBX:%08lx  ECX:%08lx  EDX:%08lx  ESI:%08lx  EDI:%08lx\n",
+    fprintf(file, "\nEAX:%08lx  EBX:%08lx  ECX:%08lx  EDX:%08lx  ESI:%08lx  EDI:%08lx\n",
             context.Eax, context.Ebx, context.Ecx, context.Edx, context.Esi, context.Edi);
-    CUPrint(file, "EIP:%08lx  ESP:%08lx  EBP:%08lx  Flags:%08lx\n", context.Eip, context.Esp,
+    fprintf(file, "EIP:%08lx  ESP:%08lx  EBP:%08lx  Flags:%08lx\n", context.Eip, context.Esp,
             context.Ebp, context.EFlags);
-    CUPrint(file, "CS:%04lx  DS:%04lx  SS:%04lx  ES:%04lx  FS:%04lx  GS:%04lx\n", context.SegCs,
+    fprintf(file, "CS:%04lx  DS:%04lx  SS:%04lx  ES:%04lx  FS:%04lx  GS:%04lx\n", context.SegCs,
             context.SegDs, context.SegSs, context.SegEs, context.SegFs, context.SegGs);
 }
 
@@ -62,9 +61,7 @@ void WriteStack(FILE *file, const CCrash &crash)
     stack.bFirstIsExact = true;
     char szStack[4096];
     CUFormatStack(stack, szStack, sizeof szStack);
-    fputc('\n', file);
-    fputs(szStack, file);
-    fputc('\n', file);
+    fprintf(file, "\n%s\n", szStack);
 }
 
 DWORD WINAPI WriteReport(void *parameter)

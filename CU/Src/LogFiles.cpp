@@ -11,7 +11,6 @@
 #include "CU/Assert.h"
 #include "CU/File.h"
 #include "CU/Time.h"
-#include "Print.h"
 
 #define CU_SOURCE "Dump"
 
@@ -79,12 +78,12 @@ void WriteHeader(FILE *file)
     szName[sizeof szName - 1] = '\0';
     const SYSTEMTIME &standard = zone.StandardDate;
     const SYSTEMTIME &daylight = zone.DaylightDate;
-    CUPrint(file, "**TZ** bias:%d std:%d %d:%d:%d:%d:%d day:%d %d:%d:%d:%d:%d %s\n",
+    fprintf(file, "**TZ** bias:%d std:%d %d:%d:%d:%d:%d day:%d %d:%d:%d:%d:%d %s\n",
             static_cast<int>(zone.Bias), static_cast<int>(zone.StandardBias), standard.wMonth,
             standard.wDayOfWeek, standard.wDay, standard.wHour, standard.wMinute,
             static_cast<int>(zone.DaylightBias), daylight.wMonth, daylight.wDayOfWeek,
             daylight.wDay, daylight.wHour, daylight.wMinute, szName);
-    CUPrint(file, "Seconds since start-up: %d\n", static_cast<int>(GetTickCount() / 1000));
+    fprintf(file, "Seconds since start-up: %d\n", static_cast<int>(GetTickCount() / 1000));
 }
 
 }  // namespace
@@ -160,9 +159,9 @@ void CCULogFiles::BeginFile(FILE *file, const CCUString &sName)
         WriteHeader(file);
         return;
     }
-    CUPrint(m_file, "\n======================================================\nContinued in %s\n",
+    fprintf(m_file, "\n======================================================\nContinued in %s\n",
             static_cast<const char *>(sName));
-    CUPrint(file, "Continued from %s\n======================================================\n\n",
+    fprintf(file, "Continued from %s\n======================================================\n\n",
             static_cast<const char *>(m_sName));
     fclose(m_file);
 }
