@@ -23,9 +23,9 @@ CUI_API void CUIBmpBgBlt(HDC hDC, UINT x, UINT y, HBITMAP hBmp, DWORD crKey);
 CUI_API void CUIBmpBgBltFull(HDC hDC, UINT x, UINT y, HBITMAP hBmp, DWORD crKey, UINT xSrc,
                              UINT ySrc, UINT cx, UINT cy);
 
-// Draws the image where the monochrome mask is 0 and leaves hDC as it is where the mask is 1 and
-// the image is black; image and mask are read at the same place. hDC keeps a white background
-// colour and a black text colour afterwards.
+// Draws the image where the monochrome mask is 0 and leaves hDC as it is where the mask is 1; image
+// and mask are read at the same place. hDC keeps a white background colour and a black text colour
+// afterwards.
 CUI_API void CUIBmpTransparentBlt(HDC hDC, UINT x, UINT y, HBITMAP hImage, HBITMAP hMask);
 CUI_API void CUIBmpTransparentBltFull(HDC hDC, UINT x, UINT y, HBITMAP hImage, HBITMAP hMask,
                                       UINT xSrc, UINT ySrc, UINT cx, UINT cy);

@@ -1,0 +1,47 @@
+#pragma once
+
+#include "Support/ImportHook.h"
+
+// The calls of all CFailingCall objects, counted together: the one of number s_nFailAt fails.
+struct CFailPlan
+{
+    static bool Fails() { return ++s_nCalls == s_nFailAt; }
+    // Runs `work` with the first call failing, then the second, and so on until none is left;
+    // returns how many there were.
+    template <typename Work>
+    static int RunAll(Work work)
+    {
+        s_nFailAt = 0;
+        do {
+            ++s_nFailAt;
+            s_nCalls = 0;
+            work();
+        } while (s_nCalls >= s_nFailAt);
+        s_nFailAt = 0;
+        return s_nCalls;
+    }
+    inline static int s_nFailAt = 0;
+    inline static int s_nCalls = 0;
+};
+
+// Makes an imported function answer 0 when it is its turn. The type is the function's without its
+// calling convention; no two of one type at a time.
+template <typename Function>
+class CFailingCall;
+template <typename Result, typename... Arguments>
+class CFailingCall<Result(Arguments...)>
+{
+public:
+    explicit CFailingCall(const char *name) : m_hook(name, Call)
+    {
+        s_original = m_hook.template Original<Result WINAPI(Arguments...)>();
+    }
+
+private:
+    static Result WINAPI Call(Arguments... arguments)
+    {
+        return CFailPlan::Fails() ? Result() : s_original(arguments...);
+    }
+    inline static Result(WINAPI *s_original)(Arguments...);
+    CImportHook m_hook;
+};
