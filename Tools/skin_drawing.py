@@ -148,15 +148,27 @@ def shared_palette(pictures, wanted=()):
     return SYSTEM_COLOURS[:10] + list(wanted) + chosen + SYSTEM_COLOURS[10:]
 
 
-def in_palette(picture, palette, dither=True):
-    """The picture in the nearest colours of the palette."""
-    # The system's colours are as far apart as can be: dithering with them would show as dots.
-    own = palette[10:246]
+def _nearest(picture, palette, dither):
     holder = Image.new("P", (1, 1))
-    holder.putpalette([part for colour in own + own[:1] * 20 for part in colour])
+    padded = palette + palette[:1] * (256 - len(palette))
+    holder.putpalette([part for colour in padded for part in colour])
     found = picture.quantize(
         palette=holder, dither=Image.FLOYDSTEINBERG if dither else Image.NONE)
-    return found.point([10 + index if index < len(own) else 10 for index in range(256)])
+    return found.point([index if index < len(palette) else 0 for index in range(256)])
+
+
+def in_palette(picture, palette, dither=True):
+    """The picture in the nearest colours of a shared palette."""
+    # The system's colours are as far apart as can be: dithering with them would show as dots.
+    return _nearest(picture, palette[10:246], dither).point([index + 10 & 255 for index in range(256)])
+
+
+def small_palette(picture, wanted=()):
+    """The picture in 16 colours of its own, the wanted ones among them, and these colours."""
+    room = 16 - len(wanted)
+    found = picture.quantize(room, method=Image.MEDIANCUT, kmeans=2).getpalette()
+    palette = list(wanted) + [tuple(found[3 * i:3 * i + 3]) for i in range(room)]
+    return _nearest(picture, palette, dither=False), palette
 
 
 # -- files ---------------------------------------------------------------------------------------
