@@ -21,13 +21,14 @@ public:
         sprintf(szName, "test-%lu-%d", GetCurrentProcessId(), ++s_nCount);
         m_path = m_old + szName;
         CreateDirectoryA(m_path.c_str(), nullptr);
+        // A process of this number that ended with files open has left them here.
+        DeleteFiles();
         Set(m_path);
     }
     ~CTemporaryDirectory()
     {
         Set(m_old);
-        for (const std::string &name : Files("*"))
-            DeleteFileA((m_path + "\\" + name).c_str());
+        DeleteFiles();
         RemoveDirectoryA(m_path.c_str());
     }
     CTemporaryDirectory(const CTemporaryDirectory &) = delete;
@@ -76,6 +77,12 @@ public:
     }
 
 private:
+    void DeleteFiles() const
+    {
+        for (const std::string &name : Files("*"))
+            DeleteFileA((m_path + "\\" + name).c_str());
+    }
+
     std::string m_old;
     std::string m_path;
 };

@@ -1,0 +1,246 @@
+#include <gtest/gtest.h>
+
+#include "CU/Time.h"
+#include "Support/AssertReports.h"
+#include "Support/Dumped.h"
+#include "Support/Fuzz.h"
+#include "Support/GuardedBuffer.h"
+#include "Support/ImportHook.h"
+
+namespace {
+
+const long s_nMaximum = 0x7FFFFFFF;
+
+// Standard time all year, so many minutes west of Greenwich.
+TIME_ZONE_INFORMATION West(LONG nMinutes)
+{
+    TIME_ZONE_INFORMATION zone = {};
+    zone.Bias = nMinutes;
+    return zone;
+}
+
+DWORD WINAPI ZoneWithSummer(TIME_ZONE_INFORMATION *zone)
+{
+    *zone = West(300);
+    zone->DaylightBias = -60;
+    zone->DaylightDate = {0, 3, 0, 2, 2, 0, 0, 0};
+    zone->StandardDate = {0, 11, 0, 1, 2, 0, 0, 0};
+    return TIME_ZONE_ID_STANDARD;
+}
+
+}  // namespace
+
+TEST(Time, NegativeValuesBecomeTheMaximumExceptInCompoundOperators)
+{
+    EXPECT_EQ(s_nMaximum, CCUTime(-1L).GetTime());
+    CCUTime time(100L);
+    time = -5L;
+    EXPECT_EQ(s_nMaximum, time.GetTime());
+    time = 100L;
+    EXPECT_EQ(s_nMaximum, (time - CCUTimeSpan(101)).GetTime());
+    EXPECT_EQ(s_nMaximum, (time + CCUTimeSpan(s_nMaximum)).GetTime());
+    EXPECT_EQ(0, (time + CCUTimeSpan(-100)).GetTime());
+    EXPECT_EQ(&time, &(time += CCUTimeSpan(-101)));
+    EXPECT_EQ(-1, time.GetTime());
+    EXPECT_EQ(s_nMaximum, CCUTime(time).GetTime());
+    // Neither the difference nor comparisons look at the replaced value.
+    EXPECT_EQ(101, (CCUTime(100L) - time).GetSpan());
+    EXPECT_EQ(-s_nMaximum - 1, (CCUTime(s_nMaximum) - time).GetSpan());
+    EXPECT_EQ(1, time < CCUTime(0L));
+    EXPECT_EQ(0, time == CCUTime(s_nMaximum));
+    EXPECT_TRUE(time != CCUTime(0L) && time <= time && time >= time && !(time > time));
+    // What has no fields answers 0 for all of them.
+    EXPECT_EQ(nullptr, time.GetGmtTm(nullptr));
+    EXPECT_EQ(0, time.GetYear() + time.GetMonth() + time.GetDayOfWeek());
+    time -= CCUTimeSpan(-s_nMaximum);
+    EXPECT_EQ(s_nMaximum - 1, time.GetTime());
+}
+
+TEST(Time, NowIsTheSystemsNow)
+{
+    const long nBefore = static_cast<long>(time(nullptr));
+    const CCUTime now;
+    const CCUTime tick = CCUTime::GetTickCount();
+    SYSTEMTIME local;
+    GetLocalTime(&local);
+    const CCUTime fields(local, -1);
+    FILETIME file;
+    GetSystemTimeAsFileTime(&file);
+    const CCUTime written(file, -1);
+    const long nAfter = static_cast<long>(time(nullptr));
+    for (const CCUTime &time : {now, tick, fields, written})
+        EXPECT_TRUE(time.GetTime() >= nBefore && time.GetTime() <= nAfter) << time.GetTime();
+    local.wYear = 1899;
+    EXPECT_EQ(0, CCUTime(local, -1).GetTime());
+    file.dwHighDateTime = 0xFFFFFFFF;
+    EXPECT_EQ(s_nMaximum, CCUTime(file, -1).GetTime());
+}
+
+TEST(Time, FieldsThatNameNoInstant)
+{
+    const struct
+    {
+        int fields[6];
+        LONG nWest;
+        long nExpected;
+    } cases[] = {
+        {{1970, 1, 1, 0, 0, 0}, 0, 0},
+        {{1970, 1, 1, 0, 0, 0}, -60, s_nMaximum},
+        {{1970, 1, 1, 0, 0, 0}, 300, 18000},
+        {{1969, 12, 31, 19, 0, 1}, 300, 1},
+        {{2038, 1, 19, 3, 14, 7}, 0, s_nMaximum},
+        {{2038, 1, 19, 3, 14, 6}, 0, s_nMaximum - 1},
+        {{2038, 1, 19, 12, 14, 6}, -540, s_nMaximum - 1},
+        {{2038, 1, 19, 3, 14, 8}, -1, s_nMaximum - 59},
+        {{2040, 1, 1, 0, 0, 0}, -720, s_nMaximum},
+        {{2107, 1, 1, 0, 0, 0}, 0, s_nMaximum},
+        {{1900, 1, 1, 0, 0, 0}, -720, s_nMaximum},
+        // A date that does not exist leaves the zone's offset.
+        {{2001, 4, 31, 0, 0, 0}, 300, 18000},
+        {{2001, 4, 31, 0, 0, 0}, -300, s_nMaximum},
+        {{2001, 13, 1, 0, 0, 0}, 60, 3600},
+        {{2001, 0, -1, 0, 0, 0}, 60, 3600},
+        {{65536 + 2001, 1, 1, 0, 0, 0}, 60, 3600},
+        {{2001, 1, 1, 65536, 0, 0}, 60, 3600},
+        {{-2147483647 - 1, -2147483647 - 1, 2147483647, 2147483647, -2147483647 - 1, 60}, 60, 3600},
+    };
+    for (const auto &item : cases) {
+        const int *f = item.fields;
+        const TIME_ZONE_INFORMATION zone = West(item.nWest);
+        CDumped dumped;
+        EXPECT_EQ(item.nExpected, CCUTime(f[0], f[1], f[2], f[3], f[4], f[5], -1, &zone).GetTime())
+            << f[0] << '-' << f[1] << '-' << f[2] << ' ' << f[3] << ':' << f[4] << ':' << f[5];
+        // Second 7 marks the one case in which the maximum is meant.
+        char szTrace[256] = "";
+        if (item.nExpected == s_nMaximum && f[5] != 7)
+            sprintf(szTrace,
+                    "CCUTime invalid data: Y(%d), M(%d), D(%d), H(%d), M(%d), S(%d) - using the "
+                    "maximum time instead\n",
+                    f[0], f[1], f[2], f[3], f[4], f[5]);
+        EXPECT_EQ(szTrace, dumped.m_text);
+    }
+    const struct
+    {
+        int nYear, nMonth, nDays;
+    } months[] = {{2001, 0, -1}, {2001, 1, 31},  {2001, 2, 28},  {2100, 2, 29}, {1972, 2, 29},
+                  {2001, 4, 30}, {2001, 11, 30}, {2001, 12, 31}, {2001, 13, -1}};
+    for (const auto &month : months)
+        EXPECT_EQ(month.nDays, CUGetDaysInMonth(month.nYear, month.nMonth)) << month.nMonth;
+}
+
+TEST(Time, ParsesTimesAndDates)
+{
+    const CImportHook hook("GetTimeZoneInformation", ZoneWithSummer);
+    const struct
+    {
+        const char *text;
+        const char *expected;  // null: fails
+    } times[] = {{"12:00:00 AM", "07/04 00:00:00"},
+                 {"12:00:00 PM", "07/04 12:00:00"},
+                 {"01:02:03pp", "07/04 13:02:03"},
+                 {"01:02:03xA and more, beyond the forty characters", "07/04 01:02:03"},
+                 {"9:5:7", "07/04 09:05:07"},
+                 {"23:59:59", "07/04 23:59:59"},
+                 {"13:00:00 PM", nullptr},
+                 {"00:00:00 AM", nullptr},
+                 {"24:00:00", nullptr},
+                 {"1:60:0", nullptr},
+                 {"1:0:60", nullptr},
+                 {"-1:0:0", nullptr},
+                 {"01:02:03 xM", nullptr},
+                 {"1:2", nullptr},
+                 {"", nullptr},
+                 {"99999999999:0:0", nullptr}};
+    const struct
+    {
+        const char *text;
+        const char *expected;
+    } dates[] = {{"2/28/2001", "02/28 12:30:15"},
+                 {"12/31/1970 x", "12/31 12:30:15"},
+                 {"2/29/2001", nullptr},
+                 {"12/31/1969", nullptr},
+                 {"13/1/2001", nullptr},
+                 {"0/1/2001", nullptr},
+                 {"1/0/2001", nullptr},
+                 {"4/31/2001", nullptr},
+                 {"1/2", nullptr},
+                 {"", nullptr}};
+    const CCUTime noon(2001, 7, 4, 12, 30, 15);
+    const auto check = [&](const char *text, const char *expected, bool bDate) {
+        CCUTime time(noon);
+        EXPECT_EQ(expected ? 1 : 0, bDate ? time.ParseDate(text) : time.ParseTime(text)) << text;
+        EXPECT_STREQ(expected ? expected : "07/04 12:30:15", time.Format("%m/%d %H:%M:%S"));
+    };
+    for (const auto &item : times)
+        check(item.text, item.expected, false);
+    for (const auto &item : dates)
+        check(item.text, item.expected, true);
+    // Passes the parser, where every fourth year is a leap year, and names no instant.
+    CCUTime time(noon);
+    EXPECT_EQ(1, time.ParseDate("2/29/2100"));
+    EXPECT_TRUE(time != noon);
+}
+
+TEST(TimeSpan, SplitsFormatsAndParses)
+{
+    CAssertReports reports;
+    const CCUTimeSpan negative(-1, 0, 0, 30);
+    EXPECT_EQ(-86370, negative.GetTotalSeconds());
+    EXPECT_EQ(-23, negative.GetTotalHours());
+    EXPECT_EQ(-1439, negative.GetTotalMinutes());
+    EXPECT_STREQ("0 -23:-59:-30", negative.Format("%D %H:%M:%S"));
+    EXPECT_STREQ("1 day, 02:03:04, 100%",
+                 CCUTimeSpan(1, 2, 3, 4).Format("%D day, %H:%M:%S, 100%%"));
+    EXPECT_STREQ("", negative.Format(""));
+    EXPECT_STREQ("", negative.Format(nullptr));
+    EXPECT_EQ(0, reports.Total());
+
+    EXPECT_STREQ("ax", negative.Format("a%x"));
+    EXPECT_STREQ("a", negative.Format("a%"));
+    EXPECT_EQ(2, reports.Count("0", "Time"));
+    // 128 characters fit; of more only the first do.
+    const CCUString sLine('x', 128);
+    EXPECT_STREQ(sLine, negative.Format(sLine));
+    EXPECT_EQ(0, reports.Count("pch < &szBuffer[128]", "Time"));
+    EXPECT_STREQ(sLine, negative.Format(sLine + 'y'));
+    EXPECT_STREQ(sLine.Left(127) + '-', negative.Format(sLine.Left(127) + "%H"));
+    EXPECT_EQ(2, reports.Count("pch < &szBuffer[128]", "Time"));
+
+    CCUTimeSpan span(7);
+    EXPECT_EQ(0, span.Parse("1:2:3"));
+    EXPECT_EQ(0, span.Parse(""));
+    EXPECT_EQ(7, span.GetSpan());
+    EXPECT_EQ(1, span.Parse("1:-2:3:400 more"));
+    EXPECT_EQ(86400 - 7200 + 180 + 400, span.GetSpan());
+    span = CCUTimeSpan(2147483647, 2147483647, 0, -1) + CCUTimeSpan(1);
+    EXPECT_EQ(static_cast<long>(2147483647u * 90000u), span.GetSpan());
+    EXPECT_TRUE((span -= 1L) < span + 1L && span != 0L && !(span > span) && span <= span);
+}
+
+TEST(Time, GeneratedTextsAreSafe)
+{
+    const CTemporaryDirectory directory;
+    const CImportHook hook("GetTimeZoneInformation", ZoneWithSummer);
+    unsigned nRandom = 7;
+    const auto next = [&](unsigned n) {
+        nRandom = nRandom * 1664525 + 1013904223;
+        return (nRandom >> 16) % n;
+    };
+    const char alphabet[] = "0123456789012345::://// -+%%DHMSaApPxXlsZz#\x80\xFF";
+    CGuardedBuffer buffer(400);
+    for (int i = 0; i < FuzzInputs(); ++i) {
+        const unsigned nLength = next(16) ? next(24) : next(400);
+        char *text = buffer.Data() + 399 - nLength;
+        for (unsigned n = 0; n < nLength; ++n)
+            text[n] = alphabet[next(sizeof alphabet - 1)];
+        text[nLength] = '\0';
+        CCUTime time(static_cast<long>(nRandom >> 1));
+        const long nBefore = time.GetTime();
+        ASSERT_TRUE(time.ParseTime(text) || time.ParseDate(text) || time.GetTime() == nBefore);
+        ASSERT_GE(time.GetTime(), 0);
+        CCUTimeSpan span(static_cast<long>(nRandom));
+        span.Parse(text);
+        ASSERT_LE(span.Format(text).GetLength(), 128);
+        ASSERT_LT(time.FormatGmt(text).GetLength(), 128);
+    }
+}
