@@ -4,6 +4,9 @@
 
 #include <atomic>
 
+#include "CU/CU.h"
+#include "CU/ThreadExit.h"
+
 namespace {
 
 // Open addressing with linear probing. A slot without a handle ends a run; a slot with a handle and
@@ -121,6 +124,47 @@ void Vacate(const CTable &table, CSlot &slot)
         SlotAt(table, i--).hWnd.store(nullptr, std::memory_order_release);
 }
 
+void RemoveThread(DWORD nThread)
+{
+    const CLock lock;
+    const CTable &table = *s_pTable.load(std::memory_order_relaxed);
+    for (unsigned i = 0; i <= table.nMask; ++i) {
+        CSlot &slot = table.pSlots[i];
+        if (!IsVacant(slot) && slot.nThread.load(std::memory_order_relaxed) == nThread)
+            Vacate(table, slot);
+    }
+}
+
+// A thread that ends takes its windows along without a message to them, and their handles may come
+// back for others.
+class CThreadWatch : public CCUThreadExitHandler
+{
+public:
+    void OnThreadExit(bool) override
+    {
+        RemoveThread(GetCurrentThreadId());
+        delete this;
+    }
+};
+
+void WatchThread()
+{
+    static std::atomic<int> s_nStorage(-1);
+    if (s_nStorage.load() < 0) {
+        const CCUMutexGuard guard;
+        if (s_nStorage.load() < 0)
+            s_nStorage.store(CUAllocateThreadLocalStorageIndex());
+    }
+    const int nStorage = s_nStorage.load();
+    if (nStorage < 0 || CUGetThreadLocalStorage(nStorage))
+        return;
+    auto *pWatch = new CThreadWatch;
+    if (CURegisterThreadExitHandler(pWatch))
+        CUSetThreadLocalStorage(nStorage, pWatch);
+    else
+        delete pWatch;
+}
+
 }  // namespace
 
 CCUIWindow *CUIWindowMapFind(HWND hWnd)
@@ -152,6 +196,7 @@ bool CUIWindowMapGet(HWND hWnd, CUIWindowBinding &binding)
 
 void CUIWindowMapSet(HWND hWnd, const CUIWindowBinding &binding)
 {
+    WatchThread();
     const CLock lock;
     const CTable *pTable = s_pTable.load(std::memory_order_relaxed);
     CSlot *pSlot = FindSlot(*pTable, hWnd);
@@ -176,16 +221,4 @@ void CUIWindowMapRemove(HWND hWnd)
     CSlot *pSlot = hWnd ? FindSlot(table, hWnd) : nullptr;
     if (pSlot && !IsVacant(*pSlot))
         Vacate(table, *pSlot);
-}
-
-void CUIWindowMapRemoveThread()
-{
-    const CLock lock;
-    const CTable &table = *s_pTable.load(std::memory_order_relaxed);
-    const DWORD nThread = GetCurrentThreadId();
-    for (unsigned i = 0; i <= table.nMask; ++i) {
-        CSlot &slot = table.pSlots[i];
-        if (!IsVacant(slot) && slot.nThread.load(std::memory_order_relaxed) == nThread)
-            Vacate(table, slot);
-    }
 }

@@ -16,5 +16,3 @@ CCUIWindow *CUIWindowMapFind(HWND hWnd);
 bool CUIWindowMapGet(HWND hWnd, CUIWindowBinding &binding);
 void CUIWindowMapSet(HWND hWnd, const CUIWindowBinding &binding);
 void CUIWindowMapRemove(HWND hWnd);
-// A thread that ends takes its windows along without a message to them.
-void CUIWindowMapRemoveThread();
