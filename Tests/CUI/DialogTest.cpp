@@ -1,0 +1,358 @@
+// Dialogs: runs one in another, every way of ending one, owners, data and changes.
+#include <gtest/gtest.h>
+
+#include <functional>
+
+#include "CUI/Data.h"
+#include "CUI/Dialog.h"
+#include "Support/AssertReports.h"
+#include "Support/TestWindow.h"
+
+#include <commctrl.h>  // needs windows.h before it
+
+namespace {
+
+HINSTANCE Module()
+{
+    return GetModuleHandleA(nullptr);
+}
+
+// Runs what it is told, once, in WM_INITDIALOG or when its loop first serves a posted message.
+class CTestDialog : public CCUIDialog
+{
+public:
+    explicit CTestDialog(const char *name = MAKEINTRESOURCEA(500)) : CCUIDialog(Module(), name) {}
+
+    std::function<void(CTestDialog &)> m_onInit;
+    std::function<void(CTestDialog &)> m_inLoop;
+    std::string m_record;
+    int m_nExchange = 1;
+    std::function<int(unsigned short)> m_onExchange;
+
+    using CCUIDialog::ExchangeFail;
+    using CCUIDialog::OnCancel;
+    using CCUIDialog::OnOK;
+
+protected:
+    static const UINT s_nGo = WM_APP + 7;
+
+    int OnInitDialog(HWND hFocus, LPARAM lParam) override
+    {
+        const int nResult = CCUIDialog::OnInitDialog(hFocus, lParam);
+        const HWND hWnd = m_hWnd;
+        const bool bLoop = m_inLoop != nullptr;
+        const auto onInit = m_onInit;
+        if (onInit)
+            onInit(*this);
+        if (bLoop)
+            PostMessageA(hWnd, s_nGo, 0, 0);
+        return nResult;
+    }
+    long OnMessage(UINT message, WPARAM wParam, LPARAM lParam) override
+    {
+        if (message != s_nGo)
+            return CCUIDialog::OnMessage(message, wParam, lParam);
+        const auto inLoop = m_inLoop;
+        inLoop(*this);
+        return 0;
+    }
+    int ExchangeData(unsigned short nDirection) override
+    {
+        m_record += nDirection == CUI_TOSCREEN ? "to " : "from ";
+        return m_onExchange ? m_onExchange(nDirection) : m_nExchange;
+    }
+    void OnEvent(CCUString &sEvent) override { m_record += std::string(sEvent) + " "; }
+};
+
+void Press(CCUIDialog &dialog, int nID)
+{
+    SendMessageA(dialog, WM_COMMAND, static_cast<WPARAM>(nID), 0);
+}
+
+}  // namespace
+
+TEST(Dialog, EndsWithWhatItWasToldInEveryWay)
+{
+    struct CCase
+    {
+        std::function<void(CTestDialog &)> onInit, inLoop;
+        int nResult;
+    };
+    const CCase cases[] = {
+        {nullptr, [](CTestDialog &dialog) { dialog.EndDialog(77); }, 77},
+        {[](CTestDialog &dialog) { dialog.EndDialog(78); }, nullptr, 78},
+        {nullptr, [](CTestDialog &dialog) { Press(dialog, IDOK); }, IDOK},
+        {nullptr, [](CTestDialog &dialog) { Press(dialog, IDCANCEL); }, IDCANCEL},
+        {nullptr, [](CTestDialog &dialog) { PostMessageA(dialog, WM_CLOSE, 0, 0); }, IDCANCEL},
+        {nullptr, [](CTestDialog &dialog) { PostMessageA(dialog, WM_KEYDOWN, VK_ESCAPE, 1); },
+         IDCANCEL},
+        {nullptr, [](CTestDialog &dialog) { dialog.Destroy(); }, IDCANCEL},
+        {nullptr,
+         [](CTestDialog &dialog) {
+             dialog.EndDialog(5);
+             dialog.EndDialog(6);
+         },
+         6},
+    };
+    const int nWindows = WindowCount();
+    CTestDialog dialog;
+    for (const CCase &one : cases) {
+        dialog.m_onInit = one.onInit;
+        dialog.m_inLoop = one.inLoop;
+        EXPECT_EQ(one.nResult, dialog.DoModal(nullptr));
+        EXPECT_FALSE(dialog.IsActive());
+        EXPECT_EQ(nullptr, dialog.GetHandle());
+        EXPECT_EQ(nWindows, WindowCount());
+    }
+}
+
+TEST(Dialog, AnswersWhatCannotRun)
+{
+    CTestDialog missing("no such template");
+    EXPECT_EQ(IDCANCEL, missing.DoModal(nullptr));
+    EXPECT_EQ(nullptr, missing.DoModeless(nullptr));
+    EXPECT_EQ(nullptr, missing.Create(nullptr));
+    CTestDialog nameless(nullptr);
+    EXPECT_EQ(0, nameless.DoModal(nullptr));
+    CCUIDialog homeless(nullptr, MAKEINTRESOURCEA(500));
+    EXPECT_EQ(0, homeless.DoModal(nullptr));
+    // No hook waits for the next window.
+    CCUIWindow window;
+    ASSERT_TRUE(CreateTestWindow(window));
+    EXPECT_EQ(&window, CCUIWindow::FromHandle(window));
+    // A dialog that runs does not run twice.
+    CTestDialog dialog;
+    dialog.m_inLoop = [](CTestDialog &running) {
+        EXPECT_EQ(IDCANCEL, running.DoModal(nullptr));
+        running.EndDialog(9);
+    };
+    EXPECT_EQ(9, dialog.DoModal(nullptr));
+}
+
+TEST(Dialog, DisablesTheOwnersAndGivesThemBack)
+{
+    CCUIWindow frame, popup, child;
+    ASSERT_TRUE(CreateTestWindow(frame));
+    ASSERT_TRUE(CreateTestWindow(popup, frame, WS_POPUP | WS_VISIBLE));
+    ASSERT_TRUE(CreateTestWindow(child, popup, WS_CHILD | WS_VISIBLE));
+    CTestDialog dialog;
+    dialog.m_inLoop = [&](CTestDialog &running) {
+        EXPECT_EQ(popup.GetHandle(), GetWindow(running, GW_OWNER));
+        EXPECT_FALSE(IsWindowEnabled(popup));
+        EXPECT_FALSE(IsWindowEnabled(frame));
+        EXPECT_TRUE(running.IsActive());
+        running.EndDialog(1);
+    };
+    EXPECT_EQ(1, dialog.DoModal(&child));
+    EXPECT_TRUE(IsWindowEnabled(popup));
+    EXPECT_TRUE(IsWindowEnabled(frame));
+    EXPECT_EQ(popup.GetHandle(), GetActiveWindow());
+
+    // One that was disabled before stays so; one that is destroyed gives back too.
+    EnableWindow(popup, FALSE);
+    dialog.m_inLoop = [&](CTestDialog &running) { DestroyWindow(running); };
+    dialog.DoModal(&child);
+    EXPECT_FALSE(IsWindowEnabled(popup));
+    EXPECT_TRUE(IsWindowEnabled(frame));
+    EnableWindow(popup, TRUE);
+
+    // An owner that goes takes the dialog along, and the run ends.
+    dialog.m_inLoop = [&](CTestDialog &) { popup.Destroy(); };
+    EXPECT_EQ(IDCANCEL, dialog.DoModal(&child));
+    EXPECT_TRUE(IsWindowEnabled(frame));
+
+    // A creation that fails leaves the owners enabled.
+    CTestDialog missing("no such template");
+    ASSERT_TRUE(CreateTestWindow(popup, frame, WS_POPUP));
+    missing.DoModal(&popup);
+    EXPECT_TRUE(IsWindowEnabled(frame));
+    EXPECT_TRUE(IsWindowEnabled(popup));
+}
+
+TEST(Dialog, RunsThreeDeepAndPassesQuitOn)
+{
+    CTestDialog outer, middle, inner;
+    outer.m_inLoop = [&](CTestDialog &running) {
+        EXPECT_EQ(20, middle.DoModal(&running));
+        EXPECT_TRUE(IsWindowEnabled(running));
+        running.EndDialog(10);
+    };
+    middle.m_onInit = [&](CTestDialog &running) { EXPECT_EQ(30, inner.DoModal(&running)); };
+    middle.m_inLoop = [](CTestDialog &running) { running.EndDialog(20); };
+    inner.m_inLoop = [](CTestDialog &running) { running.EndDialog(30); };
+    EXPECT_EQ(10, outer.DoModal(nullptr));
+
+    outer.m_inLoop = [&](CTestDialog &running) {
+        middle.m_onInit = nullptr;
+        middle.m_inLoop = [](CTestDialog &) { PostQuitMessage(5); };
+        EXPECT_EQ(IDCANCEL, middle.DoModal(&running));
+        EXPECT_TRUE(middle.Exist());
+        middle.Destroy();
+    };
+    EXPECT_EQ(IDCANCEL, outer.DoModal(nullptr));
+    outer.Destroy();
+    MSG msg;
+    ASSERT_TRUE(PeekMessageA(&msg, nullptr, 0, 0, PM_REMOVE));
+    EXPECT_EQ(UINT(WM_QUIT), msg.message);
+    EXPECT_FALSE(PeekMessageA(&msg, nullptr, WM_QUIT, WM_QUIT, PM_REMOVE));
+}
+
+TEST(Dialog, StandsItsOwnDeathInItsLoop)
+{
+    const CAssertReports reports;
+    auto *dialog = new CTestDialog;
+    dialog->m_inLoop = [](CTestDialog &running) { delete &running; };
+    EXPECT_EQ(IDCANCEL, dialog->DoModal(nullptr));
+    EXPECT_EQ(1, reports.Count("!m_bDead", "Window"));
+    auto *other = new CTestDialog;
+    other->m_onInit = [](CTestDialog &running) { delete &running; };
+    EXPECT_EQ(IDCANCEL, other->DoModal(nullptr));
+}
+
+TEST(Dialog, MakesModelessOnesWithoutDisablingAnybody)
+{
+    CCUIWindow frame;
+    ASSERT_TRUE(CreateTestWindow(frame));
+    CTestDialog popup, child(MAKEINTRESOURCEA(501)), made;
+    const HWND hPopup = popup.DoModeless(&frame);
+    ASSERT_TRUE(hPopup);
+    EXPECT_EQ(hPopup, popup.GetHandle());
+    EXPECT_EQ(frame.GetHandle(), GetWindow(hPopup, GW_OWNER));
+    EXPECT_TRUE(IsWindowEnabled(frame));
+    EXPECT_TRUE(IsWindowVisible(hPopup));
+    ASSERT_TRUE(child.DoModeless(&popup));
+    EXPECT_EQ(hPopup, GetParent(child));
+    ASSERT_TRUE(made.Create(frame));
+    EXPECT_FALSE(IsWindowVisible(made));
+    EXPECT_EQ(nullptr, made.Create(frame));  // has a window already
+    popup.OnCancel();
+    EXPECT_FALSE(IsWindow(hPopup));
+    EXPECT_FALSE(child.Exist());
+}
+
+TEST(Dialog, ExchangesDataAndTracksWhatTheUserChanges)
+{
+    CTestDialog dialog;
+    dialog.SetAutoMakeDirty(true);
+    dialog.m_onExchange = [&](unsigned short nDirection) {
+        if (nDirection == CUI_TOSCREEN)
+            SetDlgItemTextA(dialog, 1001, "put");
+        return 1;
+    };
+    ASSERT_TRUE(dialog.DoModeless(nullptr));
+    EXPECT_EQ("to ", dialog.m_record);
+    EXPECT_TRUE(dialog.IsDataValid());
+    EXPECT_FALSE(dialog.IsDirty());  // the exchange itself is no change
+    EXPECT_EQ(GetDlgItem(dialog, 1001), dialog.GetFirstControl());  // 1000 is disabled
+
+    const auto Change = [&](int nID, int nCode) {
+        dialog.SetDirty(false);
+        const auto hControl = GetDlgItem(dialog, nID);
+        SendMessageA(dialog, WM_COMMAND, static_cast<WPARAM>(MAKELONG(nID, nCode)),
+                     reinterpret_cast<LPARAM>(hControl));
+        return dialog.IsDirty();
+    };
+    EXPECT_TRUE(Change(1001, EN_CHANGE));
+    EXPECT_FALSE(Change(1001, EN_SETFOCUS));
+    EXPECT_TRUE(Change(1002, LBN_SELCHANGE));
+    EXPECT_TRUE(Change(1003, CBN_SELCHANGE));
+    EXPECT_TRUE(Change(1003, CBN_EDITCHANGE));
+    EXPECT_FALSE(Change(1003, CBN_DROPDOWN));
+    EXPECT_TRUE(Change(1004, BN_CLICKED));
+    EXPECT_FALSE(Change(1005, BN_CLICKED));  // a push button holds nothing
+    dialog.SetControlAutoMakeDirty(1001, false);
+    EXPECT_FALSE(Change(1001, EN_CHANGE));
+
+    struct CNotify
+    {
+        DialogControlType type;
+        UINT code;
+        bool bDirty;
+    };
+    for (const CNotify &one : {CNotify{DialogControlTreeView, TVN_SELCHANGEDA, true},
+                               CNotify{DialogControlTreeView, TVN_ITEMEXPANDEDA, false},
+                               CNotify{DialogControlListView, LVN_ITEMCHANGED, true},
+                               CNotify{DialogControlTab, TCN_SELCHANGE, true},
+                               CNotify{DialogControlTab, TCN_SELCHANGING, false},
+                               CNotify{DialogControlDatePicker, DTN_DATETIMECHANGE, true}})
+    {
+        dialog.SetDirty(false);
+        dialog.RegisterControl(nullptr, 1100, one.type);
+        NMHDR header = {GetDlgItem(dialog, 1005), 1100, one.code};
+        SendMessageA(dialog, WM_NOTIFY, 1100, reinterpret_cast<LPARAM>(&header));
+        EXPECT_EQ(one.bDirty, dialog.IsDirty()) << one.code;
+    }
+    CCUIControlInfo info = {};
+    EXPECT_EQ(1, dialog.GetControlInfo(1003, info));
+    EXPECT_EQ(DialogControlComboBox, info.type);
+    dialog.UnRegisterControl(1003);
+    EXPECT_EQ(0, dialog.GetControlInfo(1003, info));
+    EXPECT_FALSE(Change(1003, CBN_SELCHANGE));
+
+    dialog.m_record.clear();
+    dialog.SetDirty(true);
+    dialog.SetDirty(true);
+    EXPECT_EQ("Dirty ", dialog.m_record);
+    dialog.m_onExchange = nullptr;
+    dialog.m_nExchange = 0;
+    dialog.OnOK();
+    EXPECT_TRUE(dialog.Exist());  // data that cannot be taken keeps it open
+    EXPECT_FALSE(dialog.IsDataValid());
+    CCUString sCode("Sideways");
+    EXPECT_EQ(0, dialog.UpdateData(sCode));
+    dialog.m_nExchange = 1;
+    dialog.OnOK();
+    EXPECT_FALSE(dialog.Exist());
+    EXPECT_FALSE(dialog.IsDirty());
+}
+
+namespace
+{
+
+// Presses OK in the message box that the dialog under test shows.
+void CALLBACK CloseBox(HWND, UINT, UINT_PTR nTimer, DWORD)
+{
+    const HWND hBox = GetLastActivePopup(FindWindowA("#32770", "Dialog under test"));
+    if (!hBox || GetDlgItem(hBox, 1001))
+        return;
+    KillTimer(nullptr, nTimer);
+    PostMessageA(hBox, WM_COMMAND, IDOK, 0);
+}
+
+}  // namespace
+
+TEST(Dialog, TellsWhichControlFailedAndGoesThere)
+{
+    CTestDialog dialog;
+    ASSERT_TRUE(dialog.DoModeless(nullptr));
+    SetDlgItemTextA(dialog, 1001, "wrong");
+    SetFocus(GetDlgItem(dialog, 1004));
+    // The box is closed by the timer that its own loop serves.
+    SetTimer(nullptr, 0, 10, CloseBox);
+    CCUString sMessage("Not a number.");
+    EXPECT_EQ(0, dialog.ExchangeFail(1001, sMessage));
+    EXPECT_EQ(GetDlgItem(dialog, 1001), GetFocus());
+    DWORD nFrom = 0, nTo = 0;
+    SendDlgItemMessageA(dialog, 1001, EM_GETSEL, reinterpret_cast<WPARAM>(&nFrom),
+                        reinterpret_cast<LPARAM>(&nTo));
+    EXPECT_EQ(0u, nFrom);
+    EXPECT_EQ(5u, nTo);
+}
+
+TEST(Dialog, PaintsItsColour)
+{
+    CTestDialog dialog;
+    EXPECT_EQ(CUIGetWinData()->crSys[COLOR_BTNFACE], dialog.GetColor());
+    dialog.SetColor(RGB(10, 200, 30));
+    ASSERT_TRUE(dialog.DoModeless(nullptr));
+    const HDC hDC = GetDC(dialog);
+    const auto hBrush = reinterpret_cast<HBRUSH>(
+        SendMessageA(dialog, WM_CTLCOLORDLG, reinterpret_cast<WPARAM>(hDC), 0));
+    LOGBRUSH brush = {};
+    GetObjectA(hBrush, sizeof brush, &brush);
+    EXPECT_EQ(RGB(10, 200, 30), brush.lbColor);
+    EXPECT_EQ(reinterpret_cast<LRESULT>(hBrush),
+              SendMessageA(dialog, WM_CTLCOLORSTATIC, reinterpret_cast<WPARAM>(hDC), 0));
+    EXPECT_EQ(RGB(10, 200, 30), GetBkColor(hDC));
+    ReleaseDC(dialog, hDC);
+}
