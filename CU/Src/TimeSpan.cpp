@@ -8,8 +8,7 @@
 
 namespace {
 
-// Where the text of a span grows. The position runs on past the end, so that text that does not
-// fit is noticed; only what fits is stored.
+// Where the text of a span grows; what does not fit is dropped.
 class CSpanText
 {
 public:
@@ -27,13 +26,17 @@ public:
         for (const char *digit = szNumber; *digit; ++digit)
             Put(*digit);
     }
-    // Checked before each character of the format.
-    bool HasRoom() const { return CU_ASSERT(pch < &szBuffer[128]) == 0; }
-
-    CCUString Text() const
+    // Checked before each character of the format. 0: go on.
+    int CheckRoom()
     {
-        if (m_bCut)
-            HasRoom();
+        m_bReported = m_bReported || pch == &szBuffer[128];
+        return CU_ASSERT(pch < &szBuffer[128]);
+    }
+    CCUString Text()
+    {
+        // Cut within the last code's text, after the last check.
+        if (m_bCut && !m_bReported)
+            CheckRoom();
         return CCUString(szBuffer, static_cast<int>(pch - szBuffer));
     }
 
@@ -42,6 +45,7 @@ private:
     char szBuffer[128];
     char *pch = szBuffer;
     bool m_bCut = false;
+    bool m_bReported = false;
 };
 
 void PutCode(CSpanText &text, char code, const CCUTimeSpan &span)
@@ -93,7 +97,7 @@ CCUTimeSpan &CCUTimeSpan::operator-=(CCUTimeSpan other)
 CCUString CCUTimeSpan::Format(const char *pszFormat) const
 {
     CSpanText text;
-    for (const char *next = pszFormat ? pszFormat : ""; *next && text.HasRoom(); ++next) {
+    for (const char *next = pszFormat ? pszFormat : ""; *next && !text.CheckRoom(); ++next) {
         if (*next != '%') {
             text.Put(*next);
             continue;
