@@ -1,0 +1,84 @@
+#include <gtest/gtest.h>
+
+#include "CU/Registry.h"
+
+namespace {
+
+const char *const s_pszRoot = "Software\\CURegistryTest";
+
+}  // namespace
+
+TEST(Registry, WalksReadsAndWritesKeys)
+{
+    CCURegistry registry(HKEY_CURRENT_USER, s_pszRoot);
+    EXPECT_FALSE(registry.IsOpen());
+    EXPECT_EQ(static_cast<DWORD>(ERROR_FILE_NOT_FOUND), GetLastError());
+    CCUString sText("unchanged");
+    int nNumber = 7;
+    DWORD nSize = 0;
+    EXPECT_FALSE(registry.Ascend() || registry.Descend("a") || registry.GetString("s", sText) ||
+                 registry.SetInt("n", 1) || registry.DeleteValue("n") || registry.DeleteKey("a") ||
+                 registry.GetKeyName(0, sText));
+
+    // Read-write makes what is missing.
+    ASSERT_TRUE(registry.Open(HKEY_CURRENT_USER, s_pszRoot, false));
+    ASSERT_TRUE(registry.Descend("\\a\\b\\"));
+    EXPECT_STREQ("Software\\CURegistryTest\\a\\b", registry.GetPath());
+    EXPECT_FALSE(registry.Descend("") || registry.Descend(nullptr));
+    const BYTE bytes[] = {1, 0, 2};
+    const CCUString sLong('x', 100000);
+    EXPECT_TRUE(registry.SetString("s", "text") && registry.SetString(nullptr, nullptr) &&
+                registry.SetString("long", sLong) && registry.SetInt("n", -5) &&
+                registry.SetBinary("b", bytes, sizeof bytes));
+    ASSERT_EQ(ERROR_SUCCESS, RegSetValueExA(registry.GetKey(), "open", 0, REG_EXPAND_SZ,
+                                            reinterpret_cast<const BYTE *>("%TEMP%"), 6));
+    EXPECT_TRUE(registry.Ascend());
+    EXPECT_STREQ("Software\\CURegistryTest\\a", registry.GetPath());
+    EXPECT_TRUE(registry.SetInt("n", 1));
+
+    CCURegistry reader(HKEY_CURRENT_USER, s_pszRoot);
+    EXPECT_TRUE(reader.IsOpen() && reader.IsReadOnly());
+    EXPECT_FALSE(reader.Descend("missing"));
+    ASSERT_TRUE(reader.Descend("a\\b"));
+    EXPECT_TRUE(reader.GetInt("n", nNumber));
+    EXPECT_EQ(-5, nNumber);
+    const struct
+    {
+        const char *name;
+        CCUString sExpected;
+    } texts[] = {{"s", "text"}, {"", ""}, {"long", sLong}, {"open", "%TEMP%"}};
+    for (const auto &item : texts) {
+        EXPECT_TRUE(reader.GetString(item.name, sText));
+        EXPECT_TRUE(sText == item.sExpected) << item.name;
+    }
+    BYTE read[4] = {9, 9, 9, 9};
+    EXPECT_TRUE(reader.GetBinary("b", nullptr, nSize) && nSize == 3);
+    EXPECT_TRUE(reader.GetBinary("b", read, nSize) && memcmp(read, "\1\0\2\x9", 4) == 0);
+    nSize = 2;
+    EXPECT_FALSE(reader.GetBinary("b", read, nSize));
+    EXPECT_EQ(3u, nSize);
+    // Other types and missing values leave the output alone.
+    EXPECT_FALSE(reader.GetString("n", sText) || reader.GetString("none", sText) ||
+                 reader.GetInt("b", nNumber) || reader.GetInt("s", nNumber));
+    EXPECT_EQ(-5, nNumber);
+    EXPECT_STREQ("%TEMP%", sText);
+    EXPECT_FALSE(reader.SetInt("n", 1) || reader.DeleteValue("n"));
+    EXPECT_EQ(static_cast<DWORD>(ERROR_ACCESS_DENIED), GetLastError());
+    int nValues = 0;
+    while (reader.GetValueName(nValues, sText))
+        ++nValues;
+    EXPECT_EQ(6, nValues);
+
+    EXPECT_TRUE(registry.DeleteValue("n"));
+    EXPECT_FALSE(registry.GetInt("n", nNumber) || registry.DeleteValue("n"));
+    EXPECT_TRUE(registry.GetKeyName(0, sText) && sText == "b");
+    EXPECT_FALSE(registry.GetKeyName(1, sText) || registry.GetKeyName(-1, sText));
+    EXPECT_FALSE(registry.DeleteKey("") || registry.DeleteKey("missing"));
+    reader.Close();
+    // Up to the root and no further; a key goes with all below it.
+    EXPECT_TRUE(registry.Ascend() && registry.Ascend() && registry.Ascend());
+    EXPECT_STREQ("", registry.GetPath());
+    EXPECT_FALSE(registry.Ascend());
+    EXPECT_TRUE(registry.DeleteKey(s_pszRoot));
+    EXPECT_FALSE(reader.Open(HKEY_CURRENT_USER, s_pszRoot));
+}

@@ -1,0 +1,155 @@
+#include <gtest/gtest.h>
+
+#include "CU/Registry.h"
+#include "CU/Time.h"
+#include "Support/ImportHook.h"
+
+namespace {
+
+const SYSTEMTIME s_fields = {2001, 7, 0, 4, 16, 30, 15, 0};
+const char *const s_pictures = "Control Panel\\International";
+
+// Two hours east of Greenwich, with summer time all over July.
+TIME_ZONE_INFORMATION Zone()
+{
+    TIME_ZONE_INFORMATION zone = {
+        -120, L"Winter", {0, 10, 0, 5, 3, 0, 0, 0}, 0, L"Summer", {0, 3, 0, 5, 2, 0, 0, 0}, -60};
+    return zone;
+}
+
+CCUTime Independence()
+{
+    const TIME_ZONE_INFORMATION zone = Zone();
+    return CCUTime(2001, 7, 4, 16, 30, 15, -1, &zone);
+}
+
+CCUString Date(DWORD dwFlags, const char *picture)
+{
+    char szText[256] = "";
+    GetDateFormatA(LOCALE_USER_DEFAULT, dwFlags, &s_fields, picture, szText, sizeof szText);
+    return szText;
+}
+
+// What "%sx" gives when the pictures are read afresh.
+CCUString AbbreviatedDate()
+{
+    const TIME_ZONE_INFORMATION zone = Zone();
+    CCUTime::TimeFormatChanged(true);
+    EXPECT_TRUE(CCUTime::IsTimeFormatChanged());
+    const CCUString sText = Independence().FormatTZI("%sx", &zone);
+    EXPECT_FALSE(CCUTime::IsTimeFormatChanged());
+    return sText;
+}
+
+DWORD s_dwPlatform;
+
+BOOL WINAPI FakeVersion(OSVERSIONINFOA *version)
+{
+    version->dwPlatformId = s_dwPlatform;
+    return TRUE;
+}
+
+// Holds the user's long date picture, and gives it back at the end.
+class CLongDatePicture
+{
+public:
+    CLongDatePicture() : m_registry(HKEY_CURRENT_USER, s_pictures, false)
+    {
+        m_bThere = m_registry.GetString("sLongDate", m_sOld);
+    }
+    ~CLongDatePicture()
+    {
+        if (m_bThere)
+            m_registry.SetString("sLongDate", m_sOld);
+        else
+            m_registry.DeleteValue("sLongDate");
+    }
+    CLongDatePicture(const CLongDatePicture &) = delete;
+    CLongDatePicture &operator=(const CLongDatePicture &) = delete;
+
+    CCURegistry m_registry;
+
+private:
+    CCUString m_sOld;
+    bool m_bThere;
+};
+
+}  // namespace
+
+TEST(TimeFormat, ExpandsTheUsersPicturesAndZoneNames)
+{
+    TIME_ZONE_INFORMATION zone = Zone();
+    const CCUTime time = Independence();
+    char szTime[256] = "";
+    GetTimeFormatA(LOCALE_USER_DEFAULT, 0, &s_fields, nullptr, szTime, sizeof szTime);
+    const CCUString sShort = Date(0, nullptr);
+    memcpy(zone.DaylightName, L"Zone of 32 characters, no NUL...", sizeof zone.DaylightName);
+    const CCUString sLongName("Zone of 32 characters, no NUL...");
+    const struct
+    {
+        CCUString sFormat;
+        CCUString sExpected;
+    } cases[] = {{"%x %X", sShort + " " + szTime},
+                 {"%x%x!%X", sShort + sShort + "!" + szTime},
+                 {"%Z %z", sLongName + " " + sLongName},
+                 {"%Y-%m-%d %H:%M:%S %a %j%%", "2001-07-04 16:30:15 Wed 185%"},
+                 {"", ""},
+                 {"plain", "plain"},
+                 {"%", ""},
+                 {CCUString('a', 127), CCUString('a', 127)},
+                 {CCUString('a', 128), ""},
+                 {CCUString('a', 127 - sShort.GetLength()) + "%x",
+                  CCUString('a', 127 - sShort.GetLength()) + sShort}};
+    for (const auto &item : cases)
+        EXPECT_STREQ(item.sExpected, time.FormatTZI(item.sFormat, &zone)) << item.sFormat;
+    EXPECT_STREQ("", time.FormatTZI(nullptr, &zone));
+    EXPECT_STREQ("Winter", (time + CCUTimeSpan(180, 0, 0, 0)).FormatTZI("%Z", &zone));
+    EXPECT_STREQ("2001-07-04 13:30:15", time.FormatGmt("%Y-%m-%d %H:%M:%S"));
+    TIME_ZONE_INFORMATION current = {};
+    GetTimeZoneInformation(&current);
+    EXPECT_STREQ(CCUString(current.StandardName), time.FormatGmt("%z"));
+    // Names that hold codes, or make some with what is left of the format.
+    wcscpy(zone.DaylightName, L"%Z%z");
+    EXPECT_STREQ("", time.FormatTZI(CCUString("%Z%Z") + CCUString('%', 200), &zone));
+    wcscpy(zone.DaylightName, L"Zulu");
+    EXPECT_STREQ("Zuluulu", time.FormatTZI("%%Z", &zone));
+    wcscpy(zone.DaylightName, L"Z");
+    CCUString sMany('%', 5000);
+    EXPECT_STREQ("", time.FormatTZI(sMany + 'Z', &zone));
+    CCUTime before(0L);
+    before -= CCUTimeSpan(1);
+    EXPECT_STREQ("", before.FormatGmt("%x"));
+}
+
+TEST(TimeFormat, ReadsTheLongDatePictureAfreshWhenTold)
+{
+    EXPECT_TRUE(CCUTime::IsTimeFormatChanged());
+    const TIME_ZONE_INFORMATION zone = Zone();
+    EXPECT_STREQ(Date(DATE_LONGDATE, nullptr), Independence().FormatTZI("%lx", &zone));
+    CLongDatePicture picture;
+    ASSERT_TRUE(picture.m_registry.SetString("sLongDate", "dddd, MMMM dd, yyyy 'dddd MMMM'"));
+    EXPECT_STREQ("Wed, Jul 04, 2001 dddd MMMM", AbbreviatedDate());
+    ASSERT_TRUE(picture.m_registry.SetString("sLongDate", "yyyy MMM"));
+    EXPECT_STREQ("Wed, Jul 04, 2001 dddd MMMM", Independence().FormatTZI("%sx", &zone));
+    EXPECT_STREQ("2001 Jul", AbbreviatedDate());
+    // 80 bytes are read, the NUL among them; a value may come without one.
+    const CCUString sLong = "yyyy'" + CCUString('x', 73) + "'";
+    ASSERT_TRUE(picture.m_registry.SetString("sLongDate", sLong));
+    EXPECT_STREQ("2001" + CCUString('x', 73), AbbreviatedDate());
+    ASSERT_TRUE(picture.m_registry.SetBinary("sLongDate", sLong + "  ", 80));
+    EXPECT_STREQ("2001" + CCUString('x', 73) + " ", AbbreviatedDate().Left(78));
+    ASSERT_TRUE(picture.m_registry.SetString("sLongDate", sLong + "d"));
+    EXPECT_STREQ("Jul 4, 2001", AbbreviatedDate());
+    ASSERT_TRUE(picture.m_registry.DeleteValue("sLongDate"));
+    EXPECT_STREQ("Jul 4, 2001", AbbreviatedDate());
+
+    // Windows 95 keeps it in win.ini; of other systems nothing is known.
+    const CImportHook hook("GetVersionExA", FakeVersion);
+    s_dwPlatform = VER_PLATFORM_WIN32_WINDOWS;
+    EXPECT_STREQ("Jul 4, 2001", AbbreviatedDate());
+    ASSERT_TRUE(WriteProfileStringA("Intl", "sLongDate", "MMMM yyyy"));
+    EXPECT_STREQ("Jul 2001", AbbreviatedDate());
+    WriteProfileStringA("Intl", "sLongDate", nullptr);
+    s_dwPlatform = VER_PLATFORM_WIN32s;
+    EXPECT_STREQ("Jul 4, 2001", AbbreviatedDate());
+}
