@@ -2,6 +2,7 @@
 
 #include <stdarg.h>
 #include <stdio.h>
+#include <stdlib.h>
 
 #include "Array.h"
 #include "CU/Assert.h"
@@ -175,9 +176,9 @@ private:
     CDumpOutputs *m_pOutputs;
 };
 
-// Runs behind the destructors of all global objects, which may still dump. A thread that is inside
-// keeps everything for as long as the process lasts; every text has been flushed.
-__attribute__((destructor(101))) void DeleteOutputs()
+// A thread that is inside keeps everything for as long as the process lasts; every text has been
+// flushed.
+void DeleteOutputs()
 {
     InterlockedExchange(&s_bGone, 1);
     if (InterlockedExchangeAdd(&s_nUsers, 0) != 0)
@@ -185,6 +186,13 @@ __attribute__((destructor(101))) void DeleteOutputs()
     delete s_pOutputs;
     s_pOutputs = nullptr;
     s_lock.Delete();
+}
+
+// The first to be registered is the last to be called: behind the destructors of all global
+// objects, which may still dump.
+__attribute__((constructor(101))) void DeleteOutputsAtExit()
+{
+    atexit(DeleteOutputs);
 }
 
 CCUString CopyText(const char *text, int length)

@@ -91,7 +91,7 @@ const char *NameOfPath(const char *path)
     return name;
 }
 
-void Append(CLine &line, const char *format, ...) __attribute__((format(ms_printf, 2, 3)));
+void Append(CLine &line, const char *format, ...) CU_PRINTF(2, 3);
 void Append(CLine &line, const char *format, ...)
 {
     va_list args;

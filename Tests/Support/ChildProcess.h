@@ -32,6 +32,7 @@ public:
     CChildProcess(const CChildProcess &) = delete;
     CChildProcess &operator=(const CChildProcess &) = delete;
 
+    DWORD Id() const { return m_process.dwProcessId; }
     // Waits for the end.
     DWORD ExitCode() const
     {

@@ -13,7 +13,7 @@ public:
     static void Run(int nThreads, void (*work)(int nThread))
     {
         CStart starts[Most];
-        HANDLE threads[Most];
+        HANDLE threads[Most] = {};
         for (int i = 0; i < nThreads; ++i) {
             starts[i] = {work, i};
             DWORD nId = 0;

@@ -12,13 +12,7 @@ class CCUString;
 
 // Formats as printf does and dumps the text. A text of 2048 characters or more is reported with
 // "nLength < DumpBufferSize" and cut to 2047; CUDumpString takes any length.
-CU_API void CUDump(const char *format, ...)
-#if defined(__clang__)
-    __attribute__((format(printf, 1, 2)))
-#elif defined(__GNUC__)
-    __attribute__((format(ms_printf, 1, 2)))
-#endif
-    ;
+CU_API void CUDump(const char *format, ...) CU_PRINTF(1, 2);
 
 // Dumps `length` characters of `text`; a negative length means up to the NUL. A null text is an
 // empty one. From inside a callback the text goes to the debugger only.

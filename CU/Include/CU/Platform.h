@@ -26,3 +26,13 @@
 #else
 #define CU_API
 #endif
+
+// Lets the compiler hold the arguments of a function against its format, which is the system
+// runtime's.
+#if defined(__clang__)
+#define CU_PRINTF(nFormat, nFirst) __attribute__((format(printf, nFormat, nFirst)))
+#elif defined(__GNUC__)
+#define CU_PRINTF(nFormat, nFirst) __attribute__((format(ms_printf, nFormat, nFirst)))
+#else
+#define CU_PRINTF(nFormat, nFirst)
+#endif
