@@ -122,15 +122,19 @@ void LoadFromSource(CUIBitmapData &data, const CSubstitution &map)
 
 CCUIBitmap::CCUIBitmap() : m_pchData(&nilData) {}
 
-CCUIBitmap::CCUIBitmap(const CCUIBitmap &bitmapSrc) : m_pchData(&nilData)
+CCUIBitmap::CCUIBitmap(const CCUIBitmap &bitmapSrc) : m_pchData(bitmapSrc.m_pchData)
 {
-    if (bitmapSrc.m_pchData->m_nRefs < 1) {
-        CU_ASSERT(bitmapSrc.m_pchData == &nilData);
+    if (m_pchData == &nilData) {
+        CU_ASSERT_TEXT(nilData.m_nRefs < 1, "bitmapSrc.m_pchData != &nilData");
         return;
     }
-    CU_ASSERT(bitmapSrc.m_pchData != &nilData);
-    m_pchData = bitmapSrc.m_pchData;
-    InterlockedIncrement(&m_pchData->m_nRefs);
+    // What the count was is read off the increment: a look at it before would cost as much again.
+    if (InterlockedIncrement(&m_pchData->m_nRefs) > 1)
+        return;
+    // A record that nobody held.
+    InterlockedDecrement(&m_pchData->m_nRefs);
+    m_pchData = &nilData;
+    CU_ASSERT(bitmapSrc.m_pchData == &nilData);
 }
 
 CCUIBitmap::CCUIBitmap(UINT nID, WORD wFlags, HINSTANCE hInst) : m_pchData(&nilData)

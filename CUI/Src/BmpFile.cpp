@@ -56,7 +56,7 @@ bool ReadParts(CCUFile &file, const CFileParts &parts, DWORD nOffset, char *pAt)
 {
     if (file.Read(pAt, parts.m_nTable) != parts.m_nTable)
         return false;
-    if (parts.m_nPixels == 0)
+    if (parts.m_nPixelRoom == 0)
         return true;
     file.Seek(static_cast<long>(nOffset), CCUFile::begin);
     pAt += parts.m_nTable;

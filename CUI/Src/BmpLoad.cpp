@@ -116,22 +116,27 @@ bool IsName(const char *pszName)
     return reinterpret_cast<ULONG_PTR>(pszName) >> 16 != 0;
 }
 
-}  // namespace
-
-HBITMAP CUIBmpLoad(HINSTANCE hInst, const char *pszName, HPALETTE *phPal, bool bMapColors,
-                   DWORD *pFrom, DWORD *pTo, int nCount)
+// The section is gone when the DDB is made: they would be the most memory that a load takes.
+BITMAPINFOHEADER *LoadDib(HDC hScreen, HINSTANCE hInst, const char *pszName)
 {
     const bool bFile = !hInst && IsName(pszName);
     const UINT nFlags = LR_CREATEDIBSECTION | LR_DEFAULTSIZE;
     const CCUIOwned<HBITMAP> hDIB(bFile ? LoadFileSection(pszName, nFlags)
                                         : LoadResourceSection(hInst, pszName, nFlags));
-    if (!hDIB) {
-        if (bFile)
-            CUDump("Error loading bitmap %s.\n", pszName);
-        return nullptr;
-    }
+    if (hDIB)
+        return SectionToDib(hScreen, hDIB);
+    if (bFile)
+        CUDump("Error loading bitmap %s.\n", pszName);
+    return nullptr;
+}
+
+}  // namespace
+
+HBITMAP CUIBmpLoad(HINSTANCE hInst, const char *pszName, HPALETTE *phPal, bool bMapColors,
+                   DWORD *pFrom, DWORD *pTo, int nCount)
+{
     const CCUIWindowDC hScreen(nullptr);
-    BITMAPINFOHEADER *pbih = SectionToDib(hScreen, hDIB);
+    BITMAPINFOHEADER *pbih = LoadDib(hScreen, hInst, pszName);
     if (!pbih)
         return nullptr;
     const CUIColorMap map = {pFrom, pTo, nCount};

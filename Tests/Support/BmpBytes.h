@@ -25,14 +25,15 @@ struct CBmpBytes
         m_info.biPlanes = 1;
         m_info.biBitCount = static_cast<WORD>(nBits);
         for (int i = 0; nBits <= 8 && i < 1 << nBits; ++i)
-            m_table.push_back({Byte(255 - i * 255 / ((1 << nBits) - 1)), Byte(i * 37 + 5),
-                               Byte(i * 91 + 1), 0});
-        const DWORD nRow = (static_cast<DWORD>(nWidth * nBits + 7) / 8 + nRowAlign - 1) / nRowAlign *
-                           nRowAlign;
+            m_table.push_back(
+                {Byte(255 - i * 255 / ((1 << nBits) - 1)), Byte(i * 37 + 5), Byte(i * 91 + 1), 0});
+        const DWORD nRow =
+            (static_cast<DWORD>(nWidth * nBits + 7) / 8 + nRowAlign - 1) / nRowAlign * nRowAlign;
         const int nRows = abs(nHeight);
         m_pixels.resize(nRow * static_cast<DWORD>(nRows));
         for (int y = 0; y < nRows; ++y) {
-            BYTE *pRow = m_pixels.data() + nRow * static_cast<DWORD>(nHeight < 0 ? y : nRows - 1 - y);
+            BYTE *pRow =
+                m_pixels.data() + nRow * static_cast<DWORD>(nHeight < 0 ? y : nRows - 1 - y);
             for (int x = 0; x < nWidth; ++x)
                 Store(pRow, x, ValueAt(x, y));
         }
@@ -113,7 +114,8 @@ inline std::vector<DWORD> PixelsOf(HBITMAP hBitmap)
     BITMAP bm = {};
     GetObjectA(hBitmap, sizeof bm, &bm);
     BITMAPINFO info = {};
-    info.bmiHeader = {sizeof info.bmiHeader, bm.bmWidth, -bm.bmHeight, 1, 32, BI_RGB, 0, 0, 0, 0, 0};
+    info.bmiHeader = {
+        sizeof info.bmiHeader, bm.bmWidth, -bm.bmHeight, 1, 32, BI_RGB, 0, 0, 0, 0, 0};
     std::vector<DWORD> pixels(static_cast<size_t>(bm.bmWidth * bm.bmHeight));
     const HDC hScreen = GetDC(nullptr);
     if (!pixels.empty())

@@ -19,6 +19,7 @@ public:
         s_malloc = m_malloc.Original<void *__cdecl(size_t)>();
         s_free = m_free.Original<void __cdecl(void *)>();
         s_nMade = s_nFreed = 0;
+        s_nLargest = 0;
         // What earlier tests of this process left in a slot may come back later: slots stay.
         if (s_base)
             return;
@@ -31,6 +32,13 @@ public:
     // Blocks taken, and taken but not given back, since the object was made.
     static int Made() { return s_nMade; }
     static int Live() { return s_nMade - s_nFreed; }
+    // The largest block asked for since the last call. For one thread.
+    static size_t TakeLargest()
+    {
+        const size_t nLargest = s_nLargest;
+        s_nLargest = 0;
+        return nLargest;
+    }
 
 private:
     enum
@@ -46,6 +54,8 @@ private:
     static void *__cdecl Malloc(size_t nSize)
     {
         InterlockedIncrement(&s_nMade);
+        if (nSize > s_nLargest)
+            s_nLargest = nSize;
         for (int i = 0; i < SLOTS && nSize <= SLOT_SIZE; ++i) {
             const LONG nLength = static_cast<LONG>(nSize);
             if (InterlockedCompareExchange(&s_nSizes[i], nLength, 0) != 0)
@@ -82,6 +92,7 @@ private:
     inline static LONG s_nSizes[SLOTS] = {};
     inline static LONG s_nMade = 0;
     inline static LONG s_nFreed = 0;
+    inline static size_t s_nLargest = 0;
     CImportHook m_malloc;
     CImportHook m_free;
 };
