@@ -2,7 +2,6 @@
 #include <new>
 #include <stdio.h>
 #include <stdlib.h>
-#include <string.h>
 
 #include "Bench.h"
 #include "CU/String.h"
@@ -51,13 +50,13 @@ const int nHigh = 3000;
 
 CCUString BigFile()
 {
-    char szPath[MAX_PATH + 16] = "";
+    char szPath[MAX_PATH] = "";
     GetTempPathA(MAX_PATH, szPath);
-    strcat(szPath, "bench-big.bmp");
+    const CCUString sPath = CCUString(szPath) + "bench-big.bmp";
     BITMAPFILEHEADER file = {0x4D42, 54 + nWide * nHigh * 3, 0, 0, 54};
     BITMAPINFOHEADER info = {sizeof info, nWide, nHigh, 1, 24, BI_RGB, 0, 0, 0, 0, 0};
     std::vector<char> row(nWide * 3);
-    FILE *out = fopen(szPath, "wb");
+    FILE *out = fopen(sPath, "wb");
     if (!out)
         return CCUString();
     fwrite(&file, sizeof file, 1, out);
@@ -68,7 +67,7 @@ CCUString BigFile()
         fwrite(row.data(), 1, row.size(), out);
     }
     fclose(out);
-    return CCUString(szPath);
+    return sPath;
 }
 
 void LoadFileByHand(const char *pszFile)

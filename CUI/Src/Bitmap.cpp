@@ -172,6 +172,7 @@ CCUIBitmap::~CCUIBitmap()
     Empty();
 }
 
+// NOLINTNEXTLINE(bugprone-unhandled-self-assignment): the same object has the same record.
 CCUIBitmap &CCUIBitmap::operator=(const CCUIBitmap &bitmapSrc)
 {
     if (m_pchData == bitmapSrc.m_pchData)

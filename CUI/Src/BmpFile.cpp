@@ -36,7 +36,7 @@ void AddRoomForGdi(CFileParts &parts, const BITMAPINFOHEADER &header, ULONGLONG 
 // False when the file does not have what its headers claim.
 bool FindParts(CFileParts &parts, const BITMAPINFOHEADER &header, DWORD nOffset, DWORD nFile)
 {
-    const ULONGLONG nTable = static_cast<ULONGLONG>(CUIDibColorCount(header)) * sizeof(RGBQUAD);
+    const ULONGLONG nTable = CUIDibTableSize(CUIDibColorCount(header));
     const LONGLONG nRow =
         ((static_cast<LONGLONG>(header.biBitCount) * header.biWidth >> 3) + 1) & ~1;
     const LONGLONG nHeight = header.biHeight;

@@ -42,7 +42,7 @@ HBITMAP Convert(HDC hScreen, BITMAPINFOHEADER *pbih, bool bTrusted, HPALETTE *ph
     const DWORD nClaimed = CUIDibColorCount(*pbih);
     const DWORD nColors = nClaimed < CUI_DIB_MAX_COLORS ? nClaimed : CUI_DIB_MAX_COLORS;
     const ULONGLONG nPixels = static_cast<ULONGLONG>(pbih->biSize) + nFullTable;
-    if (!bTrusted && !CUIMemoryHolds(pTable, nColors * sizeof(RGBQUAD), pMap != nullptr))
+    if (!bTrusted && !CUIMemoryHolds(pTable, CUIDibTableSize(nColors), pMap != nullptr))
         return nullptr;
     if (pMap)
         MapColors(pTable, nColors, *pMap);

@@ -53,7 +53,7 @@ HBITMAP PaletteBitmap(const BITMAPINFOHEADER *pbih, DWORD nSize, HPALETTE &hPal)
 {
     const CCUIWindowDC hScreen(nullptr);
     const DWORD nColors = CUIDibColorCount(*pbih);
-    const ULONGLONG nTable = static_cast<ULONGLONG>(nColors) * sizeof(RGBQUAD);
+    const ULONGLONG nTable = CUIDibTableSize(nColors);
     if (sizeof *pbih + nTable <= nSize)
         hPal = CUIPaletteFromTable(reinterpret_cast<const RGBQUAD *>(pbih + 1), nColors);
     CUIRealizeForLoad(hScreen, hPal);
@@ -91,7 +91,7 @@ HBITMAP SysColorBitmap(const BITMAPINFOHEADER *pbih, DWORD nSize, bool bMapColor
 {
     // A full table is assumed, whatever the header says of the colours in use.
     const int nBits = pbih->biBitCount < 32 ? pbih->biBitCount : 32;
-    const ULONGLONG nPixels = sizeof *pbih + (static_cast<ULONGLONG>(sizeof(RGBQUAD)) << nBits);
+    const ULONGLONG nPixels = sizeof *pbih + CUIDibTableSize(1ULL << nBits);
     if (CUIDibExtent(*pbih, nPixels) > nSize)
         return nullptr;
     CDibHead head(pbih, nSize);

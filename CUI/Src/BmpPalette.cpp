@@ -41,7 +41,7 @@ HPALETTE CUIBmpCreateDIBPalette(BITMAPINFO *pbmi, int *pnColors)
     const DWORD nClaimed = CUIDibColorCount(pbmi->bmiHeader);
     *pnColors = static_cast<int>(nClaimed);
     const DWORD nColors = nClaimed < CUI_DIB_MAX_COLORS ? nClaimed : CUI_DIB_MAX_COLORS;
-    if (!CUIMemoryHolds(pbmi->bmiColors, nColors * sizeof(RGBQUAD), false))
+    if (!CUIMemoryHolds(pbmi->bmiColors, CUIDibTableSize(nColors), false))
         return nullptr;
     return CUIPaletteFromTable(pbmi->bmiColors, nColors);
 }

@@ -29,7 +29,7 @@ ULONGLONG ReadHeader(const CAnyHeader &any, BITMAPINFOHEADER &header)
     const DWORD nMasks = header.biCompression == BI_BITFIELDS ? 3 * sizeof(DWORD) : 0;
     const DWORD nColors = CUIDibColorCount(header);
     const DWORD nKept = nColors < CUI_DIB_MAX_COLORS ? nColors : CUI_DIB_MAX_COLORS;
-    return static_cast<ULONGLONG>(header.biSize) + nMasks + nKept * sizeof(RGBQUAD);
+    return static_cast<ULONGLONG>(header.biSize) + nMasks + CUIDibTableSize(nKept);
 }
 
 // nPixels: where the pixels are said to be, 0: after the colours. nSize: all bytes from the header.

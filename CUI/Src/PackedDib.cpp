@@ -25,12 +25,12 @@ bool IsCompressed(const BITMAPINFOHEADER &header)
 ULONGLONG TableSize(const BITMAPINFOHEADER &header)
 {
     if (header.biCompression == BI_BITFIELDS)
-        return 3 * sizeof(DWORD);
+        return sizeof(DWORD[3]);
     if (header.biBitCount > 8)
         return 0;
     const DWORD nMost = 1U << header.biBitCount;
     const DWORD nColors = CUIDibColorCount(header);
-    return sizeof(RGBQUAD) * (nColors < nMost ? nColors : nMost);
+    return CUIDibTableSize(nColors < nMost ? nColors : nMost);
 }
 
 }  // namespace

@@ -13,6 +13,12 @@ const DWORD CUI_DIB_MAX_COLORS = 256;
 // The number of colours that the header claims.
 DWORD CUIDibColorCount(const BITMAPINFOHEADER &header);
 
+// The bytes of a table, without overflow.
+inline ULONGLONG CUIDibTableSize(ULONGLONG nColors)
+{
+    return nColors * sizeof(RGBQUAD);
+}
+
 // The bytes of the pixels as GDI reads them, rows aligned to double words; more than can exist for
 // a header that GDI does not take.
 ULONGLONG CUIDibImageSize(const BITMAPINFOHEADER &header);

@@ -55,7 +55,7 @@ DWORD WINAPI CopyOften(void *p)
 std::vector<DWORD> Expected(const char *pszName)
 {
     const HBITMAP hBitmap = LoadBitmapA(Module(), pszName);
-    const std::vector<DWORD> pixels = PixelsOf(hBitmap);
+    std::vector<DWORD> pixels = PixelsOf(hBitmap);
     DeleteObject(hBitmap);
     return pixels;
 }

@@ -20,7 +20,7 @@ protected:
     {
         HPALETTE hPal = nullptr;
         const HBITMAP hBitmap = CUIBmpLoadBitmapFilePalette(m_sFile, hPal);
-        const std::vector<DWORD> picture = PixelsOf(hBitmap);
+        std::vector<DWORD> picture = PixelsOf(hBitmap);
         DeleteObject(hBitmap);
         DeleteObject(hPal);
         return picture;

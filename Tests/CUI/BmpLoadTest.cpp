@@ -29,7 +29,7 @@ DWORD Rgb(DWORD cr)
 // The pixels of a bitmap that is deleted then.
 std::vector<DWORD> Taken(HBITMAP hBitmap)
 {
-    const std::vector<DWORD> pixels = PixelsOf(hBitmap);
+    std::vector<DWORD> pixels = PixelsOf(hBitmap);
     DeleteObject(hBitmap);
     return pixels;
 }
@@ -358,11 +358,11 @@ TEST(BmpLoad, LeaksNothingAlsoWhereACallFails)
         EXPECT_NEAR(nGdi, GdiCount(), 2);
     };
     rounds();
-#define FAIL_AND_COUNT(name)                                          \
-    {                                                                 \
-        SCOPED_TRACE(#name);                                          \
-        const CImportHook fail(#name, &CFail<decltype(&name)>::Call); \
-        rounds();                                                     \
+#define FAIL_AND_COUNT(name)                                            \
+    {                                                                   \
+        SCOPED_TRACE(#name);                                            \
+        const CImportHook fail(#name, &CFail<decltype(&(name))>::Call); \
+        rounds();                                                       \
     }
     FAIL_AND_COUNT(LoadImageA)
     FAIL_AND_COUNT(GetDIBits)
