@@ -131,6 +131,21 @@ class Canvas:
         self.paint(self.ellipse_mask(x, y, radius * 0.55), colour, opacity, blur=radius * 0.2)
 
 
+    def frame(self, colour):
+        """A line of one pixel all around."""
+        width, height = self.size
+        corners = [(0, 0), (width, 0), (width, height), (0, height), (0, 0)]
+        self.paint(self.line_mask(corners, 2), colour)
+
+    def finished_icon(self):
+        """The picture with rounded corners, what is outside them transparent."""
+        side = self.size[0]
+        picture = self.finished().convert("RGBA")
+        corners = self.rounded_mask(0, 0, side, side, side * 0.2)
+        picture.putalpha(corners.resize(picture.size, Image.BOX))
+        return picture
+
+
 # -- palettes ------------------------------------------------------------------------------------
 
 def shared_palette(pictures, wanted=()):

@@ -14,7 +14,7 @@ from skin_drawing import (  # noqa: E402
 WIDTH, HEIGHT = 514, 345
 PRODUCT = (302, 73, 502, 271)
 BULLET_SIZE = 16
-FIRST_BULLET = (15, 144)
+BULLETS = ((15, 144), (15, 176), (15, 208), (15, 240))
 
 INK = (38, 26, 30)
 FILM = (44, 34, 44)
@@ -175,18 +175,20 @@ def draw_scene():
                      [(top, mix(FILM, FILM_LIGHT, 0.35)), (bottom, FILM)])
         draw_perforations(canvas, holes)
     canvas.paint(canvas.line_mask([(0, 13), (WIDTH, 13)], 1), (255, 196, 140), 0.35)
-    outline = [(0, 0), (WIDTH, 0), (WIDTH, HEIGHT), (0, HEIGHT), (0, 0)]
-    canvas.paint(canvas.line_mask(outline, 2), INK)
+    canvas.frame(INK)
     return canvas
+
+
+def bullet_square(corner):
+    return (*corner, corner[0] + BULLET_SIZE, corner[1] + BULLET_SIZE)
 
 
 def draw_bullet(canvas, x, y):
     """A round play button inside the square whose corner is given."""
     cx, cy, radius = x + BULLET_SIZE / 2, y + BULLET_SIZE / 2, 6.6
+    square = canvas.rounded_mask(x, y, x + BULLET_SIZE, y + BULLET_SIZE, 0)
     canvas.paint(canvas.ellipse_mask(cx + 0.4, cy + 1, radius), mix(SAND_SHADE, INK, 0.5), 0.5,
-                 within=canvas.polygon_mask([(x, y), (x + BULLET_SIZE, y),
-                                             (x + BULLET_SIZE, y + BULLET_SIZE),
-                                             (x, y + BULLET_SIZE)]), blur=0.5)
+                 within=square, blur=0.5)
     canvas.paint(canvas.ellipse_mask(cx, cy, radius), mix(FILM, (120, 30, 30), 0.4))
     canvas.paint(canvas.ellipse_mask(cx, cy, radius - 0.9),
                  [(cy - radius, (246, 150, 84)), (cy + radius, (186, 44, 34))])
@@ -197,11 +199,8 @@ def draw_bullet(canvas, x, y):
 def draw_icon(side):
     canvas = Canvas(side, side, [(0, (70, 48, 104)), (side * 0.55, (226, 108, 78)),
                                  (side, (255, 200, 110))], scale=8)
-    shape = canvas.rounded_mask(0, 0, side, side, side * 0.2)
     draw_fennec(canvas, side / 2, side * 0.53, side * 0.94)
-    picture = canvas.finished().convert("RGBA")
-    picture.putalpha(shape.resize(picture.size, 4))
-    return picture
+    return canvas.finished_icon()
 
 
 def main():
@@ -210,16 +209,20 @@ def main():
     draw_replay_sun(front, 411, 169, 89)
     draw_fennec(front, 411, 187, 168)
     button = scene.copy()
-    draw_bullet(button, *FIRST_BULLET)
+    draw_bullet(button, *BULLETS[0])
 
-    left, top = FIRST_BULLET
     background = scene.finished()
     product = front.finished(PRODUCT)
-    bullet = button.finished((left, top, left + BULLET_SIZE, top + BULLET_SIZE))
+    bullet = button.finished(bullet_square(BULLETS[0]))
     palette = shared_palette([background, product, bullet], wanted=[SAND, RED])
-    for name, picture, dither in (("Background", background, True), ("Product", product, True),
-                                  ("Bullet", bullet, False)):
-        write_bitmap(HERE / f"{name}.bmp", in_palette(picture, palette, dither), palette)
+    # Dithered, the sand around a bullet would not be the same twice.
+    plain = in_palette(background, palette, dither=False)
+    background = in_palette(background, palette)
+    for corner in BULLETS:
+        background.paste(plain.crop(bullet_square(corner)), corner)
+    write_bitmap(HERE / "Background.bmp", background, palette)
+    write_bitmap(HERE / "Product.bmp", in_palette(product, palette), palette)
+    write_bitmap(HERE / "Bullet.bmp", in_palette(bullet, palette, dither=False), palette)
     write_icon(HERE / "Fennick.ico", [draw_icon(side) for side in (16, 32, 48)])
 
 

@@ -62,8 +62,7 @@ def draw_scene():
     canvas.paint(canvas.line_mask([(192, 98), (426, 98)], 1.2), NAVY, 0.6)
     for x, y in BULLETS:
         canvas.paint(canvas.rounded_mask(x, y, x + BULLET_SIZE, y + BULLET_SIZE, 0), PAPER)
-    outline = [(0, 0), (WIDTH, 0), (WIDTH, HEIGHT), (0, HEIGHT), (0, 0)]
-    canvas.paint(canvas.line_mask(outline, 2), NAVY)
+    canvas.frame(NAVY)
     return canvas
 
 
@@ -155,9 +154,7 @@ def draw_buoy(canvas, x, y, side):
 def draw_icon(side):
     canvas = Canvas(side, side, PAPER, scale=8)
     draw_view(canvas, 0, 0, side, side, 0)
-    picture = canvas.finished().convert("RGBA")
-    picture.putalpha(canvas.rounded_mask(0, 0, side, side, side * 0.2).resize(picture.size, 4))
-    return picture
+    return canvas.finished_icon()
 
 
 def main():
