@@ -31,17 +31,49 @@ unsigned int Byte(const char *pch)
     return static_cast<unsigned char>(*pch);
 }
 
-unsigned int Letter(unsigned int nGroup, int nShift)
+char Letter(unsigned int nGroup, int nShift)
 {
-    return static_cast<unsigned char>(s_alphabet[nGroup >> nShift & 63]);
+    return s_alphabet[nGroup >> nShift & 63];
 }
 
-// One store for the four characters of a group of 24 bits, the top six first.
+// The four characters of a group of 24 bits, the top six first.
 void PutGroup(char *pch, unsigned int nGroup)
 {
-    const unsigned int nLetters = Letter(nGroup, 18) | Letter(nGroup, 12) << 8 |
-                                  Letter(nGroup, 6) << 16 | Letter(nGroup, 0) << 24;
-    memcpy(pch, &nLetters, sizeof nLetters);
+    for (int i = 0; i < 4; ++i)
+        pch[i] = Letter(nGroup, 18 - 6 * i);
+}
+
+// Two characters for each 12 bits. Made when a long text first needs it, not kept in the program's
+// file; threads that make it at the same time write the same.
+unsigned short s_pairs[4096];
+volatile LONG s_bPairsMade = 0;
+
+const int LONG_TEXT = 4096;
+
+void MakePairs()
+{
+    if (s_bPairsMade)
+        return;
+    for (unsigned int n = 0; n < 4096; ++n) {
+        const char pair[] = {Letter(n, 6), Letter(n, 0)};
+        memcpy(&s_pairs[n], pair, sizeof pair);
+    }
+    InterlockedExchange(&s_bPairsMade, 1);
+}
+
+// Whole groups, as long as a word of source is left; returns how many bytes they took.
+int PutGroupsByPairs(char *pOut, const char *p, int nSrc)
+{
+    int n = 0;
+    for (; nSrc - n >= 4; n += 3, pOut += 4) {
+        unsigned int nWord;
+        memcpy(&nWord, p + n, sizeof nWord);
+        nWord = __builtin_bswap32(nWord);
+        const unsigned int nPairs =
+            s_pairs[nWord >> 20] | static_cast<unsigned int>(s_pairs[nWord >> 8 & 4095]) << 16;
+        memcpy(pOut, &nPairs, sizeof nPairs);
+    }
+    return n;
 }
 
 }  // namespace
@@ -56,6 +88,12 @@ CCUString CCUString::Encode64() const
         return result;
     const char *p = m_pchData;
     const char *pEnd = p + nSrc;
+    if (nSrc >= LONG_TEXT) {
+        MakePairs();
+        const int nDone = PutGroupsByPairs(pOut, p, nSrc);
+        p += nDone;
+        pOut += nDone / 3 * 4;
+    }
     for (; pEnd - p >= 3; p += 3, pOut += 4)
         PutGroup(pOut, Byte(p) << 16 | Byte(p + 1) << 8 | Byte(p + 2));
     if (pEnd != p) {

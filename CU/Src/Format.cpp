@@ -26,6 +26,11 @@ int Add(int n1, int n2)
     return CUToLength(static_cast<long long>(n1) + n2);
 }
 
+bool IsModifier(char ch)
+{
+    return ch == 'h' || ch == 'l' || ch == 'F' || ch == 'N' || ch == 'L';
+}
+
 // The length of a text of which no more than nMost characters will be read; null is empty.
 template <typename Char>
 int TextLength(const Char *psz, int nMost)
@@ -42,7 +47,12 @@ class CFormatEstimate
 public:
     // Texts between pOwn and pOwnEnd are the target's own.
     CFormatEstimate(const char *pszFormat, va_list args, const char *pOwn, const char *pOwnEnd)
-        : m_p(pszFormat), m_pOwn(pOwn), m_pOwnEnd(pOwnEnd), m_nMaxLen(0), m_bReadsOwn(false)
+        : m_p(pszFormat),
+          m_pOwn(pOwn),
+          m_pOwnEnd(pOwnEnd),
+          m_nMaxLen(0),
+          m_bReadsOwn(false),
+          m_bPlain(true)
     {
         va_copy(m_args, args);
         Walk();
@@ -51,6 +61,8 @@ public:
     int MaxLen() const { return m_nMaxLen; }
     // An argument is a part of the target.
     bool ReadsOwn() const { return m_bReadsOwn; }
+    // There is nothing in the format but text, "%%" and bare %c %d %i %u %x %s of a text.
+    bool IsPlain() const { return m_bPlain; }
 
 private:
     struct CItem
@@ -74,6 +86,7 @@ private:
     const char *m_pOwnEnd;
     int m_nMaxLen;
     bool m_bReadsOwn;
+    bool m_bPlain;
 };
 
 void CFormatEstimate::Walk()
@@ -83,7 +96,10 @@ void CFormatEstimate::Walk()
             m_nMaxLen = Add(m_nMaxLen, 1);
             continue;
         }
+        const char *pItem = m_p;
         const CItem item = ReadItem();
+        if (m_p != pItem || !*m_p || !strchr("cdiuxs", *m_p))
+            m_bPlain = false;
         m_nMaxLen = Add(m_nMaxLen, ItemLength(item));
         if (!*m_p)
             break;
@@ -107,7 +123,7 @@ CFormatEstimate::CItem CFormatEstimate::ReadItem()
         }
         CU_ASSERT_TEXT(item.nPrecision >= 0, "nPrecision >= 0");
     }
-    if (*m_p && strchr("hlFNL", *m_p))
+    if (IsModifier(*m_p))
         item.chModifier = *m_p++;
     return item;
 }
@@ -137,6 +153,9 @@ bool CFormatEstimate::ReadFlags(int &nWidth)
 // Reads as atoi does, without its undefined result for a number that is too large.
 int CFormatEstimate::ReadNumber()
 {
+    // Neither a digit nor what atoi passes over before one.
+    if (*m_p >= 'A')
+        return 0;
     const int nNumber = static_cast<int>(strtol(m_p, nullptr, 10));
     while (*m_p >= '0' && *m_p <= '9')
         ++m_p;
@@ -169,7 +188,10 @@ int CFormatEstimate::ItemLength(const CItem &item)
 int CFormatEstimate::StringLength(const CItem &item)
 {
     const char *psz = va_arg(m_args, const char *);
-    m_bReadsOwn = m_bReadsOwn || (psz >= m_pOwn && psz <= m_pOwnEnd);
+    if (psz >= m_pOwn && psz <= m_pOwnEnd)
+        m_bReadsOwn = true;
+    if (!psz)
+        m_bPlain = false;
     // A text that a precision cuts needs no NUL.
     const int nMost = item.nPrecision > 0 ? item.nPrecision : INT_MAX;
     const bool bWide = item.chModifier == 'l' || (*m_p == 'S' && item.chModifier != 'h');
@@ -185,6 +207,71 @@ int CFormatEstimate::FitString(const CItem &item, int nItemLen)
     if (item.nPrecision != 0 && nItemLen >= item.nPrecision)
         nItemLen = item.nPrecision;
     return nItemLen;
+}
+
+// Writes plain formats, which most are: the C library's formatter takes several times as long.
+class CPlainWriter
+{
+public:
+    CPlainWriter(char *pch, int nRoom) : m_pch(pch), m_nRoom(nRoom), m_nLength(0) {}
+    // The length of the text, of which as much as there is room for is written.
+    int Write(const char *pszFormat, va_list args);
+
+private:
+    void Put(char ch)
+    {
+        if (m_nLength < m_nRoom)
+            m_pch[m_nLength] = ch;
+        ++m_nLength;
+    }
+    void PutText(const char *psz)
+    {
+        while (*psz)
+            Put(*psz++);
+    }
+    void PutNumber(unsigned int n, unsigned int nBase);
+    void PutSigned(int n);
+
+    char *m_pch;
+    int m_nRoom;
+    int m_nLength;
+};
+
+int CPlainWriter::Write(const char *pszFormat, va_list args)
+{
+    for (const char *p = pszFormat; *p; ++p) {
+        if (*p != '%' || *++p == '%') {
+            Put(*p);
+            continue;
+        }
+        switch (*p) {
+        case 'c': Put(static_cast<char>(va_arg(args, int))); break;
+        case 's': PutText(va_arg(args, const char *)); break;
+        case 'u': PutNumber(va_arg(args, unsigned int), 10); break;
+        case 'x': PutNumber(va_arg(args, unsigned int), 16); break;
+        default: PutSigned(va_arg(args, int)); break;
+        }
+    }
+    return m_nLength;
+}
+
+void CPlainWriter::PutNumber(unsigned int n, unsigned int nBase)
+{
+    char szDigits[16];
+    char *p = szDigits + sizeof szDigits - 1;
+    *p = '\0';
+    do {
+        *--p = "0123456789abcdef"[n % nBase];
+        n /= nBase;
+    } while (n != 0);
+    PutText(p);
+}
+
+void CPlainWriter::PutSigned(int n)
+{
+    if (n < 0)
+        Put('-');
+    PutNumber(n < 0 ? 0 - static_cast<unsigned int>(n) : static_cast<unsigned int>(n), 10);
 }
 
 }  // namespace
@@ -205,15 +292,15 @@ void CCUString::FormatV(const char *pszFormat, va_list args)
     if (estimate.ReadsOwn() || PointsInto(pszFormat)) {
         // Writing would change what is still to be read.
         CCUString text;
-        text.PrintV(estimate.MaxLen(), pszFormat, args);
+        text.PrintV(estimate.MaxLen(), estimate.IsPlain(), pszFormat, args);
         *this = text;
         return;
     }
-    PrintV(estimate.MaxLen(), pszFormat, args);
+    PrintV(estimate.MaxLen(), estimate.IsPlain(), pszFormat, args);
 }
 
 // Writes the text into a buffer of nMaxLen characters.
-void CCUString::PrintV(int nMaxLen, const char *pszFormat, va_list argListSave)
+void CCUString::PrintV(int nMaxLen, bool bPlain, const char *pszFormat, va_list argListSave)
 {
     GetBuffer(nMaxLen);
     // The block of all empty strings is not for writing.
@@ -221,8 +308,12 @@ void CCUString::PrintV(int nMaxLen, const char *pszFormat, va_list argListSave)
     char *pch = GetData() == CUDataNil ? &chNone : m_pchData;
     const int nLast = GetAllocLength();
     pch[nLast] = '\0';
-    // Not the language's vsnprintf: it brings a formatter of its own along.
-    const int nWritten = _vsnprintf(pch, static_cast<size_t>(nLast) + 1, pszFormat, argListSave);
+    // The system's, not the language's vsnprintf, which brings a formatter of its own along.
+    const int nWritten =
+        bPlain ? CPlainWriter(pch, nLast).Write(pszFormat, argListSave)
+               : _vsnprintf(pch, static_cast<size_t>(nLast) + 1, pszFormat, argListSave);
+    if (bPlain)
+        pch[nWritten < nLast ? nWritten : nLast] = '\0';
     // Cut output gives a negative result as an error in it does, but fills the buffer.
     const bool bFits = nWritten < 0 ? pch[nLast] == '\0' : nWritten <= nLast;
     pch[nLast] = '\0';

@@ -41,6 +41,61 @@ private:
     unsigned int m_bits[8];
 };
 
+unsigned int Word(const char *p)
+{
+    unsigned int nWord;
+    memcpy(&nWord, p, sizeof nWord);
+    return nWord;
+}
+
+// Whether one of the four bytes is 0.
+bool HasNul(unsigned int nWord)
+{
+    return ((nWord - 0x01010101U) & ~nWord & 0x80808080U) != 0;
+}
+
+// memchr and strcmp by words: those of the C libraries that go byte by byte take three times as
+// long.
+const char *FindByte(const char *p, const char *pEnd, char ch)
+{
+    const unsigned int nPattern = static_cast<unsigned char>(ch) * 0x01010101U;
+    while (pEnd - p >= 4 && !HasNul(Word(p) ^ nPattern))
+        p += 4;
+    while (p != pEnd && *p != ch)
+        ++p;
+    return p != pEnd ? p : nullptr;
+}
+
+bool AreSame(const char *p1, const char *p2, int nLength)
+{
+    for (; nLength >= 8; nLength -= 8, p1 += 8, p2 += 8) {
+        if (((Word(p1) ^ Word(p2)) | (Word(p1 + 4) ^ Word(p2 + 4))) != 0)
+            return false;
+    }
+    for (; nLength > 0; --nLength) {
+        if (*p1++ != *p2++)
+            return false;
+    }
+    return true;
+}
+
+int CompareBytes(const char *p1, const char *p2)
+{
+    // A word at an address that its size divides lies in one page: where its first byte may be
+    // read, the rest may, beyond the text's end too.
+    if (((reinterpret_cast<size_t>(p1) | reinterpret_cast<size_t>(p2)) & 3) == 0) {
+        for (; Word(p1) == Word(p2); p1 += 4, p2 += 4) {
+            if (HasNul(Word(p1)))
+                return 0;
+        }
+    }
+    for (; *p1 == *p2; ++p1, ++p2) {
+        if (*p1 == '\0')
+            return 0;
+    }
+    return static_cast<unsigned char>(*p1) - static_cast<unsigned char>(*p2);
+}
+
 bool IsSpace(char ch)
 {
     return isspace(static_cast<unsigned char>(ch)) != 0;
@@ -50,7 +105,15 @@ bool IsSpace(char ch)
 
 int CCUString::Compare(const char *psz) const
 {
-    return strcmp(m_pchData, OrEmpty(psz));
+    return CompareBytes(m_pchData, OrEmpty(psz));
+}
+
+// What two strings mostly are asked for is whether they are equal.
+int CCUString::Compare(const CCUString &string) const
+{
+    if (GetLength() == string.GetLength() && AreSame(m_pchData, string, GetLength()))
+        return 0;
+    return CompareBytes(m_pchData, string);
 }
 
 int CCUString::CompareNoCase(const char *psz) const
@@ -111,8 +174,8 @@ CCUString CCUString::SpanExcluding(const char *set) const
 
 int CCUString::Find(char ch) const
 {
-    const void *p = memchr(m_pchData, ch, static_cast<size_t>(GetLength()));
-    return p ? static_cast<int>(static_cast<const char *>(p) - m_pchData) : -1;
+    const char *p = FindByte(m_pchData, m_pchData + GetLength(), ch);
+    return p ? static_cast<int>(p - m_pchData) : -1;
 }
 
 int CCUString::Find(const char *pszSub) const
@@ -124,12 +187,8 @@ int CCUString::Find(const char *pszSub) const
         return 0;
     if (nSub > static_cast<size_t>(GetLength()))
         return -1;
-    // Led by memchr: the C library's strstr takes three times as long.
-    const char *pLast = m_pchData + GetLength() - nSub;
-    for (const char *p = m_pchData; p <= pLast; ++p) {
-        p = static_cast<const char *>(memchr(p, *pszSub, static_cast<size_t>(pLast - p) + 1));
-        if (!p)
-            return -1;
+    const char *pEnd = m_pchData + GetLength() - nSub + 1;
+    for (const char *p = m_pchData; (p = FindByte(p, pEnd, *pszSub)) != nullptr; ++p) {
         if (memcmp(p, pszSub, nSub) == 0)
             return static_cast<int>(p - m_pchData);
     }

@@ -42,7 +42,14 @@ class CU_API CCUString
 public:
     CCUString() { Init(); }
     // Shares the source's block; a locked source is copied.
-    CCUString(const CCUString &stringSrc);
+    CCUString(const CCUString &stringSrc) : m_pchData(stringSrc.m_pchData)
+    {
+        // The common case in place: one instruction on a block that is shared.
+        if (GetData()->nRefs > 0 && GetData() != CUDataNil)
+            InterlockedIncrement(&GetData()->nRefs);
+        else
+            CopyOf(stringSrc);
+    }
     CCUString(const char *psz);
     CCUString(const unsigned char *psz);
     // Exactly nLength characters, NULs among them too.
@@ -53,7 +60,11 @@ public:
     // characters for each of the source's.
     CCUString(const unsigned short *pszWide);
     CCUString(const wchar_t *pszWide);
-    ~CCUString() { Release(); }
+    ~CCUString()
+    {
+        if (GetData() != CUDataNil)
+            Release();
+    }
 
     // Shares the source's block; copies into this string's own block when either is locked.
     CCUString &operator=(const CCUString &stringSrc);
@@ -82,6 +93,7 @@ public:
     // Negative, 0 or positive: by bytes, by bytes without regard to case (the C library's locale),
     // and in the order of the C library's locale.
     int Compare(const char *psz) const;
+    int Compare(const CCUString &string) const;
     int CompareNoCase(const char *psz) const;
     int Collate(const char *psz) const;
 
@@ -174,12 +186,13 @@ private:
     friend CU_API CCUString operator+(const CCUString &string, char ch);
     friend CU_API CCUString operator+(char ch, const CCUString &string);
 
+    void CopyOf(const CCUString &stringSrc);
     bool IsLocked() const { return GetData()->nRefs < 0 && GetData() != CUDataNil; }
     bool PointsInto(const void *p) const;
     void ReleaseOld(CCUStringData *pOldData);
     void SetLength(int nLength);
     void ConvertFromWide(const unsigned short *pszWide, int nCapacity);
-    void PrintV(int nMaxLen, const char *pszFormat, va_list argListSave);
+    void PrintV(int nMaxLen, bool bPlain, const char *pszFormat, va_list argListSave);
 };
 
 CU_API CCUString operator+(const CCUString &string1, const CCUString &string2);
