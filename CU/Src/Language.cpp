@@ -25,11 +25,10 @@ const CLanguageOffset s_offsets[] = {
 
 void CUSetCurrentLanguage(CCUString language)
 {
-    CCUString &sCurrent = CurrentLanguage();
-    sCurrent = language;
-    if (sCurrent.IsEmpty())
-        sCurrent = "english";
-    sCurrent.MakeLower();
+    if (language.IsEmpty())
+        language = "english";
+    language.MakeLower();
+    CurrentLanguage() = language;
 }
 
 CCUString CUGetCurrentLanguage()

@@ -26,16 +26,6 @@ bool IsNil(const CCUStringData *pData)
     return pData == &g_nilBlock.data;
 }
 
-size_t BlockSize(int nAllocLength)
-{
-    return sizeof(CCUStringData) + static_cast<size_t>(nAllocLength) + 1;
-}
-
-void FreeBlock(CCUStringData *pData)
-{
-    operator delete(pData, BlockSize(pData->nAllocLength));
-}
-
 }  // namespace
 
 CCUStringData *const CUDataNil = &g_nilBlock.data;
@@ -56,7 +46,8 @@ void CCUString::AllocBuffer(int nLen)
         Init();
         return;
     }
-    CCUStringData *pData = static_cast<CCUStringData *>(operator new(BlockSize(nLen)));
+    void *block = operator new(sizeof(CCUStringData) + static_cast<size_t>(nLen) + 1);
+    CCUStringData *pData = static_cast<CCUStringData *>(block);
     pData->nRefs = 1;
     pData->nDataLength = nLen;
     pData->nAllocLength = nLen;
@@ -73,7 +64,7 @@ void CCUString::Release()
     const LONG nRefs = InterlockedDecrement(&GetData()->nRefs);
     if (nRefs <= 0) {
         CU_ASSERT_TEXT(nRefs + 1 != 0, "GetData()->nRefs != 0");
-        FreeBlock(GetData());
+        operator delete(GetData());
     }
     Init();
 }
@@ -85,7 +76,7 @@ void CCUString::Release(CCUStringData *pData)
     const LONG nRefs = InterlockedDecrement(&pData->nRefs);
     if (nRefs <= 0) {
         CU_ASSERT_TEXT(nRefs + 1 != 0, "pData->nRefs != 0");
-        FreeBlock(pData);
+        operator delete(pData);
     }
 }
 
@@ -181,6 +172,7 @@ CCUString::CCUString(char ch, int nRepeat)
     memset(m_pchData, ch, static_cast<size_t>(GetLength()));
 }
 
+// NOLINTNEXTLINE(bugprone-unhandled-self-assignment): told by the characters, as a copy is.
 CCUString &CCUString::operator=(const CCUString &stringSrc)
 {
     if (m_pchData == stringSrc.m_pchData)

@@ -117,20 +117,21 @@ TEST(Format, NeverLeavesItsBlockWhateverTheFormat)
                                   "g", "G", "E", "n", "a", "text", "\xE9", "\n", "7", "12", "345 "};
     std::vector<char> expected(1 << 20);
     for (int i = 0; i < FuzzInputs(); ++i) {
-        char szFormat[64] = "";
+        std::string format;
         for (unsigned int n = random() % 10; n > 0; --n)
-            strcat(szFormat, tokens[random() % (sizeof tokens / sizeof *tokens)]);
+            format += tokens[random() % (sizeof tokens / sizeof *tokens)];
+        const char *pszFormat = format.c_str();
         DWORD args[32];
         for (DWORD &arg : args) {
             arg = nBase + random() % 64 * 16;
             memcpy(reinterpret_cast<void *>(arg), "s\0h\0o\0r\0t\0\0\0longer", 12);
         }
         CFormatted text;
-        text.FormatV(szFormat, reinterpret_cast<va_list>(args));
-        ASSERT_LE(text.GetLength(), text.GetAllocLength()) << szFormat;
-        const int n =
-            _vsnprintf(expected.data(), expected.size(), szFormat, reinterpret_cast<va_list>(args));
+        text.FormatV(pszFormat, reinterpret_cast<va_list>(args));
+        ASSERT_LE(text.GetLength(), text.GetAllocLength()) << pszFormat;
+        const int n = _vsnprintf(expected.data(), expected.size(), pszFormat,
+                                 reinterpret_cast<va_list>(args));
         const size_t nLength = static_cast<size_t>(text.GetLength());
-        ASSERT_TRUE(n < 0 || strncmp(text, expected.data(), nLength) == 0) << szFormat;
+        ASSERT_TRUE(n < 0 || strncmp(text, expected.data(), nLength) == 0) << pszFormat;
     }
 }

@@ -62,8 +62,8 @@ int Sign(int n)
 TEST(String, EmptyStringsAreTheNilBlockAndNeverAllocate)
 {
     const CHeapWatch heap;
-    const CCUString string, copy(string), abc("abc");
-    ExpectNil(copy);
+    const CCUString string, abc("abc");
+    ExpectNil(CCUString(string));
     ExpectNil(static_cast<const char *>(nullptr));
     ExpectNil("");
     ExpectNil(static_cast<const unsigned char *>(nullptr));
@@ -71,7 +71,7 @@ TEST(String, EmptyStringsAreTheNilBlockAndNeverAllocate)
     ExpectNil(L"");
     ExpectNil(CCUString("abc", 0));
     ExpectNil(CCUString('x', -7));
-    ExpectNil(copy + "" + string);
+    ExpectNil(string + "" + string);
     ExpectNil(abc.Mid(9, 2));
     ExpectNil(abc.Left(-1));
     ExpectNil(string.Encode64());
@@ -255,12 +255,11 @@ TEST(String, OperatorsFollowCompare)
 
 TEST(String, ChangesCaseAsTheSystemDoesAndSpaceAsTheLibraryDoes)
 {
-    char all[256], upper[256], lower[256];
+    char all[256] = "", upper[256] = "", lower[256] = "";
     for (int i = 0; i < 255; ++i)
-        all[i] = static_cast<char>(i + 1);
-    all[255] = '\0';
-    CharUpperA(strcpy(upper, all));
-    CharLowerA(strcpy(lower, all));
+        all[i] = upper[i] = lower[i] = static_cast<char>(i + 1);
+    CharUpperA(upper);
+    CharLowerA(lower);
     CCUString s(all), t(all);
     s.MakeUpper();
     t.MakeLower();
@@ -367,7 +366,7 @@ TEST(String, ReportsBadIndexesAndCountsAndGoesOn)
     {
         // Takes the count to 1 and, destroyed, back to 0.
         CProbe::DataOf(s)->nRefs = 0;
-        const CCUString copy(s);
+        const CCUString copy(s);  // NOLINT(performance-unnecessary-copy-initialization)
         EXPECT_EQ(reports.Count("stringSrc.GetData()->nRefs != 0"), 1);
         CProbe::DataOf(s)->nRefs = 2;
     }
