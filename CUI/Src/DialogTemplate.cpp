@@ -2,6 +2,8 @@
 
 #include <stdlib.h>
 
+#include "GdiGuards.h"
+
 namespace {
 
 // Takes a template apart word by word. Once the end is reached every further value is 0 or null
@@ -211,23 +213,19 @@ bool MeasureFont(HDC hDC, SIZE &size)
     return true;
 }
 
-// The pixels that 4 horizontal and 8 vertical dialog units take.
+// The pixels that 4 horizontal and 8 vertical dialog units take; null: in the system font.
 SIZE GetBaseUnits(const CTemplateFont *pFont)
 {
     SIZE size = {LOWORD(GetDialogBaseUnits()), HIWORD(GetDialogBaseUnits())};
-    HDC hDC = pFont ? GetDC(nullptr) : nullptr;
-    if (!hDC)
+    if (!pFont)
         return size;
-    const LOGFONTA logFont = GetLogFont(*pFont, GetDeviceCaps(hDC, LOGPIXELSY));
-    if (HFONT hFont = CreateFontIndirectA(&logFont)) {
-        HGDIOBJ hOld = SelectObject(hDC, hFont);
-        SIZE measured;
-        if (MeasureFont(hDC, measured))
-            size = measured;
-        SelectObject(hDC, hOld);
-        DeleteObject(hFont);
-    }
-    ReleaseDC(nullptr, hDC);
+    const CCUIWindowDC screenDC(nullptr);
+    const LOGFONTA logFont = GetLogFont(*pFont, GetDeviceCaps(screenDC, LOGPIXELSY));
+    const CCUIOwned<HFONT> font(CreateFontIndirectA(&logFont));
+    const CCUISelect select(screenDC, font);
+    SIZE measured;
+    if (select && MeasureFont(screenDC, measured))
+        size = measured;
     return size;
 }
 
@@ -281,9 +279,7 @@ int CCUIDialogTemplate::GetFont(CCUString &sFace, unsigned short &nPoints) const
         nPoints = font.nPoints;
         return 1;
     }
-    HDC hDC = GetDC(nullptr);
-    const int nPixelsPerInch = GetDeviceCaps(hDC, LOGPIXELSY);
-    ReleaseDC(nullptr, hDC);
+    const int nPixelsPerInch = GetDeviceCaps(CCUIWindowDC(nullptr), LOGPIXELSY);
     const LOGFONTA logFont = GetLogFont(font, nPixelsPerInch);
     sFace = logFont.lfFaceName;
     nPoints = static_cast<unsigned short>(MulDiv(abs(logFont.lfHeight), 72, nPixelsPerInch));
