@@ -1,0 +1,108 @@
+#pragma once
+
+#include "CU/String.h"
+#include "CUI/Platform.h"
+#include "CUI/Window.h"
+
+// What a control window tells its parent; wParam is the control window where nothing else is said.
+enum : UINT
+{
+    CUI_WM_LAYOUT = WM_USER + 51,      // lParam: one of the codes below
+    CUI_WM_CHILDFOCUS = WM_USER + 57,  // the window got the focus; lParam 0
+    CUI_WM_TABKEY = WM_USER + 58       // Tab was pressed; lParam 0; nonzero: consumed
+};
+enum : LPARAM
+{
+    CUI_LAYOUT_ALL = 3,  // wParam 0
+    CUI_LAYOUT_SHOWN = 4,
+    CUI_LAYOUT_HIDDEN = 5,
+    CUI_LAYOUT_CHANGED = 6  // size or flags
+};
+
+// A colour that is none: the window has no colour of its own.
+const COLORREF CUI_NO_WINDOW_COLOR = 0x3FFFFFF;
+
+// The name of the property that leads from a control window to its PropData, and of the window
+// class that a control window has when its creator names none.
+extern CUI_API const CCUString g_sControlWindowProp;
+
+// Hears of a window's transitions.
+class CUI_API CCUIWindowEventCallback
+{
+public:
+    // "InFullScreen" and "OutOfFullScreen", before the window is shown at its new place.
+    virtual void OnWindowEvent(CCUString sEvent) = 0;
+
+protected:
+    ~CCUIWindowEventCallback() = default;
+};
+
+// A window that lives as a child of a layout window, keeps what the layout needs to know of it and
+// tells the parent when that changes. It can take the whole screen and give it back.
+//
+// It keeps its colour for those who paint it; the class itself paints nothing.
+class CUI_API CCUIControlWindow : public CCUIWindow
+{
+public:
+    // From OnCreate to OnDestroy the window property g_sControlWindowProp is the address of this.
+    struct PropData
+    {
+        int nFixedSize;  // pixels along the layout's direction
+        COLORREF crWindow;
+        unsigned long nLayoutFlags;  // for the parent to read
+        int bColorChanging;          // size and flags change without the parent being told
+        int bFullScreen;
+    };
+
+    CCUIControlWindow();
+    ~CCUIControlWindow() override;
+
+    int PreCreate(CREATESTRUCTA *pCreate) override;
+
+    // Tab goes to the parent, whose answer counts; Escape leaves full screen.
+    int PreTranslateMessage(MSG *pMsg) override;
+
+    // Not owned; null: none.
+    void SetWindowEventCallback(CCUIWindowEventCallback *pCallback);
+
+    // A change of the bits 0xFFFF0F00, or of others while one of them is set, makes the parent lay
+    // out everything and repaint at once; any other change is a CUI_LAYOUT_CHANGED.
+    virtual void SetLayoutFlags(unsigned long nFlags);
+    virtual void SetFixedSize(int nSize);
+    virtual void SetColorChanging(int bChanging);
+    // Repaints the window and what is around it in the parent; ends colour changing.
+    virtual void SetWindowColor(unsigned long crWindow);
+    // Takes the screen, or goes back to the former parent, place, order and focus. Does nothing
+    // without a window. Asked for during a transition, the other one follows it.
+    virtual void SetFullScreen(int bFull);
+
+    virtual int GetFixedSize();
+    virtual unsigned long GetWindowColor();
+    virtual unsigned long GetLayoutFlags();
+    virtual int GetColorChanging();
+    virtual int GetFullScreen();
+
+protected:
+    int OnCreate(CREATESTRUCTA *pCreate) override;
+    void OnDestroy() override;
+    void OnShowWindow(int bShow, int nStatus) override;
+    void OnSetFocus(HWND hOld) override;
+    void OnCancelMode() override;
+
+    PropData m_propData;
+
+private:
+    HWND GetLayoutParent() const;
+    bool EnterFullScreen(HWND hWnd);
+    bool LeaveFullScreen(HWND hWnd);
+    bool TellCallback(const char *pszEvent);
+
+    // Where the window was before it took the screen.
+    RECT m_rcSaved;  // in the parent's client coordinates
+    HWND m_hSavedParent;
+    HWND m_hSavedPredecessor;
+    HWND m_hSavedFocus;
+    CCUIWindowEventCallback *m_pEventCallback;
+    int m_bSwitching;       // a transition is under way
+    HWND m_hPropertyOwner;  // the window whose property leads here
+};

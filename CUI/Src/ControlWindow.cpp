@@ -1,0 +1,297 @@
+#include "CUI/ControlWindow.h"
+
+#include "CU/Assert.h"
+#include "CUI/Data.h"
+#include "CUI/WindowClass.h"
+
+#define CU_SOURCE "ControlWindow"
+
+const CCUString g_sControlWindowProp("pzl-ControlWindow");
+
+namespace {
+
+const int DEFAULT_FIXED_SIZE = 20;
+const unsigned long DEFAULT_LAYOUT_FLAGS = 4;
+// The layout flags that concern the parent's other children too.
+const unsigned long WHOLE_LAYOUT_FLAGS = 0xFFFF0F00;
+
+const LONG KIND_OF_WINDOW = static_cast<LONG>(WS_POPUP | WS_CHILD);
+
+void SetKindOfWindow(HWND hWnd, DWORD nKind)
+{
+    const LONG nStyle = GetWindowLongA(hWnd, GWL_STYLE);
+    SetWindowLongA(hWnd, GWL_STYLE, (nStyle & ~KIND_OF_WINDOW) | static_cast<LONG>(nKind));
+}
+
+void RegisterControlClass()
+{
+    WNDCLASSA windowClass = {};
+    windowClass.style = CS_DBLCLKS;
+    windowClass.lpfnWndProc = DefWindowProcA;
+    windowClass.hCursor = CUIGetWinData()->hcurArrow;
+    windowClass.hbrBackground = reinterpret_cast<HBRUSH>(COLOR_BTNFACE + 1);
+    windowClass.lpszClassName = g_sControlWindowProp;
+    CUIRegisterWindowClass(&windowClass);
+}
+
+}  // namespace
+
+CCUIControlWindow::CCUIControlWindow()
+    : m_propData{DEFAULT_FIXED_SIZE, CUI_NO_WINDOW_COLOR, DEFAULT_LAYOUT_FLAGS, 0, 0},
+      m_rcSaved(),
+      m_hSavedParent(nullptr),
+      m_hSavedPredecessor(nullptr),
+      m_hSavedFocus(nullptr),
+      m_pEventCallback(nullptr),
+      m_bSwitching(0),
+      m_hPropertyOwner(nullptr)
+{
+}
+
+// The window may go on without the object: after Detach, and in the base's destructor, where
+// OnDestroy is no longer the one above.
+CCUIControlWindow::~CCUIControlWindow()
+{
+    if (GetPropA(m_hPropertyOwner, g_sControlWindowProp) == &m_propData)
+        SetPropA(m_hPropertyOwner, g_sControlWindowProp, nullptr);
+}
+
+int CCUIControlWindow::PreCreate(CREATESTRUCTA *pCreate)
+{
+    if (!pCreate->lpszClass) {
+        RegisterControlClass();
+        pCreate->lpszClass = g_sControlWindowProp;
+    }
+    return CCUIWindow::PreCreate(pCreate);
+}
+
+int CCUIControlWindow::OnCreate(CREATESTRUCTA *pCreate)
+{
+    CWatch watch(this);
+    const int nResult = CCUIWindow::OnCreate(pCreate);
+    if (nResult == -1 || watch.IsGone())
+        return nResult;
+    m_hPropertyOwner = m_hWnd;
+    CU_ASSERT_TEXT(SetPropA(m_hWnd, g_sControlWindowProp, &m_propData),
+                   "SetProp(*this, g_sControlWindowProp, (HANDLE)&m_propData)");
+    return nResult;
+}
+
+void CCUIControlWindow::OnDestroy()
+{
+    CU_ASSERT_TEXT(SetPropA(m_hWnd, g_sControlWindowProp, nullptr),
+                   "SetProp(*this, g_sControlWindowProp, (HANDLE)0)");
+    // The object's next window starts as a child.
+    m_propData.bFullScreen = 0;
+    CCUIWindow::OnDestroy();
+}
+
+void CCUIControlWindow::SetWindowEventCallback(CCUIWindowEventCallback *pCallback)
+{
+    m_pEventCallback = pCallback;
+}
+
+// The parent to be told of a change, or null.
+HWND CCUIControlWindow::GetLayoutParent() const
+{
+    return Exist() ? GetParent(m_hWnd) : nullptr;
+}
+
+void CCUIControlWindow::SetLayoutFlags(unsigned long nFlags)
+{
+    const unsigned long nOld = m_propData.nLayoutFlags;
+    if (nFlags == nOld)
+        return;
+    m_propData.nLayoutFlags = nFlags;
+    HWND hParent = GetLayoutParent();
+    if (!hParent || m_propData.bColorChanging)
+        return;
+    if ((nOld | nFlags) & WHOLE_LAYOUT_FLAGS) {
+        SendMessageA(hParent, CUI_WM_LAYOUT, 0, CUI_LAYOUT_ALL);
+        UpdateWindow(hParent);
+    } else {
+        SendMessageA(hParent, CUI_WM_LAYOUT, reinterpret_cast<WPARAM>(m_hWnd), CUI_LAYOUT_CHANGED);
+    }
+}
+
+void CCUIControlWindow::SetFixedSize(int nSize)
+{
+    if (nSize == m_propData.nFixedSize)
+        return;
+    m_propData.nFixedSize = nSize;
+    HWND hParent = GetLayoutParent();
+    if (hParent && !m_propData.bColorChanging)
+        SendMessageA(hParent, CUI_WM_LAYOUT, reinterpret_cast<WPARAM>(m_hWnd), CUI_LAYOUT_CHANGED);
+}
+
+void CCUIControlWindow::SetColorChanging(int bChanging)
+{
+    m_propData.bColorChanging = bChanging;
+}
+
+void CCUIControlWindow::SetWindowColor(unsigned long crWindow)
+{
+    if (crWindow == m_propData.crWindow)
+        return;
+    m_propData.bColorChanging = 0;
+    m_propData.crWindow = crWindow;
+    if (!Exist())
+        return;
+    HWND hWnd = m_hWnd;
+    if (HWND hParent = GetParent(hWnd)) {
+        RECT rect;
+        GetWindowRect(hWnd, &rect);
+        MapWindowPoints(nullptr, hParent, reinterpret_cast<POINT *>(&rect), 2);
+        InflateRect(&rect, 2, 2);
+        InvalidateRect(hParent, &rect, TRUE);
+        UpdateWindow(hParent);
+    }
+    InvalidateRect(hWnd, nullptr, TRUE);
+    UpdateWindow(hWnd);
+}
+
+void CCUIControlWindow::SetFullScreen(int bFull)
+{
+    bFull = bFull ? 1 : 0;
+    if (bFull == m_propData.bFullScreen || !Exist())
+        return;
+    m_propData.bFullScreen = bFull;
+    // Half a transition leaves no placement to go back to: the one under way is finished first.
+    if (m_bSwitching)
+        return;
+    CWatch watch(this);
+    m_bSwitching = 1;
+    int bReached = !bFull;
+    while (bReached != m_propData.bFullScreen && Exist()) {
+        bReached = m_propData.bFullScreen;
+        HWND hWnd = m_hWnd;
+        ShowWindow(hWnd, SW_HIDE);
+        if (watch.IsGone())
+            return;
+        if (bReached ? !EnterFullScreen(hWnd) : !LeaveFullScreen(hWnd))
+            return;
+    }
+    m_bSwitching = 0;
+}
+
+// Both transitions answer false when the object did not survive them.
+bool CCUIControlWindow::EnterFullScreen(HWND hWnd)
+{
+    CWatch watch(this);
+    const int cxScreen = GetSystemMetrics(SM_CXSCREEN);
+    const int cyScreen = GetSystemMetrics(SM_CYSCREEN);
+    HWND hFocus = SetFocus(hWnd);
+    if (watch.IsGone())
+        return false;
+    m_hSavedFocus = hFocus;
+    GetWindowRect(hWnd, &m_rcSaved);
+    MapWindowPoints(nullptr, GetParent(hWnd), reinterpret_cast<POINT *>(&m_rcSaved), 2);
+    m_hSavedPredecessor = GetWindow(hWnd, GW_HWNDPREV);
+    HWND hParent = SetParent(hWnd, GetDesktopWindow());
+    if (watch.IsGone())
+        return false;
+    m_hSavedParent = hParent;
+    SetWindowLongA(hWnd, GWL_EXSTYLE, GetWindowLongA(hWnd, GWL_EXSTYLE) | WS_EX_TOOLWINDOW);
+    SetKindOfWindow(hWnd, WS_POPUP);
+    if (watch.IsGone() || !TellCallback("InFullScreen"))
+        return false;
+    SetWindowPos(hWnd, HWND_TOPMOST, 0, 0, cxScreen, cyScreen, SWP_SHOWWINDOW);
+    SetForegroundWindow(hWnd);
+    return !watch.IsGone();
+}
+
+bool CCUIControlWindow::LeaveFullScreen(HWND hWnd)
+{
+    CWatch watch(this);
+    SetWindowLongA(hWnd, GWL_EXSTYLE,
+                   GetWindowLongA(hWnd, GWL_EXSTYLE) & ~(WS_EX_TOOLWINDOW | WS_EX_TOPMOST));
+    SetKindOfWindow(hWnd, WS_CHILD);
+    if (watch.IsGone())
+        return false;
+    HWND hParent = m_hSavedParent;
+    SetParent(hWnd, hParent);
+    if (watch.IsGone() || !TellCallback("OutOfFullScreen"))
+        return false;
+    // A window that was the uppermost, or whose predecessor has gone, becomes the uppermost. Only
+    // this call takes WS_EX_TOPMOST off; behind a predecessor the system does it by itself.
+    HWND hFocus = m_hSavedFocus;
+    HWND hAfter = GetParent(m_hSavedPredecessor) == hParent ? m_hSavedPredecessor : HWND_NOTOPMOST;
+    SetWindowPos(hWnd, hAfter, m_rcSaved.left, m_rcSaved.top, m_rcSaved.right - m_rcSaved.left,
+                 m_rcSaved.bottom - m_rcSaved.top, SWP_SHOWWINDOW);
+    SetFocus(hFocus);
+    return !watch.IsGone();
+}
+
+bool CCUIControlWindow::TellCallback(const char *pszEvent)
+{
+    CWatch watch(this);
+    if (m_pEventCallback)
+        m_pEventCallback->OnWindowEvent(pszEvent);
+    return !watch.IsGone();
+}
+
+int CCUIControlWindow::GetFixedSize()
+{
+    return m_propData.nFixedSize;
+}
+
+unsigned long CCUIControlWindow::GetWindowColor()
+{
+    return m_propData.crWindow;
+}
+
+unsigned long CCUIControlWindow::GetLayoutFlags()
+{
+    return m_propData.nLayoutFlags;
+}
+
+int CCUIControlWindow::GetColorChanging()
+{
+    return m_propData.bColorChanging;
+}
+
+int CCUIControlWindow::GetFullScreen()
+{
+    return m_propData.bFullScreen;
+}
+
+void CCUIControlWindow::OnShowWindow(int bShow, int nStatus)
+{
+    HWND hWnd = m_hWnd;
+    CCUIWindow::OnShowWindow(bShow, nStatus);
+    if (HWND hParent = GetParent(hWnd)) {
+        PostMessageA(hParent, CUI_WM_LAYOUT, reinterpret_cast<WPARAM>(hWnd),
+                     bShow ? CUI_LAYOUT_SHOWN : CUI_LAYOUT_HIDDEN);
+    }
+}
+
+void CCUIControlWindow::OnSetFocus(HWND hOld)
+{
+    CWatch watch(this);
+    SendMessageA(GetParent(m_hWnd), CUI_WM_CHILDFOCUS, reinterpret_cast<WPARAM>(m_hWnd), 0);
+    if (!watch.IsGone())
+        CCUIWindow::OnSetFocus(hOld);
+}
+
+int CCUIControlWindow::PreTranslateMessage(MSG *pMsg)
+{
+    if (pMsg->message == WM_KEYDOWN && pMsg->wParam == VK_TAB) {
+        return SendMessageA(GetParent(m_hWnd), CUI_WM_TABKEY, reinterpret_cast<WPARAM>(m_hWnd), 0);
+    }
+    if (pMsg->message == WM_KEYDOWN && pMsg->wParam == VK_ESCAPE && m_propData.bFullScreen) {
+        CWatch watch(this);
+        SetFullScreen(FALSE);
+        if (watch.IsGone())
+            return 1;
+    }
+    return CCUIWindow::PreTranslateMessage(pMsg);
+}
+
+void CCUIControlWindow::OnCancelMode()
+{
+    CWatch watch(this);
+    if (m_propData.bFullScreen)
+        SetFullScreen(FALSE);
+    if (!watch.IsGone())
+        CCUIWindow::OnCancelMode();
+}
