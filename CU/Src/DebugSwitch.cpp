@@ -99,7 +99,8 @@ long CCUDebugSwitch::Get()
 {
     if (!m_bKnown) {
         CCULockGuard guard(s_lock);
-        if (!m_bKnown) {
+        // A static of another source may ask before this one is constructed.
+        if (!m_bKnown && m_name) {
             m_nValue = ReadEnvironment(m_path, m_name);
             m_bKnown = TRUE;
         }

@@ -180,7 +180,12 @@ void CCUTimerTask::SetAlarm(CCUTimer *pTimer, long nMilliseconds)
     const unsigned long uNow = CUGetTime();
     if (pTimer->m_uAlarm != 0)
         KillAlarm(pTimer);
-    const unsigned long uAlarm = Stamp(uNow + static_cast<unsigned long>(nMilliseconds));
+    unsigned long uAlarm = uNow + static_cast<unsigned long>(nMilliseconds);
+    // Armed from within TimeOut, it is for a later pass: one that keeps arming itself with 0 would
+    // otherwise be served until the clock ticks.
+    if (m_pPassStart && Difference(uAlarm, *m_pPassStart) <= 0)
+        uAlarm = *m_pPassStart + 1;
+    uAlarm = Stamp(uAlarm);
     pTimer->m_uAlarm = uAlarm;
 
     CCUTimer **link = &m_pFirst;
@@ -349,6 +354,9 @@ void CCUTimerTask::ServeTimers()
     const unsigned long uStart = CUGetTime();
     const long nCountLimit = Threshold(s_countThreshold, 200);
     const long nTimeLimit = Threshold(s_timeThreshold, 1000);
+    // A modal loop in a TimeOut runs passes within this one.
+    const unsigned long *const pOuterStart = m_pPassStart;
+    m_pPassStart = &uStart;
     long nServed = 0;
     long nElapsed = 0;
     while (m_pFirst && Difference(m_pFirst->m_uAlarm, uStart) <= 0 && nElapsed < s_nPassTime) {
@@ -372,6 +380,7 @@ void CCUTimerTask::ServeTimers()
             return;  // it has ended this task, and with it this object
         nElapsed = Difference(uAfter, uStart);
     }
+    m_pPassStart = pOuterStart;
     ResetTimer();
 }
 

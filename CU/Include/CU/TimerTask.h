@@ -59,5 +59,6 @@ private:
     BOOL m_bMockTimerSet = FALSE;    // a "TimerTaskMock" is on its way
     unsigned int m_uTimerID = 0;     // the pending multimedia timer
     HWND m_hWnd = nullptr;
+    const unsigned long *m_pPassStart = nullptr;  // of the pass that is running
     CCUTimerTask *m_pNextTask = nullptr;
 };

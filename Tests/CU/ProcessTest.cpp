@@ -1,0 +1,275 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <atomic>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "CU/CU.h"
+#include "CU/IDGenerator.h"
+#include "CU/ThreadExit.h"
+#include "Support/ChildProcess.h"
+#include "Support/FakeClock.h"
+#include "Support/TemporaryDirectory.h"
+#include "Support/TestTimer.h"
+
+namespace {
+
+DWORD WINAPI CallFunction(void *p)
+{
+    (*static_cast<std::function<void()> *>(p))();
+    return 0;
+}
+
+// Runs the function on so many threads at once, and waits for their end.
+void OnThreads(int nThreads, std::function<void()> function)
+{
+    std::vector<HANDLE> handles;
+    for (int i = 0; i < nThreads; ++i)
+        handles.push_back(CreateThread(nullptr, 0, CallFunction, &function, 0, nullptr));
+    for (HANDLE hThread : handles) {
+        WaitForSingleObject(hThread, INFINITE);
+        CloseHandle(hThread);
+    }
+}
+
+TEST(Process, ClockStartsAtItsFirstCallAndFollowsTheMultimediaClock)
+{
+    CFakeClock clock;
+    clock.Jump(0UL - timeGetTime());  // as the system's own clock wraps, even
+    EXPECT_EQ(0u, CUGetTime());
+    clock.Jump(1000);
+    EXPECT_NEAR(1000.0, static_cast<double>(CUGetTime()), 1.0);
+    const unsigned long uBefore = CUGetTime();
+    clock.Jump(0xFFFFFFFF);
+    EXPECT_EQ(uBefore - 1, CUGetTime());
+}
+
+TEST(Process, KnowsItsOwnMessages)
+{
+    const UINT uForeign = RegisterWindowMessageA("ProcessTestForeign");
+    EXPECT_FALSE(CUIsYourMessage(uForeign));
+    for (int i = 0; i < 100; ++i) {
+        const std::string name = "ProcessTest" + std::to_string(i);
+        const UINT uMessage = CURegisterMessageId(name.c_str());
+        EXPECT_EQ(RegisterWindowMessageA(name.c_str()), uMessage);
+        EXPECT_TRUE(CUIsYourMessage(uMessage));
+    }
+    EXPECT_FALSE(CUIsYourMessage(uForeign));
+    EXPECT_EQ(0u, CURegisterMessageId(nullptr));
+    EXPECT_EQ(0u, CURegisterMessageId(""));
+    for (const UINT uMessage : {0u, 0xBFFFu, 0x10000u, 0xFFFFFFFFu, 0x1C000u})
+        EXPECT_FALSE(CUIsYourMessage(uMessage));
+}
+
+std::string g_messages;
+
+void NoteMessage(unsigned int uMessage, WPARAM wParam, LPARAM lParam)
+{
+    g_messages += std::to_string(uMessage) + ":" + std::to_string(wParam) + ":" +
+                  std::to_string(lParam) + " ";
+}
+
+TEST(Process, MessageWindowHandsPostedWorkToItsThread)
+{
+    const UINT uOwn = CURegisterMessageId("ProcessTestWork");
+    HWND hGone = nullptr;
+    OnThreads(1, [&] {
+        hGone = CUGetWindow();
+        EXPECT_TRUE(IsWindow(hGone));
+    });
+    const HWND hWnd = CUGetWindow();  // the other one ended with its thread
+    EXPECT_NE(nullptr, hWnd);
+    EXPECT_FALSE(IsWindowVisible(hWnd));
+    EXPECT_EQ(GetCurrentThreadId(), GetWindowThreadProcessId(hWnd, nullptr));
+    for (const UINT uMessage : {static_cast<UINT>(WM_USER), WM_USER + 2u, uOwn})
+        EXPECT_TRUE(CUSetMessageHandler(uMessage, NoteMessage));
+    for (const UINT uMessage : {static_cast<UINT>(WM_CLOSE), WM_USER + 3u, uOwn + 1})
+        EXPECT_FALSE(CUSetMessageHandler(uMessage, NoteMessage));
+    OnThreads(1, [&] {
+        PostMessageA(CUGetWindow(), uOwn, 5, -6);
+        PostMessageA(CUGetWindow(), WM_USER + 2, 1, 2);
+    });
+    EXPECT_EQ("", g_messages);
+    CUSetMessageHandler(WM_USER + 2, nullptr);
+    CFakeClock::Pump();
+    EXPECT_EQ(std::to_string(uOwn) + ":5:-6 ", g_messages);
+    DestroyWindow(hWnd);
+    EXPECT_TRUE(IsWindow(CUGetWindow()));
+    DestroyWindow(CUGetWindow());
+    CUShutdown();
+    EXPECT_EQ(nullptr, CUGetWindow());
+}
+
+TEST(Process, NumbersAndTheMutexHoldOnManyThreads)
+{
+    const unsigned int uFirst = CCUIIDGenerator::GetNextID();
+    EXPECT_GE(uFirst, 10000u);
+    std::vector<unsigned int> numbers;
+    OnThreads(8, [&] {
+        for (int i = 0; i < 500; ++i) {
+            const unsigned int uID = CCUIIDGenerator::GetNextID();
+            const CCUMutexGuard outer;
+            const CCUMutexGuard inner;
+            numbers.push_back(uID);
+        }
+    });
+    std::sort(numbers.begin(), numbers.end());
+    for (size_t i = 0; i < numbers.size(); ++i)
+        ASSERT_EQ(uFirst + 1 + i, numbers[i]);
+    EXPECT_EQ(4000u, numbers.size());
+}
+
+class CNotingHandler : public CCUThreadExitHandler
+{
+public:
+    CNotingHandler(std::string *pLog, char name) : m_pLog(pLog), m_name(name) {}
+    void OnThreadExit(bool bKillTimer) override
+    {
+        EXPECT_TRUE(bKillTimer);
+        *m_pLog += m_name;
+        if (m_name == 'c')  // even one that comes late is called
+            CURegisterThreadExitHandler(new CNotingHandler(m_pLog, 'd'));
+        delete this;
+    }
+
+private:
+    std::string *m_pLog;
+    char m_name;
+};
+
+TEST(Process, ThreadsHaveSlotsAndExitHandlersOfTheirOwn)
+{
+    const int nSlot = CUAllocateThreadLocalStorageIndex();
+    ASSERT_GE(nSlot, 0);
+    EXPECT_NE(nSlot, CUAllocateThreadLocalStorageIndex());
+    int value = 0;
+    EXPECT_TRUE(CUSetThreadLocalStorage(nSlot, &value));
+    std::atomic<int> nRight(0);
+    OnThreads(8, [&] {
+        std::string log;
+        const bool bEmpty = CUGetThreadLocalStorage(nSlot) == nullptr;
+        CUSetThreadLocalStorage(nSlot, &log);
+        Sleep(0);
+        nRight += bEmpty && CUGetThreadLocalStorage(nSlot) == &log;
+    });
+    EXPECT_EQ(8, nRight);
+    EXPECT_EQ(&value, CUGetThreadLocalStorage(nSlot));
+    EXPECT_EQ(nullptr, CUGetThreadLocalStorage(-1));
+    EXPECT_FALSE(CUSetThreadLocalStorage(-1, &value));
+
+    std::string log;
+    OnThreads(1, [&] {
+        CNotingHandler *handlers[3];
+        for (int i = 0; i < 3; ++i) {
+            handlers[i] = new CNotingHandler(&log, static_cast<char>('a' + i));
+            EXPECT_TRUE(CURegisterThreadExitHandler(handlers[i]));
+        }
+        EXPECT_TRUE(CUUnregisterThreadExitHandler(handlers[1]));
+        EXPECT_FALSE(CUUnregisterThreadExitHandler(handlers[1]));
+        EXPECT_TRUE(CURegisterThreadExitHandler(handlers[0]));  // once is enough
+        delete handlers[1];
+        delete new CNotingHandler(&log, 'x');
+        {
+            CNotingHandler local(&log, 'y');
+            CURegisterThreadExitHandler(&local);
+        }
+        EXPECT_FALSE(CURegisterThreadExitHandler(nullptr));
+        EXPECT_EQ("", log);
+    });
+    EXPECT_EQ("acd", log);
+}
+
+std::string g_info;
+
+TEST(Process, InfoHandlersRunByNameOrAll)
+{
+    EXPECT_FALSE(CURegisterProcessInfoHandler(nullptr, [] {}));
+    EXPECT_FALSE(CURegisterProcessInfoHandler("none", nullptr));
+    EXPECT_TRUE(CURegisterProcessInfoHandler("a", [] { g_info += "A"; }));
+    EXPECT_TRUE(CURegisterProcessInfoHandler("b", [] {
+        g_info += "b";
+        CUUnregisterProcessInfoHandler("b");
+        CURegisterProcessInfoHandler("c", [] { g_info += "c"; });
+    }));
+    EXPECT_TRUE(CURegisterProcessInfoHandler("a", [] { g_info += "a"; }));
+    EXPECT_EQ(3, CURunProcessInfoHandlers());
+    EXPECT_EQ(1, CURunProcessInfoHandlers("c"));
+    EXPECT_EQ(0, CURunProcessInfoHandlers("b"));
+    CUUnregisterProcessInfoHandler(nullptr);
+    EXPECT_EQ("abcc", g_info);
+}
+
+// Leaves with alarms armed, due and being served on many threads; notes what runs at the end.
+std::string *g_pOrder = new std::string;
+const CCUInitializer g_initializer([] { *g_pOrder += "start "; }, [] { *g_pOrder += "end "; });
+struct CLastStatic
+{
+    ~CLastStatic()
+    {
+        char szPath[MAX_PATH];
+        GetTempPathA(MAX_PATH, szPath);
+        FILE *file = *g_pOrder == "" ? nullptr : fopen(strcat(szPath, "order.txt"), "w");
+        if (file) {
+            fputs(g_pOrder->c_str(), file);
+            fclose(file);
+        }
+    }
+} g_lastStatic;
+
+DWORD WINAPI ServeBusyTimer(void *pBusy)
+{
+    CTestTimer busy([&] {
+        busy.SetAlarm(0);
+        if (busy.m_nCalls == 3)
+            ++*static_cast<std::atomic<int> *>(pBusy);
+    });
+    busy.SetAlarm(0);
+    MSG msg;
+    while (busy.m_nCalls < 400 && GetMessageA(&msg, nullptr, 0, 0) > 0)
+        DispatchMessageA(&msg);
+    return 0;
+}
+
+void Leave(void (*leave)())
+{
+    CUInitialize();
+    CUInitialize();
+    CURegisterTerminationHandler([] { *g_pOrder += "handler "; });
+    CUGetWindow();
+    static CTestTimer s_static;
+    s_static.SetAlarm(5);
+    static std::atomic<int> s_nBusy(0);
+    for (int i = 0; i < 6; ++i)
+        CloseHandle(CreateThread(nullptr, 0, ServeBusyTimer, &s_nBusy, 0, nullptr));
+    while (s_nBusy < 6)
+        Sleep(1);
+    CTestTimer last(leave);
+    last.SetAlarm(0);
+    for (;;)
+        CFakeClock::Pump();
+}
+
+CHILD_PROCESS(Exit)
+{
+    Leave([] { exit(5); });
+}
+CHILD_PROCESS(ExitProcess)
+{
+    Leave([] { ExitProcess(6); });
+}
+
+TEST(Process, EndsInTheMiddleOfEverything)
+{
+    const CTemporaryDirectory directory;
+    for (int i = 0; i < 3; ++i) {
+        EXPECT_EQ(6u, CChildProcess("ExitProcess").ExitCode());
+        EXPECT_EQ(i ? "start handler end " : "", directory.Contents("order.txt"));
+        EXPECT_EQ(5u, CChildProcess("Exit").ExitCode());
+    }
+    EXPECT_EQ("start handler end ", directory.Contents("order.txt"));
+    EXPECT_EQ("", directory.Contents("ZELTrace-*"));
+}
+
+}  // namespace
