@@ -3,22 +3,13 @@
 #include "CU/Dump.h"
 #include "CUI/Data.h"
 
+#include "Coordinates.h"
 #include "GdiGuards.h"
 
 namespace {
 
 const DWORD ROP_DSPDXAX = 0x00E20746;  // the brush where the source is 1, else the destination
 const DWORD ROP_PSDPXAX = 0x00B8074A;  // the brush where the source is 0, else the destination
-
-int Width(const RECT &rect)
-{
-    return rect.right - rect.left;
-}
-
-int Height(const RECT &rect)
-{
-    return rect.bottom - rect.top;
-}
 
 RGBQUAD Quad(DWORD cr)
 {
@@ -118,25 +109,25 @@ private:
 };
 
 CStateDrawing::CStateDrawing(HDC hDC, const CUIBmpStateRects &rects)
-    : m_hDC(hDC), m_rects(rects), m_cx(Width(rects.rcArea)), m_cy(Height(rects.rcArea))
+    : m_hDC(hDC), m_rects(rects), m_cx(CUIWidth(rects.rcArea)), m_cy(CUIHeight(rects.rcArea))
 {
     // The 1 is subtracted across only: what cannot be centred leans to the left, never upwards.
-    m_x = (Width(rects.rcCenter) - Width(rects.rcSource) - 1) / 2 +
-          (rects.rcCenter.left - rects.rcArea.left);
-    m_y = (Height(rects.rcCenter) - Height(rects.rcSource)) / 2 +
-          (rects.rcCenter.top - rects.rcArea.top);
+    const int cxFree = CUIDifference(CUIWidth(rects.rcCenter), CUIWidth(rects.rcSource));
+    const int cyFree = CUIDifference(CUIHeight(rects.rcCenter), CUIHeight(rects.rcSource));
+    m_x = CUISum(CUISum(cxFree, -1) / 2, CUIDifference(rects.rcCenter.left, rects.rcArea.left));
+    m_y = CUISum(cyFree / 2, CUIDifference(rects.rcCenter.top, rects.rcArea.top));
 }
 
 void CStateDrawing::BlitImage(HDC hDC, int x, int y, DWORD dwRop) const
 {
     const RECT &source = m_rects.rcSource;
-    BitBlt(hDC, x, y, Width(source), Height(source), s_cache.BitmapDC(), source.left, source.top,
-           dwRop);
+    BitBlt(hDC, x, y, CUIWidth(source), CUIHeight(source), s_cache.BitmapDC(), source.left,
+           source.top, dwRop);
 }
 
 void CStateDrawing::DrawImage() const
 {
-    BlitImage(m_hDC, m_rects.rcArea.left + m_x, m_rects.rcArea.top + m_y, SRCCOPY);
+    BlitImage(m_hDC, CUISum(m_rects.rcArea.left, m_x), CUISum(m_rects.rcArea.top, m_y), SRCCOPY);
 }
 
 // 1 where nothing is to be seen: outside the image and at its background colours. Shifting takes
@@ -150,7 +141,7 @@ void CStateDrawing::MakeMask(DWORD crFace, DWORD crHilite, bool bShift) const
     SetBkColor(s_cache.BitmapDC(), crHilite);
     BlitImage(hMaskDC, m_x, m_y, SRCPAINT);
     if (bShift)
-        BitBlt(hMaskDC, 1, 1, m_cx - 1, m_cy - 1, hMaskDC, 0, 0, SRCAND);
+        BitBlt(hMaskDC, 1, 1, CUISum(m_cx, -1), CUISum(m_cy, -1), hMaskDC, 0, 0, SRCAND);
 }
 
 void CStateDrawing::UseMonoColors() const
@@ -163,8 +154,8 @@ void CStateDrawing::FillWhereImage(DWORD cr, int nOffset) const
 {
     const CCUIOwned<HBRUSH> fill(CreateSolidBrush(cr));
     const CCUISelect brush(m_hDC, fill);
-    BitBlt(m_hDC, m_rects.rcArea.left + nOffset, m_rects.rcArea.top + nOffset, m_cx - 2, m_cy - 2,
-           s_cache.MaskDC(), 0, 0, ROP_PSDPXAX);
+    BitBlt(m_hDC, CUISum(m_rects.rcArea.left, nOffset), CUISum(m_rects.rcArea.top, nOffset),
+           CUISum(m_cx, -2), CUISum(m_cy, -2), s_cache.MaskDC(), 0, 0, ROP_PSDPXAX);
 }
 
 void CStateDrawing::DrawEmbossed(DWORD crFace, DWORD crHilite, DWORD crShadow) const
@@ -194,7 +185,7 @@ void CUIBmpDrawState(HDC hDC, RECT *prc, HBITMAP hBmp, DWORD dwFlags, DWORD crFa
     s_cache.Prepare(crFace, crHilite);
     const CCUISelect image(s_cache.BitmapDC(), hBmp);
     const CCUIOwned<HBITMAP> maskBitmap(
-        CreateBitmap(Width(rects.rcArea), Height(rects.rcArea), 1, 1, nullptr));
+        CreateBitmap(CUIWidth(rects.rcArea), CUIHeight(rects.rcArea), 1, 1, nullptr));
     const CCUISelect mask(s_cache.MaskDC(), maskBitmap);
     if (!image || !maskBitmap || !mask) {
         CUDump("CUIBmpDraw error drawing bitmap.\n");

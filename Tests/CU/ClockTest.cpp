@@ -8,32 +8,32 @@
 
 namespace {
 
-LONGLONG s_nSystem;   // 100 ns since 1601
-LONGLONG s_nCounter;  // a million in a second
+const double s_notANumber = std::numeric_limits<double>::quiet_NaN();
+FILETIME s_now;
+LARGE_INTEGER s_counter;
 SYSTEMTIME s_set;
 BOOL s_bSettable;
 DWORD s_dwAdjustment;
-DWORD s_dwMessage;
+DWORD s_dwBroadcast;
 
-void WINAPI FakeSystemTime(FILETIME *time)
+FILETIME ToFileTime(double seconds)
 {
-    time->dwLowDateTime = static_cast<DWORD>(s_nSystem);
-    time->dwHighDateTime = static_cast<DWORD>(s_nSystem >> 32);
+    const long long nTicks = 116444736000000000 + static_cast<long long>(seconds * 1e7);
+    return {static_cast<DWORD>(nTicks), static_cast<DWORD>(nTicks >> 32)};
+}
+
+void WINAPI FakeNow(FILETIME *time)
+{
+    *time = s_now;
 }
 
 BOOL WINAPI FakeCounter(LARGE_INTEGER *counter)
 {
-    counter->QuadPart = s_nCounter;
+    *counter = s_counter;
     return TRUE;
 }
 
-BOOL WINAPI FakeFrequency(LARGE_INTEGER *frequency)
-{
-    frequency->QuadPart = 1000000;
-    return TRUE;
-}
-
-BOOL WINAPI FakeSetSystemTime(const SYSTEMTIME *time)
+BOOL WINAPI FakeSetTime(const SYSTEMTIME *time)
 {
     s_set = *time;
     return s_bSettable;
@@ -41,15 +41,8 @@ BOOL WINAPI FakeSetSystemTime(const SYSTEMTIME *time)
 
 BOOL WINAPI FakeSendNotify(HWND hWnd, UINT message, WPARAM wParam, LPARAM lParam)
 {
-    s_dwMessage = hWnd == HWND_BROADCAST && !wParam && !lParam ? message : 0;
+    s_dwBroadcast = hWnd == HWND_BROADCAST && !wParam && !lParam ? message : 0;
     return TRUE;
-}
-
-BOOL WINAPI FakeGetAdjustment(DWORD *adjustment, DWORD *increment, BOOL *)
-{
-    *adjustment = 99000;
-    *increment = 100000;
-    return s_bSettable;
 }
 
 BOOL WINAPI FakeSetAdjustment(DWORD dwAdjustment, BOOL bDisabled)
@@ -58,93 +51,64 @@ BOOL WINAPI FakeSetAdjustment(DWORD dwAdjustment, BOOL bDisabled)
     return FALSE;
 }
 
+// The reading call is missing, as on Windows 95.
 FARPROC WINAPI FakeGetProcAddress(HMODULE, LPCSTR name)
 {
-    return strcmp(name, "SetSystemTimeAdjustment") == 0
-               ? reinterpret_cast<FARPROC>(FakeSetAdjustment)
-               : reinterpret_cast<FARPROC>(FakeGetAdjustment);
-}
-
-BOOL WINAPI AdjustNothing(HANDLE, BOOL, TOKEN_PRIVILEGES *privileges, DWORD, TOKEN_PRIVILEGES *,
-                          DWORD *)
-{
-    return privileges->PrivilegeCount == 1 &&
-           privileges->Privileges[0].Attributes == SE_PRIVILEGE_ENABLED;
+    const bool bSet = strcmp(name, "SetSystemTimeAdjustment") == 0;
+    return bSet ? reinterpret_cast<FARPROC>(FakeSetAdjustment) : nullptr;
 }
 
 }  // namespace
 
-TEST(Clock, TellsSecondsSince1970)
-{
-    const long long nEpoch = 116444736000000000;
-    const struct
-    {
-        long long nTicks;
-        double seconds;
-    } cases[] = {{nEpoch, 0}, {nEpoch + 15, 1.5e-6}, {0, -11644473600.0}, {-1, -11644473600.0}};
-    for (const auto &item : cases) {
-        const FILETIME time = {static_cast<DWORD>(item.nTicks),
-                               static_cast<DWORD>(item.nTicks >> 32)};
-        EXPECT_NEAR(item.seconds, CUFileTimeToSeconds(time), 1e-6) << item.nTicks;
-    }
-    FILETIME before;
-    GetSystemTimeAsFileTime(&before);
-    const double elapsed = CUGetSystemTimeSeconds() - CUFileTimeToSeconds(before);
-    EXPECT_TRUE(elapsed >= 0 && elapsed < 60) << elapsed;
-}
-
 TEST(Clock, DoubleTimeFillsInBetweenTicks)
 {
-    const CImportHook system("GetSystemTimeAsFileTime", FakeSystemTime);
+    EXPECT_EQ(1.5, CUFileTimeToSeconds(ToFileTime(1.5)));
+    EXPECT_EQ(-11644473600.0, CUFileTimeToSeconds(FILETIME()));
+    const CImportHook now("GetSystemTimeAsFileTime", FakeNow);
     const CImportHook counter("QueryPerformanceCounter", FakeCounter);
-    const CImportHook frequency("QueryPerformanceFrequency", FakeFrequency);
-    const CImportHook adjustment("GetProcAddress", FakeGetProcAddress);
-    s_bSettable = TRUE;
-    const auto at = [](double seconds, LONGLONG nCounter) {
-        s_nSystem = 116444736000000000 + static_cast<LONGLONG>(seconds * 1e7);
-        s_nCounter = nCounter;
-        return CUDoubleTime();
-    };
-    // A tick is 10 ms here. Time goes on with the counter while the clock stands still...
-    EXPECT_DOUBLE_EQ(1000.000, at(1000, 5000000));
-    EXPECT_NEAR(1000.004, at(1000, 5004000), 1e-6);
-    // ...never past the end of the tick, never behind the clock...
-    EXPECT_NEAR(1000.010, at(1000, 5030000), 1e-6);
-    EXPECT_NEAR(1000.010, at(1000.010, 5030000), 1e-6);
-    EXPECT_NEAR(1000.013, at(1000.010, 5033000), 1e-6);
-    EXPECT_NEAR(1000.020, at(1000.020, 5034000), 1e-6);
-    // ...and follows when the clock is set, either way.
-    EXPECT_NEAR(2000.000, at(2000, 5035000), 1e-6);
-    EXPECT_NEAR(1500.010, at(1500, 5036000), 1e-6);
+    const CImportHook functions("GetProcAddress", FakeGetProcAddress);
+    // A tick is 55 ms. Time goes on with the counter while the clock stands still, never past the
+    // end of the tick or behind the clock, and follows when the clock is set.
+    const double steps[][3] = {{1000, 5, 1000},
+                               {1000, 5.004, 1000.004},
+                               {1000, 5.07, 1000.055},
+                               {1000.055, 5.07, 1000.055},
+                               {1000.055, 5.08, 1000.065},
+                               {1000.11, 5.081, 1000.11},
+                               {2000, 5.082, 2000},
+                               {1500, 5.083, 1500.055}};
+    LARGE_INTEGER frequency;
+    QueryPerformanceFrequency(&frequency);
+    for (const auto &step : steps) {
+        s_now = ToFileTime(step[0]);
+        s_counter.QuadPart =
+            static_cast<LONGLONG>(step[1] * static_cast<double>(frequency.QuadPart));
+        EXPECT_NEAR(step[0], CUGetSystemTimeSeconds(), 1e-6);
+        EXPECT_NEAR(step[2], CUDoubleTime(), 1e-5);
+    }
 }
 
 TEST(Clock, AdjustmentNeedsThePrivilegeAndTheClockOnlyTries)
 {
-    const CImportHook functions("GetProcAddress", FakeGetProcAddress);
-    const CImportHook setTime("SetSystemTime", FakeSetSystemTime);
-    const CImportHook notify("SendNotifyMessageA", FakeSendNotify);
     double increment = -1;
     double adjustment = -1;
-    s_bSettable = FALSE;
-    EXPECT_FALSE(CUGetSystemTimeAdjustment(increment, adjustment));
-    EXPECT_EQ(-2, increment + adjustment);
-    s_bSettable = TRUE;
+    DWORD expectedAdjustment = 0;
+    DWORD expectedIncrement = 0;
+    BOOL bDisabled = FALSE;
+    ASSERT_TRUE(GetSystemTimeAdjustment(&expectedAdjustment, &expectedIncrement, &bDisabled));
     EXPECT_TRUE(CUGetSystemTimeAdjustment(increment, adjustment));
-    EXPECT_TRUE(increment == 100000 && adjustment == 99000);
-
-    const CImportHook adjust("AdjustTokenPrivileges", AdjustNothing);
-    const struct
-    {
-        double adjustment;
-        DWORD dwExpected;
-    } cases[] = {{99000.9, 99000},
-                 {-5, 0},
-                 {1e20, 0xFFFFFFFF},
-                 {std::numeric_limits<double>::quiet_NaN(), 0}};
-    for (const auto &item : cases) {
-        s_dwAdjustment = 1;
-        EXPECT_TRUE(CUSetSystemTimeAdjustment(item.adjustment));
-        EXPECT_EQ(item.dwExpected, s_dwAdjustment);
+    EXPECT_TRUE(increment == expectedIncrement && adjustment == expectedAdjustment);
+    const CImportHook functions("GetProcAddress", FakeGetProcAddress);
+    const CImportHook setTime("SetSystemTime", FakeSetTime);
+    const CImportHook notify("SendNotifyMessageA", FakeSendNotify);
+    EXPECT_FALSE(CUGetSystemTimeAdjustment(increment, adjustment));
+    EXPECT_TRUE(increment == expectedIncrement && adjustment == expectedAdjustment);
+    s_bSettable = TRUE;
+    const double adjustments[][2] = {
+        {99000.9, 99000}, {-5, 0}, {1e20, 4294967295.0}, {s_notANumber, 0}};
+    for (const auto &item : adjustments) {
+        EXPECT_TRUE(CUSetSystemTimeAdjustment(item[0]));
+        EXPECT_EQ(item[1], s_dwAdjustment);
     }
 
     // Each call for the privilege failing in turn, and then none.
@@ -152,26 +116,26 @@ TEST(Clock, AdjustmentNeedsThePrivilegeAndTheClockOnlyTries)
     CFailingCall<BOOL(LPCSTR, LPCSTR, PLUID)> lookUp("LookupPrivilegeValueA");
     CFailingCall<BOOL(HANDLE, BOOL, PTOKEN_PRIVILEGES, DWORD, PTOKEN_PRIVILEGES, PDWORD)> enable(
         "AdjustTokenPrivileges");
-    int nSucceeded = 0;
+    int nAdjusted = 0;
     int nSet = 0;
     CFailPlan::RunAll([&] {
         s_dwAdjustment = 1;
         const bool bDone = CUSetSystemTimeAdjustment(7);
         EXPECT_EQ(bDone ? 7u : 1u, s_dwAdjustment);
-        nSucceeded += bDone;
+        nAdjusted += bDone;
     });
-    EXPECT_EQ(1, nSucceeded);
     CFailPlan::RunAll([&] { nSet += CUSetSystemTime(994264215.75); });
+    EXPECT_EQ(1, nAdjusted);
     EXPECT_EQ(4, nSet);
     const SYSTEMTIME expected = {2001, 7, 3, 4, 16, 30, 15, 750};
     EXPECT_EQ(0, memcmp(&expected, &s_set, sizeof expected));
-    EXPECT_EQ(static_cast<DWORD>(WM_TIMECHANGE), s_dwMessage);
+    EXPECT_EQ(static_cast<DWORD>(WM_TIMECHANGE), s_dwBroadcast);
     EXPECT_TRUE(CUSetSystemTime(0) && s_set.wYear == 1970 && s_set.wDay == 1 && s_set.wHour == 0);
     s_bSettable = FALSE;
-    s_dwMessage = 0;
-    for (const double never : {1e300, -1e300, -2e10, std::numeric_limits<double>::quiet_NaN()})
+    s_dwBroadcast = 0;
+    for (const double never : {1e300, -1e300, -2e10, s_notANumber})
         EXPECT_FALSE(CUSetSystemTime(never)) << never;
-    EXPECT_EQ(0u, s_dwMessage);
+    EXPECT_EQ(0u, s_dwBroadcast);
 }
 
 TEST(Version, IsTheSystemsAnswer)
@@ -180,11 +144,9 @@ TEST(Version, IsTheSystemsAnswer)
     expected.dwOSVersionInfoSize = sizeof expected;
     ASSERT_TRUE(GetVersionExA(&expected));
     const CCUVersionInfo version;
-    EXPECT_EQ(expected.dwPlatformId == VER_PLATFORM_WIN32_NT, version.IsWinNT());
-    EXPECT_EQ(expected.dwPlatformId == VER_PLATFORM_WIN32_WINDOWS, version.IsWin95());
-    EXPECT_FALSE(version.IsWin32());
-    EXPECT_EQ(expected.dwMajorVersion, static_cast<DWORD>(version.GetMajor()));
-    EXPECT_EQ(expected.dwMinorVersion, static_cast<DWORD>(version.GetMinor()));
+    EXPECT_TRUE(version.IsWinNT() && !version.IsWin95() && !version.IsWin32());
+    EXPECT_EQ(MAKELONG(expected.dwMinorVersion, expected.dwMajorVersion),
+              MAKELONG(version.GetMinor(), version.GetMajor()));
     EXPECT_EQ(expected.dwBuildNumber, static_cast<DWORD>(version.GetBuildNumber()));
     EXPECT_STREQ(expected.szCSDVersion, version.GetVerString());
 }

@@ -4,13 +4,13 @@
 
 namespace {
 
-const char *const s_pszRoot = "Software\\CURegistryTest";
+const char *const pszRoot = "Software\\CURegistryTest";
 
 }  // namespace
 
 TEST(Registry, WalksReadsAndWritesKeys)
 {
-    CCURegistry registry(HKEY_CURRENT_USER, s_pszRoot);
+    CCURegistry registry(HKEY_CURRENT_USER, pszRoot);
     EXPECT_FALSE(registry.IsOpen());
     EXPECT_EQ(static_cast<DWORD>(ERROR_FILE_NOT_FOUND), GetLastError());
     CCUString sText("unchanged");
@@ -21,7 +21,7 @@ TEST(Registry, WalksReadsAndWritesKeys)
                  registry.GetKeyName(0, sText));
 
     // Read-write makes what is missing.
-    ASSERT_TRUE(registry.Open(HKEY_CURRENT_USER, s_pszRoot, false));
+    ASSERT_TRUE(registry.Open(HKEY_CURRENT_USER, pszRoot, false));
     ASSERT_TRUE(registry.Descend("\\a\\b\\"));
     EXPECT_STREQ("Software\\CURegistryTest\\a\\b", registry.GetPath());
     EXPECT_FALSE(registry.Descend("") || registry.Descend(nullptr));
@@ -36,20 +36,16 @@ TEST(Registry, WalksReadsAndWritesKeys)
     EXPECT_STREQ("Software\\CURegistryTest\\a", registry.GetPath());
     EXPECT_TRUE(registry.SetInt("n", 1));
 
-    CCURegistry reader(HKEY_CURRENT_USER, s_pszRoot);
+    CCURegistry reader(HKEY_CURRENT_USER, pszRoot);
     EXPECT_TRUE(reader.IsOpen() && reader.IsReadOnly());
     EXPECT_FALSE(reader.Descend("missing"));
     ASSERT_TRUE(reader.Descend("a\\b"));
     EXPECT_TRUE(reader.GetInt("n", nNumber));
     EXPECT_EQ(-5, nNumber);
-    const struct
-    {
-        const char *name;
-        CCUString sExpected;
-    } texts[] = {{"s", "text"}, {"", ""}, {"long", sLong}, {"open", "%TEMP%"}};
-    for (const auto &item : texts) {
-        EXPECT_TRUE(reader.GetString(item.name, sText));
-        EXPECT_TRUE(sText == item.sExpected) << item.name;
+    const char *const texts[][2] = {{"s", "text"}, {"", ""}, {"long", sLong}, {"open", "%TEMP%"}};
+    for (const auto &text : texts) {
+        EXPECT_TRUE(reader.GetString(text[0], sText));
+        EXPECT_TRUE(sText == text[1]) << text[0];
     }
     BYTE read[4] = {9, 9, 9, 9};
     EXPECT_TRUE(reader.GetBinary("b", nullptr, nSize) && nSize == 3);
@@ -79,6 +75,6 @@ TEST(Registry, WalksReadsAndWritesKeys)
     EXPECT_TRUE(registry.Ascend() && registry.Ascend() && registry.Ascend());
     EXPECT_STREQ("", registry.GetPath());
     EXPECT_FALSE(registry.Ascend());
-    EXPECT_TRUE(registry.DeleteKey(s_pszRoot));
-    EXPECT_FALSE(reader.Open(HKEY_CURRENT_USER, s_pszRoot));
+    EXPECT_TRUE(registry.DeleteKey(pszRoot));
+    EXPECT_FALSE(reader.Open(HKEY_CURRENT_USER, pszRoot));
 }

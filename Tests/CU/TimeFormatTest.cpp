@@ -7,7 +7,6 @@
 namespace {
 
 const SYSTEMTIME s_fields = {2001, 7, 0, 4, 16, 30, 15, 0};
-const char *const s_pictures = "Control Panel\\International";
 
 // Two hours east of Greenwich, with summer time all over July.
 TIME_ZONE_INFORMATION Zone()
@@ -49,31 +48,6 @@ BOOL WINAPI FakeVersion(OSVERSIONINFOA *version)
     return TRUE;
 }
 
-// Holds the user's long date picture, and gives it back at the end.
-class CLongDatePicture
-{
-public:
-    CLongDatePicture() : m_registry(HKEY_CURRENT_USER, s_pictures, false)
-    {
-        m_bThere = m_registry.GetString("sLongDate", m_sOld);
-    }
-    ~CLongDatePicture()
-    {
-        if (m_bThere)
-            m_registry.SetString("sLongDate", m_sOld);
-        else
-            m_registry.DeleteValue("sLongDate");
-    }
-    CLongDatePicture(const CLongDatePicture &) = delete;
-    CLongDatePicture &operator=(const CLongDatePicture &) = delete;
-
-    CCURegistry m_registry;
-
-private:
-    CCUString m_sOld;
-    bool m_bThere;
-};
-
 }  // namespace
 
 TEST(TimeFormat, ExpandsTheUsersPicturesAndZoneNames)
@@ -85,23 +59,19 @@ TEST(TimeFormat, ExpandsTheUsersPicturesAndZoneNames)
     const CCUString sShort = Date(0, nullptr);
     memcpy(zone.DaylightName, L"Zone of 32 characters, no NUL...", sizeof zone.DaylightName);
     const CCUString sLongName("Zone of 32 characters, no NUL...");
-    const struct
-    {
-        CCUString sFormat;
-        CCUString sExpected;
-    } cases[] = {{"%x %X", sShort + " " + szTime},
-                 {"%x%x!%X", sShort + sShort + "!" + szTime},
-                 {"%Z %z", sLongName + " " + sLongName},
-                 {"%Y-%m-%d %H:%M:%S %a %j%%", "2001-07-04 16:30:15 Wed 185%"},
-                 {"", ""},
-                 {"plain", "plain"},
-                 {"%", ""},
-                 {CCUString('a', 127), CCUString('a', 127)},
-                 {CCUString('a', 128), ""},
-                 {CCUString('a', 127 - sShort.GetLength()) + "%x",
-                  CCUString('a', 127 - sShort.GetLength()) + sShort}};
+    const CCUString cases[][2] = {{"%x %X", sShort + " " + szTime},
+                                  {"%x%x!%X", sShort + sShort + "!" + szTime},
+                                  {"%Z %z", sLongName + " " + sLongName},
+                                  {"%Y-%m-%d %H:%M:%S %a %j%%", "2001-07-04 16:30:15 Wed 185%"},
+                                  {"", ""},
+                                  {"plain", "plain"},
+                                  {"%", ""},
+                                  {CCUString('a', 127), CCUString('a', 127)},
+                                  {CCUString('a', 128), ""},
+                                  {CCUString('a', 127 - sShort.GetLength()) + "%x",
+                                   CCUString('a', 127 - sShort.GetLength()) + sShort}};
     for (const auto &item : cases)
-        EXPECT_STREQ(item.sExpected, time.FormatTZI(item.sFormat, &zone)) << item.sFormat;
+        EXPECT_STREQ(item[1], time.FormatTZI(item[0], &zone)) << item[0];
     EXPECT_STREQ("", time.FormatTZI(nullptr, &zone));
     EXPECT_STREQ("Winter", (time + CCUTimeSpan(180, 0, 0, 0)).FormatTZI("%Z", &zone));
     EXPECT_STREQ("2001-07-04 13:30:15", time.FormatGmt("%Y-%m-%d %H:%M:%S"));
@@ -126,30 +96,32 @@ TEST(TimeFormat, ReadsTheLongDatePictureAfreshWhenTold)
     EXPECT_TRUE(CCUTime::IsTimeFormatChanged());
     const TIME_ZONE_INFORMATION zone = Zone();
     EXPECT_STREQ(Date(DATE_LONGDATE, nullptr), Independence().FormatTZI("%lx", &zone));
-    CLongDatePicture picture;
-    ASSERT_TRUE(picture.m_registry.SetString("sLongDate", "dddd, MMMM dd, yyyy 'dddd MMMM'"));
+    CCURegistry registry(HKEY_CURRENT_USER, "Control Panel\\International", false);
+    CCUString sOld;
+    const bool bThere = registry.GetString("sLongDate", sOld);
+    EXPECT_TRUE(registry.SetString("sLongDate", "dddd, MMMM dd, yyyy 'dddd MMMM'"));
     EXPECT_STREQ("Wed, Jul 04, 2001 dddd MMMM", AbbreviatedDate());
-    ASSERT_TRUE(picture.m_registry.SetString("sLongDate", "yyyy MMM"));
+    EXPECT_TRUE(registry.SetString("sLongDate", "yyyy MMM"));
     EXPECT_STREQ("Wed, Jul 04, 2001 dddd MMMM", Independence().FormatTZI("%sx", &zone));
     EXPECT_STREQ("2001 Jul", AbbreviatedDate());
     // 80 bytes are read, the NUL among them; a value may come without one.
     const CCUString sLong = "yyyy'" + CCUString('x', 73) + "'";
-    ASSERT_TRUE(picture.m_registry.SetString("sLongDate", sLong));
+    EXPECT_TRUE(registry.SetString("sLongDate", sLong));
     EXPECT_STREQ("2001" + CCUString('x', 73), AbbreviatedDate());
-    ASSERT_TRUE(picture.m_registry.SetBinary("sLongDate", sLong + "  ", 80));
+    EXPECT_TRUE(registry.SetBinary("sLongDate", sLong + "  ", 80));
     EXPECT_STREQ("2001" + CCUString('x', 73) + " ", AbbreviatedDate().Left(78));
-    ASSERT_TRUE(picture.m_registry.SetString("sLongDate", sLong + "d"));
+    EXPECT_TRUE(registry.SetString("sLongDate", sLong + "d"));
     EXPECT_STREQ("Jul 4, 2001", AbbreviatedDate());
-    ASSERT_TRUE(picture.m_registry.DeleteValue("sLongDate"));
+    EXPECT_TRUE(registry.DeleteValue("sLongDate"));
     EXPECT_STREQ("Jul 4, 2001", AbbreviatedDate());
-
     // Windows 95 keeps it in win.ini; of other systems nothing is known.
     const CImportHook hook("GetVersionExA", FakeVersion);
     s_dwPlatform = VER_PLATFORM_WIN32_WINDOWS;
     EXPECT_STREQ("Jul 4, 2001", AbbreviatedDate());
-    ASSERT_TRUE(WriteProfileStringA("Intl", "sLongDate", "MMMM yyyy"));
+    EXPECT_TRUE(WriteProfileStringA("Intl", "sLongDate", "MMMM yyyy"));
     EXPECT_STREQ("Jul 2001", AbbreviatedDate());
     WriteProfileStringA("Intl", "sLongDate", nullptr);
+    EXPECT_TRUE(!bThere || registry.SetString("sLongDate", sOld));
     s_dwPlatform = VER_PLATFORM_WIN32s;
     EXPECT_STREQ("Jul 4, 2001", AbbreviatedDate());
 }

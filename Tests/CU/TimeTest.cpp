@@ -9,7 +9,7 @@
 
 namespace {
 
-const long s_nMaximum = 0x7FFFFFFF;
+const int s_nMaximum = 0x7FFFFFFF;
 
 // Standard time all year, so many minutes west of Greenwich.
 TIME_ZONE_INFORMATION West(LONG nMinutes)
@@ -76,109 +76,77 @@ TEST(Time, NowIsTheSystemsNow)
     EXPECT_EQ(s_nMaximum, CCUTime(file, -1).GetTime());
 }
 
-TEST(Time, FieldsThatNameNoInstant)
+TEST(Time, FieldsAtAndBeyondTheLimits)
 {
-    const struct
-    {
-        int fields[6];
-        LONG nWest;
-        long nExpected;
-    } cases[] = {
-        {{1970, 1, 1, 0, 0, 0}, 0, 0},
-        {{1970, 1, 1, 0, 0, 0}, -60, s_nMaximum},
-        {{1970, 1, 1, 0, 0, 0}, 300, 18000},
-        {{1969, 12, 31, 19, 0, 1}, 300, 1},
-        {{2038, 1, 19, 3, 14, 7}, 0, s_nMaximum},
-        {{2038, 1, 19, 3, 14, 6}, 0, s_nMaximum - 1},
-        {{2038, 1, 19, 12, 14, 6}, -540, s_nMaximum - 1},
-        {{2038, 1, 19, 3, 14, 8}, -1, s_nMaximum - 59},
-        {{2040, 1, 1, 0, 0, 0}, -720, s_nMaximum},
-        {{2107, 1, 1, 0, 0, 0}, 0, s_nMaximum},
-        {{1900, 1, 1, 0, 0, 0}, -720, s_nMaximum},
-        // A date that does not exist leaves the zone's offset.
-        {{2001, 4, 31, 0, 0, 0}, 300, 18000},
-        {{2001, 4, 31, 0, 0, 0}, -300, s_nMaximum},
-        {{2001, 13, 1, 0, 0, 0}, 60, 3600},
-        {{2001, 0, -1, 0, 0, 0}, 60, 3600},
-        {{65536 + 2001, 1, 1, 0, 0, 0}, 60, 3600},
-        {{2001, 1, 1, 65536, 0, 0}, 60, 3600},
-        {{-2147483647 - 1, -2147483647 - 1, 2147483647, 2147483647, -2147483647 - 1, 60}, 60, 3600},
+    const int nLeast = -s_nMaximum - 1;
+    // Fields, minutes west of Greenwich, instant.
+    const int cases[][8] = {
+        {1970, 1, 1, 0, 0, 0, 0, 0},
+        {1970, 1, 1, 0, 0, 0, -60, s_nMaximum},
+        {1969, 12, 31, 19, 0, 1, 300, 1},
+        {2038, 1, 19, 3, 14, 6, 0, s_nMaximum - 1},
+        {2038, 1, 19, 12, 14, 6, -540, s_nMaximum - 1},
+        {2038, 1, 19, 3, 14, 8, -1, s_nMaximum - 59},
+        {2038, 1, 19, 3, 14, 8, 0, s_nMaximum},
+        {2040, 1, 1, 0, 0, 0, -720, s_nMaximum},
+        {2107, 1, 1, 0, 0, 0, 0, s_nMaximum},
+        {1900, 1, 1, 0, 0, 0, -720, s_nMaximum},
+        // A date or time that does not exist leaves the zone's offset.
+        {2001, 4, 31, 0, 0, 0, 300, 18000},
+        {2001, 4, 31, 0, 0, 0, -300, s_nMaximum},
+        {2001, 13, 1, 0, 0, 0, 60, 3600},
+        {65536 + 2001, 1, 1, 0, 0, 0, 60, 3600},
+        {2001, 1, 1, 65536, 0, 0, 60, 3600},
+        {nLeast, nLeast, s_nMaximum, s_nMaximum, nLeast, 60, 60, 3600},
     };
-    for (const auto &item : cases) {
-        const int *f = item.fields;
-        const TIME_ZONE_INFORMATION zone = West(item.nWest);
+    for (const auto &f : cases) {
+        const TIME_ZONE_INFORMATION zone = West(f[6]);
+        CCUString sTrace;
+        if (f[7] == s_nMaximum)
+            sTrace.Format(
+                "CCUTime invalid data: Y(%d), M(%d), D(%d), H(%d), M(%d), S(%d) - using "
+                "the maximum time instead\n",
+                f[0], f[1], f[2], f[3], f[4], f[5]);
         CDumped dumped;
-        EXPECT_EQ(item.nExpected, CCUTime(f[0], f[1], f[2], f[3], f[4], f[5], -1, &zone).GetTime())
-            << f[0] << '-' << f[1] << '-' << f[2] << ' ' << f[3] << ':' << f[4] << ':' << f[5];
-        // Second 7 marks the one case in which the maximum is meant.
-        char szTrace[256] = "";
-        if (item.nExpected == s_nMaximum && f[5] != 7)
-            sprintf(szTrace,
-                    "CCUTime invalid data: Y(%d), M(%d), D(%d), H(%d), M(%d), S(%d) - using the "
-                    "maximum time instead\n",
-                    f[0], f[1], f[2], f[3], f[4], f[5]);
-        EXPECT_EQ(szTrace, dumped.m_text);
+        EXPECT_EQ(f[7], CCUTime(f[0], f[1], f[2], f[3], f[4], f[5], -1, &zone).GetTime())
+            << &f - cases;
+        EXPECT_STREQ(sTrace, dumped.m_text.c_str());
     }
-    const struct
-    {
-        int nYear, nMonth, nDays;
-    } months[] = {{2001, 0, -1}, {2001, 1, 31},  {2001, 2, 28},  {2100, 2, 29}, {1972, 2, 29},
-                  {2001, 4, 30}, {2001, 11, 30}, {2001, 12, 31}, {2001, 13, -1}};
+    const int months[][3] = {{2001, 0, -1}, {2001, 1, 31},  {2001, 2, 28},  {2100, 2, 29},
+                             {2001, 4, 30}, {2001, 11, 30}, {2001, 12, 31}, {2001, 13, -1}};
     for (const auto &month : months)
-        EXPECT_EQ(month.nDays, CUGetDaysInMonth(month.nYear, month.nMonth)) << month.nMonth;
+        EXPECT_EQ(month[2], CUGetDaysInMonth(month[0], month[1])) << month[1];
 }
 
 TEST(Time, ParsesTimesAndDates)
 {
     const CImportHook hook("GetTimeZoneInformation", ZoneWithSummer);
-    const struct
-    {
-        const char *text;
-        const char *expected;  // null: fails
-    } times[] = {{"12:00:00 AM", "07/04 00:00:00"},
-                 {"12:00:00 PM", "07/04 12:00:00"},
-                 {"01:02:03pp", "07/04 13:02:03"},
-                 {"01:02:03xA and more, beyond the forty characters", "07/04 01:02:03"},
-                 {"9:5:7", "07/04 09:05:07"},
-                 {"23:59:59", "07/04 23:59:59"},
-                 {"13:00:00 PM", nullptr},
-                 {"00:00:00 AM", nullptr},
-                 {"24:00:00", nullptr},
-                 {"1:60:0", nullptr},
-                 {"1:0:60", nullptr},
-                 {"-1:0:0", nullptr},
-                 {"01:02:03 xM", nullptr},
-                 {"1:2", nullptr},
-                 {"", nullptr},
-                 {"99999999999:0:0", nullptr}};
-    const struct
-    {
-        const char *text;
-        const char *expected;
-    } dates[] = {{"2/28/2001", "02/28 12:30:15"},
-                 {"12/31/1970 x", "12/31 12:30:15"},
-                 {"2/29/2001", nullptr},
-                 {"12/31/1969", nullptr},
-                 {"13/1/2001", nullptr},
-                 {"0/1/2001", nullptr},
-                 {"1/0/2001", nullptr},
-                 {"4/31/2001", nullptr},
-                 {"1/2", nullptr},
-                 {"", nullptr}};
     const CCUTime noon(2001, 7, 4, 12, 30, 15);
-    const auto check = [&](const char *text, const char *expected, bool bDate) {
+    const auto parsed = [&](const char *text, bool bDate) {
         CCUTime time(noon);
-        EXPECT_EQ(expected ? 1 : 0, bDate ? time.ParseDate(text) : time.ParseTime(text)) << text;
-        EXPECT_STREQ(expected ? expected : "07/04 12:30:15", time.Format("%m/%d %H:%M:%S"));
+        if (!(bDate ? time.ParseDate(text) : time.ParseTime(text)))
+            return CCUString(time == noon ? "no" : "changed");
+        return time.Format("%m/%d/%Y %H:%M:%S");
     };
-    for (const auto &item : times)
-        check(item.text, item.expected, false);
-    for (const auto &item : dates)
-        check(item.text, item.expected, true);
-    // Passes the parser, where every fourth year is a leap year, and names no instant.
-    CCUTime time(noon);
-    EXPECT_EQ(1, time.ParseDate("2/29/2100"));
-    EXPECT_TRUE(time != noon);
+    const char *const texts[][2] = {
+        {"12:00:00 AM", "07/04/2001 00:00:00"},
+        {"12:00:00 PM", "07/04/2001 12:00:00"},
+        {"01:02:03pp", "07/04/2001 13:02:03"},
+        {"01:02:03xA and on over forty characters", "07/04/2001 01:02:03"},
+        {"9:5:7", "07/04/2001 09:05:07"},
+        {"23:59:59", "07/04/2001 23:59:59"},
+        {"2/28/2001", "02/28/2001 12:30:15"},
+        {"12/31/1970 x", "12/31/1970 12:30:15"}};
+    for (const auto &text : texts)
+        EXPECT_STREQ(text[1], parsed(text[0], strchr(text[0], '/') != nullptr)) << text[0];
+    for (const char *text : {"13:00:00 PM", "00:00:00 AM", "24:00:00", "1:60:0", "1:0:60", "-1:0:0",
+                             "01:02:03 xM", "1:2", "", "99999999999:0:0"})
+        EXPECT_STREQ("no", parsed(text, false)) << text;
+    for (const char *text :
+         {"2/29/2001", "12/31/1969", "13/1/2001", "0/1/2001", "1/0/2001", "4/31/2001", "1/2", ""})
+        EXPECT_STREQ("no", parsed(text, true)) << text;
+    // Every fourth year is a leap year to the parser; the date names no instant all the same.
+    EXPECT_TRUE(parsed("2/29/2100", true) != "no");
 }
 
 TEST(TimeSpan, SplitsFormatsAndParses)

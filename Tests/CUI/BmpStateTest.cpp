@@ -129,6 +129,7 @@ TEST(BmpState, LeaksNothingTracesWhatFailsAndMakesTheBrushForNewColoursOnly)
         drawAll(cr);
     EXPECT_NEAR(nBefore, GdiCount(), 2);
     {
+        CFailPlan::Start(0);
         const CFailingCall<HBRUSH(HBITMAP)> createPattern("CreatePatternBrush");
         for (const COLORREF cr : {0x99, 0x99, 0x77})
             drawAll(cr);
@@ -150,8 +151,7 @@ TEST(BmpState, LeaksNothingTracesWhatFailsAndMakesTheBrushForNewColoursOnly)
     SelectObject(image, hBusy);
     Draw(target, rects, hBusy, 3);
     const CFailingCall<HBITMAP(int, int, UINT, UINT, const void *)> createBitmap("CreateBitmap");
-    CFailPlan::s_nCalls = 0;
-    CFailPlan::s_nFailAt = 1;
+    CFailPlan::Start(1);
     Draw(target, rects, image.Bitmap(), 1);
     const std::string line = "CUIBmpDraw error drawing bitmap.\n";
     EXPECT_EQ(line + line + line, dumped.m_text);

@@ -5,28 +5,11 @@
 #include <mmsystem.h>
 
 #include "Support/AssertReports.h"
+#include "Support/FailingCall.h"
 #include "Support/GdiCount.h"
-#include "Support/ImportHook.h"
 #include "Support/PixelMap.h"
 
 namespace {
-
-// Changes system colours, and puts them back.
-class CSystemColors
-{
-public:
-    ~CSystemColors() { SetSysColors(static_cast<int>(m_indexes.size()), &m_indexes[0], &m_old[0]); }
-    void Set(int nIndex, COLORREF cr)
-    {
-        m_indexes.push_back(nIndex);
-        m_old.push_back(GetSysColor(nIndex));
-        SetSysColors(1, &nIndex, &cr);
-    }
-
-private:
-    std::vector<int> m_indexes;
-    std::vector<COLORREF> m_old;
-};
 
 COLORREF PaintedBy(HBRUSH hBrush)
 {
@@ -34,6 +17,12 @@ COLORREF PaintedBy(HBRUSH hBrush)
     const RECT rect = {0, 0, 2, 2};
     FillRect(surface, &rect, hBrush);
     return surface.Read().At(1, 1);
+}
+COLORREF LogColor(HBRUSH hBrush)
+{
+    LOGBRUSH brush = {};
+    GetObjectA(hBrush, sizeof brush, &brush);
+    return brush.lbColor;
 }
 COLORREF DrawnBy(HPEN hPen)
 {
@@ -43,98 +32,57 @@ COLORREF DrawnBy(HPEN hPen)
     SelectObject(surface, hOld);
     return surface.Read().At(5, 0);
 }
-void ExpectFont(LOGFONTA expected, LONG nWeight, HFONT hFont)
+void ExpectFont(const LOGFONTA &expected, LONG nWeight, HFONT hFont)
 {
     LOGFONTA actual;
-    memset(&actual, 0, sizeof actual);
     ASSERT_NE(0, GetObjectA(hFont, sizeof actual, &actual));
     EXPECT_STREQ(expected.lfFaceName, actual.lfFaceName);
     EXPECT_EQ(expected.lfHeight, actual.lfHeight);
     EXPECT_EQ(nWeight, actual.lfWeight);
 }
 
-HBRUSH WINAPI NoBrush(COLORREF)
+// What is reported when the hooked calls fail from now on.
+void ExpectReports(std::initializer_list<const char *> texts)
 {
-    return nullptr;
-}
-HPEN WINAPI NoPen(int, int, COLORREF)
-{
-    return nullptr;
-}
-HFONT WINAPI NoFont(const LOGFONTA *)
-{
-    return nullptr;
-}
-HDC WINAPI NoDC(HWND)
-{
-    return nullptr;
-}
-HCURSOR WINAPI NoCursor(HINSTANCE, const char *)
-{
-    return nullptr;
-}
-BOOL WINAPI NoVersion(OSVERSIONINFOA *)
-{
-    return FALSE;
-}
-
-// What is reported when a function of the system answers null from now on.
-template <typename Function>
-void ExpectReports(const char *name, Function *fail, std::initializer_list<const char *> texts)
-{
-    CUIData *pData = CUIGetWinData();
     const CAssertReports reports;
-    {
-        const CImportHook hook(name, fail);
-        pData->UpdateSysColors();
-        pData->UpdateSysFonts();
-    }
+    CFailPlan::Start(CFailPlan::ALL);
+    CUIGetWinData()->UpdateSysColors();
+    CUIGetWinData()->UpdateSysFonts();
+    CFailPlan::Start(0);
     for (const char *text : texts)
         EXPECT_EQ(1, reports.Count(text, "Data")) << text;
     EXPECT_EQ(static_cast<int>(texts.size()), reports.Total());
-    pData->UpdateSysColors();
-    pData->UpdateSysFonts();
+    CUIGetWinData()->UpdateSysColors();
+    CUIGetWinData()->UpdateSysFonts();
 }
 
 }  // namespace
 
-TEST(Data, HoldsTheSystemsMetricsInTheOrderOfTheRecord)
+TEST(Data, HoldsTheSystemsMetricsFontsAndCursorsInTheOrderOfTheRecord)
 {
-    CUIData *pData = CUIGetWinData();
-    EXPECT_EQ(pData, CUIGetWinData());
+    const CUIData *pData = CUIGetWinData();
+    std::vector<int> expected = {0, 1};
+    for (const int nMetric : {SM_CXVSCROLL, SM_CYHSCROLL, SM_CXICON, SM_CYICON, SM_CXFRAME,
+                              SM_CYFRAME, SM_CYCAPTION, SM_CXBORDER, SM_CYBORDER})
+        expected.push_back(GetSystemMetrics(nMetric));
     RECT desktop;
     GetWindowRect(GetDesktopWindow(), &desktop);
     const HDC hScreen = GetDC(nullptr);
     SIZE size;
     GetTextExtentPoint32A(hScreen, "M", 1, &size);
-    const int expected[] = {0,
-                            1,
-                            GetSystemMetrics(SM_CXVSCROLL),
-                            GetSystemMetrics(SM_CYHSCROLL),
-                            GetSystemMetrics(SM_CXICON),
-                            GetSystemMetrics(SM_CYICON),
-                            GetSystemMetrics(SM_CXFRAME),
-                            GetSystemMetrics(SM_CYFRAME),
-                            GetSystemMetrics(SM_CYCAPTION),
-                            GetSystemMetrics(SM_CXBORDER),
-                            GetSystemMetrics(SM_CYBORDER),
-                            1,
-                            1,
-                            GetSystemMetrics(SM_CXSIZE),
-                            GetSystemMetrics(SM_CYSIZE),
-                            desktop.right - desktop.left,
-                            desktop.bottom - desktop.top,
-                            GetDeviceCaps(hScreen, LOGPIXELSX),
-                            GetDeviceCaps(hScreen, LOGPIXELSY),
-                            size.cy};
+    for (const LONG nMetric :
+         {1L, 1L, LONG{GetSystemMetrics(SM_CXSIZE)}, LONG{GetSystemMetrics(SM_CYSIZE)},
+          desktop.right, desktop.bottom, LONG{GetDeviceCaps(hScreen, LOGPIXELSX)},
+          LONG{GetDeviceCaps(hScreen, LOGPIXELSY)}, size.cy})
+        expected.push_back(static_cast<int>(nMetric));
     ReleaseDC(nullptr, hScreen);
-    for (size_t i = 0; i < sizeof expected / sizeof expected[0]; ++i)
+    for (size_t i = 0; i < expected.size(); ++i)
         EXPECT_EQ(expected[i], reinterpret_cast<const int *>(pData)[i]) << "field " << i;
+    // 20 metrics, 11 brushes and pens, 6 colours and the table, 3 cursors, 5 fonts, the stamp.
+    static_assert(sizeof(CUIData) == (20 + 11 + 6 + 21 + 3 + 5 + 1) * 4, "nothing in between");
     EXPECT_EQ(LoadCursorA(nullptr, IDC_WAIT), pData->hcurWait);
     EXPECT_EQ(LoadCursorA(nullptr, IDC_ARROW), pData->hcurArrow);
     EXPECT_EQ(LoadCursorA(nullptr, IDC_IBEAM), pData->hcurIBeam);
-    // 20 metrics, 11 brushes and pens, 6 colours and the table, 3 cursors, 5 fonts, the stamp.
-    static_assert(sizeof(CUIData) == (20 + 11 + 6 + 21 + 3 + 5 + 1) * 4, "nothing in between");
 
     NONCLIENTMETRICSA metrics;
     metrics.cbSize = 340;
@@ -152,11 +100,14 @@ TEST(Data, HoldsTheSystemsMetricsInTheOrderOfTheRecord)
 TEST(Data, FollowsTheSystemsColours)
 {
     CUIData *pData = CUIGetWinData();
-    CSystemColors colors;
-    for (int i = 0; i <= 20; ++i)
-        colors.Set(i, static_cast<COLORREF>(0x102030 + 0x010305 * i));
-    colors.Set(29, 0x654321);
-    colors.Set(30, 0);
+    int indexes[31];
+    COLORREF old[31], colors[31];
+    for (int i = 0; i <= 30; ++i) {
+        indexes[i] = i;
+        old[i] = GetSysColor(i);
+        colors[i] = i == 30 ? 0 : static_cast<COLORREF>(0x102030 + 0x010305 * i);
+    }
+    SetSysColors(31, indexes, colors);
     // Who still has an old object selected does not hold the update up.
     CTestSurface user(32, CPixelMap(4, 4));
     SelectObject(user, pData->hbrLtGray);
@@ -165,71 +116,66 @@ TEST(Data, FollowsTheSystemsColours)
     pData->UpdateSysColors();
     EXPECT_LE(pData->dwColorStamp - dwBefore, timeGetTime() - dwBefore);
     for (DWORD i = 0; i <= 20; ++i) {
-        EXPECT_EQ((10 + i) << 24 | GetSysColor(static_cast<int>(i)), pData->crSys[i]);
-        EXPECT_EQ(GetSysColor(static_cast<int>(i)), pData->ResolveColor(pData->crSys[i]));
+        EXPECT_EQ((10 + i) << 24 | colors[i], pData->crSys[i]);
+        EXPECT_EQ(colors[i], pData->ResolveColor(pData->crSys[i]));
     }
     EXPECT_EQ(pData->crSys[COLOR_MENU], pData->crMenuBar);
-    EXPECT_EQ(0x654321U, pData->crMenuHilite);
-    EXPECT_EQ(GetSysColor(COLOR_BTNFACE), pData->ResolveColor(0x03FFFFFF));
-    EXPECT_EQ(GetSysColor(29), pData->ResolveColor((10U + 29U) << 24));
+    EXPECT_EQ(colors[29], pData->crMenuHilite);
+    EXPECT_EQ(colors[COLOR_BTNFACE], pData->ResolveColor(0x03FFFFFF));
+    EXPECT_EQ(colors[29], pData->ResolveColor((10U + 29U) << 24));
     for (const DWORD cr : {0x123456U, 0x02FFFFFFU, 0x03FFFFFEU, 0x09FFFFFFU})
         EXPECT_EQ(cr, pData->ResolveColor(cr));
 
     EXPECT_EQ(0xC0C0C0U, PaintedBy(pData->hbrLtGray));
     EXPECT_EQ(0xC0C0C0U, PaintedBy(pData->hbrDkGray));
-    EXPECT_EQ(GetSysColor(COLOR_BTNHIGHLIGHT), PaintedBy(pData->hbrBtnHilite));
-    EXPECT_EQ(GetSysColor(COLOR_BTNSHADOW), PaintedBy(pData->hbrBtnShadow));
-    LOGBRUSH brush = {};
-    GetObjectA(pData->hbrBtnFace, sizeof brush, &brush);
-    EXPECT_EQ(pData->crSys[COLOR_BTNFACE], brush.lbColor);
-    GetObjectA(pData->hbrWindow, sizeof brush, &brush);
-    EXPECT_EQ(pData->crSys[COLOR_WINDOW], brush.lbColor);
+    EXPECT_EQ(colors[COLOR_BTNHIGHLIGHT], PaintedBy(pData->hbrBtnHilite));
+    EXPECT_EQ(colors[COLOR_BTNSHADOW], PaintedBy(pData->hbrBtnShadow));
+    EXPECT_EQ(pData->crSys[COLOR_BTNFACE], LogColor(pData->hbrBtnFace));
+    EXPECT_EQ(pData->crSys[COLOR_WINDOW], LogColor(pData->hbrWindow));
     EXPECT_EQ(0xC0C0C0U, DrawnBy(pData->hpenLtGray));
     EXPECT_EQ(0x808080U, DrawnBy(pData->hpenDkGray));
-    EXPECT_EQ(GetSysColor(COLOR_BTNHIGHLIGHT), DrawnBy(pData->hpenBtnHilite));
-    EXPECT_EQ(GetSysColor(COLOR_BTNSHADOW), DrawnBy(pData->hpenBtnShadow));
-    EXPECT_EQ(GetSysColor(COLOR_BTNTEXT), DrawnBy(pData->hpenBtnText));
-    EXPECT_EQ(0U, pData->crMonoText);
-    EXPECT_EQ(0xFFFFFFU, pData->crMonoBkgnd);
+    EXPECT_EQ(colors[COLOR_BTNHIGHLIGHT], DrawnBy(pData->hpenBtnHilite));
+    EXPECT_EQ(colors[COLOR_BTNSHADOW], DrawnBy(pData->hpenBtnShadow));
+    EXPECT_EQ(colors[COLOR_BTNTEXT], DrawnBy(pData->hpenBtnText));
 
     const int nBefore = GdiCount();
-    for (int i = 0; i < 1000; ++i) {
+    for (int i = 0; i < 500; ++i) {
         pData->UpdateSysColors();
         pData->UpdateWinIni();
     }
     EXPECT_NEAR(nBefore, GdiCount(), 2);
+    SetSysColors(31, indexes, old);
 }
 
 TEST(Data, ReportsWhatItCannotHaveWhenItIsMade)
 {
+    const CFailingCall<BOOL(OSVERSIONINFOA *)> version("GetVersionExA");
+    const CFailingCall<HCURSOR(HINSTANCE, const char *)> cursor("LoadCursorA");
+    const CFailingCall<HDC(HWND)> screen("GetDC");
+    CFailPlan::Start(CFailPlan::ALL);
     const CAssertReports reports;
-    const CImportHook version("GetVersionExA", NoVersion), cursor("LoadCursorA", NoCursor);
-    const CImportHook screen("GetDC", NoDC);
-    CUIData *pData = CUIGetWinData();
+    const CUIData *pData = CUIGetWinData();
     for (const char *text : {"GetVersionEx(&VersionInfo)", "hDCScreen", "hcurWait != 0",
                              "hcurArrow != 0", "hcurIBeam != 0"})
         EXPECT_EQ(1, reports.Count(text, "Data")) << text;
-    EXPECT_EQ(5, reports.Total());
     EXPECT_EQ(0, pData->bWin9x + pData->bWinNT + pData->cxVScroll);
     EXPECT_NE(nullptr, pData->hMenuFont);
 }
 
 TEST(Data, ReportsBrushesThatItCannotMake)
 {
-    ExpectReports("CreateSolidBrush", NoBrush,
-                  {"hbrLtGray != 0", "hbrDkGray != 0", "hbrBtnFace != 0", "hbrBtnShadow != 0",
+    CUIGetWinData();
+    const CFailingCall<HBRUSH(COLORREF)> fail("CreateSolidBrush");
+    ExpectReports({"hbrLtGray != 0", "hbrDkGray != 0", "hbrBtnFace != 0", "hbrBtnShadow != 0",
                    "hbrBtnHilite != 0", "hbrWindow != 0"});
 }
 
-TEST(Data, ReportsPensThatItCannotMake)
+TEST(Data, ReportsPensAndFontsThatItCannotMake)
 {
-    ExpectReports("CreatePen", NoPen,
-                  {"hpenLtGray != 0", "hpenDkGray != 0", "hpenBtnShadow != 0", "hpenBtnHilite != 0",
-                   "hpenBtnText != 0"});
-}
-
-TEST(Data, ReportsFontsThatItCannotMake)
-{
-    ExpectReports("CreateFontIndirectA", NoFont,
-                  {"hStatusFont", "hMenuFont", "hMenuFontBold", "hIconFont", "hIconFontBold"});
+    CUIGetWinData();
+    const CFailingCall<HPEN(int, int, COLORREF)> failPen("CreatePen");
+    const CFailingCall<HFONT(const LOGFONTA *)> failFont("CreateFontIndirectA");
+    ExpectReports({"hpenLtGray != 0", "hpenDkGray != 0", "hpenBtnShadow != 0", "hpenBtnHilite != 0",
+                   "hpenBtnText != 0", "hStatusFont", "hMenuFont", "hMenuFontBold", "hIconFont",
+                   "hIconFontBold"});
 }

@@ -9,6 +9,7 @@ namespace {
 const COLORREF TL = 0xFFFFFF;
 const COLORREF BR = 0x0000FF;
 
+// x, y, width and height.
 struct CRect
 {
     int x, y, cx, cy;
@@ -17,64 +18,46 @@ const CRect RECTS[] = {{4, 3, 9, 7},   {4, 3, 1, 1},   {4, 3, 2, 2},    {4, 3, 0
                        {4, 3, 3, 1},   {9, 8, -4, 3},  {9, 8, 4, -5},   {9, 8, -3, -2},
                        {-2, -3, 9, 8}, {15, 9, 12, 8}, {-1, -1, 22, 18}};
 
-// What each frame consists of, in the order of filling.
 struct CFill
 {
     int left, top, right, bottom;
     COLORREF cr;
 };
-using CFills = std::vector<CFill>;
-
-CFills Frame(int x, int y, int cx, int cy)
+// The fills of each drawing in order, of a rectangle from (x, y) to (r, b).
+std::vector<CFill> Fills(int nDrawing, int x, int y, int r, int b)
 {
-    return {{x, y, x + cx, y + 1, TL},
-            {x, y, x + 1, y + cy, TL},
-            {x + cx, y, x + cx - 1, y + cy, TL},
-            {x, y + cy, x + cx, y + cy - 1, TL}};
+    switch (nDrawing) {
+    case 0: return {{x, y, r, b, TL}};
+    case 1:
+        return {
+            {x, y, r, y + 1, TL}, {x, y, x + 1, b, TL}, {r, y, r - 1, b, TL}, {x, b, r, b - 1, TL}};
+    case 2:
+        return {{x, y, r - 1, y + 1, TL},
+                {x, y + 1, x + 1, b - 1, TL},
+                {r, y, r - 1, b, BR},
+                {x, b, r - 1, b - 1, BR}};
+    case 3:
+        return {{x, y + 1, x + 1, b - 1, TL},
+                {r, y + 1, r - 1, b - 1, BR},
+                {x + 1, y, r, y + 1, TL},
+                {x, b, r - 1, b - 1, BR}};
+    default:
+        return {{x + 1, y, r - 1, y + 1, TL},
+                {x, y + 1, x + 1, b, TL},
+                {r, y, r - 1, b - 1, BR},
+                {x + 1, b, r - 1, b - 1, BR}};
+    }
 }
-CFills Bevel(int x, int y, int cx, int cy)
+void Draw(int nDrawing, HDC hDC, const RECT *prc)
 {
-    return {{x, y, x + cx - 1, y + 1, TL},
-            {x, y + 1, x + 1, y + cy - 1, TL},
-            {x + cx, y, x + cx - 1, y + cy, BR},
-            {x, y + cy, x + cx - 1, y + cy - 1, BR}};
+    switch (nDrawing) {
+    case 0: return CUIDCFillSolidRect(hDC, prc, TL);
+    case 1: return CUIDCDrawRect(hDC, prc, TL);
+    case 2: return CUIDCDraw3dRect(hDC, prc, TL, BR, 0, 1);
+    case 3: return CUIDCDraw3dRect(hDC, prc, TL, BR, 2, 4);
+    default: return CUIDCDraw3dRect(hDC, prc, TL, BR, -1, 0);
+    }
 }
-CFills BevelTrimmedBoth(int x, int y, int cx, int cy)
-{
-    return {{x, y + 1, x + 1, y + cy - 1, TL},
-            {x + cx, y + 1, x + cx - 1, y + cy - 1, BR},
-            {x + 1, y, x + cx, y + 1, TL},
-            {x, y + cy, x + cx - 1, y + cy - 1, BR}};
-}
-CFills BevelTrimmed(int x, int y, int cx, int cy)
-{
-    return {{x + 1, y, x + cx - 1, y + 1, TL},
-            {x, y + 1, x + 1, y + cy, TL},
-            {x + cx, y, x + cx - 1, y + cy - 1, BR},
-            {x + 1, y + cy, x + cx - 1, y + cy - 1, BR}};
-}
-CFills Solid(int x, int y, int cx, int cy)
-{
-    return {{x, y, x + cx, y + cy, TL}};
-}
-
-// A drawing in both its forms, and its fills.
-const struct
-{
-    void (*draw)(HDC hDC, const CRect &r);
-    void (*drawRect)(HDC hDC, const RECT *prc);
-    CFills (*fills)(int x, int y, int cx, int cy);
-} DRAWINGS[] = {
-    {[](HDC hDC, const CRect &r) { CUIDCFillSolidRect(hDC, r.x, r.y, r.cx, r.cy, TL); },
-     [](HDC hDC, const RECT *prc) { CUIDCFillSolidRect(hDC, prc, TL); }, Solid},
-    {[](HDC hDC, const CRect &r) { CUIDCDrawRect(hDC, r.x, r.y, r.cx, r.cy, TL); },
-     [](HDC hDC, const RECT *prc) { CUIDCDrawRect(hDC, prc, TL); }, Frame},
-    {[](HDC hDC, const CRect &r) { CUIDCDraw3dRect(hDC, r.x, r.y, r.cx, r.cy, TL, BR, 0, 1); },
-     [](HDC hDC, const RECT *prc) { CUIDCDraw3dRect(hDC, prc, TL, BR, 0, 0); }, Bevel},
-    {[](HDC hDC, const CRect &r) { CUIDCDraw3dRect(hDC, r.x, r.y, r.cx, r.cy, TL, BR, 2, 4); },
-     [](HDC hDC, const RECT *prc) { CUIDCDraw3dRect(hDC, prc, TL, BR, 1, 1); }, BevelTrimmedBoth},
-    {[](HDC hDC, const CRect &r) { CUIDCDraw3dRect(hDC, r.x, r.y, r.cx, r.cy, TL, BR, -1, 0); },
-     [](HDC hDC, const RECT *prc) { CUIDCDraw3dRect(hDC, prc, TL, BR, 1, 0); }, BevelTrimmed}};
 
 // A strip that goes back by one from an edge lies on one side of it or the other, as the system
 // has it for PatBlt.
@@ -93,25 +76,21 @@ void Invert(CPixelMap &map, int x, int y, int cx, int cy, int nBack)
 TEST(Draw, FillsTheTablesPixelsOnEveryDepthAndKeepsTheDC)
 {
     for (const int nBits : {0, 32, 24, 16, 8, 1}) {
-        for (const CRect &r : RECTS) {
-            for (const auto &drawing : DRAWINGS) {
-                // A background colour is white on monochrome, whichever it is.
-                if (nBits == 1 && &drawing > &DRAWINGS[1])
-                    continue;
+        // A background colour is white on monochrome, whichever it is.
+        for (int nDrawing = 0; nDrawing < (nBits == 1 ? 2 : 5); ++nDrawing) {
+            for (const CRect &r : RECTS) {
                 SCOPED_TRACE(testing::Message() << nBits << " bits, rectangle " << &r - RECTS
-                                                << ", drawing " << &drawing - DRAWINGS);
-                CTestSurface target(nBits, CPixelMap(20, 16)), other(nBits, CPixelMap(20, 16));
+                                                << ", drawing " << nDrawing);
+                CTestSurface target(nBits, CPixelMap(20, 16));
                 SetBkColor(target, 0x123456);
                 const CDCState state(target);
-                drawing.draw(target, r);
                 const RECT rect = {r.x, r.y, r.x + r.cx, r.y + r.cy};
-                drawing.drawRect(other, &rect);
+                Draw(nDrawing, target, &rect);
                 CPixelMap expected(20, 16);
-                for (const CFill &f : drawing.fills(r.x, r.y, r.cx, r.cy))
+                for (const CFill &f : Fills(nDrawing, rect.left, rect.top, rect.right, rect.bottom))
                     expected.Fill(f.left, f.top, f.right, f.bottom, f.cr);
                 EXPECT_TRUE(state == CDCState(target));
                 EXPECT_EQ("", Difference(expected, target.Read()));
-                EXPECT_EQ("", Difference(expected, other.Read()));
             }
         }
     }
@@ -135,14 +114,12 @@ TEST(Draw, InvertsTheRubberFrameAndTakesItBack)
             Invert(expected, x + w, y, -1, h - 1, nBack);
             Invert(expected, x + 1, y + h, w - 1, -1, nBack);
             const RECT rect = {r.x, r.y, r.x + r.cx, r.y + r.cy}, moved = {2, 2, 8, 9};
-            const CDCState state(target);
             CUIDCRubberRect(target, nullptr, &rect);
             EXPECT_EQ("", Difference(expected, target.Read()));
             CUIDCRubberRect(target, &rect, &moved);
             CUIDCRubberRect(target, &moved, nullptr);
             CUIDCRubberRect(target, nullptr, nullptr);
             EXPECT_EQ("", Difference(before, target.Read()));
-            EXPECT_TRUE(state == CDCState(target));
         }
     }
 }

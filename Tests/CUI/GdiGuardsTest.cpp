@@ -8,11 +8,12 @@
 
 namespace {
 
-// The windows and DCs that ReleaseDC was called with, and the palettes that SelectPalette was.
-std::vector<std::pair<HWND, HDC>> s_released;
+HWND s_hReleasedWnd;
+HDC s_hReleasedDC;
 int WINAPI RecordRelease(HWND hWnd, HDC hDC)
 {
-    s_released.push_back({hWnd, hDC});
+    s_hReleasedWnd = hWnd;
+    s_hReleasedDC = hDC;
     return 1;
 }
 int s_nRealized;
@@ -21,63 +22,58 @@ UINT WINAPI CountRealize(HDC)
     return static_cast<UINT>(++s_nRealized);
 }
 
+// What a guard sets is there while it lives, and nothing of it afterwards.
+template <typename Set, typename Check>
+void ExpectGivenBack(HDC hDC, Set set, Check check)
+{
+    const CDCState before(hDC);
+    {
+        const auto guard = set();
+        EXPECT_TRUE(check());
+    }
+    EXPECT_TRUE(before == CDCState(hDC));
+}
+
 }  // namespace
 
 TEST(GdiGuards, GiveBackWhatADCHadBefore)
 {
-    CTestSurface surface(32, CPixelMap(4, 4));
-    const CDCState before(surface);
+    CTestSurface s(32, CPixelMap(4, 4));
     LOGPALETTE logical = {0x300, 1, {{1, 2, 3, 0}}};
     const CCUIOwned<HPALETTE> palette(CreatePalette(&logical));
     const CImportHook realize("RealizePalette", CountRealize);
-    {
-        const CCUISelect brush(surface, GetStockObject(GRAY_BRUSH));
-        EXPECT_TRUE(brush);
-        EXPECT_FALSE(CCUISelect(surface, nullptr));
-        EXPECT_EQ(GetStockObject(GRAY_BRUSH), GetCurrentObject(surface, OBJ_BRUSH));
-    }
-    EXPECT_TRUE(before == CDCState(surface));
-    {
-        const CCUIBkColor bkgnd(surface, 0x123456);
-        EXPECT_EQ(0x123456U, GetBkColor(surface));
-    }
-    EXPECT_TRUE(before == CDCState(surface));
-    {
-        const CCUITextColor text(surface, 0x123456);
-        EXPECT_EQ(0x123456U, GetTextColor(surface));
-    }
-    EXPECT_TRUE(before == CDCState(surface));
-    {
-        const CCUISelectPalette none(surface, nullptr, 0);
-        const CCUISelectPalette selected(surface, palette, 0);
-        EXPECT_EQ(1, s_nRealized);
-        EXPECT_EQ(palette, GetCurrentObject(surface, OBJ_PAL));
-    }
+    const HGDIOBJ hBrush = GetStockObject(GRAY_BRUSH);
+    ExpectGivenBack(
+        s, [&] { return CCUISelect(s, hBrush); },
+        [&] { return GetCurrentObject(s, OBJ_BRUSH) == hBrush; });
+    EXPECT_FALSE(CCUISelect(s, nullptr));
+    ExpectGivenBack(
+        s, [&] { return CCUIBkColor(s, 0x123456); }, [&] { return GetBkColor(s) == 0x123456; });
+    ExpectGivenBack(
+        s, [&] { return CCUITextColor(s, 0x123456); }, [&] { return GetTextColor(s) == 0x123456; });
+    ExpectGivenBack(
+        s, [&] { return CCUISelectPalette(s, palette, 0); },
+        [&] { return GetCurrentObject(s, OBJ_PAL) == palette && s_nRealized == 1; });
     EXPECT_EQ(2, s_nRealized);
-    EXPECT_TRUE(before == CDCState(surface));
-    {
-        const CCUISavedDC saved(surface);
-        SetBkMode(surface, TRANSPARENT);
-        SetROP2(surface, R2_NOT);
-    }
-    EXPECT_TRUE(before == CDCState(surface));
+    ExpectGivenBack(
+        s, [&] { return CCUISelectPalette(s, nullptr, 0); }, [] { return true; });
+    EXPECT_EQ(2, s_nRealized);
+    ExpectGivenBack(
+        s, [&] { return CCUISavedDC(s); },
+        [&] { return SetBkMode(s, TRANSPARENT) == OPAQUE && SetROP2(s, R2_NOT); });
 }
 
 TEST(GdiGuards, ReleaseToTheSameWindowAndDeleteWhatTheyOwn)
 {
-    const HWND hWnd =
-        CreateWindowA("STATIC", "", WS_POPUP, 0, 0, 9, 9, nullptr, nullptr, nullptr, nullptr);
-    HDC hDC;
     {
         const CImportHook release("ReleaseDC", RecordRelease);
-        const CCUIWindowDC window(hWnd);
-        hDC = window;
-        EXPECT_EQ(hWnd, WindowFromDC(hDC));
+        const CCUIWindowDC window(GetDesktopWindow());
+        EXPECT_EQ(GetDesktopWindow(), WindowFromDC(window));
+        EXPECT_EQ(nullptr, s_hReleasedDC);
+        s_hReleasedDC = window;
     }
-    ASSERT_EQ(1U, s_released.size());
-    EXPECT_EQ(std::make_pair(hWnd, hDC), s_released[0]);
-    ReleaseDC(hWnd, hDC);
-    DestroyWindow(hWnd);
+    EXPECT_EQ(GetDesktopWindow(), s_hReleasedWnd);
+    EXPECT_EQ(1, ReleaseDC(s_hReleasedWnd, s_hReleasedDC));
 
     const int nBefore = GdiCount();
     HBRUSH hKept = nullptr;

@@ -98,7 +98,7 @@ TEST(OffScreenDC, KeepsItsBitmapWhenThereIsNoMemoryForALargerOne)
     CCUIOffScreenDC osdc;
     const CFailingCall<HDC(HDC)> createDC("CreateCompatibleDC");
     const CFailingCall<HBITMAP(HDC, int, int)> createBitmap("CreateCompatibleBitmap");
-    CFailPlan::s_nFailAt = 1;
+    CFailPlan::Start(1);
     EXPECT_EQ(nullptr, osdc.GetDC(screen, 20, 20));
     osdc.ReleaseDC();
     EXPECT_EQ(1, reports.Count("m_memDC != 0", "OffScreenDC"));
@@ -106,7 +106,7 @@ TEST(OffScreenDC, KeepsItsBitmapWhenThereIsNoMemoryForALargerOne)
     const HGDIOBJ hBitmap = GetCurrentObject(hDC, OBJ_BITMAP);
     const int nBefore = GdiCount();
     for (int i = 0; i < 100; ++i) {
-        CFailPlan::s_nFailAt = CFailPlan::s_nCalls + 1;
+        CFailPlan::Start(1);
         EXPECT_EQ(hDC, osdc.GetDC(screen, 30, 10));
         EXPECT_EQ(hBitmap, GetCurrentObject(hDC, OBJ_BITMAP));
         osdc.ReleaseDC();

@@ -5,18 +5,23 @@
 // The calls of all CFailingCall objects, counted together: the one of number s_nFailAt fails.
 struct CFailPlan
 {
-    static bool Fails() { return ++s_nCalls == s_nFailAt; }
+    static const int ALL = -1;
+    static void Start(int nFailAt)
+    {
+        s_nCalls = 0;
+        s_nFailAt = nFailAt;
+    }
+    static bool Fails() { return ++s_nCalls == s_nFailAt || s_nFailAt == ALL; }
     // Runs `work` with the first call failing, then the second, and so on until none is left;
     // returns how many there were.
     template <typename Work>
     static int RunAll(Work work)
     {
-        s_nFailAt = 0;
+        int nFailAt = 0;
         do {
-            ++s_nFailAt;
-            s_nCalls = 0;
+            Start(++nFailAt);
             work();
-        } while (s_nCalls >= s_nFailAt);
+        } while (s_nCalls >= nFailAt);
         s_nFailAt = 0;
         return s_nCalls;
     }
