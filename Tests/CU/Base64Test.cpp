@@ -54,6 +54,21 @@ TEST(Base64, MatchesThePublishedVectors)
     }
 }
 
+TEST(Base64, EncodesALongTextAsItsPieces)
+{
+    const CHeapWatch heap;
+    std::mt19937 random(5);
+    for (int nLength = 4094; nLength < 4104; ++nLength) {
+        CCUString text('x', nLength);
+        for (int i = 0; i < nLength; ++i)
+            text.SetAt(i, static_cast<char>(random()));
+        CCUString pieces;
+        for (int i = 0; i < nLength; i += 3)
+            pieces += text.Mid(i, 3).Encode64();
+        EXPECT_EQ(text.Encode64(), pieces) << nLength;
+    }
+}
+
 TEST(Base64, DecodesAnyBytesToWhatTheAcceptedOnesGive)
 {
     EXPECT_STREQ(CCUString("Zm\r\n9v\xE9 Yg").Decode64(), "foob");

@@ -74,7 +74,7 @@ TEST(Format, ReportsAndCutsWhatDoesNotFit)
     const CHeapWatch heap;
     Expect(Formatted("%10.3s", "abcdef"), 3, "   ");
     EXPECT_EQ(Formatted("%.600f", 1e300).GetLength(), 600);
-    Expect(Formatted("%s%hs", static_cast<char *>(nullptr), static_cast<char *>(nullptr)), 2, "(n");
+    Expect(Formatted("%s", static_cast<char *>(nullptr)), 1, "(");
     EXPECT_EQ(reports.Count(TOO_LONG), 3);
     Expect(Formatted("%E", 1.5), 0, "");
     EXPECT_EQ(reports.Count("0"), 1);
