@@ -251,14 +251,15 @@ TEST(Bitmap, WithoutASourceIsNotLoadedAgain)
 TEST(Bitmap, LeaksNothingOverManyRounds)
 {
     const auto round = [](const CCUIBitmap &kept) {
-        CCUIBitmap bitmap(200, CUIBMP_PALETTE | CUIBMP_SYSCOLORS, Module());
+        CCUIBitmap bitmap(kept);
         CCUIBitmap copy(bitmap);
         copy.ReLoad(nullptr, nullptr, 0);
         copy = kept;
         bitmap = NewBitmap(2, 2);
-        bitmap.Load(CCUString("200"), CUIBMP_RESOURCE, Module());
         copy = CCUIBitmap(NewBitmap(1, 1), NewPalette());
+        copy.ReLoad(nullptr, nullptr, 0);
         bitmap.Load("none", CUIBMP_PALETTE, Module());
+        copy = CCUIBitmap();
     };
     const CCUIBitmap kept(200, CUIBMP_PALETTE, Module());
     round(kept);

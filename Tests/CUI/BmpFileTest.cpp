@@ -7,7 +7,9 @@
 #include "Support/BmpBytes.h"
 #include "Support/Fuzz.h"
 #include "Support/GdiCount.h"
+#include "Support/GuardedBuffer.h"
 #include "Support/HeapWatch.h"
+#include "Support/MemoryFile.h"
 #include "Support/Reports.h"
 
 namespace {
@@ -255,14 +257,37 @@ void Mutate(std::vector<BYTE> &bytes, CRandom &random)
     }
 }
 
-void LoadInAllWays(const std::string &path)
+void LoadFile(const char *pszFile)
 {
     HPALETTE hPal = nullptr;
-    DeleteObject(CUIBmpLoadBitmapFilePalette(path.c_str(), hPal));
+    DeleteObject(CUIBmpLoadBitmapFilePalette(pszFile, hPal));
     DeleteObject(hPal);
-    hPal = nullptr;
-    DeleteObject(CUIBmpLoadBitmapFile(path.c_str(), TRUE));
+    DeleteObject(CUIBmpLoadBitmapFile(pszFile, TRUE));
+}
+
+// LoadImage looks at real files only.
+void LoadImageFile(const std::string &path, const std::vector<BYTE> &bytes)
+{
+    HPALETTE hPal = nullptr;
+    ASSERT_TRUE(WriteBytes(path, bytes));
     DeleteObject(CUIBmpLoad(nullptr, path.c_str(), &hPal, true, nullptr, nullptr, 0));
+    DeleteObject(hPal);
+}
+
+// What follows the file header, as a packed DIB that ends at a page that nobody may touch.
+void LoadPacked(const std::vector<BYTE> &bytes)
+{
+    const size_t nHeader = sizeof(BITMAPFILEHEADER);
+    if (bytes.size() < nHeader + sizeof(BITMAPINFOHEADER))
+        return;
+    const size_t nSize = (bytes.size() - nHeader) & ~static_cast<size_t>(3);
+    CGuardedBuffer buffer(nSize);
+    memcpy(buffer.Data(), bytes.data() + nHeader, nSize);
+    BITMAPINFO *pInfo = reinterpret_cast<BITMAPINFO *>(buffer.Data());
+    int nColors = 0;
+    HPALETTE hPal = nullptr;
+    DeleteObject(CUIBmpCreateDIBPalette(pInfo, &nColors));
+    DeleteObject(CUIBmpCreateBitmap(&pInfo->bmiHeader, &hPal, true, nullptr, nullptr, 0));
     DeleteObject(hPal);
 }
 
@@ -272,32 +297,33 @@ TEST_F(BmpFile, OfAnyBytesIsReadWithinItsBounds)
 {
     const std::vector<std::vector<BYTE>> seeds = Seeds();
     CRandom random;
-    Write(seeds[0]);
-    LoadInAllWays(m_path);
+    CMemoryFile file;
+    file.m_bytes = seeds[0];
+    LoadFile(file.Name());
+    LoadImageFile(m_path, seeds[0]);
+    const CCUString sFile = CMemoryFile::Name();
     const CHeapWatch heap;
     const int nGdi = GdiCount();
     int nRead = 0;
     const int nFiles = 2 * FuzzInputs();
     for (int i = 0; i < nFiles; ++i) {
-        std::vector<BYTE> bytes = seeds[random.Next(seeds.size())];
+        std::vector<BYTE> &bytes = file.m_bytes;
+        bytes = seeds[random.Next(seeds.size())];
         Mutate(bytes, random);
-        Write(bytes);
-        if (i % 16 == 0)
-            LoadInAllWays(m_path);
         const int nLive = CHeapWatch::Live();
         CHeapWatch::TakeLargest();
-        BITMAPINFOHEADER *pbih = CUIBmpDIBFromFile(m_sFile);
-        if (pbih) {
-            ++nRead;
-            int nColors = 0;
-            if (pbih->biClrUsed <= 256 && pbih->biBitCount <= 8)
-                DeleteObject(
-                    CUIBmpCreateDIBPalette(reinterpret_cast<BITMAPINFO *>(pbih), &nColors));
-        }
+        BITMAPINFOHEADER *pbih = CUIBmpDIBFromFile(sFile);
+        nRead += pbih != nullptr;
         free(pbih);
         ASSERT_EQ(nLive, CHeapWatch::Live()) << i;
         // Twice the pixels at most, and what a trace line takes.
         ASSERT_LE(CHeapWatch::TakeLargest(), 2 * bytes.size() + 4096) << i;
+        if (i % 16 == 0) {
+            LoadFile(file.Name());
+            LoadPacked(bytes);
+        }
+        if (i % 100 == 0)
+            LoadImageFile(m_path, bytes);
     }
     EXPECT_GT(nRead, nFiles / 10);
     EXPECT_NEAR(nGdi, GdiCount(), 8);
