@@ -11,10 +11,6 @@
 
 namespace {
 
-// The record of all empty bitmaps. Plain data, so that bitmaps may be made before and destroyed
-// after everything else.
-CUIBitmapData nilData = {-1, 0, 0, 0, nullptr, nullptr};
-
 const char *ToResourceID(UINT nID)
 {
     return reinterpret_cast<const char *>(static_cast<ULONG_PTR>(nID & 0xFFFF));
@@ -120,22 +116,10 @@ void LoadFromSource(CUIBitmapData &data, const CSubstitution &map)
 
 }  // namespace
 
-CCUIBitmap::CCUIBitmap() : m_pchData(&nilData) {}
+// Plain data, so that bitmaps may be made before and destroyed after everything else.
+CUIBitmapData CCUIBitmap::nilData = {-1, 0, 0, 0, nullptr, nullptr};
 
-CCUIBitmap::CCUIBitmap(const CCUIBitmap &bitmapSrc) : m_pchData(bitmapSrc.m_pchData)
-{
-    if (m_pchData == &nilData) {
-        CU_ASSERT_TEXT(nilData.m_nRefs < 1, "bitmapSrc.m_pchData != &nilData");
-        return;
-    }
-    // What the count was is read off the increment: a look at it before would cost as much again.
-    if (InterlockedIncrement(&m_pchData->m_nRefs) > 1)
-        return;
-    // A record that nobody held.
-    InterlockedDecrement(&m_pchData->m_nRefs);
-    m_pchData = &nilData;
-    CU_ASSERT(bitmapSrc.m_pchData == &nilData);
-}
+CCUIBitmap::CCUIBitmap() : m_pchData(&nilData) {}
 
 CCUIBitmap::CCUIBitmap(UINT nID, WORD wFlags, HINSTANCE hInst) : m_pchData(&nilData)
 {
@@ -261,6 +245,18 @@ CCUIBitmap::operator HPALETTE() const
 const CUIBitmapData *CCUIBitmap::GetData() const
 {
     return m_pchData;
+}
+
+// The end of copying an empty bitmap, or one whose record nobody holds any more.
+void CCUIBitmap::ShareNothing(const CCUIBitmap &bitmapSrc)
+{
+    if (m_pchData == &nilData) {
+        CU_ASSERT_TEXT(nilData.m_nRefs < 1, "bitmapSrc.m_pchData != &nilData");
+        return;
+    }
+    InterlockedDecrement(&m_pchData->m_nRefs);
+    m_pchData = &nilData;
+    CU_ASSERT(bitmapSrc.m_pchData == &nilData);
 }
 
 void CCUIBitmap::Adopt(HBITMAP hBitmap, HPALETTE hPalette)

@@ -44,7 +44,12 @@ class CUI_API CCUIBitmap
 {
 public:
     CCUIBitmap();
-    CCUIBitmap(const CCUIBitmap &bitmapSrc);
+    CCUIBitmap(const CCUIBitmap &bitmapSrc) : m_pchData(bitmapSrc.m_pchData)
+    {
+        // What the count was is read off the increment: a look at it before costs as much again.
+        if (m_pchData == &nilData || InterlockedIncrement(&m_pchData->m_nRefs) <= 1)
+            ShareNothing(bitmapSrc);
+    }
     CCUIBitmap(UINT nID, WORD wFlags, HINSTANCE hInst);  // the low 16 bits of the id
     CCUIBitmap(const char *pszName, WORD wFlags, HINSTANCE hInst);
     CCUIBitmap(const CCUString &sName, WORD wFlags, HINSTANCE hInst);
@@ -83,6 +88,10 @@ public:
     const CUIBitmapData *GetData() const;
 
 private:
+    // The record of all empty bitmaps. Never counted, changed or freed.
+    static CUIBitmapData nilData;
+
+    void ShareNothing(const CCUIBitmap &bitmapSrc);
     void Adopt(HBITMAP hBitmap, HPALETTE hPalette);
     void LoadNew(const CCUString &sName, const char *pszID, WORD wFlags, HINSTANCE hInst);
 
