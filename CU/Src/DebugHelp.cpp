@@ -1,5 +1,7 @@
 #include "DebugHelp.h"
 
+#include <string.h>
+
 #include "LazyLock.h"
 
 namespace {
@@ -27,8 +29,8 @@ HMODULE LoadSystemLibrary(const char *name)
     const UINT nLength = GetSystemDirectoryA(szPath, MAX_PATH);
     if (nLength == 0 || nLength >= MAX_PATH)
         return nullptr;
-    lstrcatA(szPath, "\\");
-    return LoadLibraryA(lstrcatA(szPath, name));
+    strcat(strcat(szPath, "\\"), name);
+    return LoadLibraryA(szPath);
 }
 
 template <typename F>

@@ -6,6 +6,7 @@
 #include "CU/IDGenerator.h"
 #include "CUI/CommandHandler.h"
 #include "CUI/CommandMap.h"
+#include "Support/Dumped.h"
 #include "Support/Reports.h"
 
 namespace {
@@ -85,22 +86,6 @@ TEST(CommandMap, MapsTheIdentifiersOfTwoTablesThatGrowInSteps)
     EXPECT_EQ(Texts(2, "CommandMap: 0"), reports.Asserts());
 }
 
-TEST(CommandMap, RemovesAHandlerWhereverOverrideHasPutIt)
-{
-    CReports reports;
-    CCommand first(1030);
-    {
-        CCommand second(1040, 2);
-        EXPECT_EQ(&first, CCUICommandMap::Override(1030, &second));
-        EXPECT_EQ(nullptr, CCUICommandMap::Override(10003, &second));
-        EXPECT_EQ(&second, CCUICommandMap::Lookup(1030));
-        EXPECT_EQ(&second, CCUICommandMap::Lookup(10003));
-    }
-    for (const unsigned int nID : {1030, 1040, 1041, 10003})
-        EXPECT_EQ(nullptr, CCUICommandMap::Lookup(nID)) << nID;
-    EXPECT_EQ(Texts(), reports.Asserts());
-}
-
 TEST(CommandMap, ReportsMisuse)
 {
     CReports reports;
@@ -120,9 +105,9 @@ TEST(CommandMap, ReportsMisuse)
     EXPECT_EQ((Texts{"CommandMap: 0", "CommandMap: nIndex >= 0", refusals[0]}), reports.Asserts());
 }
 
-TEST(CommandMap, RefreshesInOrderWhatAsksForNothingElse)
+TEST(CommandMap, RefreshesInOrderWhatAsksForNothingElseWhereverItIs)
 {
-    CCommand late(12000, 2), early(1001, 2);
+    CCommand early(1001, 2), late(12000, 2);
     for (unsigned int nState = 0; nState < 0x100; ++nState) {
         early.m_updates.clear();
         early.m_nState = static_cast<unsigned short>(nState);
@@ -132,23 +117,27 @@ TEST(CommandMap, RefreshesInOrderWhatAsksForNothingElse)
     early.m_nState = 0;
     late.m_updates.clear();
     early.m_onUpdate = [&] { EXPECT_EQ(Ids(), late.m_updates); };
-    CCUICommandMap::Override(1060, &late);
+    EXPECT_EQ(&early, CCUICommandMap::Override(1002, &late));
+    EXPECT_EQ(nullptr, CCUICommandMap::Override(10003, &late));
     CCUICommandMap::IdleUpdate();
-    EXPECT_EQ((Ids{1060, 12000, 12001}), late.m_updates);
+    EXPECT_EQ((Ids{1002, 10003, 12000, 12001}), late.m_updates);
+    // Removal finds it wherever it has been put.
+    EXPECT_EQ(1, CCUICommandMap::Remove(&late));
+    for (const unsigned int nID : {1002, 10003, 12000, 12001})
+        EXPECT_EQ(nullptr, CCUICommandMap::Lookup(nID)) << nID;
 }
 
 TEST(CommandMap, IdlePassSurvivesWhatHandlersDo)
 {
-    CCommand growing(1020), last(10001);
+    CCommand leaving(1010), growing(1020), last(10001);
     auto first = std::make_unique<CCommand>(1001, 2);
     auto victim = std::make_unique<CCommand>(1003);
-    auto leaving = std::make_unique<CCommand>(1010);
     // Deletes another and itself, and with it its second entry.
     first->m_onUpdate = [&] {
         victim.reset();
         first.reset();
     };
-    leaving->m_onState = [&] { leaving.reset(); };
+    leaving.m_onState = [&] { CCUICommandMap::Remove(&leaving); };
     // Every refreshed command adds one more behind the table's end.
     std::vector<std::unique_ptr<CCommand>> added;
     std::function<void()> grow = [&] {
@@ -157,7 +146,8 @@ TEST(CommandMap, IdlePassSurvivesWhatHandlersDo)
     };
     growing.m_onUpdate = grow;
     CCUICommandMap::IdleUpdate();
-    EXPECT_FALSE(first || victim || leaving);
+    EXPECT_FALSE(first || victim);
+    EXPECT_EQ(Ids(), leaving.m_updates);
     EXPECT_EQ(1u, added.size());
     growing.m_onUpdate = nullptr;
     CCUICommandMap::IdleUpdate();
@@ -168,7 +158,7 @@ TEST(CommandMap, IdlePassSurvivesWhatHandlersDo)
 TEST(CommandMap, DumpsEveryEntry)
 {
     CReports reports;
-    CTraceListener trace;
+    CDumped trace;
     CCommand command(1002, 2);
     command.m_nState = 0xFF;
     CCUICommandHandler plain(10005, 1);
@@ -177,7 +167,7 @@ TEST(CommandMap, DumpsEveryEntry)
     EXPECT_EQ("CommandMap Dump\n  Map[0]\n    Entry[2] ShortTT: Open, ID: 1002" + states +
                   "    Entry[3] ShortTT: Open, ID: 1003" + states +
                   "  Map[1]\n    Entry[5] ShortTT: UNKNOWN!, ID: 10005, State: Active\n",
-              trace.Text());
+              trace.m_text);
 }
 
 TEST(CommandHandler, DrawsIdentifiersInBlocksOrServesNone)

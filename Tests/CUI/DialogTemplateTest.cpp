@@ -175,8 +175,7 @@ TEST(DialogTemplate, AnswersForWhatIsThereOfACutOrWrongOne)
             CCUString sText = "old";
             unsigned short nPoints = 1;
             const int bHeader = nSize >= words.nHeader;
-            EXPECT_EQ(bHeader, dialogTemplate.GetSizeInPixels(size));
-            EXPECT_EQ(bHeader, size.cx != 0 && size.cy != 0);
+            EXPECT_EQ(bHeader, dialogTemplate.GetSizeInPixels(size) && size.cx && size.cy);
             EXPECT_EQ(bHeader && fields.nPoints, dialogTemplate.HasFontStyle());
             EXPECT_EQ(nSize >= words.nCaption, dialogTemplate.GetCaption(sText));
             EXPECT_EQ(nSize < words.nCaption || fields.caption.empty(), sText.IsEmpty());

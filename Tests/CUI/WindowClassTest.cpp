@@ -2,6 +2,7 @@
 
 #include "CUI/Data.h"
 #include "CUI/WindowClass.h"
+#include "Support/Dumped.h"
 #include "Support/ImportHook.h"
 #include "Support/Reports.h"
 
@@ -9,29 +10,19 @@ namespace {
 
 using Texts = std::vector<std::string>;
 
-// The system's registration, with what it was asked for; it can be made to fail.
-class CRegistrations
+// What the system is asked to register, and whether it does.
+Texts s_names;
+std::vector<HICON> s_icons;
+const CImportHook *s_pHook;
+bool s_bFail;
+
+ATOM WINAPI Register(const WNDCLASSA *pClass)
 {
-public:
-    CRegistrations() : m_hook("RegisterClassA", Register) { s_pThis = this; }
-
-    Texts m_names;
-    std::vector<HICON> m_icons;
-    bool m_bFail = false;
-
-private:
-    static ATOM WINAPI Register(const WNDCLASSA *pClass)
-    {
-        s_pThis->m_names.push_back(pClass->lpszClassName);
-        s_pThis->m_icons.push_back(pClass->hIcon);
-        SetLastError(4711);
-        return s_pThis->m_bFail ? static_cast<ATOM>(0)
-                                : s_pThis->m_hook.Original<decltype(Register)>()(pClass);
-    }
-    CImportHook m_hook;
-    static CRegistrations *s_pThis;
-};
-CRegistrations *CRegistrations::s_pThis;
+    s_names.push_back(pClass->lpszClassName);
+    s_icons.push_back(pClass->hIcon);
+    SetLastError(4711);
+    return s_bFail ? static_cast<ATOM>(0) : s_pHook->Original<decltype(Register)>()(pClass);
+}
 
 HICON WINAPI LoadProgramIcon(HINSTANCE hInstance, LPCSTR pszName)
 {
@@ -44,14 +35,14 @@ HICON WINAPI LoadProgramIcon(HINSTANCE hInstance, LPCSTR pszName)
 TEST(WindowClass, RegistersEachClassOnceInOrder)
 {
     CReports reports;
-    CRegistrations registrations;
+    const CImportHook hook("RegisterClassA", Register);
+    s_pHook = &hook;
     EXPECT_EQ(1, CUIWindowClassDoRegister(0));
     EXPECT_EQ(0, g_nRegisteredClasses);
     EXPECT_EQ(1, CUIWindowClassDoRegister(15));
     EXPECT_EQ(15, g_nRegisteredClasses);
     EXPECT_EQ(1, CUIWindowClassDoRegister(8));
-    EXPECT_EQ((Texts{"pzl-Window", "pzl-ControlBAR", "pzl-MDIWindow", "pzl-FrameWindow"}),
-              registrations.m_names);
+    EXPECT_EQ((Texts{"pzl-Window", "pzl-ControlBAR", "pzl-MDIWindow", "pzl-FrameWindow"}), s_names);
     HICON hStock = LoadIconA(nullptr, reinterpret_cast<LPCSTR>(IDI_APPLICATION));
     const struct
     {
@@ -81,19 +72,20 @@ TEST(WindowClass, RegistersEachClassOnceInOrder)
 TEST(WindowClass, TracesAFailureAndDoesNotTryAgain)
 {
     CReports reports;
-    CRegistrations registrations;
+    const CImportHook registerHook("RegisterClassA", Register);
+    s_pHook = &registerHook;
     const CImportHook hook("LoadIconA", LoadProgramIcon);
-    registrations.m_bFail = true;
-    CTraceListener trace;
+    s_bFail = true;
+    CDumped trace;
     EXPECT_EQ(0, CUIWindowClassRegister(CUI_CLASS_WINDOW | CUI_CLASS_FRAMEWINDOW));
     EXPECT_EQ(
         "CUIWindowClass: Can't register window class pzl-Window, gle: 4711\n"
         "CUIWindowClass: Can't register window class pzl-FrameWindow, gle: 4711\n",
-        trace.Text());
-    EXPECT_EQ((std::vector<HICON>{nullptr, reinterpret_cast<HICON>(1014)}), registrations.m_icons);
-    registrations.m_bFail = false;
+        trace.m_text);
+    EXPECT_EQ((std::vector<HICON>{nullptr, reinterpret_cast<HICON>(1014)}), s_icons);
+    s_bFail = false;
     EXPECT_EQ(1, CUIWindowClassRegister(CUI_CLASS_FRAMEWINDOW));
-    EXPECT_EQ(2u, registrations.m_names.size());
+    EXPECT_EQ(2u, s_names.size());
     EXPECT_EQ(1, CUIWindowClassRegister(CUI_CLASS_CONTROLBAR));
-    EXPECT_EQ(3u, registrations.m_names.size());
+    EXPECT_EQ(3u, s_names.size());
 }
