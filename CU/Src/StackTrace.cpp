@@ -139,7 +139,7 @@ void FormatLine(DWORD dwAddress, DWORD dwInside, CLine &line)
 bool WalkOtherThread(HANDLE hThread, CCUStackAddresses &stack)
 {
     CONTEXT context = {};
-    context.ContextFlags = CONTEXT_CONTROL | CONTEXT_INTEGER;
+    context.ContextFlags = CONTEXT_FULL;
     if (SuspendThread(hThread) == static_cast<DWORD>(-1))
         return false;
     const bool bKnown = GetThreadContext(hThread, &context) != 0;

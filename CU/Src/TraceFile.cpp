@@ -100,12 +100,13 @@ FILE *CUOpenReport()
 
 void CUCloseReport(FILE *file)
 {
-    // A handler that crashes takes no more along than its own text.
-    fflush(file);
     for (CReportHandler *node = Load(&s_pFirstHandler); node; node = Load(&node->next)) {
         void (*handler)(FILE *) = Load(&node->handler);
-        if (handler)
-            handler(file);
+        if (!handler)
+            continue;
+        // A handler that crashes takes no more along than its own text.
+        fflush(file);
+        handler(file);
     }
     fclose(file);
 }

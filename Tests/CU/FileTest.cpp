@@ -228,7 +228,7 @@ TEST(File, TranslatesNamesUpTo500Characters)
 TEST(File, MakesTheDirectoriesThatAreMissing)
 {
     const CTemporaryDirectory directory;
-    const std::string base = directory.Path();
+    const std::string &base = directory.Path();
     EXPECT_EQ(0, CCUFileCreateDirs("", 0));
     EXPECT_EQ(1, CCUFileCreateDirs((base + "/a/b/file.txt").c_str(), 1));
     EXPECT_TRUE(IsDirectory(base + "\\a\\b"));

@@ -307,6 +307,18 @@ TEST(BmpBlt, LeaksNothingAndLetsGoOfEverythingWhicheverCallFails)
         drawAll();
     });
     EXPECT_GE(nCalls, 12);
+    // Without the picture in between, BgBlt draws nothing and the mask stays empty.
+    const CPixelMap before = target.Read();
+    CFailPlan::Start(2);
+    CUIBmpBgBlt(target, 0, 0, image.Bitmap(), KEY);
+    EXPECT_EQ("", Difference(before, target.Read()));
+    CFailPlan::Start(2);
+    HGDIOBJ hMask = CUIBmpMakeMask(target, 0, 0, image.Bitmap(), KEY);
+    CUIBmpBitBlt(target, 0, 0, static_cast<HBITMAP>(hMask), 0, 0, 0, 0, nullptr, 0);
+    EXPECT_EQ("", Difference(CPixelMap(12, 10), target.Read()));
+    CUIBmpDeleteObject(&hMask);
+    EXPECT_EQ(nullptr, hMask);
+    CUIBmpDeleteObject(&hMask);
     EXPECT_NEAR(nBefore, GdiCount(), 2);
     EXPECT_NE(std::string::npos, directory.Contents("ZELTrace-*.txt")
                                      .find("Assert:*pMemDC = CreateCompatibleDC(hDC)  File:Bmp  "));

@@ -134,6 +134,8 @@ TEST(BmpState, LeaksNothingTracesWhatFailsAndMakesTheBrushForNewColoursOnly)
         for (const COLORREF cr : {0x99, 0x99, 0x77})
             drawAll(cr);
         EXPECT_EQ(2, CFailPlan::s_nCalls);
+        CUIBmpDrawState(target, &rects.rcArea, image.Bitmap(), 0, 0x77, 0x66, SHADOW);
+        EXPECT_EQ(3, CFailPlan::s_nCalls);
         const CFailingCall<HBITMAP(int, int, UINT, UINT, const void *)> createBitmap(
             "CreateBitmap");
         const CFailingCall<HBRUSH(COLORREF)> createBrush("CreateSolidBrush");

@@ -105,7 +105,7 @@ TEST(Data, FollowsTheSystemsColours)
     for (int i = 0; i <= 30; ++i) {
         indexes[i] = i;
         old[i] = GetSysColor(i);
-        colors[i] = i == 30 ? 0 : static_cast<COLORREF>(0x102030 + 0x010305 * i);
+        colors[i] = i == 30 ? 0 : 0x102030U + 0x010305U * static_cast<COLORREF>(i);
     }
     SetSysColors(31, indexes, colors);
     // Who still has an old object selected does not hold the update up.

@@ -45,7 +45,8 @@ private:
             headers->OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_IMPORT];
         for (const IMAGE_IMPORT_DESCRIPTOR *library =
                  At<IMAGE_IMPORT_DESCRIPTOR>(directory.VirtualAddress);
-             library->Name; ++library) {
+             library->Name; ++library)
+        {
             const DWORD *names = At<DWORD>(library->OriginalFirstThunk);
             for (DWORD i = 0; names[i]; ++i) {
                 if (names[i] & IMAGE_ORDINAL_FLAG32)

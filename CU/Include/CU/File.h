@@ -43,7 +43,7 @@ public:
     // the list above are reported with "0" and fail, typeText is reported with
     // "(nOpenFlags & typeText) == 0".
     int Open(const char *name, unsigned int nOpenFlags);
-    bool isOpen() const;
+    bool isOpen() const;  // NOLINT(readability-identifier-naming): callers know it so
     // The name given to Open, empty after Close.
     CCUString GetFileName() const;
 
