@@ -8,7 +8,8 @@ class CCUString;
 // registered windows, to the registered callbacks and to the debugger, in this order. Any thread
 // may call; one critical section serialises everything here, callbacks included, so a callback
 // must not wait for a thread that dumps. Nothing here fails towards its caller: an output that
-// does not work is left out. The thread's last error is kept.
+// does not work is left out. The thread's last error is kept. From the first constructor of a
+// global object to the last destructor; what comes later at process exit goes to the debugger only.
 
 // Formats as printf does and dumps the text. A text of 2048 characters or more is reported with
 // "nLength < DumpBufferSize" and cut to 2047; CUDumpString takes any length.
@@ -55,7 +56,8 @@ CU_API int CUDumpConfigLogFileManagement(int daysToKeep, int filesToKeep, long m
 CU_API void CUDumpGetConfigLogFileManagement(int *daysToKeep, int *filesToKeep, long *maxFileSize,
                                              bool *manageAllFiles);
 
-// Told after the text that followed the size limit has opened a new file and gone into it.
+// Told after the text that followed the size limit has opened a new file and gone into it. What it
+// dumps itself goes everywhere, and is not told when it runs over again.
 class CU_API CCUDumpFileOverrunCallback
 {
 public:
