@@ -5,7 +5,7 @@
 #include "Support/Dumped.h"
 #include "Support/Fuzz.h"
 #include "Support/GuardedBuffer.h"
-#include "Support/ImportHook.h"
+#include "Support/ZoneHook.h"
 
 namespace {
 
@@ -120,7 +120,7 @@ TEST(Time, FieldsAtAndBeyondTheLimits)
 
 TEST(Time, ParsesTimesAndDates)
 {
-    const CImportHook hook("GetTimeZoneInformation", ZoneWithSummer);
+    const CZoneHook hook(ZoneWithSummer);
     const CCUTime noon(2001, 7, 4, 12, 30, 15);
     const auto parsed = [&](const char *text, bool bDate) {
         CCUTime time(noon);
@@ -188,7 +188,7 @@ TEST(TimeSpan, SplitsFormatsAndParses)
 TEST(Time, GeneratedTextsAreSafe)
 {
     const CTemporaryDirectory directory;
-    const CImportHook hook("GetTimeZoneInformation", ZoneWithSummer);
+    const CZoneHook hook(ZoneWithSummer);
     unsigned nRandom = 7;
     const auto next = [&](unsigned n) {
         nRandom = nRandom * 1664525 + 1013904223;

@@ -6,8 +6,8 @@
 #include "CU/Time.h"
 #include "Support/Dumped.h"
 #include "Support/Fuzz.h"
-#include "Support/ImportHook.h"
 #include "Support/TemporaryDirectory.h"
+#include "Support/ZoneHook.h"
 
 namespace {
 
@@ -164,13 +164,6 @@ DWORD WINAPI FakeCurrentZone(TIME_ZONE_INFORMATION *zone)
     return s_bZoneKnown ? TIME_ZONE_ID_STANDARD : TIME_ZONE_ID_INVALID;
 }
 
-void WaitForTick()
-{
-    const DWORD dwTick = GetTickCount();
-    while (GetTickCount() == dwTick) {
-    }
-}
-
 }  // namespace
 
 TEST(TimeZone, AgreesWithTheSystemBothWaysExceptWhereItsRulesDiffer)
@@ -249,7 +242,7 @@ TEST(TimeZone, RecordsOfNonsenseAreSafe)
 TEST(TimeZone, NullStandsForTheCurrentZone)
 {
     const CTemporaryDirectory directory;
-    const CImportHook hook("GetTimeZoneInformation", FakeCurrentZone);
+    const CZoneHook hook(FakeCurrentZone);
     s_current = ReadZone("Eastern Standard Time");
     const CCUTime noon(2001, 7, 4, 12, 30, 15);
     EXPECT_EQ(994264215, noon.GetTime());
@@ -262,12 +255,12 @@ TEST(TimeZone, NullStandsForTheCurrentZone)
 
     // A change of zone shows by the next tick of the clock.
     s_current.Bias = 0;
-    WaitForTick();
+    CZoneHook::WaitForTick();
     EXPECT_EQ(17, noon.GetHour());
 
     s_bZoneKnown = FALSE;
     CDumped dumped;
-    WaitForTick();
+    CZoneHook::WaitForTick();
     const time_t time = 994264215;
     const tm local = *localtime(&time);
     EXPECT_EQ(0, memcmp(&local, noon.GetLocalTm(nullptr, nullptr), sizeof local));
