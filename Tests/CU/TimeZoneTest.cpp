@@ -199,17 +199,27 @@ TEST(TimeZone, AgreesWithTheSystemBothWaysExceptWhereItsRulesDiffer)
 TEST(TimeZone, EndOfDaylightTimeMovedOverMidnightStaysOnItsDay)
 {
     // Ends on Sunday 21 February 2010 at 00:00 daylight time, -01:00 in standard time.
-    const TIME_ZONE_INFORMATION zone = ReadZone("E. South America Standard Time/2010");
-    const CCUTime last(2010, 2, 21, 22, 59, 59, 0, &zone);
-    tm record;
-    EXPECT_EQ(1, last.GetLocalTm(&record, &zone)->tm_isdst);
-    EXPECT_EQ(0, (last + 1L).GetLocalTm(&record, &zone)->tm_isdst);
-    // A flag that is given decides alone; without a rule there is only standard time.
-    EXPECT_EQ(3600, (last - CCUTime(2010, 2, 21, 22, 59, 59, 1, &zone)).GetSpan());
-    EXPECT_TRUE(last == CCUTime(2010, 2, 21, 22, 59, 59, 2, &zone));
-    TIME_ZONE_INFORMATION none = zone;
-    none.StandardDate.wMonth = 0;
-    EXPECT_EQ(0, last.GetLocalTm(&record, &none)->tm_isdst);
+    TIME_ZONE_INFORMATION zone = ReadZone("E. South America Standard Time/2010");
+    const auto isDaylight = [&](int nDay, int nHour, int nMinute, int nSecond) {
+        tm record;
+        const CCUTime time(2010, 2, nDay, nHour, nMinute, nSecond, 0, &zone);
+        return time.GetLocalTm(&record, &zone)->tm_isdst == 1;
+    };
+    EXPECT_TRUE(isDaylight(21, 22, 59, 59) && !isDaylight(21, 23, 0, 0));
+    // The step is a millisecond short of a day, either way.
+    zone.StandardDate.wMilliseconds = 1;
+    EXPECT_TRUE(isDaylight(21, 22, 59, 59) && !isDaylight(21, 23, 0, 0));
+    zone.StandardDate = {0, 2, 0, 3, 23, 30, 0, 0};
+    zone.DaylightBias = 60;
+    EXPECT_TRUE(isDaylight(21, 0, 30, 0) && !isDaylight(21, 0, 30, 1));
+    // A flag that is given decides alone; other zones and zones without a rule in the same year.
+    const CCUTime summer(2010, 1, 21, 0, 0, 0, 1, &zone);
+    EXPECT_EQ(-3600, (CCUTime(2010, 1, 21, 0, 0, 0, 2, &zone) - summer).GetSpan());
+    const TIME_ZONE_INFORMATION north = ReadZone("Eastern Standard Time");
+    EXPECT_STREQ("Winter", summer.FormatTZI("%Z", &north));
+    EXPECT_STREQ("Summer", summer.FormatTZI("%Z", &zone));
+    zone.StandardDate.wMonth = 0;
+    EXPECT_STREQ("Winter", summer.FormatTZI("%Z", &zone));
 }
 
 TEST(TimeZone, RecordsOfNonsenseAreSafe)

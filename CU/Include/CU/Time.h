@@ -56,7 +56,8 @@ private:
 // 0x7FFFFFFF, which so serves as the mark of an invalid one; only += and -= may leave a negative
 // value behind. Every year divisible by 4 is a leap year here.
 //
-// Where a zone is asked for, null is the system's current one. The conversions may be called from
+// Where a zone is asked for, null is the system's current one, as it was at most one tick of
+// GetTickCount ago. The conversions may be called from
 // any thread; the shared record that GetGmtTm(nullptr) and GetLocalTm(nullptr, ...) return is the
 // C library's own and lasts until the next call of either.
 class CU_API CCUTime
