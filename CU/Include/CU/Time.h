@@ -57,9 +57,9 @@ private:
 // value behind. Every year divisible by 4 is a leap year here.
 //
 // Where a zone is asked for, null is the system's current one, as it was at most one tick of
-// GetTickCount ago. The conversions may be called from
-// any thread; the shared record that GetGmtTm(nullptr) and GetLocalTm(nullptr, ...) return is the
-// C library's own and lasts until the next call of either.
+// GetTickCount ago. The conversions may be called from any thread; the shared record that
+// GetGmtTm(nullptr) and GetLocalTm(nullptr, ...) return is the C library's own and lasts until the
+// next call of either.
 class CU_API CCUTime
 {
 public:
