@@ -53,7 +53,7 @@ TEST(OffScreenDC, GrowsNeverShrinksAndKeepsWhatWasDrawnWhileItFits)
     s_hPrinter = printer;
     CImportHook caps("GetDeviceCaps", DeviceCaps);
     s_caps = caps.Original<int WINAPI(HDC, int)>();
-    CTestSurface warm(0, CPixelMap(9, 9));
+    const int nScreen = GetDeviceCaps(screen, BITSPIXEL);
     const int nBefore = GdiCount();
     {
         CCUIOffScreenDC osdc;
@@ -62,11 +62,12 @@ TEST(OffScreenDC, GrowsNeverShrinksAndKeepsWhatWasDrawnWhileItFits)
             HDC hDC;
             int cx, cy, cxBitmap, cyBitmap, nBits;
             bool bNew;
-        } steps[] = {{screen, 200, 20, 200, 20, 32, true}, {screen, 200, 20, 200, 20, 32, false},
-                     {screen, 100, 50, 200, 50, 32, true}, {screen, 1, 1, 200, 50, 32, false},
-                     {screen, -5, 0, 200, 50, 32, false},  {printer, 10, 10, 200, 50, 1, true},
-                     {printer, 10, 51, 200, 51, 1, true},  {screen, 201, 3, 201, 51, 32, true},
-                     {screen, 201, 51, 201, 51, 32, false}};
+        } steps[] = {
+            {screen, 200, 20, 200, 20, nScreen, true}, {screen, 200, 20, 200, 20, nScreen, false},
+            {screen, 100, 50, 200, 50, nScreen, true}, {screen, 1, 1, 200, 50, nScreen, false},
+            {screen, -5, 0, 200, 50, nScreen, false},  {printer, 10, 10, 200, 50, 1, true},
+            {printer, 10, 51, 200, 51, 1, true},       {screen, 201, 3, 201, 51, nScreen, true},
+            {screen, 201, 51, 201, 51, nScreen, false}};
         HDC hFirst = nullptr;
         for (const auto &step : steps) {
             SCOPED_TRACE(&step - steps);
