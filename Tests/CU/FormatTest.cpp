@@ -115,20 +115,23 @@ TEST(Format, NeverLeavesItsBlockWhateverTheFormat)
                                   " ", "h", "l", "F", "N", "L",    "I64",  "w",  "c", "C",  "s",
                                   "s", "S", "d", "i", "o", "p",    "u",    "x",  "X", "e",  "f",
                                   "g", "G", "E", "n", "a", "text", "\xE9", "\n", "7", "12", "345 "};
-    std::vector<char> expected(1 << 20);
+    std::vector<char> expected(1 << 20), original(0x1000);
+    for (size_t n = 0; n < 64; ++n)
+        memcpy(&original[n * 16], n % 2 ? "s\0h\0o\0r\0t\0\0" : "bytes", n % 2 ? 12 : 6);
     for (int i = 0; i < FuzzInputs(); ++i) {
         std::string format;
         for (unsigned int n = random() % 10; n > 0; --n)
             format += tokens[random() % (sizeof tokens / sizeof *tokens)];
         const char *pszFormat = format.c_str();
         DWORD args[32];
-        for (DWORD &arg : args) {
+        for (DWORD &arg : args)
             arg = nBase + random() % 64 * 16;
-            memcpy(reinterpret_cast<void *>(arg), "s\0h\0o\0r\0t\0\0\0longer", 12);
-        }
+        memcpy(texts, original.data(), original.size());
         CFormatted text;
         text.FormatV(pszFormat, reinterpret_cast<va_list>(args));
         ASSERT_LE(text.GetLength(), text.GetAllocLength()) << pszFormat;
+        // "%n" may have written to a text that another item shows.
+        memcpy(texts, original.data(), original.size());
         const int n = _vsnprintf(expected.data(), expected.size(), pszFormat,
                                  reinterpret_cast<va_list>(args));
         const size_t nLength = static_cast<size_t>(text.GetLength());
