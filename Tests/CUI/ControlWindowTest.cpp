@@ -2,6 +2,7 @@
 
 #include <functional>
 #include <memory>
+#include <utility>
 
 #include "CUI/ControlWindow.h"
 #include "Support/ImportHook.h"
@@ -43,7 +44,7 @@ public:
     Texts Told()
     {
         PumpWaiting();
-        return std::move(m_told);
+        return std::exchange(m_told, {});
     }
 
     Texts m_told;
