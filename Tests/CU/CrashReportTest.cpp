@@ -32,20 +32,21 @@ void Handler(FILE *file)
     fputs("the handler's line\n", file);
 }
 
-// Each crash has its name in the stack.
+// Each crash has its name in the stack. None is for the checker of undefined behaviour.
+#define CRASHES __attribute__((no_sanitize("undefined")))
 volatile int s_nZero = 0;
 
-void WriteToNull()
+CRASHES void WriteToNull()
 {
     *static_cast<volatile int *>(reinterpret_cast<int *>(s_nZero)) = 1;
 }
 
-void CallNull()
+CRASHES void CallNull()
 {
     reinterpret_cast<void (*)()>(s_nZero)();
 }
 
-void DivideByZero()
+CRASHES void DivideByZero()
 {
     s_nZero = 100 / s_nZero;
 }
@@ -55,7 +56,7 @@ void RaiseUnknown()
     RaiseException(0xE1234567, 0, 0, nullptr);
 }
 
-int Recurse(volatile char *last)
+CRASHES int Recurse(volatile char *last)
 {
     volatile char room[4096];
     room[0] = *last;
