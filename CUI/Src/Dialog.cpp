@@ -235,6 +235,10 @@ int CCUIDialog::PreTranslateMessage(MSG *pMsg)
 void CCUIDialog::OnDestroy()
 {
     GiveOwnerBack();
+    // A loop that waits may be where this came from, sent by another thread: what is posted to the
+    // window is lost with it, so the thread itself is woken.
+    if (m_mode == ModeModal)
+        PostThreadMessageA(GetCurrentThreadId(), WM_NULL, 0, 0);
     m_bActive = 0;
     m_bEnded = 1;
     m_mode = ModeNone;

@@ -106,6 +106,27 @@ TEST(Dialog, EndsWithWhatItWasToldInEveryWay)
     }
 }
 
+namespace {
+
+DWORD WINAPI SendCancel(LPVOID hWnd)
+{
+    SendMessageA(static_cast<HWND>(hWnd), WM_COMMAND, IDCANCEL, 0);
+    return 0;
+}
+
+}  // namespace
+
+// The loop waits in the very call that serves the sent message.
+TEST(Dialog, EndsWhenAnotherThreadSendsCancel)
+{
+    CTestDialog dialog;
+    dialog.m_inLoop = [](CTestDialog &running) {
+        const HWND hWnd = running;
+        CloseHandle(CreateThread(nullptr, 0, SendCancel, hWnd, 0, nullptr));
+    };
+    EXPECT_EQ(IDCANCEL, dialog.DoModal(nullptr));
+}
+
 TEST(Dialog, AnswersWhatCannotRun)
 {
     CTestDialog missing("no such template");
@@ -192,7 +213,9 @@ TEST(Dialog, RunsThreeDeepAndPassesQuitOn)
     EXPECT_EQ(IDCANCEL, outer.DoModal(nullptr));
     outer.Destroy();
     MSG msg;
-    ASSERT_TRUE(PeekMessageA(&msg, nullptr, 0, 0, PM_REMOVE));
+    do {
+        ASSERT_TRUE(PeekMessageA(&msg, nullptr, 0, 0, PM_REMOVE));
+    } while (msg.message == WM_NULL);
     EXPECT_EQ(UINT(WM_QUIT), msg.message);
     EXPECT_FALSE(PeekMessageA(&msg, nullptr, WM_QUIT, WM_QUIT, PM_REMOVE));
 }
@@ -306,8 +329,7 @@ TEST(Dialog, ExchangesDataAndTracksWhatTheUserChanges)
     EXPECT_FALSE(dialog.IsDirty());
 }
 
-namespace
-{
+namespace {
 
 // Presses OK in the message box that the dialog under test shows.
 void CALLBACK CloseBox(HWND, UINT, UINT_PTR nTimer, DWORD)
