@@ -39,6 +39,14 @@ void DrawLine(HDC hDC, int x, int y, const CCUString &sText)
     TextOutA(hDC, x, y, sText, sText.GetLength());
 }
 
+// What has been drawn may wait, in a batch or behind the queue's next message, to be shown; a
+// thread that sleeps looks for none.
+void ShowDrawing()
+{
+    GdiFlush();
+    MsgWaitForMultipleObjects(0, nullptr, FALSE, 0, 0);
+}
+
 }  // namespace
 
 CAutoRunDlg::CAutoRunDlg(HINSTANCE hInstance)
@@ -142,7 +150,7 @@ void CAutoRunDlg::SetIcons()
 void CAutoRunDlg::OnDestroy()
 {
     CCUIDialog::OnDestroy();
-    // The icon is shared by the system, so no more than the reference is given back.
+    // The icon came with LoadIcon and is the system's: DeleteObject gives nothing of it away.
     CUIBmpDeleteObject(reinterpret_cast<void **>(&m_hFontTitle));
     CUIBmpDeleteObject(reinterpret_cast<void **>(&m_hFontItem));
     CUIBmpDeleteObject(reinterpret_cast<void **>(&m_hFontAbout));
@@ -216,6 +224,7 @@ int CAutoRunDlg::PreTranslateMessage(MSG *pMsg)
     if (pMsg->message != WM_KEYDOWN || pMsg->wParam != VK_ESCAPE)
         return CCUIDialog::PreTranslateMessage(pMsg);
     SetHotSpot(HotSpotExit);
+    ShowDrawing();
     Sleep(s_nEscapePause);
     EndDialog(IDCANCEL);
     return 1;
