@@ -10,7 +10,7 @@ namespace {
 const unsigned int FIRST_ID = 10000;
 const int COMMANDS = 5000;
 
-class CBenchCommand final : public CCUICommandHandler
+class CBenchCommand : public CCUICommandHandler
 {
 public:
     explicit CBenchCommand(unsigned int nID) : CCUICommandHandler(nID, 1) {}

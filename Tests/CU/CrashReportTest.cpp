@@ -32,21 +32,20 @@ void Handler(FILE *file)
     fputs("the handler's line\n", file);
 }
 
-// Each crash has its name in the stack. None is for the checker of undefined behaviour.
-#define CRASHES __attribute__((no_sanitize("undefined")))
+// Each crash has its name in the stack.
 volatile int s_nZero = 0;
 
-CRASHES void WriteToNull()
+void WriteToNull()
 {
     *static_cast<volatile int *>(reinterpret_cast<int *>(s_nZero)) = 1;
 }
 
-CRASHES void CallNull()
+void CallNull()
 {
     reinterpret_cast<void (*)()>(s_nZero)();
 }
 
-CRASHES void DivideByZero()
+void DivideByZero()
 {
     s_nZero = 100 / s_nZero;
 }
@@ -56,7 +55,7 @@ void RaiseUnknown()
     RaiseException(0xE1234567, 0, 0, nullptr);
 }
 
-CRASHES int Recurse(volatile char *last)
+int Recurse(volatile char *last)
 {
     volatile char room[4096];
     room[0] = *last;

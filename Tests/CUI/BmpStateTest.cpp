@@ -131,7 +131,7 @@ TEST(BmpState, LeaksNothingTracesWhatFailsAndMakesTheBrushForNewColoursOnly)
     {
         CFailPlan::Start(0);
         const CFailingCall<HBRUSH(HBITMAP)> createPattern("CreatePatternBrush");
-        for (const COLORREF cr : {0x99U, 0x99U, 0x77U})
+        for (const COLORREF cr : {0x99, 0x99, 0x77})
             drawAll(cr);
         EXPECT_EQ(2, CFailPlan::s_nCalls);
         CUIBmpDrawState(target, &rects.rcArea, image.Bitmap(), 0, 0x77, 0x66, SHADOW);

@@ -1,0 +1,385 @@
+#!/usr/bin/python3
+"""The whole launcher, driven from outside: real input, real pixels, real programs.
+
+Usage: launcher_test.py --build FOLDER [GROUP...]   (within Tools/with-wine)
+"""
+
+import argparse
+import hashlib
+import os
+import subprocess
+import sys
+import tempfile
+import time
+import unittest
+
+from PIL import Image, ImageChops, ImageStat
+
+from launcher import (EXIT, HELP, NONE, RUN, SETUP, Build, Disc, Launcher, is_same, screen,
+                      wait_for, xdotool)
+
+ROOT = os.path.dirname(os.path.dirname(os.path.dirname(os.path.abspath(__file__))))
+LINES = (SETUP, EXIT, RUN, HELP)
+PROGRAMS = {SETUP: "Fennick.exe", RUN: "RunFennick.exe", HELP: "tutorial.exe"}
+WM_CANCELMODE, WM_CAPTURECHANGED = 0x001F, 0x0215
+NOWHERE = (5, 5, 200, 0)  # a part of the client area that is on no line
+
+
+class LauncherTest(unittest.TestCase):
+    skin = "AutoRun"
+    caption = "Fennick Setup"
+    programs = tuple(PROGRAMS.values())
+    moves = 0
+
+    @classmethod
+    def setUpClass(cls):
+        launcher = BUILD.launcher(cls.skin)
+        cls.pictures = [BUILD.reference(launcher, lit)[0] for lit in (*LINES, NONE)]
+        cls.spots = BUILD.reference(launcher)[1]
+
+    def setUp(self):
+        self.disc = Disc(BUILD, self.skin, self.programs)
+        self.addCleanup(self.disc.remove)
+        xdotool("mousemove", 0, 0)
+
+    def start(self, **options):
+        launcher = Launcher(BUILD, self.disc, caption=self.caption, **options)
+        self.addCleanup(launcher.__exit__)
+        launcher.wait_until_shown(self.pictures[NONE].size)
+        launcher.wait_for_picture(self.pictures[NONE], "the first picture")
+        return launcher
+
+    def over(self, launcher, line):
+        """Moves the pointer onto a line, or onto none."""
+        x, y, cx, cy = self.spots[line] if line != NONE else NOWHERE
+        # Never twice to the same place: a second press there would be a double click.
+        self.moves += 1
+        launcher.move(x + self.moves * 9 % cx, y + cy // 2)
+
+    def expect(self, launcher, lit):
+        launcher.wait_for_picture(self.pictures[lit], "the picture with line %d lit" % lit)
+
+    def wait_for_program(self, program, count=1):
+        wait_for(lambda: len(self.disc.started()) >= count, program)
+        started = self.disc.started()
+        self.assertEqual(count, len(started))
+        self.assertTrue(started[-1][0].endswith("\\" + program), started)
+
+    def close(self, launcher):
+        self.over(launcher, EXIT)
+        launcher.press()
+        self.expect(launcher, EXIT)
+        launcher.release()
+        self.assertEqual(0, launcher.wait_until_ended())
+
+
+class Looks(LauncherTest):
+    def test_window_and_pictures(self):
+        launcher = self.start()
+        info = dict(line.split(" ", 1) for line in launcher.remote("info").splitlines())
+        width, height = self.pictures[NONE].size
+        screen_size = tuple(map(int, info["screen"].split()))
+        left, top = (screen_size[0] - width) // 2, (screen_size[1] - height) // 2
+        self.assertEqual("%d %d %d %d" % (left, top, left + width, top + height), info["rect"])
+        self.assertEqual("%d %d" % (width, height), info["client"])  # no border
+        self.assertEqual((left, top), (launcher.left, launcher.top))
+        self.assertEqual(0x90000000, int(info["style"], 16) & 0xF0CF0000)
+        self.assertEqual(0x00040000, int(info["exstyle"], 16) & 0x00040000)
+        for line in LINES:
+            self.over(launcher, line)
+            self.expect(launcher, line)
+        self.over(launcher, NONE)
+        self.expect(launcher, NONE)
+        self.assertEqual([], launcher.reports())
+        self.close(launcher)
+
+
+class SecondSkin(Looks):
+    skin = "HarbourTides"
+    caption = "Harbour Tides"
+    programs = ("Tides.exe", "Guide.exe")
+
+    def test_programs_with_arguments(self):
+        launcher = self.start()
+        for count, (line, program, arguments) in enumerate(
+                ((SETUP, "Tides.exe", "/install"), (RUN, "Tides.exe", ""),
+                 (HELP, "Guide.exe", "")), 1):
+            self.over(launcher, line)
+            launcher.press()
+            launcher.release()
+            self.wait_for_program(program, count)
+            self.assertEqual(arguments, self.disc.started()[-1][1])
+
+
+class Mouse(LauncherTest):
+    def test_press_drag_release(self):
+        launcher = self.start()
+        self.over(launcher, RUN)
+        self.expect(launcher, RUN)
+        launcher.press()
+        self.over(launcher, NONE)
+        self.expect(launcher, NONE)  # dragged off
+        self.over(launcher, HELP)
+        self.expect(launcher, NONE)  # another line stays dark
+        self.over(launcher, RUN)
+        self.expect(launcher, RUN)  # and back
+        self.over(launcher, HELP)
+        self.expect(launcher, NONE)
+        launcher.release()
+        self.expect(launcher, HELP)  # released elsewhere: nothing starts, the line lights up
+        self.over(launcher, RUN)
+        launcher.press()
+        self.over(launcher, NONE)
+        self.expect(launcher, NONE)
+        xdotool("mousemove", 1, 1)  # outside of the window: captured
+        self.over(launcher, RUN)
+        self.expect(launcher, RUN)
+        launcher.release()
+        self.wait_for_program("RunFennick.exe")  # of all this the only start
+
+        # A press on no line is no press of what it is released on.
+        self.over(launcher, NONE)
+        self.expect(launcher, NONE)
+        launcher.press()
+        self.over(launcher, SETUP)
+        self.expect(launcher, SETUP)
+        launcher.release()
+        self.over(launcher, HELP)
+        self.expect(launcher, HELP)
+        self.assertEqual(1, len(self.disc.started()))
+        self.close(launcher)
+
+    def test_lost_press(self):
+        launcher = self.start()
+        for message in (WM_CANCELMODE, WM_CAPTURECHANGED):
+            self.over(launcher, RUN)
+            self.expect(launcher, RUN)
+            launcher.press()
+            self.over(launcher, HELP)
+            self.expect(launcher, NONE)
+            launcher.remote("send", message, 0, 0)
+            self.over(launcher, NONE)
+            self.expect(launcher, NONE)
+            self.over(launcher, HELP)
+            self.expect(launcher, HELP)  # nothing is held any more
+            self.over(launcher, RUN)
+            self.expect(launcher, RUN)
+            launcher.release()  # where it was pressed, but the press is gone
+            self.over(launcher, NONE)
+            self.expect(launcher, NONE)
+        self.assertEqual([], self.disc.started())
+        self.close(launcher)
+
+    def test_edges_belong_to_the_line(self):
+        launcher = self.start()
+        x, y, cx, cy = self.spots[HELP]
+        self.assertEqual((46, 140), (x, y))
+        for at, lit in (((x, y), HELP), ((x - 1, y), NONE), ((x + cx, y), HELP),
+                        ((x + cx + 1, y), NONE), ((x, y + cy), HELP), ((x, y + cy + 1), NONE),
+                        ((x + cx, y + cy), HELP), ((x, y - 1), NONE)):
+            launcher.move(*at)
+            self.expect(launcher, lit)
+
+
+class Programs(LauncherTest):
+    def test_each_line_starts_its_program_once(self):
+        launcher = self.start()
+        for count, line in enumerate(PROGRAMS, 1):
+            self.over(launcher, line)
+            self.expect(launcher, line)
+            launcher.press()
+            launcher.release()
+            self.wait_for_program(PROGRAMS[line], count)
+            self.assertIsNone(launcher.process.poll())
+        self.close(launcher)
+        self.assertEqual(3, len(self.disc.started()))
+
+    def test_escape_shows_exit_for_half_a_second(self):
+        # The lit line is there for half a second only, which a busy machine may miss.
+        for _ in range(5):
+            if self.escape():
+                return
+        self.fail("never saw the exit line lit")
+
+    def escape(self):
+        launcher = self.start()
+        # A key before the window has the focus is lost.
+        self.over(launcher, NONE)
+        launcher.press()
+        launcher.release()
+        seen = False
+        pressed = time.monotonic()
+        xdotool("key", "Escape")
+        while launcher.process.poll() is None:
+            picture = launcher.picture(self.pictures[EXIT].size)
+            seen = seen or is_same(picture, self.pictures[EXIT])
+            self.assertLess(time.monotonic() - pressed, 60)
+        self.assertEqual(0, launcher.process.returncode)
+        self.assertGreaterEqual(time.monotonic() - pressed, 0.5)
+        return seen
+
+    def test_missing_program_any_command_line_two_at_once(self):
+        os.remove(os.path.join(self.disc.folder, "Fennick.exe"))
+        first = self.start(arguments=("/silent", "-x", '"quoted words"', "%s%n"))
+        second = self.start()
+        for launcher in (second, first):
+            self.over(launcher, SETUP)
+            self.expect(launcher, SETUP)
+            launcher.press()
+            launcher.release()
+            self.over(launcher, NONE)
+            self.expect(launcher, NONE)  # it answers: nothing happened
+            self.close(launcher)
+        self.assertEqual([], self.disc.started())
+
+
+class DiscFolder(LauncherTest):
+    def snapshot(self):
+        state = []
+        for name in sorted(os.listdir(self.disc.folder)):
+            path = os.path.join(self.disc.folder, name)
+            with open(path, "rb") as file:
+                state.append((name, os.stat(path).st_mtime_ns,
+                              hashlib.sha256(file.read()).hexdigest()))
+        return state
+
+    def test_read_only_cd_rom(self):
+        drive = os.path.join(os.environ["WINEPREFIX"], "dosdevices", "q:")
+        if os.path.lexists(drive):
+            os.remove(drive)
+        os.symlink(self.disc.folder, drive)
+        self.addCleanup(os.remove, drive)
+        subprocess.run(["wine", "reg", "add", r"HKLM\Software\Wine\Drives", "/v", "q:", "/d",
+                        "cdrom", "/f"], check=True, stdout=subprocess.DEVNULL)
+        for name in os.listdir(self.disc.folder):
+            os.chmod(os.path.join(self.disc.folder, name), 0o555)
+        os.chmod(self.disc.folder, 0o555)
+        before = self.snapshot()
+        with tempfile.TemporaryDirectory() as elsewhere:
+            launcher = self.start(path="q:\\AutoRun.exe", cwd=elsewhere)
+            for count, line in enumerate(PROGRAMS, 1):
+                self.over(launcher, line)
+                launcher.press()
+                launcher.release()
+                self.wait_for_program(PROGRAMS[line], count)
+                path, _, directory = self.disc.started()[-1]
+                self.assertEqual("q:\\" + PROGRAMS[line], path.replace("Q:", "q:"))
+                self.assertTrue(directory.lower().endswith(os.path.basename(elsewhere).lower()))
+            self.close(launcher)
+            self.assertEqual([], os.listdir(elsewhere))
+        self.assertEqual(before, self.snapshot())
+
+
+def point(name):
+    return 'sscanf(sText, "%%d,%%d", &%s.x, &%s.y) == 2' % (name, name)
+
+
+FONT = ('sscanf(sText, "%d,%d,%d,%s", &nHeight, &nBold, &nItalic,'
+        '(PCTSTR)logFont.lfFaceName) == 4')
+COLOUR = 'sscanf(sText, "%d,%d,%d", &nRed, &nGreen, &nBlue) == 3'
+RECTANGLE = ('sscanf(sText, "%d,%d,%d,%d", &m_rectAbout.left, &m_rectAbout.top, '
+             '&m_rectAbout.right, &m_rectAbout.bottom) == 4')
+FIRST_TEN = [FONT] * 3 + [point("m_pt" + name) for name in (
+    "ProductBMP", "ProductIcon", "SetupIcon", "ExitIcon", "RunIcon", "HelpIcon", "TitleDVR")]
+
+
+class BadInput(LauncherTest):
+    def check(self, skin, size, reports):
+        """Runs the launcher with a skin; it paints, reports what it must, and closes."""
+        self.disc = Disc(BUILD, skin)
+        self.addCleanup(self.disc.remove)
+        launcher = Launcher(BUILD, self.disc)
+        self.addCleanup(launcher.__exit__)
+        if size:
+            launcher.wait_until_shown(size)
+        wait_for(lambda: self.answers(launcher), "an answer from the window")
+        self.assertEqual(reports, launcher.reports())
+        launcher.remote("send", 0x0111, 2, 0)  # Cancel, in place of an Exit line that may be lost
+        self.assertEqual(0, launcher.wait_until_ended())
+        self.assertEqual(reports, launcher.reports())
+
+    @staticmethod
+    def answers(launcher):
+        try:
+            return launcher.remote("info")
+        except subprocess.CalledProcessError:
+            return None
+
+    def test_entries_that_do_not_parse(self):
+        size = self.pictures[NONE].size
+        self.check("Unparsable", size, FIRST_TEN)
+        self.check("UnparsableLater", size, [point("m_ptSetup"), point("m_ptRun"),
+                                             point("m_ptHelp"), RECTANGLE, COLOUR, COLOUR])
+
+    def test_entries_that_are_missing(self):
+        self.check("CaptionOnly", self.pictures[NONE].size, FIRST_TEN)
+
+    def test_pictures_that_are_missing_or_empty(self):
+        self.check("NoPictures", None, [])
+        self.check("ZeroPictures", None, [])
+
+    def test_long_face_name(self):
+        self.check("LongFace", self.pictures[NONE].size, [])
+
+
+class Screens(unittest.TestCase):
+    """Screens of fewer colours, each in front of a prefix of its own."""
+
+    def run_at_depth(self, depth, test):
+        # The prefix shows its windows on one screen at a time, so these need another one.
+        prefix = os.path.join(ROOT, "build", "wine-screens")
+        environment = dict(os.environ, AUTORUN_WINEPREFIX=prefix, SCREEN_DEPTH=str(depth))
+        for name in ("DISPLAY", "WITH_WINE_INSIDE", "WINEPREFIX"):
+            environment.pop(name, None)
+        subprocess.run([os.path.join(ROOT, "setup")], env=environment, check=True)
+        subprocess.run([os.path.join(ROOT, "Tools/with-wine"), sys.executable, __file__, "--build",
+                        BUILD.folder, test], env=environment, check=True)
+
+    def test_16_bits(self):
+        self.run_at_depth(16, "HighColour")
+
+    def test_8_bits(self):
+        self.run_at_depth(8, "Palette")
+
+
+class HighColour(Looks):
+    """Run by Screens: everything as it is with more colours, in the colours that there are."""
+
+
+class Palette(LauncherTest):
+    """Run by Screens: the palette is realised, and realised again when another one was."""
+
+    def close_to(self, launcher, lit):
+        def near():
+            picture = launcher.picture(self.pictures[lit].size)
+            return max(ImageStat.Stat(ImageChops.difference(picture, TRUE[lit])).mean) < 12
+        wait_for(near, "colours near those of the skin")
+
+    def start(self, **options):
+        launcher = Launcher(BUILD, self.disc, caption=self.caption, **options)
+        self.addCleanup(launcher.__exit__)
+        launcher.wait_until_shown(self.pictures[NONE].size)
+        return launcher
+
+
+GROUPS = {"Looks": (Looks, SecondSkin), "Mouse": (Mouse,), "Programs": (Programs,),
+          "Disc": (DiscFolder,), "BadInput": (BadInput,), "Screens": (Screens,),
+          "HighColour": (HighColour,), "Palette": (Palette,)}
+
+
+def main():
+    global BUILD
+    parser = argparse.ArgumentParser()
+    parser.add_argument("--build", required=True)
+    parser.add_argument("groups", nargs="*", default=list(GROUPS)[:6])
+    options = parser.parse_args()
+    BUILD = Build(options.build)
+    loader = unittest.TestLoader()
+    suite = unittest.TestSuite(loader.loadTestsFromTestCase(case) for group in options.groups
+                               for case in GROUPS[group])
+    result = unittest.TextTestRunner(verbosity=2).run(suite)
+    return 0 if result.wasSuccessful() and result.testsRun else 1
+
+
+if __name__ == "__main__":
+    sys.exit(main())
