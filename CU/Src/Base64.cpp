@@ -39,8 +39,10 @@ char Letter(unsigned int nGroup, int nShift)
 // The four characters of a group of 24 bits, the top six first.
 void PutGroup(char *pch, unsigned int nGroup)
 {
-    for (int i = 0; i < 4; ++i)
-        pch[i] = Letter(nGroup, 18 - 6 * i);
+    pch[0] = Letter(nGroup, 18);
+    pch[1] = Letter(nGroup, 12);
+    pch[2] = Letter(nGroup, 6);
+    pch[3] = Letter(nGroup, 0);
 }
 
 // Two characters for each 12 bits. Made when a long text first needs it, not kept in the program's
@@ -48,7 +50,7 @@ void PutGroup(char *pch, unsigned int nGroup)
 unsigned short s_pairs[4096];
 volatile LONG s_bPairsMade = 0;
 
-const int LONG_TEXT = 4096;
+const int LONG_TEXT = 256;
 
 void MakePairs()
 {

@@ -31,6 +31,11 @@ bool IsModifier(char ch)
     return ch == 'h' || ch == 'l' || ch == 'F' || ch == 'N' || ch == 'L';
 }
 
+bool IsPlainType(char ch)
+{
+    return ch == 'c' || ch == 'd' || ch == 'i' || ch == 'u' || ch == 'x' || ch == 's';
+}
+
 // The length of a text of which no more than nMost characters will be read; null is empty.
 template <typename Char>
 int TextLength(const Char *psz, int nMost)
@@ -45,18 +50,17 @@ int TextLength(const Char *psz, int nMost)
 class CFormatEstimate
 {
 public:
-    // Texts between pOwn and pOwnEnd are the target's own.
-    CFormatEstimate(const char *pszFormat, va_list args, const char *pOwn, const char *pOwnEnd)
+    // Uses the arguments up. Texts between pOwn and pOwnEnd are the target's own.
+    CFormatEstimate(const char *pszFormat, va_list *pArgs, const char *pOwn, const char *pOwnEnd)
         : m_p(pszFormat),
+          m_pArgs(pArgs),
           m_pOwn(pOwn),
           m_pOwnEnd(pOwnEnd),
           m_nMaxLen(0),
           m_bReadsOwn(false),
           m_bPlain(true)
     {
-        va_copy(m_args, args);
         Walk();
-        va_end(m_args);
     }
     int MaxLen() const { return m_nMaxLen; }
     // An argument is a part of the target.
@@ -81,7 +85,7 @@ private:
     static int FitString(const CItem &item, int nItemLen);
 
     const char *m_p;
-    va_list m_args;
+    va_list *m_pArgs;
     const char *m_pOwn;
     const char *m_pOwnEnd;
     int m_nMaxLen;
@@ -92,17 +96,23 @@ private:
 void CFormatEstimate::Walk()
 {
     for (; *m_p; ++m_p) {
-        if (*m_p != '%' || *++m_p == '%') {
+        const char *pText = m_p;
+        while (*m_p && *m_p != '%')
+            ++m_p;
+        m_nMaxLen = Add(m_nMaxLen, static_cast<int>(m_p - pText));
+        if (!*m_p)
+            return;
+        if (*++m_p == '%') {
             m_nMaxLen = Add(m_nMaxLen, 1);
             continue;
         }
         const char *pItem = m_p;
         const CItem item = ReadItem();
-        if (m_p != pItem || !*m_p || !strchr("cdiuxs", *m_p))
+        if (m_p != pItem || !IsPlainType(*m_p))
             m_bPlain = false;
         m_nMaxLen = Add(m_nMaxLen, ItemLength(item));
         if (!*m_p)
-            break;
+            return;
     }
 }
 
@@ -116,7 +126,7 @@ CFormatEstimate::CItem CFormatEstimate::ReadItem()
     if (*m_p == '.') {
         ++m_p;
         if (*m_p == '*') {
-            item.nPrecision = va_arg(m_args, int);
+            item.nPrecision = va_arg(*m_pArgs, int);
             ++m_p;
         } else {
             item.nPrecision = ReadNumber();
@@ -138,7 +148,7 @@ bool CFormatEstimate::ReadFlags(int &nWidth)
             m_nMaxLen = Add(m_nMaxLen, 2);
             break;
         case '*':
-            nWidth = va_arg(m_args, int);
+            nWidth = va_arg(*m_pArgs, int);
             bWidth = true;
             break;
         case '-':
@@ -166,7 +176,7 @@ int CFormatEstimate::ItemLength(const CItem &item)
 {
     switch (*m_p) {
     case 'c':
-    case 'C': va_arg(m_args, int); return FitString(item, 2);
+    case 'C': va_arg(*m_pArgs, int); return FitString(item, 2);
     case 's':
     case 'S': return FitString(item, Max(1, StringLength(item)));
     case 'd':
@@ -175,19 +185,19 @@ int CFormatEstimate::ItemLength(const CItem &item)
     case 'p':
     case 'u':
     case 'x':
-    case 'X': va_arg(m_args, int); return Max(NUMBER_LENGTH, Add(item.nWidth, item.nPrecision));
+    case 'X': va_arg(*m_pArgs, int); return Max(NUMBER_LENGTH, Add(item.nWidth, item.nPrecision));
     case 'e':
     case 'f':
     case 'g':
-    case 'G': va_arg(m_args, double); return Max(FLOAT_LENGTH, Add(item.nWidth, item.nPrecision));
-    case 'n': va_arg(m_args, void *); return 0;
+    case 'G': va_arg(*m_pArgs, double); return Max(FLOAT_LENGTH, Add(item.nWidth, item.nPrecision));
+    case 'n': va_arg(*m_pArgs, void *); return 0;
     default: CU_ASSERT_TEXT(false, "0"); return 0;
     }
 }
 
 int CFormatEstimate::StringLength(const CItem &item)
 {
-    const char *psz = va_arg(m_args, const char *);
+    const char *psz = va_arg(*m_pArgs, const char *);
     if (psz >= m_pOwn && psz <= m_pOwnEnd)
         m_bReadsOwn = true;
     if (!psz)
@@ -229,7 +239,8 @@ private:
         while (*psz)
             Put(*psz++);
     }
-    void PutNumber(unsigned int n, unsigned int nBase);
+    template <unsigned int nBase>
+    void PutNumber(unsigned int n);
     void PutSigned(int n);
 
     char *m_pch;
@@ -247,15 +258,16 @@ int CPlainWriter::Write(const char *pszFormat, va_list args)
         switch (*p) {
         case 'c': Put(static_cast<char>(va_arg(args, int))); break;
         case 's': PutText(va_arg(args, const char *)); break;
-        case 'u': PutNumber(va_arg(args, unsigned int), 10); break;
-        case 'x': PutNumber(va_arg(args, unsigned int), 16); break;
+        case 'u': PutNumber<10>(va_arg(args, unsigned int)); break;
+        case 'x': PutNumber<16>(va_arg(args, unsigned int)); break;
         default: PutSigned(va_arg(args, int)); break;
         }
     }
     return m_nLength;
 }
 
-void CPlainWriter::PutNumber(unsigned int n, unsigned int nBase)
+template <unsigned int nBase>
+void CPlainWriter::PutNumber(unsigned int n)
 {
     char szDigits[16];
     char *p = szDigits + sizeof szDigits - 1;
@@ -271,7 +283,7 @@ void CPlainWriter::PutSigned(int n)
 {
     if (n < 0)
         Put('-');
-    PutNumber(n < 0 ? 0 - static_cast<unsigned int>(n) : static_cast<unsigned int>(n), 10);
+    PutNumber<10>(n < 0 ? 0 - static_cast<unsigned int>(n) : static_cast<unsigned int>(n));
 }
 
 }  // namespace
@@ -288,7 +300,10 @@ void CCUString::FormatV(const char *pszFormat, va_list args)
 {
     if (!pszFormat)
         pszFormat = "";
-    const CFormatEstimate estimate(pszFormat, args, m_pchData, m_pchData + GetAllocLength());
+    va_list estimated;
+    va_copy(estimated, args);
+    const CFormatEstimate estimate(pszFormat, &estimated, m_pchData, m_pchData + GetAllocLength());
+    va_end(estimated);
     if (estimate.ReadsOwn() || PointsInto(pszFormat)) {
         // Writing would change what is still to be read.
         CCUString text;

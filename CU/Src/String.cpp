@@ -8,6 +8,7 @@
 #include <new>
 
 #include "StringLength.h"
+#include "StringScan.h"
 
 #define CU_SOURCE "String"
 
@@ -26,6 +27,24 @@ bool IsNil(const CCUStringData *pData)
     return pData == &g_nilBlock.data;
 }
 
+// A block for nLength characters, of which only the NUL is written.
+inline char *NewBlock(int nLength)
+{
+    void *block = operator new(sizeof(CCUStringData) + static_cast<size_t>(nLength) + 1);
+    CCUStringData *pData = static_cast<CCUStringData *>(block);
+    pData->nRefs = 1;
+    pData->nDataLength = nLength;
+    pData->nAllocLength = nLength;
+    char *pch = reinterpret_cast<char *>(pData + 1);
+    pch[nLength] = '\0';
+    return pch;
+}
+
+bool IsPossible(int nLength)
+{
+    return nLength > 0 && nLength <= CU_MAX_STRING_LENGTH;
+}
+
 }  // namespace
 
 CCUStringData *const CUDataNil = &g_nilBlock.data;
@@ -40,19 +59,13 @@ int CCUString::SafeStrlen(const char *psz)
 
 void CCUString::AllocBuffer(int nLen)
 {
-    if (nLen <= 0 || nLen > CU_MAX_STRING_LENGTH) {
-        CU_ASSERT(nLen >= 0);
-        CU_ASSERT_TEXT(nLen <= CU_MAX_STRING_LENGTH, "nLen <= 2147483647-1");
-        Init();
+    if (IsPossible(nLen)) {
+        m_pchData = NewBlock(nLen);
         return;
     }
-    void *block = operator new(sizeof(CCUStringData) + static_cast<size_t>(nLen) + 1);
-    CCUStringData *pData = static_cast<CCUStringData *>(block);
-    pData->nRefs = 1;
-    pData->nDataLength = nLen;
-    pData->nAllocLength = nLen;
-    m_pchData = reinterpret_cast<char *>(pData + 1);
-    m_pchData[nLen] = '\0';
+    CU_ASSERT(nLen >= 0);
+    CU_ASSERT_TEXT(nLen <= CU_MAX_STRING_LENGTH, "nLen <= 2147483647-1");
+    Init();
 }
 
 // A locked block's count goes from -1 to -2. That a count was 0 is seen from the result: reading it
@@ -87,7 +100,10 @@ void CCUString::ReleaseOld(CCUStringData *pOldData)
     const LONG nRefs = pOldData->nRefs;
     if (nRefs < 0 && !IsNil(pOldData) && !IsNil(GetData()))
         GetData()->nRefs = -1;
-    Release(pOldData);
+    if (nRefs == 1)
+        operator delete(pOldData);
+    else
+        Release(pOldData);
 }
 
 void CCUString::SetLength(int nLength)
@@ -349,10 +365,9 @@ void CCUString::ReleaseBuffer(int nNewLength)
     CopyBeforeWrite();
     if (nNewLength == -1) {
         // Past the capacity and its NUL there is nothing to read: one more means too long.
-        const size_t nRoom = static_cast<size_t>(GetAllocLength()) + 1;
-        const void *pNul = memchr(m_pchData, '\0', nRoom);
-        nNewLength = pNul ? static_cast<int>(static_cast<const char *>(pNul) - m_pchData)
-                          : static_cast<int>(nRoom);
+        const int nRoom = GetAllocLength() + 1;
+        const char *pNul = CUFindByte(m_pchData, m_pchData + nRoom, '\0');
+        nNewLength = pNul ? static_cast<int>(pNul - m_pchData) : nRoom;
     }
     CU_ASSERT(nNewLength <= GetData()->nAllocLength);
     SetLength(CUCutLength(nNewLength, GetAllocLength()));

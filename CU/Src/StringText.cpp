@@ -5,6 +5,7 @@
 #include <ctype.h>
 #include <string.h>
 
+#include "StringScan.h"
 #include "StringLength.h"
 
 #define CU_SOURCE "String"
@@ -41,35 +42,10 @@ private:
     unsigned int m_bits[8];
 };
 
-unsigned int Word(const char *p)
-{
-    unsigned int nWord;
-    memcpy(&nWord, p, sizeof nWord);
-    return nWord;
-}
-
-// Whether one of the four bytes is 0.
-bool HasNul(unsigned int nWord)
-{
-    return ((nWord - 0x01010101U) & ~nWord & 0x80808080U) != 0;
-}
-
-// memchr and strcmp by words: those of the C libraries that go byte by byte take three times as
-// long.
-const char *FindByte(const char *p, const char *pEnd, char ch)
-{
-    const unsigned int nPattern = static_cast<unsigned char>(ch) * 0x01010101U;
-    while (pEnd - p >= 4 && !HasNul(Word(p) ^ nPattern))
-        p += 4;
-    while (p != pEnd && *p != ch)
-        ++p;
-    return p != pEnd ? p : nullptr;
-}
-
 bool AreSame(const char *p1, const char *p2, int nLength)
 {
     for (; nLength >= 8; nLength -= 8, p1 += 8, p2 += 8) {
-        if (((Word(p1) ^ Word(p2)) | (Word(p1 + 4) ^ Word(p2 + 4))) != 0)
+        if (((CUWord(p1) ^ CUWord(p2)) | (CUWord(p1 + 4) ^ CUWord(p2 + 4))) != 0)
             return false;
     }
     for (; nLength > 0; --nLength) {
@@ -84,8 +60,8 @@ int CompareBytes(const char *p1, const char *p2)
     // A word at an address that its size divides lies in one page: where its first byte may be
     // read, the rest may, beyond the text's end too.
     if (((reinterpret_cast<size_t>(p1) | reinterpret_cast<size_t>(p2)) & 3) == 0) {
-        for (; Word(p1) == Word(p2); p1 += 4, p2 += 4) {
-            if (HasNul(Word(p1)))
+        for (; CUWord(p1) == CUWord(p2); p1 += 4, p2 += 4) {
+            if (CUHasNul(CUWord(p1)))
                 return 0;
         }
     }
@@ -174,7 +150,7 @@ CCUString CCUString::SpanExcluding(const char *set) const
 
 int CCUString::Find(char ch) const
 {
-    const char *p = FindByte(m_pchData, m_pchData + GetLength(), ch);
+    const char *p = CUFindByte(m_pchData, m_pchData + GetLength(), ch);
     return p ? static_cast<int>(p - m_pchData) : -1;
 }
 
@@ -188,7 +164,7 @@ int CCUString::Find(const char *pszSub) const
     if (nSub > static_cast<size_t>(GetLength()))
         return -1;
     const char *pEnd = m_pchData + GetLength() - nSub + 1;
-    for (const char *p = m_pchData; (p = FindByte(p, pEnd, *pszSub)) != nullptr; ++p) {
+    for (const char *p = m_pchData; (p = CUFindByte(p, pEnd, *pszSub)) != nullptr; ++p) {
         if (memcmp(p, pszSub, nSub) == 0)
             return static_cast<int>(p - m_pchData);
     }

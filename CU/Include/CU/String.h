@@ -156,6 +156,7 @@ public:
     CCUString Decode64() const;
 
 protected:
+    // NOLINTNEXTLINE(clang-analyzer-cplusplus.NewDelete): it lets counts come to any value.
     CCUStringData *GetData() const { return reinterpret_cast<CCUStringData *>(m_pchData) - 1; }
     void Init() { m_pchData = const_cast<char *>(CUPchNil); }
     static int SafeStrlen(const char *psz);
