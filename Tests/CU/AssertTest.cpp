@@ -86,20 +86,20 @@ TEST(Assert, AppendsAReportToTheDaysFile)
         nLine = __LINE__ + 1;
         EXPECT_EQ(1, FailTheCheck(1));
         EXPECT_EQ(0xABCDu, GetLastError());
-        text = directory.Contents("*").substr(nOld);
+        text = directory.Contents("*").c_str() + nOld;
     } while (text.find(head) != 0 && Count(directory.Contents("*"), Separator) < 5);
     EXPECT_EQ(std::vector<std::string>{NameOfToday()}, directory.Files("*"));
     sprintf(szText, "Assert:n == 0  File:AssertTest  Line:%d  Last Error:abcd\r\n\r\n", CheckLine);
     head += szText;
-    EXPECT_EQ(head, text.substr(0, head.size()));
+    EXPECT_EQ(0, text.compare(0, head.size(), head)) << text;
     // The stack, the innermost first, with the line of the caller.
-    const std::string stack = text.substr(head.size());
+    const std::string stack = text.c_str() + head.size();
     sprintf(szText, "AssertTest.cpp(%d)\r\n", CheckLine);
     const size_t nFailed = stack.find("CUTests.exe FailTheCheck+0x");
     const size_t nCheck = stack.find(szText, nFailed);
     sprintf(szText, "AssertTest.cpp(%d)\r\n", nLine);
     EXPECT_NE(std::string::npos, stack.find(szText, nCheck)) << stack;
-    EXPECT_EQ("\r\n\r\n", stack.substr(stack.size() - 4));
+    EXPECT_STREQ("\r\n\r\n", stack.c_str() + stack.size() - 4);
 }
 
 TEST(Assert, ReportsTheFirstTenFailuresOnly)
@@ -142,7 +142,7 @@ TEST(Assert, CallsTheReportHandlersInOrder)
     CUDisplayAssert("a", "Source", 1);
     EXPECT_EQ("F121", s_calls);
     const std::string text = directory.Contents("ZELTrace-*");
-    EXPECT_EQ("\r\n\r\nfirst\r\nfirst\r\n", text.substr(text.size() - 18));
+    EXPECT_STREQ("\r\n\r\nfirst\r\nfirst\r\n", text.c_str() + text.size() - 18);
     CUUnregisterExceptionHandler(First);
     CUUnregisterExceptionHandler(Fleeting);
     for (int i = 0; i < 3; ++i) {
