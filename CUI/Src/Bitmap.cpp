@@ -89,7 +89,10 @@ HBITMAP LoadResourceBitmap(CUIBitmapSource &source, const CSubstitution &map)
     if (!source.m_sBitmap.IsEmpty())
         pszName = source.m_sBitmap;
     const HBITMAP hBitmap = LoadNamed(source, source.m_hInst, pszName, map);
-    return hBitmap ? hBitmap : LoadNamed(source, source.m_hInst, SecondID(source), map);
+    if (hBitmap)
+        return hBitmap;
+    CUIBmpDeleteObject(&source.m_hPalette);  // made before the bitmap was found impossible
+    return LoadNamed(source, source.m_hInst, SecondID(source), map);
 }
 
 HBITMAP LoadFileBitmap(CUIBitmapSource &source, const CSubstitution &map)

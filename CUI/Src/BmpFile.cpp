@@ -1,3 +1,4 @@
+#include <limits.h>
 #include <stdlib.h>
 #include <string.h>
 
@@ -44,7 +45,7 @@ bool FindParts(CFileParts &parts, const BITMAPINFOHEADER &header, DWORD nOffset,
         return false;
     const ULONGLONG nPixels = static_cast<ULONGLONG>(nRow * (nHeight < 0 ? -nHeight : nHeight));
     const DWORD nAvailable = nOffset < nFile ? nFile - nOffset : 0;
-    if (nPixels > nAvailable)
+    if (nPixels > nAvailable || nPixels > LONG_MAX)
         return false;
     parts.m_nTable = static_cast<DWORD>(nTable);
     parts.m_nPixels = static_cast<DWORD>(nPixels);

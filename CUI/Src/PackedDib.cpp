@@ -1,5 +1,7 @@
 #include "PackedDib.h"
 
+#include <limits.h>
+
 namespace {
 
 // More than any block can have, and still far from the end of 64 bits.
@@ -58,7 +60,8 @@ DWORD CUIDibColorCount(const BITMAPINFOHEADER &header)
 ULONGLONG CUIDibImageSize(const BITMAPINFOHEADER &header)
 {
     if (header.biSize < sizeof(BITMAPINFOHEADER) || header.biSize > sizeof(BITMAPV5HEADER) ||
-        header.biSize % sizeof(DWORD) != 0 || header.biWidth < 0 || header.biBitCount > 32)
+        header.biSize % sizeof(DWORD) != 0 || header.biWidth < 0 || header.biHeight == LONG_MIN ||
+        header.biBitCount > 32)
         return nImpossible;
     if (IsCompressed(header))
         return header.biSizeImage;

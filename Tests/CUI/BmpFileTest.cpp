@@ -110,6 +110,7 @@ TEST(BmpFile, ThatIsNoneOrClaimsTooMuchIsRefused)
 TEST(BmpFile, BecomesThePictureThatItShows)
 {
     CMemoryFile file;
+    const CHeapWatch heap;
     for (const int nBits : {1, 4, 8, 24, 32}) {
         for (const int nHeight : {5, -5}) {
             for (int nWidth = 1; nWidth <= 33; nWidth += nWidth < 9 ? 1 : 6) {
@@ -126,6 +127,7 @@ TEST(BmpFile, BecomesThePictureThatItShows)
     const std::vector<DWORD> picture = LoadPicture(sMemory);
     ASSERT_EQ(4u, picture.size());
     EXPECT_EQ(words.ColorAt(1, 1), picture[3]);
+    EXPECT_EQ(words.ColorAt(1, 0) >> 16, picture[1]);  // its red as blue, then nothing
     // Seven bits a row are no bytes: nothing is made up for as many rows as the header likes.
     CBmpBytes hollow(7, 3, 1);
     hollow.m_info.biHeight = 1000000;

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "CU/String.h"
+#include "CUI/Bitmap.h"
 #include "CUI/BmpLoad.h"
 #include "CUI/Data.h"
 #include "Support/BmpBytes.h"
@@ -267,6 +268,7 @@ TEST(BmpLoad, LeaksNothingWhicheverCallFails)
     ASSERT_TRUE(WriteBytes(path, CBmpBytes(8, 2, 4).File()));
     const auto callEverything = [&] {
         HPALETTE hPals[4] = {};
+        const CCUIBitmap bitmap(200, CUIBMP_PALETTE, Module());
         DWORD dwHeaderSize = 0;
         const HBITMAP hBitmap =
             CUIBmpLoad(Module(), pszColors, &hPals[0], true, nullptr, nullptr, 0);
