@@ -84,9 +84,11 @@ CCUString CCUString::Encode64() const
 {
     CCUString result;
     const int nSrc = GetLength();
+    if (nSrc == 0)
+        return result;
     const int nEncoded = CUToLength((nSrc + 2LL) / 3 * 4);
     char *pOut = result.GetBufferSetLength(nEncoded);
-    if (result.GetLength() < nEncoded || nSrc == 0)
+    if (result.GetLength() < nEncoded)
         return result;
     const char *p = m_pchData;
     const char *pEnd = p + nSrc;

@@ -46,6 +46,8 @@ int TextLength(const Char *psz, int nMost)
     return nLength;
 }
 
+// NOLINTBEGIN(clang-analyzer-valist.Uninitialized): it does not follow a list through a pointer.
+
 // Walks a format and its arguments and sums up the longest text they are expected to give.
 class CFormatEstimate
 {
@@ -218,6 +220,8 @@ int CFormatEstimate::FitString(const CItem &item, int nItemLen)
         nItemLen = item.nPrecision;
     return nItemLen;
 }
+
+// NOLINTEND(clang-analyzer-valist.Uninitialized)
 
 // Writes plain formats, which most are: the C library's formatter takes several times as long.
 class CPlainWriter

@@ -377,6 +377,13 @@ TEST(String, ReportsBadIndexesAndCountsAndGoesOn)
         EXPECT_EQ(reports.Count("stringSrc.GetData()->nRefs != 0"), 1);
         CProbe::DataOf(s)->nRefs = 2;
     }
+    {
+        CCUString dying("x"), growing("x");
+        CProbe::DataOf(dying)->nRefs = CProbe::DataOf(growing)->nRefs = 0;
+        growing += 'y';
+    }
+    EXPECT_EQ(reports.Count("GetData()->nRefs != 0"), 1);
+    EXPECT_EQ(reports.Count("pData->nRefs != 0"), 1);
     char chRoom[10];
     EXPECT_EQ(CUWideToMultiByteString(chRoom, L"abc", 0x80000000U), 0);
     EXPECT_EQ(reports.Count("mbstr == 0 || result <= (int)count"), 1);
