@@ -9,7 +9,8 @@ import time
 
 from PIL import Image, ImageChops, ImageGrab
 
-PATIENCE = 15  # seconds until a wait is given up
+DEPTH = int(os.environ.get("SCREEN_DEPTH", 24))  # bits a pixel of the screen
+PATIENCE = 60  # seconds until a wait is given up
 SETUP, EXIT, RUN, HELP, NONE = range(5)
 
 
@@ -134,7 +135,15 @@ class Launcher:
         self.left, self.top = wait_for(geometry, "a window of %d x %d" % size)
 
     def picture(self, size):
+        if DEPTH < 24:
+            return self.picture_through_windows()
         return screen().crop((self.left, self.top, self.left + size[0], self.top + size[1]))
+
+    def picture_through_windows(self):
+        """The client area in the colours that the screen gives it, whatever its depth."""
+        path = os.path.join(self.temporary, "shot.bmp")
+        self.remote("shot", windows_path(path))
+        return Image.open(path).convert("RGB")
 
     def wait_for_picture(self, expected, what):
         wait_for(lambda: is_same(self.picture(expected.size), expected), what)

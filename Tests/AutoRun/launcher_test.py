@@ -13,15 +13,15 @@ import tempfile
 import time
 import unittest
 
-from PIL import Image, ImageChops, ImageStat
+from PIL import ImageChops
 
-from launcher import (EXIT, HELP, NONE, RUN, SETUP, Build, Disc, Launcher, is_same, screen,
-                      wait_for, xdotool)
+from launcher import (EXIT, HELP, NONE, RUN, SETUP, Build, Disc, Launcher, is_same, wait_for,
+                      xdotool)
 
 ROOT = os.path.dirname(os.path.dirname(os.path.dirname(os.path.abspath(__file__))))
 LINES = (SETUP, EXIT, RUN, HELP)
 PROGRAMS = {SETUP: "Fennick.exe", RUN: "RunFennick.exe", HELP: "tutorial.exe"}
-WM_CANCELMODE, WM_CAPTURECHANGED = 0x001F, 0x0215
+WM_CANCELMODE, WM_COMMAND, WM_CAPTURECHANGED = 0x001F, 0x0111, 0x0215
 NOWHERE = (5, 5, 200, 0)  # a part of the client area that is on no line
 
 
@@ -294,7 +294,7 @@ class BadInput(LauncherTest):
             launcher.wait_until_shown(size)
         wait_for(lambda: self.answers(launcher), "an answer from the window")
         self.assertEqual(reports, launcher.reports())
-        launcher.remote("send", 0x0111, 2, 0)  # Cancel, in place of an Exit line that may be lost
+        launcher.remote("send", WM_COMMAND, 2, 0)  # Cancel, in place of an Exit line that may be lost
         self.assertEqual(0, launcher.wait_until_ended())
         self.assertEqual(reports, launcher.reports())
 
@@ -343,23 +343,50 @@ class Screens(unittest.TestCase):
 
 
 class HighColour(Looks):
-    """Run by Screens: everything as it is with more colours, in the colours that there are."""
+    """Run by Screens at 16 bits: everything as it is with more, in the colours that there are."""
 
 
 class Palette(LauncherTest):
-    """Run by Screens: the palette is realised, and realised again when another one was."""
+    """Run by Screens at 8 bits, where colours come out near those that were asked for."""
 
-    def close_to(self, launcher, lit):
-        def near():
-            picture = launcher.picture(self.pictures[lit].size)
-            return max(ImageStat.Stat(ImageChops.difference(picture, TRUE[lit])).mean) < 12
-        wait_for(near, "colours near those of the skin")
-
-    def start(self, **options):
-        launcher = Launcher(BUILD, self.disc, caption=self.caption, **options)
+    def start(self):
+        launcher = Launcher(BUILD, self.disc, caption=self.caption)
         self.addCleanup(launcher.__exit__)
         launcher.wait_until_shown(self.pictures[NONE].size)
         return launcher
+
+    def test_picture_and_hot_spots(self):
+        launcher = self.start()
+        self.over(launcher, NONE)
+        dark = wait_for(lambda: self.painted(launcher), "a picture")
+        for line in LINES:
+            self.over(launcher, line)
+            x, y, cx, cy = self.spots[line]
+            changed = wait_for(lambda: self.difference(launcher, dark), "a lit line")
+            self.assertTrue(x - 2 <= changed[0] and changed[2] <= x + cx + 1, changed)
+            self.assertTrue(y - 2 <= changed[1] and changed[3] <= y + cy + 1, changed)
+            self.over(launcher, NONE)
+            wait_for(lambda: not self.difference(launcher, dark), "the first picture again")
+        launcher.remote("send", WM_COMMAND, 2, 0)
+        self.assertEqual(0, launcher.wait_until_ended())
+
+    @staticmethod
+    def painted(launcher):
+        picture = launcher.picture(None)
+        return picture if len(picture.getcolors(256) or range(256)) > 8 else None
+
+    @staticmethod
+    def difference(launcher, picture):
+        return ImageChops.difference(launcher.picture(None), picture).getbbox()
+
+    def test_messages(self):
+        """From inside: whether the palette was realised is not seen from another process."""
+        result = subprocess.run(["wine", os.path.join(BUILD.folder, "Tests/AutoRunTests.exe"),
+                                 "--gtest_filter=Palette.*"], capture_output=True, text=True,
+                                check=False)
+        self.assertEqual(0, result.returncode, result.stdout)
+        self.assertIn("[  PASSED  ] 1 test.", result.stdout)
+        self.assertNotIn("SKIPPED", result.stdout)
 
 
 GROUPS = {"Looks": (Looks, SecondSkin), "Mouse": (Mouse,), "Programs": (Programs,),

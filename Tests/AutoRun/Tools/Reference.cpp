@@ -1,13 +1,12 @@
 // What the launcher must show, drawn by plain Win32 calls from the resources of a launcher's file.
 // Usage: Reference LAUNCHER PICTURE.bmp [HOTSPOT]
 // HOTSPOT 0 to 3 is the line that is lit. Prints the rectangle of each line's text.
-#include <windows.h>
+#include "SaveBitmap.h"
 
 #include <stdio.h>
 #include <stdlib.h>
 
 #include <string>
-#include <vector>
 
 namespace {
 
@@ -97,31 +96,6 @@ void Draw(HDC hDC, int nLit)
     }
 }
 
-bool Save(const char *path, HDC hDC, HBITMAP hBitmap, SIZE size)
-{
-    BITMAPINFOHEADER info = {};
-    info.biSize = sizeof info;
-    info.biWidth = size.cx;
-    info.biHeight = size.cy;
-    info.biPlanes = 1;
-    info.biBitCount = 24;
-    const DWORD nBytes = static_cast<DWORD>((size.cx * 3 + 3) / 4 * 4 * size.cy);
-    std::vector<char> bits(nBytes);
-    GetDIBits(hDC, hBitmap, 0, static_cast<UINT>(size.cy), bits.data(),
-              reinterpret_cast<BITMAPINFO *>(&info), DIB_RGB_COLORS);
-    BITMAPFILEHEADER header = {};
-    header.bfType = 0x4D42;
-    header.bfOffBits = sizeof header + sizeof info;
-    header.bfSize = header.bfOffBits + nBytes;
-    FILE *file = fopen(path, "wb");
-    if (!file)
-        return false;
-    fwrite(&header, sizeof header, 1, file);
-    fwrite(&info, sizeof info, 1, file);
-    fwrite(bits.data(), nBytes, 1, file);
-    return fclose(file) == 0;
-}
-
 }  // namespace
 
 int main(int argc, char **argv)
@@ -138,5 +112,5 @@ int main(int argc, char **argv)
     SelectObject(hDC, hBitmap);
     Draw(hDC, argc > 3 ? atoi(argv[3]) : -1);
     GdiFlush();
-    return Save(argv[2], hDC, hBitmap, size) ? 0 : 4;
+    return SaveBitmap(argv[2], hDC, hBitmap, size) ? 0 : 4;
 }

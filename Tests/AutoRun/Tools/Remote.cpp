@@ -1,11 +1,12 @@
 // Looks at and speaks to the dialog with a caption, from another process; runs a program with a
 // temporary directory of its own, until it ends, and takes it along when it is ended itself.
-// Usage: Remote info CAPTION | send CAPTION MESSAGE WPARAM LPARAM | run DIRECTORY COMMANDLINE
+// Usage: Remote info CAPTION | send CAPTION MESSAGE WPARAM LPARAM |
+//        shot CAPTION FILE.bmp | run DIRECTORY COMMANDLINE
 #undef _WIN32_WINNT
 #define _WIN32_WINNT 0x0500  // job objects
 #undef WINVER
 #define WINVER 0x0500
-#include <windows.h>
+#include "SaveBitmap.h"
 
 #include <stdio.h>
 #include <stdlib.h>
@@ -27,6 +28,21 @@ int Info(HWND hWnd)
     printf("exstyle %lx\n", GetWindowLongA(hWnd, GWL_EXSTYLE));
     printf("class %s\n", szClass);
     return 0;
+}
+
+// The window as it is on the screen, in the colours that the screen shows it in.
+int Shot(HWND hWnd, const char *path)
+{
+    RECT client;
+    GetClientRect(hWnd, &client);
+    const HDC hWindow = GetDC(hWnd);
+    const HDC hDC = CreateCompatibleDC(hWindow);
+    const HBITMAP hBitmap = CreateCompatibleBitmap(hWindow, client.right, client.bottom);
+    SelectObject(hDC, hBitmap);
+    BitBlt(hDC, 0, 0, client.right, client.bottom, hWindow, 0, 0, SRCCOPY);
+    const bool bSaved = SaveBitmap(path, hDC, hBitmap, {client.right, client.bottom});
+    ReleaseDC(hWnd, hWindow);
+    return bSaved ? 0 : 4;
 }
 
 int Run(const char *directory, char *commandLine)
@@ -64,6 +80,8 @@ int main(int argc, char **argv)
     }
     if (strcmp(argv[1], "info") == 0)
         return Info(hWnd);
+    if (strcmp(argv[1], "shot") == 0 && argc > 3)
+        return Shot(hWnd, argv[3]);
     if (strcmp(argv[1], "send") != 0 || argc < 6)
         return 3;
     printf("%ld\n", SendMessageA(hWnd, strtoul(argv[3], nullptr, 0), strtoul(argv[4], nullptr, 0),
