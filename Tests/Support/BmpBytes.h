@@ -47,9 +47,12 @@ struct CBmpBytes
     }
     std::vector<DWORD> Picture() const
     {
-        std::vector<DWORD> picture;
-        for (int i = 0; i < m_info.biWidth * abs(m_info.biHeight); ++i)
-            picture.push_back(ColorAt(i % m_info.biWidth, i / m_info.biWidth));
+        std::vector<DWORD> picture(static_cast<size_t>(m_info.biWidth * abs(m_info.biHeight)));
+        int i = 0;
+        for (DWORD &pixel : picture) {
+            pixel = ColorAt(i % m_info.biWidth, i / m_info.biWidth);
+            ++i;
+        }
         return picture;
     }
     // Header, a table with room for that many entries, pixels.
@@ -57,7 +60,8 @@ struct CBmpBytes
     {
         std::vector<BYTE> bytes(sizeof m_info + nRoom * sizeof(RGBQUAD));
         memcpy(bytes.data(), &m_info, sizeof m_info);
-        memcpy(&bytes[0] + sizeof m_info, m_table.data(), m_table.size() * sizeof(RGBQUAD));
+        if (!m_table.empty())
+            memcpy(&bytes[sizeof m_info], m_table.data(), m_table.size() * sizeof(RGBQUAD));
         bytes.insert(bytes.end(), m_pixels.begin(), m_pixels.end());
         return bytes;
     }

@@ -36,12 +36,13 @@ CUI_API HBITMAP CUIBmpLoadBitmapPalette(HINSTANCE hInst, const char *pszName, HP
 // cannot be loaded is traced. With bMapColors every colour of the colour table that equals pFrom[i]
 // becomes pTo[i], the first match counting; with an nCount of 0 black, grey (808080), silver
 // (C0C0C0) and white become CUIData's button text, shadow, face and highlight. The colours are
-// COLORREFs. phPal may be null; otherwise it receives the palette of the (replaced) colours.
+// COLORREFs. phPal may be null; otherwise it receives the palette of the (replaced) colours, which
+// is the caller's also when no bitmap could be made of them, and keeps its value before that.
 CUI_API HBITMAP CUIBmpLoad(HINSTANCE hInst, const char *pszName, HPALETTE *phPal, bool bMapColors,
                            DWORD *pFrom, DWORD *pTo, int nCount);
 
 // The same of a packed DIB whose pixels start after a table of 256 entries, whatever the depth.
-// The colours are replaced in that table itself.
+// The colours are replaced in that table itself; null when they would be and it cannot be written.
 CUI_API HBITMAP CUIBmpCreateBitmap(BITMAPINFOHEADER *pbih, HPALETTE *phPal, bool bMapColors,
                                    DWORD *pFrom, DWORD *pTo, int nCount);
 
