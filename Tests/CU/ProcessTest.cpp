@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <atomic>
-#include <functional>
 #include <string>
 #include <vector>
 
@@ -13,26 +12,9 @@
 #include "Support/FakeClock.h"
 #include "Support/TemporaryDirectory.h"
 #include "Support/TestTimer.h"
+#include "Support/Threads.h"
 
 namespace {
-
-DWORD WINAPI CallFunction(void *p)
-{
-    (*static_cast<std::function<void()> *>(p))();
-    return 0;
-}
-
-// Runs the function on so many threads at once, and waits for their end.
-void OnThreads(int nThreads, std::function<void()> function)
-{
-    std::vector<HANDLE> handles;
-    for (int i = 0; i < nThreads; ++i)
-        handles.push_back(CreateThread(nullptr, 0, CallFunction, &function, 0, nullptr));
-    for (HANDLE hThread : handles) {
-        WaitForSingleObject(hThread, INFINITE);
-        CloseHandle(hThread);
-    }
-}
 
 TEST(Process, ClockStartsAtItsFirstCallAndFollowsTheMultimediaClock)
 {
@@ -75,7 +57,7 @@ TEST(Process, MessageWindowHandsPostedWorkToItsThread)
 {
     const UINT uOwn = CURegisterMessageId("ProcessTestWork");
     HWND hGone = nullptr;
-    OnThreads(1, [&] {
+    CThreads::Run(1, [&](int) {
         hGone = CUGetWindow();
         EXPECT_TRUE(IsWindow(hGone));
     });
@@ -87,7 +69,7 @@ TEST(Process, MessageWindowHandsPostedWorkToItsThread)
         EXPECT_TRUE(CUSetMessageHandler(uMessage, NoteMessage));
     for (const UINT uMessage : {static_cast<UINT>(WM_CLOSE), WM_USER + 3u, uOwn + 1})
         EXPECT_FALSE(CUSetMessageHandler(uMessage, NoteMessage));
-    OnThreads(1, [&] {
+    CThreads::Run(1, [&](int) {
         PostMessageA(CUGetWindow(), uOwn, 5, -6);
         PostMessageA(CUGetWindow(), WM_USER + 2, 1, 2);
     });
@@ -107,7 +89,7 @@ TEST(Process, NumbersAndTheMutexHoldOnManyThreads)
     const unsigned int uFirst = CCUIIDGenerator::GetNextID();
     EXPECT_GE(uFirst, 10000u);
     std::vector<unsigned int> numbers;
-    OnThreads(8, [&] {
+    CThreads::Run(8, [&](int) {
         for (int i = 0; i < 500; ++i) {
             const unsigned int uID = CCUIIDGenerator::GetNextID();
             const CCUMutexGuard outer;
@@ -147,7 +129,7 @@ TEST(Process, ThreadsHaveSlotsAndExitHandlersOfTheirOwn)
     int value = 0;
     EXPECT_TRUE(CUSetThreadLocalStorage(nSlot, &value));
     std::atomic<int> nRight(0);
-    OnThreads(8, [&] {
+    CThreads::Run(8, [&](int) {
         std::string log;
         const bool bEmpty = CUGetThreadLocalStorage(nSlot) == nullptr;
         CUSetThreadLocalStorage(nSlot, &log);
@@ -160,7 +142,7 @@ TEST(Process, ThreadsHaveSlotsAndExitHandlersOfTheirOwn)
     EXPECT_FALSE(CUSetThreadLocalStorage(-1, &value));
 
     std::string log;
-    OnThreads(1, [&] {
+    CThreads::Run(1, [&](int) {
         CNotingHandler *handlers[3];
         for (int i = 0; i < 3; ++i) {
             handlers[i] = new CNotingHandler(&log, static_cast<char>('a' + i));
@@ -208,9 +190,10 @@ struct CLastStatic
 {
     ~CLastStatic()
     {
-        char szPath[MAX_PATH];
+        char szPath[MAX_PATH] = "";
         GetTempPathA(MAX_PATH, szPath);
-        FILE *file = *g_pOrder == "" ? nullptr : fopen(strcat(szPath, "order.txt"), "w");
+        FILE *file =
+            *g_pOrder == "" ? nullptr : fopen((szPath + std::string("order.txt")).c_str(), "w");
         if (file) {
             fputs(g_pOrder->c_str(), file);
             fclose(file);
@@ -218,17 +201,18 @@ struct CLastStatic
     }
 } g_lastStatic;
 
-DWORD WINAPI ServeBusyTimer(void *pBusy)
+volatile LONG g_nBusy = 0;
+
+DWORD WINAPI ServeBusyTimer(void *)
 {
     CTestTimer busy([&] {
         busy.SetAlarm(0);
         if (busy.m_nCalls == 3)
-            ++*static_cast<std::atomic<int> *>(pBusy);
+            InterlockedIncrement(&g_nBusy);
     });
     busy.SetAlarm(0);
-    MSG msg;
-    while (busy.m_nCalls < 400 && GetMessageA(&msg, nullptr, 0, 0) > 0)
-        DispatchMessageA(&msg);
+    while (busy.m_nCalls < 400 && WaitMessage())
+        CFakeClock::Pump();
     return 0;
 }
 
@@ -240,14 +224,11 @@ void Leave(void (*leave)())
     CUGetWindow();
     static CTestTimer s_static;
     s_static.SetAlarm(5);
-    static std::atomic<int> s_nBusy(0);
     for (int i = 0; i < 6; ++i)
-        CloseHandle(CreateThread(nullptr, 0, ServeBusyTimer, &s_nBusy, 0, nullptr));
-    while (s_nBusy < 6)
-        Sleep(1);
-    CTestTimer last(leave);
+        CloseHandle(CreateThread(nullptr, 0, ServeBusyTimer, nullptr, 0, nullptr));
+    CTestTimer last([&] { g_nBusy == 6 ? leave() : last.SetAlarm(1); });
     last.SetAlarm(0);
-    for (;;)
+    while (WaitMessage())
         CFakeClock::Pump();
 }
 

@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include <memory>
+#include <string>
 
 #include "CU/CU.h"
 #include "CU/DebugSwitch.h"
@@ -10,6 +10,7 @@
 #include "Support/FakeClock.h"
 #include "Support/TemporaryDirectory.h"
 #include "Support/TestTimer.h"
+#include "Support/Threads.h"
 
 namespace {
 
@@ -24,13 +25,20 @@ protected:
     std::string m_trace;
 };
 
-// Serves the thread's messages until the condition holds.
+// Serves the thread's messages until the condition holds; gives up after half a minute.
 template <typename F>
 void PumpUntil(F condition)
 {
-    MSG msg;
-    while (!condition() && GetMessageA(&msg, nullptr, 0, 0) > 0)
+    const UINT_PTR nGiveUp = SetTimer(nullptr, 0, 30000, nullptr);
+    MSG msg = {};
+    while (!condition() && GetMessageA(&msg, nullptr, 0, 0) > 0) {
+        if (!msg.hwnd && msg.message == WM_TIMER && msg.wParam == nGiveUp) {
+            ADD_FAILURE() << "gave up";
+            break;
+        }
         DispatchMessageA(&msg);
+    }
+    KillTimer(nullptr, nGiveUp);
 }
 
 TEST_F(TimerTask, FirstHalfSecondAsksForNoTimerBehindTheStartTick)
@@ -43,9 +51,6 @@ TEST_F(TimerTask, FirstHalfSecondAsksForNoTimerBehindTheStartTick)
     EXPECT_EQ(std::vector<UINT>{500}, clock.m_delays);
     soon.KillAlarm();
     const HWND hWnd = TimerTaskWindow();
-    char szTitle[32] = "";
-    GetWindowTextA(hWnd, szTitle, sizeof szTitle);
-    EXPECT_STREQ("CCUTimerTask", szTitle);
     const unsigned long uArmed = CUGetTime();
     clock.Jump(300);
     PumpUntil([&] { return clock.m_delays.size() > 1; });  // the window timer, in real time
@@ -53,9 +58,6 @@ TEST_F(TimerTask, FirstHalfSecondAsksForNoTimerBehindTheStartTick)
     EXPECT_FALSE(KillTimer(hWnd, 1));  // it fires once
     clock.Run(1000);
     EXPECT_EQ(static_cast<long>(uArmed + 501), late.m_nNow);
-    late.SetAlarm(20);
-    EXPECT_EQ(20u, clock.m_delays.back());
-    EXPECT_FALSE(KillTimer(hWnd, 1));
     EXPECT_EQ("", m_trace);
 }
 
@@ -76,24 +78,12 @@ TEST_F(TimerTask, TimerOfAnotherListIsReportedAndCountedDown)
     CTestTimer stranger, own;
     CCUTimerTask *pTask = CCUTimerTask::GetThreadTimerTask();
     own.SetAlarm(1000);
-    struct CArg
-    {
-        CTestTimer *timer;
-        CCUTimerTask *task;
-    } arg = {&stranger, pTask};
-    // Armed on a thread whose list must not be touched from here: it ends before anything is due.
-    const HANDLE hThread = CreateThread(
-        nullptr, 0,
-        [](void *p) WINAPI -> DWORD {
-            CArg *pArg = static_cast<CArg *>(p);
-            pArg->timer->SetAlarm(1000);
-            pArg->task->KillAlarm(pArg->timer);
-            pArg->task->KillAlarm(pArg->timer);  // no longer armed: nothing
-            return 0;
-        },
-        &arg, 0, nullptr);
-    WaitForSingleObject(hThread, INFINITE);
-    CloseHandle(hThread);
+    // Armed on a thread that ends before its list is used again.
+    CThreads::Run(1, [&](int) {
+        stranger.SetAlarm(1000);
+        pTask->KillAlarm(&stranger);
+        pTask->KillAlarm(&stranger);  // not armed any more: nothing
+    });
     EXPECT_EQ(0u, pTask->GetListLength());  // own is in the list all the same
     EXPECT_EQ("TimerTask::KillAlarm - failed to find timer!\n", m_trace);
     EXPECT_NE(std::string::npos,
@@ -123,26 +113,21 @@ TEST_F(TimerTask, SlowAndCrowdedPassesAreTracedOnRequest)
     std::string trace = lines(1, 1001);
     char szExpected[200];
     sprintf(szExpected, " TimeOut took 1001 (called at %d, finished at %d\n)\nFor object %x\n",
-            nBefore, nBefore + 1001, static_cast<unsigned>(reinterpret_cast<ULONG_PTR>(&slow)));
+            nBefore, nBefore + 1001, reinterpret_cast<unsigned>(&slow));
     ASSERT_GT(trace.size(), strlen(szExpected));
     EXPECT_EQ(szExpected, trace.substr(trace.size() - strlen(szExpected)));  // behind the date
     CCUDebugSwitch::Find(nullptr, "TimeOutThreshold")->Set(20);
     EXPECT_EQ("", lines(1, 20));
     EXPECT_NE("", lines(1, 21));
-    CCUDebugSwitch::Find(nullptr, "TimeOutThreshold")->Set(0);
-
-    for (const long nLimit : {0L, 3L}) {
-        const size_t nExpected = nLimit ? 3 : 200;
-        CCUDebugSwitch::Find(nullptr, "TimerCountThreshold")->Set(nLimit);
-        std::vector<CTestTimer> timers(nExpected + 2);
+    for (const size_t nMany : {200u, 201u}) {
+        std::vector<CTestTimer> timers(nMany);
         for (CTestTimer &timer : timers)
             timer.SetAlarm(0);
         m_trace.clear();
         clock.Pump();
-        size_t nTraced = 0;
-        for (size_t at = 0; (at = m_trace.find("TimeOut took 0 ", at)) != std::string::npos; ++at)
-            ++nTraced;
-        EXPECT_EQ(2u, nTraced) << nLimit;
+        sprintf(szExpected, "For object %x\n", reinterpret_cast<unsigned>(&timers.back()));
+        EXPECT_EQ(nMany > 200, m_trace.find(szExpected) != std::string::npos);
+        EXPECT_EQ(nMany > 200, m_trace != "");
     }
 
     slower.m_action = [&clock] { clock.Jump(6000); };
@@ -151,16 +136,24 @@ TEST_F(TimerTask, SlowAndCrowdedPassesAreTracedOnRequest)
     for (const bool bFirst : {true, false}) {
         m_trace.clear();
         EXPECT_EQ(1, CURunProcessInfoHandlers("timertask"));
-        sprintf(szExpected, "#timers:%d  max:%d  vtbl:%08x\n", bFirst ? 6 + 202 + 5 + 1 : 0,
+        sprintf(szExpected, "#timers:%d  max:%d  vtbl:%08x\n", bFirst ? 6 + 401 + 1 : 0,
                 bFirst ? 6000 : 0, bFirst ? *reinterpret_cast<unsigned *>(&slower) : 0);
         EXPECT_EQ(szExpected, m_trace);
     }
+}
+
+BOOL WINAPI FullQueue(HWND, UINT, WPARAM, LPARAM)
+{
+    return FALSE;
 }
 
 TEST_F(TimerTask, OutlivesFailingCallsAndForeignHands)
 {
     CFakeClock clock;
     CTestTimer timer;
+    timer.SetAlarm(100);
+    SendMessageA(TimerTaskWindow(), WM_TIMER, 1, 0);
+    clock.Run(100);
     clock.m_bFailing = true;
     timer.SetAlarm(100);
     EXPECT_EQ("CUTimerTask: >>>> Failed to set timer (100) <<<<\n", m_trace);
@@ -186,14 +179,14 @@ TEST_F(TimerTask, OutlivesFailingCallsAndForeignHands)
     EXPECT_EQ(static_cast<UINT>(WM_QUIT), msg.message);
     EXPECT_EQ(77u, msg.wParam);
     clock.Run(1000);
-    EXPECT_EQ(1, timer.m_nCalls);
+    EXPECT_EQ(2, timer.m_nCalls);
     // A mock message that nobody waits for is reported, and serves.
     const UINT uMock = RegisterWindowMessageA("TimerTaskMock");
     EXPECT_TRUE(CUIsYourMessage(uMock));
     timer.SetAlarm(1000);
     clock.Jump(1000);
     SendMessageA(TimerTaskWindow(), uMock, 0, 0);
-    EXPECT_EQ(2, timer.m_nCalls);
+    EXPECT_EQ(3, timer.m_nCalls);
     EXPECT_NE(std::string::npos,
               m_directory.Contents("ZELTrace-*").find("TimerTask->m_bMockTimerSet"));
     // Somebody destroys the window while its message is on the way: the next arming makes another.
@@ -202,89 +195,72 @@ TEST_F(TimerTask, OutlivesFailingCallsAndForeignHands)
     clock.Run(1000);
     timer.SetAlarm(0);
     clock.Run(1000);
-    EXPECT_EQ(3, timer.m_nCalls);
-}
-
-struct CTimerThread
-{
-    CTestTimer m_soon, m_later, m_never;
-    HWND m_hWnd = nullptr;
-
-    static DWORD WINAPI Run(void *p)
+    EXPECT_EQ(4, timer.m_nCalls);
+    SendMessageA(TimerTaskWindow(), WM_TIMER, 1, 0);
+    // A queue without room for the message: the next arming tries again.
     {
-        CTimerThread *pThread = static_cast<CTimerThread *>(p);
-        pThread->m_never.SetAlarm(3600000);
-        pThread->m_later.SetAlarm(20);
-        pThread->m_soon.SetAlarm(0);
-        pThread->m_hWnd = TimerTaskWindow();
-        PumpUntil([&] { return pThread->m_soon.m_nCalls && pThread->m_later.m_nCalls; });
-        pThread->m_soon.SetAlarm(1000);
-        pThread->m_later.SetAlarm(0);
-        ExitThread(0);
+        const CImportHook hook("PostMessageA", FullQueue);
+        timer.SetAlarm(0);
     }
-};
+    timer.SetAlarm(0);
+    clock.Run(1000);
+    EXPECT_EQ(5, timer.m_nCalls);
+}
 
 FARPROC WINAPI OldSystem(HMODULE, const char *)
 {
     return nullptr;
 }
 
-// Many threads serve their timers side by side and end with timers armed, which are then free:
-// for other threads to arm, or to be destroyed. On systems with and without fiber-local storage.
-void RunTimerThreads(int nThreads, int nRounds)
+// Many threads serve their timers side by side and end with timers armed, which are then free for
+// other threads. Both with fiber-local storage and on systems that have none.
+void ServeOnThreads(int nThreads)
 {
-    for (int nRound = 0; nRound < nRounds; ++nRound) {
-        std::vector<CTimerThread> threads(static_cast<size_t>(nThreads));
-        std::vector<HANDLE> handles;
-        for (CTimerThread &thread : threads)
-            handles.push_back(CreateThread(nullptr, 0, CTimerThread::Run, &thread, 0, nullptr));
-        for (HANDLE hThread : handles) {
-            WaitForSingleObject(hThread, INFINITE);
-            CloseHandle(hThread);
-        }
-        for (CTimerThread &thread : threads) {
-            EXPECT_NE(nullptr, thread.m_hWnd);
-            EXPECT_FALSE(IsWindow(thread.m_hWnd));
-            EXPECT_EQ(1, thread.m_soon.m_nCalls);
-            EXPECT_EQ(1, thread.m_later.m_nCalls);
-            EXPECT_EQ(0, thread.m_never.m_nCalls);
-            // Disarmed: this thread's list would not know them.
-            thread.m_never.KillAlarm();
-            thread.m_soon.SetAlarm(10000);
-        }
-        EXPECT_EQ(threads.size(), CCUTimerTask::GetThreadTimerTask()->GetListLength());
+    std::vector<CTestTimer> timers(static_cast<size_t>(nThreads) * 2);
+    CThreads::Run(nThreads, [&](int nThread) {
+        CTestTimer *pTimer = &timers[static_cast<size_t>(nThread) * 2];
+        pTimer[1].SetAlarm(3600000);
+        pTimer->SetAlarm(20);
+        PumpUntil([&] { return pTimer->m_nCalls > 0; });
+        pTimer->SetAlarm(0);
+        ExitThread(0);
+    });
+    EXPECT_EQ(nullptr, FindWindowA("CCUTimerTask", nullptr));
+    for (size_t i = 0; i < timers.size(); ++i) {
+        EXPECT_EQ(i % 2 ? 0 : 1, timers[i].m_nCalls);
+        timers[i].KillAlarm();  // not armed: nothing to report
+        timers[i].SetAlarm(10000);
     }
-    EXPECT_EQ(0u, CCUTimerTask::GetThreadTimerTask()->GetListLength());
+    EXPECT_EQ(timers.size(), CCUTimerTask::GetThreadTimerTask()->GetListLength());
 }
 
 TEST_F(TimerTask, ThreadsEndWithTimersArmed)
 {
-    RunTimerThreads(8, 4);
+    ServeOnThreads(16);
     EXPECT_EQ("", m_trace);
 }
 
 TEST_F(TimerTask, ThreadsEndOnOldSystems)
 {
     const CImportHook hook("GetProcAddress", OldSystem);
-    RunTimerThreads(8, 1);
+    ServeOnThreads(8);
 }
 
 TEST_F(TimerTask, ThreadEndMayLeaveTheTimerRunning)
 {
-    CFakeClock clock;
-    CTestTimer timer;
-    timer.SetAlarm(100);
-    const HWND hWnd = TimerTaskWindow();
-    CCUTimerTask::GetThreadTimerTask()->OnThreadExit(false);
+    for (const bool bKillTimer : {false, true}) {
+        CFakeClock clock;
+        CTestTimer timer;
+        timer.SetAlarm(100);
+        CCUTimerTask::GetThreadTimerTask()->OnThreadExit(bKillTimer);
+        EXPECT_EQ(!bKillTimer, clock.IsPending());
+        EXPECT_EQ(nullptr, TimerTaskWindow());
+        clock.Run(1000);
+        EXPECT_EQ(0, timer.m_nCalls);
+    }
     char szExpected[100];
     sprintf(szExpected, "Not killing timer for thread %lx\n", GetCurrentThreadId());
     EXPECT_EQ(szExpected, m_trace);
-    EXPECT_FALSE(IsWindow(hWnd));
-    clock.Run(1000);
-    EXPECT_EQ(0, timer.m_nCalls);
-    timer.SetAlarm(100);
-    CCUTimerTask::GetThreadTimerTask()->OnThreadExit(true);
-    EXPECT_EQ(0u, clock.Pending());
 }
 
 }  // namespace

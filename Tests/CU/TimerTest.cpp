@@ -1,8 +1,8 @@
 #include <gtest/gtest.h>
 
 #include <memory>
+#include <string>
 
-#include "CU/CU.h"
 #include "CU/TimerTask.h"
 #include "Support/FakeClock.h"
 #include "Support/TestTimer.h"
@@ -17,17 +17,12 @@ protected:
     {
         CTestTimer timer;
         timer.SetAlarm(0);
-        const HWND hWnd = TimerTaskWindow();
-        EXPECT_NE(nullptr, hWnd);
-        SendMessageA(hWnd, WM_TIMER, 1, 0);
-        timer.KillAlarm();
+        SendMessageA(TimerTaskWindow(), WM_TIMER, 1, 0);
         m_clock.Run(100);
         m_clock.m_delays.clear();
         m_uStart = CUGetTime();
     }
-    // What is still asked for comes.
-    ~Timer() override { m_clock.Run(60000); }
-    // Notes when it is called, as "name@milliseconds ".
+    // A timer that notes when it is called, as "name@milliseconds ".
     std::unique_ptr<CTestTimer> Make(char name)
     {
         return std::make_unique<CTestTimer>(
@@ -37,107 +32,99 @@ protected:
     CFakeClock m_clock;
     unsigned long m_uStart;
     std::string m_log;
+    CCUTimerTask *const m_pTask = CCUTimerTask::GetThreadTimerTask();
+    std::unique_ptr<CTestTimer> a = Make('a'), b = Make('b'), c = Make('c'), d = Make('d');
 };
 
 TEST_F(Timer, ServesEachOnceByAlarmAndEqualOnesInTheOrderOfArming)
 {
-    const auto a = Make('a'), b = Make('b'), c = Make('c'), d = Make('d'), e = Make('e'),
-               f = Make('f');
     a->SetAlarm(300);
     b->SetAlarm(100);
-    c->SetAlarm(300);
+    c->SetAlarm(50);
     d->SetAlarm(100);
-    e->SetAlarm(200);
-    f->SetAlarm(50);
-    b->SetAlarm(100);   // armed again: behind d now
-    e->SetAlarm(1000);  // its old alarm is never called
-    f->KillAlarm();
-    EXPECT_EQ(5u, CCUTimerTask::GetThreadTimerTask()->GetListLength());
-    m_clock.Run(250);
+    b->SetAlarm(100);  // armed again: behind d now
+    a->SetAlarm(200);  // the old alarm is never called
     c->KillAlarm();
-    m_clock.Run(2000);
-    EXPECT_EQ("d@100 b@100 a@300 e@1000 ", m_log);
-    EXPECT_EQ(0u, CCUTimerTask::GetThreadTimerTask()->GetListLength());
-    EXPECT_EQ(0, CCUTimerTask::GetThreadTimerTask()->GetPendingCount());
-    EXPECT_EQ(0u, m_clock.Pending());
+    EXPECT_EQ(3u, m_pTask->GetListLength());
+    m_clock.Run(1000);
+    EXPECT_EQ("d@100 b@100 a@200 ", m_log);
+    EXPECT_EQ(0u, m_pTask->GetListLength());
+    EXPECT_EQ(0, m_pTask->GetPendingCount());
+    EXPECT_FALSE(m_clock.IsPending());
+
+    // What is due already needs no timer, only a turn of the message loop.
+    m_log.clear();
+    m_clock.m_delays.clear();
+    a->SetAlarm(0);
+    b->SetAlarm(-5);
+    EXPECT_EQ(1, m_pTask->GetPendingCount());
+    EXPECT_EQ("", m_log);
+    EXPECT_EQ(1, m_clock.Pump());
+    EXPECT_EQ("b@1000 a@1000 ", m_log);
+    EXPECT_TRUE(m_clock.m_delays.empty());
 }
 
 TEST_F(Timer, ArmsIfEarlierOnlyForAnEarlierMoment)
 {
-    const auto a = Make('a'), b = Make('b'), c = Make('c');
     for (CTestTimer *pTimer : {a.get(), b.get(), c.get()})
         pTimer->SetAlarm(100);
     m_clock.Run(40);
     a->SetAlarmIfEarlier(60);  // the same moment: keeps its place before b
     b->SetAlarmIfEarlier(61);
     c->SetAlarmIfEarlier(59);
+    d->SetAlarmIfEarlier(70);  // not armed: armed
     m_clock.Run(200);
-    a->SetAlarmIfEarlier(7);  // not armed: armed
-    m_clock.Run(200);
-    EXPECT_EQ("c@99 a@100 b@100 a@247 ", m_log);
+    EXPECT_EQ("c@99 a@100 b@100 d@110 ", m_log);
 }
 
-TEST_F(Timer, TimeOutMayArmKillAndDelete)
+TEST_F(Timer, TimeOutMayArmKillDeleteAndRunALoop)
 {
-    const auto later = Make('l');
-    std::unique_ptr<CTestTimer> self, next;
     CTestTimer killer([&] {
-        next.reset();        // due in this very pass
-        later->SetAlarm(0);  // in a following one
+        b.reset();       // due in this very pass
+        a->SetAlarm(0);  // in a following one
     });
-    self = std::make_unique<CTestTimer>([&] { self.reset(); });
-    next = Make('n');
+    c->m_action = [&] { c.reset(); };
     CTestTimer again([&] { again.SetAlarm(again.m_nCalls < 3 ? 0 : 500); });
-    self->SetAlarm(10);
-    killer.SetAlarm(10);
-    next->SetAlarm(10);
-    again.SetAlarm(10);
+    for (CTestTimer *pTimer : {c.get(), &killer, b.get(), &again})
+        pTimer->SetAlarm(10);
     m_clock.Jump(10);
     m_clock.Fire();
     EXPECT_EQ(1, m_clock.Pump(1));
-    EXPECT_EQ(nullptr, self);
+    EXPECT_EQ(nullptr, c);
     EXPECT_EQ("", m_log);
     EXPECT_EQ(1, again.m_nCalls);
     m_clock.Run(5);
-    EXPECT_EQ("l@11 ", m_log);
+    EXPECT_EQ("a@11 ", m_log);
     EXPECT_EQ(3, again.m_nCalls);
-    // A loop of its own inside TimeOut serves alarms that are armed there.
-    CTestTimer modal([&] {
-        later->SetAlarm(20);
-        m_clock.Run(50);
-    });
-    modal.SetAlarm(0);
+    d->m_action = [&] {
+        a->SetAlarm(20);
+        m_clock.Run(50);  // a loop of its own serves alarms that are armed there
+    };
+    d->SetAlarm(0);
     m_clock.Run(100);
-    EXPECT_EQ("l@11 l@35 ", m_log);
+    EXPECT_EQ("a@11 a@35 ", m_log);
 }
 
 TEST_F(Timer, PassStopsAfterATenthOfASecond)
 {
-    std::vector<std::unique_ptr<CTestTimer>> timers;
-    for (int i = 0; i < 5; ++i) {
-        timers.push_back(std::make_unique<CTestTimer>([this] {
-            m_log += std::to_string(CUGetTime() - m_uStart) + " ";
-            m_clock.Jump(50);
-        }));
-        timers.back()->SetAlarm(10);
+    for (CTestTimer *pTimer : {a.get(), b.get(), c.get()}) {
+        pTimer->m_action = [this] { m_clock.Jump(50); };
+        pTimer->SetAlarm(10);
     }
     m_clock.Jump(10);
     m_clock.Fire();
     EXPECT_EQ(1, m_clock.Pump(1));
-    EXPECT_EQ("10 60 ", m_log);
-    EXPECT_EQ(static_cast<long>(m_uStart + 10), timers[1]->m_nNow);  // when the pass began
-    EXPECT_EQ(2, m_clock.Pump());  // two more passes, without waiting
-    EXPECT_EQ("10 60 110 160 210 ", m_log);
+    EXPECT_EQ(static_cast<long>(m_uStart + 10), b->m_nNow);  // when the pass began
+    EXPECT_EQ(0, c->m_nCalls);
+    EXPECT_EQ(1, m_clock.Pump());  // the next pass, without waiting
+    EXPECT_EQ(1, c->m_nCalls);
     EXPECT_EQ(std::vector<UINT>{10}, m_clock.m_delays);
 }
 
 TEST_F(Timer, WaitsAMinuteAtMostAtATime)
 {
-    const auto a = Make('a');
     a->SetAlarm(600000);
-    m_clock.Run(599999);
-    EXPECT_EQ("", m_log);
-    m_clock.Run(1);
+    m_clock.Run(700000);
     EXPECT_EQ("a@600000 ", m_log);
     EXPECT_EQ(std::vector<UINT>(10, 60000), m_clock.m_delays);
 }
@@ -147,7 +134,6 @@ TEST_F(Timer, ClockMayWrap)
     m_clock.Jump(0UL - 500 - CUGetTime());
     m_uStart = CUGetTime();
     ASSERT_EQ(0UL - 500, m_uStart);
-    const auto a = Make('a'), b = Make('b'), c = Make('c'), d = Make('d');
     c->SetAlarm(700);
     a->SetAlarm(499);
     b->SetAlarm(500);  // at 0, which would mean not armed
@@ -155,30 +141,16 @@ TEST_F(Timer, ClockMayWrap)
     c->SetAlarmIfEarlier(800);
     m_clock.Run(1000);
     EXPECT_EQ("a@499 b@501 c@700 ", m_log);
-    EXPECT_EQ(1u, CCUTimerTask::GetThreadTimerTask()->GetListLength());
+    EXPECT_EQ(1u, m_pTask->GetListLength());
 }
 
-TEST_F(Timer, DueAlarmPostsAMessageInsteadOfStartingATimer)
-{
-    const auto a = Make('a'), b = Make('b');
-    a->SetAlarm(0);
-    b->SetAlarm(-5);
-    EXPECT_EQ(1, CCUTimerTask::GetThreadTimerTask()->GetPendingCount());
-    EXPECT_EQ("", m_log);
-    EXPECT_EQ(1, m_clock.Pump());
-    EXPECT_EQ("b@0 a@0 ", m_log);
-    EXPECT_TRUE(m_clock.m_delays.empty());
-}
-
-// The object lies in memory that nobody may touch once it is destroyed.
 TEST_F(Timer, AfterShutdownNothingIsArmedOrKilledAndNoDeadObjectIsServed)
 {
-    const auto a = Make('a'), b = Make('b'), c = Make('c');
+    // Memory that nobody may touch once the object is destroyed.
     void *memory = VirtualAlloc(nullptr, sizeof(CTestTimer), MEM_COMMIT, PAGE_READWRITE);
     CTestTimer *pDead = new (memory) CTestTimer;
-    a->SetAlarm(0);
-    pDead->SetAlarm(0);
-    b->SetAlarm(0);
+    for (CTestTimer *pTimer : {a.get(), pDead, b.get()})
+        pTimer->SetAlarm(0);
     CUShutdown();
     EXPECT_TRUE(CUIsShutdown());
     b->KillAlarm();

@@ -1,7 +1,7 @@
 #pragma once
 
-#include <string.h>
 #include <functional>
+#include <utility>
 
 #include "CU/Timer.h"
 
@@ -9,7 +9,7 @@
 class CTestTimer : public CCUTimer
 {
 public:
-    explicit CTestTimer(std::function<void()> action = nullptr) : m_action(action) {}
+    explicit CTestTimer(std::function<void()> action = [] {}) : m_action(std::move(action)) {}
     using CCUTimer::KillAlarm;
     using CCUTimer::SetAlarm;
     using CCUTimer::SetAlarmIfEarlier;
@@ -18,8 +18,7 @@ public:
         ++m_nCalls;
         m_nNow = nNow;
         const std::function<void()> action = m_action;  // it may delete this
-        if (action)
-            action();
+        action();
     }
 
     std::function<void()> m_action;
@@ -27,19 +26,13 @@ public:
     long m_nNow = 0;
 };
 
-inline BOOL CALLBACK IsTimerTaskWindow(HWND hWnd, LPARAM result)
-{
-    char szClass[32] = "";
-    GetClassNameA(hWnd, szClass, sizeof szClass);
-    if (strcmp(szClass, "CCUTimerTask") == 0)
-        *reinterpret_cast<HWND *>(result) = hWnd;
-    return TRUE;
-}
-
 // The hidden window of the calling thread's timers, null when there is none.
 inline HWND TimerTaskWindow()
 {
     HWND hWnd = nullptr;
-    EnumThreadWindows(GetCurrentThreadId(), IsTimerTaskWindow, reinterpret_cast<LPARAM>(&hWnd));
+    while ((hWnd = FindWindowExA(nullptr, hWnd, "CCUTimerTask", "CCUTimerTask")) != nullptr &&
+           GetWindowThreadProcessId(hWnd, nullptr) != GetCurrentThreadId())
+    {
+    }
     return hWnd;
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <functional>
+
 #include "CU/Platform.h"
 
 // Runs `work` on several threads at once, each with its number from 0 on, and waits for all.
@@ -10,12 +12,12 @@ public:
     {
         Most = 32
     };
-    static void Run(int nThreads, void (*work)(int nThread))
+    static void Run(int nThreads, const std::function<void(int nThread)> &work)
     {
         CStart starts[Most];
         HANDLE threads[Most] = {};
         for (int i = 0; i < nThreads; ++i) {
-            starts[i] = {work, i};
+            starts[i] = {&work, i};
             DWORD nId = 0;
             threads[i] = CreateThread(nullptr, 0, Start, &starts[i], 0, &nId);
         }
@@ -27,12 +29,12 @@ public:
 private:
     struct CStart
     {
-        void (*work)(int nThread);
+        const std::function<void(int)> *work;
         int nThread;
     };
     static DWORD WINAPI Start(void *start)
     {
-        static_cast<CStart *>(start)->work(static_cast<CStart *>(start)->nThread);
+        (*static_cast<CStart *>(start)->work)(static_cast<CStart *>(start)->nThread);
         return 0;
     }
 };

@@ -28,7 +28,8 @@ public:
     static CCUTimerTask *GetThreadTimerTask();
 
     unsigned long GetListLength() const { return m_uListLength; }
-    // Notifications asked for and not yet received.
+    // Notifications asked for and not yet received; counts too low where the system lets a timer be
+    // killed that is just calling back.
     long GetPendingCount() const { return m_nPending; }
 
 protected:
