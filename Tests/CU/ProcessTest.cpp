@@ -1,7 +1,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <atomic>
 #include <string>
 #include <vector>
 
@@ -31,17 +30,14 @@ TEST(Process, ClockStartsAtItsFirstCallAndFollowsTheMultimediaClock)
 TEST(Process, KnowsItsOwnMessages)
 {
     const UINT uForeign = RegisterWindowMessageA("ProcessTestForeign");
-    EXPECT_FALSE(CUIsYourMessage(uForeign));
-    for (int i = 0; i < 100; ++i) {
-        const std::string name = "ProcessTest" + std::to_string(i);
-        const UINT uMessage = CURegisterMessageId(name.c_str());
-        EXPECT_EQ(RegisterWindowMessageA(name.c_str()), uMessage);
+    for (const char *name : {"ProcessTest1", "ProcessTest2", "TimerTaskMock"}) {
+        const UINT uMessage = CURegisterMessageId(name);
+        EXPECT_EQ(RegisterWindowMessageA(name), uMessage);
         EXPECT_TRUE(CUIsYourMessage(uMessage));
     }
-    EXPECT_FALSE(CUIsYourMessage(uForeign));
     EXPECT_EQ(0u, CURegisterMessageId(nullptr));
     EXPECT_EQ(0u, CURegisterMessageId(""));
-    for (const UINT uMessage : {0u, 0xBFFFu, 0x10000u, 0xFFFFFFFFu, 0x1C000u})
+    for (const UINT uMessage : {uForeign, 0u, 0xBFFFu, 0x10000u, 0xFFFFFFFFu, 0x1C000u})
         EXPECT_FALSE(CUIsYourMessage(uMessage));
 }
 
@@ -56,18 +52,13 @@ void NoteMessage(unsigned int uMessage, WPARAM wParam, LPARAM lParam)
 TEST(Process, MessageWindowHandsPostedWorkToItsThread)
 {
     const UINT uOwn = CURegisterMessageId("ProcessTestWork");
-    HWND hGone = nullptr;
-    CThreads::Run(1, [&](int) {
-        hGone = CUGetWindow();
-        EXPECT_TRUE(IsWindow(hGone));
-    });
+    CThreads::Run(1, [](int) { EXPECT_TRUE(IsWindow(CUGetWindow())); });
     const HWND hWnd = CUGetWindow();  // the other one ended with its thread
-    EXPECT_NE(nullptr, hWnd);
-    EXPECT_FALSE(IsWindowVisible(hWnd));
     EXPECT_EQ(GetCurrentThreadId(), GetWindowThreadProcessId(hWnd, nullptr));
-    for (const UINT uMessage : {static_cast<UINT>(WM_USER), WM_USER + 2u, uOwn})
+    EXPECT_FALSE(IsWindowVisible(hWnd));
+    for (const UINT uMessage : {WM_USER + 0u, WM_USER + 2u, uOwn})
         EXPECT_TRUE(CUSetMessageHandler(uMessage, NoteMessage));
-    for (const UINT uMessage : {static_cast<UINT>(WM_CLOSE), WM_USER + 3u, uOwn + 1})
+    for (const UINT uMessage : {WM_CLOSE + 0u, WM_USER + 3u, uOwn + 1})
         EXPECT_FALSE(CUSetMessageHandler(uMessage, NoteMessage));
     CThreads::Run(1, [&](int) {
         PostMessageA(CUGetWindow(), uOwn, 5, -6);
@@ -106,13 +97,16 @@ TEST(Process, NumbersAndTheMutexHoldOnManyThreads)
 class CNotingHandler : public CCUThreadExitHandler
 {
 public:
-    CNotingHandler(std::string *pLog, char name) : m_pLog(pLog), m_name(name) {}
+    CNotingHandler(std::string *pLog, char name) : m_pLog(pLog), m_name(name)
+    {
+        EXPECT_TRUE(CURegisterThreadExitHandler(this));
+    }
     void OnThreadExit(bool bKillTimer) override
     {
         EXPECT_TRUE(bKillTimer);
         *m_pLog += m_name;
         if (m_name == 'c')  // even one that comes late is called
-            CURegisterThreadExitHandler(new CNotingHandler(m_pLog, 'd'));
+            new CNotingHandler(m_pLog, 'd');
         delete this;
     }
 
@@ -124,43 +118,31 @@ private:
 TEST(Process, ThreadsHaveSlotsAndExitHandlersOfTheirOwn)
 {
     const int nSlot = CUAllocateThreadLocalStorageIndex();
-    ASSERT_GE(nSlot, 0);
+    ASSERT_NE(-1, nSlot);
     EXPECT_NE(nSlot, CUAllocateThreadLocalStorageIndex());
-    int value = 0;
-    EXPECT_TRUE(CUSetThreadLocalStorage(nSlot, &value));
-    std::atomic<int> nRight(0);
-    CThreads::Run(8, [&](int) {
-        std::string log;
-        const bool bEmpty = CUGetThreadLocalStorage(nSlot) == nullptr;
-        CUSetThreadLocalStorage(nSlot, &log);
-        Sleep(0);
-        nRight += bEmpty && CUGetThreadLocalStorage(nSlot) == &log;
-    });
-    EXPECT_EQ(8, nRight);
-    EXPECT_EQ(&value, CUGetThreadLocalStorage(nSlot));
     EXPECT_EQ(nullptr, CUGetThreadLocalStorage(-1));
-    EXPECT_FALSE(CUSetThreadLocalStorage(-1, &value));
-
-    std::string log;
-    CThreads::Run(1, [&](int) {
-        CNotingHandler *handlers[3];
-        for (int i = 0; i < 3; ++i) {
-            handlers[i] = new CNotingHandler(&log, static_cast<char>('a' + i));
-            EXPECT_TRUE(CURegisterThreadExitHandler(handlers[i]));
-        }
-        EXPECT_TRUE(CUUnregisterThreadExitHandler(handlers[1]));
-        EXPECT_FALSE(CUUnregisterThreadExitHandler(handlers[1]));
-        EXPECT_TRUE(CURegisterThreadExitHandler(handlers[0]));  // once is enough
-        delete handlers[1];
-        delete new CNotingHandler(&log, 'x');
-        {
-            CNotingHandler local(&log, 'y');
-            CURegisterThreadExitHandler(&local);
-        }
-        EXPECT_FALSE(CURegisterThreadExitHandler(nullptr));
-        EXPECT_EQ("", log);
+    EXPECT_FALSE(CUSetThreadLocalStorage(-1, nullptr));
+    EXPECT_FALSE(CURegisterThreadExitHandler(nullptr));
+    std::string logs[8];
+    EXPECT_TRUE(CUSetThreadLocalStorage(nSlot, logs));
+    CThreads::Run(8, [&](int nThread) {
+        std::string *const pLog = &logs[nThread];
+        EXPECT_EQ(nullptr, CUGetThreadLocalStorage(nSlot));
+        CUSetThreadLocalStorage(nSlot, pLog);
+        CCUThreadExitHandler *const a = new CNotingHandler(pLog, 'a');
+        CCUThreadExitHandler *const b = new CNotingHandler(pLog, 'b');
+        new CNotingHandler(pLog, 'c');
+        EXPECT_TRUE(CUUnregisterThreadExitHandler(b));
+        EXPECT_FALSE(CUUnregisterThreadExitHandler(b));
+        EXPECT_TRUE(CURegisterThreadExitHandler(a));  // once, but first now
+        delete b;
+        delete new CNotingHandler(pLog, 'x');
+        EXPECT_EQ(pLog, CUGetThreadLocalStorage(nSlot));
+        EXPECT_EQ("", *pLog);
     });
-    EXPECT_EQ("acd", log);
+    for (const std::string &log : logs)
+        EXPECT_EQ("acd", log);
+    EXPECT_EQ(logs, CUGetThreadLocalStorage(nSlot));
 }
 
 std::string g_info;
