@@ -1,6 +1,7 @@
 #include "BmpSharedDC.h"
 
 #include "CU/Assert.h"
+#include "DepthMemo.h"
 
 #define CU_SOURCE "Bmp"
 
@@ -8,26 +9,7 @@ CCUIBmpSharedDC g_bmpImageDC;
 CCUIBmpSharedDC g_bmpMaskDC;
 CCUIBmpSharedDC g_bmpWorkDC;
 
-namespace {
-
-// Asking for the depth can cost ten times a small blit (the system looks the display mode up), so
-// a run of calls onto one DC asks once in a tick of the clock. Nothing depends on noticing a change
-// of mode sooner: the memory DCs hold nothing between calls.
-int DepthOf(HDC hDC)
-{
-    static HDC s_hDC = nullptr;
-    static DWORD s_dwTick = 0;
-    static int s_nBits = 0;
-    const DWORD dwTick = GetTickCount();
-    if (hDC != s_hDC || dwTick != s_dwTick) {
-        s_hDC = hDC;
-        s_dwTick = dwTick;
-        s_nBits = GetDeviceCaps(hDC, BITSPIXEL);
-    }
-    return s_nBits;
-}
-
-}  // namespace
+static CCUIDepthMemo s_depth;
 
 CCUIBmpSharedDC::~CCUIBmpSharedDC()
 {
@@ -37,7 +19,7 @@ CCUIBmpSharedDC::~CCUIBmpSharedDC()
 
 HDC CCUIBmpSharedDC::For(HDC hDC)
 {
-    const int nBits = DepthOf(hDC);
+    const int nBits = s_depth.Of(hDC);
     if (m_hDC && m_nBits == nBits)
         return m_hDC;
     if (m_hDC)

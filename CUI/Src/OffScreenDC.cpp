@@ -1,10 +1,13 @@
 #include "CUI/OffScreenDC.h"
 
 #include "CU/Assert.h"
+#include "DepthMemo.h"
 
 #define CU_SOURCE "OffScreenDC"
 
 namespace {
+
+CCUIDepthMemo s_depth;
 
 int Larger(int a, int b)
 {
@@ -43,7 +46,7 @@ void CCUIOffScreenDC::ReleaseDC()
 bool CCUIOffScreenDC::Fits(HDC hDC, int cx, int cy) const
 {
     return m_memDC && cx <= m_bitmap.Width() && cy <= m_bitmap.Height() &&
-           GetDeviceCaps(hDC, BITSPIXEL) == m_bitmap.Depth();
+           s_depth.Of(hDC) == m_bitmap.Depth();
 }
 
 void CCUIOffScreenDC::Grow(HDC hDC, int cx, int cy)
