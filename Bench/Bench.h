@@ -34,8 +34,8 @@ public:
     const char *m_name;
     void (*m_run)();
 };
-#define BENCH_GROUP(name)                                      \
-    static void BenchRun##name();                              \
+#define BENCH_GROUP(name)                                          \
+    static void BenchRun##name();                                  \
     static const CBenchGroup s_group##name(#name, BenchRun##name); \
     static void BenchRun##name()
 
@@ -64,30 +64,42 @@ int BenchCalibrate(F &call, double seconds)
         const double took = BenchSample(call, nCalls) * nCalls;
         if (took >= seconds || nCalls >= 100000000)
             return nCalls;
-        nCalls = took * 16 < seconds ? nCalls * 8 : static_cast<int>(nCalls * seconds / took * 1.2) + 1;
+        nCalls =
+            took * 16 < seconds ? nCalls * 8 : static_cast<int>(nCalls * seconds / took * 1.2) + 1;
     }
 }
 
-// Measures `ours` beside `peer` in nPairs interleaved samples and adds the row.
+// Takes nPairs interleaved samples, each the seconds that one call of `ours` or `peer` answers, and
+// adds the row.
 template <typename Ours, typename Peer>
-void BenchCompare(const char *name, Ours ours, const char *peerName, Peer peer, double ceiling,
-                  int nPairs = 31, double secondsPerSample = 0.004)
+void BenchPairs(const char *name, int nPairs, Ours ours, const char *peerName, Peer peer,
+                double ceiling)
 {
-    const int nOurs = BenchCalibrate(ours, secondsPerSample);
-    const int nPeer = BenchCalibrate(peer, secondsPerSample);
     std::vector<double> oursTimes, peerTimes, ratios;
     for (int i = 0; i < nPairs; ++i) {
         // Who goes first changes, so that neither side always finds the warmer cache.
         double a = 0;
         if (i % 2 == 0)
-            a = BenchSample(ours, nOurs);
-        const double b = BenchSample(peer, nPeer);
+            a = ours();
+        const double b = peer();
         if (i % 2 != 0)
-            a = BenchSample(ours, nOurs);
+            a = ours();
         oursTimes.push_back(a * 1e9);
         peerTimes.push_back(b * 1e9);
         ratios.push_back(a / b);
     }
     BenchAdd({name, "ns", BenchMedian(oursTimes), BenchMedian(peerTimes), peerName,
               BenchMedian(ratios), ceiling});
+}
+
+// Measures a call of `ours` beside one of `peer`, as many as fill a sample of some milliseconds.
+template <typename Ours, typename Peer>
+void BenchCompare(const char *name, Ours ours, const char *peerName, Peer peer, double ceiling,
+                  int nPairs = 31, double secondsPerSample = 0.004)
+{
+    const int nOurs = BenchCalibrate(ours, secondsPerSample);
+    const int nPeer = BenchCalibrate(peer, secondsPerSample);
+    BenchPairs(
+        name, nPairs, [&] { return BenchSample(ours, nOurs); }, peerName,
+        [&] { return BenchSample(peer, nPeer); }, ceiling);
 }

@@ -1,0 +1,61 @@
+#include "AutoRunDlg.h"
+#include "Bench.h"
+#include "PlainLauncher.h"
+
+namespace {
+
+// Seconds from the creation of the process until it waits for input, its window painted.
+double TimeStart(const char *path)
+{
+    char commandLine[MAX_PATH];
+    lstrcpynA(commandLine, path, MAX_PATH);
+    STARTUPINFOA startup = {};
+    startup.cb = sizeof startup;
+    PROCESS_INFORMATION process;
+    const double start = BenchNow();
+    if (!CreateProcessA(nullptr, commandLine, nullptr, nullptr, FALSE, 0, nullptr, nullptr,
+                        &startup, &process))
+    {
+        fprintf(stderr, "cannot start %s\n", path);
+        exit(1);
+    }
+    WaitForInputIdle(process.hProcess, INFINITE);
+    const double took = BenchNow() - start;
+    PostMessageA(FindWindowA("#32770", "Fennick Setup"), WM_COMMAND, IDCANCEL, 0);
+    if (WaitForSingleObject(process.hProcess, 60000) != WAIT_OBJECT_0)
+        TerminateProcess(process.hProcess, 1);
+    CloseHandle(process.hThread);
+    CloseHandle(process.hProcess);
+    return took;
+}
+
+void Repaint(HWND hWnd)
+{
+    RedrawWindow(hWnd, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_UPDATENOW);
+}
+
+}  // namespace
+
+BENCH_GROUP(Launcher)
+{
+    // A start that is no good: the first one reads files that the others find in memory.
+    TimeStart(BENCH_LAUNCHER);
+    TimeStart(BENCH_PLAIN_LAUNCHER);
+    BenchPairs(
+        "launcher: creation of the process to first frame", 21,
+        [] { return TimeStart(BENCH_LAUNCHER); }, "plain Win32 program",
+        [] { return TimeStart(BENCH_PLAIN_LAUNCHER); }, 1.05);
+
+    const HINSTANCE hInstance = GetModuleHandleA(nullptr);
+    CPlainLauncher plain(hInstance);
+    const HWND hPlain = plain.Create();
+    CAutoRunDlg dialog(hInstance);
+    const HWND hOurs = dialog.DoModeless(nullptr);
+    BenchCompare(
+        "launcher: full repaint", [=] { Repaint(hOurs); }, "the same calls by hand",
+        [=] { Repaint(hPlain); }, 1.05);
+    DestroyWindow(hPlain);
+    // The plain launcher ends its program when it goes.
+    MSG msg;
+    PeekMessageA(&msg, nullptr, WM_QUIT, WM_QUIT, PM_REMOVE);
+}
