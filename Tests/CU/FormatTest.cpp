@@ -8,9 +8,9 @@
 #include <vector>
 
 #include "CU/String.h"
-#include "Support/AssertReports.h"
 #include "Support/Fuzz.h"
 #include "Support/HeapWatch.h"
+#include "Support/Reports.h"
 
 namespace {
 
@@ -40,7 +40,7 @@ CCUString Formatted(const char *pszFormat, Args... args)
 
 TEST(Format, ReservesWhatTheFormatLetsExpect)
 {
-    const CAssertReports reports;
+    const CReports reports;
     Expect(Formatted("plain 100%%"), 10, "plain 100%");
     Expect(Formatted("%.3s", "abcdef"), 3, "abc");
     Expect(Formatted("%10s", "ab"), 10, "        ab");
@@ -70,7 +70,7 @@ TEST(Format, ReservesWhatTheFormatLetsExpect)
 
 TEST(Format, ReportsAndCutsWhatDoesNotFit)
 {
-    const CAssertReports reports;
+    const CReports reports;
     const CHeapWatch heap;
     Expect(Formatted("%10.3s", "abcdef"), 3, "   ");
     EXPECT_EQ(Formatted("%.600f", 1e300).GetLength(), 600);

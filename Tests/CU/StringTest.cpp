@@ -9,9 +9,9 @@
 #include <random>
 #include <string>
 
-#include "Support/AssertReports.h"
 #include "Support/GuardedBuffer.h"
 #include "Support/HeapWatch.h"
+#include "Support/Reports.h"
 
 namespace {
 
@@ -190,7 +190,7 @@ TEST(String, ALockedBlockStaysWithItsString)
 
 TEST(String, AgreesWithTheStandardStringOnRandomTexts)
 {
-    const CAssertReports reports;
+    const CReports reports;
     const CHeapWatch heap;
     std::mt19937 random(1);
     const auto number = [&](int nBelow) {
@@ -318,7 +318,7 @@ TEST(String, ConvertsBetweenWideAndAnsiWithinItsBuffers)
 
 TEST(String, ReportsImpossibleLengthsAndStaysInsideItsBlock)
 {
-    const CAssertReports reports;
+    const CReports reports;
     const CHeapWatch heap;
     ExpectNil(CCUString("abc", -1));
     ExpectNil(CCUString('x', INT_MAX));
@@ -351,7 +351,7 @@ TEST(String, ReportsImpossibleLengthsAndStaysInsideItsBlock)
 
 TEST(String, ReportsBadIndexesAndCountsAndGoesOn)
 {
-    const CAssertReports reports;
+    const CReports reports;
     CCUString s("abc");
     s.GetBuffer(10);
     EXPECT_EQ(s[3], '\0');

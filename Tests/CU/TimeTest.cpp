@@ -1,10 +1,9 @@
 #include <gtest/gtest.h>
 
 #include "CU/Time.h"
-#include "Support/AssertReports.h"
-#include "Support/Dumped.h"
 #include "Support/Fuzz.h"
 #include "Support/GuardedBuffer.h"
+#include "Support/Reports.h"
 #include "Support/ZoneHook.h"
 
 namespace {
@@ -151,7 +150,7 @@ TEST(Time, ParsesTimesAndDates)
 
 TEST(TimeSpan, SplitsFormatsAndParses)
 {
-    CAssertReports reports;
+    CReports reports;
     const CCUTimeSpan negative(-1, 0, 0, 30);
     EXPECT_EQ(-86370, negative.GetTotalSeconds());
     EXPECT_EQ(-23, negative.GetTotalHours());

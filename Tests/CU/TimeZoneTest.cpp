@@ -4,8 +4,8 @@
 
 #include "CU/Registry.h"
 #include "CU/Time.h"
-#include "Support/Dumped.h"
 #include "Support/Fuzz.h"
+#include "Support/Reports.h"
 #include "Support/TemporaryDirectory.h"
 #include "Support/ZoneHook.h"
 

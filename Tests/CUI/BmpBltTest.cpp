@@ -2,10 +2,10 @@
 
 #include <gtest/gtest.h>
 
-#include "Support/Dumped.h"
 #include "Support/FailingCall.h"
 #include "Support/GdiCount.h"
 #include "Support/PixelMap.h"
+#include "Support/Reports.h"
 #include "Support/TemporaryDirectory.h"
 
 namespace {

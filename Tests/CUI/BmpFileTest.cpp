@@ -57,7 +57,7 @@ TEST(BmpFile, IsReadAsHeaderTableAndRowsOfWords)
 TEST(BmpFile, ThatIsNoneOrClaimsTooMuchIsRefused)
 {
     CReports reports;
-    CTraceListener trace;
+    CDumped trace;
     CMemoryFile file;
     const CBmpBytes bmp(5, 4, 8);
     const std::vector<BYTE> bytes = bmp.File();
@@ -76,7 +76,7 @@ TEST(BmpFile, ThatIsNoneOrClaimsTooMuchIsRefused)
         const CHeapWatch heap;
         EXPECT_FALSE(CUIBmpDIBFromFile(sMemory));
         EXPECT_LE(CHeapWatch::TakeLargest(), 2 * bytes.size());
-        EXPECT_EQ(traced, trace.Text());
+        EXPECT_EQ(traced, trace.m_text);
     };
     expectNone({}, noHeader);
     expectNone(Cut(bytes, 13), noHeader);
@@ -103,7 +103,7 @@ TEST(BmpFile, ThatIsNoneOrClaimsTooMuchIsRefused)
         expectNone(wrong, "");
     }
     EXPECT_FALSE(CUIBmpDIBFromFile("no such"));
-    EXPECT_EQ(traced + "CUIBmpDIBFromFile: error opening no such.\n", trace.Text());
+    EXPECT_EQ(traced + "CUIBmpDIBFromFile: error opening no such.\n", trace.m_text);
     EXPECT_TRUE(reports.Asserts().empty());
 }
 

@@ -85,7 +85,7 @@ TEST(BmpLoad, ReplacesColoursOnlyWhenAsked)
 TEST(BmpLoad, OfFilesTakesWhatTheSystemTakes)
 {
     CReports reports;
-    CTraceListener trace;
+    CDumped trace;
     const std::string path = reports.Directory().Path() + "\\load.bmp";
     for (const int nBits : {1, 4, 8, 24, 32}) {
         const CBmpBytes bmp(7, 5, nBits);
@@ -99,7 +99,7 @@ TEST(BmpLoad, OfFilesTakesWhatTheSystemTakes)
         EXPECT_EQ(nBits > 8 ? std::vector<DWORD>() : bmp.Picture(),
                   TakePixels(CUIBmpLoadBitmapFile(path.c_str(), FALSE)));
     }
-    EXPECT_EQ("", trace.Text());
+    EXPECT_EQ("", trace.m_text);
     // A byte short, LoadImage would read beyond the end.
     std::vector<BYTE> bytes = CBmpBytes(7, 5, 32).File();
     bytes.pop_back();
@@ -107,7 +107,7 @@ TEST(BmpLoad, OfFilesTakesWhatTheSystemTakes)
     EXPECT_FALSE(CUIBmpLoad(nullptr, path.c_str(), nullptr, false, nullptr, nullptr, 0));
     EXPECT_FALSE(CUIBmpLoad(Module(), "none", nullptr, false, nullptr, nullptr, 0));
     EXPECT_FALSE(CUIBmpLoad(Module(), pszShort, nullptr, false, nullptr, nullptr, 0));
-    EXPECT_EQ("Error loading bitmap " + path + ".\n", trace.Text());
+    EXPECT_EQ("Error loading bitmap " + path + ".\n", trace.m_text);
 }
 
 TEST(BmpLoad, OfPackedDibsRewritesTheTableInPlace)
@@ -242,7 +242,7 @@ TEST(BmpCopy, OfABitmapIsItsTopLeftPartOrAPackedDibAgain)
 TEST(BmpCopy, OfAPaletteHasItsEntriesAndIsTraced)
 {
     CReports reports;
-    CTraceListener trace;
+    CDumped trace;
     const CBmpBytes bmp(1, 1, 4);
     int nColors = 0;
     const HPALETTE hPal = CGuardedDib(bmp.Packed(16)).Palette(nColors);
@@ -257,7 +257,7 @@ TEST(BmpCopy, OfAPaletteHasItsEntriesAndIsTraced)
         sprintf(szLine, "%03d: (%d, %d, %d)\n", i, color.rgbRed, color.rgbGreen, color.rgbBlue);
         expected += szLine;
     }
-    EXPECT_EQ(expected + "\n", trace.Text());
+    EXPECT_EQ(expected + "\n", trace.m_text);
     EXPECT_FALSE(CUICopyPalette(nullptr));
 }
 

@@ -6,7 +6,6 @@
 #include "CU/IDGenerator.h"
 #include "CUI/CommandHandler.h"
 #include "CUI/CommandMap.h"
-#include "Support/Dumped.h"
 #include "Support/Reports.h"
 
 namespace {

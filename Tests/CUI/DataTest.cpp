@@ -4,10 +4,10 @@
 
 #include <mmsystem.h>
 
-#include "Support/AssertReports.h"
 #include "Support/FailingCall.h"
 #include "Support/GdiCount.h"
 #include "Support/PixelMap.h"
+#include "Support/Reports.h"
 
 namespace {
 
@@ -44,7 +44,7 @@ void ExpectFont(const LOGFONTA &expected, LONG nWeight, HFONT hFont)
 // What is reported when the hooked calls fail from now on.
 void ExpectReports(std::initializer_list<const char *> texts)
 {
-    const CAssertReports reports;
+    const CReports reports;
     CFailPlan::Start(CFailPlan::ALL);
     CUIGetWinData()->UpdateSysColors();
     CUIGetWinData()->UpdateSysFonts();
@@ -153,7 +153,7 @@ TEST(Data, ReportsWhatItCannotHaveWhenItIsMade)
     const CFailingCall<HCURSOR(HINSTANCE, const char *)> cursor("LoadCursorA");
     const CFailingCall<HDC(HWND)> screen("GetDC");
     CFailPlan::Start(CFailPlan::ALL);
-    const CAssertReports reports;
+    const CReports reports;
     const CUIData *pData = CUIGetWinData();
     for (const char *text : {"GetVersionEx(&VersionInfo)", "hDCScreen", "hcurWait != 0",
                              "hcurArrow != 0", "hcurIBeam != 0"})

@@ -5,7 +5,7 @@
 
 #include "CUI/Data.h"
 #include "CUI/Dialog.h"
-#include "Support/AssertReports.h"
+#include "Support/Reports.h"
 #include "Support/TestWindow.h"
 
 #include <commctrl.h>  // needs windows.h before it
@@ -222,7 +222,7 @@ TEST(Dialog, RunsThreeDeepAndPassesQuitOn)
 
 TEST(Dialog, StandsItsOwnDeathInItsLoop)
 {
-    const CAssertReports reports;
+    const CReports reports;
     auto *dialog = new CTestDialog;
     dialog->m_inLoop = [](CTestDialog &running) { delete &running; };
     EXPECT_EQ(IDCANCEL, dialog->DoModal(nullptr));

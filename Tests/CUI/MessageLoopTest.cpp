@@ -9,6 +9,7 @@
 #include "CU/String.h"
 #include "CUI/CommandHandler.h"
 #include "Support/ImportHook.h"
+#include "Support/Reports.h"
 #include "Support/TestWindow.h"
 
 namespace {
@@ -26,15 +27,6 @@ public:
     }
     int m_nPasses = 0;
     std::function<void()> m_onIdle;
-};
-
-class CTraceListener : public CCUDumpCallback
-{
-public:
-    CTraceListener() { CUDumpRegister(this); }
-    ~CTraceListener() { CUDumpUnRegister(this); }
-    void OnDump(const CCUString &sText) override { m_text += sText; }
-    std::string m_text;
 };
 
 // Writes down what passes its pre-translation; takes what it is told to.
@@ -158,7 +150,7 @@ TEST(MessageLoop, TracesWhatTakesMoreThanASecond)
     const CImportHook clock("timeGetTime", Now);
     CCUDebugSwitch *pSwitch = CCUDebugSwitch::Find("\\Debug\\Window", "MessageDebug");
     ASSERT_TRUE(pSwitch);
-    CTraceListener trace;
+    CDumped trace;
     std::string record;
     CWitness window(record, 'w');
     ASSERT_TRUE(CreateTestWindow(window));

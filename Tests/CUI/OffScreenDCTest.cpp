@@ -2,10 +2,10 @@
 
 #include <gtest/gtest.h>
 
-#include "Support/AssertReports.h"
 #include "Support/FailingCall.h"
 #include "Support/GdiCount.h"
 #include "Support/PixelMap.h"
+#include "Support/Reports.h"
 
 namespace {
 
@@ -95,7 +95,7 @@ TEST(OffScreenDC, GrowsNeverShrinksAndKeepsWhatWasDrawnWhileItFits)
 TEST(OffScreenDC, KeepsItsBitmapWhenThereIsNoMemoryForALargerOne)
 {
     CTestSurface screen(0, CPixelMap(9, 9));
-    const CAssertReports reports;
+    const CReports reports;
     CCUIOffScreenDC osdc;
     const CFailingCall<HDC(HDC)> createDC("CreateCompatibleDC");
     const CFailingCall<HBITMAP(HDC, int, int)> createBitmap("CreateCompatibleBitmap");

@@ -3,8 +3,8 @@
 #include <gtest/gtest.h>
 
 #include "CU/Language.h"
-#include "Support/Dumped.h"
 #include "Support/ImportHook.h"
+#include "Support/Reports.h"
 
 namespace {
 

@@ -2,7 +2,6 @@
 
 #include "CUI/Data.h"
 #include "CUI/WindowClass.h"
-#include "Support/Dumped.h"
 #include "Support/ImportHook.h"
 #include "Support/Reports.h"
 

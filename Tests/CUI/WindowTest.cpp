@@ -5,8 +5,8 @@
 #include <vector>
 
 #include "CUI/Menu.h"
-#include "Support/AssertReports.h"
 #include "Support/HeapWatch.h"
+#include "Support/Reports.h"
 #include "Support/TestWindow.h"
 
 namespace {
@@ -117,7 +117,7 @@ TEST(Window, BindsAnExistingWindowAndLetsGoOfIt)
 
 TEST(Window, ReportsABindingTooMany)
 {
-    const CAssertReports reports;
+    const CReports reports;
     const HWND hFirst = MakeEdit();
     const HWND hSecond = MakeEdit();
     CScripted window, other;
@@ -311,7 +311,7 @@ TEST(Window, AsksMessageHooksInOrderWhileTheyComeAndGo)
 
 TEST(Window, LeavesNothingBehindAFailedCreation)
 {
-    const CAssertReports reports;
+    const CReports reports;
     class CRefusing : public CScripted
     {
     public:

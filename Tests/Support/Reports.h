@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <string>
 #include <vector>
 
@@ -7,47 +8,57 @@
 #include "CU/String.h"
 #include "Support/TemporaryDirectory.h"
 
-// What the process reported while the object lives, which gives it a temporary directory.
+// The failed checks that the process reports while the object lives, which gives it a temporary
+// directory. A process reports no more than ten.
 class CReports
 {
 public:
-    // The failed checks since the last call, as "Source: expression", in order. The process reports
-    // no more than ten.
+    // How often `expression` was reported by `source`.
+    int Count(const std::string &expression, const std::string &source = "String") const
+    {
+        const std::vector<std::string> all = All();
+        return static_cast<int>(std::count(all.begin(), all.end(), source + ": " + expression));
+    }
+    int Total() const { return static_cast<int>(All().size()); }
+    // Those since the last call, as "Source: expression", in order.
     std::vector<std::string> Asserts()
     {
-        const std::string text = m_directory.Contents("ZELTrace-*.txt");
-        std::vector<std::string> asserts;
-        for (size_t at = m_nSeen; (at = text.find("Assert:", at)) != std::string::npos;) {
-            const size_t file = text.find("  File:", at);
-            const size_t line = text.find("  Line:", file);
-            asserts.push_back(text.substr(file + 7, line - file - 7) + ": " +
-                              text.substr(at + 7, file - at - 7));
-            at = line;
-        }
-        m_nSeen = text.size();
+        const std::vector<std::string> all = All();
+        const std::vector<std::string> asserts(all.begin() + m_nSeen, all.end());
+        m_nSeen += static_cast<int>(asserts.size());
         return asserts;
     }
 
     const CTemporaryDirectory &Directory() const { return m_directory; }
 
 private:
+    std::vector<std::string> All() const
+    {
+        const std::string text = m_directory.Contents("ZELTrace-*.txt"), head = "\nAssert:";
+        std::vector<std::string> asserts;
+        for (size_t at = 0; (at = text.find(head, at)) != std::string::npos;) {
+            at += head.size();
+            const size_t file = text.find("  File:", at);
+            const size_t line = text.find("  Line:", file);
+            asserts.push_back(text.substr(file + 7, line - file - 7) + ": " +
+                              text.substr(at, file - at));
+        }
+        return asserts;
+    }
+
     CTemporaryDirectory m_directory;
-    size_t m_nSeen = 0;
+    int m_nSeen = 0;
 };
 
-// What goes to the trace while the object lives, whole and in pieces.
-class CTraceListener : public CCUDumpCallback
+// What goes to the trace while the object lives.
+class CDumped : public CCUDumpCallback
 {
 public:
-    CTraceListener() { CUDumpRegister(this); }
-    ~CTraceListener() { CUDumpUnRegister(this); }
-    CTraceListener(const CTraceListener &) = delete;
-    CTraceListener &operator=(const CTraceListener &) = delete;
+    CDumped() { CUDumpRegister(this); }
+    ~CDumped() { CUDumpUnRegister(this); }
+    CDumped(const CDumped &) = delete;
+    CDumped &operator=(const CDumped &) = delete;
+    void OnDump(const CCUString &sText) override { m_text += sText; }
 
-    void OnDump(const CCUString &sText) override { m_text += static_cast<const char *>(sText); }
-
-    const std::string &Text() const { return m_text; }
-
-private:
     std::string m_text;
 };
