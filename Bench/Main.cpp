@@ -4,8 +4,7 @@
 
 #include "Bench.h"
 
-namespace
-{
+namespace {
 
 std::vector<CBenchGroup> &Groups()
 {
@@ -15,11 +14,11 @@ std::vector<CBenchGroup> &Groups()
 
 void PrintTable()
 {
-    printf("%-52s %12s %12s  %-44s %6s %6s\n", "measure", "ours (ns)", "peer (ns)", "peer", "ratio",
-           "limit");
+    printf("%-52s %12s %12s %-5s  %-44s %6s %6s\n", "measure", "ours", "peer", "unit", "peer",
+           "ratio", "limit");
     for (const CBenchRow &row : BenchRows()) {
-        printf("%-52s %12.1f %12.1f  %-44s %6.2f ", row.name, row.ours, row.peer, row.peerName,
-               row.ratio);
+        printf("%-52s %12.1f %12.1f %-5s  %-44s %6.2f ", row.name, row.ours, row.peer, row.unit,
+               row.peerName, row.ratio);
         if (row.ceiling > 0)
             printf("%6.2f%s\n", row.ceiling, row.ratio > row.ceiling ? "  ABOVE" : "");
         else

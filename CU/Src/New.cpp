@@ -6,8 +6,7 @@
 
 #include "CU/Platform.h"
 
-namespace
-{
+namespace {
 
 // No caller of this system looks at a null result, so running out of memory ends in the system's
 // own exception, which the crash report names.

@@ -4,10 +4,8 @@
 // of its own need. Declaring the class as provided keeps the rest (on Win32's own primitives).
 #define GTEST_HAS_NOTIFICATION_ 1
 #if defined(__cplusplus)
-namespace testing
-{
-namespace internal
-{
+namespace testing {
+namespace internal {
 class Notification
 {
 public:
