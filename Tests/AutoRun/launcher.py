@@ -35,6 +35,15 @@ def xdotool(*words):
                           check=False)
 
 
+def output_of(*words):
+    """What a program writes. To a file: a pipe would end only with the desktop's own process, which
+    the program may have started, and which stays as long as any window."""
+    with tempfile.TemporaryFile("w+") as output:
+        subprocess.run(list(map(str, words)), stdout=output, check=True)
+        output.seek(0)
+        return output.read()
+
+
 def screen():
     return ImageGrab.grab(xdisplay="").convert("RGB")
 
@@ -50,7 +59,7 @@ class Build:
         self.folder = os.path.abspath(folder)
 
     def launcher(self, name):
-        for place in ("AutoRun", "Disc", "Tests/AutoRun"):
+        for place in ("Tests", "Disc", "Tests/AutoRun"):
             path = os.path.join(self.folder, place, name + ".exe")
             if os.path.exists(path):
                 return path
@@ -65,7 +74,7 @@ class Build:
             picture = os.path.join(folder, "picture.bmp")
             words = ["wine", self.tool("Reference"), windows_path(launcher),
                      windows_path(picture)] + ([str(lit)] if lit != NONE else [])
-            text = subprocess.run(words, capture_output=True, text=True, check=True).stdout
+            text = output_of(*words)
             spots = [tuple(map(int, line.split())) for line in text.splitlines()]
             return Image.open(picture).convert("RGB"), spots
 
@@ -73,7 +82,7 @@ class Build:
 class Disc:
     """A folder with a launcher and probes under the names of the programs that it starts."""
 
-    def __init__(self, build, launcher="AutoRun",
+    def __init__(self, build, launcher="ShippedLauncher",
                  programs=("Fennick.exe", "RunFennick.exe", "tutorial.exe")):
         self.folder = tempfile.mkdtemp(prefix="disc")
         self.log = os.path.join(tempfile.mkdtemp(prefix="log"), "probe.log")
@@ -161,9 +170,7 @@ class Launcher:
         return self.process.wait(PATIENCE)
 
     def remote(self, *words):
-        return subprocess.run(["wine", self.build.tool("Remote"), words[0], self.caption,
-                               *map(str, words[1:])], capture_output=True, text=True,
-                              check=True).stdout
+        return output_of("wine", self.build.tool("Remote"), words[0], self.caption, *words[1:])
 
     def reports(self):
         """The expressions of the failed checks that were reported, in order."""

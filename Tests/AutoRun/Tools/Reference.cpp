@@ -26,13 +26,14 @@ POINT Position(UINT nID)
     return {x, y};
 }
 
+// What does not parse stays as the font before has it.
 HFONT Font(UINT nID)
 {
-    int nPoints = 0, nBold = 0, nItalic = 0;
-    char face[256] = "";
-    sscanf(Text(nID).c_str(), "%d,%d,%d,%255s", &nPoints, &nBold, &nItalic, face);
-    return CreateFontA(-MulDiv(nPoints, 96, 72), 0, 0, 0, nBold > 0 ? 700 : 400, nItalic != 0, 0, 0,
-                       0, 0, 0, 0, VARIABLE_PITCH | FF_SWISS, face);
+    static int s_nPoints, s_nBold, s_nItalic;
+    static char s_face[256];
+    sscanf(Text(nID).c_str(), "%d,%d,%d,%255s", &s_nPoints, &s_nBold, &s_nItalic, s_face);
+    return CreateFontA(-MulDiv(s_nPoints, 96, 72), 0, 0, 0, s_nBold > 0 ? 700 : 400, s_nItalic != 0,
+                       0, 0, 0, 0, 0, 0, VARIABLE_PITCH | FF_SWISS, s_face);
 }
 
 SIZE Picture(HDC hDC, UINT nID, POINT at)
@@ -65,23 +66,24 @@ const CLine g_lines[] = {{1, 6, 38}, {2, 5, 39}, {20, 24, 37}, {21, 25, 36}};
 
 void Draw(HDC hDC, int nLit)
 {
+    const HFONT hTitle = Font(32), hItem = Font(13), hAbout = Font(14);
     Picture(hDC, 200, {0, 0});
     Picture(hDC, 309, Position(33));
     for (const CLine &line : g_lines)
         Picture(hDC, 311, Position(line.nBullet));
     SetBkMode(hDC, TRANSPARENT);
-    SelectObject(hDC, Font(32));
+    SelectObject(hDC, hTitle);
     Line(hDC, Position(30), 0, 0, Text(28));
 
     int left = 0, top = 0, right = 0, bottom = 0;
     sscanf(Text(7).c_str(), "%d,%d,%d,%d", &left, &top, &right, &bottom);
     RECT about = {left, top, right, bottom};
-    SelectObject(hDC, Font(14));
+    SelectObject(hDC, hAbout);
     DrawTextA(hDC, Text(35).c_str(), -1, &about, 0);
 
     int r = 0, g = 0, b = 0;
     sscanf(Text(11).c_str(), "%d,%d,%d", &r, &g, &b);
-    SelectObject(hDC, Font(13));
+    SelectObject(hDC, hItem);
     for (int i = 0; i < 4; ++i) {
         const POINT at = Position(g_lines[i].nPosition);
         const std::string text = Text(g_lines[i].nText);
