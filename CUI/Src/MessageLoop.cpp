@@ -21,7 +21,7 @@ constexpr UINT s_nDriverData = 0x03D2;
 // The timer of the system's own caret blinking and menu delays.
 constexpr UINT s_nSystemTimer = 0x0118;
 
-constexpr UINT s_nPreviousKeyState = 1u << 30;
+constexpr LPARAM s_nPreviousKeyState = 1L << 30;
 constexpr long s_nSlow = 1000;
 
 // Ownership is set by the program and may run in a circle.

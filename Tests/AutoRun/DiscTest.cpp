@@ -4,7 +4,6 @@
 
 #include <stdio.h>
 #include <string.h>
-#include <fstream>
 #include <map>
 #include <set>
 #include <string>
@@ -99,14 +98,17 @@ std::string Lower(std::string text)
 std::map<std::string, std::set<std::string>> AllowedImports()
 {
     std::map<std::string, std::set<std::string>> allowed;
-    std::ifstream file(AUTORUN_IMPORTS);
-    std::string word, library;
-    while (file >> word) {
-        if (word.back() == ':')
-            library = word.substr(0, word.size() - 1);
+    std::string library;
+    char word[100];
+    FILE *file = fopen(AUTORUN_IMPORTS, "r");
+    while (file && fscanf(file, "%99s", word) == 1) {
+        if (word[strlen(word) - 1] == ':')
+            library.assign(word, strlen(word) - 1);
         else
             allowed[library].insert(word);
     }
+    if (file)
+        fclose(file);
     return allowed;
 }
 
