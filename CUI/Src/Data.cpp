@@ -32,9 +32,36 @@ void DeleteField(Handle *pObject)
     *pObject = nullptr;
 }
 
+// A field that holds an object of one colour, and what is reported when it cannot be made.
+template <typename Handle>
+struct CColored
+{
+    Handle *pField;
+    DWORD cr;
+    const char *pszCheck;
+};
+
+HBRUSH SolidBrush(DWORD cr)
+{
+    return CreateSolidBrush(cr);
+}
+
 HPEN SolidPen(DWORD cr)
 {
-    return CreatePen(PS_SOLID, 0, cr & COLOR_MASK);
+    return CreatePen(PS_SOLID, 0, cr);
+}
+
+// Deletes all before it makes any again. The tags end here: GDI takes those with an odd top byte,
+// button face's and window's, for palette indexes, and would paint black.
+template <typename Handle, size_t N>
+void Renew(const CColored<Handle> (&fields)[N], Handle (*make)(DWORD))
+{
+    for (const CColored<Handle> &field : fields)
+        DeleteField(field.pField);
+    for (const CColored<Handle> &field : fields) {
+        *field.pField = make(field.cr & COLOR_MASK);
+        CU_ASSERT_TEXT(*field.pField, field.pszCheck);
+    }
 }
 
 HFONT BoldFont(const LOGFONTA &font)
@@ -127,44 +154,23 @@ void CUIData::UpdateSysColors()
 
 void CUIData::UpdateBrushes()
 {
-    DeleteField(&hbrLtGray);
-    DeleteField(&hbrDkGray);
-    DeleteField(&hbrBtnFace);
-    DeleteField(&hbrBtnShadow);
-    DeleteField(&hbrBtnHilite);
-    DeleteField(&hbrWindow);
-    hbrLtGray = CreateSolidBrush(crLtGray);
-    CU_ASSERT_TEXT(hbrLtGray, "hbrLtGray != 0");
-    hbrDkGray = CreateSolidBrush(crLtGray);
-    CU_ASSERT_TEXT(hbrDkGray, "hbrDkGray != 0");
-    // The tags stay on: a brush's LOGBRUSH names the system colour that it was made for.
-    hbrBtnFace = CreateSolidBrush(crSys[COLOR_BTNFACE]);
-    CU_ASSERT_TEXT(hbrBtnFace, "hbrBtnFace != 0");
-    hbrBtnShadow = CreateSolidBrush(crSys[COLOR_BTNSHADOW]);
-    CU_ASSERT_TEXT(hbrBtnShadow, "hbrBtnShadow != 0");
-    hbrBtnHilite = CreateSolidBrush(crSys[COLOR_BTNHIGHLIGHT]);
-    CU_ASSERT_TEXT(hbrBtnHilite, "hbrBtnHilite != 0");
-    hbrWindow = CreateSolidBrush(crSys[COLOR_WINDOW]);
-    CU_ASSERT_TEXT(hbrWindow, "hbrWindow != 0");
+    Renew<HBRUSH>({{&hbrLtGray, crLtGray, "hbrLtGray != 0"},
+                   {&hbrDkGray, crLtGray, "hbrDkGray != 0"},
+                   {&hbrBtnFace, crSys[COLOR_BTNFACE], "hbrBtnFace != 0"},
+                   {&hbrBtnShadow, crSys[COLOR_BTNSHADOW], "hbrBtnShadow != 0"},
+                   {&hbrBtnHilite, crSys[COLOR_BTNHIGHLIGHT], "hbrBtnHilite != 0"},
+                   {&hbrWindow, crSys[COLOR_WINDOW], "hbrWindow != 0"}},
+                  SolidBrush);
 }
 
 void CUIData::UpdatePens()
 {
-    DeleteField(&hpenLtGray);
-    DeleteField(&hpenDkGray);
-    DeleteField(&hpenBtnShadow);
-    DeleteField(&hpenBtnHilite);
-    DeleteField(&hpenBtnText);
-    hpenLtGray = SolidPen(crLtGray);
-    CU_ASSERT_TEXT(hpenLtGray, "hpenLtGray != 0");
-    hpenDkGray = SolidPen(crDkGray);
-    CU_ASSERT_TEXT(hpenDkGray, "hpenDkGray != 0");
-    hpenBtnShadow = SolidPen(crSys[COLOR_BTNSHADOW]);
-    CU_ASSERT_TEXT(hpenBtnShadow, "hpenBtnShadow != 0");
-    hpenBtnHilite = SolidPen(crSys[COLOR_BTNHIGHLIGHT]);
-    CU_ASSERT_TEXT(hpenBtnHilite, "hpenBtnHilite != 0");
-    hpenBtnText = SolidPen(crSys[COLOR_BTNTEXT]);
-    CU_ASSERT_TEXT(hpenBtnText, "hpenBtnText != 0");
+    Renew<HPEN>({{&hpenLtGray, crLtGray, "hpenLtGray != 0"},
+                 {&hpenDkGray, crDkGray, "hpenDkGray != 0"},
+                 {&hpenBtnShadow, crSys[COLOR_BTNSHADOW], "hpenBtnShadow != 0"},
+                 {&hpenBtnHilite, crSys[COLOR_BTNHIGHLIGHT], "hpenBtnHilite != 0"},
+                 {&hpenBtnText, crSys[COLOR_BTNTEXT], "hpenBtnText != 0"}},
+                SolidPen);
 }
 
 void CUIData::UpdateSysFonts()
@@ -209,10 +215,11 @@ DWORD CUIData::ResolveColor(DWORD cr) const
     return nIndex < SYSTEM_COLORS ? crSys[nIndex] & COLOR_MASK : GetSysColor(nIndex);
 }
 
-// Made by the first to ask, which for a program without windows is nobody: it costs a dozen calls
-// to the system's server.
 CUIData *CUIGetWinData()
 {
     static CUIData s_data;
     return &s_data;
 }
+
+// Made at start-up, when there is one thread only.
+static CUIData *const s_pAtStart = CUIGetWinData();

@@ -4,12 +4,17 @@
 
 #include <mmsystem.h>
 
+#include "Support/Reports.h"
 #include "Support/FailingCall.h"
 #include "Support/GdiCount.h"
 #include "Support/PixelMap.h"
-#include "Support/Reports.h"
 
 namespace {
+
+// A record of the test's own.
+class CRecord : public CUIData
+{
+};
 
 COLORREF PaintedBy(HBRUSH hBrush)
 {
@@ -17,12 +22,6 @@ COLORREF PaintedBy(HBRUSH hBrush)
     const RECT rect = {0, 0, 2, 2};
     FillRect(surface, &rect, hBrush);
     return surface.Read().At(1, 1);
-}
-COLORREF LogColor(HBRUSH hBrush)
-{
-    LOGBRUSH brush = {};
-    GetObjectA(hBrush, sizeof brush, &brush);
-    return brush.lbColor;
 }
 COLORREF DrawnBy(HPEN hPen)
 {
@@ -32,28 +31,16 @@ COLORREF DrawnBy(HPEN hPen)
     SelectObject(surface, hOld);
     return surface.Read().At(5, 0);
 }
-void ExpectFont(const LOGFONTA &expected, LONG nWeight, HFONT hFont)
+// What a new record reports when the hooked calls fail.
+std::vector<std::string> Reported(const CRecord **ppData = nullptr)
 {
-    LOGFONTA actual;
-    ASSERT_NE(0, GetObjectA(hFont, sizeof actual, &actual));
-    EXPECT_STREQ(expected.lfFaceName, actual.lfFaceName);
-    EXPECT_EQ(expected.lfHeight, actual.lfHeight);
-    EXPECT_EQ(nWeight, actual.lfWeight);
-}
-
-// What is reported when the hooked calls fail from now on.
-void ExpectReports(std::initializer_list<const char *> texts)
-{
-    const CReports reports;
+    CReports reports;
     CFailPlan::Start(CFailPlan::ALL);
-    CUIGetWinData()->UpdateSysColors();
-    CUIGetWinData()->UpdateSysFonts();
+    const CRecord *pData = new CRecord;
     CFailPlan::Start(0);
-    for (const char *text : texts)
-        EXPECT_EQ(1, reports.Count(text, "Data")) << text;
-    EXPECT_EQ(static_cast<int>(texts.size()), reports.Total());
-    CUIGetWinData()->UpdateSysColors();
-    CUIGetWinData()->UpdateSysFonts();
+    if (ppData)
+        *ppData = pData;
+    return reports.Asserts();
 }
 
 }  // namespace
@@ -61,7 +48,7 @@ void ExpectReports(std::initializer_list<const char *> texts)
 TEST(Data, HoldsTheSystemsMetricsFontsAndCursorsInTheOrderOfTheRecord)
 {
     const CUIData *pData = CUIGetWinData();
-    std::vector<int> expected = {0, 1};
+    std::vector<LONG> expected = {0, 1};
     for (const int nMetric : {SM_CXVSCROLL, SM_CYHSCROLL, SM_CXICON, SM_CYICON, SM_CXFRAME,
                               SM_CYFRAME, SM_CYCAPTION, SM_CXBORDER, SM_CYBORDER})
         expected.push_back(GetSystemMetrics(nMetric));
@@ -70,19 +57,18 @@ TEST(Data, HoldsTheSystemsMetricsFontsAndCursorsInTheOrderOfTheRecord)
     const HDC hScreen = GetDC(nullptr);
     SIZE size;
     GetTextExtentPoint32A(hScreen, "M", 1, &size);
-    for (const LONG nMetric :
-         {1L, 1L, LONG{GetSystemMetrics(SM_CXSIZE)}, LONG{GetSystemMetrics(SM_CYSIZE)},
-          desktop.right, desktop.bottom, LONG{GetDeviceCaps(hScreen, LOGPIXELSX)},
-          LONG{GetDeviceCaps(hScreen, LOGPIXELSY)}, size.cy})
-        expected.push_back(static_cast<int>(nMetric));
+    const LONG cxInch = GetDeviceCaps(hScreen, LOGPIXELSX), cySize = GetSystemMetrics(SM_CYSIZE);
+    expected.insert(expected.end(),
+                    {1, 1, GetSystemMetrics(SM_CXSIZE), cySize, desktop.right, desktop.bottom,
+                     cxInch, GetDeviceCaps(hScreen, LOGPIXELSY), size.cy});
     ReleaseDC(nullptr, hScreen);
     for (size_t i = 0; i < expected.size(); ++i)
-        EXPECT_EQ(expected[i], reinterpret_cast<const int *>(pData)[i]) << "field " << i;
+        EXPECT_EQ(expected[i], reinterpret_cast<const LONG *>(pData)[i]) << "field " << i;
     // 20 metrics, 11 brushes and pens, 6 colours and the table, 3 cursors, 5 fonts, the stamp.
     static_assert(sizeof(CUIData) == (20 + 11 + 6 + 21 + 3 + 5 + 1) * 4, "nothing in between");
-    EXPECT_EQ(LoadCursorA(nullptr, IDC_WAIT), pData->hcurWait);
-    EXPECT_EQ(LoadCursorA(nullptr, IDC_ARROW), pData->hcurArrow);
-    EXPECT_EQ(LoadCursorA(nullptr, IDC_IBEAM), pData->hcurIBeam);
+    const char *const cursors[] = {IDC_WAIT, IDC_ARROW, IDC_IBEAM};
+    for (int i = 0; i < 3; ++i)
+        EXPECT_EQ(LoadCursorA(nullptr, cursors[i]), (&pData->hcurWait)[i]);
 
     NONCLIENTMETRICSA metrics;
     metrics.cbSize = 340;
@@ -90,11 +76,15 @@ TEST(Data, HoldsTheSystemsMetricsFontsAndCursorsInTheOrderOfTheRecord)
     ICONMETRICSA icons;
     icons.cbSize = 76;
     SystemParametersInfoA(SPI_GETICONMETRICS, 76, &icons, 0);
-    ExpectFont(metrics.lfStatusFont, metrics.lfStatusFont.lfWeight, pData->hStatusFont);
-    ExpectFont(metrics.lfMenuFont, metrics.lfMenuFont.lfWeight, pData->hMenuFont);
-    ExpectFont(metrics.lfMenuFont, 700, pData->hMenuFontBold);
-    ExpectFont(icons.lfFont, icons.lfFont.lfWeight, pData->hIconFont);
-    ExpectFont(icons.lfFont, 700, pData->hIconFontBold);
+    const LOGFONTA fonts[] = {metrics.lfStatusFont, metrics.lfMenuFont, metrics.lfMenuFont,
+                              icons.lfFont, icons.lfFont};
+    for (int i = 0; i < 5; ++i) {
+        LOGFONTA actual;
+        ASSERT_NE(0, GetObjectA((&pData->hStatusFont)[i], sizeof actual, &actual));
+        EXPECT_STREQ(fonts[i].lfFaceName, actual.lfFaceName);
+        EXPECT_EQ(fonts[i].lfHeight, actual.lfHeight);
+        EXPECT_EQ(i == 2 || i == 4 ? 700 : fonts[i].lfWeight, actual.lfWeight);
+    }
 }
 
 TEST(Data, FollowsTheSystemsColours)
@@ -126,56 +116,55 @@ TEST(Data, FollowsTheSystemsColours)
     for (const DWORD cr : {0x123456U, 0x02FFFFFFU, 0x03FFFFFEU, 0x09FFFFFFU})
         EXPECT_EQ(cr, pData->ResolveColor(cr));
 
-    EXPECT_EQ(0xC0C0C0U, PaintedBy(pData->hbrLtGray));
-    EXPECT_EQ(0xC0C0C0U, PaintedBy(pData->hbrDkGray));
-    EXPECT_EQ(colors[COLOR_BTNHIGHLIGHT], PaintedBy(pData->hbrBtnHilite));
-    EXPECT_EQ(colors[COLOR_BTNSHADOW], PaintedBy(pData->hbrBtnShadow));
-    EXPECT_EQ(pData->crSys[COLOR_BTNFACE], LogColor(pData->hbrBtnFace));
-    EXPECT_EQ(pData->crSys[COLOR_WINDOW], LogColor(pData->hbrWindow));
-    EXPECT_EQ(0xC0C0C0U, DrawnBy(pData->hpenLtGray));
-    EXPECT_EQ(0x808080U, DrawnBy(pData->hpenDkGray));
-    EXPECT_EQ(colors[COLOR_BTNHIGHLIGHT], DrawnBy(pData->hpenBtnHilite));
-    EXPECT_EQ(colors[COLOR_BTNSHADOW], DrawnBy(pData->hpenBtnShadow));
-    EXPECT_EQ(colors[COLOR_BTNTEXT], DrawnBy(pData->hpenBtnText));
+    const COLORREF fixed[] = {0, 0xFFFFFF, 0xC0C0C0, 0x808080};
+    EXPECT_EQ(0, memcmp(fixed, &pData->crMonoText, sizeof fixed));
+    const COLORREF hilite = colors[COLOR_BTNHIGHLIGHT], shadow = colors[COLOR_BTNSHADOW];
+    const COLORREF painted[] = {
+        fixed[2], fixed[2], hilite, colors[COLOR_BTNFACE], shadow, colors[COLOR_WINDOW]};
+    for (const COLORREF &cr : painted)
+        EXPECT_EQ(cr, PaintedBy((&pData->hbrLtGray)[&cr - painted])) << &cr - painted;
+    const COLORREF drawn[] = {fixed[2], fixed[3], hilite, shadow, colors[COLOR_BTNTEXT]};
+    for (const COLORREF &cr : drawn)
+        EXPECT_EQ(cr, DrawnBy((&pData->hpenLtGray)[&cr - drawn])) << &cr - drawn;
 
-    const int nBefore = GdiCount();
-    for (int i = 0; i < 500; ++i) {
+    ExpectNothingLeft([&] {
         pData->UpdateSysColors();
         pData->UpdateWinIni();
-    }
-    EXPECT_NEAR(nBefore, GdiCount(), 2);
+    });
     SetSysColors(31, indexes, old);
 }
 
-TEST(Data, ReportsWhatItCannotHaveWhenItIsMade)
+TEST(Data, ReportsInOrderWhatTheSystemDoesNotTell)
 {
     const CFailingCall<BOOL(OSVERSIONINFOA *)> version("GetVersionExA");
     const CFailingCall<HCURSOR(HINSTANCE, const char *)> cursor("LoadCursorA");
     const CFailingCall<HDC(HWND)> screen("GetDC");
-    CFailPlan::Start(CFailPlan::ALL);
-    const CReports reports;
-    const CUIData *pData = CUIGetWinData();
-    for (const char *text : {"GetVersionEx(&VersionInfo)", "hDCScreen", "hcurWait != 0",
-                             "hcurArrow != 0", "hcurIBeam != 0"})
-        EXPECT_EQ(1, reports.Count(text, "Data")) << text;
+    const CRecord *pData;
+    EXPECT_EQ((std::vector<std::string>{"Data: GetVersionEx(&VersionInfo)", "Data: hDCScreen",
+                                        "Data: hcurWait != 0", "Data: hcurArrow != 0",
+                                        "Data: hcurIBeam != 0"}),
+              Reported(&pData));
     EXPECT_EQ(0, pData->bWin9x + pData->bWinNT + pData->cxVScroll);
     EXPECT_NE(nullptr, pData->hMenuFont);
 }
 
 TEST(Data, ReportsBrushesThatItCannotMake)
 {
-    CUIGetWinData();
     const CFailingCall<HBRUSH(COLORREF)> fail("CreateSolidBrush");
-    ExpectReports({"hbrLtGray != 0", "hbrDkGray != 0", "hbrBtnFace != 0", "hbrBtnShadow != 0",
-                   "hbrBtnHilite != 0", "hbrWindow != 0"});
+    EXPECT_EQ((std::vector<std::string>{"Data: hbrLtGray != 0", "Data: hbrDkGray != 0",
+                                        "Data: hbrBtnFace != 0", "Data: hbrBtnShadow != 0",
+                                        "Data: hbrBtnHilite != 0", "Data: hbrWindow != 0"}),
+              Reported());
 }
 
-TEST(Data, ReportsPensAndFontsThatItCannotMake)
+TEST(Data, ReportsFontsAndPensThatItCannotMake)
 {
-    CUIGetWinData();
     const CFailingCall<HPEN(int, int, COLORREF)> failPen("CreatePen");
     const CFailingCall<HFONT(const LOGFONTA *)> failFont("CreateFontIndirectA");
-    ExpectReports({"hpenLtGray != 0", "hpenDkGray != 0", "hpenBtnShadow != 0", "hpenBtnHilite != 0",
-                   "hpenBtnText != 0", "hStatusFont", "hMenuFont", "hMenuFontBold", "hIconFont",
-                   "hIconFontBold"});
+    EXPECT_EQ(
+        (std::vector<std::string>{"Data: hStatusFont", "Data: hMenuFont", "Data: hMenuFontBold",
+                                  "Data: hIconFont", "Data: hIconFontBold", "Data: hpenLtGray != 0",
+                                  "Data: hpenDkGray != 0", "Data: hpenBtnShadow != 0",
+                                  "Data: hpenBtnHilite != 0", "Data: hpenBtnText != 0"}),
+        Reported());
 }

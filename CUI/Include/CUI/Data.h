@@ -6,7 +6,7 @@
 const DWORD CUI_COLOR_BTNFACE = 0x03FFFFFF;
 
 // The system's metrics, colours and the GDI objects made from them, one record for the process:
-// CUIGetWinData(). Made at its first use. Users select the objects and never delete them; an update
+// CUIGetWinData(). Made at start-up. Users select the objects and never delete them; an update
 // deletes them and makes new ones. Fields that an update could not make are null, and reported. For
 // the user-interface thread.
 class CUI_API CUIData
@@ -36,9 +36,6 @@ public:
 
     HBRUSH hbrLtGray;
     HBRUSH hbrDkGray;  // light grey too
-    // The next four are made of the tagged colours as they are in crSys. GDI takes a colour whose
-    // tag is odd, button face's and window's, for a palette index: to fill with those, make a brush
-    // of ResolveColor's answer.
     HBRUSH hbrBtnHilite;
     HBRUSH hbrBtnFace;
     HBRUSH hbrBtnShadow;
@@ -55,7 +52,8 @@ public:
     DWORD crDkGray;
     DWORD crMenuBar;     // where the system has none, the entry of COLOR_MENU
     DWORD crMenuHilite;  // where the system has none, the entry of COLOR_HIGHLIGHT
-    // The system colours 0 to 20, tagged: 10 + index in the top byte. See ResolveColor.
+    // The system colours 0 to 20, tagged: 10 + index in the top byte. Not for GDI, which takes some
+    // tags for palette indexes: see ResolveColor.
     DWORD crSys[COLOR_BTNHIGHLIGHT + 1];
 
     HCURSOR hcurWait;
@@ -82,8 +80,10 @@ public:
     // top byte of 10 or more the system colour of that number less 10, else the colour itself.
     DWORD ResolveColor(DWORD cr) const;
 
-private:
+protected:
     CUIData();
+
+private:
     void UpdateMetrics();
     void UpdateBrushes();
     void UpdatePens();
