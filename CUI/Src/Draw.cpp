@@ -20,6 +20,21 @@ void Order(LONG &a, LONG &b)
     b = old;
 }
 
+// A negative width or height goes back from x or y. Systems differ in the pixel where it starts, so
+// PatBlt gets to see the strip from its near end.
+void Invert(HDC hDC, int x, int y, int cx, int cy)
+{
+    if (cx < 0) {
+        x = CUISum(x, cx);
+        cx = CUIDifference(0, cx);
+    }
+    if (cy < 0) {
+        y = CUISum(y, cy);
+        cy = CUIDifference(0, cy);
+    }
+    PatBlt(hDC, x, y, cx, cy, DSTINVERT);
+}
+
 // Four strips, none of which touches a pixel of another: inverting twice would show the corners.
 void InvertFrame(HDC hDC, RECT rect)
 {
@@ -29,10 +44,10 @@ void InvertFrame(HDC hDC, RECT rect)
     const int y = rect.top;
     const int w = CUIWidth(rect);
     const int h = CUIHeight(rect);
-    PatBlt(hDC, x, y, CUISum(w, -1), 1, DSTINVERT);
-    PatBlt(hDC, x, CUISum(y, 1), 1, CUISum(h, -1), DSTINVERT);
-    PatBlt(hDC, CUISum(x, w), y, -1, CUISum(h, -1), DSTINVERT);
-    PatBlt(hDC, CUISum(x, 1), CUISum(y, h), CUISum(w, -1), -1, DSTINVERT);
+    Invert(hDC, x, y, CUISum(w, -1), 1);
+    Invert(hDC, x, CUISum(y, 1), 1, CUISum(h, -1));
+    Invert(hDC, CUISum(x, w), y, -1, CUISum(h, -1));
+    Invert(hDC, CUISum(x, 1), CUISum(y, h), CUISum(w, -1), -1);
 }
 
 }  // namespace
