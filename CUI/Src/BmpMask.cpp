@@ -8,8 +8,6 @@
 
 namespace {
 
-const DWORD ROP_DSPDXAX = 0x00E20746;  // the brush where the source is 1, else the destination
-
 // A part of a bitmap and its key colour.
 struct CKeyedBitmap
 {
@@ -58,7 +56,7 @@ HBITMAP MakeMask(HDC hDC, const CKeyedBitmap &source, const POINT *pAt)
     const CCUISelect brush(hWorkDC, background);
     const CCUITextColor text(hWorkDC, CUIGetWinData()->crMonoText);
     const CCUIBkColor bkgnd(hWorkDC, CUIGetWinData()->crMonoBkgnd);
-    BitBlt(hWorkDC, 0, 0, cx, cy, hMaskDC, 0, 0, ROP_DSPDXAX);
+    BitBlt(hWorkDC, 0, 0, cx, cy, hMaskDC, 0, 0, CUI_ROP_DSPDXAX);
     if (pAt)
         BitBlt(hDC, pAt->x, pAt->y, cx, cy, hWorkDC, 0, 0, SRCCOPY);
     return hMask;

@@ -3,13 +3,11 @@
 #include "CU/Dump.h"
 #include "CUI/Data.h"
 
+#include "BmpArgs.h"
 #include "Coordinates.h"
 #include "GdiGuards.h"
 
 namespace {
-
-const DWORD ROP_DSPDXAX = 0x00E20746;  // the brush where the source is 1, else the destination
-const DWORD ROP_PSDPXAX = 0x00B8074A;  // the brush where the source is 0, else the destination
 
 RGBQUAD Quad(DWORD cr)
 {
@@ -20,14 +18,7 @@ RGBQUAD Quad(DWORD cr)
 class CStateCache
 {
 public:
-    constexpr CStateCache()
-        : m_hBitmapDC(nullptr),
-          m_hMaskDC(nullptr),
-          m_crFace(0),
-          m_crHilite(0),
-          m_hbrPattern(nullptr)
-    {
-    }
+    CStateCache() = default;
     ~CStateCache();
     CStateCache(const CStateCache &) = delete;
     CStateCache &operator=(const CStateCache &) = delete;
@@ -38,11 +29,11 @@ public:
     HBRUSH Pattern() const { return m_hbrPattern; }
 
 private:
-    HDC m_hBitmapDC;
-    HDC m_hMaskDC;
-    DWORD m_crFace;
-    DWORD m_crHilite;
-    HBRUSH m_hbrPattern;
+    HDC m_hBitmapDC = nullptr;
+    HDC m_hMaskDC = nullptr;
+    DWORD m_crFace = 0;
+    DWORD m_crHilite = 0;
+    HBRUSH m_hbrPattern = nullptr;
 };
 
 // A checkerboard of 8 by 8: highlight where column plus row is odd.
@@ -155,7 +146,7 @@ void CStateDrawing::FillWhereImage(DWORD cr, int nOffset) const
     const CCUIOwned<HBRUSH> fill(CreateSolidBrush(cr));
     const CCUISelect brush(m_hDC, fill);
     BitBlt(m_hDC, CUISum(m_rects.rcArea.left, nOffset), CUISum(m_rects.rcArea.top, nOffset),
-           CUISum(m_cx, -2), CUISum(m_cy, -2), s_cache.MaskDC(), 0, 0, ROP_PSDPXAX);
+           CUISum(m_cx, -2), CUISum(m_cy, -2), s_cache.MaskDC(), 0, 0, CUI_ROP_PSDPXAX);
 }
 
 void CStateDrawing::DrawEmbossed(DWORD crFace, DWORD crHilite, DWORD crShadow) const
@@ -172,7 +163,7 @@ void CStateDrawing::DrawOverlay(DWORD crFace, DWORD crHilite, bool bShift) const
     MakeMask(crFace, crHilite, bShift);
     UseMonoColors();
     BitBlt(m_hDC, m_rects.rcArea.left, m_rects.rcArea.top, m_cx, m_cy, s_cache.MaskDC(), 0, 0,
-           ROP_DSPDXAX);
+           CUI_ROP_DSPDXAX);
 }
 
 }  // namespace

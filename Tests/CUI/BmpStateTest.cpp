@@ -2,82 +2,48 @@
 
 #include <gtest/gtest.h>
 
+#include "Support/Reports.h"
 #include "Support/FailingCall.h"
 #include "Support/GdiCount.h"
 #include "Support/PixelMap.h"
-#include "Support/Reports.h"
-#include "Support/TemporaryDirectory.h"
 
 namespace {
 
-const COLORREF FACE = 0xC6C6C6;
-const COLORREF HILITE = 0xFFFFFF;
-const COLORREF SHADOW = 0x848484;
+const COLORREF FACE = 0xC6C6C6, HILITE = 0xFFFFFF, SHADOW = 0x848484;
 
-class CPicture
+void Draw(HDC hDC, CUIBmpStateRects rects, HBITMAP hBmp, DWORD dwFlags, COLORREF crFace = FACE)
 {
-public:
-    CPicture(const CPixelMap &target, const CPixelMap &image, const CUIBmpStateRects &rects)
-        : m_map(target),
-          m_image(image),
-          m_rects(rects),
-          m_cx(rects.rcArea.right - rects.rcArea.left),
-          m_cy(rects.rcArea.bottom - rects.rcArea.top)
-    {
-        const RECT &source = rects.rcSource, &center = rects.rcCenter;
-        m_cxSource = source.right - source.left;
-        m_cySource = source.bottom - source.top;
-        m_x = (center.right - center.left - m_cxSource - 1) / 2 + center.left;
-        m_y = (center.bottom - center.top - m_cySource) / 2 + center.top;
-    }
-    CPixelMap Draw(DWORD dwFlags)
-    {
-        if (dwFlags & CUIBMPSTATE_DISABLED) {
-            Emboss(1, HILITE);
-            Emboss(0, SHADOW);
-        } else {
-            for (int i = 0; i < m_cxSource * m_cySource; ++i)
-                m_map.Set(m_x + i % m_cxSource, m_y + i / m_cxSource,
-                          m_image.At(m_rects.rcSource.left + i % m_cxSource,
-                                     m_rects.rcSource.top + i / m_cxSource));
-        }
-        for (int i = 0; dwFlags & CUIBMPSTATE_OVERLAY && i < m_cx * m_cy; ++i) {
-            const int x = m_rects.rcArea.left + i % m_cx, y = m_rects.rcArea.top + i / m_cx;
-            const bool bSpared = dwFlags & CUIBMPSTATE_DISABLED && i % m_cx > 0 && i / m_cx > 0 &&
-                                 IsImage(x - 1, y - 1);
-            if (!IsImage(x, y) && !bSpared)
-                m_map.Set(x, y, (x + y) % 2 ? HILITE : FACE);
-        }
-        return m_map;
-    }
+    CUIBmpDrawState(hDC, &rects.rcArea, hBmp, dwFlags, crFace, HILITE, SHADOW);
+}
 
-private:
-    bool IsImage(int x, int y) const
-    {
-        x -= m_x;
-        y -= m_y;
-        if (x < 0 || y < 0 || x >= m_cxSource || y >= m_cySource)
+// What is to be seen afterwards, pixel by pixel.
+CPixelMap Expected(CPixelMap map, const CPixelMap &image, const CUIBmpStateRects &rects,
+                   DWORD dwFlags)
+{
+    const RECT &area = rects.rcArea, &center = rects.rcCenter, &source = rects.rcSource;
+    const int cx = source.right - source.left, cy = source.bottom - source.top;
+    const int left = (center.right - center.left - cx - 1) / 2 + center.left;
+    const int top = (center.bottom - center.top - cy) / 2 + center.top;
+    const auto isImage = [&](int x, int y) {
+        if (x < left || y < top || x >= left + cx || y >= top + cy)
             return false;
-        const COLORREF cr = m_image.At(m_rects.rcSource.left + x, m_rects.rcSource.top + y);
+        const COLORREF cr = image.At(source.left + x - left, source.top + y - top);
         return cr != FACE && cr != HILITE;
-    }
-    void Emboss(int nOffset, COLORREF cr)
-    {
-        const int x = m_rects.rcArea.left, y = m_rects.rcArea.top;
-        for (int i = 0; i < m_cx - 2; ++i)
-            for (int j = 0; j < m_cy - 2; ++j)
-                if (IsImage(x + i, y + j))
-                    m_map.Set(x + i + nOffset, y + j + nOffset, cr);
-    }
-
-    CPixelMap m_map, m_image;
-    CUIBmpStateRects m_rects;
-    int m_cx, m_cy, m_cxSource, m_cySource, m_x, m_y;
-};
-
-void Draw(HDC hDC, CUIBmpStateRects rects, HBITMAP hBmp, DWORD dwFlags)
-{
-    CUIBmpDrawState(hDC, &rects.rcArea, hBmp, dwFlags, FACE, HILITE, SHADOW);
+    };
+    const bool bEmbossed = (dwFlags & CUIBMPSTATE_DISABLED) != 0;
+    for (int i = 0; !bEmbossed && i < cx * cy; ++i)
+        map.Set(left + i % cx, top + i / cx, image.At(source.left + i % cx, source.top + i / cx));
+    for (int nOffset = 1; bEmbossed && nOffset >= 0; --nOffset)
+        for (int x = area.left; x < area.right - 2; ++x)
+            for (int y = area.top; y < area.bottom - 2; ++y)
+                if (isImage(x, y))
+                    map.Set(x + nOffset, y + nOffset, nOffset ? HILITE : SHADOW);
+    for (int x = area.left; dwFlags & CUIBMPSTATE_OVERLAY && x < area.right; ++x)
+        for (int y = area.top; y < area.bottom; ++y)
+            if (!isImage(x, y) &&
+                !(bEmbossed && x > area.left && y > area.top && isImage(x - 1, y - 1)))
+                map.Set(x, y, (x + y) % 2 ? HILITE : FACE);
+    return map;
 }
 
 }  // namespace
@@ -92,20 +58,17 @@ TEST(BmpState, DrawsTheRulesPictureInEveryStateAndKeepsTheDC)
                                        {{0, 0, 24, 20}, {9, 1, 13, 20}, {3, 2, 9, 9}},
                                        {{7, 6, 14, 12}, {8, 7, 11, 10}, {1, 1, 12, 10}}};
     for (const int nBits : {0, 32, 24, 16, 8}) {
-        for (const CUIBmpStateRects &rects : places) {
-            for (DWORD dwFlags = 0; dwFlags < 4; ++dwFlags) {
-                SCOPED_TRACE(testing::Message() << nBits << " bits, place " << &rects - places
-                                                << ", flags " << dwFlags);
-                CTestSurface target(nBits, TestPicture(24, 20, 7));
-                SetBkColor(target, 0x123456);
-                const CDCState state(target);
-                const CPixelMap before = target.Read();
-                Draw(target, rects, image.Bitmap(), dwFlags);
-                EXPECT_TRUE(state == CDCState(target));
-                EXPECT_EQ(
-                    "", Difference(CPicture(before, picture, rects).Draw(dwFlags), target.Read()));
-                ASSERT_EQ("", Difference(picture, image.Read()));
-            }
+        for (DWORD n = 0; n < 16; ++n) {
+            SCOPED_TRACE(testing::Message() << nBits << " bits, place and flags " << n);
+            CTestSurface target(nBits, TestPicture(24, 20, 7));
+            SetBkColor(target, 0x123456);
+            const CDCState state(target);
+            const CPixelMap before = target.Read();
+            Draw(target, places[n / 4], image.Bitmap(), n % 4);
+            EXPECT_TRUE(state == CDCState(target));
+            EXPECT_EQ("",
+                      Difference(Expected(before, picture, places[n / 4], n % 4), target.Read()));
+            ASSERT_EQ("", Difference(picture, image.Read()));
         }
     }
 }
@@ -114,45 +77,40 @@ TEST(BmpState, LeaksNothingTracesWhatFailsAndMakesTheBrushForNewColoursOnly)
 {
     const CPixelMap picture = TestPicture(12, 10, 2);
     CTestSurface image(0, picture), target(32, picture);
-    CUIBmpStateRects rects = {{0, 0, 12, 10}, {0, 0, 12, 10}, {0, 0, 12, 10}};
-    const CTemporaryDirectory directory;
+    const CUIBmpStateRects rects = {{0, 0, 12, 10}, {0, 0, 12, 10}, {0, 0, 12, 10}};
+    CDumped dumped;
     const CDCState state(target);
     const auto drawAll = [&](COLORREF crFace) {
         for (DWORD dwFlags = 0; dwFlags < 4; ++dwFlags)
-            CUIBmpDrawState(target, &rects.rcArea, image.Bitmap(), dwFlags, crFace, HILITE, SHADOW);
+            Draw(target, rects, image.Bitmap(), dwFlags, crFace);
         EXPECT_TRUE(state == CDCState(target));
         ASSERT_EQ("", Difference(picture, image.Read()));
     };
-    drawAll(FACE);
-    const int nBefore = GdiCount();
-    for (COLORREF cr = 0; cr < 500; ++cr)
-        drawAll(cr);
-    EXPECT_NEAR(nBefore, GdiCount(), 2);
-    {
-        CFailPlan::Start(0);
-        const CFailingCall<HBRUSH(HBITMAP)> createPattern("CreatePatternBrush");
-        for (const COLORREF cr : {0x99, 0x99, 0x77})
-            drawAll(cr);
-        EXPECT_EQ(2, CFailPlan::s_nCalls);
-        CUIBmpDrawState(target, &rects.rcArea, image.Bitmap(), 0, 0x77, 0x66, SHADOW);
-        EXPECT_EQ(3, CFailPlan::s_nCalls);
-        const CFailingCall<HBITMAP(int, int, UINT, UINT, const void *)> createBitmap(
-            "CreateBitmap");
-        const CFailingCall<HBRUSH(COLORREF)> createBrush("CreateSolidBrush");
-        COLORREF cr = 0x1000;
-        EXPECT_EQ(9, CFailPlan::RunAll([&] { drawAll(++cr); }));
-    }
+    COLORREF cr = 0x1000;
+    const int nBefore = ExpectNothingLeft([&] { drawAll(++cr); });
+
+    const CFailingCall<HBRUSH(HBITMAP)> createPattern("CreatePatternBrush");
+    CFailPlan::Start(0);
+    drawAll(0x99);
+    drawAll(0x99);
+    drawAll(0x77);
+    EXPECT_EQ(2, CFailPlan::s_nCalls);
+    CUIBmpStateRects same = rects;
+    CUIBmpDrawState(target, &same.rcArea, image.Bitmap(), 0, 0x77, 0x66, SHADOW);
+    EXPECT_EQ(3, CFailPlan::s_nCalls);
+    const CFailingCall<HBITMAP(int, int, UINT, UINT, const void *)> createMask("CreateBitmap");
+    const CFailingCall<HBRUSH(COLORREF)> createBrush("CreateSolidBrush");
+    EXPECT_EQ(9, CFailPlan::RunAll([&] { drawAll(++cr); }));
     drawAll(FACE);
     EXPECT_NEAR(nBefore, GdiCount(), 2);
 
     // No bitmap, one that another DC has, and no mask: a line each, and nothing drawn.
     const CPixelMap before = target.Read();
-    const CDumped dumped;
+    dumped.m_text.clear();
     Draw(target, rects, nullptr, 0);
     const HBITMAP hBusy = image.Bitmap();
     SelectObject(image, hBusy);
     Draw(target, rects, hBusy, 3);
-    const CFailingCall<HBITMAP(int, int, UINT, UINT, const void *)> createBitmap("CreateBitmap");
     CFailPlan::Start(1);
     Draw(target, rects, image.Bitmap(), 1);
     const std::string line = "CUIBmpDraw error drawing bitmap.\n";
