@@ -22,18 +22,6 @@ UINT WINAPI CountRealize(HDC)
     return static_cast<UINT>(++s_nRealized);
 }
 
-// What a guard sets is there while it lives, and nothing of it afterwards.
-template <typename Set, typename Check>
-void ExpectGivenBack(HDC hDC, Set set, Check check)
-{
-    const CDCState before(hDC);
-    {
-        const auto guard = set();
-        EXPECT_TRUE(check());
-    }
-    EXPECT_TRUE(before == CDCState(hDC));
-}
-
 }  // namespace
 
 TEST(GdiGuards, GiveBackWhatADCHadBefore)
@@ -43,43 +31,46 @@ TEST(GdiGuards, GiveBackWhatADCHadBefore)
     const CCUIOwned<HPALETTE> palette(CreatePalette(&logical));
     const CImportHook realize("RealizePalette", CountRealize);
     const HGDIOBJ hBrush = GetStockObject(GRAY_BRUSH);
-    ExpectGivenBack(
-        s, [&] { return CCUISelect(s, hBrush); },
-        [&] { return GetCurrentObject(s, OBJ_BRUSH) == hBrush; });
-    EXPECT_FALSE(CCUISelect(s, nullptr));
-    ExpectGivenBack(
-        s, [&] { return CCUIBkColor(s, 0x123456); }, [&] { return GetBkColor(s) == 0x123456; });
-    ExpectGivenBack(
-        s, [&] { return CCUITextColor(s, 0x123456); }, [&] { return GetTextColor(s) == 0x123456; });
-    ExpectGivenBack(
-        s, [&] { return CCUISelectPalette(s, palette, 0); },
-        [&] { return GetCurrentObject(s, OBJ_PAL) == palette && s_nRealized == 1; });
+    const CDCState before(s);
+    {
+        const CCUISelect select(s, hBrush), nothing(s, nullptr);
+        EXPECT_TRUE(select && !nothing);
+        EXPECT_EQ(hBrush, GetCurrentObject(s, OBJ_BRUSH));
+        const CCUIBkColor bkgnd(s, 0x123456);
+        EXPECT_EQ(0x123456U, GetBkColor(s));
+        const CCUITextColor text(s, 0x654321);
+        EXPECT_EQ(0x654321U, GetTextColor(s));
+        const CCUISelectPalette select2(s, palette, 0), none(s, nullptr, 0);
+        EXPECT_EQ(palette, GetCurrentObject(s, OBJ_PAL));
+        EXPECT_EQ(1, s_nRealized);
+    }
     EXPECT_EQ(2, s_nRealized);
-    ExpectGivenBack(
-        s, [&] { return CCUISelectPalette(s, nullptr, 0); }, [] { return true; });
-    EXPECT_EQ(2, s_nRealized);
-    ExpectGivenBack(
-        s, [&] { return CCUISavedDC(s); },
-        [&] { return SetBkMode(s, TRANSPARENT) == OPAQUE && SetROP2(s, R2_NOT); });
+    EXPECT_TRUE(before == CDCState(s));
+    {
+        const CCUISavedDC saved(s);
+        SetBkMode(s, TRANSPARENT);
+    }
+    EXPECT_TRUE(before == CDCState(s));
 }
 
 TEST(GdiGuards, ReleaseToTheSameWindowAndDeleteWhatTheyOwn)
 {
+    HDC hWindowDC;
     {
         const CImportHook release("ReleaseDC", RecordRelease);
         const CCUIWindowDC window(GetDesktopWindow());
+        hWindowDC = window;
         EXPECT_EQ(GetDesktopWindow(), WindowFromDC(window));
         EXPECT_EQ(nullptr, s_hReleasedDC);
-        s_hReleasedDC = window;
     }
     EXPECT_EQ(GetDesktopWindow(), s_hReleasedWnd);
+    EXPECT_EQ(hWindowDC, s_hReleasedDC);
     EXPECT_EQ(1, ReleaseDC(s_hReleasedWnd, s_hReleasedDC));
 
     const int nBefore = GdiCount();
     HBRUSH hKept = nullptr;
     {
         const CCUIMemoryDC memory(nullptr);
-        EXPECT_EQ(static_cast<DWORD>(OBJ_MEMDC), GetObjectType(memory));
         const CCUIOwned<HBITMAP> bitmap(CreateBitmap(9, 9, 1, 1, nullptr));
         CCUIOwned<HBRUSH> brush(CreateSolidBrush(0x123456));
         EXPECT_EQ(nBefore + 3, GdiCount());
