@@ -116,6 +116,9 @@ void FillByHand(HDC hDC, int left, int top, int right, int bottom, COLORREF cr)
     SetBkColor(hDC, crOld);
 }
 
+// All that a kept DC saves of the first peer is making and deleting one. Where selecting a bitmap
+// asks for the display mode, as on Wine, which takes as long as copying 514 x 345 pixels, selecting
+// and copying alone are more than 0.6 of that peer.
 void BenchBlits(int cx, int cy, const char *const names[])
 {
     const CScene s(cx, cy);
