@@ -1,36 +1,13 @@
 #include "CU/Timer.h"
 
-#include "CU/CU.h"
-#include "CU/TimerTask.h"
-#include "KeepLastError.h"
+// Every window is a timer, and most never arm: set by the first arming, this keeps the timer task
+// out of programs that have none.
+void (*CCUTimer::s_forget)(CCUTimer *pTimer) = nullptr;
 
 CCUTimer::~CCUTimer()
 {
-    if (m_uAlarm == 0)
-        return;
-    const CCUKeepLastError keepLastError;
-    KillAlarm();
-    // After CUShutdown nothing is disarmed any more, but the list must not keep a dead object.
     if (m_uAlarm != 0)
-        CCUTimerTask::Forget(this);
+        s_forget(this);
 }
 
 void CCUTimer::TimeOut(long) {}
-
-void CCUTimer::SetAlarm(long nMilliseconds)
-{
-    CCUTimerTask::GetThreadTimerTask()->SetAlarm(this, nMilliseconds);
-}
-
-void CCUTimer::SetAlarmIfEarlier(long nMilliseconds)
-{
-    if (m_uAlarm != 0 && static_cast<long>(m_uAlarm - CUGetTime()) <= nMilliseconds)
-        return;
-    SetAlarm(nMilliseconds);
-}
-
-void CCUTimer::KillAlarm()
-{
-    if (m_uAlarm != 0)
-        CCUTimerTask::GetThreadTimerTask()->KillAlarm(this);
-}

@@ -9,6 +9,7 @@
 #include "CU/String.h"
 #include "CU/Time.h"
 #include "CU/Timer.h"
+#include "KeepLastError.h"
 #include "LazyLock.h"
 #include "ThreadEnd.h"
 
@@ -142,7 +143,11 @@ CCUTimerTask *CCUTimerTask::GetThreadTimerTask()
     CCUTimerTask *pTask = CurrentTask();
     if (!pTask) {
         pTask = new CCUTimerTask;
-        CUSetThreadLocalStorage(s_nSlot, pTask);
+        // Nobody would find it again, to serve it or to take a dead timer out of it.
+        if (!CUSetThreadLocalStorage(s_nSlot, pTask)) {
+            delete pTask;
+            return nullptr;
+        }
         CURegisterThreadExitHandler(pTask);
         CCULockGuard guard(s_lock);
         CCUTimerTask **link = &s_pFirstTask;
@@ -162,6 +167,7 @@ void CCUTimerTask::Initialize()
         s_uMock = CURegisterMessageId("TimerTaskMock");
         CURegisterProcessInfoHandler("timertask", DumpProcessInfo);
         CURegisterTerminationHandler(EndTimers);
+        CCUTimer::s_forget = Forget;
         // A thread that ends while the process does still takes the lock.
         CUSetLastThreadCall(DeleteLock);
     }
@@ -229,10 +235,13 @@ bool CCUTimerTask::Unlink(const CCUTimer *pTimer)
     return true;
 }
 
-void CCUTimerTask::Forget(const CCUTimer *pTimer)
+void CCUTimerTask::Forget(CCUTimer *pTimer)
 {
+    const CCUKeepLastError keepLastError;
+    pTimer->KillAlarm();
+    // After CUShutdown that does nothing, but the list must not keep a dead object.
     CCUTimerTask *pTask = CurrentTask();
-    if (pTask && pTask->Unlink(pTimer))
+    if (pTimer->m_uAlarm != 0 && pTask && pTask->Unlink(pTimer))
         --pTask->m_uListLength;
 }
 

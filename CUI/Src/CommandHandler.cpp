@@ -17,7 +17,7 @@ CCUICommandHandler::CCUICommandHandler(unsigned int nID, unsigned int nIDRange)
         return;
     }
     if (nID == 0) {
-        m_nID = static_cast<unsigned int>(CCUIIDGenerator::GetNextID());
+        m_nID = CCUIIDGenerator::GetNextID();
         for (unsigned int nI = 1; nI < nIDRange; ++nI)
             CCUIIDGenerator::GetNextID();
     }

@@ -8,6 +8,22 @@
 
 namespace {
 
+struct CClassNames
+{
+    CCUString window = "pzl-Window";
+    CCUString mdiWindow = "pzl-MDIWindow";
+    CCUString controlBar = "pzl-ControlBAR";
+    CCUString frameWindow = "pzl-FrameWindow";
+};
+
+// Made at start-up, or by a global of another source that asks even earlier.
+const CClassNames &ClassNames()
+{
+    static const CClassNames s_names;
+    return s_names;
+}
+[[maybe_unused]] const CClassNames &s_madeAtStartup = ClassNames();
+
 HICON LoadClassIcon()
 {
     HICON hIcon = LoadIconA(GetModuleHandleA(nullptr), MAKEINTRESOURCEA(CUI_CLASS_ICON));
@@ -32,18 +48,13 @@ unsigned short g_nRegisteredClasses;
 
 const CCUString &CUIWindowClassName(unsigned short id)
 {
-    // Made by the first call and not at start-up: a global window of another source may ask before
-    // this source's globals exist, and a program that makes no such window pays nothing.
-    static const CCUString s_window("pzl-Window");
-    static const CCUString s_mdiWindow("pzl-MDIWindow");
-    static const CCUString s_controlBar("pzl-ControlBAR");
-    static const CCUString s_frameWindow("pzl-FrameWindow");
+    const CClassNames &names = ClassNames();
     switch (id) {
-    case CUI_CLASS_WINDOW: return s_window;
-    case CUI_CLASS_MDIWINDOW: return s_mdiWindow;
-    case CUI_CLASS_CONTROLBAR: return s_controlBar;
-    case CUI_CLASS_FRAMEWINDOW: return s_frameWindow;
-    default: CU_ASSERT_TEXT(false, "0"); return s_window;
+    case CUI_CLASS_WINDOW: return names.window;
+    case CUI_CLASS_MDIWINDOW: return names.mdiWindow;
+    case CUI_CLASS_CONTROLBAR: return names.controlBar;
+    case CUI_CLASS_FRAMEWINDOW: return names.frameWindow;
+    default: CU_ASSERT_TEXT(false, "0"); return names.window;
     }
 }
 

@@ -4,41 +4,34 @@
 
 #include "CU/CU.h"
 #include "CU/DebugSwitch.h"
-#include "CU/Dump.h"
-#include "CU/String.h"
 #include "CU/TimerTask.h"
-#include "Support/FakeClock.h"
-#include "Support/TemporaryDirectory.h"
+#include "Support/FailingCall.h"
+#include "Support/Reports.h"
 #include "Support/TestTimer.h"
 #include "Support/Threads.h"
 
 namespace {
 
-class TimerTask : public testing::Test, public CCUDumpCallback
+using Texts = std::vector<std::string>;
+
+class TimerTask : public testing::Test
 {
 protected:
-    TimerTask() { CUDumpRegister(this); }
-    ~TimerTask() override { CUDumpUnRegister(this); }
-    void OnDump(const CCUString &sText) override { m_trace += sText; }
-
-    CTemporaryDirectory m_directory;
-    std::string m_trace;
+    CReports m_reports;
+    CDumped m_dumped;
+    std::string &m_trace = m_dumped.m_text;
 };
 
 // Serves the thread's messages until the condition holds; gives up after half a minute.
 template <typename F>
 void PumpUntil(F condition)
 {
-    const UINT_PTR nGiveUp = SetTimer(nullptr, 0, 30000, nullptr);
-    MSG msg = {};
-    while (!condition() && GetMessageA(&msg, nullptr, 0, 0) > 0) {
-        if (!msg.hwnd && msg.message == WM_TIMER && msg.wParam == nGiveUp) {
-            ADD_FAILURE() << "gave up";
-            break;
-        }
-        DispatchMessageA(&msg);
+    const DWORD nStart = GetTickCount();
+    while (!condition() && GetTickCount() - nStart < 30000) {
+        MsgWaitForMultipleObjects(0, nullptr, FALSE, 1000, QS_ALLINPUT);
+        CFakeClock::Pump();
     }
-    KillTimer(nullptr, nGiveUp);
+    EXPECT_TRUE(condition());
 }
 
 TEST_F(TimerTask, FirstHalfSecondAsksForNoTimerBehindTheStartTick)
@@ -58,7 +51,6 @@ TEST_F(TimerTask, FirstHalfSecondAsksForNoTimerBehindTheStartTick)
     EXPECT_FALSE(KillTimer(hWnd, 1));  // it fires once
     clock.Run(1000);
     EXPECT_EQ(static_cast<long>(uArmed + 501), late.m_nNow);
-    EXPECT_EQ("", m_trace);
 }
 
 TEST_F(TimerTask, TimerOfAnotherListIsReportedAndCountedDown)
@@ -74,8 +66,7 @@ TEST_F(TimerTask, TimerOfAnotherListIsReportedAndCountedDown)
     });
     EXPECT_EQ(0u, pTask->GetListLength());  // own is in the list all the same
     EXPECT_EQ("TimerTask::KillAlarm - failed to find timer!\n", m_trace);
-    EXPECT_NE(std::string::npos,
-              m_directory.Contents("ZELTrace-*").find("Assert:0  File:TimerTask  Line:"));
+    EXPECT_EQ(Texts{"TimerTask: 0"}, m_reports.Asserts());
     own.KillAlarm();
     EXPECT_EQ(0xFFFFFFFF, pTask->GetListLength());
 }
@@ -84,9 +75,7 @@ TEST_F(TimerTask, SlowAndCrowdedPassesAreTracedOnRequest)
 {
     CFakeClock clock;
     CTestTimer slow, slower;
-    slow.SetAlarm(0);
-    SendMessageA(TimerTaskWindow(), WM_TIMER, 1, 0);
-    clock.Run(10);
+    PassStartTick(clock);
     auto lines = [&](long nDebug, DWORD nTook) {
         m_trace.clear();
         CCUDebugSwitch::Find("\\Debug\\Timer", "TimerDebug")->Set(nDebug);
@@ -117,7 +106,6 @@ TEST_F(TimerTask, SlowAndCrowdedPassesAreTracedOnRequest)
         EXPECT_EQ(nMany > 200, m_trace.find(szExpected) != std::string::npos);
         EXPECT_EQ(nMany > 200, m_trace != "");
     }
-
     slower.m_action = [&clock] { clock.Jump(6000); };
     slower.SetAlarm(0);
     clock.Pump();
@@ -130,18 +118,17 @@ TEST_F(TimerTask, SlowAndCrowdedPassesAreTracedOnRequest)
     }
 }
 
-BOOL WINAPI FullQueue(HWND, UINT, WPARAM, LPARAM)
-{
-    return FALSE;
-}
-
 TEST_F(TimerTask, OutlivesFailingCallsAndForeignHands)
 {
     CFakeClock clock;
     CTestTimer timer;
-    timer.SetAlarm(100);
-    SendMessageA(TimerTaskWindow(), WM_TIMER, 1, 0);
-    clock.Run(100);
+    {
+        const CFailingCall<BOOL(DWORD, void *)> noStorage("TlsSetValue");
+        CFailPlan::Start(CFailPlan::ALL);
+        timer.SetAlarm(100);
+        EXPECT_EQ(nullptr, CCUTimerTask::GetThreadTimerTask());
+    }
+    PassStartTick(clock);
     clock.m_bFailing = true;
     timer.SetAlarm(100);
     EXPECT_EQ("CUTimerTask: >>>> Failed to set timer (100) <<<<\n", m_trace);
@@ -167,37 +154,30 @@ TEST_F(TimerTask, OutlivesFailingCallsAndForeignHands)
     EXPECT_EQ(static_cast<UINT>(WM_QUIT), msg.message);
     EXPECT_EQ(77u, msg.wParam);
     clock.Run(1000);
-    EXPECT_EQ(2, timer.m_nCalls);
+    EXPECT_EQ(1, timer.m_nCalls);
     // A mock message that nobody waits for is reported, and serves.
     const UINT uMock = RegisterWindowMessageA("TimerTaskMock");
-    EXPECT_TRUE(CUIsYourMessage(uMock));
     timer.SetAlarm(1000);
     clock.Jump(1000);
     SendMessageA(TimerTaskWindow(), uMock, 0, 0);
-    EXPECT_EQ(3, timer.m_nCalls);
-    EXPECT_NE(std::string::npos,
-              m_directory.Contents("ZELTrace-*").find("TimerTask->m_bMockTimerSet"));
+    EXPECT_EQ(2, timer.m_nCalls);
+    EXPECT_EQ(Texts{"TimerTask: TimerTask->m_bMockTimerSet"}, m_reports.Asserts());
     // Somebody destroys the window while its message is on the way: the next arming makes another.
     timer.SetAlarm(0);
     DestroyWindow(TimerTaskWindow());
     clock.Run(1000);
     timer.SetAlarm(0);
     clock.Run(1000);
-    EXPECT_EQ(4, timer.m_nCalls);
+    EXPECT_EQ(3, timer.m_nCalls);
     SendMessageA(TimerTaskWindow(), WM_TIMER, 1, 0);
     // A queue without room for the message: the next arming tries again.
     {
-        const CImportHook hook("PostMessageA", FullQueue);
+        const CFailingCall<BOOL(HWND, UINT, WPARAM, LPARAM)> fullQueue("PostMessageA");
         timer.SetAlarm(0);
     }
     timer.SetAlarm(0);
     clock.Run(1000);
-    EXPECT_EQ(5, timer.m_nCalls);
-}
-
-FARPROC WINAPI OldSystem(HMODULE, const char *)
-{
-    return nullptr;
+    EXPECT_EQ(4, timer.m_nCalls);
 }
 
 // Many threads serve their timers side by side and end with timers armed, which are then free for
@@ -232,7 +212,8 @@ TEST_F(TimerTask, ThreadsEndWithTimersArmed)
 
 TEST_F(TimerTask, ThreadsEndOnOldSystems)
 {
-    const CImportHook hook("GetProcAddress", OldSystem);
+    const CFailingCall<FARPROC(HMODULE, const char *)> oldSystem("GetProcAddress");
+    CFailPlan::Start(CFailPlan::ALL);
     ServeOnThreads(8);
 }
 

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <memory>
+#include <sstream>
 #include <string>
 
 #include "CU/TimerTask.h"
@@ -15,11 +16,7 @@ class Timer : public testing::Test
 protected:
     Timer()
     {
-        CTestTimer timer;
-        timer.SetAlarm(0);
-        SendMessageA(TimerTaskWindow(), WM_TIMER, 1, 0);
-        m_clock.Run(100);
-        m_clock.m_delays.clear();
+        PassStartTick(m_clock);
         m_uStart = CUGetTime();
     }
     // A timer that notes when it is called, as "name@milliseconds ".
@@ -29,52 +26,70 @@ protected:
             [this, name] { m_log += name + ("@" + std::to_string(CUGetTime() - m_uStart)) + " "; });
     }
 
+    // Steps: "a10" arms, "a?10" arms if earlier, "a!" kills, "+10" lets the clock run, "w" sets it
+    // half a second before it wraps.
+    void Play(const char *script)
+    {
+        std::istringstream steps(script);
+        for (std::string step; steps >> step;) {
+            const long n = atol(step.c_str() + strcspn(step.c_str(), "-0123456789"));
+            if (step == "w") {
+                m_clock.Jump(0UL - 500 - CUGetTime());
+                m_uStart = CUGetTime();
+            } else if (step[0] == '+') {
+                m_clock.Run(static_cast<DWORD>(n));
+            } else {
+                CTestTimer &timer = **m_timers[step[0] - 'a'];
+                step[1] == '!'   ? timer.KillAlarm()
+                : step[1] == '?' ? timer.SetAlarmIfEarlier(n)
+                                 : timer.SetAlarm(n);
+            }
+        }
+    }
+
     CFakeClock m_clock;
     unsigned long m_uStart;
     std::string m_log;
     CCUTimerTask *const m_pTask = CCUTimerTask::GetThreadTimerTask();
     std::unique_ptr<CTestTimer> a = Make('a'), b = Make('b'), c = Make('c'), d = Make('d');
+    const std::unique_ptr<CTestTimer> *const m_timers[4] = {&a, &b, &c, &d};
 };
 
 TEST_F(Timer, ServesEachOnceByAlarmAndEqualOnesInTheOrderOfArming)
 {
-    a->SetAlarm(300);
-    b->SetAlarm(100);
-    c->SetAlarm(50);
-    d->SetAlarm(100);
-    b->SetAlarm(100);  // armed again: behind d now
-    a->SetAlarm(200);  // the old alarm is never called
-    c->KillAlarm();
-    EXPECT_EQ(3u, m_pTask->GetListLength());
-    m_clock.Run(1000);
-    EXPECT_EQ("d@100 b@100 a@200 ", m_log);
-    EXPECT_EQ(0u, m_pTask->GetListLength());
-    EXPECT_EQ(0, m_pTask->GetPendingCount());
-    EXPECT_FALSE(m_clock.IsPending());
-
-    // What is due already needs no timer, only a turn of the message loop.
-    m_log.clear();
-    m_clock.m_delays.clear();
-    a->SetAlarm(0);
-    b->SetAlarm(-5);
-    EXPECT_EQ(1, m_pTask->GetPendingCount());
-    EXPECT_EQ("", m_log);
-    EXPECT_EQ(1, m_clock.Pump());
-    EXPECT_EQ("b@1000 a@1000 ", m_log);
-    EXPECT_TRUE(m_clock.m_delays.empty());
-}
-
-TEST_F(Timer, ArmsIfEarlierOnlyForAnEarlierMoment)
-{
-    for (CTestTimer *pTimer : {a.get(), b.get(), c.get()})
-        pTimer->SetAlarm(100);
-    m_clock.Run(40);
-    a->SetAlarmIfEarlier(60);  // the same moment: keeps its place before b
-    b->SetAlarmIfEarlier(61);
-    c->SetAlarmIfEarlier(59);
-    d->SetAlarmIfEarlier(70);  // not armed: armed
-    m_clock.Run(200);
-    EXPECT_EQ("c@99 a@100 b@100 d@110 ", m_log);
+    const struct
+    {
+        const char *script, *log;
+        unsigned long nLeft;  // in the list at the end
+        std::vector<UINT> delays;
+    } cases[] = {
+        // Armed again b is behind d; the old alarm of a and the killed c are never called.
+        {"a300 b100 c50 d100 b100 a200 c! +1000", "d@100 b@100 a@200 ", 0, {300, 100, 50, 50, 100}},
+        // What is due already needs no timer, only a turn of the message loop.
+        {"a0 b-5 +10", "b@0 a@0 ", 0, {}},
+        // The same moment is not earlier and keeps its place.
+        {"a100 b100 c100 +40 a?60 b?61 c?59 d?70 +200",
+         "c@99 a@100 b@100 d@110 ",
+         0,
+         {100, 59, 1, 10}},
+        {"a600000 +700000", "a@600000 ", 0, std::vector<UINT>(10, 60000)},
+        // The clock wraps half a second on; b is due at 0, which would mean not armed.
+        {"w c700 a499 b500 d2147483647 c?800 +1000",
+         "a@499 b@501 c@700 ",
+         1,
+         {700, 499, 2, 199, 60000}},
+    };
+    for (const auto &test : cases) {
+        SCOPED_TRACE(test.script);
+        m_log.clear();
+        m_clock.m_delays.clear();
+        m_uStart = CUGetTime();
+        Play(test.script);
+        EXPECT_EQ(test.log, m_log);
+        EXPECT_EQ(test.nLeft, m_pTask->GetListLength());
+        EXPECT_EQ(m_clock.IsPending() ? 1 : 0, m_pTask->GetPendingCount());
+        EXPECT_EQ(test.delays, m_clock.m_delays);
+    }
 }
 
 TEST_F(Timer, TimeOutMayArmKillDeleteAndRunALoop)
@@ -119,29 +134,6 @@ TEST_F(Timer, PassStopsAfterATenthOfASecond)
     EXPECT_EQ(1, m_clock.Pump());  // the next pass, without waiting
     EXPECT_EQ(1, c->m_nCalls);
     EXPECT_EQ(std::vector<UINT>{10}, m_clock.m_delays);
-}
-
-TEST_F(Timer, WaitsAMinuteAtMostAtATime)
-{
-    a->SetAlarm(600000);
-    m_clock.Run(700000);
-    EXPECT_EQ("a@600000 ", m_log);
-    EXPECT_EQ(std::vector<UINT>(10, 60000), m_clock.m_delays);
-}
-
-TEST_F(Timer, ClockMayWrap)
-{
-    m_clock.Jump(0UL - 500 - CUGetTime());
-    m_uStart = CUGetTime();
-    ASSERT_EQ(0UL - 500, m_uStart);
-    c->SetAlarm(700);
-    a->SetAlarm(499);
-    b->SetAlarm(500);  // at 0, which would mean not armed
-    d->SetAlarm(0x7FFFFFFF);
-    c->SetAlarmIfEarlier(800);
-    m_clock.Run(1000);
-    EXPECT_EQ("a@499 b@501 c@700 ", m_log);
-    EXPECT_EQ(1u, m_pTask->GetListLength());
 }
 
 TEST_F(Timer, AfterShutdownNothingIsArmedOrKilledAndNoDeadObjectIsServed)

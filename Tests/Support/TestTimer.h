@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "CU/Timer.h"
+#include "Support/FakeClock.h"
 
 // A timer that the test arms, and that does what the test wants when it is called.
 class CTestTimer : public CCUTimer
@@ -35,4 +36,14 @@ inline HWND TimerTaskWindow()
     {
     }
     return hWnd;
+}
+
+// Puts the thread's timers behind the first half second of their window.
+inline void PassStartTick(CFakeClock &clock)
+{
+    CTestTimer timer;
+    timer.SetAlarm(0);
+    SendMessageA(TimerTaskWindow(), WM_TIMER, 1, 0);
+    clock.Run(10);
+    clock.m_delays.clear();
 }

@@ -27,7 +27,7 @@ CU_API bool CUIsYourMessage(unsigned int uMessage);
 CU_API HWND CUGetWindow();
 // What the message window does with a message: WM_USER to WM_USER + 2, which even a restricted
 // CCUIWindow::IdleLoop serves, or one from CURegisterMessageId. Replaces an earlier handler; null
-// removes it. False for any other message, or without memory.
+// removes it. False for any other message.
 typedef void (*CUMessageHandler)(unsigned int uMessage, WPARAM wParam, LPARAM lParam);
 CU_API bool CUSetMessageHandler(unsigned int uMessage, CUMessageHandler handler);
 

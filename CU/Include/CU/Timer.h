@@ -24,7 +24,8 @@ public:
 
 protected:
     // Arms the timer, in place of any earlier alarm; a delay of 0 or less is served by the next
-    // turn of the message loop. Does nothing after CUShutdown.
+    // turn of the message loop. Does nothing after CUShutdown, nor in a process
+    // without a thread-local storage slot to spare.
     void SetAlarm(long nMilliseconds);
     // The same, unless the timer is armed for that moment or an earlier one.
     void SetAlarmIfEarlier(long nMilliseconds);
@@ -33,6 +34,8 @@ protected:
 
 private:
     friend class CCUTimerTask;
+
+    static void (*s_forget)(CCUTimer *pTimer);
 
     CCUTimer *m_pNext = nullptr;
     unsigned long m_uAlarm = 0;  // CUGetTime at which it is due; 0: not armed

@@ -24,7 +24,7 @@ public:
     // Nothing after CUShutdown.
     void ResetTimer();
 
-    // The calling thread's task, made by the first call.
+    // The calling thread's task, made by the first call; null when there is no storage for it.
     static CCUTimerTask *GetThreadTimerTask();
 
     unsigned long GetListLength() const { return m_uListLength; }
@@ -36,12 +36,10 @@ protected:
     ~CCUTimerTask() override;
 
 private:
-    friend class CCUTimer;
-
     CCUTimerTask() = default;
     static void Initialize();
-    // Takes a timer that goes out of the calling thread's list, even after CUShutdown.
-    static void Forget(const CCUTimer *pTimer);
+    // Takes a timer that is destroyed out of the calling thread's list, even after CUShutdown.
+    static void Forget(CCUTimer *pTimer);
     static LRESULT CALLBACK WindowProc(HWND hWnd, UINT uMessage, WPARAM wParam, LPARAM lParam);
     bool OnMessage(UINT uMessage);
     void MakeWindow();
