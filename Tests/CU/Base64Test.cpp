@@ -35,16 +35,14 @@ std::string Text(const CCUString &string)
 
 TEST(Base64, MatchesThePublishedVectors)
 {
-    const char *const vectors[][2] = {
-        {"", ""},
-        {"f", "Zg=="},
-        {"fo", "Zm8="},
-        {"foo", "Zm9v"},
-        {"foob", "Zm9vYg=="},
-        {"fooba", "Zm9vYmE="},
-        {"foobar", "Zm9vYmFy"},
-        {"\xFB\xEF\xBE\xFF", "++++/w=="},
-    };
+    const char *const vectors[][2] = {{"", ""},
+                                      {"f", "Zg=="},
+                                      {"fo", "Zm8="},
+                                      {"foo", "Zm9v"},
+                                      {"foob", "Zm9vYg=="},
+                                      {"fooba", "Zm9vYmE="},
+                                      {"foobar", "Zm9vYmFy"},
+                                      {"\xFB\xEF\xBE\xFF", "++++/w=="}};
     for (const auto &vector : vectors) {
         const CCUString encoded = CCUString(vector[0]).Encode64(), decoded = encoded.Decode64();
         EXPECT_STREQ(encoded, vector[1]);

@@ -29,6 +29,21 @@ public:
         return asserts;
     }
 
+    // The expressions alone of what `source` reports while `act` runs, with "; " between them.
+    template <typename Act>
+    std::string Of(const std::string &source, Act act)
+    {
+        const std::string head = source + ": ";
+        std::string texts;
+        Asserts();
+        act();
+        for (const std::string &text : Asserts()) {
+            const bool bIts = text.compare(0, head.size(), head) == 0;
+            texts += (texts.empty() ? "" : "; ") + (bIts ? text.substr(head.size()) : text);
+        }
+        return texts;
+    }
+
     const CTemporaryDirectory &Directory() const { return m_directory; }
 
 private:
