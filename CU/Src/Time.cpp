@@ -88,6 +88,13 @@ long InstantOfFileTime(const FILETIME &time, int isDst)
     return InstantOfSystemTime(fields, isDst);
 }
 
+// A field in the current zone, counted from nFirst; 0 for an instant that has none.
+int LocalField(const CCUTime &time, int tm::*pField, int nFirst)
+{
+    const tm *record = time.GetLocalTm(nullptr, nullptr);
+    return record ? record->*pField + nFirst : 0;
+}
+
 bool IsInRange(int nValue, int nFirst, int nLast)
 {
     return nValue >= nFirst && nValue <= nLast;
@@ -126,44 +133,37 @@ CCUTime CCUTime::GetTickCount()
 
 int CCUTime::GetYear() const
 {
-    const tm *record = GetLocalTm(nullptr, nullptr);
-    return record ? record->tm_year + 1900 : 0;
+    return LocalField(*this, &tm::tm_year, 1900);
 }
 
 int CCUTime::GetMonth() const
 {
-    const tm *record = GetLocalTm(nullptr, nullptr);
-    return record ? record->tm_mon + 1 : 0;
+    return LocalField(*this, &tm::tm_mon, 1);
 }
 
 int CCUTime::GetDay() const
 {
-    const tm *record = GetLocalTm(nullptr, nullptr);
-    return record ? record->tm_mday : 0;
+    return LocalField(*this, &tm::tm_mday, 0);
 }
 
 int CCUTime::GetHour() const
 {
-    const tm *record = GetLocalTm(nullptr, nullptr);
-    return record ? record->tm_hour : 0;
+    return LocalField(*this, &tm::tm_hour, 0);
 }
 
 int CCUTime::GetMinute() const
 {
-    const tm *record = GetLocalTm(nullptr, nullptr);
-    return record ? record->tm_min : 0;
+    return LocalField(*this, &tm::tm_min, 0);
 }
 
 int CCUTime::GetSecond() const
 {
-    const tm *record = GetLocalTm(nullptr, nullptr);
-    return record ? record->tm_sec : 0;
+    return LocalField(*this, &tm::tm_sec, 0);
 }
 
 int CCUTime::GetDayOfWeek() const
 {
-    const tm *record = GetLocalTm(nullptr, nullptr);
-    return record ? record->tm_wday + 1 : 0;
+    return LocalField(*this, &tm::tm_wday, 1);
 }
 
 CCUTimeSpan CCUTime::operator-(const CCUTime &other) const

@@ -189,7 +189,7 @@ bool CUIsDaylightTime(const TIME_ZONE_INFORMATION &zone, const CUTimeOfYear &tim
 
 long CUDayOfYear(long nYear, int nMonth, int nDay)
 {
-    const int nEntry = nMonth < 0 ? 0 : nMonth > 11 ? 11 : nMonth;
+    const int nEntry = nMonth < 0 ? 0 : nMonth > 12 ? 12 : nMonth;
     return WrapAdd(nDay, DaysOfYear(nYear)[nEntry]);
 }
 

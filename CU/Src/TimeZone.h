@@ -17,8 +17,8 @@ struct CUTimeOfYear
 // Whether the zone's rules make it daylight time then.
 bool CUIsDaylightTime(const TIME_ZONE_INFORMATION &zone, const CUTimeOfYear &time);
 
-// The day of the year (0 = 1 January), for a year in years since 1900 and a month from 0; a month
-// outside 0..11 is taken for the nearest.
+// The day of the year (0 = 1 January), for a year in years since 1900 and a month from 0. A 13th
+// month (12) goes on after December; other months that do not exist are taken for the nearest.
 long CUDayOfYear(long nYear, int nMonth, int nDay);
 
 // Milliseconds of a time of day.

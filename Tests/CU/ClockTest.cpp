@@ -90,19 +90,17 @@ TEST(Clock, DoubleTimeFillsInBetweenTicks)
 
 TEST(Clock, AdjustmentNeedsThePrivilegeAndTheClockOnlyTries)
 {
-    double increment = -1;
-    double adjustment = -1;
-    DWORD expectedAdjustment = 0;
-    DWORD expectedIncrement = 0;
+    double increment = -1, adjustment = -1;
+    DWORD dwAdjustment = 0, dwIncrement = 0;
     BOOL bDisabled = FALSE;
-    ASSERT_TRUE(GetSystemTimeAdjustment(&expectedAdjustment, &expectedIncrement, &bDisabled));
+    ASSERT_TRUE(GetSystemTimeAdjustment(&dwAdjustment, &dwIncrement, &bDisabled));
     EXPECT_TRUE(CUGetSystemTimeAdjustment(increment, adjustment));
-    EXPECT_TRUE(increment == expectedIncrement && adjustment == expectedAdjustment);
+    EXPECT_TRUE(increment == dwIncrement && adjustment == dwAdjustment);
     const CImportHook functions("GetProcAddress", FakeGetProcAddress);
     const CImportHook setTime("SetSystemTime", FakeSetTime);
     const CImportHook notify("SendNotifyMessageA", FakeSendNotify);
     EXPECT_FALSE(CUGetSystemTimeAdjustment(increment, adjustment));
-    EXPECT_TRUE(increment == expectedIncrement && adjustment == expectedAdjustment);
+    EXPECT_TRUE(increment == dwIncrement && adjustment == dwAdjustment);
     s_bSettable = TRUE;
     const double adjustments[][2] = {
         {99000.9, 99000}, {-5, 0}, {1e20, 4294967295.0}, {s_notANumber, 0}};
@@ -116,8 +114,7 @@ TEST(Clock, AdjustmentNeedsThePrivilegeAndTheClockOnlyTries)
     CFailingCall<BOOL(LPCSTR, LPCSTR, PLUID)> lookUp("LookupPrivilegeValueA");
     CFailingCall<BOOL(HANDLE, BOOL, PTOKEN_PRIVILEGES, DWORD, PTOKEN_PRIVILEGES, PDWORD)> enable(
         "AdjustTokenPrivileges");
-    int nAdjusted = 0;
-    int nSet = 0;
+    int nAdjusted = 0, nSet = 0;
     CFailPlan::RunAll([&] {
         s_dwAdjustment = 1;
         const bool bDone = CUSetSystemTimeAdjustment(7);

@@ -1,15 +1,14 @@
 #include <gtest/gtest.h>
 
 #include "CU/Registry.h"
-
-namespace {
-
-const char *const pszRoot = "Software\\CURegistryTest";
-
-}  // namespace
+#include "Support/HeapWatch.h"
 
 TEST(Registry, WalksReadsAndWritesKeys)
 {
+    const CHeapWatch heap;
+    const char *const pszRoot = "Software\\CURegistryTest";
+    // What a run that did not come to its end has left.
+    CCURegistry(HKEY_CURRENT_USER, nullptr, false).DeleteKey(pszRoot);
     CCURegistry registry(HKEY_CURRENT_USER, pszRoot);
     EXPECT_FALSE(registry.IsOpen());
     EXPECT_EQ(static_cast<DWORD>(ERROR_FILE_NOT_FOUND), GetLastError());
@@ -31,7 +30,7 @@ TEST(Registry, WalksReadsAndWritesKeys)
                 registry.SetString("long", sLong) && registry.SetInt("n", -5) &&
                 registry.SetBinary("b", bytes, sizeof bytes));
     ASSERT_EQ(ERROR_SUCCESS, RegSetValueExA(registry.GetKey(), "open", 0, REG_EXPAND_SZ,
-                                            reinterpret_cast<const BYTE *>("%TEMP%"), 6));
+                                            reinterpret_cast<const BYTE *>("%TEMP%x"), 6));
     EXPECT_TRUE(registry.Ascend());
     EXPECT_STREQ("Software\\CURegistryTest\\a", registry.GetPath());
     EXPECT_TRUE(registry.SetInt("n", 1));

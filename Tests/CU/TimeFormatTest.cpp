@@ -35,9 +35,7 @@ CCUString AbbreviatedDate()
     const TIME_ZONE_INFORMATION zone = Zone();
     CCUTime::TimeFormatChanged(true);
     EXPECT_TRUE(CCUTime::IsTimeFormatChanged());
-    const CCUString sText = Independence().FormatTZI("%sx", &zone);
-    EXPECT_FALSE(CCUTime::IsTimeFormatChanged());
-    return sText;
+    return Independence().FormatTZI("%sx", &zone);
 }
 
 DWORD s_dwPlatform;
@@ -79,7 +77,8 @@ TEST(TimeFormat, ExpandsTheUsersPicturesAndZoneNames)
     GetTimeZoneInformation(&current);
     EXPECT_STREQ(CCUString(current.StandardName), time.FormatGmt("%z"));
     // Names that hold codes, or make some with what is left of the format.
-    wcscpy(zone.DaylightName, L"%Z%z");
+    wcscpy(zone.DaylightName, L"%Zx");
+    EXPECT_STREQ("x", time.FormatTZI("%Z", &zone).Right(1));
     EXPECT_STREQ("", time.FormatTZI(CCUString("%Z%Z") + CCUString('%', 200), &zone));
     wcscpy(zone.DaylightName, L"Zulu");
     EXPECT_STREQ("Zuluulu", time.FormatTZI("%%Z", &zone));
@@ -99,19 +98,21 @@ TEST(TimeFormat, ReadsTheLongDatePictureAfreshWhenTold)
     CCURegistry registry(HKEY_CURRENT_USER, "Control Panel\\International", false);
     CCUString sOld;
     const bool bThere = registry.GetString("sLongDate", sOld);
-    EXPECT_TRUE(registry.SetString("sLongDate", "dddd, MMMM dd, yyyy 'dddd MMMM'"));
-    EXPECT_STREQ("Wed, Jul 04, 2001 dddd MMMM", AbbreviatedDate());
-    EXPECT_TRUE(registry.SetString("sLongDate", "yyyy MMM"));
-    EXPECT_STREQ("Wed, Jul 04, 2001 dddd MMMM", Independence().FormatTZI("%sx", &zone));
-    EXPECT_STREQ("2001 Jul", AbbreviatedDate());
     // 80 bytes are read, the NUL among them; a value may come without one.
     const CCUString sLong = "yyyy'" + CCUString('x', 73) + "'";
-    EXPECT_TRUE(registry.SetString("sLongDate", sLong));
-    EXPECT_STREQ("2001" + CCUString('x', 73), AbbreviatedDate());
+    const CCUString pictures[][2] = {
+        {"dddd, MMMM dd, yyyy 'dddd MMMM'", "Wed, Jul 04, 2001 dddd MMMM"},
+        {sLong, "2001" + CCUString('x', 73)},
+        {sLong + "d", "Jul 4, 2001"},
+        {"yyyy MMM", "2001 Jul"}};
+    for (const auto &picture : pictures) {
+        EXPECT_TRUE(registry.SetString("sLongDate", picture[0]));
+        EXPECT_STREQ(picture[1], AbbreviatedDate());
+    }
     EXPECT_TRUE(registry.SetBinary("sLongDate", sLong + "  ", 80));
+    EXPECT_FALSE(CCUTime::IsTimeFormatChanged());
+    EXPECT_STREQ("2001 Jul", Independence().FormatTZI("%sx", &zone));
     EXPECT_STREQ("2001" + CCUString('x', 73) + " ", AbbreviatedDate().Left(78));
-    EXPECT_TRUE(registry.SetString("sLongDate", sLong + "d"));
-    EXPECT_STREQ("Jul 4, 2001", AbbreviatedDate());
     EXPECT_TRUE(registry.DeleteValue("sLongDate"));
     EXPECT_STREQ("Jul 4, 2001", AbbreviatedDate());
     // Windows 95 keeps it in win.ini; of other systems nothing is known.
