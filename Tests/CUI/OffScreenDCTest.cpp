@@ -69,14 +69,14 @@ TEST(OffScreenDC, GrowsNeverShrinksAndKeepsWhatWasDrawnWhileItFits)
             {screen, -5, 0, 200, 50, false, false},  {screen, 201, 9, 200, 50, false, true},
             {printer, 10, 10, 200, 50, true, false}, {printer, 10, 51, 200, 51, true, false},
             {screen, 201, 3, 201, 51, true, false},  {screen, 201, 51, 201, 51, false, false}};
+        HDC hFirst = nullptr;
         for (const auto &step : steps) {
             SCOPED_TRACE(&step - steps);
-            static HDC s_hDC = nullptr;
-            const HGDIOBJ hOld = s_hDC ? GetCurrentObject(s_hDC, OBJ_BITMAP) : nullptr;
+            const HGDIOBJ hOld = hFirst ? GetCurrentObject(hFirst, OBJ_BITMAP) : nullptr;
             CFailPlan::Start(step.bFails ? 1 : 0);
             const HDC hDC = osdc.GetDC(step.hDC, step.cx, step.cy);
-            EXPECT_TRUE(s_hDC == nullptr || s_hDC == hDC);
-            s_hDC = hDC;
+            EXPECT_EQ(hFirst ? hFirst : hDC, hDC);
+            hFirst = hDC;
             EXPECT_EQ(TRANSPARENT, GetBkMode(hDC));
             EXPECT_EQ(step.cxBitmap, Selected(hDC).bmWidth);
             EXPECT_EQ(step.cyBitmap, Selected(hDC).bmHeight);
