@@ -9,8 +9,8 @@
 
 namespace {
 
-// Open addressing with linear probing. A slot without a handle ends a run; a slot with a handle and
-// no procedure is vacant: its window has been unbound, but the run goes on behind it.
+// Open addressing with linear probing, at most half full. A slot without a handle ends a run;
+// removing closes the gap, so that windows that come and go leave nothing in the way.
 struct CSlot
 {
     std::atomic<HWND> hWnd;
@@ -32,8 +32,10 @@ CSlot s_firstSlots[1u << s_nFirstBits];
 CTable s_first = {(1u << s_nFirstBits) - 1, 32 - s_nFirstBits, s_firstSlots};
 
 std::atomic<CTable *> s_pTable(&s_first);
-unsigned s_nUsed;  // slots that are not vacant; under the lock
+unsigned s_nUsed;  // slots; under the lock
 std::atomic<int> s_nLock;
+// Odd while slots are being changed, so that a reader without the lock knows what it may trust.
+std::atomic<unsigned> s_nChanges;
 
 class CLock
 {
@@ -48,6 +50,18 @@ public:
     CLock &operator=(const CLock &) = delete;
 };
 
+class CChange
+{
+public:
+    CChange() { ++s_nChanges; }
+    ~CChange() { ++s_nChanges; }
+    CChange(const CChange &) = delete;
+    CChange &operator=(const CChange &) = delete;
+
+private:
+    const CLock m_lock;
+};
+
 unsigned FirstIndex(const CTable &table, HWND hWnd)
 {
     const auto nHandle = static_cast<uint32_t>(reinterpret_cast<uintptr_t>(hWnd));
@@ -59,35 +73,34 @@ CSlot &SlotAt(const CTable &table, unsigned nIndex)
     return table.pSlots[nIndex & table.nMask];
 }
 
-CSlot *FindSlot(const CTable &table, HWND hWnd)
+// The handle's slot, or the free one at the end of its run.
+CSlot &FindSlot(const CTable &table, HWND hWnd)
 {
     for (unsigned i = FirstIndex(table, hWnd);; ++i) {
         CSlot &slot = SlotAt(table, i);
         const HWND hSlot = slot.hWnd.load(std::memory_order_acquire);
-        if (hSlot == hWnd)
-            return &slot;
-        if (!hSlot)
-            return nullptr;
+        if (hSlot == hWnd || !hSlot)
+            return slot;
     }
 }
 
-bool IsVacant(const CSlot &slot)
+CTable &CurrentTable()
 {
-    return !slot.pOldProc.load(std::memory_order_relaxed);
+    return *s_pTable.load(std::memory_order_acquire);
 }
 
-// Into the first vacant slot of the handle's run; the table has room.
-void Insert(const CTable &table, HWND hWnd, const CUIWindowBinding &binding, DWORD nThread)
+// The handle of a slot comes last: a reader that finds it finds the rest.
+void Store(CSlot &slot, HWND hWnd, const CUIWindowBinding &binding, DWORD nThread)
 {
-    unsigned i = FirstIndex(table, hWnd);
-    while (!IsVacant(SlotAt(table, i)))
-        ++i;
-    CSlot &slot = SlotAt(table, i);
-    // A reader that looks for this handle finds it unbound until the object is there.
-    slot.hWnd.store(hWnd, std::memory_order_release);
     slot.nThread.store(nThread, std::memory_order_relaxed);
-    slot.pOldProc.store(binding.pOldProc, std::memory_order_release);
+    slot.pOldProc.store(binding.pOldProc, std::memory_order_relaxed);
     slot.pWindow.store(binding.pWindow, std::memory_order_release);
+    slot.hWnd.store(hWnd, std::memory_order_release);
+}
+
+void Copy(CSlot &slot, const CSlot &from)
+{
+    Store(slot, from.hWnd, {from.pWindow, from.pOldProc}, from.nThread);
 }
 
 CTable *NewTable(unsigned nBits)
@@ -102,36 +115,39 @@ CTable *NewTable(unsigned nBits)
 // process together are smaller than its last one.
 void Grow(const CTable &old)
 {
-    const CTable *pNew = NewTable(32 - old.nShift + 1);
+    CTable *const pNew = NewTable(32 - old.nShift + 1);
     for (unsigned i = 0; i <= old.nMask; ++i) {
         const CSlot &slot = old.pSlots[i];
-        if (!IsVacant(slot))
-            Insert(*pNew, slot.hWnd, {slot.pWindow, slot.pOldProc}, slot.nThread);
+        if (slot.hWnd)
+            Copy(FindSlot(*pNew, slot.hWnd), slot);
     }
-    s_pTable.store(const_cast<CTable *>(pNew), std::memory_order_release);
+    s_pTable.store(pNew, std::memory_order_release);
 }
 
-void Vacate(const CTable &table, CSlot &slot)
+// Frees the slot and closes the gap with what further down the run may stand there.
+void Free(const CTable &table, CSlot &slot)
 {
-    slot.pWindow.store(nullptr, std::memory_order_release);
-    slot.pOldProc.store(nullptr, std::memory_order_release);
+    auto nGap = static_cast<unsigned>(&slot - table.pSlots);
+    for (unsigned i = nGap + 1; SlotAt(table, i).hWnd; ++i) {
+        const unsigned nFirst = FirstIndex(table, SlotAt(table, i).hWnd);
+        if (((i - nFirst) & table.nMask) < i - nGap)
+            continue;
+        Copy(SlotAt(table, nGap), SlotAt(table, i));
+        nGap = i;
+    }
+    Store(SlotAt(table, nGap), nullptr, {nullptr, nullptr}, 0);
     --s_nUsed;
-    // At the end of its run the slot, and the vacant ones before it, need not keep the run going.
-    auto i = static_cast<unsigned>(&slot - table.pSlots);
-    if (SlotAt(table, i + 1).hWnd.load(std::memory_order_relaxed))
-        return;
-    while (SlotAt(table, i).hWnd.load(std::memory_order_relaxed) && IsVacant(SlotAt(table, i)))
-        SlotAt(table, i--).hWnd.store(nullptr, std::memory_order_release);
 }
 
 void RemoveThread(DWORD nThread)
 {
-    const CLock lock;
-    const CTable &table = *s_pTable.load(std::memory_order_relaxed);
+    const CChange change;
+    const CTable &table = CurrentTable();
     for (unsigned i = 0; i <= table.nMask; ++i) {
         CSlot &slot = table.pSlots[i];
-        if (!IsVacant(slot) && slot.nThread.load(std::memory_order_relaxed) == nThread)
-            Vacate(table, slot);
+        // What closes the gap may be the thread's as well.
+        while (slot.hWnd && slot.nThread == nThread)
+            Free(table, slot);
     }
 }
 
@@ -171,54 +187,39 @@ CCUIWindow *CUIWindowMapFind(HWND hWnd)
 {
     if (!hWnd)
         return nullptr;
-    const CTable &table = *s_pTable.load(std::memory_order_acquire);
-    for (;;) {
-        const CSlot *pSlot = FindSlot(table, hWnd);
-        if (!pSlot)
-            return nullptr;
-        CCUIWindow *const pWindow = pSlot->pWindow.load(std::memory_order_acquire);
-        // Unless another thread has just given the slot to another window.
-        if (pSlot->hWnd.load(std::memory_order_acquire) == hWnd)
-            return pWindow;
-    }
+    const unsigned nChanges = s_nChanges.load(std::memory_order_acquire);
+    CCUIWindow *const pWindow =
+        FindSlot(CurrentTable(), hWnd).pWindow.load(std::memory_order_acquire);
+    if (nChanges % 2 == 0 && nChanges == s_nChanges.load(std::memory_order_acquire))
+        return pWindow;
+    // Another thread has been at the table meanwhile.
+    const CLock lock;
+    return FindSlot(CurrentTable(), hWnd).pWindow;
 }
 
 bool CUIWindowMapGet(HWND hWnd, CUIWindowBinding &binding)
 {
     const CLock lock;
-    const CSlot *pSlot = hWnd ? FindSlot(*s_pTable.load(std::memory_order_relaxed), hWnd) : nullptr;
-    if (!pSlot || IsVacant(*pSlot))
+    const CSlot &slot = FindSlot(CurrentTable(), hWnd);
+    if (!slot.hWnd)
         return false;
-    binding.pWindow = pSlot->pWindow.load(std::memory_order_relaxed);
-    binding.pOldProc = pSlot->pOldProc.load(std::memory_order_relaxed);
+    binding = {slot.pWindow, slot.pOldProc};
     return true;
 }
 
 void CUIWindowMapSet(HWND hWnd, const CUIWindowBinding &binding)
 {
     WatchThread();
-    const CLock lock;
-    const CTable *pTable = s_pTable.load(std::memory_order_relaxed);
-    CSlot *pSlot = FindSlot(*pTable, hWnd);
-    if (pSlot && !IsVacant(*pSlot)) {
-        pSlot->nThread.store(GetCurrentThreadId(), std::memory_order_relaxed);
-        pSlot->pOldProc.store(binding.pOldProc, std::memory_order_release);
-        pSlot->pWindow.store(binding.pWindow, std::memory_order_release);
-        return;
-    }
-    // At most half full, so that runs stay short and always end.
-    if (++s_nUsed > pTable->nMask / 2) {
-        Grow(*pTable);
-        pTable = s_pTable.load(std::memory_order_relaxed);
-    }
-    Insert(*pTable, hWnd, binding, GetCurrentThreadId());
+    const CChange change;
+    if (!FindSlot(CurrentTable(), hWnd).hWnd && ++s_nUsed > CurrentTable().nMask / 2)
+        Grow(CurrentTable());
+    Store(FindSlot(CurrentTable(), hWnd), hWnd, binding, GetCurrentThreadId());
 }
 
 void CUIWindowMapRemove(HWND hWnd)
 {
-    const CLock lock;
-    const CTable &table = *s_pTable.load(std::memory_order_relaxed);
-    CSlot *pSlot = hWnd ? FindSlot(table, hWnd) : nullptr;
-    if (pSlot && !IsVacant(*pSlot))
-        Vacate(table, *pSlot);
+    const CChange change;
+    CSlot &slot = FindSlot(CurrentTable(), hWnd);
+    if (slot.hWnd)
+        Free(CurrentTable(), slot);
 }
