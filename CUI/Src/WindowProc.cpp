@@ -74,10 +74,8 @@ void CCUIWindow::OnRButtonDown(UINT, POINT &) { Default(); }
 void CCUIWindow::OnRButtonUp(UINT, POINT &) { Default(); }
 void CCUIWindow::OnRButtonDblClk(UINT, POINT &) { Default(); }
 void CCUIWindow::OnMouseMove(UINT, POINT &) { Default(); }
-void CCUIWindow::OnSysColorChange() { Default(); }
 void CCUIWindow::OnShowWindow(int, int) { Default(); }
 int CCUIWindow::OnSetCursor(HWND, UINT, UINT) { return Default(); }
-void CCUIWindow::OnWinIniChange(WPARAM, const char *) { Default(); }
 void CCUIWindow::OnSetFocus(HWND) { Default(); }
 void CCUIWindow::OnKillFocus(HWND) { Default(); }
 void CCUIWindow::OnParentNotify(UINT, UINT, LPARAM) { Default(); }

@@ -100,6 +100,9 @@ protected:
     // Screen pixels; (-1, -1) when asked for by the keyboard. The base shows the context menu.
     virtual void OnContextMenu(HWND hWnd, POINT &point);
     virtual void OnMouseMove(UINT nFlags, POINT &point);
+    // This one and OnWinIniChange, of a top-level window: the base refreshes the shared GDI data
+    // (CUIGetWinData), once a change for all windows, and passes the message on to all windows
+    // inside.
     virtual void OnSysColorChange();
     virtual void OnShowWindow(int bShow, int nStatus);
     virtual int OnSetCursor(HWND hWnd, UINT nHitTest, UINT nMessage);
