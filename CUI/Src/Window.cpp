@@ -1,6 +1,7 @@
 #include "CUI/Window.h"
 
 #include "CU/Assert.h"
+#include "CU/CU.h"
 #include "CU/Dump.h"
 #include "CU/String.h"
 #include "CUI/Menu.h"
@@ -16,6 +17,7 @@ namespace {
 // are seen by every process.
 const char *PropertyName()
 {
+    const CCUMutexGuard guard;
     static CCUString s_sName;
     if (s_sName.IsEmpty())
         s_sName.Format("kvxCCUIWindow-%d", GetCurrentProcessId());
@@ -286,12 +288,14 @@ int CCUIWindow::SendMessageToDescendants(HWND hWnd, UINT message, WPARAM wParam,
         return 0;
     HWND hNext = nullptr;
     for (HWND hChild = GetWindow(hWnd, GW_CHILD); hChild; hChild = hNext) {
+        hNext = GetWindow(hChild, GW_HWNDNEXT);
         SendMessageA(hChild, message, wParam, lParam);
         if (pnSent)
             ++*pnSent;
         SendMessageToDescendants(hChild, message, wParam, lParam, pnSent);
-        // The message may have ended the child, and with it the way to the next one.
-        hNext = IsWindow(hChild) ? GetWindow(hChild, GW_HWNDNEXT) : nullptr;
+        // The message may have ended the child, or changed who comes after it.
+        if (IsWindow(hChild))
+            hNext = GetWindow(hChild, GW_HWNDNEXT);
     }
     return 1;
 }

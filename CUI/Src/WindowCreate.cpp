@@ -4,6 +4,7 @@
 #include "CU/String.h"
 #include "CUI/Window.h"
 #include "CUI/WindowClass.h"
+#include "Coordinates.h"
 
 #define CU_SOURCE "Window"
 
@@ -62,7 +63,7 @@ LRESULT CALLBACK CCUIWindow::CreationHookProc(int nCode, WPARAM wParam, LPARAM l
 int CCUIWindow::PreCreate(CREATESTRUCTA *pCreate)
 {
     if (!pCreate->lpszClass) {
-        CUIWindowClassDoRegister(CUI_CLASS_WINDOW);
+        CUIWindowClassRegister(CUI_CLASS_WINDOW);
         pCreate->lpszClass = CUIWindowClassName(CUI_CLASS_WINDOW);
     }
     return 1;
@@ -72,8 +73,8 @@ int CCUIWindow::Create(const char *className, const char *windowName, DWORD styl
                        HWND hParent, UINT nID)
 {
     const auto hMenuOrID = reinterpret_cast<HMENU>(style & WS_CHILD ? nID : 0);
-    return CreateEx(0, className, windowName, style, rect.left, rect.top, rect.right - rect.left,
-                    rect.bottom - rect.top, hParent, hMenuOrID);
+    return CreateEx(0, className, windowName, style, rect.left, rect.top, CUIWidth(rect),
+                    CUIHeight(rect), hParent, hMenuOrID);
 }
 
 int CCUIWindow::CreateEx(DWORD exStyle, const char *className, const char *windowName, DWORD style,
