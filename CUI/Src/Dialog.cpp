@@ -14,12 +14,12 @@ constexpr COLORREF s_crNone = 0x010101;
 }  // namespace
 
 CCUIDialog::CCUIDialog(HINSTANCE hInstance, const char *templateName)
-    : m_hInstance(hInstance),
-      m_template(hInstance, templateName),
+    : m_template(hInstance, templateName),
       m_pControls(new CCUIControlList),
       m_color(s_crNone),
       m_hBrush(nullptr),
       m_hFirstControl(nullptr),
+      m_hInstance(hInstance),
       m_templateName(templateName),
       m_mode(ModeNone),
       m_nResult(IDCANCEL),
@@ -38,8 +38,10 @@ CCUIDialog::~CCUIDialog()
 {
     // The window goes while its handlers are still those of a dialog: the owner is given back.
     m_bDead = 1;
-    if (Exist())
-        CCUIDialog::GiveOwnerBack();
+    if (Exist()) {
+        GiveOwnerBack();
+        WakeLoop();
+    }
     if (m_hBrush)
         DeleteObject(m_hBrush);
     CCUIDialog::UnRegisterAllControls();
@@ -56,12 +58,14 @@ int CCUIDialog::DoModal(CCUIWindow *pParent)
     if (m_hWnd)
         return IDCANCEL;
     CWatch watch(this);
-    m_hRunOwner = nullptr;
+    BeginRun(ModeModal);
     if (pParent && pParent->Exist())
         m_hRunOwner = pParent->GetSafeOwner(&m_hDisabledTop);
     RestoreParent(pParent);
+    if (watch.IsGone())
+        return IDCANCEL;
     m_nResult = IDCANCEL;
-    Start(ModeModal, nullptr, m_hRunOwner);
+    Start(nullptr, m_hRunOwner);
     if (watch.IsGone())
         return IDCANCEL;
     ModalLoop();
@@ -72,14 +76,15 @@ HWND CCUIDialog::DoModeless(CCUIWindow *pParent)
 {
     if (!m_hInstance || !m_templateName || m_hWnd)
         return nullptr;
-    m_hRunOwner = nullptr;
+    CWatch watch(this);
+    BeginRun(ModeModeless);
     HWND hOwner = nullptr;
     if (pParent && pParent->Exist()) {
         const bool bChild = (GetWindowStyle() & WS_CHILD) != 0;
         RestoreParent(pParent);
         hOwner = bChild ? pParent->GetHandle() : pParent->GetSafeOwner(nullptr);
     }
-    return Start(ModeModeless, nullptr, hOwner);
+    return watch.IsGone() ? nullptr : Start(nullptr, hOwner);
 }
 
 HWND CCUIDialog::Create(HWND hParent)
@@ -87,22 +92,29 @@ HWND CCUIDialog::Create(HWND hParent)
     const DLGTEMPLATE *pTemplate = GetTemplate();
     if (!pTemplate || m_hWnd)
         return nullptr;
+    BeginRun(ModeModeless);
+    return Start(pTemplate, hParent);
+}
+
+void CCUIDialog::BeginRun(Mode mode)
+{
+    m_bActive = 1;
+    m_mode = mode;
     m_hRunOwner = nullptr;
-    return Start(ModeModeless, pTemplate, hParent);
 }
 
 // Makes the window from the given template or, without one, from the resource, which is shown at
 // once. On failure the object is as it was before the run.
-HWND CCUIDialog::Start(Mode mode, const DLGTEMPLATE *pTemplate, HWND hOwner)
+HWND CCUIDialog::Start(const DLGTEMPLATE *pTemplate, HWND hOwner)
 {
     CWatch watch(this);
-    m_bActive = 1;
     m_bEnded = 0;
-    m_mode = mode;
     Hook();
-    const HWND hWnd =
-        pTemplate ? CreateDialogIndirectParamA(m_hInstance, pTemplate, hOwner, DialogProc, 0)
-                  : CreateDialogParamA(m_hInstance, m_templateName, hOwner, DialogProc, 0);
+    HWND hWnd = nullptr;
+    if (pTemplate)
+        hWnd = CreateDialogIndirectParamA(m_hInstance, pTemplate, hOwner, DialogProc, 0);
+    else if (m_template.GetTemplate())  // the system would read past one that is cut short
+        hWnd = CreateDialogParamA(m_hInstance, m_templateName, hOwner, DialogProc, 0);
     if (watch.IsGone())
         return nullptr;
     if (!FinishCreation(hWnd)) {
@@ -132,7 +144,10 @@ void CCUIDialog::RestoreParent(CCUIWindow *pParent)
 
 void CCUIDialog::EndDialog(unsigned nResult)
 {
+    CWatch watch(this);
     GiveOwnerBack();
+    if (watch.IsGone())
+        return;
     m_nResult = static_cast<int>(nResult);
     if (!m_hWnd)
         return;
@@ -156,6 +171,7 @@ void CCUIDialog::GiveOwnerBack()
 {
     const HWND hOwner = m_hRunOwner;
     const HWND hTop = m_hDisabledTop;
+    const HWND hWnd = m_hWnd;
     const bool bEnable = m_bOwnerDisabled;
     m_hRunOwner = nullptr;
     m_hDisabledTop = nullptr;
@@ -164,7 +180,7 @@ void CCUIDialog::GiveOwnerBack()
         return;
     if (bEnable)
         EnableWindow(hOwner, TRUE);
-    if (m_hWnd && GetActiveWindow() == m_hWnd)
+    if (hWnd && GetActiveWindow() == hWnd)
         SetActiveWindow(hOwner);
     if (hTop && IsWindow(hTop))
         EnableWindow(hTop, TRUE);
@@ -234,15 +250,23 @@ int CCUIDialog::PreTranslateMessage(MSG *pMsg)
 
 void CCUIDialog::OnDestroy()
 {
+    CWatch watch(this);
     GiveOwnerBack();
-    // A loop that waits may be where this came from, sent by another thread: what is posted to the
-    // window is lost with it, so the thread itself is woken.
-    if (m_mode == ModeModal)
-        PostThreadMessageA(GetCurrentThreadId(), WM_NULL, 0, 0);
+    if (watch.IsGone())
+        return;
+    WakeLoop();
     m_bActive = 0;
     m_bEnded = 1;
     m_mode = ModeNone;
     CCUIWindow::OnDestroy();
+}
+
+// A loop that waits may be where the end came from, sent by another thread: what is posted to the
+// window is lost with it, so the thread itself is woken.
+void CCUIDialog::WakeLoop() const
+{
+    if (m_mode == ModeModal)
+        PostThreadMessageA(GetCurrentThreadId(), WM_NULL, 0, 0);
 }
 
 void CCUIDialog::OnOK()

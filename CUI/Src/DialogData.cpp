@@ -83,6 +83,7 @@ int CCUIDialog::ExchangeData(unsigned short)
 int CCUIDialog::ExchangeFail(int nID, CCUString &sMessage)
 {
     CWatch watch(this);
+    CUDump("Can't take the data of control %d: %s\n", nID, static_cast<const char *>(sMessage));
     CCUString sCaption;
     GetWindowTextA(m_hWnd, sCaption.GetBuffer(MAX_PATH), MAX_PATH);
     sCaption.ReleaseBuffer(-1);

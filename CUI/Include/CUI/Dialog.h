@@ -53,8 +53,9 @@ public:
     // Makes a modeless dialog from GetTemplate(), shown as its style says; null on failure.
     virtual HWND Create(HWND hParent);
     // Runs the dialog until EndDialog and returns what that was given; IDCANCEL when the dialog
-    // cannot be created, is running already, or is closed another way; 0 without instance or
-    // template name. The parent (may be null) must be minimised no more and is disabled meanwhile.
+    // cannot be created (no template, or not all of it), is running already, or is closed another
+    // way; 0 without instance or template name. The parent (may be null) must be minimised no more
+    // and is disabled meanwhile.
     virtual int DoModal(CCUIWindow *pParent);
     // Makes a modeless dialog and shows it; null on failure.
     virtual HWND DoModeless(CCUIWindow *pParent);
@@ -102,7 +103,7 @@ public:
 
 protected:
     // For ExchangeData to call and return: tells the user about a control whose text cannot be
-    // taken, and puts the focus there with its text selected. 0.
+    // taken, and the trace which one that is; puts the focus there with its text selected. 0.
     virtual int ExchangeFail(int nID, CCUString &sMessage);
     // WM_INITDIALOG. Nonzero: the system sets the focus (to `hFocus`).
     virtual int OnInitDialog(HWND hFocus, LPARAM lParam);
@@ -131,8 +132,6 @@ protected:
     long OnNotify(UINT nID, NMHDR *pHeader) override;
     void OnSysColorChange() override;
 
-    HINSTANCE m_hInstance;  // of the template
-
 private:
     enum Mode
     {
@@ -143,16 +142,23 @@ private:
 
     static INT_PTR CALLBACK DialogProc(HWND hWnd, UINT message, WPARAM wParam, LPARAM lParam);
     static BOOL CALLBACK VisitChild(HWND hChild, LPARAM lParam);
-    HWND Start(Mode mode, const DLGTEMPLATE *pTemplate, HWND hOwner);
+    void BeginRun(Mode mode);
+    HWND Start(const DLGTEMPLATE *pTemplate, HWND hOwner);
     void MakeBrush();
     void DisableOwner();
     void GiveOwnerBack();
+    void WakeLoop() const;
 
     CCUIDialogTemplate m_template;
     CCUIControlList *m_pControls;
     COLORREF m_color;
     HBRUSH m_hBrush;
     HWND m_hFirstControl;
+
+protected:
+    HINSTANCE m_hInstance;  // of the template
+
+private:
     const char *m_templateName;
     Mode m_mode;
     int m_nResult;
