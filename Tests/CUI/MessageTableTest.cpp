@@ -1,6 +1,8 @@
 // Every message of the table, sent to a real window, against what its handler got.
 #include <gtest/gtest.h>
 
+#include <type_traits>
+
 #include "Support/TestWindow.h"
 
 namespace {
@@ -12,112 +14,78 @@ constexpr WPARAM Words(WORD low, WORD high)
     return static_cast<WPARAM>(high) << 16 | low;
 }
 
-unsigned Hex(const void *pointer)
+std::string Word(const POINT &point)
 {
-    return reinterpret_cast<unsigned>(pointer);
+    return Text(" %ld,%ld", point.x, point.y);
+}
+
+std::string Word(const char *text)
+{
+    return Text(" %s", text);
+}
+
+template <typename T>
+std::string Word(const T &value)
+{
+    if constexpr (std::is_pointer_v<T>)
+        return Text(" %x", reinterpret_cast<unsigned>(value));
+    else
+        return Text(" %x", static_cast<unsigned>(value));
 }
 
 // Writes down which handler was called with what; calls no base.
 class CRecorder : public CCUIWindow
 {
 public:
+    ~CRecorder() override { m_bReady = false; }
     std::string m_record;
+    bool m_bReady = false;
 
 protected:
-    void Record(const std::string &text) { m_record += text; }
-    long Answer(const std::string &text)
+    template <typename... Args>
+    long Record(const char *name, const Args &...args)
     {
-        Record(text);
+        m_record += (name + ... + Word(args));
         return s_nAnswer;
     }
-    void RecordMouse(const char *name, UINT nFlags, const POINT &point)
-    {
-        Record(Text("%s %x %ld,%ld", name, nFlags, point.x, point.y));
-    }
 
-    int OnCreate(CREATESTRUCTA *p) override
-    {
-        return m_hWnd && m_bReady ? Answer(Text("OnCreate %x", Hex(p))) : 0;
-    }
-    void OnDestroy() override { m_bReady ? Record("OnDestroy") : CCUIWindow::OnDestroy(); }
+    // clang-format off
+    long WindowProc(UINT message, WPARAM w, LPARAM l) override { return m_bReady ? CCUIWindow::WindowProc(message, w, l) : DefProc(message, w, l); }
+    long OnMessage(UINT message, WPARAM w, LPARAM l) override { return Record("OnMessage", message, w, l); }
+    int OnCreate(CREATESTRUCTA *p) override { return Record("OnCreate", p); }
+    void OnDestroy() override { Record("OnDestroy"); }
     void OnClose() override { Record("OnClose"); }
-    void OnActivate(UINT nState, UINT nMinimized, HWND hOther) override
-    {
-        Record(Text("OnActivate %x %x %x", nState, nMinimized, Hex(hOther)));
-    }
-    void OnSize(UINT nType, int cx, int cy) override
-    {
-        Record(Text("OnSize %x %d %d", nType, cx, cy));
-    }
-    long OnNotify(UINT nID, NMHDR *p) override
-    {
-        return Answer(Text("OnNotify %x %x", nID, Hex(p)));
-    }
-    void OnCommand(UINT nCode, UINT nID, HWND hControl) override
-    {
-        Record(Text("OnCommand %x %x %x", nCode, nID, Hex(hControl)));
-    }
-    void OnPaint(HDC hDC) override { Record(Text("OnPaint %x", Hex(hDC))); }
-    int OnEraseBkgnd(HDC hDC) override { return Answer(Text("OnEraseBkgnd %x", Hex(hDC))); }
-    void OnLButtonDown(UINT n, POINT &p) override { RecordMouse("OnLButtonDown", n, p); }
-    void OnLButtonUp(UINT n, POINT &p) override { RecordMouse("OnLButtonUp", n, p); }
-    void OnLButtonDblClk(UINT n, POINT &p) override { RecordMouse("OnLButtonDblClk", n, p); }
-    void OnRButtonDown(UINT n, POINT &p) override { RecordMouse("OnRButtonDown", n, p); }
-    void OnRButtonUp(UINT n, POINT &p) override { RecordMouse("OnRButtonUp", n, p); }
-    void OnRButtonDblClk(UINT n, POINT &p) override { RecordMouse("OnRButtonDblClk", n, p); }
-    void OnContextMenu(HWND hWnd, POINT &p) override { RecordMouse("OnContextMenu", Hex(hWnd), p); }
-    void OnMouseMove(UINT n, POINT &p) override { RecordMouse("OnMouseMove", n, p); }
+    void OnActivate(UINT nState, UINT nMinimized, HWND h) override { Record("OnActivate", nState, nMinimized, h); }
+    void OnSize(UINT nType, int cx, int cy) override { Record("OnSize", nType, cx, cy); }
+    long OnNotify(UINT nID, NMHDR *p) override { return Record("OnNotify", nID, p); }
+    void OnCommand(UINT nCode, UINT nID, HWND h) override { Record("OnCommand", nCode, nID, h); }
+    void OnPaint(HDC h) override { Record("OnPaint", h); }
+    int OnEraseBkgnd(HDC h) override { return Record("OnEraseBkgnd", h); }
+    void OnLButtonDown(UINT n, POINT &p) override { Record("OnLButtonDown", n, p); }
+    void OnLButtonUp(UINT n, POINT &p) override { Record("OnLButtonUp", n, p); }
+    void OnLButtonDblClk(UINT n, POINT &p) override { Record("OnLButtonDblClk", n, p); }
+    void OnRButtonDown(UINT n, POINT &p) override { Record("OnRButtonDown", n, p); }
+    void OnRButtonUp(UINT n, POINT &p) override { Record("OnRButtonUp", n, p); }
+    void OnRButtonDblClk(UINT n, POINT &p) override { Record("OnRButtonDblClk", n, p); }
+    void OnContextMenu(HWND h, POINT &p) override { Record("OnContextMenu", h, p); }
+    void OnMouseMove(UINT n, POINT &p) override { Record("OnMouseMove", n, p); }
     void OnSysColorChange() override { Record("OnSysColorChange"); }
-    void OnShowWindow(int bShow, int nStatus) override
-    {
-        Record(Text("OnShowWindow %d %d", bShow, nStatus));
-    }
-    int OnSetCursor(HWND hWnd, UINT nHit, UINT nMessage) override
-    {
-        return Answer(Text("OnSetCursor %x %x %x", Hex(hWnd), nHit, nMessage));
-    }
-    void OnWinIniChange(WPARAM nAction, const char *section) override
-    {
-        Record(Text("OnWinIniChange %x %s", nAction, section));
-    }
-    void OnSetFocus(HWND h) override { Record(Text("OnSetFocus %x", Hex(h))); }
-    void OnKillFocus(HWND h) override { Record(Text("OnKillFocus %x", Hex(h))); }
-    void OnParentNotify(UINT nEvent, UINT nID, LPARAM l) override
-    {
-        Record(Text("OnParentNotify %x %x %lx", nEvent, nID, l));
-    }
-    void OnShowToolTips(int bShow) override { Record(Text("OnShowToolTips %d", bShow)); }
-    int OnMeasureItem(UINT nID, MEASUREITEMSTRUCT *p) override
-    {
-        return Answer(Text("OnMeasureItem %x %x", nID, Hex(p)));
-    }
-    int OnDrawItem(UINT nID, DRAWITEMSTRUCT *p) override
-    {
-        return Answer(Text("OnDrawItem %x %x", nID, Hex(p)));
-    }
-    void OnMenuSelect(UINT nItem, UINT nFlags, HMENU h) override
-    {
-        Record(Text("OnMenuSelect %x %x %x", nItem, nFlags, Hex(h)));
-    }
-    void OnInitMenuPopup(HMENU h, UINT nIndex, int bSystem) override
-    {
-        Record(Text("OnInitMenuPopup %x %x %x", Hex(h), nIndex, bSystem));
-    }
-    long OnMenuChar(UINT nChar, UINT nFlags, HMENU h) override
-    {
-        return Answer(Text("OnMenuChar %x %x %x", nChar, nFlags, Hex(h)));
-    }
+    void OnShowWindow(int bShow, int nStatus) override { Record("OnShowWindow", bShow, nStatus); }
+    int OnSetCursor(HWND h, UINT nHit, UINT nMessage) override { return Record("OnSetCursor", h, nHit, nMessage); }
+    void OnWinIniChange(WPARAM nAction, const char *section) override { Record("OnWinIniChange", nAction, section); }
+    void OnSetFocus(HWND h) override { Record("OnSetFocus", h); }
+    void OnKillFocus(HWND h) override { Record("OnKillFocus", h); }
+    void OnParentNotify(UINT nEvent, UINT nID, LPARAM l) override { Record("OnParentNotify", nEvent, nID, l); }
+    void OnShowToolTips(int bShow) override { Record("OnShowToolTips", bShow); }
+    int OnMeasureItem(UINT nID, MEASUREITEMSTRUCT *p) override { return Record("OnMeasureItem", nID, p); }
+    int OnDrawItem(UINT nID, DRAWITEMSTRUCT *p) override { return Record("OnDrawItem", nID, p); }
+    void OnMenuSelect(UINT nItem, UINT nFlags, HMENU h) override { Record("OnMenuSelect", nItem, nFlags, h); }
+    void OnInitMenuPopup(HMENU h, UINT nIndex, int bSystem) override { Record("OnInitMenuPopup", h, nIndex, bSystem); }
+    long OnMenuChar(UINT nChar, UINT nFlags, HMENU h) override { return Record("OnMenuChar", nChar, nFlags, h); }
     void OnCancelMode() override { Record("OnCancelMode"); }
-    void OnCaptureChanged(HWND h) override { Record(Text("OnCaptureChanged %x", Hex(h))); }
-    void OnSetWindowState(UINT n) override { Record(Text("OnSetWindowState %x", n)); }
-    long OnMessage(UINT message, WPARAM w, LPARAM l) override
-    {
-        return m_bReady ? Answer(Text("OnMessage %x %x %lx", message, w, l))
-                        : CCUIWindow::OnMessage(message, w, l);
-    }
-
-public:
-    bool m_bReady = false;
+    void OnCaptureChanged(HWND h) override { Record("OnCaptureChanged", h); }
+    void OnSetWindowState(UINT n) override { Record("OnSetWindowState", n); }
+    // clang-format on
 };
 
 struct CRow
@@ -133,8 +101,7 @@ const char s_szSection[] = "intl";
 
 const CRow s_rows[] = {
     {0x0001, 0, 0x5678, "OnCreate 5678", s_nAnswer},
-    {0x0002, 1, 2, "OnDestroy", 0},
-    {0x0005, 2, MAKELONG(300, 0xFFFE), "OnSize 2 300 65534", 0},
+    {0x0005, 2, MAKELONG(300, 0xFFFE), "OnSize 2 12c fffe", 0},
     {0x0006, Words(2, 1), 0x40, "OnActivate 2 1 40", 0},
     {0x0007, 0x41, 9, "OnSetFocus 41", 0},
     {0x0008, 0x42, 9, "OnKillFocus 42", 0},
@@ -168,25 +135,16 @@ const CRow s_rows[] = {
     {0x0003, 1, 0x50, "OnMessage 3 1 50", s_nAnswer},
     {0x0436, 2, 0x51, "OnMessage 436 2 51", s_nAnswer},
     {0xC123, 3, 0x52, "OnMessage c123 3 52", s_nAnswer},
+    {0x0002, 1, 2, "OnDestroy", 0},  // the base lets go of the window: the last
 };
 
-}  // namespace
-
-TEST(MessageTable, HandsEveryMessageToItsHandler)
+// What default processing was asked for, in the place of the system.
+std::string s_default;
+LRESULT CALLBACK DefaultProc(HWND, UINT message, WPARAM wParam, LPARAM lParam)
 {
-    CRecorder window;
-    ASSERT_TRUE(CreateTestWindow(window));
-    window.m_bReady = true;
-    for (const CRow &row : s_rows) {
-        window.m_record.clear();
-        EXPECT_EQ(row.result, SendMessageA(window, row.message, row.wParam, row.lParam))
-            << row.record;
-        EXPECT_EQ(row.record, window.m_record);
-    }
-    window.m_bReady = false;
+    s_default = Text("%x %x %lx", message, wParam, lParam);
+    return s_nAnswer;
 }
-
-namespace {
 
 // Answers what comes back from the parent, and says what it was.
 class CChild : public CCUIWindow
@@ -212,6 +170,41 @@ protected:
 
 }  // namespace
 
+TEST(MessageTable, HandsEveryMessageToItsHandler)
+{
+    CRecorder window;
+    ASSERT_TRUE(CreateTestWindow(window));
+    window.m_bReady = true;
+    for (const CRow &row : s_rows) {
+        window.m_record.clear();
+        EXPECT_EQ(row.result, SendMessageA(window, row.message, row.wParam, row.lParam))
+            << row.record;
+        EXPECT_EQ(row.record, window.m_record);
+    }
+}
+
+TEST(MessageTable, PassesOnWhatNoHandlerTakesAsItCame)
+{
+    CCUIWindow outer;
+    ASSERT_TRUE(CreateTestWindow(outer));
+    const HWND hWnd = outer.Detach();
+    const LONG oldProc = SetWindowLongA(hWnd, GWL_WNDPROC, reinterpret_cast<LONG>(DefaultProc));
+    CCUIWindow window;
+    window.Attach(hWnd);
+    for (const CRow &row : s_rows) {
+        const bool bStructure =
+            row.message == WM_DRAWITEM || row.message == WM_MEASUREITEM || row.message == WM_NOTIFY;
+        const bool bDestroy = row.message == WM_DESTROY;
+        const LPARAM lParam = bStructure ? 0 : row.lParam;
+        EXPECT_EQ(row.result, SendMessageA(hWnd, row.message, row.wParam, lParam)) << row.record;
+        EXPECT_EQ(bDestroy ? "2 0 0" : Text("%x %x %lx", row.message, row.wParam, lParam),
+                  s_default);
+    }
+    EXPECT_EQ(nullptr, window.GetHandle());
+    SetWindowLongA(hWnd, GWL_WNDPROC, oldProc);
+    DestroyWindow(hWnd);
+}
+
 TEST(MessageTable, GivesWhatAChildSentBackToTheChildFirst)
 {
     CCUIWindow parent;
@@ -221,16 +214,11 @@ TEST(MessageTable, GivesWhatAChildSentBackToTheChildFirst)
     const HWND hChild = child;
     const auto lChild = reinterpret_cast<LPARAM>(hChild);
     NMHDR header = {hChild, 7, 0x99};
-    DRAWITEMSTRUCT draw = {};
-    draw.CtlType = ODT_BUTTON;
-    draw.hwndItem = hChild;
-    MEASUREITEMSTRUCT measure = {};
-    measure.CtlType = ODT_LISTBOX;
-    COMPAREITEMSTRUCT compare = {};
-    compare.hwndItem = hChild;
-    DELETEITEMSTRUCT remove = {};
-    remove.hwndItem = hChild;
-    const CRow rows[] = {
+    DRAWITEMSTRUCT draw = {ODT_BUTTON, 7, 0, 0, 0, hChild, nullptr, {}, 0};
+    MEASUREITEMSTRUCT measure = {ODT_LISTBOX, 7, 0, 0, 0, 0};
+    COMPAREITEMSTRUCT compare = {ODT_LISTBOX, 7, hChild, 0, 0, 0, 0, 0};
+    DELETEITEMSTRUCT remove = {ODT_LISTBOX, 7, 0, hChild, 0};
+    CRow rows[] = {
         {WM_NOTIFY, 7, reinterpret_cast<LPARAM>(&header), "notification 7 99", 0x78},
         {WM_COMMAND, 7, lChild, "message 111", 0},
         {WM_DRAWITEM, 7, reinterpret_cast<LPARAM>(&draw), "message 2b", 0x77},
@@ -251,18 +239,15 @@ TEST(MessageTable, GivesWhatAChildSentBackToTheChildFirst)
         child.m_record.clear();
         EXPECT_EQ(row.result, SendMessageA(parent, row.message, row.wParam, row.lParam));
         EXPECT_EQ(row.record, child.m_record);
+        // Nor does a null stop it, where there should be a structure or a child.
+        SendMessageA(parent, row.message, row.wParam, 0);
     }
     // What the child does not take goes on to the system: a scroll message is nothing to it.
     child.m_bHandle = false;
     EXPECT_EQ(0, SendMessageA(parent, WM_HSCROLL, 1, lChild));
-}
-
-TEST(MessageTable, SurvivesNullWhereAStructureIsExpected)
-{
-    CCUIWindow window;
-    ASSERT_TRUE(CreateTestWindow(window));
-    for (const UINT message : {WM_NOTIFY, WM_DRAWITEM, WM_MEASUREITEM, WM_COMPAREITEM,
-                               WM_DELETEITEM, WM_COMMAND, WM_HSCROLL, WM_SETTINGCHANGE})
-        SendMessageA(window, message, 0, 0);
-    EXPECT_TRUE(window.Exist());
+    // What a menu wants drawn is no child's, whatever the handle says.
+    draw.CtlType = ODT_MENU;
+    child.m_record.clear();
+    SendMessageA(parent, WM_DRAWITEM, 0, reinterpret_cast<LPARAM>(&draw));
+    EXPECT_EQ("", child.m_record);
 }
