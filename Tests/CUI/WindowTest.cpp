@@ -2,61 +2,56 @@
 #include <gtest/gtest.h>
 
 #include <functional>
-#include <vector>
+#include <map>
+#include <random>
 
+#include "../../CUI/Src/WindowMap.h"
 #include "CUI/Menu.h"
-#include "Support/HeapWatch.h"
+#include "CUI/WindowClass.h"
 #include "Support/Reports.h"
 #include "Support/TestWindow.h"
+#include "Support/Threads.h"
 
 namespace {
 
-// Runs a function for every message of one number.
+// Runs a function in the place of every message of one number.
 class CScripted : public CCUIWindow
 {
 public:
     UINT m_message = 0;
-    std::function<void()> m_script;
+    std::function<long()> m_script;
     int m_nSeen = 0;
+    UINT m_first = 0;
 
 protected:
     long WindowProc(UINT message, WPARAM wParam, LPARAM lParam) override
     {
-        if (message == m_message) {
-            ++m_nSeen;
-            if (m_script) {
-                const auto script = m_script;
-                script();
-                return 0;
-            }
-        }
-        return CCUIWindow::WindowProc(message, wParam, lParam);
+        m_first = m_first ? m_first : message;
+        if (message != m_message)
+            return CCUIWindow::WindowProc(message, wParam, lParam);
+        ++m_nSeen;
+        const auto script = m_script;
+        return script ? script() : CCUIWindow::WindowProc(message, wParam, lParam);
     }
 };
 
 class CHook : public CCUIWindowHook
 {
 public:
-    explicit CHook(std::function<int(UINT, long &)> function) : m_function(std::move(function)) {}
+    explicit CHook(std::function<int(long &)> function) : m_function(std::move(function)) {}
     int OnHookMessage(UINT message, WPARAM, LPARAM, long &result) override
     {
-        return m_function(message, result);
+        return message == WM_APP && m_function(result);
     }
 
 private:
-    std::function<int(UINT, long &)> m_function;
+    std::function<int(long &)> m_function;
 };
 
-const char *PropertyName()
+WNDPROC SetProcedure(HWND hWnd, WNDPROC pProc)
 {
-    static char s_szName[64];
-    sprintf(s_szName, "kvxCCUIWindow-%lu", GetCurrentProcessId());
-    return s_szName;
-}
-
-WNDPROC ProcedureOf(HWND hWnd)
-{
-    return reinterpret_cast<WNDPROC>(GetWindowLongA(hWnd, GWL_WNDPROC));
+    return reinterpret_cast<WNDPROC>(
+        SetWindowLongA(hWnd, GWL_WNDPROC, reinterpret_cast<LONG>(pProc)));
 }
 
 int g_nForeign;
@@ -80,73 +75,65 @@ std::string WindowText(HWND hWnd)
     return szText;
 }
 
-constexpr UINT s_nMessage = WM_APP + 1;
+// Whether the window is the object's by all that says so.
+bool IsBound(HWND hWnd, CCUIWindow *pWindow)
+{
+    const std::string name = Text("kvxCCUIWindow-%lu", GetCurrentProcessId());
+    return CCUIWindow::FromHandle(hWnd) == pWindow && GetPropA(hWnd, name.c_str()) == pWindow;
+}
 
 }  // namespace
 
 TEST(Window, BindsAnExistingWindowAndLetsGoOfIt)
 {
+    const CReports reports;
     const HWND hEdit = MakeEdit();
-    const WNDPROC pEditProc = ProcedureOf(hEdit);
-    CScripted window;
-    window.m_message = s_nMessage;
+    const LONG editProc = GetWindowLongA(hEdit, GWL_WNDPROC);
+    CScripted window, other;
+    window.m_message = WM_APP;
     window.Attach(hEdit);
-    EXPECT_EQ(&window, CCUIWindow::FromHandle(hEdit));
-    EXPECT_EQ(static_cast<HANDLE>(&window), GetPropA(hEdit, PropertyName()));
+    EXPECT_TRUE(IsBound(hEdit, &window));
     EXPECT_EQ("text", WindowText(hEdit));  // default processing is the edit control's
-    SendMessageA(hEdit, s_nMessage, 0, 0);
+    SendMessageA(hEdit, WM_APP, 0, 0);
     EXPECT_EQ(1, window.m_nSeen);
+    EXPECT_EQ(0, reports.Total());
 
-    EXPECT_EQ(hEdit, window.Detach());
+    // A window has one object, and an object one window: the later binding counts.
+    other.Attach(hEdit);
     EXPECT_EQ(nullptr, window.GetHandle());
-    EXPECT_EQ(nullptr, CCUIWindow::FromHandle(hEdit));
-    EXPECT_EQ(nullptr, GetPropA(hEdit, PropertyName()));
-    EXPECT_EQ(pEditProc, ProcedureOf(hEdit));
-    SendMessageA(hEdit, s_nMessage, 0, 0);
+    EXPECT_TRUE(IsBound(hEdit, &other));
+    const HWND hSecond = MakeEdit();
+    other.Attach(hSecond);
+    EXPECT_EQ(1, reports.Count("!m_pOldProc", "Window"));
+    EXPECT_EQ(1, reports.Count("!m_hWnd", "Window"));
+    EXPECT_TRUE(IsBound(hEdit, nullptr));
+    EXPECT_TRUE(IsBound(hSecond, &other));
+
+    EXPECT_EQ(hSecond, other.Detach());
+    EXPECT_EQ(nullptr, other.Detach());
+    for (const HWND hWnd : {hEdit, hSecond}) {
+        EXPECT_TRUE(IsBound(hWnd, nullptr));
+        EXPECT_EQ(editProc, GetWindowLongA(hWnd, GWL_WNDPROC));
+        SendMessageA(hWnd, WM_APP, 0, 0);
+        EXPECT_EQ("text", WindowText(hWnd));
+        DestroyWindow(hWnd);
+    }
     EXPECT_EQ(1, window.m_nSeen);
-    EXPECT_EQ("text", WindowText(hEdit));
-    EXPECT_EQ(nullptr, window.Detach());
-    DestroyWindow(hEdit);
 
     // What is no window, or not ours, cannot be bound and is left alone.
     window.Attach(hEdit);
     EXPECT_EQ(nullptr, window.GetHandle());
     EXPECT_EQ(nullptr, CCUIWindow::FromHandle(GetDesktopWindow()));
     EXPECT_EQ(nullptr, CCUIWindow::FromHandle(nullptr));
-}
 
-TEST(Window, ReportsABindingTooMany)
-{
-    const CReports reports;
-    const HWND hFirst = MakeEdit();
-    const HWND hSecond = MakeEdit();
-    CScripted window, other;
-    window.Attach(hFirst);
-    window.Attach(hSecond);
-    EXPECT_EQ(1, reports.Count("!m_pOldProc", "Window"));
-    EXPECT_EQ(1, reports.Count("!m_hWnd", "Window"));
-    EXPECT_EQ(nullptr, CCUIWindow::FromHandle(hFirst));
-    EXPECT_EQ(hSecond, window.GetHandle());
-    // A window has one object: the second takes it from the first.
-    other.Attach(hSecond);
-    EXPECT_EQ(nullptr, window.GetHandle());
-    EXPECT_EQ(&other, CCUIWindow::FromHandle(hSecond));
-    EXPECT_EQ("text", WindowText(hSecond));
-    other.Detach();
-    EXPECT_EQ("text", WindowText(hSecond));
-
+    window.DefProc(WM_NULL, 0, 0);
+    EXPECT_EQ(1, reports.Count("Exist()", "Window"));
     other.Hook();
     window.Hook();
     window.UnHook();
     window.UnHook();
-    EXPECT_EQ(1, reports.Count("!s_pHookWin", "Window"));
-    EXPECT_EQ(1, reports.Count("!s_hNextHook", "Window"));
-    EXPECT_EQ(1, reports.Count("s_pHookWin", "Window"));
-    EXPECT_EQ(1, reports.Count("s_hNextHook", "Window"));
-    window.DefProc(WM_NULL, 0, 0);
-    EXPECT_EQ(1, reports.Count("Exist()", "Window"));
-    DestroyWindow(hFirst);
-    DestroyWindow(hSecond);
+    for (const char *expression : {"!s_pHookWin", "!s_hNextHook", "s_pHookWin", "s_hNextHook"})
+        EXPECT_EQ(1, reports.Count(expression, "Window")) << expression;
 }
 
 // Whoever subclassed after us keeps calling our procedure; what it passes on must go where it went
@@ -154,68 +141,87 @@ TEST(Window, ReportsABindingTooMany)
 TEST(Window, LeavesALaterSubclassInPlaceWhenItLetsGo)
 {
     const HWND hEdit = MakeEdit();
-    const WNDPROC pEditProc = ProcedureOf(hEdit);
+    const LONG editProc = GetWindowLongA(hEdit, GWL_WNDPROC);
     CScripted window;
-    window.m_message = s_nMessage;
+    window.m_message = WM_APP;
     window.Attach(hEdit);
-    g_pForeignOld = reinterpret_cast<WNDPROC>(
-        SetWindowLongA(hEdit, GWL_WNDPROC, reinterpret_cast<LONG>(ForeignProc)));
+    g_pForeignOld = SetProcedure(hEdit, ForeignProc);
     window.Detach();
-    g_nForeign = 0;
     EXPECT_EQ("text", WindowText(hEdit));
     EXPECT_GT(g_nForeign, 0);
-    SendMessageA(hEdit, s_nMessage, 0, 0);
+    SendMessageA(hEdit, WM_APP, 0, 0);
     EXPECT_EQ(0, window.m_nSeen);
 
     // Bound again below the other, it is called once a message.
     window.Attach(hEdit);
-    SendMessageA(hEdit, s_nMessage, 0, 0);
+    SendMessageA(hEdit, WM_APP, 0, 0);
     EXPECT_EQ(1, window.m_nSeen);
     EXPECT_EQ("text", WindowText(hEdit));
     window.Detach();
 
     // The other goes too; its going puts our procedure back, which still forwards.
-    SetWindowLongA(hEdit, GWL_WNDPROC, reinterpret_cast<LONG>(g_pForeignOld));
+    SetProcedure(hEdit, g_pForeignOld);
     EXPECT_EQ("text", WindowText(hEdit));
     window.Attach(hEdit);
     window.Detach();
-    EXPECT_EQ(pEditProc, ProcedureOf(hEdit));
+    EXPECT_EQ(editProc, GetWindowLongA(hEdit, GWL_WNDPROC));
     DestroyWindow(hEdit);
 }
 
-TEST(Window, DestroysTheWindowOfADyingObjectAndForgetsIt)
+TEST(Window, DestroysTheWindowOfADyingObjectAndSaysSo)
 {
     const int nWindows = WindowCount();
+    CDumped trace;
     HWND hWnd = nullptr;
     {
         CScripted window;
+        for (int i = 0; i < 3; ++i) {  // an object may have window after window
+            ASSERT_TRUE(CreateTestWindow(window));
+            EXPECT_EQ(1, window.Destroy());
+            EXPECT_EQ(nullptr, window.GetHandle());
+            EXPECT_EQ(0, window.Destroy());
+        }
         ASSERT_TRUE(CreateTestWindow(window));
         hWnd = window;
+        EXPECT_EQ("", trace.m_text);
     }
     EXPECT_FALSE(IsWindow(hWnd));
     EXPECT_EQ(nullptr, CCUIWindow::FromHandle(hWnd));
-    EXPECT_EQ(nWindows, WindowCount());
-
-    // An object may have window after window.
-    CScripted window;
-    for (int i = 0; i < 3; ++i) {
+    EXPECT_EQ("Destroying Window in ~CCUIWindow.\n", trace.m_text);
+    trace.m_text.clear();
+    {
+        // A handler that does not call its base.
+        CScripted window;
         ASSERT_TRUE(CreateTestWindow(window));
-        EXPECT_EQ(1, window.Destroy());
+        window.m_message = WM_DESTROY;
+        window.m_script = [] { return 0; };
+        window.Destroy();
         EXPECT_EQ(nullptr, window.GetHandle());
-        EXPECT_EQ(0, window.Destroy());
     }
+    EXPECT_EQ("Detach not called in OnDestroy().\n", trace.m_text);
+    EXPECT_EQ(nWindows, WindowCount());
 }
 
 TEST(Window, StandsItsObjectsDeathInAnyHandler)
 {
-    for (const UINT message :
-         {UINT(WM_CLOSE), UINT(WM_COMMAND), UINT(WM_DESTROY), UINT(WM_NCDESTROY), s_nMessage})
-    {
+    for (const UINT message : {WM_CLOSE, WM_COMMAND, WM_DESTROY, WM_NCDESTROY, WM_APP}) {
         auto *window = new CScripted;
         ASSERT_TRUE(CreateTestWindow(*window));
         const HWND hWnd = *window;
+        const auto die = [window] {
+            delete window;
+            return 0L;
+        };
         window->m_message = message;
-        window->m_script = [window] { delete window; };
+        window->m_script = die;
+        if (message == WM_APP) {
+            // Two messages deep: both are told.
+            window->m_script = [=] {
+                window->m_message = WM_CLOSE;
+                window->m_script = die;
+                return static_cast<long>(SendMessageA(hWnd, WM_CLOSE, 0, 0));
+            };
+        }
         if (message == WM_DESTROY || message == WM_NCDESTROY)
             DestroyWindow(hWnd);
         else
@@ -223,161 +229,99 @@ TEST(Window, StandsItsObjectsDeathInAnyHandler)
         EXPECT_FALSE(IsWindow(hWnd)) << message;
         EXPECT_EQ(nullptr, CCUIWindow::FromHandle(hWnd));
     }
-    // Two messages deep: both are told.
-    auto *window = new CScripted;
-    ASSERT_TRUE(CreateTestWindow(*window));
-    const HWND hWnd = *window;
-    window->m_message = s_nMessage;
-    window->m_script = [window, hWnd] {
-        window->m_message = WM_CLOSE;
-        window->m_script = [window] { delete window; };
-        SendMessageA(hWnd, WM_CLOSE, 0, 0);
-    };
-    SendMessageA(hWnd, s_nMessage, 0, 0);
-    EXPECT_FALSE(IsWindow(hWnd));
 }
 
 TEST(Window, GivesDefaultProcessingTheMessageAtHandAfterANestedOne)
 {
-    class CNesting : public CCUIWindow
-    {
-    protected:
-        int OnEraseBkgnd(HDC) override { return 1; }
-        long OnMessage(UINT message, WPARAM wParam, LPARAM lParam) override
-        {
-            if (message != WM_GETTEXT)
-                return CCUIWindow::OnMessage(message, wParam, lParam);
-            SendMessageA(m_hWnd, WM_GETTEXTLENGTH, 0, 0);
-            return Default();
-        }
-    };
-    CNesting window;
+    CScripted window;
     ASSERT_TRUE(CreateTestWindow(window));
+    window.m_message = WM_GETTEXT;
+    window.m_script = [&] {
+        SendMessageA(window, WM_GETTEXTLENGTH, 0, 0);
+        return window.Default();
+    };
     EXPECT_EQ("test", WindowText(window));
     EXPECT_EQ(0, window.Default());  // no message at hand
 }
 
 TEST(Window, AsksMessageHooksInOrderWhileTheyComeAndGo)
 {
-    CScripted window;
-    ASSERT_TRUE(CreateTestWindow(window));
-    window.m_message = s_nMessage;
+    auto *window = new CScripted;
+    ASSERT_TRUE(CreateTestWindow(*window));
+    const HWND hWnd = *window;
+    window->m_message = WM_APP;
     std::string order;
-    CHook last([&](UINT message, long &) {
-        order += message == s_nMessage ? "c" : "";
-        return 0;
-    });
-    CHook second([&](UINT, long &) {
-        ADD_FAILURE() << "removed before its turn";
-        return 0;
-    });
-    CHook first([&](UINT message, long &) {
-        if (message != s_nMessage)
-            return 0;
+    CHook last([&](long &) { return order += "c", 0; });
+    CHook second([&](long &) { return order += "b", 0; });
+    CHook first([&](long &) {
         order += "a";
-        window.RemoveMessageHook(&second);
-        window.RemoveMessageHook(&first);
+        window->RemoveMessageHook(&second);
+        window->RemoveMessageHook(&first);
         return 0;
     });
-    window.InsertMessageHook(&first);
-    window.InsertMessageHook(&second);
-    window.InsertMessageHook(&last);
-    SendMessageA(window, s_nMessage, 0, 0);
+    for (CHook *pHook : {&first, &second, &last})
+        window->InsertMessageHook(pHook);
+    SendMessageA(hWnd, WM_APP, 0, 0);
     EXPECT_EQ("ac", order);
-    EXPECT_EQ(1, window.m_nSeen);
-    CHook taker([&](UINT message, long &result) {
-        result = 42;
-        return message == s_nMessage;
-    });
-    window.InsertMessageHook(&taker);
-    EXPECT_EQ(42, SendMessageA(window, s_nMessage, 0, 0));
-    EXPECT_EQ(1, window.m_nSeen);
-
-    auto *dying = new CScripted;
-    ASSERT_TRUE(CreateTestWindow(*dying));
-    const HWND hWnd = *dying;
-    CHook killer([&](UINT message, long &) {
-        if (message == s_nMessage)
-            delete dying;
+    EXPECT_EQ(1, window->m_nSeen);
+    CHook taker([&](long &result) { return result = 42, 1; });
+    window->InsertMessageHook(&taker);
+    EXPECT_EQ(42, SendMessageA(hWnd, WM_APP, 0, 0));
+    EXPECT_EQ(1, window->m_nSeen);
+    window->RemoveMessageHook(&taker);
+    CHook killer([&](long &) {
+        delete window;
         return 0;
     });
-    dying->InsertMessageHook(&killer);
-    dying->InsertMessageHook(&last);
-    order.clear();
-    SendMessageA(hWnd, s_nMessage, 0, 0);
-    EXPECT_EQ("", order);
+    window->InsertMessageHook(&killer);
+    window->InsertMessageHook(&second);
+    SendMessageA(hWnd, WM_APP, 0, 0);
+    EXPECT_EQ("accc", order);
     EXPECT_FALSE(IsWindow(hWnd));
 }
 
 TEST(Window, LeavesNothingBehindAFailedCreation)
 {
     const CReports reports;
-    class CRefusing : public CScripted
-    {
-    public:
-        UINT m_refuse = 0;
-
-    protected:
-        long WindowProc(UINT message, WPARAM wParam, LPARAM lParam) override
-        {
-            if (message == m_refuse)
-                return message == WM_CREATE ? -1 : 0;
-            return CScripted::WindowProc(message, wParam, lParam);
-        }
-    };
     const int nWindows = WindowCount();
-    CRefusing window;
+    CScripted window;
     for (const UINT message : {WM_NCCREATE, WM_CREATE}) {
-        window.m_refuse = message;
+        window.m_message = message;
+        window.m_script = [=] { return message == WM_CREATE ? -1 : 0; };
         EXPECT_FALSE(CreateTestWindow(window));
         EXPECT_EQ(nullptr, window.GetHandle());
     }
-    window.m_refuse = 0;
+    window.m_message = 0;
     EXPECT_FALSE(CreateTestWindow(window, nullptr, 0, "no such class"));
     EXPECT_EQ(nWindows, WindowCount());
     // The hook is not armed any more: the next window is nobody's.
     const HWND hEdit = MakeEdit();
     EXPECT_EQ(nullptr, CCUIWindow::FromHandle(hEdit));
     DestroyWindow(hEdit);
-    EXPECT_TRUE(CreateTestWindow(window));
+    const RECT anywhere = {CW_USEDEFAULT, 0, 100, 100};
+    EXPECT_EQ(1, window.Create(nullptr, "", WS_OVERLAPPEDWINDOW, anywhere, nullptr, 0));
     EXPECT_EQ(0, reports.Total());
 }
 
 TEST(Window, BindsTheWindowBeforeItsFirstMessageAndOnlyThat)
 {
-    class CFirst : public CCUIWindow
-    {
-    public:
-        UINT m_first = 0;
-        CCUIWindow m_inner;
-
-    protected:
-        long WindowProc(UINT message, WPARAM wParam, LPARAM lParam) override
-        {
-            if (!m_first)
-                m_first = message;
-            return CCUIWindow::WindowProc(message, wParam, lParam);
-        }
-        int OnCreate(CREATESTRUCTA *pCreate) override
-        {
-            EXPECT_TRUE(CreateTestWindow(m_inner, m_hWnd, WS_CHILD));
-            return CCUIWindow::OnCreate(pCreate);
-        }
-    };
-    CFirst window;
+    CScripted window;
+    CCUIWindow inner;
+    window.m_message = WM_CREATE;
+    window.m_script = [&] { return CreateTestWindow(inner, window, WS_CHILD) ? 0 : -1; };
     ASSERT_TRUE(CreateTestWindow(window));
     EXPECT_TRUE(window.m_first == WM_NCCREATE || window.m_first == WM_GETMINMAXINFO)
         << window.m_first;
-    EXPECT_EQ(window.GetHandle(), GetParent(window.m_inner));
+    EXPECT_EQ(window.GetHandle(), GetParent(inner));
+    char szClass[32] = "";
+    GetClassNameA(window, szClass, sizeof szClass);
+    EXPECT_STREQ("pzl-Window", szClass);
+    EXPECT_EQ(CUI_CLASS_WINDOW, g_nRegisteredClasses);
 }
 
 namespace {
 
-DWORD WINAPI ThreadWithWindow(LPVOID param)
-{
-    CreateTestWindow(*static_cast<CCUIWindow *>(param));
-    return 0;
-}
+CScripted *g_pThreadWindow;
 
 }  // namespace
 
@@ -385,39 +329,47 @@ DWORD WINAPI ThreadWithWindow(LPVOID param)
 TEST(Window, ForgetsTheWindowsOfAThreadThatEnds)
 {
     CScripted window;
-    const HANDLE hThread = CreateThread(nullptr, 0, ThreadWithWindow, &window, 0, nullptr);
-    WaitForSingleObject(hThread, INFINITE);
-    CloseHandle(hThread);
-    const HWND hWnd = window;
-    ASSERT_TRUE(hWnd);
-    EXPECT_EQ(nullptr, CCUIWindow::FromHandle(hWnd));
+    g_pThreadWindow = &window;
+    CThreads::Run(1, [](int) { CreateTestWindow(*g_pThreadWindow); });
+    ASSERT_TRUE(window.GetHandle());
+    EXPECT_EQ(nullptr, CCUIWindow::FromHandle(window));
 }
 
-TEST(Window, FindsTheRightObjectAmongThousandsAndAfterThem)
+// Handles that are made up, so many that real windows would take minutes, beside one that stays.
+TEST(WindowMap, FindsWhatIsThereHoweverWindowsComeAndGo)
 {
-    std::vector<CCUIWindow> windows(1000);
-    for (int nRound = 0; nRound < 2; ++nRound) {
-        for (size_t i = 0; i < windows.size(); ++i)
-            ASSERT_TRUE(CreateTestWindow(windows[i], nullptr, WS_POPUP, "STATIC"));
-        for (CCUIWindow &window : windows)
-            ASSERT_EQ(&window, CCUIWindow::FromHandle(window));
-        std::vector<HWND> handles;
-        for (size_t i = 0; i < windows.size(); i += 2) {
-            handles.push_back(windows[i]);
-            windows[i].Destroy();
-        }
-        for (const HWND hWnd : handles)
-            ASSERT_EQ(nullptr, CCUIWindow::FromHandle(hWnd));
-        for (size_t i = 1; i < windows.size(); i += 2) {
-            ASSERT_EQ(&windows[i], CCUIWindow::FromHandle(windows[i]));
-            windows[i].Destroy();
+    const auto nHandles = {50u, 4000u, 100u};
+    const auto pProc = reinterpret_cast<WNDPROC>(1);
+    std::map<HWND, CCUIWindow *> bound;
+    std::mt19937 random(5);
+    for (const unsigned nRange : nHandles) {
+        for (int i = 0; i < 50000; ++i) {
+            const auto hWnd = reinterpret_cast<HWND>(0x100000 + random() % nRange * 2);
+            const auto pWindow = reinterpret_cast<CCUIWindow *>(random() | 1);
+            if (random() % 2) {
+                CUIWindowMapSet(hWnd, {pWindow, pProc});
+                bound[hWnd] = pWindow;
+            } else {
+                CUIWindowMapRemove(hWnd);
+                bound.erase(hWnd);
+            }
+            const auto hOther = reinterpret_cast<HWND>(0x100000 + random() % nRange * 2);
+            const auto found = bound.find(hOther);
+            ASSERT_EQ(found == bound.end() ? nullptr : found->second, CUIWindowMapFind(hOther));
         }
     }
+    // Each handle once: no run may grow for ever.
+    for (UINT_PTR nHandle = 1; nHandle < 100000; nHandle += 2) {
+        CUIWindowMapSet(reinterpret_cast<HWND>(nHandle), {nullptr, pProc});
+        CUIWindowMapRemove(reinterpret_cast<HWND>(nHandle));
+    }
+    EXPECT_EQ(nullptr, CUIWindowMapFind(reinterpret_cast<HWND>(3)));
 }
 
 TEST(Window, NamesOwnersAndTopLevelsForDialogs)
 {
-    CCUIWindow frame, popup, child;
+    CCUIWindow frame, popup;
+    CScripted child, sister;
     ASSERT_TRUE(CreateTestWindow(frame));
     ASSERT_TRUE(CreateTestWindow(popup, frame, WS_POPUP));
     ASSERT_TRUE(CreateTestWindow(child, popup, WS_CHILD));
@@ -431,10 +383,16 @@ TEST(Window, NamesOwnersAndTopLevelsForDialogs)
     EXPECT_EQ(popup.GetHandle(), child.GetSafeOwner(&hDisabled));  // disabled already: not ours
     EXPECT_EQ(nullptr, hDisabled);
 
+    // All get what is sent to all, though one dies of it.
+    ASSERT_TRUE(CreateTestWindow(sister, popup, WS_CHILD));
+    child.m_message = sister.m_message = WM_APP;
+    child.m_script = [&] { return child.Destroy(); };
+    sister.m_script = [&] { return 0; };
     int nSent = 0;
-    EXPECT_EQ(1, CCUIWindow::SendMessageToDescendants(popup, WM_NULL, 0, 0, &nSent));
-    EXPECT_EQ(1, nSent);
-    EXPECT_EQ(0, CCUIWindow::SendMessageToDescendants(nullptr, WM_NULL, 0, 0, nullptr));
+    EXPECT_EQ(1, CCUIWindow::SendMessageToDescendants(popup, WM_APP, 0, 0, &nSent));
+    EXPECT_EQ(2, nSent);
+    EXPECT_TRUE(child.m_nSeen == 1 && sister.m_nSeen == 1);
+    EXPECT_EQ(0, CCUIWindow::SendMessageToDescendants(nullptr, WM_APP, 0, 0, nullptr));
 
     ACCEL accelerator = {FVIRTKEY, VK_F5, 1234};
     EXPECT_EQ(1, frame.SetAccelerators(&accelerator, 1));
@@ -443,4 +401,28 @@ TEST(Window, NamesOwnersAndTopLevelsForDialogs)
     EXPECT_NE(0, frame.PreTranslateMessage(&key));
     EXPECT_EQ(1, frame.SetAccelerators(nullptr, 0));
     EXPECT_EQ(0, frame.PreTranslateMessage(&key));
+}
+
+TEST(Window, ShowsItsContextMenuWhereItIsAskedFor)
+{
+    CScripted window;
+    ASSERT_TRUE(CreateTestWindow(window));
+    CCUIMenu menu, missing(GetModuleHandleA(nullptr), "none", 0);
+    EXPECT_EQ(nullptr, missing.GetHandle());
+    AppendMenuA(menu.GetHandle(), MF_STRING, 77, "Entry");
+    window.SetContextMenu(&menu);
+    RECT at = {};
+    window.m_message = WM_ENTERIDLE;
+    window.m_script = [&] {
+        GetWindowRect(FindWindowA("#32768", nullptr), &at);
+        return EndMenu();
+    };
+    SendMessageA(window, WM_CONTEXTMENU, 0, MAKELONG(70, 60));
+    EXPECT_TRUE(at.left == 70 && at.top == 60) << at.left << " " << at.top;
+    POINT corner = {0, 0};
+    ClientToScreen(window, &corner);
+    SendMessageA(window, WM_CONTEXTMENU, 0, MAKELONG(-1, -1));
+    EXPECT_TRUE(at.left == corner.x && at.top == corner.y) << at.left << " " << at.top;
+    EXPECT_EQ(2, window.m_nSeen);
+    EXPECT_EQ(0, window.DisplayPopupMenu(nullptr, 0, corner, nullptr));
 }

@@ -1,0 +1,91 @@
+// What a change of the system's colours and settings does to the shared GDI data and to windows.
+#include <gtest/gtest.h>
+
+#include <utility>
+
+#include "CU/Time.h"
+#include "CUI/Data.h"
+#include "Support/ImportHook.h"
+#include "Support/SysColors.h"
+#include "Support/TestWindow.h"
+
+namespace {
+
+class CListener : public CCUIWindow
+{
+public:
+    int m_nSeen = 0;
+
+protected:
+    void OnSysColorChange() override
+    {
+        ++m_nSeen;
+        CCUIWindow::OnSysColorChange();
+    }
+    void OnWinIniChange(WPARAM nAction, const char *section) override
+    {
+        m_nSeen += nAction == 9 && std::string(section) == "intl";
+        CCUIWindow::OnWinIniChange(nAction, section);
+    }
+};
+
+DWORD g_nStamps;
+DWORD WINAPI Stamp()
+{
+    return ++g_nStamps;
+}
+
+int g_nMoreFrame;
+int(WINAPI *g_metrics)(int);
+int WINAPI Metrics(int nIndex)
+{
+    return g_metrics(nIndex) + (nIndex == SM_CXFRAME ? g_nMoreFrame : 0);
+}
+
+int g_nFonts;
+HFONT(WINAPI *g_createFont)(const LOGFONTA *);
+HFONT WINAPI CreateFont1(const LOGFONTA *pFont)
+{
+    ++g_nFonts;
+    return g_createFont(pFont);
+}
+
+}  // namespace
+
+TEST(SettingsChange, RefreshesTheSharedDataOnceAChangeAndTellsTheWindowsInside)
+{
+    CUIData &data = *CUIGetWinData();
+    CListener windows[4];
+    for (int i = 0; i < 4; ++i)  // two top-level windows, the second with a child and its child
+        ASSERT_TRUE(CreateTestWindow(windows[i], i > 1 ? windows[i - 1].GetHandle() : nullptr,
+                                     i > 1 ? WS_CHILD : WS_POPUP));
+    const auto expectTold = [&](int nTimes) {
+        for (CListener &window : windows)
+            EXPECT_EQ(nTimes, std::exchange(window.m_nSeen, 0));
+    };
+    {
+        const CImportHook stamp("timeGetTime", Stamp);
+        const CSysColors colors;
+        expectTold(1);
+        EXPECT_EQ(1u, g_nStamps);
+        EXPECT_EQ(GetSysColor(COLOR_BTNFACE), data.ResolveColor(data.crSys[COLOR_BTNFACE]));
+    }
+    expectTold(1);  // the colours are back
+    EXPECT_EQ(GetSysColor(COLOR_BTNFACE), data.ResolveColor(data.crSys[COLOR_BTNFACE]));
+
+    const CImportHook metrics("GetSystemMetrics", Metrics),
+        font("CreateFontIndirectA", CreateFont1);
+    g_metrics = metrics.Original<int WINAPI(int)>();
+    g_createFont = font.Original<HFONT WINAPI(const LOGFONTA *)>();
+    const int nFrame = data.cxFrame;
+    for (g_nMoreFrame = 0; g_nMoreFrame < 3; ++g_nMoreFrame) {
+        CCUTime::TimeFormatChanged(false);
+        g_nFonts = 0;
+        for (int i = 0; i < 2; ++i)
+            SendMessageA(windows[i], WM_WININICHANGE, 9, reinterpret_cast<LPARAM>("intl"));
+        expectTold(1);
+        EXPECT_EQ(5, g_nFonts);
+        EXPECT_EQ(nFrame + g_nMoreFrame, data.cxFrame);
+        EXPECT_TRUE(CCUTime::IsTimeFormatChanged());
+    }
+}
