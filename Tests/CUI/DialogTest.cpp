@@ -2,10 +2,13 @@
 #include <gtest/gtest.h>
 
 #include <functional>
+#include <utility>
 
 #include "CUI/Data.h"
 #include "CUI/Dialog.h"
+#include "Support/ImportHook.h"
 #include "Support/Reports.h"
+#include "Support/SysColors.h"
 #include "Support/TestWindow.h"
 
 #include <commctrl.h>  // needs windows.h before it
@@ -108,6 +111,11 @@ TEST(Dialog, EndsWithWhatItWasToldInEveryWay)
 
 namespace {
 
+DWORD WINAPI CutSize(HMODULE, HRSRC)
+{
+    return 40;
+}
+
 DWORD WINAPI SendCancel(LPVOID hWnd)
 {
     SendMessageA(static_cast<HWND>(hWnd), WM_COMMAND, IDCANCEL, 0);
@@ -119,12 +127,48 @@ DWORD WINAPI SendCancel(LPVOID hWnd)
 // The loop waits in the very call that serves the sent message.
 TEST(Dialog, EndsWhenAnotherThreadSendsCancel)
 {
-    CTestDialog dialog;
-    dialog.m_inLoop = [](CTestDialog &running) {
-        const HWND hWnd = running;
-        CloseHandle(CreateThread(nullptr, 0, SendCancel, hWnd, 0, nullptr));
+    class CDying : public CTestDialog
+    {
+        void OnCancel() override { delete this; }
     };
-    EXPECT_EQ(IDCANCEL, dialog.DoModal(nullptr));
+    CTestDialog dialog;
+    auto *dying = new CDying;
+    for (CTestDialog *pDialog : {&dialog, static_cast<CTestDialog *>(dying)}) {
+        pDialog->m_inLoop = [](CTestDialog &running) {
+            const HWND hWnd = running;
+            CloseHandle(CreateThread(nullptr, 0, SendCancel, hWnd, 0, nullptr));
+        };
+        EXPECT_EQ(IDCANCEL, pDialog->DoModal(nullptr));
+    }
+}
+
+// What ends the object while it gives its owner back.
+TEST(Dialog, StandsItsDeathAtItsOwnersHands)
+{
+    class COwner : public CCUIWindow
+    {
+    public:
+        CTestDialog *m_pDialog = nullptr;
+
+    protected:
+        long OnMessage(UINT message, WPARAM wParam, LPARAM lParam) override
+        {
+            if (message == WM_ENABLE && wParam)
+                delete std::exchange(m_pDialog, nullptr);
+            return CCUIWindow::OnMessage(message, wParam, lParam);
+        }
+    };
+    for (const bool bEnd : {true, false}) {
+        COwner owner;
+        ASSERT_TRUE(CreateTestWindow(owner, nullptr, WS_POPUP | WS_VISIBLE));
+        owner.m_pDialog = new CTestDialog;
+        owner.m_pDialog->m_inLoop = [=](CTestDialog &running) {
+            bEnd ? running.EndDialog(5) : static_cast<void>(DestroyWindow(running));
+        };
+        EXPECT_EQ(IDCANCEL, owner.m_pDialog->DoModal(&owner));
+        EXPECT_EQ(nullptr, owner.m_pDialog);
+        EXPECT_TRUE(IsWindowEnabled(owner));
+    }
 }
 
 TEST(Dialog, AnswersWhatCannotRun)
@@ -137,6 +181,16 @@ TEST(Dialog, AnswersWhatCannotRun)
     EXPECT_EQ(0, nameless.DoModal(nullptr));
     CCUIDialog homeless(nullptr, MAKEINTRESOURCEA(500));
     EXPECT_EQ(0, homeless.DoModal(nullptr));
+    {
+        // A resource that is cut short: the system would read on behind it.
+        const CImportHook size("SizeofResource", CutSize);
+        CTestDialog cut;
+        cut.m_inLoop = [](CTestDialog &running) { running.EndDialog(9); };
+        EXPECT_EQ(IDCANCEL, cut.DoModal(nullptr));
+        EXPECT_EQ(nullptr, cut.DoModeless(nullptr));
+        EXPECT_EQ(nullptr, cut.Create(nullptr));
+        EXPECT_FALSE(cut.IsActive());
+    }
     // No hook waits for the next window.
     CCUIWindow window;
     ASSERT_TRUE(CreateTestWindow(window));
@@ -268,43 +322,43 @@ TEST(Dialog, ExchangesDataAndTracksWhatTheUserChanges)
     EXPECT_FALSE(dialog.IsDirty());  // the exchange itself is no change
     EXPECT_EQ(GetDlgItem(dialog, 1001), dialog.GetFirstControl());  // 1000 is disabled
 
-    const auto Change = [&](int nID, int nCode) {
+    dialog.RegisterControl(nullptr, 1100, DialogControlTreeView);
+    dialog.RegisterControl(nullptr, 1101, DialogControlListView);
+    dialog.RegisterControl(nullptr, 1102, DialogControlTab);
+    dialog.RegisterControl(nullptr, 1103, DialogControlDatePicker);
+    const auto Change = [&](int nID, UINT nCode) {
         dialog.SetDirty(false);
-        const auto hControl = GetDlgItem(dialog, nID);
-        SendMessageA(dialog, WM_COMMAND, static_cast<WPARAM>(MAKELONG(nID, nCode)),
-                     reinterpret_cast<LPARAM>(hControl));
+        NMHDR header = {GetDlgItem(dialog, 1005), static_cast<UINT_PTR>(nID), nCode};
+        if (nID < 1100)
+            SendMessageA(dialog, WM_COMMAND, static_cast<WPARAM>(MAKELONG(nID, nCode)),
+                         reinterpret_cast<LPARAM>(GetDlgItem(dialog, nID)));
+        else
+            SendMessageA(dialog, WM_NOTIFY, header.idFrom, reinterpret_cast<LPARAM>(&header));
         return dialog.IsDirty();
     };
-    EXPECT_TRUE(Change(1001, EN_CHANGE));
-    EXPECT_FALSE(Change(1001, EN_SETFOCUS));
-    EXPECT_TRUE(Change(1002, LBN_SELCHANGE));
-    EXPECT_TRUE(Change(1003, CBN_SELCHANGE));
-    EXPECT_TRUE(Change(1003, CBN_EDITCHANGE));
-    EXPECT_FALSE(Change(1003, CBN_DROPDOWN));
-    EXPECT_TRUE(Change(1004, BN_CLICKED));
-    EXPECT_FALSE(Change(1005, BN_CLICKED));  // a push button holds nothing
-    dialog.SetControlAutoMakeDirty(1001, false);
-    EXPECT_FALSE(Change(1001, EN_CHANGE));
-
-    struct CNotify
+    struct CChange
     {
-        DialogControlType type;
-        UINT code;
+        int nID;
+        UINT nCode;
         bool bDirty;
     };
-    for (const CNotify &one : {CNotify{DialogControlTreeView, TVN_SELCHANGEDA, true},
-                               CNotify{DialogControlTreeView, TVN_ITEMEXPANDEDA, false},
-                               CNotify{DialogControlListView, LVN_ITEMCHANGED, true},
-                               CNotify{DialogControlTab, TCN_SELCHANGE, true},
-                               CNotify{DialogControlTab, TCN_SELCHANGING, false},
-                               CNotify{DialogControlDatePicker, DTN_DATETIMECHANGE, true}})
-    {
-        dialog.SetDirty(false);
-        dialog.RegisterControl(nullptr, 1100, one.type);
-        NMHDR header = {GetDlgItem(dialog, 1005), 1100, one.code};
-        SendMessageA(dialog, WM_NOTIFY, 1100, reinterpret_cast<LPARAM>(&header));
-        EXPECT_EQ(one.bDirty, dialog.IsDirty()) << one.code;
-    }
+    for (const CChange &one : {CChange{1001, EN_CHANGE, true},
+                               {1001, EN_SETFOCUS, false},
+                               {1002, LBN_SELCHANGE, true},
+                               {1003, CBN_SELCHANGE, true},
+                               {1003, CBN_EDITCHANGE, true},
+                               {1003, CBN_DROPDOWN, false},
+                               {1004, BN_CLICKED, true},
+                               {1005, BN_CLICKED, false},  // a push button holds nothing
+                               {1100, TVN_SELCHANGEDA, true},
+                               {1100, TVN_ITEMEXPANDEDA, false},
+                               {1101, LVN_ITEMCHANGED, true},
+                               {1102, TCN_SELCHANGE, true},
+                               {1102, TCN_SELCHANGING, false},
+                               {1103, DTN_DATETIMECHANGE, true}})
+        EXPECT_EQ(one.bDirty, Change(one.nID, one.nCode)) << one.nID << " " << one.nCode;
+    dialog.SetControlAutoMakeDirty(1001, false);
+    EXPECT_FALSE(Change(1001, EN_CHANGE));
     CCUIControlInfo info = {};
     EXPECT_EQ(1, dialog.GetControlInfo(1003, info));
     EXPECT_EQ(DialogControlComboBox, info.type);
@@ -376,5 +430,11 @@ TEST(Dialog, PaintsItsColour)
     EXPECT_EQ(reinterpret_cast<LRESULT>(hBrush),
               SendMessageA(dialog, WM_CTLCOLORSTATIC, reinterpret_cast<WPARAM>(hDC), 0));
     EXPECT_EQ(RGB(10, 200, 30), GetBkColor(hDC));
+    // A system colour is what the system says now.
+    dialog.SetColor(CUIGetWinData()->crSys[COLOR_BTNFACE]);
+    const CSysColors colors;
+    GetObjectA(reinterpret_cast<HBRUSH>(SendMessageA(dialog, WM_CTLCOLORDLG, 0, 0)), sizeof brush,
+               &brush);
+    EXPECT_EQ(GetSysColor(COLOR_BTNFACE), brush.lbColor);
     ReleaseDC(dialog, hDC);
 }
