@@ -10,7 +10,7 @@ namespace {
 const unsigned int FIRST_ID = 10000;
 const int COMMANDS = 5000;
 
-class CBenchCommand : public CCUICommandHandler
+class CBenchCommand final : public CCUICommandHandler
 {
 public:
     explicit CBenchCommand(unsigned int nID) : CCUICommandHandler(nID, 1) {}

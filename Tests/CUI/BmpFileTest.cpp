@@ -138,7 +138,7 @@ TEST(BmpFile, BecomesThePictureThatItShows)
 TEST(BmpFile, HasAPaletteOfAllItsColours)
 {
     CMemoryFile file;
-    for (const DWORD nColors : {1, 256, 300}) {
+    for (const DWORD nColors : {1u, 256u, 300u}) {
         CBmpBytes bmp(4, 4, nColors > 256 ? 24 : 8);
         bmp.m_table.clear();
         for (DWORD i = 0; i < nColors; ++i)
@@ -182,7 +182,7 @@ std::vector<std::vector<BYTE>> Seeds()
     for (const int nBits : {1, 4, 8, 16, 24, 32})
         seeds.push_back(CBmpBytes(13, nBits == 16 ? -5 : 5, nBits).File());
     seeds.push_back(CBmpBytes(6, 4, 24, 2).File());
-    for (const DWORD nHeader : {108, 124}) {
+    for (const DWORD nHeader : {108u, 124u}) {
         CBmpBytes bmp(5, 5, 8);
         bmp.m_info.biSize = nHeader;
         bmp.m_pixels.insert(bmp.m_pixels.begin(), nHeader - 40, 0);

@@ -14,7 +14,7 @@ using Texts = std::vector<std::string>;
 using Ids = std::vector<unsigned int>;
 
 // Tells what it is asked and does what the test wants done then.
-class CCommand : public CCUICommandHandler
+class CCommand final : public CCUICommandHandler
 {
 public:
     CCommand(unsigned int nID, unsigned int nRange = 1) : CCUICommandHandler(nID, nRange) {}
@@ -119,10 +119,10 @@ TEST(CommandMap, RefreshesInOrderWhatAsksForNothingElseWhereverItIs)
     EXPECT_EQ(&early, CCUICommandMap::Override(1002, &late));
     EXPECT_EQ(nullptr, CCUICommandMap::Override(10003, &late));
     CCUICommandMap::IdleUpdate();
-    EXPECT_EQ((Ids{1002, 10003, 12000, 12001}), late.m_updates);
+    EXPECT_EQ((Ids{1002u, 10003u, 12000u, 12001u}), late.m_updates);
     // Removal finds it wherever it has been put.
     EXPECT_EQ(1, CCUICommandMap::Remove(&late));
-    for (const unsigned int nID : {1002, 10003, 12000, 12001})
+    for (const unsigned int nID : {1002u, 10003u, 12000u, 12001u})
         EXPECT_EQ(nullptr, CCUICommandMap::Lookup(nID)) << nID;
 }
 

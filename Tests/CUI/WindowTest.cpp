@@ -204,7 +204,7 @@ TEST(Window, DestroysTheWindowOfADyingObjectAndSaysSo)
 
 TEST(Window, StandsItsObjectsDeathInAnyHandler)
 {
-    for (const UINT message : {WM_CLOSE, WM_COMMAND, WM_DESTROY, WM_NCDESTROY, WM_APP}) {
+    for (const int message : {WM_CLOSE, WM_COMMAND, WM_DESTROY, WM_NCDESTROY, WM_APP}) {
         auto *window = new CScripted;
         ASSERT_TRUE(CreateTestWindow(*window));
         const HWND hWnd = *window;
@@ -212,7 +212,7 @@ TEST(Window, StandsItsObjectsDeathInAnyHandler)
             delete window;
             return 0L;
         };
-        window->m_message = message;
+        window->m_message = static_cast<UINT>(message);
         window->m_script = die;
         if (message == WM_APP) {
             // Two messages deep: both are told.
@@ -225,7 +225,7 @@ TEST(Window, StandsItsObjectsDeathInAnyHandler)
         if (message == WM_DESTROY || message == WM_NCDESTROY)
             DestroyWindow(hWnd);
         else
-            SendMessageA(hWnd, message, 0, 0);
+            SendMessageA(hWnd, window->m_message, 0, 0);
         EXPECT_FALSE(IsWindow(hWnd)) << message;
         EXPECT_EQ(nullptr, CCUIWindow::FromHandle(hWnd));
     }
@@ -285,8 +285,8 @@ TEST(Window, LeavesNothingBehindAFailedCreation)
     const CReports reports;
     const int nWindows = WindowCount();
     CScripted window;
-    for (const UINT message : {WM_NCCREATE, WM_CREATE}) {
-        window.m_message = message;
+    for (const int message : {WM_NCCREATE, WM_CREATE}) {
+        window.m_message = static_cast<UINT>(message);
         window.m_script = [=] { return message == WM_CREATE ? -1 : 0; };
         EXPECT_FALSE(CreateTestWindow(window));
         EXPECT_EQ(nullptr, window.GetHandle());
