@@ -28,13 +28,26 @@ CCUString WithoutOuterBackslashes(const CCUString &sPath)
     return sPath.Mid(nFirst, nEnd - nFirst);
 }
 
+// The system's calls take some 260 characters at one time: longer paths are walked in parts.
+const int LONGEST_PATH = 255;
+
 // Null, with the last error set, on failure.
-HKEY OpenKey(HKEY hRoot, const char *pszPath, bool bReadOnly)
+HKEY OpenKey(HKEY hRoot, const CCUString &sPath, bool bReadOnly)
 {
+    const int nCut =
+        sPath.GetLength() > LONGEST_PATH ? sPath.Left(LONGEST_PATH + 1).ReverseFind('\\') : -1;
     HKEY hKey = nullptr;
+    if (nCut > 0) {
+        const HKEY hUpper = OpenKey(hRoot, sPath.Left(nCut), bReadOnly);
+        if (!hUpper)
+            return nullptr;
+        hKey = OpenKey(hUpper, sPath.Mid(nCut + 1), bReadOnly);
+        RegCloseKey(hUpper);
+        return hKey;
+    }
     const LONG nError = bReadOnly
-                            ? RegOpenKeyExA(hRoot, pszPath, 0, KEY_READ, &hKey)
-                            : RegCreateKeyExA(hRoot, pszPath, 0, nullptr, REG_OPTION_NON_VOLATILE,
+                            ? RegOpenKeyExA(hRoot, sPath, 0, KEY_READ, &hKey)
+                            : RegCreateKeyExA(hRoot, sPath, 0, nullptr, REG_OPTION_NON_VOLATILE,
                                               KEY_READ | KEY_WRITE, nullptr, &hKey, nullptr);
     return Succeeded(nError) ? hKey : nullptr;
 }

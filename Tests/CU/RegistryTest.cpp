@@ -70,6 +70,11 @@ TEST(Registry, WalksReadsAndWritesKeys)
     EXPECT_FALSE(registry.GetKeyName(1, sText) || registry.GetKeyName(-1, sText));
     EXPECT_FALSE(registry.DeleteKey("") || registry.DeleteKey("missing"));
     reader.Close();
+    // Names of any length and depth.
+    const CCUString sName('n', 255);
+    EXPECT_TRUE(registry.Descend(sName + '\\' + sName) && registry.Descend(sName));
+    EXPECT_TRUE(registry.Ascend() && registry.GetKeyName(0, sText) && sText == sName);
+    EXPECT_TRUE(registry.Ascend() && registry.Ascend());
     // Up to the root and no further; a key goes with all below it.
     EXPECT_TRUE(registry.Ascend() && registry.Ascend() && registry.Ascend());
     EXPECT_STREQ("", registry.GetPath());
