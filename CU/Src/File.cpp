@@ -61,8 +61,10 @@ CCUFile::~CCUFile()
 int CCUFile::Open(const char *name, unsigned int nOpenFlags)
 {
     CU_ASSERT((nOpenFlags & typeText) == 0);
-    m_hFile = nullptr;
-    m_sFileName = name;
+    // Copied first: it may be the name that Close empties.
+    const CCUString sFileName(name);
+    Close();
+    m_sFileName = sFileName;
     DWORD dwAccess = 0;
     DWORD dwShare = 0;
     if (!MapAccess(nOpenFlags, dwAccess) || !MapSharing(nOpenFlags, dwShare)) {

@@ -39,9 +39,8 @@ public:
     CCUFile &operator=(const CCUFile &) = delete;
 
     // 1, or 0 when the file cannot be opened; the name is kept either way. A file that is still
-    // open is not closed first: its handle is forgotten. Access or sharing bits that are not in
-    // the list above are reported with "0" and fail, typeText is reported with
-    // "(nOpenFlags & typeText) == 0".
+    // open is closed first. Access or sharing bits that are not in the list above are reported
+    // with "0" and fail, typeText is reported with "(nOpenFlags & typeText) == 0".
     int Open(const char *name, unsigned int nOpenFlags);
     bool isOpen() const;  // NOLINT(readability-identifier-naming): callers know it so
     // The name given to Open, empty after Close.
