@@ -7,13 +7,14 @@
 #include "DebugHelp.h"
 #include "Demangle.h"
 #include "KeepLastError.h"
+#include "LazyLock.h"
 #include "StackWalk.h"
 
 namespace {
 
 struct CLine
 {
-    char text[640];
+    char text[1024];  // more than all its parts at their longest
     int nLength;
 };
 
@@ -112,7 +113,9 @@ void FormatLine(DWORD dwAddress, DWORD dwInside, CLine &line)
     Append(line, "%08lx", dwAddress);
     MEMORY_BASIC_INFORMATION memory;
     char szPath[MAX_PATH];
+    // No base means free memory, and would mean the program itself.
     if (!VirtualQuery(reinterpret_cast<void *>(dwInside), &memory, sizeof memory) ||
+        !memory.AllocationBase ||
         !GetModuleFileNameA(static_cast<HMODULE>(memory.AllocationBase), szPath, MAX_PATH))
         return;
     szPath[MAX_PATH - 1] = '\0';
@@ -134,12 +137,26 @@ void FormatLine(DWORD dwAddress, DWORD dwInside, CLine &line)
         Append(line, " %s(%lu)", NameOfPath(file), nLine);
 }
 
+// Two threads that held each other would stand for ever.
+CCULazyLock s_holdLock;
+
+bool IsCallingThread(HANDLE hThread)
+{
+    if (hThread == GetCurrentThread())
+        return true;
+    typedef DWORD(WINAPI * CGetThreadId)(HANDLE);
+    const CGetThreadId getThreadId = reinterpret_cast<CGetThreadId>(
+        GetProcAddress(GetModuleHandleA("kernel32.dll"), "GetThreadId"));
+    return getThreadId && getThreadId(hThread) == GetCurrentThreadId();
+}
+
 // A thread that is held may hold the very locks that the debug-help library wants; its frame
 // pointers want none.
 bool WalkOtherThread(HANDLE hThread, CCUStackAddresses &stack)
 {
     CONTEXT context = {};
     context.ContextFlags = CONTEXT_FULL;
+    const CCULockGuard hold(s_holdLock);
     if (SuspendThread(hThread) == static_cast<DWORD>(-1))
         return false;
     const bool bKnown = GetThreadContext(hThread, &context) != 0;
@@ -188,7 +205,7 @@ __attribute__((noinline)) int CUGetStackTrace(HANDLE hThread, char *buffer, unsi
 {
     const CCUKeepLastError keepLastError;
     CCUStackAddresses stack = {};
-    if (hThread != GetCurrentThread()) {
+    if (!IsCallingThread(hThread)) {
         WalkOtherThread(hThread, stack);
         return CUFormatStack(stack, buffer, size);
     }

@@ -15,6 +15,7 @@
 #include "Support/GuardedBuffer.h"
 #include "Support/ImportHook.h"
 #include "Support/TemporaryDirectory.h"
+#include "Support/Threads.h"
 
 namespace {
 
@@ -164,6 +165,8 @@ TEST(CrashReport, NamesWhatEscapedAndLetsTheSystemGoOn)
             << c.part;
         const std::string text = directory.Contents("ZELTrace-*");
         EXPECT_EQ(0u, text.find(std::string(56, '=') + "\r\n")) << text;
+        // Free memory belongs to nobody.
+        EXPECT_EQ(std::string::npos, text.find("\n00000000 ")) << text;
         size_t n = 0;
         for (const std::string &part :
              {std::string("Exception:") + c.name + "  Code:", std::string("Last Error:5a5a\r\n"),
@@ -223,6 +226,24 @@ TEST(StackTrace, WalksAnotherThreadAndLetsItGoOn)
     EXPECT_EQ(5u, nCode);
     EXPECT_EQ(0, CUGetStackTrace(s_goOn, szStack, sizeof szStack));
     EXPECT_STREQ("", szStack);
+}
+
+// Whoever held itself, or two that held each other, would hang.
+TEST(StackTrace, ThreadsMayWalkThemselvesAndEachOther)
+{
+    static HANDLE s_threads[2];
+    static LONG s_nReady = 0;
+    CThreads::Run(2, [](int nThread) {
+        char szNothing[1];
+        DuplicateHandle(GetCurrentProcess(), GetCurrentThread(), GetCurrentProcess(),
+                        &s_threads[nThread], 0, FALSE, DUPLICATE_SAME_ACCESS);
+        CUGetStackTrace(s_threads[nThread], szNothing, sizeof szNothing);
+        InterlockedIncrement(&s_nReady);
+        while (InterlockedExchangeAdd(&s_nReady, 0) < 2)
+            Sleep(0);
+        for (int i = 0; i < 300; ++i)
+            CUGetStackTrace(s_threads[1 - nThread], szNothing, sizeof szNothing);
+    });
 }
 
 TEST(StackTrace, LeavesOutWhatDoesNotFitByWholeLines)
