@@ -16,6 +16,9 @@
 namespace {
 
 const int DumpBufferSize = 2048;
+// How deep the overrun callback is told of files that its own texts have filled; one that always
+// dumps more than a file may hold would have no end.
+const int MostOverruns = 8;
 
 struct CDumpWindow
 {
@@ -67,7 +70,7 @@ private:
     int m_nNextCallback;
     int m_nEndCallback;
     bool m_bBusy;
-    bool m_bTellingOverrun;
+    int m_nTellingOverrun;
 };
 
 CDumpOutputs::CDumpOutputs()
@@ -75,7 +78,7 @@ CDumpOutputs::CDumpOutputs()
       m_nNextCallback(0),
       m_nEndCallback(0),
       m_bBusy(false),
-      m_bTellingOverrun(false)
+      m_nTellingOverrun(0)
 {
 }
 
@@ -113,12 +116,11 @@ void CDumpOutputs::CallCallbacks(const CCUString &sText)
 
 void CDumpOutputs::TellOverrun()
 {
-    // What the callback dumps may run over again; telling it so then would have no end.
-    if (!m_pOverrunCallback || m_bTellingOverrun)
+    if (!m_pOverrunCallback || m_nTellingOverrun >= MostOverruns)
         return;
-    m_bTellingOverrun = true;
+    ++m_nTellingOverrun;
     m_pOverrunCallback->OnFileOverrun();
-    m_bTellingOverrun = false;
+    --m_nTellingOverrun;
 }
 
 void CDumpOutputs::Remove(CCUDumpCallback *pCallback)

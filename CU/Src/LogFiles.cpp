@@ -50,8 +50,10 @@ FILE *CreateNew(const char *name)
     if (nFile < 0)
         return nullptr;
     FILE *file = _fdopen(nFile, "w+");
-    if (!file)
+    if (!file) {
         _close(nFile);
+        DeleteFileA(name);
+    }
     return file;
 }
 
@@ -73,6 +75,7 @@ void WriteHeader(FILE *file)
 {
     TIME_ZONE_INFORMATION zone = {};
     GetTimeZoneInformation(&zone);
+    zone.StandardName[sizeof zone.StandardName / sizeof zone.StandardName[0] - 1] = L'\0';
     char szName[3 * sizeof zone.StandardName / sizeof zone.StandardName[0]] = "";
     WideCharToMultiByte(CP_ACP, 0, zone.StandardName, -1, szName, sizeof szName, nullptr, nullptr);
     szName[sizeof szName - 1] = '\0';

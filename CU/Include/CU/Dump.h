@@ -57,7 +57,8 @@ CU_API void CUDumpGetConfigLogFileManagement(int *daysToKeep, int *filesToKeep, 
                                              bool *manageAllFiles);
 
 // Told after the text that followed the size limit has opened a new file and gone into it. What it
-// dumps itself goes everywhere, and is not told when it runs over again.
+// dumps itself goes everywhere; where that runs over again it is told from inside itself, up to 8
+// calls deep.
 class CU_API CCUDumpFileOverrunCallback
 {
 public:
