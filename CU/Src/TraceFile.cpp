@@ -1,5 +1,7 @@
 #include "TraceFile.h"
 
+#include <stdlib.h>
+
 #include "CU/Assert.h"
 #include "CU/CrashReport.h"
 #include "CU/Dump.h"
@@ -16,8 +18,8 @@ const char TraceFilePattern[] =
     "-??.txt";
 const long SecondsOfDay = 24 * 60 * 60;
 
-// One registered handler. Nodes are only ever added, so that a report, which may come from a
-// crash, walks the list without a lock while others change it.
+// One registered handler. Nodes are only added until the process ends, so that a report, which may
+// come from a crash, walks the list without a lock while others change it.
 struct CReportHandler
 {
     void (*handler)(FILE *);  // null: taken away
@@ -25,6 +27,7 @@ struct CReportHandler
 };
 
 CReportHandler *s_pFirstHandler = nullptr;
+LONG s_nListUsers = 0;  // threads that look at nodes
 
 template <typename T>
 bool Exchange(T *place, T expected, T value)
@@ -37,6 +40,29 @@ template <typename T>
 T Load(T *place)
 {
     return __atomic_load_n(place, __ATOMIC_SEQ_CST);
+}
+
+class CListUse
+{
+public:
+    CListUse() { InterlockedIncrement(&s_nListUsers); }
+    ~CListUse() { InterlockedDecrement(&s_nListUsers); }
+    CListUse(const CListUse &) = delete;
+    CListUse &operator=(const CListUse &) = delete;
+};
+
+// At the end of the process. A thread that is in the list still keeps what it has.
+void DeleteHandlers()
+{
+    CReportHandler *node = __atomic_exchange_n(
+        &s_pFirstHandler, static_cast<CReportHandler *>(nullptr), __ATOMIC_SEQ_CST);
+    if (Load(&s_nListUsers) != 0)
+        return;
+    while (node) {
+        CReportHandler *next = node->next;
+        delete node;
+        node = next;
+    }
 }
 
 // False when there is none, or when it is longer than a path may be.
@@ -56,6 +82,7 @@ void CURegisterExceptionHandler(void (*handler)(FILE *))
 {
     if (!handler)
         return;
+    const CListUse use;
     CReportHandler *node = nullptr;
     CReportHandler **place = &s_pFirstHandler;
     for (;;) {
@@ -67,8 +94,11 @@ void CURegisterExceptionHandler(void (*handler)(FILE *))
             break;
         if (!node)
             node = new CReportHandler{handler, nullptr};
-        if (Exchange<CReportHandler *>(place, nullptr, node))
+        if (Exchange<CReportHandler *>(place, nullptr, node)) {
+            if (place == &s_pFirstHandler)
+                atexit(DeleteHandlers);
             return;
+        }
     }
     delete node;
 }
@@ -77,6 +107,7 @@ void CUUnregisterExceptionHandler(void (*handler)(FILE *))
 {
     if (!handler)
         return;
+    const CListUse use;
     for (CReportHandler *node = Load(&s_pFirstHandler); node; node = Load(&node->next)) {
         if (Exchange<void (*)(FILE *)>(&node->handler, handler, nullptr))
             return;
@@ -100,6 +131,7 @@ FILE *CUOpenReport()
 
 void CUCloseReport(FILE *file)
 {
+    const CListUse use;
     for (CReportHandler *node = Load(&s_pFirstHandler); node; node = Load(&node->next)) {
         void (*handler)(FILE *) = Load(&node->handler);
         if (!handler)
@@ -115,11 +147,13 @@ int CUPurgeTraceFiles(int daysToKeep)
 {
     const CCUKeepLastError keepLastError;
     const CCUTime now;
+    // At noon, so that days of 23 and 25 hours do not count for another.
+    const CCUTime noon(now.GetYear(), now.GetMonth(), now.GetDay(), 12, 0, 0);
     CCUString sTempDir;
     if (daysToKeep >= now.GetTime() / SecondsOfDay || !FindTempDirectory(sTempDir))
         return 0;
     const CCUTimeSpan age(daysToKeep > 0 ? daysToKeep * SecondsOfDay : 0);
-    const CCUString sOldestToKeep = (now - age).Format("ZELTrace-%Y-%m-%d.txt");
+    const CCUString sOldestToKeep = (noon - age).Format("ZELTrace-%Y-%m-%d.txt");
     WIN32_FIND_DATAA data;
     const HANDLE find = FindFirstFileA(sTempDir + TraceFilePattern, &data);
     if (find == INVALID_HANDLE_VALUE)

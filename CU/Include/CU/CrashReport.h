@@ -13,7 +13,7 @@ CU_API void CUStartExceptionHandler();
 // first.
 CU_API void CUShutdownAfterCrash(bool bShutdown);
 
-// Deletes the trace files of the temporary directory, "ZELTrace-YYYY-MM-DD.txt", that are older
-// than the daysToKeep newest days that have one, each with a line in the trace. Today's is among
-// those kept unless daysToKeep is below 1. Returns how many were deleted.
+// Deletes the trace files of the temporary directory, "ZELTrace-YYYY-MM-DD.txt", of days that lie
+// more than daysToKeep days back, each with the line "Deleting trace file: %s\n" in the trace.
+// Today's is always kept; below 0 counts as 0. Returns how many were deleted.
 CU_API int CUPurgeTraceFiles(int daysToKeep = 30);
