@@ -22,21 +22,18 @@ public:
     void HandleUpdate(unsigned int nID) override
     {
         m_updates.push_back(nID);
-        if (m_onUpdate)
-            m_onUpdate();
+        m_onUpdate();
     }
     unsigned short GetState(unsigned int) override
     {
-        const unsigned short nState = m_nState;
-        if (m_onState)
-            m_onState();
-        return nState;
+        m_onState();
+        return m_nState;
     }
     CCUString GetShortTT(unsigned int) override { return "Open"; }
 
     unsigned short m_nState = CUI_COMMAND_ACTIVE;
     Ids m_updates;
-    std::function<void()> m_onUpdate, m_onState;
+    std::function<void()> m_onUpdate = [] {}, m_onState = [] {};
 };
 
 // Whether the tables reach to the identifier.
@@ -148,7 +145,7 @@ TEST(CommandMap, IdlePassSurvivesWhatHandlersDo)
     EXPECT_FALSE(first || victim);
     EXPECT_EQ(Ids(), leaving.m_updates);
     EXPECT_EQ(1u, added.size());
-    growing.m_onUpdate = nullptr;
+    growing.m_onUpdate = [] {};
     CCUICommandMap::IdleUpdate();
     EXPECT_EQ(2u, added.size());
     EXPECT_EQ((Ids{10001, 10001}), last.m_updates);
@@ -156,7 +153,6 @@ TEST(CommandMap, IdlePassSurvivesWhatHandlersDo)
 
 TEST(CommandMap, DumpsEveryEntry)
 {
-    CReports reports;
     CDumped trace;
     CCommand command(1002, 2);
     command.m_nState = 0xFF;
@@ -169,7 +165,7 @@ TEST(CommandMap, DumpsEveryEntry)
               trace.m_text);
 }
 
-TEST(CommandHandler, DrawsIdentifiersInBlocksOrServesNone)
+TEST(CommandHandler, DrawsIdentifiersInBlocksOrServesNoneAndChecksItsRange)
 {
     CReports reports;
     CCommand block(0, 3);
@@ -180,11 +176,8 @@ TEST(CommandHandler, DrawsIdentifiersInBlocksOrServesNone)
     EXPECT_EQ(Texts(), reports.Asserts());
     EXPECT_EQ(0u, CCommand(0xFFFFFFFB, 2).GetID());
     EXPECT_EQ(Texts{"CommandHandler: nIDRange == 1"}, reports.Asserts());
-}
 
-TEST(CommandHandler, DefaultsCheckTheRange)
-{
-    CReports reports;
+    // The defaults check the identifier.
     CCUICommandHandler handler(2000, 2);
     handler.HandleCommand(0);
     handler.HandleUpdate(0);

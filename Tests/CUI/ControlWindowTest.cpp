@@ -29,8 +29,7 @@ public:
         if (message == CUI_WM_LAYOUT || message == CUI_WM_CHILDFOCUS || message == CUI_WM_TABKEY) {
             const auto hWnd = reinterpret_cast<HWND>(wParam);
             const char *pszWho = !hWnd ? "all" : GetParent(hWnd) == m_hWnd ? "a child" : "nobody";
-            m_told.push_back(
-                Text("%d %d of %s", message - WM_USER, static_cast<int>(lParam), pszWho));
+            m_told.push_back(Text("%d %ld of %s", message - WM_USER, lParam, pszWho));
             return 7;
         }
         return CCUIWindow::OnMessage(message, wParam, lParam);
@@ -130,7 +129,7 @@ TEST(ControlWindow, PublishesItsLayoutDataWhileItHasAWindow)
               reports.Asserts());
 }
 
-TEST(ControlWindow, TellsTheParentOfChangesOnce)
+TEST(ControlWindow, TellsTheParentOfChangesOnceAndRepaintsInANewColor)
 {
     CLayout layout;
     CControl control(layout);
@@ -163,13 +162,7 @@ TEST(ControlWindow, TellsTheParentOfChangesOnce)
         EXPECT_EQ(step.nFlags, control.GetLayoutFlags());
         EXPECT_EQ(step.nSize, control.GetFixedSize());
     }
-}
-
-TEST(ControlWindow, RepaintsWithItsSurroundingsInANewColor)
-{
-    CLayout layout;
-    CControl control(layout);
-    layout.Told();
+    // A new colour repaints the window and what is around it.
     control.SetColorChanging(1);
     control.SetWindowColor(0x3FFFFFF);
     EXPECT_EQ(1, control.GetColorChanging());
