@@ -45,6 +45,7 @@ class LauncherTest(unittest.TestCase):
     def start(self, **options):
         launcher = Launcher(BUILD, self.disc, caption=self.caption, **options)
         self.addCleanup(launcher.__exit__)
+        self.addCleanup(launcher.release)  # no test begins with the button held down
         launcher.wait_until_shown(self.pictures[NONE].size)
         launcher.wait_for_picture(self.pictures[NONE], "the first picture")
         return launcher
@@ -158,8 +159,8 @@ class Mouse(LauncherTest):
             self.over(launcher, HELP)
             self.expect(launcher, NONE)
             launcher.remote("send", message, 0, 0)
-            self.over(launcher, NONE)
-            self.expect(launcher, NONE)
+            self.over(launcher, RUN)  # onto another line: only a change is painted
+            self.expect(launcher, RUN)
             self.over(launcher, HELP)
             self.expect(launcher, HELP)  # nothing is held any more
             self.over(launcher, RUN)
