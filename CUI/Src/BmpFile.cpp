@@ -41,10 +41,11 @@ bool FindParts(CFileParts &parts, const BITMAPINFOHEADER &header, DWORD nOffset,
     const LONGLONG nRow =
         ((static_cast<LONGLONG>(header.biBitCount) * header.biWidth >> 3) + 1) & ~1;
     const LONGLONG nHeight = header.biHeight;
-    if (nTable > nFile - nHeaders || nRow < 0 || nRow > nFile)
+    if (nTable > nFile - nHeaders || nRow < 0 || (nRow > nFile && nHeight != 0))
         return false;
     const ULONGLONG nPixels = static_cast<ULONGLONG>(nRow * (nHeight < 0 ? -nHeight : nHeight));
-    const DWORD nAvailable = nOffset < nFile ? nFile - nOffset : 0;
+    // Files are not sought beyond what a long holds.
+    const DWORD nAvailable = nOffset < nFile && nOffset <= LONG_MAX ? nFile - nOffset : 0;
     if (nPixels > nAvailable || nPixels > LONG_MAX)
         return false;
     parts.m_nTable = static_cast<DWORD>(nTable);

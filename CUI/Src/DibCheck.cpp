@@ -26,10 +26,9 @@ ULONGLONG ReadHeader(const CAnyHeader &any, BITMAPINFOHEADER &header)
         return sizeof any.m_core + nColors * static_cast<ULONGLONG>(sizeof(RGBTRIPLE));
     }
     header = any.m_info;
-    const DWORD nMasks = header.biCompression == BI_BITFIELDS ? 3 * sizeof(DWORD) : 0;
     const DWORD nColors = CUIDibColorCount(header);
     const DWORD nKept = nColors < CUI_DIB_MAX_COLORS ? nColors : CUI_DIB_MAX_COLORS;
-    return static_cast<ULONGLONG>(header.biSize) + nMasks + CUIDibTableSize(nKept);
+    return CUIDibHeaderSize(header) + CUIDibTableSize(nKept);
 }
 
 // nPixels: where the pixels are said to be, 0: after the colours. nSize: all bytes from the header.

@@ -23,12 +23,10 @@ bool IsCompressed(const BITMAPINFOHEADER &header)
     return header.biCompression != BI_RGB && header.biCompression != BI_BITFIELDS;
 }
 
-// The bytes after the header in which GDI looks for colours or colour masks.
+// The bytes in which GDI looks for colours.
 ULONGLONG TableSize(const BITMAPINFOHEADER &header)
 {
-    if (header.biCompression == BI_BITFIELDS)
-        return sizeof(DWORD[3]);
-    if (header.biBitCount > 8)
+    if (header.biCompression == BI_BITFIELDS || header.biBitCount > 8)
         return 0;
     const DWORD nMost = 1U << header.biBitCount;
     const DWORD nColors = CUIDibColorCount(header);
@@ -57,6 +55,13 @@ DWORD CUIDibColorCount(const BITMAPINFOHEADER &header)
     return header.biBitCount <= 8 ? 1U << header.biBitCount : 0;
 }
 
+ULONGLONG CUIDibHeaderSize(const BITMAPINFOHEADER &header)
+{
+    const DWORD nWithMasks = sizeof header + sizeof(DWORD[3]);
+    return header.biCompression == BI_BITFIELDS && header.biSize < nWithMasks ? nWithMasks
+                                                                              : header.biSize;
+}
+
 ULONGLONG CUIDibImageSize(const BITMAPINFOHEADER &header)
 {
     if (header.biSize < sizeof(BITMAPINFOHEADER) || header.biSize > sizeof(BITMAPV5HEADER) ||
@@ -74,7 +79,7 @@ ULONGLONG CUIDibImageSize(const BITMAPINFOHEADER &header)
 
 ULONGLONG CUIDibExtent(const BITMAPINFOHEADER &header, ULONGLONG nPixels)
 {
-    const ULONGLONG nTableEnd = header.biSize + TableSize(header);
+    const ULONGLONG nTableEnd = CUIDibHeaderSize(header) + TableSize(header);
     const ULONGLONG nImageEnd = nPixels + CUIDibImageSize(header);
     return nTableEnd > nImageEnd ? nTableEnd : nImageEnd;
 }

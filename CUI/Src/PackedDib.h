@@ -19,6 +19,9 @@ inline ULONGLONG CUIDibTableSize(ULONGLONG nColors)
     return nColors * sizeof(RGBQUAD);
 }
 
+// The bytes of the header and, where they follow it, the colour masks: larger headers contain them.
+ULONGLONG CUIDibHeaderSize(const BITMAPINFOHEADER &header);
+
 // The bytes of the pixels as GDI reads them, rows aligned to double words; more than can exist for
 // a header that GDI does not take.
 ULONGLONG CUIDibImageSize(const BITMAPINFOHEADER &header);

@@ -14,15 +14,12 @@
 
 namespace {
 
+const HINSTANCE hModule = GetModuleHandleA(nullptr);
 const char *const pszColors = MAKEINTRESOURCEA(200);  // 16 colours, each once
 const char *const pszShort = MAKEINTRESOURCEA(201);
 const char *const pszNoHeader = MAKEINTRESOURCEA(202);
+const char *const pszLongHeader = MAKEINTRESOURCEA(203);
 const std::vector<DWORD> greys = {0x000000, 0x808080, 0xC0C0C0, 0xFFFFFF};
-
-HINSTANCE Module()
-{
-    return GetModuleHandleA(nullptr);
-}
 
 std::vector<DWORD> Replaced(std::vector<DWORD> pixels, const std::vector<DWORD> &from,
                             const std::vector<DWORD> &to)
@@ -62,13 +59,13 @@ TEST(BmpLoad, ReplacesColoursOnlyWhenAsked)
 {
     const CSysColors colors;
     CUIGetWinData()->UpdateSysColors();
-    const std::vector<DWORD> plain = TakePixels(LoadBitmapA(Module(), pszColors));
+    const std::vector<DWORD> plain = TakePixels(LoadBitmapA(hModule, pszColors));
     ASSERT_EQ(16u, plain.size());
     DWORD from[] = {RGB(0, 0, 0xFF), RGB(0xFF, 0, 0), RGB(0, 0, 0xFF),
                     0xFF000000 | RGB(0, 0xFF, 0)};
     DWORD to[] = {RGB(1, 2, 3), RGB(4, 5, 6), RGB(7, 8, 9), 0x0A000000 | RGB(10, 11, 12)};
     const auto load = [&](bool bMap, int nCount) {
-        return TakePixels(CUIBmpLoad(Module(), pszColors, nullptr, bMap, from, to, nCount));
+        return TakePixels(CUIBmpLoad(hModule, pszColors, nullptr, bMap, from, to, nCount));
     };
     EXPECT_EQ(plain, load(false, 4));
     EXPECT_EQ(plain, load(true, -1));
@@ -79,7 +76,7 @@ TEST(BmpLoad, ReplacesColoursOnlyWhenAsked)
     const CSysColors others(0x10);
     EXPECT_EQ(Replaced(plain, greys, colors.Buttons()), load(true, 0));
     EXPECT_EQ(Replaced(plain, greys, others.Buttons()),
-              TakePixels(CUIBmpLoadBitmap(Module(), pszColors)));
+              TakePixels(CUIBmpLoadBitmap(hModule, pszColors)));
 }
 
 TEST(BmpLoad, OfFilesTakesWhatTheSystemTakes)
@@ -87,8 +84,17 @@ TEST(BmpLoad, OfFilesTakesWhatTheSystemTakes)
     CReports reports;
     CDumped trace;
     const std::string path = reports.Directory().Path() + "\\load.bmp";
-    for (const int nBits : {1, 4, 8, 24, 32}) {
-        const CBmpBytes bmp(7, 5, nBits);
+    const struct
+    {
+        int m_nWidth, m_nBits;
+        DWORD m_nHeader, m_nCompression;
+    } cases[] = {{7, 1, 40, BI_RGB},  {7, 4, 40, BI_RGB},        {7, 8, 40, BI_RGB},
+                 {7, 24, 40, BI_RGB}, {7, 32, 40, BI_RGB},       {1, 32, 40, BI_BITFIELDS},
+                 {7, 8, 124, BI_RGB}, {1, 32, 108, BI_BITFIELDS}};
+    for (const auto &c : cases) {
+        SCOPED_TRACE(&c - cases);
+        CBmpBytes bmp(c.m_nWidth, 1, c.m_nBits);
+        bmp.SetHeader(c.m_nHeader, c.m_nCompression);
         ASSERT_TRUE(WriteBytes(path, bmp.File()));
         HPALETTE hPal = nullptr;
         EXPECT_EQ(bmp.Picture(),
@@ -96,7 +102,8 @@ TEST(BmpLoad, OfFilesTakesWhatTheSystemTakes)
         EXPECT_EQ(bmp.m_table.size(), GetPaletteEntries(hPal, 0, 0, nullptr));
         DeleteObject(hPal);
         // 2^24 colours do not precede the pixels.
-        EXPECT_EQ(nBits > 8 ? std::vector<DWORD>() : bmp.Picture(),
+        const bool bFullTable = c.m_nBits <= 8 && c.m_nHeader == 40;
+        EXPECT_EQ(bFullTable ? bmp.Picture() : std::vector<DWORD>(),
                   TakePixels(CUIBmpLoadBitmapFile(path.c_str(), FALSE)));
     }
     EXPECT_EQ("", trace.m_text);
@@ -105,8 +112,8 @@ TEST(BmpLoad, OfFilesTakesWhatTheSystemTakes)
     bytes.pop_back();
     ASSERT_TRUE(WriteBytes(path, bytes));
     EXPECT_FALSE(CUIBmpLoad(nullptr, path.c_str(), nullptr, false, nullptr, nullptr, 0));
-    EXPECT_FALSE(CUIBmpLoad(Module(), "none", nullptr, false, nullptr, nullptr, 0));
-    EXPECT_FALSE(CUIBmpLoad(Module(), pszShort, nullptr, false, nullptr, nullptr, 0));
+    EXPECT_FALSE(CUIBmpLoad(hModule, "none", nullptr, false, nullptr, nullptr, 0));
+    EXPECT_FALSE(CUIBmpLoad(hModule, pszShort, nullptr, false, nullptr, nullptr, 0));
     EXPECT_EQ("Error loading bitmap " + path + ".\n", trace.m_text);
 }
 
@@ -172,15 +179,28 @@ TEST(BmpLoad, OfLyingDibsStaysInTheMemoryThatThereIs)
     const CBmpBytes good(4, 4, 8);
     CGuardedDib dib(good.Packed(256));
     const BITMAPINFOHEADER kept = dib->bmiHeader;
-    const BITMAPINFOHEADER lies[] = {
-        {40, 4, 5, 1, 8, 0, 0, 0, 0, 0, 0},         {40, 4, LONG_MIN, 1, 8, 0, 0, 0, 0, 0, 0},
-        {40, 5, 4, 1, 8, 0, 0, 0, 0, 0, 0},         {40, -4, 4, 1, 8, 0, 0, 0, 0, 0, 0},
-        {40, 65536, 65536, 1, 8, 0, 0, 0, 0, 0, 0}, {40, 4, 4, 1, 32, 0, 0, 0, 0, 0, 0},
-        {40, 4, 4, 1, 0xFFFF, 0, 0, 0, 0, 0, 0},    {40, 4, 4, 1, 8, BI_RLE8, 17, 0, 0, 0, 0},
-        {44, 4, 4, 1, 8, 0, 0, 0, 0, 0, 0},         {0, 4, 4, 1, 8, 0, 0, 0, 0, 0, 0},
-        {0xFFFFFFFC, 4, 4, 1, 8, 0, 0, 0, 0, 0, 0}};
-    for (const BITMAPINFOHEADER &lie : lies) {
-        dib->bmiHeader = lie;
+    const struct
+    {
+        DWORD m_nHeader;
+        LONG m_nWidth, m_nHeight;
+        WORD m_nBits;
+        DWORD m_nCompression;
+    } lies[] = {{40, 4, 5, 8, 0},  {40, 4, LONG_MIN, 8, 0},  {40, 5, 4, 8, 0},
+                {40, -4, 4, 8, 0}, {40, 65536, 65536, 8, 0}, {40, 4, 4, 32, 0},
+                {44, 4, 4, 8, 0},  {40, 4, 4, 0xFFFF, 0},    {40, 4, 4, 8, BI_RLE8},
+                {0, 4, 4, 8, 0},   {0xFFFFFFFC, 4, 4, 8, 0}};
+    for (const auto &lie : lies) {
+        dib->bmiHeader = {lie.m_nHeader,
+                          lie.m_nWidth,
+                          lie.m_nHeight,
+                          1,
+                          lie.m_nBits,
+                          lie.m_nCompression,
+                          17,
+                          0,
+                          0,
+                          0,
+                          0};
         EXPECT_FALSE(dib.Create()) << &lie - lies;
     }
     dib->bmiHeader = kept;
@@ -196,20 +216,24 @@ TEST(BmpLoad, ReportsMissingResourcesAndRefusesBrokenOnes)
 {
     CReports reports;
     HPALETTE hPal = reinterpret_cast<HPALETTE>(1);
-    EXPECT_FALSE(CUIBmpLoadBitmapPalette(Module(), "none", hPal));
+    EXPECT_FALSE(CUIBmpLoadBitmapPalette(hModule, "none", hPal));
     EXPECT_FALSE(hPal);
-    EXPECT_FALSE(CUIBmpLoadBitmap(Module(), "none"));
+    EXPECT_FALSE(CUIBmpLoadBitmap(hModule, "none"));
     EXPECT_EQ((std::vector<std::string>{"Bmp: hRsrcImage", "Bmp: hRsrcImage"}), reports.Asserts());
     for (const char *pszBroken : {pszShort, pszNoHeader}) {
-        EXPECT_FALSE(CUIBmpLoadBitmap(Module(), pszBroken));
-        EXPECT_FALSE(CUIBmpLoadBitmapPalette(Module(), pszBroken, hPal));
+        EXPECT_FALSE(CUIBmpLoadBitmap(hModule, pszBroken));
+        EXPECT_FALSE(CUIBmpLoadBitmapPalette(hModule, pszBroken, hPal));
         DeleteObject(hPal);
     }
-    EXPECT_FALSE(CUIBmpLoadSysColorBitmap(Module(), nullptr));
-    EXPECT_EQ(TakePixels(LoadBitmapA(Module(), pszColors)),
-              TakePixels(CUIBmpLoadBitmapPalette(Module(), pszColors, hPal)));
+    EXPECT_FALSE(CUIBmpLoadSysColorBitmap(hModule, nullptr));
+    EXPECT_EQ(TakePixels(LoadBitmapA(hModule, pszColors)),
+              TakePixels(CUIBmpLoadBitmapPalette(hModule, pszColors, hPal)));
     EXPECT_EQ(16u, GetPaletteEntries(hPal, 0, 0, nullptr));
     DeleteObject(hPal);
+    EXPECT_EQ(std::vector<DWORD>{0x123456},
+              TakePixels(CUIBmpLoadBitmapPalette(hModule, pszLongHeader, hPal)));
+    EXPECT_EQ(std::vector<DWORD>{0x123456},
+              TakePixels(CUIBmpLoad(hModule, pszLongHeader, nullptr, false, nullptr, nullptr, 0)));
     EXPECT_TRUE(reports.Asserts().empty());
 }
 
@@ -268,17 +292,17 @@ TEST(BmpLoad, LeaksNothingWhicheverCallFails)
     ASSERT_TRUE(WriteBytes(path, CBmpBytes(8, 2, 4).File()));
     const auto callEverything = [&] {
         HPALETTE hPals[4] = {};
-        const CCUIBitmap bitmap(200, CUIBMP_PALETTE, Module());
+        const CCUIBitmap bitmap(200, CUIBMP_PALETTE, hModule);
         DWORD dwHeaderSize = 0;
         const HBITMAP hBitmap =
-            CUIBmpLoad(Module(), pszColors, &hPals[0], true, nullptr, nullptr, 0);
+            CUIBmpLoad(hModule, pszColors, &hPals[0], true, nullptr, nullptr, 0);
         hPals[1] = CUICopyPalette(hPals[0]);
         free(CUIBitmapToDib(hBitmap, hPals[0], dwHeaderSize));
         const HBITMAP hOthers[] = {hBitmap,
                                    CUICopyBitmap(hBitmap, 8, 2, hPals[0]),
-                                   CUIBmpLoadBitmapPalette(Module(), pszColors, hPals[2]),
+                                   CUIBmpLoadBitmapPalette(hModule, pszColors, hPals[2]),
                                    CUIBmpLoadBitmapFilePalette(path.c_str(), hPals[3]),
-                                   CUIBmpLoadBitmap(Module(), pszColors),
+                                   CUIBmpLoadBitmap(hModule, pszColors),
                                    CUIBmpLoadBitmapFile(path.c_str(), TRUE)};
         for (const HBITMAP hOther : hOthers)
             DeleteObject(hOther);

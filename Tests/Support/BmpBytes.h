@@ -14,6 +14,7 @@ struct CBmpBytes
 {
     BITMAPFILEHEADER m_file = {0x4D42, 0, 0, 0, 0};
     BITMAPINFOHEADER m_info;
+    std::vector<BYTE> m_rest;  // what follows the first 40 bytes of a longer header, or masks
     std::vector<RGBQUAD> m_table;
     std::vector<BYTE> m_pixels;
 
@@ -34,6 +35,18 @@ struct CBmpBytes
                 Store(&m_pixels[static_cast<size_t>(nRow * (nHeight < 0 ? y : nRows - 1 - y))], x,
                       ValueAt(x, y));
         m_pixels.resize(m_pixels.size() - 4);
+    }
+
+    // A header of that size. The masks of BI_BITFIELDS are in a longer one and follow one of 40.
+    void SetHeader(DWORD nSize, DWORD nCompression)
+    {
+        const DWORD masks16[] = {0xF800, 0x07E0, 0x001F}, masks32[] = {0xFF0000, 0xFF00, 0xFF};
+        m_info.biSize = nSize;
+        m_info.biCompression = nCompression;
+        m_rest.resize(nSize > 40 ? nSize - 40 : nCompression == BI_BITFIELDS ? 12 : 0);
+        if (nCompression == BI_BITFIELDS)
+            memcpy(m_rest.data(), m_info.biBitCount == 16 ? masks16 : masks32, 12);
+        m_file.bfOffBits += static_cast<DWORD>(m_rest.size());
     }
 
     // 0xRRGGBB, y from the top.
@@ -62,6 +75,7 @@ struct CBmpBytes
         memcpy(bytes.data(), &m_info, sizeof m_info);
         if (!m_table.empty())
             memcpy(&bytes[sizeof m_info], m_table.data(), m_table.size() * sizeof(RGBQUAD));
+        bytes.insert(bytes.begin() + sizeof m_info, m_rest.begin(), m_rest.end());
         bytes.insert(bytes.end(), m_pixels.begin(), m_pixels.end());
         return bytes;
     }
