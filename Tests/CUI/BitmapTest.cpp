@@ -102,8 +102,8 @@ TEST(Bitmap, MayBeCopiedOnManyThreads)
 TEST(Bitmap, IsLoadedByIdNameAndDecimalText)
 {
     CReports reports;
-    const std::vector<DWORD> colors = TakePixels(LoadBitmapA(hModule, MAKEINTRESOURCEA(200)));
-    const std::vector<DWORD> named = TakePixels(LoadBitmapA(hModule, "NAMED"));
+    const CPixels colors = TakePixels(LoadBitmapA(hModule, MAKEINTRESOURCEA(200)));
+    const CPixels named = TakePixels(LoadBitmapA(hModule, "NAMED"));
     ASSERT_TRUE(colors.size() == 16 && named.size() == 8);
     const std::string path = reports.Directory().Path() + "\\load.bmp";
     const CBmpBytes bmp(5, 4, 8);
@@ -112,7 +112,7 @@ TEST(Bitmap, IsLoadedByIdNameAndDecimalText)
     {
         std::string m_text;
         WORD m_wFlags;
-        std::vector<DWORD> m_pixels;
+        CPixels m_pixels;
         UINT m_nPalette;
     } names[] = {{"NAMED", CUIBMP_RESOURCE | CUIBMP_PALETTE, named, 2},
                  {"200", CUIBMP_RESOURCE, colors, 0},
@@ -163,15 +163,15 @@ TEST(Bitmap, LoadedAgainTakesOtherColoursAndLeavesItsCopiesAlone)
     const WORD wFlags = CUIBMP_SYSCOLORS | CUIBMP_PALETTE;
     const CCUIBitmap sources[] = {CCUIBitmap(200, wFlags, hModule),
                                   CCUIBitmap(CCUString("200"), wFlags | CUIBMP_RESOURCE, hModule)};
-    const std::vector<DWORD> plain = TakePixels(LoadBitmapA(hModule, MAKEINTRESOURCEA(200)));
+    const CPixels plain = TakePixels(LoadBitmapA(hModule, MAKEINTRESOURCEA(200)));
     for (const CCUIBitmap &source : sources) {
-        const std::vector<DWORD> before = PixelsOf(source);
+        const CPixels before = PixelsOf(source);
         EXPECT_EQ(colors.Buttons()[2], before[10]);
         CCUIBitmap copy(source);
         copy.ReLoad(from, to, 1);
         EXPECT_EQ(1, copy.GetData()->m_nRefs);
         EXPECT_EQ(before, PixelsOf(source));
-        std::vector<DWORD> expected = plain;
+        CPixels expected = plain;
         expected[12] = 0x010203;
         EXPECT_EQ(expected, PixelsOf(copy));
         EXPECT_NE(static_cast<HPALETTE>(source), static_cast<HPALETTE>(copy));

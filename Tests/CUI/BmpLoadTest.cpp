@@ -1,4 +1,5 @@
 #include <gtest/gtest.h>
+#include <map>
 
 #include "CU/String.h"
 #include "CUI/Bitmap.h"
@@ -19,18 +20,23 @@ const char *const pszColors = MAKEINTRESOURCEA(200);  // 16 colours, each once
 const char *const pszShort = MAKEINTRESOURCEA(201);
 const char *const pszNoHeader = MAKEINTRESOURCEA(202);
 const char *const pszLongHeader = MAKEINTRESOURCEA(203);
-const std::vector<DWORD> greys = {0x000000, 0x808080, 0xC0C0C0, 0xFFFFFF};
 
-std::vector<DWORD> Replaced(std::vector<DWORD> pixels, const std::vector<DWORD> &from,
-                            const std::vector<DWORD> &to)
+CPixels Load(const char *pszName)
 {
-    for (DWORD &pixel : pixels) {
-        size_t i = 0;
-        while (i < from.size() && pixel != from[i])
-            ++i;
-        pixel = i < from.size() ? to[i] : pixel;
-    }
+    return TakePixels(CUIBmpLoad(hModule, pszName, nullptr, false, nullptr, nullptr, 0));
+}
+
+CPixels Replaced(CPixels pixels, const std::map<DWORD, DWORD> &map)
+{
+    for (DWORD &pixel : pixels)
+        pixel = map.count(pixel) ? map.at(pixel) : pixel;
     return pixels;
+}
+
+CPixels WithButtons(const CPixels &pixels, const CSysColors &colors)
+{
+    const CPixels to = colors.Buttons();
+    return Replaced(pixels, {{0, to[0]}, {0x808080, to[1]}, {0xC0C0C0, to[2]}, {0xFFFFFF, to[3]}});
 }
 
 // A packed DIB that ends where nobody may read.
@@ -43,10 +49,11 @@ public:
     }
     BITMAPINFO *operator->() { return reinterpret_cast<BITMAPINFO *>(m_buffer.Data()); }
     HPALETTE Palette(int &nColors) { return CUIBmpCreateDIBPalette(operator->(), &nColors); }
-    HBITMAP Create(HPALETTE *phPal = nullptr, DWORD *pFrom = nullptr, DWORD *pTo = nullptr,
+    CPixels Create(HPALETTE *phPal = nullptr, DWORD *pFrom = nullptr, DWORD *pTo = nullptr,
                    int nCount = 0)
     {
-        return CUIBmpCreateBitmap(&operator->()->bmiHeader, phPal, nCount > 0, pFrom, pTo, nCount);
+        return TakePixels(
+            CUIBmpCreateBitmap(&operator->()->bmiHeader, phPal, nCount > 0, pFrom, pTo, nCount));
     }
 
 private:
@@ -59,10 +66,9 @@ TEST(BmpLoad, ReplacesColoursOnlyWhenAsked)
 {
     const CSysColors colors;
     CUIGetWinData()->UpdateSysColors();
-    const std::vector<DWORD> plain = TakePixels(LoadBitmapA(hModule, pszColors));
+    const CPixels plain = TakePixels(LoadBitmapA(hModule, pszColors));
     ASSERT_EQ(16u, plain.size());
-    DWORD from[] = {RGB(0, 0, 0xFF), RGB(0xFF, 0, 0), RGB(0, 0, 0xFF),
-                    0xFF000000 | RGB(0, 0xFF, 0)};
+    DWORD from[] = {RGB(0, 0, 0xFF), RGB(0xFF, 0, 0), RGB(0, 0, 0xFF), 0xFF00FF00};
     DWORD to[] = {RGB(1, 2, 3), RGB(4, 5, 6), RGB(7, 8, 9), 0x0A000000 | RGB(10, 11, 12)};
     const auto load = [&](bool bMap, int nCount) {
         return TakePixels(CUIBmpLoad(hModule, pszColors, nullptr, bMap, from, to, nCount));
@@ -70,51 +76,12 @@ TEST(BmpLoad, ReplacesColoursOnlyWhenAsked)
     EXPECT_EQ(plain, load(false, 4));
     EXPECT_EQ(plain, load(true, -1));
     // The first match counts, and the caller's values are not resolved.
-    EXPECT_EQ(Replaced(plain, {0x0000FF, 0xFF0000, 0x00FF00}, {0x010203, 0x040506, 0x0A0B0C}),
+    EXPECT_EQ(Replaced(plain, {{0x0000FF, 0x010203}, {0xFF0000, 0x040506}, {0x00FF00, 0x0A0B0C}}),
               load(true, 4));
     // CUIData's colours here, the system's present ones there.
     const CSysColors others(0x10);
-    EXPECT_EQ(Replaced(plain, greys, colors.Buttons()), load(true, 0));
-    EXPECT_EQ(Replaced(plain, greys, others.Buttons()),
-              TakePixels(CUIBmpLoadBitmap(hModule, pszColors)));
-}
-
-TEST(BmpLoad, OfFilesTakesWhatTheSystemTakes)
-{
-    CReports reports;
-    CDumped trace;
-    const std::string path = reports.Directory().Path() + "\\load.bmp";
-    const struct
-    {
-        int m_nWidth, m_nBits;
-        DWORD m_nHeader, m_nCompression;
-    } cases[] = {{7, 1, 40, BI_RGB},  {7, 4, 40, BI_RGB},        {7, 8, 40, BI_RGB},
-                 {7, 24, 40, BI_RGB}, {7, 32, 40, BI_RGB},       {1, 32, 40, BI_BITFIELDS},
-                 {7, 8, 124, BI_RGB}, {1, 32, 108, BI_BITFIELDS}};
-    for (const auto &c : cases) {
-        SCOPED_TRACE(&c - cases);
-        CBmpBytes bmp(c.m_nWidth, 1, c.m_nBits);
-        bmp.SetHeader(c.m_nHeader, c.m_nCompression);
-        ASSERT_TRUE(WriteBytes(path, bmp.File()));
-        HPALETTE hPal = nullptr;
-        EXPECT_EQ(bmp.Picture(),
-                  TakePixels(CUIBmpLoad(nullptr, path.c_str(), &hPal, false, nullptr, nullptr, 0)));
-        EXPECT_EQ(bmp.m_table.size(), GetPaletteEntries(hPal, 0, 0, nullptr));
-        DeleteObject(hPal);
-        // 2^24 colours do not precede the pixels.
-        const bool bFullTable = c.m_nBits <= 8 && c.m_nHeader == 40;
-        EXPECT_EQ(bFullTable ? bmp.Picture() : std::vector<DWORD>(),
-                  TakePixels(CUIBmpLoadBitmapFile(path.c_str(), FALSE)));
-    }
-    EXPECT_EQ("", trace.m_text);
-    // A byte short, LoadImage would read beyond the end.
-    std::vector<BYTE> bytes = CBmpBytes(7, 5, 32).File();
-    bytes.pop_back();
-    ASSERT_TRUE(WriteBytes(path, bytes));
-    EXPECT_FALSE(CUIBmpLoad(nullptr, path.c_str(), nullptr, false, nullptr, nullptr, 0));
-    EXPECT_FALSE(CUIBmpLoad(hModule, "none", nullptr, false, nullptr, nullptr, 0));
-    EXPECT_FALSE(CUIBmpLoad(hModule, pszShort, nullptr, false, nullptr, nullptr, 0));
-    EXPECT_EQ("Error loading bitmap " + path + ".\n", trace.m_text);
+    EXPECT_EQ(WithButtons(plain, colors), load(true, 0));
+    EXPECT_EQ(WithButtons(plain, others), TakePixels(CUIBmpLoadBitmap(hModule, pszColors)));
 }
 
 TEST(BmpLoad, OfPackedDibsRewritesTheTableInPlace)
@@ -122,28 +89,18 @@ TEST(BmpLoad, OfPackedDibsRewritesTheTableInPlace)
     for (const int nBits : {1, 4, 8, 24}) {
         const CBmpBytes bmp(9, -3, nBits);
         CGuardedDib dib(bmp.Packed(256));
-        EXPECT_EQ(bmp.Picture(), TakePixels(dib.Create()));
+        EXPECT_EQ(bmp.Picture(), dib.Create());
         if (nBits > 8)
             continue;
-        // The second entry is no plain colour.
-        const RGBQUAD &first = bmp.m_table[0];
-        const RGBQUAD &second = bmp.m_table[1];
-        dib->bmiColors[1].rgbReserved = 1;
-        DWORD from[] = {RGB(first.rgbRed, first.rgbGreen, first.rgbBlue),
-                        RGB(second.rgbRed, second.rgbGreen, second.rgbBlue)};
+        dib->bmiColors[1].rgbReserved = 1;  // no plain colour
+        DWORD from[] = {bmp.TableRef(0), bmp.TableRef(1)};
         DWORD to[] = {RGB(1, 2, 3), RGB(4, 5, 6)};
         HPALETTE hPal = nullptr;
-        EXPECT_EQ(
-            Replaced(bmp.Picture(),
-                     {static_cast<DWORD>(first.rgbRed << 16 | first.rgbGreen << 8 | first.rgbBlue)},
-                     {0x010203}),
-            TakePixels(dib.Create(&hPal, from, to, 2)));
-        PALETTEENTRY entry = {};
-        GetPaletteEntries(hPal, 0, 1, &entry);
-        EXPECT_EQ(RGB(1, 2, 3), RGB(entry.peRed, entry.peGreen, entry.peBlue));
-        DeleteObject(hPal);
+        EXPECT_EQ(Replaced(bmp.Picture(), {{bmp.TableColor(0), 0x010203}}),
+                  dib.Create(&hPal, from, to, 2));
+        EXPECT_EQ(to[0], TakeEntries(hPal)[0]);
         EXPECT_EQ(1, dib->bmiColors[0].rgbRed);
-        EXPECT_EQ(second.rgbRed, dib->bmiColors[1].rgbRed);
+        EXPECT_EQ(bmp.m_table[1].rgbRed, dib->bmiColors[1].rgbRed);
     }
 }
 
@@ -158,13 +115,10 @@ TEST(BmpLoad, OfLyingDibsStaysInTheMemoryThatThereIs)
     bmp.m_pixels.assign(bmp.m_pixels.size(), 0);
     CGuardedDib many(bmp.Packed(256));
     HPALETTE hPal = nullptr;
-    DeleteObject(many.Create(&hPal, black, white, 1));
+    many.Create(&hPal, black, white, 1);
     EXPECT_EQ(0, many->bmiColors[256].rgbRed);
-    const HPALETTE hPalettes[] = {hPal, many.Palette(nColors)};
-    for (const HPALETTE hPalette : hPalettes) {
-        EXPECT_EQ(256u, GetPaletteEntries(hPalette, 0, 0, nullptr));
-        DeleteObject(hPalette);
-    }
+    EXPECT_EQ(256u, TakeEntries(hPal).size());
+    EXPECT_EQ(256u, TakeEntries(many.Palette(nColors)).size());
     EXPECT_EQ(1000, nColors);
     // A table that ends early, and none.
     std::vector<BYTE> bytes = CBmpBytes(4, 4, 8).Packed(256);
@@ -172,13 +126,12 @@ TEST(BmpLoad, OfLyingDibsStaysInTheMemoryThatThereIs)
     CGuardedDib cut(bytes);
     EXPECT_FALSE(cut.Palette(nColors));
     EXPECT_EQ(256, nColors);
-    EXPECT_FALSE(cut.Create());
+    EXPECT_EQ(CPixels(), cut.Create());
     EXPECT_FALSE(CGuardedDib(CBmpBytes(4, 4, 24).Packed(0)).Palette(nColors));
     EXPECT_EQ(0, nColors);
 
     const CBmpBytes good(4, 4, 8);
     CGuardedDib dib(good.Packed(256));
-    const BITMAPINFOHEADER kept = dib->bmiHeader;
     const struct
     {
         DWORD m_nHeader;
@@ -201,40 +154,41 @@ TEST(BmpLoad, OfLyingDibsStaysInTheMemoryThatThereIs)
                           0,
                           0,
                           0};
-        EXPECT_FALSE(dib.Create()) << &lie - lies;
+        EXPECT_EQ(CPixels(), dib.Create()) << &lie - lies;
     }
-    dib->bmiHeader = kept;
+    dib->bmiHeader = good.m_info;
     // A table that cannot be written to.
     DWORD old = 0;
-    VirtualProtect(&dib->bmiHeader, sizeof kept + 1024, PAGE_READONLY, &old);
-    EXPECT_FALSE(dib.Create(nullptr, black, white, 1));
-    EXPECT_EQ(good.Picture(), TakePixels(dib.Create()));
+    VirtualProtect(&dib->bmiHeader, sizeof(BITMAPINFOHEADER) + 1024, PAGE_READONLY, &old);
+    EXPECT_EQ(CPixels(), dib.Create(nullptr, black, white, 1));
+    EXPECT_EQ(good.Picture(), dib.Create());
     EXPECT_FALSE(CUIBmpCreateBitmap(nullptr, nullptr, false, nullptr, nullptr, 0));
 }
 
 TEST(BmpLoad, ReportsMissingResourcesAndRefusesBrokenOnes)
 {
     CReports reports;
+    CDumped trace;
     HPALETTE hPal = reinterpret_cast<HPALETTE>(1);
     EXPECT_FALSE(CUIBmpLoadBitmapPalette(hModule, "none", hPal));
     EXPECT_FALSE(hPal);
     EXPECT_FALSE(CUIBmpLoadBitmap(hModule, "none"));
     EXPECT_EQ((std::vector<std::string>{"Bmp: hRsrcImage", "Bmp: hRsrcImage"}), reports.Asserts());
+    EXPECT_EQ(CPixels(), Load("none"));
     for (const char *pszBroken : {pszShort, pszNoHeader}) {
         EXPECT_FALSE(CUIBmpLoadBitmap(hModule, pszBroken));
         EXPECT_FALSE(CUIBmpLoadBitmapPalette(hModule, pszBroken, hPal));
         DeleteObject(hPal);
+        EXPECT_EQ(CPixels(), Load(pszBroken));
     }
     EXPECT_FALSE(CUIBmpLoadSysColorBitmap(hModule, nullptr));
     EXPECT_EQ(TakePixels(LoadBitmapA(hModule, pszColors)),
               TakePixels(CUIBmpLoadBitmapPalette(hModule, pszColors, hPal)));
-    EXPECT_EQ(16u, GetPaletteEntries(hPal, 0, 0, nullptr));
-    DeleteObject(hPal);
-    EXPECT_EQ(std::vector<DWORD>{0x123456},
-              TakePixels(CUIBmpLoadBitmapPalette(hModule, pszLongHeader, hPal)));
-    EXPECT_EQ(std::vector<DWORD>{0x123456},
-              TakePixels(CUIBmpLoad(hModule, pszLongHeader, nullptr, false, nullptr, nullptr, 0)));
+    EXPECT_EQ(16u, TakeEntries(hPal).size());
+    EXPECT_EQ(CPixels{0x123456}, Load(pszLongHeader));
+    EXPECT_EQ(CPixels{0x123456}, TakePixels(CUIBmpLoadBitmapPalette(hModule, pszLongHeader, hPal)));
     EXPECT_TRUE(reports.Asserts().empty());
+    EXPECT_EQ(std::string::npos, trace.m_text.find("Error loading"));
 }
 
 TEST(BmpCopy, OfABitmapIsItsTopLeftPartOrAPackedDibAgain)
@@ -251,13 +205,12 @@ TEST(BmpCopy, OfABitmapIsItsTopLeftPartOrAPackedDibAgain)
         BITMAPINFOHEADER *pbih = CUIBitmapToDib(hSection, nullptr, dwHeaderSize);
         ASSERT_TRUE(pbih);
         EXPECT_EQ(packed.size() - bmp.m_pixels.size(), dwHeaderSize);
-        EXPECT_EQ(nBits, pbih->biBitCount);
-        EXPECT_EQ(3, pbih->biHeight);
+        EXPECT_TRUE(pbih->biBitCount == nBits && pbih->biHeight == 3);
         EXPECT_EQ(0, memcmp(pbih + 1, &packed[sizeof *pbih], packed.size() - sizeof *pbih));
         free(pbih);
-        EXPECT_EQ((std::vector<DWORD>{bmp.ColorAt(0, 0), bmp.ColorAt(1, 0), bmp.ColorAt(0, 1),
-                                      bmp.ColorAt(1, 1)}),
-                  TakePixels(CUICopyBitmap(hSection, 2, 2, nullptr)));
+        EXPECT_EQ(
+            (CPixels{bmp.ColorAt(0, 0), bmp.ColorAt(1, 0), bmp.ColorAt(0, 1), bmp.ColorAt(1, 1)}),
+            TakePixels(CUICopyBitmap(hSection, 2, 2, nullptr)));
         DeleteObject(hSection);
     }
     EXPECT_FALSE(CUIBitmapToDib(nullptr, nullptr, dwHeaderSize));
@@ -267,21 +220,13 @@ TEST(BmpCopy, OfAPaletteHasItsEntriesAndIsTraced)
 {
     CReports reports;
     CDumped trace;
-    const CBmpBytes bmp(1, 1, 4);
     int nColors = 0;
-    const HPALETTE hPal = CGuardedDib(bmp.Packed(16)).Palette(nColors);
+    const HPALETTE hPal = CGuardedDib(CBmpBytes(1, 1, 1).Packed(2)).Palette(nColors);
     const HPALETTE hCopy = CUICopyPalette(hPal);
     DeleteObject(hPal);
     CUIDumpPalette(hCopy);
     DeleteObject(hCopy);
-    std::string expected = "Palette (16 entries)\n";
-    for (int i = 0; i < 16; ++i) {
-        char szLine[64];
-        const RGBQUAD &color = bmp.m_table[static_cast<size_t>(i)];
-        sprintf(szLine, "%03d: (%d, %d, %d)\n", i, color.rgbRed, color.rgbGreen, color.rgbBlue);
-        expected += szLine;
-    }
-    EXPECT_EQ(expected + "\n", trace.m_text);
+    EXPECT_EQ("Palette (2 entries)\n000: (1, 5, 255)\n001: (92, 42, 0)\n\n", trace.m_text);
     EXPECT_FALSE(CUICopyPalette(nullptr));
 }
 
@@ -298,14 +243,12 @@ TEST(BmpLoad, LeaksNothingWhicheverCallFails)
             CUIBmpLoad(hModule, pszColors, &hPals[0], true, nullptr, nullptr, 0);
         hPals[1] = CUICopyPalette(hPals[0]);
         free(CUIBitmapToDib(hBitmap, hPals[0], dwHeaderSize));
-        const HBITMAP hOthers[] = {hBitmap,
-                                   CUICopyBitmap(hBitmap, 8, 2, hPals[0]),
-                                   CUIBmpLoadBitmapPalette(hModule, pszColors, hPals[2]),
-                                   CUIBmpLoadBitmapFilePalette(path.c_str(), hPals[3]),
-                                   CUIBmpLoadBitmap(hModule, pszColors),
-                                   CUIBmpLoadBitmapFile(path.c_str(), TRUE)};
-        for (const HBITMAP hOther : hOthers)
-            DeleteObject(hOther);
+        for (const HBITMAP h :
+             {hBitmap, CUICopyBitmap(hBitmap, 8, 2, hPals[0]),
+              CUIBmpLoadBitmapPalette(hModule, pszColors, hPals[2]),
+              CUIBmpLoadBitmapFilePalette(path.c_str(), hPals[3]),
+              CUIBmpLoadBitmap(hModule, pszColors), CUIBmpLoadBitmapFile(path.c_str(), TRUE)})
+            DeleteObject(h);
         for (const HPALETTE hPal : hPals)
             DeleteObject(hPal);
     };

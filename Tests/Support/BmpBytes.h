@@ -8,6 +8,9 @@
 
 #include "CU/Platform.h"
 
+// 0xRRGGBB, from the top.
+using CPixels = std::vector<DWORD>;
+
 // A BMP file in memory, every field open, so that a test can lie in any of them. The picture is
 // made of the size and depth; a test knows it by ColorAt.
 struct CBmpBytes
@@ -53,14 +56,20 @@ struct CBmpBytes
     DWORD ColorAt(int x, int y) const
     {
         const DWORD nValue = ValueAt(x, y);
-        if (m_info.biBitCount > 8)
-            return nValue;
-        const RGBQUAD &color = m_table[nValue];
+        return m_info.biBitCount > 8 ? nValue : TableColor(nValue);
+    }
+    DWORD TableColor(size_t i) const
+    {
+        const RGBQUAD &color = m_table[i];
         return static_cast<DWORD>(color.rgbRed << 16 | color.rgbGreen << 8 | color.rgbBlue);
     }
-    std::vector<DWORD> Picture() const
+    COLORREF TableRef(size_t i) const
     {
-        std::vector<DWORD> picture(static_cast<size_t>(m_info.biWidth * abs(m_info.biHeight)));
+        return RGB(m_table[i].rgbRed, m_table[i].rgbGreen, m_table[i].rgbBlue);
+    }
+    CPixels Picture() const
+    {
+        CPixels picture(static_cast<size_t>(m_info.biWidth * abs(m_info.biHeight)));
         int i = 0;
         for (DWORD &pixel : picture) {
             pixel = ColorAt(i % m_info.biWidth, i / m_info.biWidth);
@@ -111,13 +120,13 @@ inline bool WriteBytes(const std::string &path, const std::vector<BYTE> &bytes)
     return file && fclose(file) == 0 && bWritten;
 }
 
-// The pixels of a bitmap as 0xRRGGBB, from the top; none for what is no bitmap.
-inline std::vector<DWORD> PixelsOf(HBITMAP hBitmap)
+// The pixels of a bitmap; none for what is no bitmap.
+inline CPixels PixelsOf(HBITMAP hBitmap)
 {
     BITMAP bm = {};
     GetObjectA(hBitmap, sizeof bm, &bm);
     BITMAPINFO info = {{40, bm.bmWidth, -bm.bmHeight, 1, 32, 0, 0, 0, 0, 0, 0}, {}};
-    std::vector<DWORD> pixels(static_cast<size_t>(bm.bmWidth * bm.bmHeight));
+    CPixels pixels(static_cast<size_t>(bm.bmWidth * bm.bmHeight));
     const HDC hScreen = GetDC(nullptr);
     GetDIBits(hScreen, hBitmap, 0, static_cast<UINT>(bm.bmHeight), pixels.data(), &info,
               DIB_RGB_COLORS);
@@ -128,9 +137,19 @@ inline std::vector<DWORD> PixelsOf(HBITMAP hBitmap)
 }
 
 // The same of one that nobody needs any more.
-inline std::vector<DWORD> TakePixels(HBITMAP hBitmap)
+inline CPixels TakePixels(HBITMAP hBitmap)
 {
-    std::vector<DWORD> pixels = PixelsOf(hBitmap);
+    CPixels pixels = PixelsOf(hBitmap);
     DeleteObject(hBitmap);
     return pixels;
+}
+
+// The colours of a palette that nobody needs any more, as COLORREFs.
+inline std::vector<COLORREF> TakeEntries(HPALETTE hPal)
+{
+    std::vector<COLORREF> colors(GetPaletteEntries(hPal, 0, 0, nullptr));
+    GetPaletteEntries(hPal, 0, static_cast<UINT>(colors.size()),
+                      reinterpret_cast<PALETTEENTRY *>(colors.data()));
+    DeleteObject(hPal);
+    return colors;
 }
