@@ -85,6 +85,20 @@ TEST(Bitmap, LivesAsLongAsItsLastCopy)
     EXPECT_TRUE(last.Width() == 7 && last.Height() == 5 && last.Depth() == 24);
 }
 
+TEST(Bitmap, OfWhichNobodyHoldsTheRecordIsReported)
+{
+    CReports reports;
+    CCUIBitmap bitmap(NewBitmap(), nullptr);
+    LONG &nRefs = const_cast<CUIBitmapData *>(bitmap.GetData())->m_nRefs;
+    nRefs = 0;
+    EXPECT_TRUE(IsEmpty(CCUIBitmap(bitmap)));
+    EXPECT_EQ(0, nRefs);
+    bitmap.Empty();
+    EXPECT_EQ((std::vector<std::string>{"Bitmap: bitmapSrc.m_pchData == &nilData",
+                                        "Bitmap: m_pchData->m_nRefs > 0"}),
+              reports.Asserts());
+}
+
 TEST(Bitmap, MayBeCopiedOnManyThreads)
 {
     static CCUIBitmap s_bitmap;
