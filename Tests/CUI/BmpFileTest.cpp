@@ -160,7 +160,7 @@ TEST(BmpFile, HasAPaletteOfAllItsColours)
 {
     CMemoryFile file;
     HPALETTE hPal = nullptr;
-    for (const DWORD nColors : {1, 256, 300}) {
+    for (const DWORD nColors : {1UL, 256UL, 300UL}) {
         CBmpBytes bmp(4, 4, nColors > 256 ? 24 : 8);
         bmp.m_table.resize(nColors, {1, 2, 3, 0});
         bmp.m_info.biClrUsed = nColors;
