@@ -5,6 +5,7 @@
 #include "CU/File.h"
 #include "Support/GuardedBuffer.h"
 #include "Support/ImportHook.h"
+#include "Support/Reports.h"
 #include "Support/TemporaryDirectory.h"
 
 namespace {
@@ -41,16 +42,6 @@ BOOL WINAPI Fail(HANDLE)
     return FALSE;
 }
 
-size_t CountReports(const CTemporaryDirectory &directory, const std::string &expression)
-{
-    const std::string text = directory.Contents("ZELTrace-*");
-    const std::string line = "Assert:" + expression + "  File:File  Line:";
-    size_t nCount = 0;
-    for (size_t n = text.find(line); n != std::string::npos; n = text.find(line, n + 1))
-        ++nCount;
-    return nCount;
-}
-
 bool IsDirectory(const std::string &path)
 {
     const DWORD dwAttributes = GetFileAttributesA(path.c_str());
@@ -77,7 +68,7 @@ BOOL WINAPI MakeAll(const char *path, SECURITY_ATTRIBUTES *security)
 
 TEST(File, OpenHandsItsFlagsToTheSystem)
 {
-    const CTemporaryDirectory directory;
+    const CReports reports;
     const CImportHook createFile("CreateFileA", FakeCreateFile);
     const DWORD R = GENERIC_READ, W = GENERIC_WRITE, SR = FILE_SHARE_READ, SW = FILE_SHARE_WRITE;
     const struct
@@ -109,13 +100,13 @@ TEST(File, OpenHandsItsFlagsToTheSystem)
                     s_opened.dwAttributes == FILE_ATTRIBUTE_NORMAL)
             << c.nFlags;
     }
-    EXPECT_EQ(1u, CountReports(directory, "(nOpenFlags & typeText) == 0"));
+    EXPECT_EQ(1, reports.Count("(nOpenFlags & typeText) == 0", "File"));
     s_opened.nCalls = 0;
-    size_t nReports = 0;
+    int nReports = 0;
     for (const unsigned int nFlags : {0x3u, 0x50u, 0x60u, 0x70u, 0x1003u}) {
         CCUFile file;
         EXPECT_EQ(0, file.Open("name", nFlags));
-        EXPECT_EQ(++nReports, CountReports(directory, "0"));
+        EXPECT_EQ(++nReports, reports.Count("0", "File"));
     }
     EXPECT_EQ(0, s_opened.nCalls);
 }
@@ -170,30 +161,30 @@ TEST(File, ReadsWritesAndSeeks)
 
 TEST(File, ReportsMisuseAndGoesOn)
 {
-    const CTemporaryDirectory directory;
+    const CReports reports;
     char buffer[4] = "";
     CCUFile file;
     EXPECT_EQ(0u, file.Read(buffer, 1));
     EXPECT_EQ(0u, file.Write(buffer, 0));
-    EXPECT_EQ(2u, CountReports(directory, "m_hFile != 0"));
+    EXPECT_EQ(2, reports.Count("m_hFile != 0", "File"));
     EXPECT_EQ(-1, file.Seek(0, CCUFile::begin));
-    EXPECT_EQ(3u, CountReports(directory, "m_hFile != 0"));
-    EXPECT_EQ(1u, CountReports(directory, "0"));
-    ASSERT_EQ(1, file.Open((directory.Path() + "\\file").c_str(), 0x1002));
+    EXPECT_EQ(3, reports.Count("m_hFile != 0", "File"));
+    EXPECT_EQ(1, reports.Count("0", "File"));
+    ASSERT_EQ(1, file.Open((reports.Directory().Path() + "\\file").c_str(), 0x1002));
     EXPECT_EQ(0u, file.Read(nullptr, 0xFFFFFFFF));
     EXPECT_EQ(0u, file.Write(nullptr, 1));
-    EXPECT_EQ(2u, CountReports(directory, "lpBuf != 0"));
+    EXPECT_EQ(2, reports.Count("lpBuf != 0", "File"));
     EXPECT_EQ(-1, file.Seek(0, 3));
-    EXPECT_EQ(1u, CountReports(directory, "nFrom == begin || nFrom == end || nFrom == current"));
+    EXPECT_EQ(1, reports.Count("nFrom == begin || nFrom == end || nFrom == current", "File"));
     {
         const CImportHook flush("FlushFileBuffers", Fail), close("CloseHandle", Fail);
         file.Flush();
-        EXPECT_EQ(3u, CountReports(directory, "0"));
+        EXPECT_EQ(3, reports.Count("0", "File"));
         file.Close();
     }
     EXPECT_FALSE(file.isOpen());
     EXPECT_TRUE(file.GetFileName().IsEmpty());
-    EXPECT_NE(std::string::npos, directory.Contents("ZELTrace-*").find("Last Error:70"));
+    EXPECT_NE(std::string::npos, reports.Directory().Contents("ZELTrace-*").find("Last Error:70"));
 }
 
 TEST(File, LengthComesFromTheDerivedSeek)
