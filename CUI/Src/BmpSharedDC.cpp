@@ -26,6 +26,6 @@ HDC CCUIBmpSharedDC::For(HDC hDC)
         DeleteDC(m_hDC);
     m_hDC = CreateCompatibleDC(hDC);
     CU_ASSERT_TEXT(m_hDC, "*pMemDC = CreateCompatibleDC(hDC)");
-    m_nBits = GetDeviceCaps(m_hDC, BITSPIXEL);
+    m_nBits = nBits;  // compatible: the same
     return m_hDC;
 }
