@@ -62,9 +62,6 @@ BENCH_GROUP(Launcher)
     BenchAdd(
         {"launcher: size without resources", "bytes", nSize, nMost, "96 KiB", nSize / nMost, 1});
 
-    // The plain program lights no line up; a pointer over one would cost the launcher a second
-    // frame.
-    SetCursorPos(0, 0);
     // A start that is no good: the first one reads files that the others find in memory.
     TimeStart(BENCH_LAUNCHER);
     TimeStart(BENCH_PLAIN_LAUNCHER);
