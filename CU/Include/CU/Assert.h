@@ -24,6 +24,7 @@ CU_API void CUUnregisterExceptionHandler(void (*handler)(FILE *));
 #define CU_ASSERT_TEXT(expression, text) \
     CUAssertHolds(static_cast<bool>(expression), (text), CU_SOURCE, __LINE__)
 
+// What CU_ASSERT calls: reports `text` when the check does not hold and gives the report's answer.
 inline int CUAssertHolds(bool bHolds, const char *text, const char *file, int line)
 {
     return bHolds ? 0 : CUDisplayAssert(text, file, line);
@@ -34,9 +35,11 @@ inline int CUAssertHolds(bool bHolds, const char *text, const char *file, int li
 class CU_API CCUNoRecur
 {
 public:
+    // The int, 0 as long as the function does not run, must outlive the guard.
     explicit CCUNoRecur(int *flag);
     CCUNoRecur(const CCUNoRecur &other) = default;
     ~CCUNoRecur();
+    // Takes over the other guard's int; the one that it had stays marked.
     CCUNoRecur &operator=(const CCUNoRecur &other);
 
 private:

@@ -12,6 +12,7 @@ CU_API unsigned long CUGetTime();
 // Tells the framework that the program ends: from now on no alarm is armed or killed. For good;
 // further calls do nothing.
 CU_API void CUShutdown();
+// Whether CUShutdown has been called.
 CU_API bool CUIsShutdown();
 
 // A window message of the framework's own, the same number for the same name in every process.
@@ -49,6 +50,7 @@ CU_API void CULeaveMutex();
 class CU_API CCUMutexGuard
 {
 public:
+    // Waits until the mutex is to be had.
     CCUMutexGuard() { CUEnterMutex(); }
     ~CCUMutexGuard() { CULeaveMutex(); }
     CCUMutexGuard(const CCUMutexGuard &) = delete;
@@ -57,7 +59,7 @@ public:
 
 // A function that is called at process exit (a return from main, or exit), the latest registered
 // first, before the destructors of the statics made before it was registered. A program that ends
-// by ExitProcess or a crash calls none. False without memory.
+// by ExitProcess or a crash calls none. False without memory, and for null.
 CU_API bool CURegisterTerminationHandler(void (*handler)());
 
 // A static object that names what a source wants done once at start-up: CUInitialize calls
@@ -66,6 +68,7 @@ CU_API bool CURegisterTerminationHandler(void (*handler)());
 class CU_API CCUInitializer
 {
 public:
+    // Either may be null; neither runs by the construction.
     explicit CCUInitializer(void (*initialize)(), void (*terminate)() = nullptr);
     CCUInitializer(const CCUInitializer &) = delete;
     CCUInitializer &operator=(const CCUInitializer &) = delete;
@@ -85,6 +88,7 @@ CU_API void CUInitialize();
 // outlive the registration; a handler registered again under its name is replaced. False without
 // memory or for a null argument.
 CU_API bool CURegisterProcessInfoHandler(const char *name, void (*handler)());
+// A name that is not registered is ignored.
 CU_API void CUUnregisterProcessInfoHandler(const char *name);
 // Runs the handler of that name, or with null all of them in the order of registration; how many
 // it ran. A handler may register and unregister handlers.

@@ -19,10 +19,12 @@ public:
     CCUDebugSwitch(const CCUDebugSwitch &) = delete;
     CCUDebugSwitch &operator=(const CCUDebugSwitch &) = delete;
 
+    // The texts given to the constructor themselves.
     const char *GetPath() const { return m_path; }
     const char *GetName() const { return m_name; }
     // The value that was set last, by the program or from outside.
     long Get();
+    // From now on the value, whatever the environment says.
     void Set(long nValue);
 
     // The list of all switches, in no promised order; null at the end.

@@ -23,6 +23,7 @@ CU_API void CUDumpString(const char *text, int length);
 class CU_API CCUDumpCallback
 {
 public:
+    // The whole text, with no end of line but its own.
     virtual void OnDump(const CCUString &sText) = 0;
 
 protected:
@@ -41,6 +42,7 @@ CU_API void CUDumpUnRegister(CCUDumpCallback *pCallback);
 // the receiver owns and deletes. Where a post fails the text is deleted here. Nothing is removed
 // when the window goes. A null window may be registered and is passed over.
 CU_API void CUDumpRegisterWindow(HWND hWnd, unsigned int message);
+// Takes one registration of that window with that message back, if there is one.
 CU_API void CUDumpUnRegisterWindow(HWND hWnd, unsigned int message);
 
 // Log files are "ZELLog-YYYY-MM-DD-hh-mm-ss.txt" in the temporary directory. The first text opens
@@ -49,6 +51,7 @@ CU_API void CUDumpUnRegisterWindow(HWND hWnd, unsigned int message);
 //   - all older than the daysToKeep newest days and the newest file of the day before them go;
 //   - of the rest, the oldest go until filesToKeep are left. With manageAllFiles false (the
 //     default) this second step counts and deletes no more files than were known before.
+//
 // Defaults: 30 days, 50 files, 0 bytes (no limit), false. Returns 1.
 CU_API int CUDumpConfigLogFileManagement(int daysToKeep, int filesToKeep, long maxFileSize,
                                          bool manageAllFiles);
@@ -62,6 +65,7 @@ CU_API void CUDumpGetConfigLogFileManagement(int *daysToKeep, int *filesToKeep, 
 class CU_API CCUDumpFileOverrunCallback
 {
 public:
+    // On the thread that dumped the text.
     virtual void OnFileOverrun() = 0;
 
 protected:
@@ -72,6 +76,7 @@ protected:
 class CU_API CCUDumpNewFileCallback
 {
 public:
+    // What is dumped from inside goes to the debugger only.
     virtual void OnNewFile() = 0;
 
 protected:

@@ -12,10 +12,10 @@ public:
     // One access, one sharing, and any of the others.
     enum OpenFlags : unsigned int
     {
-        modeRead = 0x0,
-        modeWrite = 0x1,
-        modeReadWrite = 0x2,
-        shareExclusive = 0x10,    // 0 means the same
+        modeRead = 0x0,           // access
+        modeWrite = 0x1,          // access
+        modeReadWrite = 0x2,      // access
+        shareExclusive = 0x10,    // others may not open it; 0 means the same
         shareDenyWrite = 0x20,    // others may read
         shareDenyRead = 0x30,     // others may write
         shareDenyNone = 0x40,     // others may read and write
@@ -28,11 +28,12 @@ public:
     // Where Seek counts from.
     enum SeekOrigins : unsigned int
     {
-        begin = 0,
-        current = 1,
-        end = 2
+        begin = 0,    // the file's first byte
+        current = 1,  // the position
+        end = 2       // behind the last byte
     };
 
+    // Nothing is open.
     CCUFile();
     ~CCUFile();
     CCUFile(const CCUFile &) = delete;
@@ -42,6 +43,7 @@ public:
     // open is closed first. Access or sharing bits that are not in the list above are reported
     // with "0" and fail, typeText is reported with "(nOpenFlags & typeText) == 0".
     int Open(const char *name, unsigned int nOpenFlags);
+    // Whether the last Open succeeded and nothing has closed the file since.
     bool isOpen() const;  // NOLINT(readability-identifier-naming): callers know it so
     // The name given to Open, empty after Close.
     CCUString GetFileName() const;
@@ -54,6 +56,7 @@ public:
     // is reported too. Files of 2 GiB and more are beyond it.
     virtual long Seek(long lOff, unsigned int nFrom);
 
+    // In bytes from the start. Goes through Seek.
     unsigned long GetPosition() const;
     // In bytes; the position stays. Goes through Seek.
     unsigned long GetLength() const;

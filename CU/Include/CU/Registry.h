@@ -11,6 +11,7 @@
 class CU_API CCURegistry
 {
 public:
+    // Nothing is open.
     CCURegistry();
     // As Open.
     CCURegistry(HKEY hRoot, const char *pszPath, bool bReadOnly = true);
@@ -22,7 +23,9 @@ public:
     // "" is the root itself. Read-only: the key must exist. Read-write: missing keys are made. What
     // was open is closed first, also when this fails.
     bool Open(HKEY hRoot, const char *pszPath, bool bReadOnly = true);
+    // Without effect when nothing is open.
     void Close();
+    // Whether a key is open, and whether it must not be written to: true without one.
     bool IsOpen() const { return m_hKey != nullptr; }
     bool IsReadOnly() const { return m_bReadOnly; }
     // For calls that are not here; still owned by the object, null when nothing is open.
@@ -47,6 +50,7 @@ public:
     bool SetString(const char *pszName, const char *pszValue);
     bool SetInt(const char *pszName, int nValue);
     bool SetBinary(const char *pszName, const void *data, DWORD nSize);
+    // False when there is no such value.
     bool DeleteValue(const char *pszName);
     // Removes the key "d\e" below the open one with all that is in it.
     bool DeleteKey(const char *pszPath);

@@ -40,6 +40,7 @@ extern CU_API const char *const CUPchNil;
 class CU_API CCUString
 {
 public:
+    // The empty string.
     CCUString() { Init(); }
     // Shares the source's block; a locked source is copied.
     CCUString(const CCUString &stringSrc) : m_pchData(stringSrc.m_pchData)
@@ -50,6 +51,7 @@ public:
         else
             CopyOf(stringSrc);
     }
+    // A copy of the text.
     CCUString(const char *psz);
     CCUString(const unsigned char *psz);
     // Exactly nLength characters, NULs among them too.
@@ -74,8 +76,11 @@ public:
     CCUString &operator=(const unsigned short *pszWide);
     CCUString &operator=(const wchar_t *pszWide);
 
+    // In characters, without the terminating NUL.
     int GetLength() const { return GetData()->nDataLength; }
+    // Whether there is no character.
     bool IsEmpty() const { return GetData()->nDataLength == 0; }
+    // The characters that fit without another block.
     int GetAllocLength() const { return GetData()->nAllocLength; }
     // Valid until the next call that changes or destroys this string.
     operator const char *() const { return m_pchData; }
@@ -86,16 +91,16 @@ public:
     // 0 to GetLength() - 1. Asserted outside, and stored all the same.
     void SetAt(int nIndex, char ch);
 
+    // Append; the text may be this string's own.
     CCUString &operator+=(const char *psz);
     CCUString &operator+=(char ch);
     CCUString &operator+=(const CCUString &string);
 
-    // Negative, 0 or positive: by bytes, by bytes without regard to case (the C library's locale),
-    // and in the order of the C library's locale.
-    int Compare(const char *psz) const;
-    int Compare(const CCUString &string) const;
-    int CompareNoCase(const char *psz) const;
-    int Collate(const char *psz) const;
+    // Negative, 0 or positive; both texts are read to their first NUL.
+    int Compare(const char *psz) const;          // by bytes
+    int Compare(const CCUString &string) const;  // by bytes
+    int CompareNoCase(const char *psz) const;    // by bytes, without case (C library's locale)
+    int Collate(const char *psz) const;          // in the order of the C library's locale
 
     // Parts of the text, each a block of its own. What reaches outside the text is cut to it.
     CCUString Mid(int nFirst) const;
@@ -113,12 +118,12 @@ public:
     int ReverseFind(char ch) const;
     int FindOneOf(const char *set) const;
 
-    // Case by the system's ANSI rules, white space by the C library's isspace.
-    void MakeUpper();
-    void MakeLower();
+    // Change the text in place.
+    void MakeUpper();  // by the system's ANSI rules
+    void MakeLower();  // by the system's ANSI rules
     void MakeReverse();
-    void TrimRight();
-    void TrimLeft();
+    void TrimRight();  // white space by the C library's isspace
+    void TrimLeft();   // white space by the C library's isspace
 
     // Replaces the text by a formatted one. Reserves what the format lets expect (each number 32
     // characters, each float 512, each text its length or width, cut to its precision) and never
@@ -142,6 +147,7 @@ public:
     // locked as well). An empty string without a block has nothing to lock.
     char *LockBuffer();
     void UnlockBuffer();
+    // Takes the text away, and lets go of the block unless it is locked.
     void Empty();
 
     // The text up to its first NUL as UTF-16 in the bytes of the result: GetLength() is two for
@@ -156,9 +162,12 @@ public:
     CCUString Decode64() const;
 
 protected:
+    // What stands in front of the characters.
     // NOLINTNEXTLINE(clang-analyzer-cplusplus.NewDelete): it lets counts come to any value.
     CCUStringData *GetData() const { return reinterpret_cast<CCUStringData *>(m_pchData) - 1; }
+    // Points at the empty block, and lets go of nothing.
     void Init() { m_pchData = const_cast<char *>(CUPchNil); }
+    // 0 for null.
     static int SafeStrlen(const char *psz);
 
     // Points at a new block of exactly nLen characters, of which only the NUL is written; the old
@@ -166,19 +175,23 @@ protected:
     void AllocBuffer(int nLen);
     // Lets go of the block and points at the empty one.
     void Release();
+    // Lets go of a block that this string does not point at any more.
     static void Release(CCUStringData *pData);
     // Makes the block this string's own: with its text, or with room for nLen and any text.
     void CopyBeforeWrite();
     void AllocBeforeWrite(int nLen);
     // A block of nCopyLen + nExtraLen in dest, with nCopyLen characters from nCopyIndex.
     void AllocCopy(CCUString &dest, int nCopyLen, int nCopyIndex, int nExtraLen) const;
+    // Sets the text, which may be a part of this string's own.
     void AssignCopy(int nSrcLen, const char *src);
     // Points at a new block with both texts; the old one stays with the caller.
     void ConcatCopy(int nSrc1Len, const char *src1, int nSrc2Len, const char *src2);
+    // Appends, in a new block only where the text does not fit or the old one is shared.
     void ConcatInPlace(int nSrcLen, const char *src);
+    // Format with its arguments as a list.
     void FormatV(const char *pszFormat, va_list args);
 
-    char *m_pchData;
+    char *m_pchData;  // the first character; never null
 
 private:
     friend CU_API CCUString operator+(const CCUString &string1, const CCUString &string2);
@@ -196,12 +209,14 @@ private:
     void PrintV(int nMaxLen, bool bPlain, const char *pszFormat, va_list argListSave);
 };
 
+// Both texts, in a block of exactly their length.
 CU_API CCUString operator+(const CCUString &string1, const CCUString &string2);
 CU_API CCUString operator+(const CCUString &string, const char *psz);
 CU_API CCUString operator+(const char *psz, const CCUString &string);
 CU_API CCUString operator+(const CCUString &string, char ch);
 CU_API CCUString operator+(char ch, const CCUString &string);
 
+// By bytes up to the first NUL, as CCUString::Compare.
 inline bool operator==(const CCUString &s1, const CCUString &s2)
 {
     return s1.Compare(s2) == 0;

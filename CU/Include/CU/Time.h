@@ -7,30 +7,34 @@
 
 // A signed length of time in whole seconds, in one 32-bit word. Nothing is checked or clamped:
 // sums and products wrap. All divisions truncate toward zero, so that every part of a negative span
-// is zero or negative. Comparisons give 1 or 0.
+// is zero or negative.
 class CU_API CCUTimeSpan
 {
 public:
     // Leaves the length unset.
     CCUTimeSpan() {}
+    // A length in seconds.
     CCUTimeSpan(long nSeconds) : m_nSpan(nSeconds) {}
     // ((days * 24 + hours) * 60 + minutes) * 60 + seconds; any of them may be negative or large.
     CCUTimeSpan(long nDays, int nHours, int nMinutes, int nSeconds);
 
+    // The whole length in one unit, the rest cut off: seconds for GetSpan and GetTotalSeconds.
     long GetSpan() const { return m_nSpan; }
     long GetTotalSeconds() const { return m_nSpan; }
     long GetTotalMinutes() const { return m_nSpan / 60; }
     long GetTotalHours() const { return m_nSpan / 3600; }
     long GetDays() const { return m_nSpan / 86400; }
-    // What is left over from the next larger unit: -23..23, -59..59, -59..59.
-    int GetHours() const { return static_cast<int>(m_nSpan / 3600 % 24); }
-    int GetMinutes() const { return static_cast<int>(m_nSpan / 60 % 60); }
-    int GetSeconds() const { return static_cast<int>(m_nSpan % 60); }
+    // What is left over from the next larger unit.
+    int GetHours() const { return static_cast<int>(m_nSpan / 3600 % 24); }  // -23..23
+    int GetMinutes() const { return static_cast<int>(m_nSpan / 60 % 60); }  // -59..59
+    int GetSeconds() const { return static_cast<int>(m_nSpan % 60); }       // -59..59
 
+    // Sum and difference, which wrap.
     CCUTimeSpan operator+(CCUTimeSpan other) const;
     CCUTimeSpan operator-(CCUTimeSpan other) const;
     CCUTimeSpan &operator+=(CCUTimeSpan other);
     CCUTimeSpan &operator-=(CCUTimeSpan other);
+    // By their seconds, signed: 1 or 0.
     int operator==(CCUTimeSpan other) const { return m_nSpan == other.m_nSpan; }
     int operator!=(CCUTimeSpan other) const { return m_nSpan != other.m_nSpan; }
     int operator<(CCUTimeSpan other) const { return m_nSpan < other.m_nSpan; }
@@ -65,7 +69,9 @@ class CU_API CCUTime
 public:
     // The current time.
     CCUTime();
+    // That many seconds after 1970-01-01 00:00:00 UTC; a negative number as said above.
     CCUTime(long nSeconds) : m_nTime(Clamp(nSeconds)) {}
+    // The same instant; the greatest one for a negative one.
     CCUTime(const CCUTime &other) : m_nTime(Clamp(other.m_nTime)) {}
     // Calendar fields in the zone `tzi`: full year, month 1..12. isDst: 1, the fields are daylight
     // time; 0, standard time; -1, the zone's rules decide. Fields are not normalised: with a date
@@ -80,21 +86,23 @@ public:
     // the greatest instant.
     CCUTime(const _FILETIME &time, int isDst = -1);
 
+    // As the constructors.
     CCUTime &operator=(long nSeconds);
     CCUTime &operator=(const CCUTime &other);
 
     // The current time, as CCUTime() (not milliseconds, despite the name).
     static CCUTime GetTickCount();
+    // Seconds since 1970-01-01 00:00:00 UTC.
     long GetTime() const { return m_nTime; }
 
     // Fields in the current zone, by GetLocalTm; 0 for an instant that has none.
-    int GetYear() const;       // 1970...
+    int GetYear() const;       // 1970 on
     int GetMonth() const;      // 1..12
     int GetDay() const;        // 1..31
     int GetHour() const;       // 0..23
     int GetMinute() const;     // 0..59
     int GetSecond() const;     // 0..59
-    int GetDayOfWeek() const;  // 1 = Sunday .. 7 = Saturday
+    int GetDayOfWeek() const;  // 1 (Sunday) to 7 (Saturday)
 
     // The instant broken down as UTC, or in the zone `tzi`. Fills and returns `out`; a null `out`
     // gives the shared record. Null, with `out` untouched, for an instant that the C library cannot
@@ -111,7 +119,7 @@ public:
     CCUTime &operator+=(CCUTimeSpan span);
     CCUTime &operator-=(CCUTimeSpan span);
 
-    // 1 or 0.
+    // Earlier and later, by their seconds: 1 or 0.
     int operator==(const CCUTime &other) const { return m_nTime == other.m_nTime; }
     int operator!=(const CCUTime &other) const { return m_nTime != other.m_nTime; }
     int operator<(const CCUTime &other) const { return m_nTime < other.m_nTime; }

@@ -27,6 +27,7 @@ public:
     // The calling thread's task, made by the first call; null when there is no storage for it.
     static CCUTimerTask *GetThreadTimerTask();
 
+    // Timers that are armed.
     unsigned long GetListLength() const { return m_uListLength; }
     // Notifications asked for and not yet received; counts too low where the system lets a timer be
     // killed that is just calling back.

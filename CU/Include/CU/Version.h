@@ -7,6 +7,7 @@
 class CU_API CCUVersionInfo
 {
 public:
+    // Asks the system; does not fail.
     CCUVersionInfo();
     ~CCUVersionInfo();
 
@@ -16,6 +17,7 @@ public:
     bool IsWinNT() const;
     // The installed service pack, such as "Service Pack 6"; empty when there is none.
     CCUString GetVerString() const;
+    // Of version 4.10 major is 4, minor 10.
     int GetMajor() const;
     int GetMinor() const;
     // On Windows 95 and its successors the upper word repeats major and minor version.

@@ -43,14 +43,17 @@ struct CUIBitmapData
 class CUI_API CCUIBitmap
 {
 public:
+    // Empty.
     CCUIBitmap();
+    // Shares the record.
     CCUIBitmap(const CCUIBitmap &bitmapSrc) : m_pchData(bitmapSrc.m_pchData)
     {
         // What the count was is read off the increment: a look at it before costs as much again.
         if (m_pchData == &nilData || InterlockedIncrement(&m_pchData->m_nRefs) <= 1)
             ShareNothing(bitmapSrc);
     }
-    CCUIBitmap(UINT nID, WORD wFlags, HINSTANCE hInst);  // the low 16 bits of the id
+    // Load, as said above; of an id the low 16 bits.
+    CCUIBitmap(UINT nID, WORD wFlags, HINSTANCE hInst);
     CCUIBitmap(const char *pszName, WORD wFlags, HINSTANCE hInst);
     CCUIBitmap(const CCUString &sName, WORD wFlags, HINSTANCE hInst);
     // Takes both handles over. A null bitmap leaves the object empty, and the palette the caller's.
@@ -61,6 +64,7 @@ public:
     CCUIBitmap(BITMAPINFOHEADER *pbih, WORD wFlags);
     ~CCUIBitmap();
 
+    // Releases what is held and shares the other one's record.
     CCUIBitmap &operator=(const CCUIBitmap &bitmapSrc);
     // Takes the handle over, without palette. Null empties the object; its own handle changes
     // nothing.
@@ -79,9 +83,10 @@ public:
     void Empty();
 
     bool IsNull() const;  // no bitmap handle
-    int Width() const;
-    int Height() const;
-    int Depth() const;
+    // 0 for a bitmap that is null.
+    int Width() const;          // pixels
+    int Height() const;         // pixels
+    int Depth() const;          // bits per pixel, of all planes
     operator HBITMAP() const;   // stays the object's
     operator HPALETTE() const;  // stays the object's; null when there is none
     // The record, to be read only; the empty record for an empty object.

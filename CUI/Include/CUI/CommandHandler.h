@@ -6,6 +6,7 @@
 // What a command asks of those who show it: the bits of CCUICommandHandler::GetState.
 enum CCUICommandState : unsigned short
 {
+    // With any of these but CUI_COMMAND_ACTIVE the idle pass leaves the command alone.
     CUI_COMMAND_MENU = 0x01,
     CUI_COMMAND_ACTIVE = 0x02,
     CUI_COMMAND_MINIMIZED = 0x04,
@@ -50,6 +51,7 @@ public:
     unsigned int GetIDRange() const { return m_nIDRange; }
 
 protected:
+    // What GetID and GetIDRange answer.
     unsigned int m_nID;
     unsigned int m_nIDRange;
 

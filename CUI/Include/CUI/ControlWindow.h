@@ -13,9 +13,9 @@ enum : UINT
 };
 enum : LPARAM
 {
-    CUI_LAYOUT_ALL = 3,  // wParam 0
-    CUI_LAYOUT_SHOWN = 4,
-    CUI_LAYOUT_HIDDEN = 5,
+    CUI_LAYOUT_ALL = 3,     // all windows, with wParam 0
+    CUI_LAYOUT_SHOWN = 4,   // the window is shown
+    CUI_LAYOUT_HIDDEN = 5,  // the window is hidden
     CUI_LAYOUT_CHANGED = 6  // size or flags
 };
 
@@ -47,13 +47,14 @@ public:
     // From OnCreate to OnDestroy the window property g_sControlWindowProp is the address of this.
     struct PropData
     {
-        int nFixedSize;  // pixels along the layout's direction
-        COLORREF crWindow;
+        int nFixedSize;              // pixels along the layout's direction
+        COLORREF crWindow;           // CUI_NO_WINDOW_COLOR: none
         unsigned long nLayoutFlags;  // for the parent to read
         int bColorChanging;          // size and flags change without the parent being told
-        int bFullScreen;
+        int bFullScreen;             // it has the screen, or is about to
     };
 
+    // Bound to no window.
     CCUIControlWindow();
     ~CCUIControlWindow() override;
 
@@ -76,6 +77,7 @@ public:
     // without a window. Asked for during a transition, the other one follows it.
     virtual void SetFullScreen(int bFull);
 
+    // What was set last; the fixed size is 20 at first, the flags are 4, and there is no colour.
     virtual int GetFixedSize();
     virtual unsigned long GetWindowColor();
     virtual unsigned long GetLayoutFlags();
@@ -89,7 +91,7 @@ protected:
     void OnSetFocus(HWND hOld) override;
     void OnCancelMode() override;
 
-    PropData m_propData;
+    PropData m_propData;  // what the window property leads to
 
 private:
     HWND GetLayoutParent() const;

@@ -12,10 +12,11 @@ const DWORD CUI_COLOR_BTNFACE = 0x03FFFFFF;
 class CUI_API CUIData
 {
 public:
-    int bWin9x;  // exactly one of the two is 1 where the platform is known
-    int bWinNT;
+    int bWin9x;  // 1 on Windows 95 and its successors, else 0
+    int bWinNT;  // 1 on Windows NT, else 0
 
-    int cxVScroll;  // pixels, as are all sizes here
+    // The system's metric of that name (SM_CXVSCROLL and so on), in pixels.
+    int cxVScroll;
     int cyHScroll;
     int cxIcon;
     int cyIcon;
@@ -24,41 +25,49 @@ public:
     int cyCaption;
     int cxBorder;
     int cyBorder;
-    int bFlag1;  // 1; for the framework's users to change
+    // 1 at first; for the framework's users to change.
+    int bFlag1;
     int bFlag2;
-    int cxSize;  // a caption button
+    // The system's metric of that name: a caption button, in pixels.
+    int cxSize;
     int cySize;
+    // All of the desktop, in pixels.
     int cxDesktop;
     int cyDesktop;
-    int cxPixelsPerInch;  // logical inch of the screen
+    // Pixels in a logical inch of the screen.
+    int cxPixelsPerInch;
     int cyPixelsPerInch;
-    int cyChar;  // an "M" in the screen's default font
+    int cyChar;  // height of an "M" in the screen's default font, in pixels
 
-    HBRUSH hbrLtGray;
-    HBRUSH hbrDkGray;  // light grey too
+    // Brushes; those that are not grey, in the system's colour of that name.
+    HBRUSH hbrLtGray;  // crLtGray
+    HBRUSH hbrDkGray;  // crLtGray too
     HBRUSH hbrBtnHilite;
     HBRUSH hbrBtnFace;
     HBRUSH hbrBtnShadow;
     HBRUSH hbrWindow;
-    HPEN hpenLtGray;
-    HPEN hpenDkGray;
+    // Pens, one pixel wide; those that are not grey, in the system's colour of that name.
+    HPEN hpenLtGray;  // crLtGray
+    HPEN hpenDkGray;  // crDkGray
     HPEN hpenBtnHilite;
     HPEN hpenBtnShadow;
     HPEN hpenBtnText;
 
-    DWORD crMonoText;   // black: the text colour for monochrome conversion
-    DWORD crMonoBkgnd;  // white: the background colour for it
-    DWORD crLtGray;
-    DWORD crDkGray;
+    DWORD crMonoText;    // black: the text colour for monochrome conversion
+    DWORD crMonoBkgnd;   // white: the background colour for it
+    DWORD crLtGray;      // RGB(0xC0, 0xC0, 0xC0)
+    DWORD crDkGray;      // RGB(0x80, 0x80, 0x80)
     DWORD crMenuBar;     // where the system has none, the entry of COLOR_MENU
     DWORD crMenuHilite;  // where the system has none, the entry of COLOR_HIGHLIGHT
     // The system colours 0 to 20, tagged: 10 + index in the top byte. Not for GDI, which takes some
     // tags for palette indexes: see ResolveColor.
     DWORD crSys[COLOR_BTNHIGHLIGHT + 1];
 
+    // The system's cursors IDC_WAIT, IDC_ARROW and IDC_IBEAM.
     HCURSOR hcurWait;
     HCURSOR hcurArrow;
     HCURSOR hcurIBeam;
+    // The fonts of the user's settings, and two of them in bold.
     HFONT hStatusFont;
     HFONT hMenuFont;
     HFONT hMenuFontBold;
@@ -74,6 +83,7 @@ public:
     void UpdateWinIni();
     // To be called when the system's colours changed: colours, brushes, pens, the stamp.
     void UpdateSysColors();
+    // The fonts alone.
     void UpdateSysFonts();
 
     // The COLORREF that a colour stands for: CUI_COLOR_BTNFACE gives the button face colour, a
@@ -81,6 +91,7 @@ public:
     DWORD ResolveColor(DWORD cr) const;
 
 protected:
+    // Reads everything; see CUIGetWinData for the object.
     CUIData();
 
 private:
@@ -90,4 +101,5 @@ private:
     friend CUI_API CUIData *CUIGetWinData();
 };
 
+// The process's one record; never null.
 CUI_API CUIData *CUIGetWinData();

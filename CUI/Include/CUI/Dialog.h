@@ -24,15 +24,15 @@ enum DialogControlType
 // A registered control of a dialog.
 struct CCUIControlInfo
 {
-    HWND hWnd;
-    unsigned nID;
+    HWND hWnd;               // the control
+    unsigned nID;            // its identifier, one entry each
     DialogControlType type;  // never DialogControlAuto
     bool bAutoMakeDirty;     // its changes make the dialog dirty
 };
 
 // The directions of CCUIDialog::ExchangeData.
-const unsigned short CUI_TOSCREEN = 0;
-const unsigned short CUI_FROMSCREEN = 1;
+const unsigned short CUI_TOSCREEN = 0;    // the data goes into the controls
+const unsigned short CUI_FROMSCREEN = 1;  // what the controls hold goes into the data
 
 class CCUIControlList;
 
@@ -81,6 +81,7 @@ public:
     virtual bool GetAutoMakeDirty();
     // One entry an identifier; the later registration counts.
     virtual void RegisterControl(HWND hControl, unsigned nID, DialogControlType type);
+    // An identifier that is not registered is ignored.
     virtual void UnRegisterControl(unsigned nID);
     virtual void UnRegisterAllControls();
     // The first enabled child, known from OnInitDialog on.
@@ -88,6 +89,7 @@ public:
     virtual void SetFirstControl(HWND hControl);
     // 1 and the entry, or 0 when none has the identifier.
     virtual int GetControlInfo(unsigned nID, CCUIControlInfo &info);
+    // Nothing when none has the identifier.
     virtual void SetControlAutoMakeDirty(unsigned nID, bool bAuto);
 
 protected:
@@ -121,6 +123,7 @@ public:
 
     // Whether the last data exchange succeeded.
     bool IsDataValid() const { return m_bDataValid; }
+    // Whether something has changed since the last exchange that succeeded.
     bool IsDirty() const { return m_bDirty; }
     // OnEvent "Dirty" when it becomes dirty.
     void SetDirty(bool bDirty);

@@ -17,6 +17,7 @@ public:
     CCUIMenu(const CCUIMenu &) = delete;
     CCUIMenu &operator=(const CCUIMenu &) = delete;
 
+    // Stays the object's; null when it is empty.
     HMENU GetHandle() const { return m_hMenu; }
 
 private:

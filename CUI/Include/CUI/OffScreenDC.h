@@ -8,6 +8,7 @@
 class CUI_API CCUIOffScreenDC
 {
 public:
+    // Without a DC: the first GetDC makes it.
     CCUIOffScreenDC();
     ~CCUIOffScreenDC();
     CCUIOffScreenDC(const CCUIOffScreenDC &) = delete;

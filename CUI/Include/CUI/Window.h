@@ -22,6 +22,7 @@ protected:
 class CUI_API CCUIIdleCallback
 {
 public:
+    // Runs on the thread of the loop, which waits for it.
     virtual void OnIdle() = 0;
 
 protected:
@@ -38,6 +39,7 @@ protected:
 class CUI_API CCUIWindow : public CCUTimer
 {
 public:
+    // Bound to no window.
     CCUIWindow();
     CCUIWindow(const CCUIWindow &) = delete;
     CCUIWindow &operator=(const CCUIWindow &) = delete;
@@ -80,15 +82,21 @@ protected:
     virtual int OnReflectedNotification(UINT nID, NMHDR *pHeader, long &result);
     virtual int OnReflectedMessage(UINT message, WPARAM wParam, LPARAM lParam, long &result);
 
+    // WM_CREATE; -1 ends the creation.
     virtual int OnCreate(CREATESTRUCTA *pCreate);
     // The base unbinds the object and then lets the window's own procedure have the message.
     virtual void OnDestroy();
+    // The message of that name, as the system documents it.
     virtual void OnClose();
     virtual void OnActivate(UINT nState, UINT nMinimized, HWND hOther);
     virtual void OnSize(UINT nType, int cx, int cy);
+    // The base gives the message back to the child that sent it, before default processing.
     virtual long OnNotify(UINT nID, NMHDR *pHeader);
     virtual void OnCommand(UINT nCode, UINT nID, HWND hControl);
+    // hDC is what the sender of WM_PAINT gave, null from the system: a handler paints between
+    // BeginPaint and EndPaint.
     virtual void OnPaint(HDC hDC);
+    // The message of that name, as the system documents it.
     virtual int OnEraseBkgnd(HDC hDC);
     // Mouse positions are signed client pixels.
     virtual void OnLButtonDown(UINT nFlags, POINT &point);
@@ -99,21 +107,27 @@ protected:
     virtual void OnRButtonDblClk(UINT nFlags, POINT &point);
     // Screen pixels; (-1, -1) when asked for by the keyboard. The base shows the context menu.
     virtual void OnContextMenu(HWND hWnd, POINT &point);
+    // Signed client pixels.
     virtual void OnMouseMove(UINT nFlags, POINT &point);
     // This one and OnWinIniChange, of a top-level window: the base refreshes the shared GDI data
     // (CUIGetWinData), once a change for all windows, and passes the message on to all windows
     // inside.
     virtual void OnSysColorChange();
+    // The message of that name, as the system documents it.
     virtual void OnShowWindow(int bShow, int nStatus);
     virtual int OnSetCursor(HWND hWnd, UINT nHitTest, UINT nMessage);
+    // As OnSysColorChange; `section` may be null.
     virtual void OnWinIniChange(WPARAM nAction, const char *section);
+    // The message of that name, as the system documents it; another window may be null.
     virtual void OnSetFocus(HWND hOld);
     virtual void OnKillFocus(HWND hNew);
     virtual void OnParentNotify(UINT nEvent, UINT nID, LPARAM lParam);
     // The framework's WM_USER + 0x38: keeps the flag that GetShowToolTips answers.
     virtual void OnShowToolTips(int bShow);
+    // The base gives the message back to the control that it is about, but not that of a menu.
     virtual int OnMeasureItem(UINT nID, MEASUREITEMSTRUCT *pMeasure);
     virtual int OnDrawItem(UINT nID, DRAWITEMSTRUCT *pDraw);
+    // The message of that name, as the system documents it.
     virtual void OnMenuSelect(UINT nItem, UINT nFlags, HMENU hMenu);
     virtual void OnInitMenuPopup(HMENU hMenu, UINT nIndex, int bSystemMenu);
     virtual long OnMenuChar(UINT nChar, UINT nFlags, HMENU hMenu);
@@ -155,10 +169,12 @@ public:
 
     // --- State ---
 
+    // The window; null when the object is not bound to one.
     HWND GetHandle() const { return m_hWnd; }
     operator HWND() const { return m_hWnd; }  // NOLINT: windows are passed to Win32 all the time
     // Whether the window exists (1 or 0).
     int Exist() const;
+    // Whether a dialog's run is on (1 or 0).
     int IsActive() const { return m_bActive; }
 
     // The window that stands for the parent where a message walks up from window to window.
@@ -184,6 +200,7 @@ public:
     // With TPM_RETURNCMD the chosen identifier, else nonzero on success.
     int DisplayPopupMenu(CCUIMenu *pMenu, unsigned nFlags, POINT &point, const RECT *pExclude);
 
+    // What the last OnShowToolTips said; 1 at first.
     int GetShowToolTips() const { return m_bShowToolTips; }
 
     // --- Messages ---
@@ -213,7 +230,7 @@ public:
     // Runs the thread's loop until WM_QUIT; returns its exit code.
     static int RunLoop();
     // Runs the loop until the window's modal run ends or the object is destroyed. WM_QUIT ends it
-    // too and is posted again for the loop around it.
+    // too and is posted again, with exit code 0, for the loop around it.
     void ModalLoop();
     // Fetches one message, waiting for it, and handles it. 0 for WM_QUIT, else 1.
     static int PumpMessage(MSG *pMsg);
@@ -241,12 +258,12 @@ protected:
     // bound to that window; else nothing is left of either, 0.
     int FinishCreation(HWND hWnd);
 
-    HWND m_hWnd;
-    WNDPROC m_pOldProc;
-    HWND m_hWndOwner;
-    int m_bActive;  // in a run of a dialog
-    int m_bEnded;   // the modal run must stop
-    int m_bDead;    // the destructor has begun
+    HWND m_hWnd;         // null: bound to none
+    WNDPROC m_pOldProc;  // the procedure that the binding replaced
+    HWND m_hWndOwner;    // what GetOwner answers
+    int m_bActive;       // in a run of a dialog
+    int m_bEnded;        // the modal run must stop
+    int m_bDead;         // the destructor has begun
 
 private:
     class CMessage;
@@ -275,10 +292,12 @@ private:
 class CUI_API CCUIWindow::CWatch
 {
 public:
+    // The object must stand, and is watched until one of the two goes.
     explicit CWatch(CCUIWindow *pWindow);
     ~CWatch();
     CWatch(const CWatch &) = delete;
     CWatch &operator=(const CWatch &) = delete;
+    // Whether the object's destructor has run.
     bool IsGone() const { return !m_pWindow; }
 
 private:

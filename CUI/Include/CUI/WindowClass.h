@@ -16,7 +16,7 @@ enum : unsigned short
 // The program's icon for those classes, IDI_APPLICATION where it has none.
 enum : unsigned short
 {
-    CUI_CLASS_ICON = 1014
+    CUI_CLASS_ICON = 1014  // the id of the icon resource
 };
 
 // The classes that have been asked for so far, whether or not their registration succeeded.
