@@ -15,7 +15,7 @@ public:
     // The object is not registered any more and usually deletes itself. bKillTimer: system timers
     // may be stopped. Must not wait for another thread: the system may hold its loader's lock.
     virtual void OnThreadExit(bool bKillTimer) = 0;
-    // The object must not be registered any more.
+    // Takes the object off the calling thread's list; it must not be in another thread's.
     virtual ~CCUThreadExitHandler();
 
 private:
@@ -25,7 +25,8 @@ private:
 };
 
 // Adds an object to the calling thread's list, which does not own it; the latest is called first.
-// False when there is no storage slot left, and for null.
+// One that is in the list already becomes the latest. False when there is no storage slot left, and
+// for null.
 CU_API bool CURegisterThreadExitHandler(CCUThreadExitHandler *pHandler);
 // Takes an object off the calling thread's list; false when it is not in there.
 CU_API bool CUUnregisterThreadExitHandler(CCUThreadExitHandler *pHandler);

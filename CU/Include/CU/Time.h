@@ -127,14 +127,15 @@ public:
     int operator<=(const CCUTime &other) const { return m_nTime <= other.m_nTime; }
     int operator>=(const CCUTime &other) const { return m_nTime >= other.m_nTime; }
 
-    // Text in the current zone, in the zone `tzi`, in UTC, by strftime's codes, of which these are
-    // the user's own regional pictures: %x short date, %lx long date, %sx long date with month and
-    // day names abbreviated, %X time of day; %Z and %z name the zone (FormatGmt: the current one's
-    // standard name). They are looked for first, "%%" or not. Empty when the text is longer than
-    // 127 characters, strftime rejects the format, or the instant cannot be broken down.
-    CCUString Format(const char *pszFormat) const;
-    CCUString FormatTZI(const char *pszFormat, const _TIME_ZONE_INFORMATION *tzi) const;
-    CCUString FormatGmt(const char *pszFormat) const;
+    // Text by strftime's codes, of which these are the user's own regional pictures: %x short date,
+    // %lx long date, %sx long date with month and day names abbreviated, %X time of day; %Z and %z
+    // name the zone (FormatGmt: the current one's standard name). They are looked for first, "%%"
+    // or not. Empty when the format is null, the text is longer than 127 characters, strftime
+    // rejects the format, or the instant cannot be broken down.
+    CCUString Format(const char *pszFormat) const;  // text in the current zone
+    CCUString FormatTZI(const char *pszFormat,
+                        const _TIME_ZONE_INFORMATION *tzi) const;  // text in the zone `tzi`
+    CCUString FormatGmt(const char *pszFormat) const;              // text in UTC
 
     // Replaces the time of day: "h:m:s" (0..23), or "hh:mm:ss AM" (1..12), in which the tenth
     // character, "a" or "p" of either case, decides. Returns 1, or 0 with the value unchanged.

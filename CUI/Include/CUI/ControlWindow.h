@@ -14,8 +14,8 @@ enum : UINT
 enum : LPARAM
 {
     CUI_LAYOUT_ALL = 3,     // all windows, with wParam 0
-    CUI_LAYOUT_SHOWN = 4,   // the window is shown
-    CUI_LAYOUT_HIDDEN = 5,  // the window is hidden
+    CUI_LAYOUT_SHOWN = 4,   // the window is shown; posted
+    CUI_LAYOUT_HIDDEN = 5,  // the window is hidden; posted
     CUI_LAYOUT_CHANGED = 6  // size or flags
 };
 
@@ -69,7 +69,9 @@ public:
     // A change of the bits 0xFFFF0F00, or of others while one of them is set, makes the parent lay
     // out everything and repaint at once; any other change is a CUI_LAYOUT_CHANGED.
     virtual void SetLayoutFlags(unsigned long nFlags);
+    // A change is a CUI_LAYOUT_CHANGED.
     virtual void SetFixedSize(int nSize);
+    // While it is on, the parent hears of changes neither of the flags nor of the size.
     virtual void SetColorChanging(int bChanging);
     // Repaints the window and what is around it in the parent; ends colour changing.
     virtual void SetWindowColor(unsigned long crWindow);
@@ -77,14 +79,16 @@ public:
     // without a window. Asked for during a transition, the other one follows it.
     virtual void SetFullScreen(int bFull);
 
-    // What was set last; the fixed size is 20 at first, the flags are 4, and there is no colour.
-    virtual int GetFixedSize();
-    virtual unsigned long GetWindowColor();
-    virtual unsigned long GetLayoutFlags();
-    virtual int GetColorChanging();
-    virtual int GetFullScreen();
+    // What was set last.
+    virtual int GetFixedSize();              // 20 at first
+    virtual unsigned long GetWindowColor();  // CUI_NO_WINDOW_COLOR at first
+    virtual unsigned long GetLayoutFlags();  // 4 at first
+    virtual int GetColorChanging();          // 0 at first
+    virtual int GetFullScreen();             // 0 at first
 
 protected:
+    // These keep the window property, tell the parent that the window is shown, hidden or focused,
+    // and leave full screen on WM_CANCELMODE.
     int OnCreate(CREATESTRUCTA *pCreate) override;
     void OnDestroy() override;
     void OnShowWindow(int bShow, int nStatus) override;

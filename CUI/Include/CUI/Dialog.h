@@ -53,9 +53,9 @@ public:
     // Makes a modeless dialog from GetTemplate(), shown as its style says; null on failure.
     virtual HWND Create(HWND hParent);
     // Runs the dialog until EndDialog and returns what that was given; IDCANCEL when the dialog
-    // cannot be created (no template, or not all of it), is running already, or is closed another
-    // way; 0 without instance or template name. The parent (may be null) must be minimised no more
-    // and is disabled meanwhile.
+    // cannot be created (no template, or not all of it), has a window already (reported with
+    // "m_hWnd == 0"), or is closed another way; 0 without instance or template name. The parent
+    // (may be null) is restored if it is minimised, and disabled meanwhile.
     virtual int DoModal(CCUIWindow *pParent);
     // Makes a modeless dialog and shows it; null on failure.
     virtual HWND DoModeless(CCUIWindow *pParent);

@@ -184,7 +184,7 @@ public:
     // The window that a dialog of this window must have as its owner: this one or, for a child,
     // the nearest ancestor that is none. Where the chain of parents goes on to another, enabled
     // top-level window, that one is disabled and stored in *phDisabled (else null), to be enabled
-    // again by the caller.
+    // again by the caller; with a null phDisabled none is.
     HWND GetSafeOwner(HWND *phDisabled);
     // The end of the chain of parents and owners.
     HWND GetTopLevelWindow() const;
