@@ -4,11 +4,11 @@
 
 // A named integer of the framework or the program, 0 by default, that turns diagnostics on: a
 // static object, listed from its construction on. The user sets switches from outside through the
-// environment variable CU_DEBUG, read once, at the first use of a switch: settings
-// divided by ';', each "name=number" or "\path\name=number", such as
-//     CU_DEBUG=TimerDebug=1;\Debug\Timer\TimeOutThreshold=250
-// Letter case does not matter, nor do spaces around names and numbers; numbers are decimal, or
-// hexadecimal after 0x; a name alone means 1; the last setting of a switch counts.
+// environment variable CU_DEBUG, read once, at the first use of a switch: settings divided by ';',
+// each "name=number" or "\path\name=number", such as
+// "TimerDebug=1;\Debug\Timer\TimeOutThreshold=250". Letter case does not matter, nor do spaces
+// around names and numbers; numbers are decimal, or hexadecimal after 0x; a name alone means 1; the
+// last setting of a switch counts.
 // Any thread may read and set; construct and destroy at start-up, exit, or under CUEnterMutex.
 class CU_API CCUDebugSwitch
 {
