@@ -9,6 +9,7 @@ set(CMAKE_C_COMPILER_TARGET i686-w64-windows-gnu)
 set(CMAKE_CXX_COMPILER_TARGET i686-w64-windows-gnu)
 set(CMAKE_RC_COMPILER ${triple}-windres)
 set(CMAKE_AR ${triple}-ar)
+set(CMAKE_DLLTOOL ${triple}-dlltool)
 set(CMAKE_RANLIB ${triple}-ranlib)
 
 execute_process(

@@ -74,7 +74,7 @@ public:
     CCUInitializer &operator=(const CCUInitializer &) = delete;
 
 private:
-    friend void CUInitialize();
+    friend CU_API void CUInitialize();
 
     CCUInitializer *m_pNext;
     void (*m_initialize)();

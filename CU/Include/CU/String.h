@@ -86,7 +86,13 @@ public:
     operator const char *() const { return m_pchData; }
 
     // 0 to GetLength(), where the terminating NUL is. Asserted, not stopped, outside.
-    char GetAt(int nIndex) const;
+    char GetAt(int nIndex) const
+    {
+        CUAssertHolds(nIndex >= 0, "nIndex >= 0", "String", __LINE__);
+        CUAssertHolds(nIndex <= GetData()->nDataLength, "nIndex <= GetData()->nDataLength",
+                      "String", __LINE__);
+        return m_pchData[nIndex];
+    }
     char operator[](int nIndex) const { return GetAt(nIndex); }
     // 0 to GetLength() - 1. Asserted outside, and stored all the same.
     void SetAt(int nIndex, char ch);
@@ -288,14 +294,6 @@ inline bool operator>=(const CCUString &s1, const char *s2)
 inline bool operator>=(const char *s1, const CCUString &s2)
 {
     return s2.Compare(s1) <= 0;
-}
-
-inline char CCUString::GetAt(int nIndex) const
-{
-    CUAssertHolds(nIndex >= 0, "nIndex >= 0", "String", __LINE__);
-    CUAssertHolds(nIndex <= GetData()->nDataLength, "nIndex <= GetData()->nDataLength", "String",
-                  __LINE__);
-    return m_pchData[nIndex];
 }
 
 // ANSI code page from NUL-terminated UTF-16. `count` is the room at mbstr in bytes, the NUL

@@ -66,7 +66,21 @@ private:
     // NOLINTBEGIN(readability-identifier-naming): the static operations' counterparts
     int _Add(CCUICommandHandler *pCmdHandler);
     int _Remove(CCUICommandHandler *pCmdHandler);
-    CCUICommandHandler *_Lookup(unsigned int nID) const;
+    CCUICommandHandler *_Lookup(unsigned int nID) const
+    {
+        // An identifier of no table wraps round to an index that no table has.
+        const bool bSecond = nID >= SECOND_BASE;
+        const unsigned int nIndex = bSecond ? nID - SECOND_BASE : nID - FIRST_BASE;
+        if (bSecond) {
+            if (nIndex < static_cast<unsigned int>(m_nLength[1]))
+                return m_pMap[1][nIndex];
+        } else if (nIndex < static_cast<unsigned int>(m_nLength[0])) {
+            return m_pMap[0][nIndex];
+        } else {
+            Table(nID);  // reports it
+        }
+        return nullptr;
+    }
     CCUICommandHandler *_Override(unsigned int nID, CCUICommandHandler *pCmdHandler);
     void _IdleUpdate();
     void _Dump();
@@ -82,19 +96,3 @@ private:
     int m_nLength[TABLES];
     CCUICommandHandler **m_pMap[TABLES];
 };
-
-inline CCUICommandHandler *CCUICommandMap::_Lookup(unsigned int nID) const
-{
-    // An identifier of no table wraps round to an index that no table has.
-    const bool bSecond = nID >= SECOND_BASE;
-    const unsigned int nIndex = bSecond ? nID - SECOND_BASE : nID - FIRST_BASE;
-    if (bSecond) {
-        if (nIndex < static_cast<unsigned int>(m_nLength[1]))
-            return m_pMap[1][nIndex];
-    } else if (nIndex < static_cast<unsigned int>(m_nLength[0])) {
-        return m_pMap[0][nIndex];
-    } else {
-        Table(nID);  // reports it
-    }
-    return nullptr;
-}
