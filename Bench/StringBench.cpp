@@ -34,6 +34,40 @@ void CompareCopies(const char *name, int nLength, double ceiling)
         ceiling);
 }
 
+// What sharing a block between threads costs at least, on the same scale.
+void CompareCountAlone(const char *name, int nLength)
+{
+    const std::string peer(static_cast<size_t>(nLength), 'x');
+    static volatile LONG s_nCount = 1;
+    BenchCompare(
+        name,
+        [] {
+            InterlockedIncrement(&s_nCount);
+            InterlockedDecrement(&s_nCount);
+        },
+        "std::string", [&] { BenchKeep(TakeStandard(peer)); }, 0);
+}
+
+void CompareWithGrowing(const char *name, int nCharacters)
+{
+    BenchCompare(
+        name,
+        [=] {
+            CCUString text;
+            for (int i = 0; i < nCharacters; ++i)
+                text += 'x';
+            BenchKeep(text);
+        },
+        "std::string",
+        [=] {
+            std::string text;
+            for (int i = 0; i < nCharacters; ++i)
+                text += 'x';
+            BenchKeep(text);
+        },
+        0, 15);
+}
+
 void CompareAppends(const char *name, int nCharacters, double ceiling)
 {
     BenchCompare(
@@ -155,6 +189,8 @@ BENCH_GROUP(String)
     CompareCopies("String: copy and pass by value, 1,000 characters", 1000, 0);
     CompareCopies("String: copy and pass by value, 4,000 characters", 4000, 0.1);
     CompareCopies("String: copy and pass by value, 100,000 characters", 100000, 0);
+    CompareCountAlone("String: one interlocked pair, 40 characters", 40);
+    CompareCountAlone("String: one interlocked pair, 4,000 characters", 4000);
 
     const std::string text40(40, 'x'), other40(40, 'x');
     const CCUString ours40('x', 40), otherOurs40('x', 40), copy40(ours40);
@@ -200,6 +236,9 @@ BENCH_GROUP(String)
     CompareAppends("String: append one character, 10 times", 10, 0);
     CompareAppends("String: append one character, 1,000 times", 1000, 0);
     CompareAppends("String: append one character, 10,000 times", 10000, 1.0);
+    CompareWithGrowing("String: append one character, 1,000 times", 1000);
+    CompareWithGrowing("String: append one character, 10,000 times", 10000);
+    CompareWithGrowing("String: append one character, 100,000 times", 100000);
     CompareBase64("String: Encode64 of 1 KiB", "String: Decode64 to 1 KiB", 1024, 0);
     CompareBase64("String: Encode64 of 1 MiB", "String: Decode64 to 1 MiB", 1 << 20, 0.8);
 }

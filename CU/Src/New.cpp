@@ -4,30 +4,16 @@
 
 #include <new>
 
-#include "CU/Platform.h"
-
-namespace {
-
-// No caller of this system looks at a null result, so running out of memory ends in the system's
-// own exception, which the crash report names.
-void *Allocate(size_t nSize)
-{
-    void *block = malloc(nSize ? nSize : 1);
-    if (!block)
-        RaiseException(static_cast<DWORD>(STATUS_NO_MEMORY), EXCEPTION_NONCONTINUABLE, 0, nullptr);
-    return block;
-}
-
-}  // namespace
+#include "Memory.h"
 
 void *operator new(size_t nSize)
 {
-    return Allocate(nSize);
+    return CUAllocate(nSize);
 }
 
 void *operator new[](size_t nSize)
 {
-    return Allocate(nSize);
+    return CUAllocate(nSize);
 }
 
 void operator delete(void *block) noexcept

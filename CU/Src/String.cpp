@@ -5,8 +5,7 @@
 #include <limits.h>
 #include <string.h>
 
-#include <new>
-
+#include "StringBlock.h"
 #include "StringLength.h"
 #include "StringScan.h"
 
@@ -25,19 +24,6 @@ CNilBlock g_nilBlock = {{-1, 0, 0}, '\0'};
 bool IsNil(const CCUStringData *pData)
 {
     return pData == &g_nilBlock.data;
-}
-
-// A block for nLength characters, of which only the NUL is written.
-inline char *NewBlock(int nLength)
-{
-    void *block = operator new(sizeof(CCUStringData) + static_cast<size_t>(nLength) + 1);
-    CCUStringData *pData = static_cast<CCUStringData *>(block);
-    pData->nRefs = 1;
-    pData->nDataLength = nLength;
-    pData->nAllocLength = nLength;
-    char *pch = reinterpret_cast<char *>(pData + 1);
-    pch[nLength] = '\0';
-    return pch;
 }
 
 bool IsPossible(int nLength)
@@ -60,7 +46,7 @@ int CCUString::SafeStrlen(const char *psz)
 void CCUString::AllocBuffer(int nLen)
 {
     if (IsPossible(nLen)) {
-        m_pchData = NewBlock(nLen);
+        m_pchData = reinterpret_cast<char *>(CUNewStringBlock(nLen) + 1);
         return;
     }
     CU_ASSERT(nLen >= 0);
@@ -68,42 +54,36 @@ void CCUString::AllocBuffer(int nLen)
     Init();
 }
 
-// A locked block's count goes from -1 to -2. That a count was 0 is seen from the result: reading it
-// first would cost a third of the time of a copy.
+// A locked block's count has gone from -1 to -2, that of a block nobody owned from 0 to -1: reading
+// it before would cost a third of the time of a copy.
+void CCUString::FreeData()
+{
+    CU_ASSERT_TEXT(GetData()->nRefs != -1, "GetData()->nRefs != 0");
+    CUFreeStringBlock(GetData());
+}
+
 void CCUString::Release()
 {
-    if (IsNil(GetData()))
-        return;
-    const LONG nRefs = InterlockedDecrement(&GetData()->nRefs);
-    if (nRefs <= 0) {
-        CU_ASSERT_TEXT(nRefs + 1 != 0, "GetData()->nRefs != 0");
-        operator delete(GetData());
-    }
+    if (!IsNil(GetData()) && LetGo(GetData()))
+        FreeData();
     Init();
 }
 
 void CCUString::Release(CCUStringData *pData)
 {
-    if (IsNil(pData))
+    if (IsNil(pData) || !LetGo(pData))
         return;
-    const LONG nRefs = InterlockedDecrement(&pData->nRefs);
-    if (nRefs <= 0) {
-        CU_ASSERT_TEXT(nRefs + 1 != 0, "pData->nRefs != 0");
-        operator delete(pData);
-    }
+    CU_ASSERT_TEXT(pData->nRefs != -1, "pData->nRefs != 0");
+    CUFreeStringBlock(pData);
 }
 
 // Lets go of the block that this string has just copied its text from. Where it was locked, the
 // new one is: the lock lasts until UnlockBuffer.
 void CCUString::ReleaseOld(CCUStringData *pOldData)
 {
-    const LONG nRefs = pOldData->nRefs;
-    if (nRefs < 0 && !IsNil(pOldData) && !IsNil(GetData()))
+    if (pOldData->nRefs < 0 && !IsNil(pOldData) && !IsNil(GetData()))
         GetData()->nRefs = -1;
-    if (nRefs == 1)
-        operator delete(pOldData);
-    else
-        Release(pOldData);
+    Release(pOldData);
 }
 
 void CCUString::SetLength(int nLength)
@@ -269,13 +249,25 @@ void CCUString::ConcatCopy(int nSrc1Len, const char *src1, int nSrc2Len, const c
         memcpy(m_pchData + nSrc1Len, src2, static_cast<size_t>(nSrc2Len));
 }
 
+// Has the heap lengthen the block, which it often does on the spot. Only for a block that is this
+// string's alone, and a text to append that does not move with it.
+bool CCUString::GrowAlone(int nLength, const char *src)
+{
+    const bool bOwn = GetData()->nRefs == 1 || IsLocked();
+    if (!bOwn || !IsPossible(nLength) || PointsInto(src))
+        return false;
+    m_pchData = reinterpret_cast<char *>(CUGrowStringBlock(GetData(), nLength) + 1);
+    return true;
+}
+
 void CCUString::ConcatInPlace(int nSrcLen, const char *src)
 {
     if (nSrcLen <= 0)
         return;
     CCUStringData *pOldData = GetData();
     const int nOldLen = pOldData->nDataLength;
-    if (pOldData->nRefs > 1 || nSrcLen > pOldData->nAllocLength - nOldLen) {
+    const bool bFits = pOldData->nRefs <= 1 && nSrcLen <= pOldData->nAllocLength - nOldLen;
+    if (!bFits && !GrowAlone(CUAddLengths(nOldLen, nSrcLen), src)) {
         ConcatCopy(nOldLen, m_pchData, nSrcLen, src);
         CU_ASSERT(pOldData != 0);
         // Only now: the text may come from the old block.

@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <random>
 #include <string>
+#include <vector>
 
 #include "Support/GuardedBuffer.h"
 #include "Support/HeapWatch.h"
@@ -338,6 +339,31 @@ TEST(String, ReportsImpossibleLengthsAndStaysInsideItsBlock)
     s = "abc";
     EXPECT_STREQ(s.Mid(1, INT_MAX) + s.Mid(INT_MIN) + s.Mid(INT_MAX, INT_MAX), "bcabc");
     EXPECT_EQ(reported([&] { EXPECT_STREQ(s.Right(INT_MAX), "abc"); }), "");
+}
+
+TEST(String, FirstThreadKeepsSomeOfItsSmallBlocksForTheNextStrings)
+{
+    const CHeapWatch heap;
+    const auto makeAndFree = [&](size_t nLength) {
+        const int nBefore = heap.Made();
+        std::vector<CCUString> strings;
+        strings.reserve(100);
+        for (size_t i = 0; i < 100; ++i)
+            strings.push_back(
+                String(std::string(nLength + i % 3, static_cast<char>('A' + i % 26))));
+        for (size_t i = 0; i < 100; ++i)
+            EXPECT_EQ(Text(strings[i]),
+                      std::string(nLength + i % 3, static_cast<char>('A' + i % 26)));
+        return heap.Made() - nBefore;
+    };
+    const int nAll = makeAndFree(17);  // 30 to 32 bytes: one step of the heap
+    g_nBlockKeeper = GetCurrentThreadId();
+    makeAndFree(17);
+    const int nLive = heap.Live(), nKept = nAll - makeAndFree(17);
+    EXPECT_TRUE(nKept > 0 && nKept <= 16) << nKept;
+    CThreads::Run(1, [&](int) { EXPECT_EQ(makeAndFree(17), nAll); });
+    EXPECT_EQ(makeAndFree(116), nAll);
+    EXPECT_EQ(heap.Live(), nLive);
 }
 
 TEST(String, ReportsBadIndexesAndCountsAndGoesOn)

@@ -4,6 +4,7 @@
 #include <stdlib.h>
 #include <string.h>
 
+#include "../../CU/Src/StringBlock.h"
 #include "Support/ImportHook.h"
 
 // Stands in for the heap of this program, on all threads: counts the blocks, puts them right
@@ -14,8 +15,9 @@
 class CHeapWatch
 {
 public:
-    CHeapWatch() : m_malloc("malloc", Malloc), m_free("free", Free)
+    CHeapWatch() : m_malloc("malloc", Malloc), m_realloc("realloc", Realloc), m_free("free", Free)
     {
+        g_nBlockKeeper = 0;
         s_malloc = m_malloc.Original<void *__cdecl(size_t)>();
         s_free = m_free.Original<void __cdecl(void *)>();
         s_nMade = s_nFreed = 0;
@@ -28,6 +30,10 @@ public:
         for (int i = 0; i < SLOTS; ++i)
             VirtualAlloc(Slot(i), SLOT_SIZE, MEM_COMMIT, PAGE_READWRITE);
     }
+
+    ~CHeapWatch() { g_nBlockKeeper = GetCurrentThreadId(); }
+    CHeapWatch(const CHeapWatch &) = delete;
+    CHeapWatch &operator=(const CHeapWatch &) = delete;
 
     // Blocks taken, and taken but not given back, since the object was made.
     static int Made() { return s_nMade; }
@@ -50,6 +56,11 @@ private:
     };
 
     static char *Slot(int i) { return s_base + i * (SLOT_SIZE + PAGE); }
+    static int SlotOf(const void *p)
+    {
+        const char *block = static_cast<const char *>(p);
+        return block < s_base || block >= Slot(SLOTS) ? -1 : (block - s_base) / (SLOT_SIZE + PAGE);
+    }
     static LONG Rounded(LONG nSize) { return (nSize + 3) & ~3; }
     static void *__cdecl Malloc(size_t nSize)
     {
@@ -66,18 +77,27 @@ private:
         }
         return s_malloc(nSize);
     }
+    // Always to another place.
+    static void *__cdecl Realloc(void *p, size_t nSize)
+    {
+        void *block = Malloc(nSize);
+        const size_t nOld = SlotOf(p) < 0 ? _msize(p) : static_cast<size_t>(s_nSizes[SlotOf(p)]);
+        memcpy(block, p, nOld < nSize ? nOld : nSize);
+        Free(p);
+        return block;
+    }
     static void __cdecl Free(void *p)
     {
         if (!p)
             return;
         InterlockedIncrement(&s_nFreed);
         char *block = static_cast<char *>(p);
-        if (block < s_base || block >= Slot(SLOTS)) {
+        if (SlotOf(p) < 0) {
             memset(p, 0xDD, _msize(p));
             s_free(p);
             return;
         }
-        LONG &nSize = s_nSizes[(block - s_base) / (SLOT_SIZE + PAGE)];
+        LONG &nSize = s_nSizes[SlotOf(p)];
         for (LONG n = nSize; n < Rounded(nSize); ++n) {
             if (static_cast<unsigned char>(block[n]) != SLACK)
                 abort();
@@ -94,5 +114,6 @@ private:
     inline static LONG s_nFreed = 0;
     inline static size_t s_nLargest = 0;
     CImportHook m_malloc;
+    CImportHook m_realloc;
     CImportHook m_free;
 };

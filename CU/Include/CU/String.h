@@ -28,9 +28,13 @@ extern CU_API const char *const CUPchNil;
 // `Mid`, `Find`, `Encode64`, ...) works on all of it, what takes a `const char *` reads to the
 // first NUL. A null `const char *` reads as "".
 //
-// Capacity is exact, without slack: `+=` that does not fit allocates and copies on every call, so
-// that a text of n characters built one by one costs n allocations and about n * n / 2 bytes of
-// copying (10,000 characters: some 180 times a growing buffer). Build long texts with GetBuffer.
+// Capacity is exact, without slack: every `+=` that does not fit asks the heap for a block that is
+// longer by just that much. Where the heap has room behind the block this is cheap (10,000
+// characters one by one: some 60 times a growing buffer's time), where it moves the block each time
+// all of the text is copied each time (some 180 times). Build long texts with GetBuffer.
+//
+// Blocks of up to 128 bytes are for the thread that started the program nearly free: it keeps a few
+// of each size for its next strings.
 //
 // One object is for one thread at a time; objects that share a block may be copied, changed and
 // destroyed on different threads. Contract breaches are reported with the source "String" and the
@@ -64,8 +68,8 @@ public:
     CCUString(const wchar_t *pszWide);
     ~CCUString()
     {
-        if (GetData() != CUDataNil)
-            Release();
+        if (GetData() != CUDataNil && LetGo(GetData()))
+            FreeData();
     }
 
     // Shares the source's block; copies into this string's own block when either is locked.
@@ -206,10 +210,17 @@ private:
     friend CU_API CCUString operator+(const CCUString &string, char ch);
     friend CU_API CCUString operator+(char ch, const CCUString &string);
 
+    // One owner of the block less; whether that was its last one.
+    static bool LetGo(CCUStringData *pData)
+    {
+        return pData->nRefs == 1 || InterlockedDecrement(&pData->nRefs) <= 0;
+    }
+    void FreeData();
     void CopyOf(const CCUString &stringSrc);
     bool IsLocked() const { return GetData()->nRefs < 0 && GetData() != CUDataNil; }
     bool PointsInto(const void *p) const;
     void ReleaseOld(CCUStringData *pOldData);
+    bool GrowAlone(int nLength, const char *src);
     void SetLength(int nLength);
     void ConvertFromWide(const unsigned short *pszWide, int nCapacity);
     void PrintV(int nMaxLen, bool bPlain, const char *pszFormat, va_list argListSave);
