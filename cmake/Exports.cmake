@@ -53,6 +53,8 @@ function(autorun_make_import_library program)
   endforeach()
   add_custom_command(TARGET ${program} POST_BUILD
     COMMAND ${CMAKE_DLLTOOL} --deterministic-libraries --temp-prefix ${program}
-      -d ${from}/import.def -l $<TARGET_LINKER_FILE:${program}>
+      -d ${from}/import.def -l $<TARGET_LINKER_FILE_NAME:${program}>
+    # A path in the library's name would be part of its symbols.
+    WORKING_DIRECTORY $<TARGET_LINKER_FILE_DIR:${program}>
     VERBATIM)
 endfunction()

@@ -8,8 +8,9 @@ target_compile_options(autorun_warnings INTERFACE
   $<$<COMPILE_LANGUAGE:CXX>:-Wno-cast-function-type>)
 
 # The records have the sizes that Windows 95 and NT 4 know (NONCLIENTMETRICS 340 bytes, ...).
+set(autorun_system WINVER=0x0400 _WIN32_WINNT=0x0400)
 add_library(autorun_platform INTERFACE)
-target_compile_definitions(autorun_platform INTERFACE WINVER=0x0400 _WIN32_WINNT=0x0400)
+target_compile_definitions(autorun_platform INTERFACE ${autorun_system})
 if(AUTORUN_CHECKED)
   target_compile_options(autorun_platform INTERFACE
     $<$<COMPILE_LANGUAGE:CXX>:-fsanitize=undefined -fsanitize-undefined-trap-on-error>)
@@ -24,7 +25,9 @@ target_compile_definitions(autorun_product INTERFACE __USE_MINGW_ANSI_STDIO=0)
 target_compile_options(autorun_product INTERFACE
   $<$<COMPILE_LANGUAGE:CXX>:-fno-exceptions -fno-rtti -fno-threadsafe-statics -fno-asynchronous-unwind-tables -fno-omit-frame-pointer>
   $<$<COMPILE_LANGUAGE:CXX>:-ffunction-sections -fdata-sections>
-  $<$<AND:$<COMPILE_LANGUAGE:CXX>,$<CONFIG:Release>>:-Os>)
+  $<$<AND:$<COMPILE_LANGUAGE:CXX>,$<CONFIG:Release>>:-Os>
+  # The same bytes wherever the sources stand.
+  $<$<COMPILE_LANGUAGE:CXX>:-ffile-prefix-map=${CMAKE_SOURCE_DIR}=.>)
 
 # autorun_hot(NAME...): sources of the current folder where speed counts more than size.
 function(autorun_hot)

@@ -1,0 +1,19 @@
+# What `cmake --install` lays out: the framework for other projects, which find it as the CMake
+# package AutoRun (Docs/Framework.md), and the launcher.
+include(CMakePackageConfigHelpers)
+
+set(package_dir lib/cmake/AutoRun)
+target_compile_definitions(AutoRun INTERFACE ${autorun_system})
+install(TARGETS CU CUI AutoRun EXPORT AutoRun
+  RUNTIME DESTINATION bin
+  ARCHIVE DESTINATION lib
+  INCLUDES DESTINATION include)
+install(DIRECTORY CU/Include/CU CUI/Include/CUI DESTINATION include)
+install(EXPORT AutoRun FILE AutoRunConfig.cmake NAMESPACE AutoRun:: DESTINATION ${package_dir})
+# Another minor version may have other classes, and with them other decorated names.
+write_basic_package_version_file(AutoRunConfigVersion.cmake COMPATIBILITY SameMinorVersion)
+install(FILES ${CMAKE_CURRENT_BINARY_DIR}/AutoRunConfigVersion.cmake DESTINATION ${package_dir})
+
+set(doc_dir share/doc/AutoRun)
+install(FILES Docs/Framework.md DESTINATION ${doc_dir} RENAME README.md)
+install(DIRECTORY Samples/Hello DESTINATION ${doc_dir})
