@@ -10,35 +10,54 @@ namespace {
 const unsigned int FIRST_ID = 10000;
 const int COMMANDS = 5000;
 
-class CBenchCommand final : public CCUICommandHandler
+// What most commands are: always refreshed, because they leave GetState as it is.
+class CBenchCommand : public CCUICommandHandler
 {
 public:
     explicit CBenchCommand(unsigned int nID) : CCUICommandHandler(nID, 1) {}
     void HandleUpdate(unsigned int nID) override { m_nUpdates += nID; }
-    unsigned short GetState(unsigned int) override { return s_nState; }
-
-    static unsigned short s_nState;
 
 private:
     unsigned int m_nUpdates = 0;
 };
 
-unsigned short CBenchCommand::s_nState = CUI_COMMAND_ACTIVE;
-
-}  // namespace
-
-BENCH_GROUP(Command)
+// One that says from moment to moment who refreshes it.
+class CStateCommand final : public CBenchCommand
 {
-    std::vector<std::unique_ptr<CBenchCommand>> commands;
-    for (unsigned int i = 0; i < COMMANDS; ++i)
-        commands.push_back(std::make_unique<CBenchCommand>(FIRST_ID + i));
+public:
+    explicit CStateCommand(unsigned int nID) : CBenchCommand(nID) {}
+    unsigned short GetState(unsigned int) override { return s_nState; }
 
+    static unsigned short s_nState;
+};
+
+unsigned short CStateCommand::s_nState = CUI_COMMAND_ACTIVE;
+
+template <typename Command>
+std::vector<std::unique_ptr<Command>> MakeCommands()
+{
+    std::vector<std::unique_ptr<Command>> commands;
+    for (unsigned int i = 0; i < COMMANDS; ++i)
+        commands.push_back(std::make_unique<Command>(FIRST_ID + i));
+    return commands;
+}
+
+std::vector<CCUICommandHandler *> Handlers()
+{
     std::vector<CCUICommandHandler *> handlers;
+    for (unsigned int i = 0; i < COMMANDS; ++i)
+        handlers.push_back(CCUICommandMap::Lookup(FIRST_ID + i));
+    return handlers;
+}
+
+void CompareLookup()
+{
+    const auto commands = MakeCommands<CBenchCommand>();
+    const std::vector<CCUICommandHandler *> handlers = Handlers();
     std::unordered_map<unsigned int, CCUICommandHandler *> hash;
     std::vector<unsigned int> ids;
     for (unsigned int i = 0; i < COMMANDS; ++i) {
-        handlers.push_back(commands[i].get());
-        hash[FIRST_ID + i] = commands[i].get();
+        hash[FIRST_ID + i] = handlers[i];
         // In an order that no predictor of addresses knows.
         ids.push_back(FIRST_ID + (i * 2654435761u >> 8) % COMMANDS);
     }
@@ -60,10 +79,33 @@ BENCH_GROUP(Command)
                 BenchKeep(hash.find(nID)->second);
         },
         0.5);
-    // Commands that are refreshed elsewhere cost the pass one call, those that it refreshes two.
-    const auto idleUpdate = [] { CCUICommandMap::IdleUpdate(); };
+}
+
+void CompareIdleUpdate()
+{
+    const auto commands = MakeCommands<CBenchCommand>();
+    const std::vector<CCUICommandHandler *> handlers = Handlers();
     BenchCompare(
-        "IdleUpdate, 5,000 commands", idleUpdate, "loop of 10,000 virtual calls",
+        "IdleUpdate, 5,000 commands", CCUICommandMap::IdleUpdate, "loop of 5,000 virtual calls",
+        [&] {
+            for (CCUICommandHandler *handler : handlers)
+                handler->HandleUpdate(0);
+        },
+        1.5);
+}
+
+// A GetState of one's own must be called: with the refreshing that is two calls a command.
+void CompareIdleUpdateOfStates()
+{
+    const auto commands = MakeCommands<CStateCommand>();
+    const std::vector<CCUICommandHandler *> handlers = Handlers();
+    const auto askAll = [&] {
+        for (CCUICommandHandler *handler : handlers)
+            BenchKeep(handler->GetState(0));
+    };
+    BenchCompare(
+        "IdleUpdate, 5,000 commands with GetState", CCUICommandMap::IdleUpdate,
+        "loop of 10,000 virtual calls",
         [&] {
             for (CCUICommandHandler *handler : handlers) {
                 BenchKeep(handler->GetState(0));
@@ -71,12 +113,18 @@ BENCH_GROUP(Command)
             }
         },
         1.5);
-    CBenchCommand::s_nState = CUI_COMMAND_MENU;
-    BenchCompare(
-        "IdleUpdate, 5,000 commands in menus", idleUpdate, "loop of 5,000 virtual calls",
-        [&] {
-            for (CCUICommandHandler *handler : handlers)
-                BenchKeep(handler->GetState(0));
-        },
-        1.5);
+    BenchCompare("IdleUpdate, 5,000 commands with GetState", CCUICommandMap::IdleUpdate,
+                 "loop of 5,000 virtual calls", askAll, 0);
+    CStateCommand::s_nState = CUI_COMMAND_MENU;
+    BenchCompare("IdleUpdate, 5,000 commands in menus", CCUICommandMap::IdleUpdate,
+                 "loop of 5,000 virtual calls", askAll, 1.5);
+}
+
+}  // namespace
+
+BENCH_GROUP(Command)
+{
+    CompareLookup();
+    CompareIdleUpdate();
+    CompareIdleUpdateOfStates();
 }

@@ -68,39 +68,22 @@ LRESULT CALLBACK SwitchProc(HWND hWnd, UINT message, WPARAM wParam, LPARAM lPara
 
 // --- Rows that one pair of calls cannot measure ---
 
-template <typename Ours, typename Peer>
-void CompareSamples(const char *name, Ours ours, const char *peerName, Peer peer, double ceiling,
-                    int nPairs)
-{
-    std::vector<double> oursTimes, peerTimes, ratios;
-    for (int i = 0; i < nPairs; ++i) {
-        oursTimes.push_back(ours());
-        peerTimes.push_back(peer());
-        ratios.push_back(oursTimes.back() / peerTimes.back());
-    }
-    BenchAdd({name, "ns", BenchMedian(oursTimes) * 1e9, BenchMedian(peerTimes) * 1e9, peerName,
-              BenchMedian(ratios), ceiling});
-}
-
 void CompareAmong(const char *name, const std::vector<HWND> &windows, CBenchWindow &window)
 {
     const auto send = [&] { SendMessageA(window, MESSAGE, 1, POSITION); };
     std::vector<CCUIWindow> others(windows.size());
     const auto sample = [&] { return BenchSample(send, 20000); };
-    CompareSamples(
-        name,
+    BenchPairs(
+        name, 15,
         [&] {
             for (size_t i = 0; i < windows.size(); ++i)
                 others[i].Attach(windows[i]);
-            return sample();
-        },
-        "the same with 1",
-        [&] {
+            const double time = sample();
             for (CCUIWindow &other : others)
                 other.Detach();
-            return sample();
+            return time;
         },
-        1.1, 15);
+        "the same with 1", sample, 1.1);
 }
 
 void CompareAmongThousands(CBenchWindow &window)
@@ -133,8 +116,8 @@ void ComparePump(CBenchWindow &top)
     MSG msg;
     while (PeekMessageA(&msg, nullptr, 0, 0, PM_REMOVE))
         DispatchMessageA(&msg);
-    CompareSamples(
-        "PumpMessage, four windows deep",
+    BenchPairs(
+        "PumpMessage, four windows deep", 31,
         [&] { return SamplePump(deepest, [&] { CCUIWindow::PumpMessage(&msg); }); },
         "GetMessage, TranslateMessage, DispatchMessage",
         [&] {
@@ -144,7 +127,7 @@ void ComparePump(CBenchWindow &top)
                 DispatchMessageA(&msg);
             });
         },
-        1.2, 31);
+        1.2);
 }
 
 // --- A modal dialog that closes as soon as its loop runs ---

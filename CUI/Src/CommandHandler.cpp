@@ -40,11 +40,6 @@ void CCUICommandHandler::HandleUpdate(unsigned int nID)
     CheckRange(nID == 0 ? m_nID : nID);
 }
 
-unsigned short CCUICommandHandler::GetState(unsigned int)
-{
-    return CUI_COMMAND_ACTIVE;
-}
-
 CCUString CCUICommandHandler::GetShortTT(unsigned int nID)
 {
     CheckRange(nID);

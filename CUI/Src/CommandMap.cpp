@@ -181,6 +181,13 @@ CCUICommandHandler *CCUICommandMap::_Override(unsigned int nID, CCUICommandHandl
     return pPrevious;
 }
 
+// Here rather than with the other defaults: where the compiler sees it, the pass below compares
+// pointers to find out that a handler does not override it, and makes no call.
+unsigned short CCUICommandHandler::GetState(unsigned int)
+{
+    return CUI_COMMAND_ACTIVE;
+}
+
 void CCUICommandMap::_IdleUpdate()
 {
     for (int nMap = 0; nMap < TABLES; ++nMap) {
