@@ -235,7 +235,8 @@ BOOL CALLBACK CCUIDialog::VisitChild(HWND hChild, LPARAM lParam)
     const int nID = GetDlgCtrlID(hChild);
     if (dialog.GetAutoMakeDirty() && nID > 0)
         dialog.RegisterControl(hChild, static_cast<unsigned>(nID), DialogControlAuto);
-    return TRUE;
+    // To visit a child costs a call to the system.
+    return dialog.GetAutoMakeDirty() || !dialog.m_hFirstControl;
 }
 
 int CCUIDialog::PreTranslateMessage(MSG *pMsg)
@@ -261,11 +262,11 @@ void CCUIDialog::OnDestroy()
     CCUIWindow::OnDestroy();
 }
 
-// A loop that waits may be where the end came from, sent by another thread: what is posted to the
-// window is lost with it, so the thread itself is woken.
+// The end may come to a loop that waits, sent by another thread: what is posted to the window is
+// lost with it, so the thread itself is woken. A loop that handles a message looks by itself.
 void CCUIDialog::WakeLoop() const
 {
-    if (m_mode == ModeModal)
+    if (m_bWaiting)
         PostThreadMessageA(GetCurrentThreadId(), WM_NULL, 0, 0);
 }
 

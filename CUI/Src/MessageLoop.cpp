@@ -210,25 +210,32 @@ void CCUIWindow::ModalLoop()
 {
     MSG msg;
     CWatch watch(this);
+    // A look at the queue serves what other threads sent, and that may end the run.
+    const auto isOver = [&] { return watch.IsGone() || m_bEnded; };
     const HWND hParent = GetParent(m_hWnd);
     long nCount = 0;
     bool bIdle = true;
-    while (!m_bEnded) {
-        while (bIdle && !IsMessageWaiting(msg)) {
+    while (!isOver()) {
+        while (bIdle && !IsMessageWaiting(msg) && !isOver()) {
             if (hParent && nCount == 0)
                 SendMessageA(hParent, WM_ENTERIDLE, MSGF_DIALOGBOX,
                              reinterpret_cast<LPARAM>(m_hWnd));
             bIdle = IdlePass(nCount++);
-            if (watch.IsGone() || m_bEnded)
-                return;
         }
         do {
-            if (!PumpMessage(&msg)) {
+            if (isOver())
+                return;
+            m_bWaiting = 1;
+            const BOOL bGoOn = GetMessageA(&msg, nullptr, 0, 0);
+            if (!watch.IsGone())
+                m_bWaiting = 0;
+            if (!bGoOn) {
                 PostQuitMessage(0);
                 return;
             }
+            HandleMessage(&msg);
             CU_ASSERT_TEXT(!watch.IsGone() && !m_bDead, "!m_bDead");
-            if (watch.IsGone() || m_bEnded)
+            if (isOver())
                 return;
             if (IsActivity(msg.message)) {
                 nCount = 0;

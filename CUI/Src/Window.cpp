@@ -13,6 +13,10 @@
 
 namespace {
 
+// A property of windows that are bound no more but have our procedure below somebody else's. It
+// goes with its window: another window that gets the same handle later does not have it.
+const char IN_CHAIN[] = "kvxCCUIWindow-chain";
+
 // The property that holds a window's object, with the process in its name: a window's properties
 // are seen by every process.
 const char *PropertyName()
@@ -22,6 +26,13 @@ const char *PropertyName()
     if (s_sName.IsEmpty())
         s_sName.Format("kvxCCUIWindow-%d", GetCurrentProcessId());
     return s_sName;
+}
+
+// The parent or owner, but not the desktop: no program may disable that or make it an owner.
+HWND ParentOf(HWND hWnd)
+{
+    const HWND hParent = GetParent(hWnd);
+    return hParent == GetDesktopWindow() ? nullptr : hParent;
 }
 
 WNDPROC GetProcedure(HWND hWnd)
@@ -54,6 +65,7 @@ CCUIWindow::CCUIWindow()
       m_hWndOwner(nullptr),
       m_bActive(0),
       m_bEnded(0),
+      m_bWaiting(0),
       m_bDead(0),
       m_hAccelerators(nullptr),
       m_pContextMenu(nullptr),
@@ -70,7 +82,7 @@ CCUIWindow::~CCUIWindow()
     m_bDead = 1;
     if (s_pHookWin == this)
         UnHook();  // a window made later must not be bound to what is gone
-    if (Exist()) {
+    if (Exist() && GetPropA(m_hWnd, PropertyName()) == this) {
         CUDump("Destroying Window in ~CCUIWindow.\n");
         CCUIWindow::Destroy();
     }
@@ -98,7 +110,7 @@ void CCUIWindow::Attach(HWND hWnd)
     // A former binding may have left our procedure in the chain, below somebody else's. Put on top
     // once more it would be called by itself.
     CUIWindowBinding binding = {nullptr, nullptr};
-    if (!CUIWindowMapGet(hWnd, binding))
+    if (!CUIWindowMapGet(hWnd, binding) || !GetPropA(hWnd, IN_CHAIN))
         binding.pOldProc = SetProcedure(hWnd, StaticWindowProc);
     if (!binding.pOldProc) {
         SetPropA(hWnd, PropertyName(), nullptr);
@@ -117,15 +129,21 @@ HWND CCUIWindow::Detach()
     const WNDPROC pOldProc = m_pOldProc;
     m_hWnd = nullptr;
     m_pOldProc = nullptr;
-    // A handle that is somebody else's by now is left alone.
+    // A handle that is somebody else's by now is left alone: another object's, or another window's
+    // where a later subclass kept the end of ours to itself.
     if (!pOldProc || FromHandle(hWnd) != this)
         return hWnd;
+    if (GetPropA(hWnd, PropertyName()) != this) {
+        CUIWindowMapRemove(hWnd);
+        return hWnd;
+    }
     if (GetProcedure(hWnd) == StaticWindowProc) {
         CUIWindowMapRemove(hWnd);
         SetProcedure(hWnd, pOldProc);
     } else {
         // Somebody subclassed after us and goes on calling our procedure.
         CUIWindowMapSet(hWnd, {nullptr, pOldProc});
+        SetPropA(hWnd, IN_CHAIN, hWnd);
     }
     SetPropA(hWnd, PropertyName(), nullptr);
     return hWnd;
@@ -237,7 +255,7 @@ int CCUIWindow::Exist() const
 HWND CCUIWindow::GetTopLevelWindow() const
 {
     HWND hTop = m_hWnd;
-    for (HWND hWnd = m_hWnd; hWnd; hWnd = GetParent(hWnd))
+    for (HWND hWnd = m_hWnd; hWnd; hWnd = ParentOf(hWnd))
         hTop = hWnd;
     return hTop;
 }
@@ -245,8 +263,11 @@ HWND CCUIWindow::GetTopLevelWindow() const
 HWND CCUIWindow::GetSafeOwner(HWND *phDisabled)
 {
     HWND hOwner = m_hWnd;
-    while (hOwner && (GetWindowLongA(hOwner, GWL_STYLE) & WS_CHILD))
-        hOwner = GetParent(hOwner);
+    HWND hParent = ParentOf(hOwner);
+    while (hParent && (GetWindowLongA(hOwner, GWL_STYLE) & WS_CHILD)) {
+        hOwner = hParent;
+        hParent = ParentOf(hOwner);
+    }
     if (!phDisabled)
         return hOwner;
     *phDisabled = nullptr;

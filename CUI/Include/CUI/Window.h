@@ -263,6 +263,7 @@ protected:
     HWND m_hWndOwner;    // what GetOwner answers
     int m_bActive;       // in a run of a dialog
     int m_bEnded;        // the modal run must stop
+    int m_bWaiting;      // its loop is in the system, waiting for a message
     int m_bDead;         // the destructor has begun
 
 private:
