@@ -15,22 +15,28 @@
 
 namespace {
 
-HINSTANCE Module()
-{
-    return GetModuleHandleA(nullptr);
-}
-
-// Runs what it is told, once, in WM_INITDIALOG or when its loop first serves a posted message.
-class CTestDialog : public CCUIDialog
+// Runs what it is told in WM_INITDIALOG, and when its loop first serves a posted message.
+class CTestDialog : public CScripted<CCUIDialog>
 {
 public:
-    explicit CTestDialog(const char *name = MAKEINTRESOURCEA(500)) : CCUIDialog(Module(), name) {}
+    using Step = std::function<void(CTestDialog &)>;
+    explicit CTestDialog(const char *name = MAKEINTRESOURCEA(500))
+        : CScripted(GetModuleHandleA(nullptr), name)
+    {
+        m_on[s_nGo] = [this] {
+            const Step inLoop = m_inLoop;  // it may delete this
+            return inLoop(*this), 0;
+        };
+    }
+    int Run(Step inLoop, CCUIWindow *pParent = nullptr)
+    {
+        m_inLoop = std::move(inLoop);
+        return DoModal(pParent);
+    }
 
-    std::function<void(CTestDialog &)> m_onInit;
-    std::function<void(CTestDialog &)> m_inLoop;
+    Step m_onInit = [](CTestDialog &) {}, m_inLoop;
+    std::function<int(unsigned short)> m_onExchange = [](unsigned short) { return 1; };
     std::string m_record;
-    int m_nExchange = 1;
-    std::function<int(unsigned short)> m_onExchange;
 
     using CCUIDialog::ExchangeFail;
     using CCUIDialog::OnCancel;
@@ -42,78 +48,29 @@ protected:
     int OnInitDialog(HWND hFocus, LPARAM lParam) override
     {
         const int nResult = CCUIDialog::OnInitDialog(hFocus, lParam);
-        const HWND hWnd = m_hWnd;
-        const bool bLoop = m_inLoop != nullptr;
-        const auto onInit = m_onInit;
-        if (onInit)
-            onInit(*this);
-        if (bLoop)
-            PostMessageA(hWnd, s_nGo, 0, 0);
+        const HWND hGo = m_inLoop ? m_hWnd : nullptr;
+        const Step onInit = m_onInit;  // it may delete this
+        onInit(*this);
+        if (hGo)
+            PostMessageA(hGo, s_nGo, 0, 0);
         return nResult;
-    }
-    long OnMessage(UINT message, WPARAM wParam, LPARAM lParam) override
-    {
-        if (message != s_nGo)
-            return CCUIDialog::OnMessage(message, wParam, lParam);
-        const auto inLoop = m_inLoop;
-        inLoop(*this);
-        return 0;
     }
     int ExchangeData(unsigned short nDirection) override
     {
         m_record += nDirection == CUI_TOSCREEN ? "to " : "from ";
-        return m_onExchange ? m_onExchange(nDirection) : m_nExchange;
+        return m_onExchange(nDirection);
     }
     void OnEvent(CCUString &sEvent) override { m_record += std::string(sEvent) + " "; }
 };
 
-void Press(CCUIDialog &dialog, int nID)
+CTestDialog::Step End(unsigned nResult)
 {
-    SendMessageA(dialog, WM_COMMAND, static_cast<WPARAM>(nID), 0);
+    return [=](CTestDialog &dialog) { dialog.EndDialog(nResult); };
 }
 
-}  // namespace
-
-TEST(Dialog, EndsWithWhatItWasToldInEveryWay)
+CTestDialog::Step Post(UINT message, WPARAM wParam)
 {
-    struct CCase
-    {
-        std::function<void(CTestDialog &)> onInit, inLoop;
-        int nResult;
-    };
-    const CCase cases[] = {
-        {nullptr, [](CTestDialog &dialog) { dialog.EndDialog(77); }, 77},
-        {[](CTestDialog &dialog) { dialog.EndDialog(78); }, nullptr, 78},
-        {nullptr, [](CTestDialog &dialog) { Press(dialog, IDOK); }, IDOK},
-        {nullptr, [](CTestDialog &dialog) { Press(dialog, IDCANCEL); }, IDCANCEL},
-        {nullptr, [](CTestDialog &dialog) { PostMessageA(dialog, WM_CLOSE, 0, 0); }, IDCANCEL},
-        {nullptr, [](CTestDialog &dialog) { PostMessageA(dialog, WM_KEYDOWN, VK_ESCAPE, 1); },
-         IDCANCEL},
-        {nullptr, [](CTestDialog &dialog) { dialog.Destroy(); }, IDCANCEL},
-        {nullptr,
-         [](CTestDialog &dialog) {
-             dialog.EndDialog(5);
-             dialog.EndDialog(6);
-         },
-         6},
-    };
-    const int nWindows = WindowCount();
-    CTestDialog dialog;
-    for (const CCase &one : cases) {
-        dialog.m_onInit = one.onInit;
-        dialog.m_inLoop = one.inLoop;
-        EXPECT_EQ(one.nResult, dialog.DoModal(nullptr));
-        EXPECT_FALSE(dialog.IsActive());
-        EXPECT_EQ(nullptr, dialog.GetHandle());
-        EXPECT_EQ(nWindows, WindowCount());
-    }
-}
-
-namespace {
-
-DWORD WINAPI CutSize(HMODULE, HRSRC)
-{
-    return 40;
+    return [=](CTestDialog &dialog) { PostMessageA(dialog, message, wParam, 1); };
 }
 
 DWORD WINAPI SendCancel(LPVOID hWnd)
@@ -122,149 +79,142 @@ DWORD WINAPI SendCancel(LPVOID hWnd)
     return 0;
 }
 
-}  // namespace
-
-// The loop waits in the very call that serves the sent message.
-TEST(Dialog, EndsWhenAnotherThreadSendsCancel)
+DWORD WINAPI CutSize(HMODULE, HRSRC)
 {
-    class CDying : public CTestDialog
-    {
-        void OnCancel() override { delete this; }
-    };
-    CTestDialog dialog;
-    auto *dying = new CDying;
-    for (CTestDialog *pDialog : {&dialog, static_cast<CTestDialog *>(dying)}) {
-        pDialog->m_inLoop = [](CTestDialog &running) {
-            const HWND hWnd = running;
-            CloseHandle(CreateThread(nullptr, 0, SendCancel, hWnd, 0, nullptr));
-        };
-        EXPECT_EQ(IDCANCEL, pDialog->DoModal(nullptr));
-    }
+    return 40;
 }
 
-// What ends the object while it gives its owner back.
-TEST(Dialog, StandsItsDeathAtItsOwnersHands)
-{
-    class COwner : public CCUIWindow
-    {
-    public:
-        CTestDialog *m_pDialog = nullptr;
+}  // namespace
 
-    protected:
-        long OnMessage(UINT message, WPARAM wParam, LPARAM lParam) override
-        {
-            if (message == WM_ENABLE && wParam)
-                delete std::exchange(m_pDialog, nullptr);
-            return CCUIWindow::OnMessage(message, wParam, lParam);
-        }
+TEST(Dialog, EndsWithWhatItWasToldInEveryWay)
+{
+    CTestDialog dialog;
+    const auto endTwice = [](CTestDialog &running) {
+        running.EndDialog(5);
+        running.EndDialog(6);
     };
-    for (const bool bEnd : {true, false}) {
-        COwner owner;
-        ASSERT_TRUE(CreateTestWindow(owner, nullptr, WS_POPUP | WS_VISIBLE));
-        owner.m_pDialog = new CTestDialog;
-        owner.m_pDialog->m_inLoop = [=](CTestDialog &running) {
-            bEnd ? running.EndDialog(5) : static_cast<void>(DestroyWindow(running));
-        };
-        EXPECT_EQ(IDCANCEL, owner.m_pDialog->DoModal(&owner));
-        EXPECT_EQ(nullptr, owner.m_pDialog);
-        EXPECT_TRUE(IsWindowEnabled(owner));
+    // The loop waits in the very call that serves the message of the other thread.
+    const auto endFromAThread = [](CTestDialog &running) {
+        const HWND hWnd = running;
+        CloseHandle(CreateThread(nullptr, 0, SendCancel, hWnd, 0, nullptr));
+    };
+    const std::pair<CTestDialog::Step, int> cases[] = {
+        {End(77), 77},
+        {Post(WM_COMMAND, IDOK), IDOK},
+        {Post(WM_COMMAND, IDCANCEL), IDCANCEL},
+        {Post(WM_CLOSE, 0), IDCANCEL},
+        {Post(WM_KEYDOWN, VK_ESCAPE), IDCANCEL},
+        {[](CTestDialog &running) { running.Destroy(); }, IDCANCEL},
+        {endTwice, 6},
+        {endFromAThread, IDCANCEL},
+    };
+    const int nWindows = WindowCount();
+    for (const auto &[inLoop, nResult] : cases) {
+        EXPECT_EQ(nResult, dialog.Run(inLoop));
+        EXPECT_FALSE(dialog.IsActive());
+        EXPECT_EQ(nullptr, dialog.GetHandle());
+        EXPECT_EQ(nWindows, WindowCount());
     }
+    dialog.m_onInit = End(78);
+    EXPECT_EQ(78, dialog.Run(nullptr));
 }
 
 TEST(Dialog, AnswersWhatCannotRun)
 {
-    CTestDialog missing("no such template");
-    EXPECT_EQ(IDCANCEL, missing.DoModal(nullptr));
-    EXPECT_EQ(nullptr, missing.DoModeless(nullptr));
-    EXPECT_EQ(nullptr, missing.Create(nullptr));
-    CTestDialog nameless(nullptr);
-    EXPECT_EQ(0, nameless.DoModal(nullptr));
-    CCUIDialog homeless(nullptr, MAKEINTRESOURCEA(500));
-    EXPECT_EQ(0, homeless.DoModal(nullptr));
+    const auto expectNone = [](CCUIDialog &dialog, int nResult) {
+        EXPECT_EQ(nResult, dialog.DoModal(nullptr));
+        EXPECT_EQ(nullptr, dialog.DoModeless(nullptr));
+        EXPECT_EQ(nullptr, dialog.Create(nullptr));
+        EXPECT_FALSE(dialog.IsActive());
+    };
+    CTestDialog missing("no such template"), nameless(nullptr), dialog;
+    expectNone(missing, IDCANCEL);
+    expectNone(nameless, 0);
     {
         // A resource that is cut short: the system would read on behind it.
         const CImportHook size("SizeofResource", CutSize);
         CTestDialog cut;
-        cut.m_inLoop = [](CTestDialog &running) { running.EndDialog(9); };
-        EXPECT_EQ(IDCANCEL, cut.DoModal(nullptr));
-        EXPECT_EQ(nullptr, cut.DoModeless(nullptr));
-        EXPECT_EQ(nullptr, cut.Create(nullptr));
-        EXPECT_FALSE(cut.IsActive());
+        cut.m_inLoop = End(9);
+        expectNone(cut, IDCANCEL);
     }
     // No hook waits for the next window.
-    CCUIWindow window;
-    ASSERT_TRUE(CreateTestWindow(window));
+    const CTestWindow window;
     EXPECT_EQ(&window, CCUIWindow::FromHandle(window));
     // A dialog that runs does not run twice.
-    CTestDialog dialog;
-    dialog.m_inLoop = [](CTestDialog &running) {
+    const auto runAgain = [](CTestDialog &running) {
         EXPECT_EQ(IDCANCEL, running.DoModal(nullptr));
         running.EndDialog(9);
     };
-    EXPECT_EQ(9, dialog.DoModal(nullptr));
+    EXPECT_EQ(9, dialog.Run(runAgain));
 }
 
 TEST(Dialog, DisablesTheOwnersAndGivesThemBack)
 {
-    CCUIWindow frame, popup, child;
-    ASSERT_TRUE(CreateTestWindow(frame));
-    ASSERT_TRUE(CreateTestWindow(popup, frame, WS_POPUP | WS_VISIBLE));
-    ASSERT_TRUE(CreateTestWindow(child, popup, WS_CHILD | WS_VISIBLE));
-    CTestDialog dialog;
-    dialog.m_inLoop = [&](CTestDialog &running) {
-        EXPECT_EQ(popup.GetHandle(), GetWindow(running, GW_OWNER));
-        EXPECT_FALSE(IsWindowEnabled(popup));
-        EXPECT_FALSE(IsWindowEnabled(frame));
-        EXPECT_TRUE(running.IsActive());
-        running.EndDialog(1);
+    CTestWindow frame, popup(frame, WS_POPUP | WS_VISIBLE), child(popup, WS_CHILD | WS_VISIBLE);
+    const auto enabled = [&] {
+        return Text("%d %d", IsWindowEnabled(frame), IsWindowEnabled(popup));
     };
-    EXPECT_EQ(1, dialog.DoModal(&child));
-    EXPECT_TRUE(IsWindowEnabled(popup));
-    EXPECT_TRUE(IsWindowEnabled(frame));
+    int nIdle = 0, nCancels = 0;
+    popup.m_on[WM_ENTERIDLE] = [&] { return ++nIdle; };
+    child.m_on[WM_CANCELMODE] = [&] { return ++nCancels; };
+    CTestDialog dialog;
+    ShowWindow(frame, SW_SHOWMINIMIZED);
+    SetCapture(child);
+    const auto look = [&](CTestDialog &running) {
+        EXPECT_EQ(popup.GetHandle(), GetWindow(running, GW_OWNER));
+        EXPECT_EQ("0 0", enabled());
+        EXPECT_TRUE(running.IsActive());
+        running.m_on[WM_APP] = [&] { return running.EndDialog(1), 0; };
+        // After an idle pass, which tells the owner.
+        popup.m_on[WM_ENTERIDLE] = [&] {
+            ++nIdle;
+            return PostMessageA(running, WM_APP, 0, 0);
+        };
+    };
+    EXPECT_EQ(1, dialog.Run(look, &child));
+    EXPECT_FALSE(IsIconic(frame));
+    EXPECT_GT(nIdle, 0);
+    EXPECT_EQ(1, nCancels);
+    EXPECT_EQ("1 1", enabled());
     EXPECT_EQ(popup.GetHandle(), GetActiveWindow());
 
     // One that was disabled before stays so; one that is destroyed gives back too.
     EnableWindow(popup, FALSE);
-    dialog.m_inLoop = [&](CTestDialog &running) { DestroyWindow(running); };
-    dialog.DoModal(&child);
-    EXPECT_FALSE(IsWindowEnabled(popup));
-    EXPECT_TRUE(IsWindowEnabled(frame));
+    dialog.Run([](CTestDialog &running) { DestroyWindow(running); }, &child);
+    EXPECT_EQ("1 0", enabled());
     EnableWindow(popup, TRUE);
 
-    // An owner that goes takes the dialog along, and the run ends.
-    dialog.m_inLoop = [&](CTestDialog &) { popup.Destroy(); };
-    EXPECT_EQ(IDCANCEL, dialog.DoModal(&child));
-    EXPECT_TRUE(IsWindowEnabled(frame));
-
     // A creation that fails leaves the owners enabled.
-    CTestDialog missing("no such template");
-    ASSERT_TRUE(CreateTestWindow(popup, frame, WS_POPUP));
-    missing.DoModal(&popup);
+    CTestDialog("no such template").DoModal(&child);
+    EXPECT_EQ("1 1", enabled());
+
+    // An owner that goes takes the dialog along, and the run ends.
+    EXPECT_EQ(IDCANCEL, dialog.Run([&](CTestDialog &) { popup.Destroy(); }, &child));
     EXPECT_TRUE(IsWindowEnabled(frame));
-    EXPECT_TRUE(IsWindowEnabled(popup));
+    // The desktop is no owner, and stays enabled.
+    CTestWindow lone(GetDesktopWindow(), WS_CHILD);
+    EXPECT_EQ(4, dialog.Run(End(4), &lone));
+    EXPECT_TRUE(IsWindowEnabled(GetDesktopWindow()));
 }
 
 TEST(Dialog, RunsThreeDeepAndPassesQuitOn)
 {
     CTestDialog outer, middle, inner;
-    outer.m_inLoop = [&](CTestDialog &running) {
-        EXPECT_EQ(20, middle.DoModal(&running));
+    middle.m_onInit = [&](CTestDialog &running) { EXPECT_EQ(30, inner.Run(End(30), &running)); };
+    const auto runMiddle = [&](CTestDialog &running) {
+        EXPECT_EQ(20, middle.Run(End(20), &running));
         EXPECT_TRUE(IsWindowEnabled(running));
         running.EndDialog(10);
     };
-    middle.m_onInit = [&](CTestDialog &running) { EXPECT_EQ(30, inner.DoModal(&running)); };
-    middle.m_inLoop = [](CTestDialog &running) { running.EndDialog(20); };
-    inner.m_inLoop = [](CTestDialog &running) { running.EndDialog(30); };
-    EXPECT_EQ(10, outer.DoModal(nullptr));
+    EXPECT_EQ(10, outer.Run(runMiddle));
 
-    outer.m_inLoop = [&](CTestDialog &running) {
-        middle.m_onInit = nullptr;
-        middle.m_inLoop = [](CTestDialog &) { PostQuitMessage(5); };
-        EXPECT_EQ(IDCANCEL, middle.DoModal(&running));
+    middle.m_onInit = [](CTestDialog &) {};
+    const auto quitMiddle = [&](CTestDialog &running) {
+        EXPECT_EQ(IDCANCEL, middle.Run([](CTestDialog &) { PostQuitMessage(5); }, &running));
         EXPECT_TRUE(middle.Exist());
         middle.Destroy();
     };
-    EXPECT_EQ(IDCANCEL, outer.DoModal(nullptr));
+    EXPECT_EQ(IDCANCEL, outer.Run(quitMiddle));
     outer.Destroy();
     MSG msg;
     do {
@@ -274,46 +224,65 @@ TEST(Dialog, RunsThreeDeepAndPassesQuitOn)
     EXPECT_FALSE(PeekMessageA(&msg, nullptr, WM_QUIT, WM_QUIT, PM_REMOVE));
 }
 
-TEST(Dialog, StandsItsOwnDeathInItsLoop)
+TEST(Dialog, StandsItsOwnDeathWhereverItComes)
 {
-    const CReports reports;
-    auto *dialog = new CTestDialog;
-    dialog->m_inLoop = [](CTestDialog &running) { delete &running; };
-    EXPECT_EQ(IDCANCEL, dialog->DoModal(nullptr));
-    EXPECT_EQ(1, reports.Count("!m_bDead", "Window"));
-    auto *other = new CTestDialog;
-    other->m_onInit = [](CTestDialog &running) { delete &running; };
-    EXPECT_EQ(IDCANCEL, other->DoModal(nullptr));
+    class CDying : public CTestDialog
+    {
+        void OnCancel() override { delete this; }
+    };
+    CReports reports;
+    const CTestDialog::Step die = [](CTestDialog &running) { delete &running; };
+    EXPECT_EQ(IDCANCEL, (new CTestDialog)->Run(die));
+    EXPECT_EQ(std::vector<std::string>{"Window: !m_bDead"}, reports.Asserts());
+    auto *atStart = new CTestDialog;
+    atStart->m_onInit = die;
+    EXPECT_EQ(IDCANCEL, atStart->Run(nullptr));
+    const auto cancelFromAThread = [](CTestDialog &running) {
+        const HWND hWnd = running;
+        CloseHandle(CreateThread(nullptr, 0, SendCancel, hWnd, 0, nullptr));
+    };
+    EXPECT_EQ(IDCANCEL, (new CDying)->Run(cancelFromAThread));
+    // While it gives its owner back.
+    for (const bool bEnd : {true, false}) {
+        CTestWindow owner(nullptr, WS_POPUP | WS_VISIBLE);
+        auto *dialog = new CTestDialog;
+        owner.m_on[WM_ENABLE] = [&] {
+            if (owner.m_wParam)
+                delete std::exchange(dialog, nullptr);
+            return 0;
+        };
+        const auto end = [=](CTestDialog &running) {
+            bEnd ? running.EndDialog(5) : static_cast<void>(DestroyWindow(running));
+        };
+        EXPECT_EQ(IDCANCEL, dialog->Run(end, &owner));
+        EXPECT_EQ(nullptr, dialog);
+        EXPECT_TRUE(IsWindowEnabled(owner));
+    }
 }
 
 TEST(Dialog, MakesModelessOnesWithoutDisablingAnybody)
 {
-    CCUIWindow frame;
-    ASSERT_TRUE(CreateTestWindow(frame));
+    const CTestWindow frame;
     CTestDialog popup, child(MAKEINTRESOURCEA(501)), made;
-    const HWND hPopup = popup.DoModeless(&frame);
-    ASSERT_TRUE(hPopup);
+    const HWND hPopup = popup.DoModeless(CCUIWindow::FromHandle(frame));
     EXPECT_EQ(hPopup, popup.GetHandle());
     EXPECT_EQ(frame.GetHandle(), GetWindow(hPopup, GW_OWNER));
-    EXPECT_TRUE(IsWindowEnabled(frame));
-    EXPECT_TRUE(IsWindowVisible(hPopup));
+    EXPECT_TRUE(IsWindowEnabled(frame) && IsWindowVisible(hPopup));
     ASSERT_TRUE(child.DoModeless(&popup));
     EXPECT_EQ(hPopup, GetParent(child));
     ASSERT_TRUE(made.Create(frame));
     EXPECT_FALSE(IsWindowVisible(made));
     EXPECT_EQ(nullptr, made.Create(frame));  // has a window already
     popup.OnCancel();
-    EXPECT_FALSE(IsWindow(hPopup));
-    EXPECT_FALSE(child.Exist());
+    EXPECT_FALSE(IsWindow(hPopup) || child.Exist());
 }
 
 TEST(Dialog, ExchangesDataAndTracksWhatTheUserChanges)
 {
     CTestDialog dialog;
     dialog.SetAutoMakeDirty(true);
-    dialog.m_onExchange = [&](unsigned short nDirection) {
-        if (nDirection == CUI_TOSCREEN)
-            SetDlgItemTextA(dialog, 1001, "put");
+    dialog.m_onExchange = [&](unsigned short) {
+        SetDlgItemTextA(dialog, 1001, "put");
         return 1;
     };
     ASSERT_TRUE(dialog.DoModeless(nullptr));
@@ -322,80 +291,61 @@ TEST(Dialog, ExchangesDataAndTracksWhatTheUserChanges)
     EXPECT_FALSE(dialog.IsDirty());  // the exchange itself is no change
     EXPECT_EQ(GetDlgItem(dialog, 1001), dialog.GetFirstControl());  // 1000 is disabled
 
-    dialog.RegisterControl(nullptr, 1100, DialogControlTreeView);
-    dialog.RegisterControl(nullptr, 1101, DialogControlListView);
-    dialog.RegisterControl(nullptr, 1102, DialogControlTab);
-    dialog.RegisterControl(nullptr, 1103, DialogControlDatePicker);
-    const auto Change = [&](int nID, UINT nCode) {
+    const DialogControlType types[] = {DialogControlTreeView, DialogControlListView,
+                                       DialogControlTab, DialogControlDatePicker};
+    for (unsigned i = 0; i < 4; ++i)
+        dialog.RegisterControl(nullptr, 1100 + i, types[i]);
+    const auto change = [&](unsigned nID, UINT nCode) {
         dialog.SetDirty(false);
-        NMHDR header = {GetDlgItem(dialog, 1005), static_cast<UINT_PTR>(nID), nCode};
+        const HWND hControl = GetDlgItem(dialog, static_cast<int>(nID));
+        NMHDR header = {hControl, nID, nCode};
         if (nID < 1100)
             SendMessageA(dialog, WM_COMMAND, static_cast<WPARAM>(MAKELONG(nID, nCode)),
-                         reinterpret_cast<LPARAM>(GetDlgItem(dialog, nID)));
+                         reinterpret_cast<LPARAM>(hControl));
         else
-            SendMessageA(dialog, WM_NOTIFY, header.idFrom, reinterpret_cast<LPARAM>(&header));
+            SendMessageA(dialog, WM_NOTIFY, nID, reinterpret_cast<LPARAM>(&header));
         return dialog.IsDirty();
     };
-    struct CChange
+    const struct
     {
-        int nID;
+        unsigned nID;
         UINT nCode;
         bool bDirty;
+    } changes[] = {
+        {1001, EN_CHANGE, true},        {1001, EN_SETFOCUS, false},
+        {1002, LBN_SELCHANGE, true},    {1003, CBN_SELCHANGE, true},
+        {1003, CBN_EDITCHANGE, true},   {1003, CBN_DROPDOWN, false},
+        {1004, BN_CLICKED, true},       {1005, BN_CLICKED, false},  // a push button holds nothing
+        {1100, TVN_SELCHANGEDA, true},  {1100, TVN_ITEMEXPANDEDA, false},
+        {1101, LVN_ITEMCHANGED, true},  {1102, TCN_SELCHANGE, true},
+        {1102, TCN_SELCHANGING, false}, {1103, DTN_DATETIMECHANGE, true},
     };
-    for (const CChange &one : {CChange{1001, EN_CHANGE, true},
-                               {1001, EN_SETFOCUS, false},
-                               {1002, LBN_SELCHANGE, true},
-                               {1003, CBN_SELCHANGE, true},
-                               {1003, CBN_EDITCHANGE, true},
-                               {1003, CBN_DROPDOWN, false},
-                               {1004, BN_CLICKED, true},
-                               {1005, BN_CLICKED, false},  // a push button holds nothing
-                               {1100, TVN_SELCHANGEDA, true},
-                               {1100, TVN_ITEMEXPANDEDA, false},
-                               {1101, LVN_ITEMCHANGED, true},
-                               {1102, TCN_SELCHANGE, true},
-                               {1102, TCN_SELCHANGING, false},
-                               {1103, DTN_DATETIMECHANGE, true}})
-        EXPECT_EQ(one.bDirty, Change(one.nID, one.nCode)) << one.nID << " " << one.nCode;
+    for (const auto &one : changes)
+        EXPECT_EQ(one.bDirty, change(one.nID, one.nCode)) << one.nID << " " << one.nCode;
     dialog.SetControlAutoMakeDirty(1001, false);
-    EXPECT_FALSE(Change(1001, EN_CHANGE));
+    EXPECT_FALSE(change(1001, EN_CHANGE));
     CCUIControlInfo info = {};
     EXPECT_EQ(1, dialog.GetControlInfo(1003, info));
     EXPECT_EQ(DialogControlComboBox, info.type);
     dialog.UnRegisterControl(1003);
     EXPECT_EQ(0, dialog.GetControlInfo(1003, info));
-    EXPECT_FALSE(Change(1003, CBN_SELCHANGE));
+    EXPECT_FALSE(change(1003, CBN_SELCHANGE));
 
     dialog.m_record.clear();
     dialog.SetDirty(true);
     dialog.SetDirty(true);
     EXPECT_EQ("Dirty ", dialog.m_record);
-    dialog.m_onExchange = nullptr;
-    dialog.m_nExchange = 0;
+    dialog.m_onExchange = [](unsigned short) { return 0; };
     dialog.OnOK();
     EXPECT_TRUE(dialog.Exist());  // data that cannot be taken keeps it open
     EXPECT_FALSE(dialog.IsDataValid());
+    dialog.m_onExchange = [](unsigned short) { return 1; };
     CCUString sCode("Sideways");
     EXPECT_EQ(0, dialog.UpdateData(sCode));
-    dialog.m_nExchange = 1;
     dialog.OnOK();
-    EXPECT_FALSE(dialog.Exist());
-    EXPECT_FALSE(dialog.IsDirty());
+    EXPECT_FALSE(dialog.Exist() || dialog.IsDirty());
+    EXPECT_EQ("Dirty from from ", dialog.m_record);
 }
-
-namespace {
-
-// Presses OK in the message box that the dialog under test shows.
-void CALLBACK CloseBox(HWND, UINT, UINT_PTR nTimer, DWORD)
-{
-    const HWND hBox = GetLastActivePopup(FindWindowA("#32770", "Dialog under test"));
-    if (!hBox || GetDlgItem(hBox, 1001))
-        return;
-    KillTimer(nullptr, nTimer);
-    PostMessageA(hBox, WM_COMMAND, IDOK, 0);
-}
-
-}  // namespace
 
 TEST(Dialog, TellsWhichControlFailedAndGoesThere)
 {
@@ -403,16 +353,16 @@ TEST(Dialog, TellsWhichControlFailedAndGoesThere)
     ASSERT_TRUE(dialog.DoModeless(nullptr));
     SetDlgItemTextA(dialog, 1001, "wrong");
     SetFocus(GetDlgItem(dialog, 1004));
-    // The box is closed by the timer that its own loop serves.
-    SetTimer(nullptr, 0, 10, CloseBox);
+    // The box's own loop serves the timer that closes it.
+    SetTimer(dialog, 1, 10, nullptr);
+    dialog.m_on[WM_TIMER] = [&] {
+        const HWND hBox = GetLastActivePopup(dialog);
+        return hBox == dialog ? 0 : PostMessageA(hBox, WM_COMMAND, IDOK, 0);
+    };
     CCUString sMessage("Not a number.");
     EXPECT_EQ(0, dialog.ExchangeFail(1001, sMessage));
     EXPECT_EQ(GetDlgItem(dialog, 1001), GetFocus());
-    DWORD nFrom = 0, nTo = 0;
-    SendDlgItemMessageA(dialog, 1001, EM_GETSEL, reinterpret_cast<WPARAM>(&nFrom),
-                        reinterpret_cast<LPARAM>(&nTo));
-    EXPECT_EQ(0u, nFrom);
-    EXPECT_EQ(5u, nTo);
+    EXPECT_EQ(MAKELONG(0, 5), SendDlgItemMessageA(dialog, 1001, EM_GETSEL, 0, 0));
 }
 
 TEST(Dialog, PaintsItsColour)
@@ -422,19 +372,18 @@ TEST(Dialog, PaintsItsColour)
     dialog.SetColor(RGB(10, 200, 30));
     ASSERT_TRUE(dialog.DoModeless(nullptr));
     const HDC hDC = GetDC(dialog);
-    const auto hBrush = reinterpret_cast<HBRUSH>(
-        SendMessageA(dialog, WM_CTLCOLORDLG, reinterpret_cast<WPARAM>(hDC), 0));
-    LOGBRUSH brush = {};
-    GetObjectA(hBrush, sizeof brush, &brush);
-    EXPECT_EQ(RGB(10, 200, 30), brush.lbColor);
-    EXPECT_EQ(reinterpret_cast<LRESULT>(hBrush),
-              SendMessageA(dialog, WM_CTLCOLORSTATIC, reinterpret_cast<WPARAM>(hDC), 0));
+    const auto brushColor = [&](UINT message) {
+        LOGBRUSH brush = {};
+        const LRESULT result = SendMessageA(dialog, message, reinterpret_cast<WPARAM>(hDC), 0);
+        GetObjectA(reinterpret_cast<HBRUSH>(result), sizeof brush, &brush);
+        return brush.lbColor;
+    };
+    EXPECT_EQ(RGB(10, 200, 30), brushColor(WM_CTLCOLORDLG));
+    EXPECT_EQ(RGB(10, 200, 30), brushColor(WM_CTLCOLORSTATIC));
     EXPECT_EQ(RGB(10, 200, 30), GetBkColor(hDC));
     // A system colour is what the system says now.
     dialog.SetColor(CUIGetWinData()->crSys[COLOR_BTNFACE]);
     const CSysColors colors;
-    GetObjectA(reinterpret_cast<HBRUSH>(SendMessageA(dialog, WM_CTLCOLORDLG, 0, 0)), sizeof brush,
-               &brush);
-    EXPECT_EQ(GetSysColor(COLOR_BTNFACE), brush.lbColor);
+    EXPECT_EQ(GetSysColor(COLOR_BTNFACE), brushColor(WM_CTLCOLORDLG));
     ReleaseDC(dialog, hDC);
 }

@@ -1,93 +1,114 @@
 // The loops: who sees a message first, when idle passes run, what a loop leaves for others.
 #include <gtest/gtest.h>
 
-#include <functional>
+#include <algorithm>
+#include <atomic>
 
 #include "CU/CU.h"
 #include "CU/DebugSwitch.h"
 #include "CU/Dump.h"
 #include "CU/String.h"
 #include "CUI/CommandHandler.h"
+#include "Support/Fuzz.h"
 #include "Support/ImportHook.h"
 #include "Support/Reports.h"
 #include "Support/TestWindow.h"
+#include "Support/Threads.h"
 
 namespace {
 
-class CIdleCounter : public CCUIIdleCallback
+class CIdle : public CCUIIdleCallback
 {
 public:
-    CIdleCounter() { CCUIWindow::SetIdleCallback(this); }
-    ~CIdleCounter() { CCUIWindow::SetIdleCallback(nullptr); }
+    CIdle() { CCUIWindow::SetIdleCallback(this); }
+    ~CIdle() { CCUIWindow::SetIdleCallback(nullptr); }
     void OnIdle() override
     {
         ++m_nPasses;
-        if (m_onIdle)
-            m_onIdle();
+        m_onIdle();
     }
     int m_nPasses = 0;
-    std::function<void()> m_onIdle;
+    std::function<void()> m_onIdle = [] {};
 };
 
-// Writes down what passes its pre-translation; takes what it is told to.
-class CWitness : public CCUIWindow
+// Writes down what passes its pre-translation.
+class CWitness : public CTestWindow
 {
 public:
-    CWitness(std::string &record, char name) : m_record(record), m_name(name) {}
-    UINT m_takes = 0;
-    std::function<void()> m_onMessage;
-
-    int PreTranslateMessage(MSG *pMsg) override
+    CWitness(std::string &record, char name, HWND hParent = nullptr)
+        : CTestWindow(hParent, hParent ? WS_CHILD : WS_POPUP), m_record(record), m_name(name)
     {
-        if (pMsg->message == WM_CHAR)
-            m_record += m_name;
-        return pMsg->message == m_takes;
     }
-
-protected:
-    long OnMessage(UINT message, WPARAM wParam, LPARAM lParam) override
+    int PreTranslateMessage(MSG *) override
     {
-        if (message == WM_APP && m_onMessage)
-            m_onMessage();
-        return CCUIWindow::OnMessage(message, wParam, lParam);
+        m_record += m_name;
+        return m_bTakes;
     }
+    bool m_bTakes = false;
 
 private:
     std::string &m_record;
     char m_name;
 };
 
+int g_nCursorMoves;
+BOOL WINAPI MoveCursor(int, int)
+{
+    return ++g_nCursorMoves;
+}
+
+// Runs a function when a loop is about to wait for a message.
+std::function<void()> g_onWait;
+BOOL(WINAPI *g_getMessage)(MSG *, HWND, UINT, UINT);
+BOOL WINAPI GetMessage1(MSG *pMsg, HWND hWnd, UINT nMin, UINT nMax)
+{
+    if (!PeekMessageA(pMsg, hWnd, nMin, nMax, PM_NOREMOVE))
+        g_onWait();
+    return g_getMessage(pMsg, hWnd, nMin, nMax);
+}
+
+DWORD g_nNow = 1000;
+DWORD WINAPI Now()
+{
+    return g_nNow;
+}
+
 }  // namespace
 
 TEST(MessageLoop, OffersMessagesToParentsAndOwnersFirst)
 {
     std::string record;
-    CWitness frame(record, 'f'), child(record, 'c'), owner(record, 'o'), grandchild(record, 'g');
-    ASSERT_TRUE(CreateTestWindow(owner));
-    ASSERT_TRUE(CreateTestWindow(frame));
-    ASSERT_TRUE(CreateTestWindow(child, frame, WS_CHILD));
-    ASSERT_TRUE(CreateTestWindow(grandchild, child, WS_CHILD));
-    MSG msg = {grandchild, WM_CHAR, 'x', 1, 0, {0, 0}};
-    EXPECT_EQ(0, CCUIWindow::PerformPreTranslation(&msg));
-    EXPECT_EQ("gcf", record);
+    CWitness owner(record, 'o'), frame(record, 'f'), child(record, 'c', frame);
+    CWitness grandchild(record, 'g', child);
+    const auto offer = [&](UINT message, LPARAM lParam) {
+        record.clear();
+        MSG msg = {grandchild, message, 'x', lParam, 0, {0, 0}};
+        const int bTaken = CCUIWindow::PerformPreTranslation(&msg);
+        return record + (bTaken ? "!" : "");
+    };
+    EXPECT_EQ("gcf", offer(WM_CHAR, 1));
 
     // A parent that is no framework window is stepped over to the owner that was named.
-    const HWND hPlain =
-        CreateWindowExA(0, "STATIC", "", WS_CHILD, 0, 0, 9, 9, frame, nullptr, nullptr, nullptr);
-    SetParent(grandchild, hPlain);
+    SetParent(grandchild, CreateWindowExA(0, "STATIC", "", WS_CHILD, 0, 0, 9, 9, frame, nullptr,
+                                          nullptr, nullptr));
     grandchild.SetOwner(owner);
-    record.clear();
-    EXPECT_EQ(0, CCUIWindow::PerformPreTranslation(&msg));
-    EXPECT_EQ("go", record);
-
-    owner.m_takes = WM_CHAR;
-    EXPECT_EQ(1, CCUIWindow::PerformPreTranslation(&msg));
+    EXPECT_EQ("go", offer(WM_CHAR, 1));
+    owner.m_bTakes = true;
+    EXPECT_EQ("go!", offer(WM_CHAR, 1));
     // Owners in a circle end the walk, not the program.
-    owner.m_takes = 0;
+    owner.m_bTakes = false;
     owner.SetOwner(grandchild);
-    EXPECT_EQ(0, CCUIWindow::PerformPreTranslation(&msg));
-    msg.hwnd = nullptr;
-    EXPECT_EQ(0, CCUIWindow::PerformPreTranslation(&msg));
+    EXPECT_EQ("gogo", offer(WM_CHAR, 1).substr(0, 4));
+
+    // Keys that go down or up have the cursor looked at anew.
+    owner.SetOwner(nullptr);
+    const CImportHook hook("SetCursorPos", MoveCursor);
+    for (const auto &[message, lParam] : {std::pair<UINT, LPARAM>{WM_KEYDOWN, 1},
+                                          {WM_KEYDOWN, 1 << 30 | 1},
+                                          {WM_KEYUP, 1 << 30 | 1},
+                                          {WM_CHAR, 1}})
+        offer(message, lParam);
+    EXPECT_EQ(2, g_nCursorMoves);
 }
 
 TEST(MessageLoop, RunsOneIdlePassABurstOfActivity)
@@ -100,50 +121,36 @@ TEST(MessageLoop, RunsOneIdlePassABurstOfActivity)
         int m_nUpdates = 0;
     };
     CCommand command;
-    CIdleCounter idle;
-    std::string record;
-    CWitness window(record, 'w');
-    ASSERT_TRUE(CreateTestWindow(window));
+    CIdle idle;
+    CTestWindow window;
     const UINT nOurs = CURegisterMessageId("test message of ours");
-    // What counts, what does not, then a message that counts and is the last one.
-    const UINT quiet[] = {WM_MOUSEMOVE, WM_NCMOUSEMOVE, WM_TIMER, WM_PAINT, 0x0118,  0x03B9,
-                          0x03C0,       0x03C3,         0x03D2,   nOurs,    WM_USER, 0xFFFF};
-    int nStep = 0;
-    idle.m_onIdle = [&] {
-        ++nStep;
-        if (nStep == 1) {
-            for (const UINT message : quiet)
-                PostMessageA(window, message, 0, 0);
-            PostMessageA(window, WM_APP, 0, 0);  // goes on below, when all these are done
-        } else if (nStep == 2) {
-            for (int i = 0; i < 5; ++i)
-                PostMessageA(window, WM_NULL, 0, 0);
-        } else {
-            PostQuitMessage(33);
-        }
+    const std::pair<UINT, int> bursts[] = {
+        {WM_MOUSEMOVE, 0}, {WM_NCMOUSEMOVE, 0}, {WM_TIMER, 0},    {WM_PAINT, 0}, {0x0118, 0},
+        {0x03B9, 0},       {0x03C0, 0},         {0x03C3, 0},      {0x03D2, 0},   {nOurs, 0},
+        {WM_USER, 0},      {0xFFFF, 0},         {WM_NULL, 1},     {WM_CHAR, 1},  {WM_LBUTTONUP, 1},
+        {0x0117, 1},       {0x0119, 1},         {WM_USER - 1, 1},
     };
-    // The quiet ones have started no pass by now.
-    window.m_onMessage = [&] {
-        EXPECT_EQ(1, idle.m_nPasses);
-        PostMessageA(window, WM_NULL, 0, 0);
+    const CImportHook hook("GetMessageA", GetMessage1);
+    g_getMessage = hook.Original<decltype(GetMessage1)>();
+    int nExpected = 1;  // before the first message
+    const auto *next = std::begin(bursts);
+    g_onWait = [&] {
+        EXPECT_EQ(nExpected, idle.m_nPasses) << (next == bursts ? 0 : next[-1].first);
+        if (next == std::end(bursts)) {
+            PostQuitMessage(33);
+            return;
+        }
+        for (int i = 0; i < 3; ++i)
+            PostMessageA(window, next->first, 0, 0);
+        nExpected += next++->second;
     };
     EXPECT_EQ(33, CCUIWindow::RunLoop());
-    EXPECT_EQ(3, idle.m_nPasses);
-    EXPECT_EQ(3, command.m_nUpdates);
+    EXPECT_EQ(std::end(bursts), next);
+    EXPECT_EQ(idle.m_nPasses, command.m_nUpdates);
     EXPECT_LE(static_cast<long>(CCUIWindow::GetLoopStartTime() - CCUIWindow::GetLastIdleTime()), 0);
     CCUIWindow::SetIdleTime(-5);
     EXPECT_EQ(-5, CCUIWindow::GetIdleTime());
 }
-
-namespace {
-
-DWORD g_nNow = 1000;
-DWORD WINAPI Now()
-{
-    return g_nNow;
-}
-
-}  // namespace
 
 TEST(MessageLoop, TracesWhatTakesMoreThanASecond)
 {
@@ -151,71 +158,70 @@ TEST(MessageLoop, TracesWhatTakesMoreThanASecond)
     CCUDebugSwitch *pSwitch = CCUDebugSwitch::Find("\\Debug\\Window", "MessageDebug");
     ASSERT_TRUE(pSwitch);
     CDumped trace;
-    std::string record;
-    CWitness window(record, 'w');
-    ASSERT_TRUE(CreateTestWindow(window));
-    DWORD nTakes = 0;
-    window.m_onMessage = [&] { g_nNow += nTakes; };
-    const auto Pump = [&](long nLevel, DWORD nTime) {
+    CTestWindow window;
+    const auto pump = [&](long nLevel, DWORD nTakes) {
+        window.m_on[WM_APP] = [=] { return g_nNow += nTakes, 0; };
         pSwitch->Set(nLevel);
-        nTakes = nTime;
         PostMessageA(window, WM_APP, 0x12, 0x34);
         trace.m_text.clear();
         PumpWaiting();
         return trace.m_text;
     };
+    const auto contains = [](const std::string &text, const char *part) {
+        return text.find(part) != std::string::npos;
+    };
     CUGetTime();
-    EXPECT_EQ("", Pump(1, 1000));
-    EXPECT_EQ("", Pump(0, 1001));
-    const std::string text = Pump(1, 1001);
-    EXPECT_NE(std::string::npos, text.find("\nPumpMessage took 1001 (called at ")) << text;
-    EXPECT_NE(std::string::npos, text.find("\n)\nDispatched hwnd: ")) << text;
-    EXPECT_NE(std::string::npos, text.find(" msg: 8000 wparam: 12 lparam: 34 time: ")) << text;
-    CIdleCounter idle;
+    EXPECT_EQ("", pump(1, 1000));
+    EXPECT_EQ("", pump(0, 1001));
+    const std::string text = pump(1, 1001);
+    EXPECT_TRUE(contains(text, "\nPumpMessage took 1001 (called at ")) << text;
+    EXPECT_TRUE(contains(text, "\n)\nDispatched hwnd: ")) << text;
+    EXPECT_TRUE(contains(text, " msg: 8000 wparam: 12 lparam: 34 time: ")) << text;
+    CIdle idle;
     idle.m_onIdle = [] {
         g_nNow += 1001;
         PostQuitMessage(0);
     };
     trace.m_text.clear();
     CCUIWindow::RunLoop();
-    EXPECT_NE(std::string::npos, trace.m_text.find("\nOnIdleUpdate() took 1001 (called at "));
-    EXPECT_EQ(std::string::npos, trace.m_text.find("\nIdleUpdate() took"));
+    EXPECT_TRUE(contains(trace.m_text, "\nOnIdleUpdate() took 1001 (called at "));
+    EXPECT_FALSE(contains(trace.m_text, "\nIdleUpdate() took"));
 }
 
 TEST(MessageLoop, ServesWhatAnIdleLoopMayServe)
 {
-    std::string record;
-    CWitness window(record, 'w');
-    ASSERT_TRUE(CreateTestWindow(window));
+    CTestWindow window;
     int nServed = 0;
-    window.m_onMessage = [&] { ++nServed; };
-    const auto Post = [&](UINT message) { PostMessageA(window, message, 0, 0); };
-    Post(WM_APP);
-    Post(WM_APP);
+    window.m_on[WM_APP] = [&] { return ++nServed; };
+    const auto post = [&](UINT message) { PostMessageA(window, message, 0, 0); };
+    post(WM_APP);
+    post(WM_APP);
     CCUIWindow::IdleLoop(0, 0);
     EXPECT_EQ(1, nServed);  // no time: one message
     CCUIWindow::IdleLoop(100000, 0);
     EXPECT_EQ(2, nServed);  // nothing more is there: no waiting
 
     // Restricted: the rest stays in the queue.
-    Post(WM_APP);
-    Post(0x03C0);
+    post(WM_APP);
+    post(0x03C0);
     PostMessageA(CUGetWindow(), WM_USER + 2, 0, 0);
     PostMessageA(CUGetWindow(), WM_USER + 3, 0, 0);
     CCUIWindow::IdleLoop(100000, 1);
     EXPECT_EQ(2, nServed);
     MSG msg;
-    EXPECT_FALSE(PeekMessageA(&msg, nullptr, 0x03C0, 0x03C0, PM_REMOVE));
-    EXPECT_FALSE(PeekMessageA(&msg, nullptr, WM_USER + 2, WM_USER + 2, PM_REMOVE));
-    EXPECT_TRUE(PeekMessageA(&msg, nullptr, WM_USER + 3, WM_USER + 3, PM_REMOVE));
+    for (const auto &[message, bLeft] :
+         {std::pair<UINT, BOOL>{0x03C0, FALSE}, {WM_USER + 2, FALSE}, {WM_USER + 3, TRUE}})
+        EXPECT_EQ(bLeft, PeekMessageA(&msg, nullptr, message, message, PM_REMOVE)) << message;
 
     // Waiting: a message that comes later is served too.
-    window.m_onMessage = [&] { ++nServed; };
     SetTimer(window, 1, 10, nullptr);
+    int nTimers = 0;
+    window.m_on[WM_TIMER] = [&] { return ++nTimers; };
     const unsigned long nFrom = CUGetTime();
     CCUIWindow::IdleLoop(-60, 0);
     EXPECT_GE(CUGetTime() - nFrom, 60u);
     EXPECT_EQ(3, nServed);
+    EXPECT_LT(0, nTimers);
     KillTimer(window, 1);
 
     // The end of the program is not swallowed.
@@ -230,78 +236,52 @@ TEST(MessageLoop, ServesWhatAnIdleLoopMayServe)
 TEST(MessageLoop, AbortsOwnedDialogsTheDeepestFirst)
 {
     std::string order;
-    class CClosing : public CCUIWindow
-    {
-    public:
-        CClosing(std::string &record, char name) : m_record(record), m_name(name) {}
-
-    protected:
-        void OnCommand(UINT, UINT nID, HWND hControl) override
-        {
-            EXPECT_EQ(GetDlgItem(m_hWnd, static_cast<int>(nID)), hControl);
-            m_record += m_name;
-            m_record += nID == IDCANCEL ? "c" : "n";
-            Destroy();
-        }
-
-    private:
-        std::string &m_record;
-        char m_name;
+    CTestWindow frame, first(frame, WS_POPUP), second(first, WS_POPUP), third(frame, WS_POPUP);
+    const auto addButton = [&](CTestWindow &window, const char *name, INT_PTR nID) {
+        CreateWindowExA(0, "BUTTON", "", WS_CHILD, 0, 0, 9, 9, window, reinterpret_cast<HMENU>(nID),
+                        nullptr, nullptr);
+        window.m_on[WM_COMMAND] = [=, &window, &order] {
+            EXPECT_EQ(GetDlgItem(window, LOWORD(window.m_wParam)),
+                      reinterpret_cast<HWND>(window.m_lParam));
+            order += Text("%s%u ", name, window.m_wParam);
+            return window.Destroy();
+        };
     };
-    const auto AddButton = [](HWND hParent, int nID) {
-        CreateWindowExA(0, "BUTTON", "", WS_CHILD, 0, 0, 9, 9, hParent,
-                        reinterpret_cast<HMENU>(nID), nullptr, nullptr);
-    };
-    CCUIWindow frame;
-    CClosing first(order, '1'), second(order, '2'), third(order, '3');
-    ASSERT_TRUE(CreateTestWindow(frame));
-    ASSERT_TRUE(CreateTestWindow(first, frame, WS_POPUP));
-    ASSERT_TRUE(CreateTestWindow(second, first, WS_POPUP));
-    ASSERT_TRUE(CreateTestWindow(third, frame, WS_POPUP));
-    AddButton(first, IDCANCEL);
-    AddButton(second, IDNO);
-    AddButton(third, IDCANCEL);
-    AddButton(third, IDNO);
+    addButton(first, "first", IDCANCEL);
+    addButton(second, "second", IDNO);
+    addButton(third, "third", IDNO);
+    addButton(third, "third", IDCANCEL);
     CCUIWindow::AbortDialog(frame);
     EXPECT_FALSE(first.Exist() || second.Exist() || third.Exist());
-    EXPECT_TRUE(order == "2n1c3c" || order == "3c2n1c") << order;
+    const std::string firsts = "second7 first2 ", thirds = "third2 ";
+    EXPECT_TRUE(order == firsts + thirds || order == thirds + firsts) << order;
     CCUIWindow::AbortDialog(nullptr);
 }
 
-namespace {
-
-constexpr int s_nPosts = 2000;  // each
-CCUIWindow *g_pFlooded;
-DWORD WINAPI Flood(LPVOID)
-{
-    for (int i = 0; i < s_nPosts; ++i) {
-        while (!PostMessageA(*g_pFlooded, WM_APP, 0, 0))
-            Sleep(0);  // the queue is full
-    }
-    return 0;
-}
-
-}  // namespace
-
 TEST(MessageLoop, StandsAFloodOfPostedMessages)
 {
-    std::string record;
-    CWitness window(record, 'w');
-    ASSERT_TRUE(CreateTestWindow(window));
-    g_pFlooded = &window;
-    constexpr int s_nThreads = 10;
-    int nServed = 0;
-    window.m_onMessage = [&] {
-        if (++nServed == s_nThreads * s_nPosts)
-            PostQuitMessage(0);
+    const int nThreads = 10, nPosts = std::min(FuzzInputs(20000), 1000000) / nThreads;
+    std::atomic<HWND> hFlooded(nullptr);
+    const auto flood = [&] {
+        while (!hFlooded)
+            Sleep(0);
+        for (int i = 0; i < nPosts; ++i) {
+            while (!PostMessageA(hFlooded, WM_APP, 0, 0))
+                Sleep(0);  // the queue is full
+        }
     };
-    HANDLE threads[s_nThreads];
-    for (HANDLE &hThread : threads)
-        hThread = CreateThread(nullptr, 0, Flood, nullptr, 0, nullptr);
-    EXPECT_EQ(0, CCUIWindow::RunLoop());
-    WaitForMultipleObjects(s_nThreads, threads, TRUE, INFINITE);
-    for (const HANDLE hThread : threads)
-        CloseHandle(hThread);
-    EXPECT_EQ(s_nThreads * s_nPosts, nServed);
-    EXPECT_EQ(&window, CCUIWindow::FromHandle(window));
+    const auto serve = [&] {
+        CTestWindow window;
+        int nServed = 0;
+        window.m_on[WM_APP] = [&] {
+            if (++nServed == nThreads * nPosts)
+                PostQuitMessage(0);
+            return 0;
+        };
+        hFlooded = window.GetHandle();
+        EXPECT_EQ(0, CCUIWindow::RunLoop());
+        EXPECT_EQ(nThreads * nPosts, nServed);
+        EXPECT_EQ(&window, CCUIWindow::FromHandle(hFlooded));
+    };
+    CThreads::Run(1 + nThreads, [&](int nThread) { nThread ? flood() : serve(); });
 }

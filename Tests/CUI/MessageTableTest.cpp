@@ -147,9 +147,10 @@ LRESULT CALLBACK DefaultProc(HWND, UINT message, WPARAM wParam, LPARAM lParam)
 }
 
 // Answers what comes back from the parent, and says what it was.
-class CChild : public CCUIWindow
+class CChild : public CTestWindow
 {
 public:
+    using CTestWindow::CTestWindow;
     std::string m_record;
     bool m_bHandle = true;
 
@@ -185,19 +186,18 @@ TEST(MessageTable, HandsEveryMessageToItsHandler)
 
 TEST(MessageTable, PassesOnWhatNoHandlerTakesAsItCame)
 {
-    CCUIWindow outer;
-    ASSERT_TRUE(CreateTestWindow(outer));
+    CTestWindow outer;
     const HWND hWnd = outer.Detach();
     const LONG oldProc = SetWindowLongA(hWnd, GWL_WNDPROC, reinterpret_cast<LONG>(DefaultProc));
     CCUIWindow window;
     window.Attach(hWnd);
     for (const CRow &row : s_rows) {
+        const UINT message = row.message;
         const bool bStructure =
-            row.message == WM_DRAWITEM || row.message == WM_MEASUREITEM || row.message == WM_NOTIFY;
-        const bool bDestroy = row.message == WM_DESTROY;
+            message == WM_DRAWITEM || message == WM_MEASUREITEM || message == WM_NOTIFY;
         const LPARAM lParam = bStructure ? 0 : row.lParam;
-        EXPECT_EQ(row.result, SendMessageA(hWnd, row.message, row.wParam, lParam)) << row.record;
-        EXPECT_EQ(bDestroy ? "2 0 0" : Text("%x %x %lx", row.message, row.wParam, lParam),
+        EXPECT_EQ(row.result, SendMessageA(hWnd, message, row.wParam, lParam)) << row.record;
+        EXPECT_EQ(message == WM_DESTROY ? "2 0 0" : Text("%x %x %lx", message, row.wParam, lParam),
                   s_default);
     }
     EXPECT_EQ(nullptr, window.GetHandle());
@@ -207,44 +207,41 @@ TEST(MessageTable, PassesOnWhatNoHandlerTakesAsItCame)
 
 TEST(MessageTable, GivesWhatAChildSentBackToTheChildFirst)
 {
-    CCUIWindow parent;
-    CChild child;
-    ASSERT_TRUE(CreateTestWindow(parent));
-    ASSERT_TRUE(CreateTestWindow(child, parent, WS_CHILD));
+    CTestWindow parent;
+    CChild child(parent, WS_CHILD);
     const HWND hChild = child;
-    const auto lChild = reinterpret_cast<LPARAM>(hChild);
     NMHDR header = {hChild, 7, 0x99};
     DRAWITEMSTRUCT draw = {ODT_BUTTON, 7, 0, 0, 0, hChild, nullptr, {}, 0};
     MEASUREITEMSTRUCT measure = {ODT_LISTBOX, 7, 0, 0, 0, 0};
     COMPAREITEMSTRUCT compare = {ODT_LISTBOX, 7, hChild, 0, 0, 0, 0, 0};
     DELETEITEMSTRUCT remove = {ODT_LISTBOX, 7, 0, hChild, 0};
-    CRow rows[] = {
-        {WM_NOTIFY, 7, reinterpret_cast<LPARAM>(&header), "notification 7 99", 0x78},
-        {WM_COMMAND, 7, lChild, "message 111", 0},
-        {WM_DRAWITEM, 7, reinterpret_cast<LPARAM>(&draw), "message 2b", 0x77},
-        {WM_MEASUREITEM, 7, reinterpret_cast<LPARAM>(&measure), "message 2c", 0x77},
-        {WM_COMPAREITEM, 7, reinterpret_cast<LPARAM>(&compare), "message 39", 0x77},
-        {WM_DELETEITEM, 7, reinterpret_cast<LPARAM>(&remove), "message 2d", 0x77},
-        {WM_CTLCOLOREDIT, 1, lChild, "message 133", 0x77},
-        {WM_CTLCOLORLISTBOX, 1, lChild, "message 134", 0x77},
-        {WM_CTLCOLORBTN, 1, lChild, "message 135", 0x77},
-        {WM_CTLCOLORSCROLLBAR, 1, lChild, "message 137", 0x77},
-        {WM_CTLCOLORSTATIC, 1, lChild, "message 138", 0x77},
-        {WM_HSCROLL, 1, lChild, "message 114", 0x77},
-        {WM_VSCROLL, 1, lChild, "message 115", 0x77},
-        {WM_CHARTOITEM, 1, lChild, "message 2f", 0x77},
-        {WM_VKEYTOITEM, 1, lChild, "message 2e", 0x77},
+    const struct
+    {
+        UINT message;
+        const void *pParam;
+        long result;
+    } rows[] = {
+        {WM_NOTIFY, &header, 0x78},        {WM_COMMAND, hChild, 0},
+        {WM_DRAWITEM, &draw, 0x77},        {WM_MEASUREITEM, &measure, 0x77},
+        {WM_COMPAREITEM, &compare, 0x77},  {WM_DELETEITEM, &remove, 0x77},
+        {WM_CTLCOLOREDIT, hChild, 0x77},   {WM_CTLCOLORLISTBOX, hChild, 0x77},
+        {WM_CTLCOLORBTN, hChild, 0x77},    {WM_CTLCOLORSCROLLBAR, hChild, 0x77},
+        {WM_CTLCOLORSTATIC, hChild, 0x77}, {WM_HSCROLL, hChild, 0x77},
+        {WM_VSCROLL, hChild, 0x77},        {WM_CHARTOITEM, hChild, 0x77},
+        {WM_VKEYTOITEM, hChild, 0x77},
     };
-    for (const CRow &row : rows) {
+    for (const auto &row : rows) {
         child.m_record.clear();
-        EXPECT_EQ(row.result, SendMessageA(parent, row.message, row.wParam, row.lParam));
-        EXPECT_EQ(row.record, child.m_record);
+        const auto lParam = reinterpret_cast<LPARAM>(row.pParam);
+        EXPECT_EQ(row.result, SendMessageA(parent, row.message, 7, lParam)) << row.message;
+        EXPECT_EQ(row.message == WM_NOTIFY ? "notification 7 99" : Text("message %x", row.message),
+                  child.m_record);
         // Nor does a null stop it, where there should be a structure or a child.
-        SendMessageA(parent, row.message, row.wParam, 0);
+        SendMessageA(parent, row.message, 7, 0);
     }
     // What the child does not take goes on to the system: a scroll message is nothing to it.
     child.m_bHandle = false;
-    EXPECT_EQ(0, SendMessageA(parent, WM_HSCROLL, 1, lChild));
+    EXPECT_EQ(0, SendMessageA(parent, WM_HSCROLL, 1, reinterpret_cast<LPARAM>(hChild)));
     // What a menu wants drawn is no child's, whatever the handle says.
     draw.CtlType = ODT_MENU;
     child.m_record.clear();

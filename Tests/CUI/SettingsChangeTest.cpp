@@ -11,9 +11,11 @@
 
 namespace {
 
-class CListener : public CCUIWindow
+// Counts the changes that it is told of.
+class CListener : public CTestWindow
 {
 public:
+    using CTestWindow::CTestWindow;
     int m_nSeen = 0;
 
 protected:
@@ -55,13 +57,10 @@ HFONT WINAPI CreateFont1(const LOGFONTA *pFont)
 TEST(SettingsChange, RefreshesTheSharedDataOnceAChangeAndTellsTheWindowsInside)
 {
     CUIData &data = *CUIGetWinData();
-    CListener windows[4];
-    for (int i = 0; i < 4; ++i)  // two top-level windows, the second with a child and its child
-        ASSERT_TRUE(CreateTestWindow(windows[i], i > 1 ? windows[i - 1].GetHandle() : nullptr,
-                                     i > 1 ? WS_CHILD : WS_POPUP));
+    CListener first, second, child(second, WS_CHILD), grandchild(child, WS_CHILD);
     const auto expectTold = [&](int nTimes) {
-        for (CListener &window : windows)
-            EXPECT_EQ(nTimes, std::exchange(window.m_nSeen, 0));
+        for (CListener *pWindow : {&first, &second, &child, &grandchild})
+            EXPECT_EQ(nTimes, std::exchange(pWindow->m_nSeen, 0));
     };
     {
         const CImportHook stamp("timeGetTime", Stamp);
@@ -73,16 +72,16 @@ TEST(SettingsChange, RefreshesTheSharedDataOnceAChangeAndTellsTheWindowsInside)
     expectTold(1);  // the colours are back
     EXPECT_EQ(GetSysColor(COLOR_BTNFACE), data.ResolveColor(data.crSys[COLOR_BTNFACE]));
 
-    const CImportHook metrics("GetSystemMetrics", Metrics),
-        font("CreateFontIndirectA", CreateFont1);
-    g_metrics = metrics.Original<int WINAPI(int)>();
-    g_createFont = font.Original<HFONT WINAPI(const LOGFONTA *)>();
+    const CImportHook metrics("GetSystemMetrics", Metrics);
+    const CImportHook font("CreateFontIndirectA", CreateFont1);
+    g_metrics = metrics.Original<decltype(Metrics)>();
+    g_createFont = font.Original<decltype(CreateFont1)>();
     const int nFrame = data.cxFrame;
     for (g_nMoreFrame = 0; g_nMoreFrame < 3; ++g_nMoreFrame) {
         CCUTime::TimeFormatChanged(false);
         g_nFonts = 0;
-        for (int i = 0; i < 2; ++i)
-            SendMessageA(windows[i], WM_WININICHANGE, 9, reinterpret_cast<LPARAM>("intl"));
+        for (const HWND hWnd : {first.GetHandle(), second.GetHandle()})
+            SendMessageA(hWnd, WM_WININICHANGE, 9, reinterpret_cast<LPARAM>("intl"));
         expectTold(1);
         EXPECT_EQ(5, g_nFonts);
         EXPECT_EQ(nFrame + g_nMoreFrame, data.cxFrame);

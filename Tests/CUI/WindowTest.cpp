@@ -1,39 +1,23 @@
 // Objects and their windows: binding, letting go, dying at odd moments.
 #include <gtest/gtest.h>
 
-#include <functional>
+#include <algorithm>
 #include <map>
 #include <random>
 
 #include "../../CUI/Src/WindowMap.h"
 #include "CUI/Menu.h"
 #include "CUI/WindowClass.h"
+#include "Support/Fuzz.h"
+#include "Support/GdiCount.h"
+#include "Support/HeapWatch.h"
 #include "Support/Reports.h"
 #include "Support/TestWindow.h"
 #include "Support/Threads.h"
 
 namespace {
 
-// Runs a function in the place of every message of one number.
-class CScripted : public CCUIWindow
-{
-public:
-    UINT m_message = 0;
-    std::function<long()> m_script;
-    int m_nSeen = 0;
-    UINT m_first = 0;
-
-protected:
-    long WindowProc(UINT message, WPARAM wParam, LPARAM lParam) override
-    {
-        m_first = m_first ? m_first : message;
-        if (message != m_message)
-            return CCUIWindow::WindowProc(message, wParam, lParam);
-        ++m_nSeen;
-        const auto script = m_script;
-        return script ? script() : CCUIWindow::WindowProc(message, wParam, lParam);
-    }
-};
+using Texts = std::vector<std::string>;
 
 class CHook : public CCUIWindowHook
 {
@@ -54,6 +38,7 @@ WNDPROC SetProcedure(HWND hWnd, WNDPROC pProc)
         SetWindowLongA(hWnd, GWL_WNDPROC, reinterpret_cast<LONG>(pProc)));
 }
 
+// Who subclasses a window after us.
 int g_nForeign;
 WNDPROC g_pForeignOld;
 LRESULT CALLBACK ForeignProc(HWND hWnd, UINT message, WPARAM wParam, LPARAM lParam)
@@ -75,65 +60,69 @@ std::string WindowText(HWND hWnd)
     return szText;
 }
 
+std::string PropertyName()
+{
+    return Text("kvxCCUIWindow-%lu", GetCurrentProcessId());
+}
+
 // Whether the window is the object's by all that says so.
 bool IsBound(HWND hWnd, CCUIWindow *pWindow)
 {
-    const std::string name = Text("kvxCCUIWindow-%lu", GetCurrentProcessId());
-    return CCUIWindow::FromHandle(hWnd) == pWindow && GetPropA(hWnd, name.c_str()) == pWindow;
+    return CCUIWindow::FromHandle(hWnd) == pWindow &&
+           GetPropA(hWnd, PropertyName().c_str()) == pWindow;
+}
+
+// The lowest handle of the system that is free.
+HANDLE NextHandle()
+{
+    const HANDLE hEvent = CreateEventA(nullptr, TRUE, FALSE, nullptr);
+    CloseHandle(hEvent);
+    return hEvent;
 }
 
 }  // namespace
 
 TEST(Window, BindsAnExistingWindowAndLetsGoOfIt)
 {
-    const CReports reports;
-    const HWND hEdit = MakeEdit();
+    CReports reports;
+    const HWND hEdit = MakeEdit(), hSecond = MakeEdit();
     const LONG editProc = GetWindowLongA(hEdit, GWL_WNDPROC);
-    CScripted window, other;
-    window.m_message = WM_APP;
+    CScripted<> window, other;
+    window.m_on[WM_APP] = [] { return 5; };
     window.Attach(hEdit);
     EXPECT_TRUE(IsBound(hEdit, &window));
     EXPECT_EQ("text", WindowText(hEdit));  // default processing is the edit control's
-    SendMessageA(hEdit, WM_APP, 0, 0);
-    EXPECT_EQ(1, window.m_nSeen);
-    EXPECT_EQ(0, reports.Total());
+    EXPECT_EQ(5, SendMessageA(hEdit, WM_APP, 0, 0));
 
     // A window has one object, and an object one window: the later binding counts.
     other.Attach(hEdit);
     EXPECT_EQ(nullptr, window.GetHandle());
     EXPECT_TRUE(IsBound(hEdit, &other));
-    const HWND hSecond = MakeEdit();
+    EXPECT_EQ(Texts(), reports.Asserts());
     other.Attach(hSecond);
-    EXPECT_EQ(1, reports.Count("!m_pOldProc", "Window"));
-    EXPECT_EQ(1, reports.Count("!m_hWnd", "Window"));
-    EXPECT_TRUE(IsBound(hEdit, nullptr));
-    EXPECT_TRUE(IsBound(hSecond, &other));
-
+    EXPECT_EQ((Texts{"Window: !m_pOldProc", "Window: !m_hWnd"}), reports.Asserts());
     EXPECT_EQ(hSecond, other.Detach());
     EXPECT_EQ(nullptr, other.Detach());
     for (const HWND hWnd : {hEdit, hSecond}) {
         EXPECT_TRUE(IsBound(hWnd, nullptr));
         EXPECT_EQ(editProc, GetWindowLongA(hWnd, GWL_WNDPROC));
-        SendMessageA(hWnd, WM_APP, 0, 0);
         EXPECT_EQ("text", WindowText(hWnd));
         DestroyWindow(hWnd);
     }
-    EXPECT_EQ(1, window.m_nSeen);
 
     // What is no window, or not ours, cannot be bound and is left alone.
     window.Attach(hEdit);
     EXPECT_EQ(nullptr, window.GetHandle());
     EXPECT_EQ(nullptr, CCUIWindow::FromHandle(GetDesktopWindow()));
     EXPECT_EQ(nullptr, CCUIWindow::FromHandle(nullptr));
-
     window.DefProc(WM_NULL, 0, 0);
-    EXPECT_EQ(1, reports.Count("Exist()", "Window"));
     other.Hook();
     window.Hook();
     window.UnHook();
     window.UnHook();
-    for (const char *expression : {"!s_pHookWin", "!s_hNextHook", "s_pHookWin", "s_hNextHook"})
-        EXPECT_EQ(1, reports.Count(expression, "Window")) << expression;
+    EXPECT_EQ((Texts{"Window: Exist()", "Window: !s_pHookWin", "Window: !s_hNextHook",
+                     "Window: s_pHookWin", "Window: s_hNextHook"}),
+              reports.Asserts());
 }
 
 // Whoever subclassed after us keeps calling our procedure; what it passes on must go where it went
@@ -142,20 +131,19 @@ TEST(Window, LeavesALaterSubclassInPlaceWhenItLetsGo)
 {
     const HWND hEdit = MakeEdit();
     const LONG editProc = GetWindowLongA(hEdit, GWL_WNDPROC);
-    CScripted window;
-    window.m_message = WM_APP;
+    CScripted<> window;
+    int nSeen = 0;
+    window.m_on[WM_APP] = [&] { return ++nSeen; };
     window.Attach(hEdit);
     g_pForeignOld = SetProcedure(hEdit, ForeignProc);
     window.Detach();
     EXPECT_EQ("text", WindowText(hEdit));
     EXPECT_GT(g_nForeign, 0);
-    SendMessageA(hEdit, WM_APP, 0, 0);
-    EXPECT_EQ(0, window.m_nSeen);
+    EXPECT_EQ(0, SendMessageA(hEdit, WM_APP, 0, 0));
 
     // Bound again below the other, it is called once a message.
     window.Attach(hEdit);
-    SendMessageA(hEdit, WM_APP, 0, 0);
-    EXPECT_EQ(1, window.m_nSeen);
+    EXPECT_EQ(1, SendMessageA(hEdit, WM_APP, 0, 0));
     EXPECT_EQ("text", WindowText(hEdit));
     window.Detach();
 
@@ -168,33 +156,50 @@ TEST(Window, LeavesALaterSubclassInPlaceWhenItLetsGo)
     DestroyWindow(hEdit);
 }
 
+// What is known of a window whose end nobody told, when its handle comes back for another.
+TEST(Window, IsNotTakenInByAHandleThatComesBack)
+{
+    const auto pDead = reinterpret_cast<WNDPROC>(1);
+    const HWND hEdit = MakeEdit();
+    CScripted<> window;
+    CUIWindowMapSet(hEdit, {nullptr, pDead});
+    window.Attach(hEdit);
+    EXPECT_EQ("text", WindowText(hEdit));
+    EXPECT_TRUE(IsBound(hEdit, &window));
+    window.Detach();
+    window.Attach(hEdit);
+    SetPropA(hEdit, PropertyName().c_str(), nullptr);  // as the other window has none
+    EXPECT_EQ(hEdit, window.Detach());
+    EXPECT_TRUE(IsBound(hEdit, nullptr));
+    {
+        CScripted<> dying;
+        dying.Attach(hEdit);
+        SetPropA(hEdit, PropertyName().c_str(), nullptr);
+    }
+    EXPECT_TRUE(IsWindow(hEdit));
+    DestroyWindow(hEdit);
+}
+
 TEST(Window, DestroysTheWindowOfADyingObjectAndSaysSo)
 {
     const int nWindows = WindowCount();
     CDumped trace;
-    HWND hWnd = nullptr;
     {
-        CScripted window;
+        CScripted<> window;
         for (int i = 0; i < 3; ++i) {  // an object may have window after window
             ASSERT_TRUE(CreateTestWindow(window));
             EXPECT_EQ(1, window.Destroy());
             EXPECT_EQ(nullptr, window.GetHandle());
             EXPECT_EQ(0, window.Destroy());
         }
-        ASSERT_TRUE(CreateTestWindow(window));
-        hWnd = window;
+        CreateTestWindow(window);
         EXPECT_EQ("", trace.m_text);
     }
-    EXPECT_FALSE(IsWindow(hWnd));
-    EXPECT_EQ(nullptr, CCUIWindow::FromHandle(hWnd));
     EXPECT_EQ("Destroying Window in ~CCUIWindow.\n", trace.m_text);
     trace.m_text.clear();
     {
-        // A handler that does not call its base.
-        CScripted window;
-        ASSERT_TRUE(CreateTestWindow(window));
-        window.m_message = WM_DESTROY;
-        window.m_script = [] { return 0; };
+        CTestWindow window;
+        window.m_on[WM_DESTROY] = [] { return 0; };  // does not call its base
         window.Destroy();
         EXPECT_EQ(nullptr, window.GetHandle());
     }
@@ -204,28 +209,28 @@ TEST(Window, DestroysTheWindowOfADyingObjectAndSaysSo)
 
 TEST(Window, StandsItsObjectsDeathInAnyHandler)
 {
-    for (const int message : {WM_CLOSE, WM_COMMAND, WM_DESTROY, WM_NCDESTROY, WM_APP}) {
-        auto *window = new CScripted;
+    for (const UINT message :
+         std::initializer_list<UINT>{WM_CLOSE, WM_COMMAND, WM_DESTROY, WM_NCDESTROY, WM_APP})
+    {
+        auto *window = new CScripted<>;
         ASSERT_TRUE(CreateTestWindow(*window));
         const HWND hWnd = *window;
         const auto die = [window] {
             delete window;
             return 0L;
         };
-        window->m_message = static_cast<UINT>(message);
-        window->m_script = die;
+        window->m_on[message] = die;
         if (message == WM_APP) {
             // Two messages deep: both are told.
-            window->m_script = [=] {
-                window->m_message = WM_CLOSE;
-                window->m_script = die;
+            window->m_on[WM_APP] = [=] {
+                window->m_on[WM_CLOSE] = die;
                 return static_cast<long>(SendMessageA(hWnd, WM_CLOSE, 0, 0));
             };
         }
         if (message == WM_DESTROY || message == WM_NCDESTROY)
             DestroyWindow(hWnd);
         else
-            SendMessageA(hWnd, window->m_message, 0, 0);
+            SendMessageA(hWnd, message, 0, 0);
         EXPECT_FALSE(IsWindow(hWnd)) << message;
         EXPECT_EQ(nullptr, CCUIWindow::FromHandle(hWnd));
     }
@@ -233,10 +238,8 @@ TEST(Window, StandsItsObjectsDeathInAnyHandler)
 
 TEST(Window, GivesDefaultProcessingTheMessageAtHandAfterANestedOne)
 {
-    CScripted window;
-    ASSERT_TRUE(CreateTestWindow(window));
-    window.m_message = WM_GETTEXT;
-    window.m_script = [&] {
+    CTestWindow window;
+    window.m_on[WM_GETTEXT] = [&] {
         SendMessageA(window, WM_GETTEXTLENGTH, 0, 0);
         return window.Default();
     };
@@ -246,11 +249,15 @@ TEST(Window, GivesDefaultProcessingTheMessageAtHandAfterANestedOne)
 
 TEST(Window, AsksMessageHooksInOrderWhileTheyComeAndGo)
 {
-    auto *window = new CScripted;
-    ASSERT_TRUE(CreateTestWindow(*window));
+    auto *window = new CTestWindow;
     const HWND hWnd = *window;
-    window->m_message = WM_APP;
     std::string order;
+    window->m_on[WM_APP] = [&] { return order += "w", 0; };
+    const auto send = [&] {
+        order.clear();
+        const LRESULT result = SendMessageA(hWnd, WM_APP, 0, 0);
+        return order + std::to_string(result);
+    };
     CHook last([&](long &) { return order += "c", 0; });
     CHook second([&](long &) { return order += "b", 0; });
     CHook first([&](long &) {
@@ -259,39 +266,39 @@ TEST(Window, AsksMessageHooksInOrderWhileTheyComeAndGo)
         window->RemoveMessageHook(&first);
         return 0;
     });
+    CHook taker([&](long &result) { return result = 42, 1; });
+    CHook detacher([&](long &) { return window->Detach(), 0; });
+    CHook killer([&](long &) { return delete window, 0; });
     for (CHook *pHook : {&first, &second, &last})
         window->InsertMessageHook(pHook);
-    SendMessageA(hWnd, WM_APP, 0, 0);
-    EXPECT_EQ("ac", order);
-    EXPECT_EQ(1, window->m_nSeen);
-    CHook taker([&](long &result) { return result = 42, 1; });
+    EXPECT_EQ("acw0", send());
     window->InsertMessageHook(&taker);
-    EXPECT_EQ(42, SendMessageA(hWnd, WM_APP, 0, 0));
-    EXPECT_EQ(1, window->m_nSeen);
+    EXPECT_EQ("c42", send());
     window->RemoveMessageHook(&taker);
-    CHook killer([&](long &) {
-        delete window;
-        return 0;
-    });
+    window->InsertMessageHook(&detacher);
+    EXPECT_EQ("c0", send());  // the window is nobody's any more
+    window->RemoveMessageHook(&detacher);
+    window->Attach(hWnd);
     window->InsertMessageHook(&killer);
     window->InsertMessageHook(&second);
-    SendMessageA(hWnd, WM_APP, 0, 0);
-    EXPECT_EQ("accc", order);
+    EXPECT_EQ("c0", send());
     EXPECT_FALSE(IsWindow(hWnd));
 }
 
 TEST(Window, LeavesNothingBehindAFailedCreation)
 {
-    const CReports reports;
+    CReports reports;
     const int nWindows = WindowCount();
-    CScripted window;
-    for (const int message : {WM_NCCREATE, WM_CREATE}) {
-        window.m_message = static_cast<UINT>(message);
-        window.m_script = [=] { return message == WM_CREATE ? -1 : 0; };
+    for (const UINT message : std::initializer_list<UINT>{WM_NCCREATE, WM_CREATE}) {
+        CScripted<> window;
+        window.m_on[message] = [=] { return message == WM_CREATE ? -1 : 0; };
         EXPECT_FALSE(CreateTestWindow(window));
         EXPECT_EQ(nullptr, window.GetHandle());
+        auto *dying = new CScripted<>;
+        dying->m_on[message] = [=] { return delete dying, 1; };
+        EXPECT_FALSE(CreateTestWindow(*dying));
     }
-    window.m_message = 0;
+    CScripted<> window;
     EXPECT_FALSE(CreateTestWindow(window, nullptr, 0, "no such class"));
     EXPECT_EQ(nWindows, WindowCount());
     // The hook is not armed any more: the next window is nobody's.
@@ -300,18 +307,18 @@ TEST(Window, LeavesNothingBehindAFailedCreation)
     DestroyWindow(hEdit);
     const RECT anywhere = {CW_USEDEFAULT, 0, 100, 100};
     EXPECT_EQ(1, window.Create(nullptr, "", WS_OVERLAPPEDWINDOW, anywhere, nullptr, 0));
-    EXPECT_EQ(0, reports.Total());
+    EXPECT_EQ(Texts(), reports.Asserts());
 }
 
 TEST(Window, BindsTheWindowBeforeItsFirstMessageAndOnlyThat)
 {
-    CScripted window;
-    CCUIWindow inner;
-    window.m_message = WM_CREATE;
-    window.m_script = [&] { return CreateTestWindow(inner, window, WS_CHILD) ? 0 : -1; };
+    CScripted<> window, inner;
+    int nEarly = 0;
+    for (const UINT message : std::initializer_list<UINT>{WM_GETMINMAXINFO, WM_NCCREATE})
+        window.m_on[message] = [&] { return ++nEarly; };
+    window.m_on[WM_CREATE] = [&] { return CreateTestWindow(inner, window, WS_CHILD) ? 0 : -1; };
     ASSERT_TRUE(CreateTestWindow(window));
-    EXPECT_TRUE(window.m_first == WM_NCCREATE || window.m_first == WM_GETMINMAXINFO)
-        << window.m_first;
+    EXPECT_EQ(2, nEarly);
     EXPECT_EQ(window.GetHandle(), GetParent(inner));
     char szClass[32] = "";
     GetClassNameA(window, szClass, sizeof szClass);
@@ -319,43 +326,54 @@ TEST(Window, BindsTheWindowBeforeItsFirstMessageAndOnlyThat)
     EXPECT_EQ(CUI_CLASS_WINDOW, g_nRegisteredClasses);
 }
 
-namespace {
-
-CScripted *g_pThreadWindow;
-
-}  // namespace
-
 // The system takes a thread's windows away without a word to them.
 TEST(Window, ForgetsTheWindowsOfAThreadThatEnds)
 {
-    CScripted window;
-    g_pThreadWindow = &window;
-    CThreads::Run(1, [](int) { CreateTestWindow(*g_pThreadWindow); });
+    CScripted<> window;
+    CThreads::Run(1, [&](int) { CreateTestWindow(window); });
     ASSERT_TRUE(window.GetHandle());
     EXPECT_EQ(nullptr, CCUIWindow::FromHandle(window));
+}
+
+TEST(Window, LeavesNothingBehindHoweverManyComeAndGo)
+{
+    const CHeapWatch heap;
+    const auto makeWindows = [](int nWindows) {
+        for (int i = 0; i < nWindows; i += 2) {
+            CTestWindow window;
+            const CTestWindow child(window, WS_CHILD);
+        }
+    };
+    makeWindows(100);
+    const int nBlocks = CHeapWatch::Live(), nGdi = GdiCount();
+    const HANDLE hNext = NextHandle();
+    makeWindows(std::min(FuzzInputs(300), 10000));
+    EXPECT_EQ(nBlocks, CHeapWatch::Live());
+    EXPECT_EQ(hNext, NextHandle());
+    EXPECT_NEAR(nGdi, GdiCount(), 1);
 }
 
 // Handles that are made up, so many that real windows would take minutes, beside one that stays.
 TEST(WindowMap, FindsWhatIsThereHoweverWindowsComeAndGo)
 {
-    const auto nHandles = {50u, 4000u, 100u};
     const auto pProc = reinterpret_cast<WNDPROC>(1);
     std::map<HWND, CCUIWindow *> bound;
     std::mt19937 random(5);
-    for (const unsigned nRange : nHandles) {
+    for (const unsigned nRange : {50u, 4000u, 100u}) {
+        const auto anyHandle = [&] {
+            return reinterpret_cast<HWND>(0x100000 + random() % nRange * 2);
+        };
         for (int i = 0; i < 50000; ++i) {
-            const auto hWnd = reinterpret_cast<HWND>(0x100000 + random() % nRange * 2);
-            const auto pWindow = reinterpret_cast<CCUIWindow *>(random() | 1);
+            const HWND hWnd = anyHandle();
             if (random() % 2) {
-                CUIWindowMapSet(hWnd, {pWindow, pProc});
-                bound[hWnd] = pWindow;
+                bound[hWnd] = reinterpret_cast<CCUIWindow *>(random() | 1);
+                CUIWindowMapSet(hWnd, {bound[hWnd], pProc});
             } else {
                 CUIWindowMapRemove(hWnd);
                 bound.erase(hWnd);
             }
-            const auto hOther = reinterpret_cast<HWND>(0x100000 + random() % nRange * 2);
-            const auto found = bound.find(hOther);
-            ASSERT_EQ(found == bound.end() ? nullptr : found->second, CUIWindowMapFind(hOther));
+            const HWND hOther = anyHandle();
+            ASSERT_EQ(bound.count(hOther) ? bound[hOther] : nullptr, CUIWindowMapFind(hOther));
         }
     }
     // Each handle once: no run may grow for ever.
@@ -368,11 +386,7 @@ TEST(WindowMap, FindsWhatIsThereHoweverWindowsComeAndGo)
 
 TEST(Window, NamesOwnersAndTopLevelsForDialogs)
 {
-    CCUIWindow frame, popup;
-    CScripted child, sister;
-    ASSERT_TRUE(CreateTestWindow(frame));
-    ASSERT_TRUE(CreateTestWindow(popup, frame, WS_POPUP));
-    ASSERT_TRUE(CreateTestWindow(child, popup, WS_CHILD));
+    CTestWindow frame, popup(frame, WS_POPUP), child(popup, WS_CHILD);
     EXPECT_EQ(frame.GetHandle(), child.GetTopLevelWindow());
     EXPECT_EQ(popup.GetHandle(), child.GetSafeOwner(nullptr));
     EXPECT_TRUE(IsWindowEnabled(frame));
@@ -382,22 +396,28 @@ TEST(Window, NamesOwnersAndTopLevelsForDialogs)
     EXPECT_FALSE(IsWindowEnabled(frame));
     EXPECT_EQ(popup.GetHandle(), child.GetSafeOwner(&hDisabled));  // disabled already: not ours
     EXPECT_EQ(nullptr, hDisabled);
+    // The desktop is nobody's to disable or to own by.
+    CTestWindow lone(GetDesktopWindow(), WS_CHILD);
+    EXPECT_EQ(lone.GetHandle(), lone.GetSafeOwner(&hDisabled));
+    EXPECT_EQ(lone.GetHandle(), lone.GetTopLevelWindow());
+    EXPECT_EQ(nullptr, hDisabled);
+}
 
-    // All get what is sent to all, though one dies of it.
-    ASSERT_TRUE(CreateTestWindow(sister, popup, WS_CHILD));
-    child.m_message = sister.m_message = WM_APP;
-    child.m_script = [&] { return child.Destroy(); };
-    sister.m_script = [&] { return 0; };
+TEST(Window, SendsToAllDescendantsAndTranslatesItsAccelerators)
+{
+    CTestWindow frame, child(frame, WS_CHILD), sister(frame, WS_CHILD);
+    std::string seen;
+    child.m_on[WM_APP] = [&] { return seen += "c", child.Destroy(); };
+    sister.m_on[WM_APP] = [&] { return seen += "s", 0; };
     int nSent = 0;
-    EXPECT_EQ(1, CCUIWindow::SendMessageToDescendants(popup, WM_APP, 0, 0, &nSent));
+    EXPECT_EQ(1, CCUIWindow::SendMessageToDescendants(frame, WM_APP, 0, 0, &nSent));
     EXPECT_EQ(2, nSent);
-    EXPECT_TRUE(child.m_nSeen == 1 && sister.m_nSeen == 1);
+    EXPECT_EQ("cs", seen);
     EXPECT_EQ(0, CCUIWindow::SendMessageToDescendants(nullptr, WM_APP, 0, 0, nullptr));
 
     ACCEL accelerator = {FVIRTKEY, VK_F5, 1234};
     EXPECT_EQ(1, frame.SetAccelerators(&accelerator, 1));
     MSG key = {frame, WM_KEYDOWN, VK_F5, 1, 0, {0, 0}};
-    EnableWindow(frame, TRUE);
     EXPECT_NE(0, frame.PreTranslateMessage(&key));
     EXPECT_EQ(1, frame.SetAccelerators(nullptr, 0));
     EXPECT_EQ(0, frame.PreTranslateMessage(&key));
@@ -405,24 +425,22 @@ TEST(Window, NamesOwnersAndTopLevelsForDialogs)
 
 TEST(Window, ShowsItsContextMenuWhereItIsAskedFor)
 {
-    CScripted window;
-    ASSERT_TRUE(CreateTestWindow(window));
+    CTestWindow window;
     CCUIMenu menu, missing(GetModuleHandleA(nullptr), "none", 0);
     EXPECT_EQ(nullptr, missing.GetHandle());
     AppendMenuA(menu.GetHandle(), MF_STRING, 77, "Entry");
     window.SetContextMenu(&menu);
-    RECT at = {};
-    window.m_message = WM_ENTERIDLE;
-    window.m_script = [&] {
-        GetWindowRect(FindWindowA("#32768", nullptr), &at);
-        return EndMenu();
-    };
-    SendMessageA(window, WM_CONTEXTMENU, 0, MAKELONG(70, 60));
-    EXPECT_TRUE(at.left == 70 && at.top == 60) << at.left << " " << at.top;
     POINT corner = {0, 0};
     ClientToScreen(window, &corner);
-    SendMessageA(window, WM_CONTEXTMENU, 0, MAKELONG(-1, -1));
-    EXPECT_TRUE(at.left == corner.x && at.top == corner.y) << at.left << " " << at.top;
-    EXPECT_EQ(2, window.m_nSeen);
+    for (const POINT &asked : {POINT{70, 60}, {-1, -1}}) {
+        RECT at = {};
+        window.m_on[WM_ENTERIDLE] = [&] {
+            GetWindowRect(FindWindowA("#32768", nullptr), &at);
+            return EndMenu();
+        };
+        SendMessageA(window, WM_CONTEXTMENU, 0, MAKELONG(asked.x, asked.y));
+        const POINT &expected = asked.x < 0 ? corner : asked;
+        EXPECT_TRUE(at.left == expected.x && at.top == expected.y) << at.left << " " << at.top;
+    }
     EXPECT_EQ(0, window.DisplayPopupMenu(nullptr, 0, corner, nullptr));
 }

@@ -3,6 +3,8 @@
 #include <stdarg.h>
 #include <stdio.h>
 
+#include <functional>
+#include <map>
 #include <string>
 
 #include "CUI/Window.h"
@@ -28,6 +30,47 @@ inline bool CreateTestWindow(CCUIWindow &window, HWND hParent = nullptr,
     const RECT rect = {10, 20, 210, 170};
     return window.Create(className, "test", style, rect, hParent, 7) != 0;
 }
+
+// A window without a window yet, of whatever kind, that runs functions of the test in the place of
+// its own handling of messages.
+template <typename Base = CCUIWindow>
+class CScripted : public Base
+{
+public:
+    using Base::Base;
+    CScripted() = default;
+
+    std::map<UINT, std::function<long()>> m_on;
+    WPARAM m_wParam = 0;  // of the message that a function last ran for
+    LPARAM m_lParam = 0;
+
+protected:
+    long WindowProc(UINT message, WPARAM wParam, LPARAM lParam) override
+    {
+        const auto found = m_on.find(message);
+        if (found == m_on.end())
+            return Base::WindowProc(message, wParam, lParam);
+        m_wParam = wParam;
+        m_lParam = lParam;
+        const std::function<long()> function = found->second;  // it may delete this
+        return function();
+    }
+};
+
+// One that comes with its window.
+class CTestWindow : public CScripted<>
+{
+public:
+    explicit CTestWindow(HWND hParent = nullptr, DWORD style = WS_OVERLAPPEDWINDOW)
+    {
+        CreateTestWindow(*this, hParent, style);
+    }
+    ~CTestWindow() override
+    {
+        m_on.clear();
+        Destroy();
+    }
+};
 
 // Handles what the thread has waiting, and no more.
 inline void PumpWaiting()
