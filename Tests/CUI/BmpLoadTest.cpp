@@ -1,15 +1,12 @@
+#include "CUI/BmpLoad.h"
+
 #include <gtest/gtest.h>
 #include <map>
 
 #include "CU/String.h"
-#include "CUI/Bitmap.h"
-#include "CUI/BmpLoad.h"
 #include "CUI/Data.h"
 #include "Support/BmpBytes.h"
-#include "Support/FailingCall.h"
-#include "Support/GdiCount.h"
 #include "Support/GuardedBuffer.h"
-#include "Support/HeapWatch.h"
 #include "Support/Reports.h"
 #include "Support/SysColors.h"
 
@@ -20,23 +17,34 @@ const char *const pszColors = MAKEINTRESOURCEA(200);  // 16 colours, each once
 const char *const pszShort = MAKEINTRESOURCEA(201);
 const char *const pszNoHeader = MAKEINTRESOURCEA(202);
 const char *const pszLongHeader = MAKEINTRESOURCEA(203);
+const CPixelMap none;
 
-CPixels Load(const char *pszName)
+CPixelMap Load(const char *pszName, bool bMap = false, DWORD *pFrom = nullptr, DWORD *pTo = nullptr,
+               int nCount = 0)
 {
-    return TakePixels(CUIBmpLoad(hModule, pszName, nullptr, false, nullptr, nullptr, 0));
+    return TakePixels(CUIBmpLoad(hModule, pszName, nullptr, bMap, pFrom, pTo, nCount));
 }
 
-CPixels Replaced(CPixels pixels, const std::map<DWORD, DWORD> &map)
+CPixelMap Replaced(CPixelMap map, const std::map<COLORREF, COLORREF> &colors)
 {
-    for (DWORD &pixel : pixels)
-        pixel = map.count(pixel) ? map.at(pixel) : pixel;
-    return pixels;
+    for (COLORREF &cr : map.pixels)
+        cr = colors.count(cr) ? colors.at(cr) : cr;
+    return OnScreen(map);
 }
 
-CPixels WithButtons(const CPixels &pixels, const CSysColors &colors)
+CPixelMap WithButtons(const CPixelMap &map, const CSysColors &colors)
 {
-    const CPixels to = colors.Buttons();
-    return Replaced(pixels, {{0, to[0]}, {0x808080, to[1]}, {0xC0C0C0, to[2]}, {0xFFFFFF, to[3]}});
+    const COLORREF *pTo = colors.m_new;
+    return Replaced(map, {{0, pTo[0]}, {0x808080, pTo[1]}, {0xC0C0C0, pTo[2]}, {0xFFFFFF, pTo[3]}});
+}
+
+// Resource 200 as it is, on a screen of any depth.
+CPixelMap Colors()
+{
+    CPixelMap map(8, 2);
+    map.pixels = {0x000080, 0x008000, 0x800000, 0x008080, 0x302010, 0x605040, 0x908070, 0xD0B0A0,
+                  0x000000, 0x808080, 0xC0C0C0, 0xFFFFFF, 0x0000FF, 0x00FF00, 0xFF0000, 0x00FFFF};
+    return map;
 }
 
 // A packed DIB that ends where nobody may read.
@@ -49,8 +57,8 @@ public:
     }
     BITMAPINFO *operator->() { return reinterpret_cast<BITMAPINFO *>(m_buffer.Data()); }
     HPALETTE Palette(int &nColors) { return CUIBmpCreateDIBPalette(operator->(), &nColors); }
-    CPixels Create(HPALETTE *phPal = nullptr, DWORD *pFrom = nullptr, DWORD *pTo = nullptr,
-                   int nCount = 0)
+    CPixelMap Create(HPALETTE *phPal = nullptr, DWORD *pFrom = nullptr, DWORD *pTo = nullptr,
+                     int nCount = 0)
     {
         return TakePixels(
             CUIBmpCreateBitmap(&operator->()->bmiHeader, phPal, nCount > 0, pFrom, pTo, nCount));
@@ -66,22 +74,19 @@ TEST(BmpLoad, ReplacesColoursOnlyWhenAsked)
 {
     const CSysColors colors;
     CUIGetWinData()->UpdateSysColors();
-    const CPixels plain = TakePixels(LoadBitmapA(hModule, pszColors));
-    ASSERT_EQ(16u, plain.size());
     DWORD from[] = {RGB(0, 0, 0xFF), RGB(0xFF, 0, 0), RGB(0, 0, 0xFF), 0xFF00FF00};
-    DWORD to[] = {RGB(1, 2, 3), RGB(4, 5, 6), RGB(7, 8, 9), 0x0A000000 | RGB(10, 11, 12)};
-    const auto load = [&](bool bMap, int nCount) {
-        return TakePixels(CUIBmpLoad(hModule, pszColors, nullptr, bMap, from, to, nCount));
-    };
-    EXPECT_EQ(plain, load(false, 4));
-    EXPECT_EQ(plain, load(true, -1));
+    DWORD to[] = {RGB(1, 2, 3), RGB(94, 5, 6), RGB(7, 88, 9), 0x0A000000 | RGB(10, 11, 112)};
+    EXPECT_EQ(OnScreen(Colors()), Load(pszColors, false, from, to, 4));
+    EXPECT_EQ(OnScreen(Colors()), Load(pszColors, true, from, to, -1));
+    EXPECT_EQ(OnScreen(Colors()), Load(pszColors, true, nullptr, nullptr, 1));
     // The first match counts, and the caller's values are not resolved.
-    EXPECT_EQ(Replaced(plain, {{0x0000FF, 0x010203}, {0xFF0000, 0x040506}, {0x00FF00, 0x0A0B0C}}),
-              load(true, 4));
+    EXPECT_EQ(
+        Replaced(Colors(), {{from[0], to[0]}, {from[1], to[1]}, {0x00FF00, RGB(10, 11, 112)}}),
+        Load(pszColors, true, from, to, 4));
     // CUIData's colours here, the system's present ones there.
     const CSysColors others(0x10);
-    EXPECT_EQ(WithButtons(plain, colors), load(true, 0));
-    EXPECT_EQ(WithButtons(plain, others), TakePixels(CUIBmpLoadBitmap(hModule, pszColors)));
+    EXPECT_EQ(WithButtons(Colors(), colors), Load(pszColors, true));
+    EXPECT_EQ(WithButtons(Colors(), others), TakePixels(CUIBmpLoadBitmap(hModule, pszColors)));
 }
 
 TEST(BmpLoad, OfPackedDibsRewritesTheTableInPlace)
@@ -89,18 +94,16 @@ TEST(BmpLoad, OfPackedDibsRewritesTheTableInPlace)
     for (const int nBits : {1, 4, 8, 24}) {
         const CBmpBytes bmp(9, -3, nBits);
         CGuardedDib dib(bmp.Packed(256));
-        EXPECT_EQ(bmp.Picture(), dib.Create());
+        EXPECT_EQ(OnScreen(bmp.Picture()), dib.Create());
         if (nBits > 8)
             continue;
         dib->bmiColors[1].rgbReserved = 1;  // no plain colour
-        DWORD from[] = {bmp.TableRef(0), bmp.TableRef(1)};
-        DWORD to[] = {RGB(1, 2, 3), RGB(4, 5, 6)};
+        DWORD from[] = {bmp.TableColor(0), bmp.TableColor(1)};
+        DWORD to[] = {RGB(91, 2, 3), RGB(4, 5, 6)};
         HPALETTE hPal = nullptr;
-        EXPECT_EQ(Replaced(bmp.Picture(), {{bmp.TableColor(0), 0x010203}}),
-                  dib.Create(&hPal, from, to, 2));
+        EXPECT_EQ(Replaced(bmp.Picture(), {{from[0], to[0]}}), dib.Create(&hPal, from, to, 2));
         EXPECT_EQ(to[0], TakeEntries(hPal)[0]);
-        EXPECT_EQ(1, dib->bmiColors[0].rgbRed);
-        EXPECT_EQ(bmp.m_table[1].rgbRed, dib->bmiColors[1].rgbRed);
+        EXPECT_EQ(91, dib->bmiColors[0].rgbRed);
     }
 }
 
@@ -126,67 +129,56 @@ TEST(BmpLoad, OfLyingDibsStaysInTheMemoryThatThereIs)
     CGuardedDib cut(bytes);
     EXPECT_FALSE(cut.Palette(nColors));
     EXPECT_EQ(256, nColors);
-    EXPECT_EQ(CPixels(), cut.Create());
+    EXPECT_EQ(none, cut.Create());
     EXPECT_FALSE(CGuardedDib(CBmpBytes(4, 4, 24).Packed(0)).Palette(nColors));
     EXPECT_EQ(0, nColors);
 
     const CBmpBytes good(4, 4, 8);
     CGuardedDib dib(good.Packed(256));
-    const struct
-    {
-        DWORD m_nHeader;
-        LONG m_nWidth, m_nHeight;
-        WORD m_nBits;
-        DWORD m_nCompression;
-    } lies[] = {{40, 4, 5, 8, 0},  {40, 4, LONG_MIN, 8, 0},  {40, 5, 4, 8, 0},
-                {40, -4, 4, 8, 0}, {40, 65536, 65536, 8, 0}, {40, 4, 4, 32, 0},
-                {44, 4, 4, 8, 0},  {40, 4, 4, 0xFFFF, 0},    {40, 4, 4, 8, BI_RLE8},
-                {0, 4, 4, 8, 0},   {0xFFFFFFFC, 4, 4, 8, 0}};
-    for (const auto &lie : lies) {
-        dib->bmiHeader = {lie.m_nHeader,
-                          lie.m_nWidth,
-                          lie.m_nHeight,
-                          1,
-                          lie.m_nBits,
-                          lie.m_nCompression,
-                          17,
-                          0,
-                          0,
-                          0,
-                          0};
-        EXPECT_EQ(CPixels(), dib.Create()) << &lie - lies;
+    const BITMAPINFOHEADER lies[] = {{40, 4, 5, 1, 8, 0, 0, 0, 0, 0, 0},
+                                     {40, 4, LONG_MIN, 1, 8, 0, 0, 0, 0, 0, 0},
+                                     {40, 5, 4, 1, 8, 0, 0, 0, 0, 0, 0},
+                                     {40, -4, 4, 1, 8, 0, 0, 0, 0, 0, 0},
+                                     {40, 65536, 65536, 1, 8, 0, 0, 0, 0, 0, 0},
+                                     {40, 4, 4, 1, 32, 0, 0, 0, 0, 0, 0},
+                                     {44, 4, 4, 1, 8, 0, 0, 0, 0, 0, 0},
+                                     {40, 4, 4, 1, 0xFFFF, 0, 0, 0, 0, 0, 0},
+                                     {40, 4, 4, 1, 8, BI_RLE8, 17, 0, 0, 0, 0},
+                                     {0xFFFFFFFC, 4, 4, 1, 8, 0, 0, 0, 0, 0, 0}};
+    for (const BITMAPINFOHEADER &lie : lies) {
+        dib->bmiHeader = lie;
+        EXPECT_EQ(none, dib.Create()) << &lie - lies;
     }
     dib->bmiHeader = good.m_info;
     // A table that cannot be written to.
     DWORD old = 0;
     VirtualProtect(&dib->bmiHeader, sizeof(BITMAPINFOHEADER) + 1024, PAGE_READONLY, &old);
-    EXPECT_EQ(CPixels(), dib.Create(nullptr, black, white, 1));
-    EXPECT_EQ(good.Picture(), dib.Create());
+    EXPECT_EQ(none, dib.Create(nullptr, black, white, 1));
+    EXPECT_EQ(OnScreen(good.Picture()), dib.Create());
     EXPECT_FALSE(CUIBmpCreateBitmap(nullptr, nullptr, false, nullptr, nullptr, 0));
 }
 
 TEST(BmpLoad, ReportsMissingResourcesAndRefusesBrokenOnes)
 {
     CReports reports;
-    CDumped trace;
+    const CDumped trace;
     HPALETTE hPal = reinterpret_cast<HPALETTE>(1);
-    EXPECT_FALSE(CUIBmpLoadBitmapPalette(hModule, "none", hPal));
-    EXPECT_FALSE(hPal);
+    EXPECT_FALSE(CUIBmpLoadBitmapPalette(hModule, "none", hPal) || hPal);
     EXPECT_FALSE(CUIBmpLoadBitmap(hModule, "none"));
     EXPECT_EQ((std::vector<std::string>{"Bmp: hRsrcImage", "Bmp: hRsrcImage"}), reports.Asserts());
-    EXPECT_EQ(CPixels(), Load("none"));
+    EXPECT_EQ(none, Load("none"));
     for (const char *pszBroken : {pszShort, pszNoHeader}) {
         EXPECT_FALSE(CUIBmpLoadBitmap(hModule, pszBroken));
         EXPECT_FALSE(CUIBmpLoadBitmapPalette(hModule, pszBroken, hPal));
         DeleteObject(hPal);
-        EXPECT_EQ(CPixels(), Load(pszBroken));
+        EXPECT_EQ(none, Load(pszBroken));
     }
     EXPECT_FALSE(CUIBmpLoadSysColorBitmap(hModule, nullptr));
-    EXPECT_EQ(TakePixels(LoadBitmapA(hModule, pszColors)),
-              TakePixels(CUIBmpLoadBitmapPalette(hModule, pszColors, hPal)));
+    EXPECT_EQ(OnScreen(Colors()), TakePixels(CUIBmpLoadBitmapPalette(hModule, pszColors, hPal)));
     EXPECT_EQ(16u, TakeEntries(hPal).size());
-    EXPECT_EQ(CPixels{0x123456}, Load(pszLongHeader));
-    EXPECT_EQ(CPixels{0x123456}, TakePixels(CUIBmpLoadBitmapPalette(hModule, pszLongHeader, hPal)));
+    const CPixelMap pixel = OnScreen(CPixelMap(1, 1, 0x563412));
+    EXPECT_EQ(pixel, Load(pszLongHeader));
+    EXPECT_EQ(pixel, TakePixels(CUIBmpLoadBitmapPalette(hModule, pszLongHeader, hPal)));
     EXPECT_TRUE(reports.Asserts().empty());
     EXPECT_EQ(std::string::npos, trace.m_text.find("Error loading"));
 }
@@ -208,9 +200,10 @@ TEST(BmpCopy, OfABitmapIsItsTopLeftPartOrAPackedDibAgain)
         EXPECT_TRUE(pbih->biBitCount == nBits && pbih->biHeight == 3);
         EXPECT_EQ(0, memcmp(pbih + 1, &packed[sizeof *pbih], packed.size() - sizeof *pbih));
         free(pbih);
-        EXPECT_EQ(
-            (CPixels{bmp.ColorAt(0, 0), bmp.ColorAt(1, 0), bmp.ColorAt(0, 1), bmp.ColorAt(1, 1)}),
-            TakePixels(CUICopyBitmap(hSection, 2, 2, nullptr)));
+        CPixelMap corner(2, 2);
+        for (int i = 0; i < 4; ++i)
+            corner.Set(i % 2, i / 2, bmp.Picture().At(i % 2, i / 2));
+        EXPECT_EQ(OnScreen(corner), TakePixels(CUICopyBitmap(hSection, 2, 2, nullptr)));
         DeleteObject(hSection);
     }
     EXPECT_FALSE(CUIBitmapToDib(nullptr, nullptr, dwHeaderSize));
@@ -218,8 +211,7 @@ TEST(BmpCopy, OfABitmapIsItsTopLeftPartOrAPackedDibAgain)
 
 TEST(BmpCopy, OfAPaletteHasItsEntriesAndIsTraced)
 {
-    CReports reports;
-    CDumped trace;
+    const CDumped trace;
     int nColors = 0;
     const HPALETTE hPal = CGuardedDib(CBmpBytes(1, 1, 1).Packed(2)).Palette(nColors);
     const HPALETTE hCopy = CUICopyPalette(hPal);
@@ -228,44 +220,4 @@ TEST(BmpCopy, OfAPaletteHasItsEntriesAndIsTraced)
     DeleteObject(hCopy);
     EXPECT_EQ("Palette (2 entries)\n000: (1, 5, 255)\n001: (92, 42, 0)\n\n", trace.m_text);
     EXPECT_FALSE(CUICopyPalette(nullptr));
-}
-
-TEST(BmpLoad, LeaksNothingWhicheverCallFails)
-{
-    CReports reports;
-    const std::string path = reports.Directory().Path() + "\\leak.bmp";
-    ASSERT_TRUE(WriteBytes(path, CBmpBytes(8, 2, 4).File()));
-    const auto callEverything = [&] {
-        HPALETTE hPals[4] = {};
-        const CCUIBitmap bitmap(200, CUIBMP_PALETTE, hModule);
-        DWORD dwHeaderSize = 0;
-        const HBITMAP hBitmap =
-            CUIBmpLoad(hModule, pszColors, &hPals[0], true, nullptr, nullptr, 0);
-        hPals[1] = CUICopyPalette(hPals[0]);
-        free(CUIBitmapToDib(hBitmap, hPals[0], dwHeaderSize));
-        for (const HBITMAP h :
-             {hBitmap, CUICopyBitmap(hBitmap, 8, 2, hPals[0]),
-              CUIBmpLoadBitmapPalette(hModule, pszColors, hPals[2]),
-              CUIBmpLoadBitmapFilePalette(path.c_str(), hPals[3]),
-              CUIBmpLoadBitmap(hModule, pszColors), CUIBmpLoadBitmapFile(path.c_str(), TRUE)})
-            DeleteObject(h);
-        for (const HPALETTE hPal : hPals)
-            DeleteObject(hPal);
-    };
-    const CFailingCall<HANDLE(HINSTANCE, const char *, UINT, int, int, UINT)> load("LoadImageA");
-    const CFailingCall<int(HDC, HBITMAP, UINT, UINT, void *, BITMAPINFO *, UINT)> bits("GetDIBits");
-    const CFailingCall<HBITMAP(HDC, const BITMAPINFOHEADER *, DWORD, const void *,
-                               const BITMAPINFO *, UINT)>
-        create("CreateDIBitmap");
-    const CFailingCall<HPALETTE(const LOGPALETTE *)> palette("CreatePalette");
-    const CFailingCall<HBITMAP(HDC, int, int)> empty("CreateCompatibleBitmap");
-    const CFailingCall<HDC(HDC)> memory("CreateCompatibleDC");
-    const CFailingCall<HGLOBAL(HINSTANCE, HRSRC)> resource("LoadResource");
-    EXPECT_GT(CFailPlan::RunAll(callEverything), 15);
-    const CHeapWatch heap;
-    const int nGdi = GdiCount();
-    for (int i = 0; i < 20; ++i)
-        CFailPlan::RunAll(callEverything);
-    EXPECT_NEAR(nGdi, GdiCount(), 2);
-    EXPECT_EQ(0, CHeapWatch::Live());
 }

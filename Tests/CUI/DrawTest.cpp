@@ -52,13 +52,13 @@ TEST(Draw, FillsTheTablesPixelsOnEveryDepthAndKeepsTheDC)
                                                 << ", drawing " << nDrawing);
                 CTestSurface target(nBits, CPixelMap(20, 16));
                 SetBkColor(target, 0x123456);
-                const CDCState state(target);
+                const std::vector<DWORD> state = DCState(target);
                 Draw(nDrawing, target, &r);
                 CPixelMap expected(20, 16);
                 for (const CFill &f : Fills(nDrawing, r.left, r.top, r.right, r.bottom))
                     expected.Fill(f.left, f.top, f.right, f.bottom, f.cr);
-                EXPECT_TRUE(state == CDCState(target));
-                EXPECT_EQ("", Difference(expected, target.Read()));
+                EXPECT_EQ(state, DCState(target));
+                EXPECT_EQ(expected, target.Read());
             }
         }
     }
@@ -84,11 +84,11 @@ TEST(Draw, InvertsTheRubberFrameAndTakesItBack)
             }
             const RECT moved = {2, 2, 8, 9};
             CUIDCRubberRect(target, nullptr, &r);
-            EXPECT_EQ("", Difference(expected, target.Read()));
+            EXPECT_EQ(expected, target.Read());
             CUIDCRubberRect(target, &r, &moved);
             CUIDCRubberRect(target, &moved, nullptr);
             CUIDCRubberRect(target, nullptr, nullptr);
-            EXPECT_EQ("", Difference(before, target.Read()));
+            EXPECT_EQ(before, target.Read());
         }
     }
 }

@@ -6,13 +6,10 @@
 #include <string>
 #include <vector>
 
-#include "CU/Platform.h"
-
-// 0xRRGGBB, from the top.
-using CPixels = std::vector<DWORD>;
+#include "Support/PixelMap.h"
 
 // A BMP file in memory, every field open, so that a test can lie in any of them. The picture is
-// made of the size and depth; a test knows it by ColorAt.
+// made of the size and depth.
 struct CBmpBytes
 {
     BITMAPFILEHEADER m_file = {0x4D42, 0, 0, 0, 0};
@@ -52,28 +49,18 @@ struct CBmpBytes
         m_file.bfOffBits += static_cast<DWORD>(m_rest.size());
     }
 
-    // 0xRRGGBB, y from the top.
-    DWORD ColorAt(int x, int y) const
-    {
-        const DWORD nValue = ValueAt(x, y);
-        return m_info.biBitCount > 8 ? nValue : TableColor(nValue);
-    }
-    DWORD TableColor(size_t i) const
-    {
-        const RGBQUAD &color = m_table[i];
-        return static_cast<DWORD>(color.rgbRed << 16 | color.rgbGreen << 8 | color.rgbBlue);
-    }
-    COLORREF TableRef(size_t i) const
+    COLORREF TableColor(size_t i) const
     {
         return RGB(m_table[i].rgbRed, m_table[i].rgbGreen, m_table[i].rgbBlue);
     }
-    CPixels Picture() const
+    // What it shows, on a screen of any depth.
+    CPixelMap Picture() const
     {
-        CPixels picture(static_cast<size_t>(m_info.biWidth * abs(m_info.biHeight)));
-        int i = 0;
-        for (DWORD &pixel : picture) {
-            pixel = ColorAt(i % m_info.biWidth, i / m_info.biWidth);
-            ++i;
+        CPixelMap picture(m_info.biWidth, abs(m_info.biHeight));
+        for (int i = 0; i < picture.cx * picture.cy; ++i) {
+            const DWORD n = ValueAt(i % picture.cx, i / picture.cx);
+            picture.pixels[static_cast<size_t>(i)] =
+                m_info.biBitCount <= 8 ? TableColor(n) : RGB(n >> 16, n >> 8 & 0xFF, n & 0xFF);
         }
         return picture;
     }
@@ -120,31 +107,7 @@ inline bool WriteBytes(const std::string &path, const std::vector<BYTE> &bytes)
     return file && fclose(file) == 0 && bWritten;
 }
 
-// The pixels of a bitmap; none for what is no bitmap.
-inline CPixels PixelsOf(HBITMAP hBitmap)
-{
-    BITMAP bm = {};
-    GetObjectA(hBitmap, sizeof bm, &bm);
-    BITMAPINFO info = {{40, bm.bmWidth, -bm.bmHeight, 1, 32, 0, 0, 0, 0, 0, 0}, {}};
-    CPixels pixels(static_cast<size_t>(bm.bmWidth * bm.bmHeight));
-    const HDC hScreen = GetDC(nullptr);
-    GetDIBits(hScreen, hBitmap, 0, static_cast<UINT>(bm.bmHeight), pixels.data(), &info,
-              DIB_RGB_COLORS);
-    ReleaseDC(nullptr, hScreen);
-    for (DWORD &pixel : pixels)
-        pixel &= 0xFFFFFF;
-    return pixels;
-}
-
-// The same of one that nobody needs any more.
-inline CPixels TakePixels(HBITMAP hBitmap)
-{
-    CPixels pixels = PixelsOf(hBitmap);
-    DeleteObject(hBitmap);
-    return pixels;
-}
-
-// The colours of a palette that nobody needs any more, as COLORREFs.
+// The colours of a palette that nobody needs any more.
 inline std::vector<COLORREF> TakeEntries(HPALETTE hPal)
 {
     std::vector<COLORREF> colors(GetPaletteEntries(hPal, 0, 0, nullptr));

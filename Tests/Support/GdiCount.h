@@ -1,7 +1,5 @@
 #pragma once
 
-#include <gtest/gtest.h>
-
 #include "CU/Platform.h"
 
 // How many GDI objects the process has, counted in the system's own table, which the process
@@ -23,16 +21,4 @@ inline int GdiCount()
     for (int i = 0; i < 65536; ++i)
         nCount += pTable[i].m_type != 0;
     return nCount;
-}
-
-// Does the work many times, and finds no more objects than after the first time; returns how many.
-template <typename Work>
-int ExpectNothingLeft(Work work)
-{
-    work();
-    const int nBefore = GdiCount();
-    for (int i = 0; i < 200; ++i)
-        work();
-    EXPECT_NEAR(nBefore, GdiCount(), 2);
-    return nBefore;
 }

@@ -1,7 +1,7 @@
 #pragma once
 
+#include <ostream>
 #include <stdio.h>
-#include <string>
 #include <vector>
 
 #include "CU/Platform.h"
@@ -9,18 +9,17 @@
 // A picture, as a test computes it or as a DC shows it.
 struct CPixelMap
 {
-    CPixelMap(int width, int height, COLORREF cr = 0)
+    explicit CPixelMap(int width = 0, int height = 0, COLORREF cr = 0)
         : cx(width), cy(height), pixels(static_cast<size_t>(width * height), cr)
     {
     }
     bool Has(int x, int y) const { return x >= 0 && y >= 0 && x < cx && y < cy; }
-    COLORREF &At(int x, int y) { return pixels[static_cast<size_t>(y * cx + x)]; }
     COLORREF At(int x, int y) const { return pixels[static_cast<size_t>(y * cx + x)]; }
     // Outside the picture nothing is set.
     void Set(int x, int y, COLORREF cr)
     {
         if (Has(x, y))
-            At(x, y) = cr;
+            pixels[static_cast<size_t>(y * cx + x)] = cr;
     }
     // Reversed edges are taken in order.
     void Fill(int left, int top, int right, int bottom, COLORREF cr)
@@ -29,39 +28,79 @@ struct CPixelMap
             for (int x = left < right ? left : right; x < (left < right ? right : left); ++x)
                 Set(x, y, cr);
     }
+    bool operator==(const CPixelMap &other) const
+    {
+        return cx == other.cx && cy == other.cy && pixels == other.pixels;
+    }
 
     int cx, cy;
     std::vector<COLORREF> pixels;
 };
 
-// Empty for equal pictures, else where they begin to differ.
-inline std::string Difference(const CPixelMap &expected, const CPixelMap &actual)
+// What a failing comparison shows.
+inline void PrintTo(const CPixelMap &map, std::ostream *pOut)
 {
-    char szText[99] = "";
-    for (int y = 0; y < expected.cy; ++y) {
-        for (int x = 0; x < expected.cx; ++x) {
-            if (expected.At(x, y) == actual.At(x, y))
-                continue;
-            sprintf(szText, "(%d, %d) is %06lX, expected %06lX", x, y, actual.At(x, y),
-                    expected.At(x, y));
-            return szText;
-        }
+    for (int i = 0; i < map.cx * map.cy; ++i) {
+        char szPixel[16];
+        sprintf(szPixel, "%s%06lX", i % map.cx ? " " : "\n", map.pixels[static_cast<size_t>(i)]);
+        *pOut << szPixel;
     }
-    return szText;
 }
 
-// Colours that a DIB of 5 bits a channel, and the colour table of one with 8 bits a pixel, hold
-// without loss; black first, white last.
-const COLORREF TEST_COLORS[] = {0x000000, 0x0000FF, 0x00FF00, 0xFF0000, 0x848484,
-                                0xC6C6C6, 0x42C684, 0x00FFFF, 0xFFFFFF};
-const int TEST_COLOR_COUNT = 9;
+inline CPixelMap ReadPixels(HDC hDC, int cx, int cy)
+{
+    CPixelMap map(cx, cy);
+    for (int i = 0; i < cx * cy; ++i)
+        map.pixels[static_cast<size_t>(i)] = GetPixel(hDC, i % cx, i / cx);
+    return map;
+}
+
+// The picture of a bitmap; an empty one for what is no bitmap.
+inline CPixelMap PixelsOf(HBITMAP hBitmap)
+{
+    BITMAP bm = {};
+    GetObjectA(hBitmap, sizeof bm, &bm);
+    const HDC hDC = CreateCompatibleDC(nullptr);
+    SelectObject(hDC, hBitmap);
+    CPixelMap map = ReadPixels(hDC, bm.bmWidth, bm.bmHeight);
+    DeleteDC(hDC);
+    return map;
+}
+
+// The same of one that nobody needs any more.
+inline CPixelMap TakePixels(HBITMAP hBitmap)
+{
+    CPixelMap map = PixelsOf(hBitmap);
+    DeleteObject(hBitmap);
+    return map;
+}
+
+inline int ScreenBits()
+{
+    const HDC hScreen = GetDC(nullptr);
+    const int nBits = GetDeviceCaps(hScreen, BITSPIXEL);
+    ReleaseDC(nullptr, hScreen);
+    return nBits;
+}
+
+// What a bitmap of the screen's depth keeps of a picture: at 16 bits, the high 5 of each channel.
+inline CPixelMap OnScreen(CPixelMap map)
+{
+    if (ScreenBits() == 16)
+        for (COLORREF &cr : map.pixels)
+            cr = (cr & 0xF8F8F8) | (cr >> 5 & 0x070707);
+    return map;
+}
+
+// Colours that every depth from 8 bits on holds without loss; black first, white last.
+const COLORREF TEST_COLORS[] = {0x000000, 0x0000FF, 0x00FF00, 0x00FFFF,
+                                0xFF0000, 0xFF00FF, 0xFFFF00, 0xFFFFFF};
 
 inline CPixelMap TestPicture(int cx, int cy, int nSeed)
 {
     CPixelMap map(cx, cy);
     for (int i = 0; i < cx * cy; ++i)
-        map.pixels[static_cast<size_t>(i)] =
-            TEST_COLORS[(i * i / 3 + i * nSeed + i / cx) % TEST_COLOR_COUNT];
+        map.pixels[static_cast<size_t>(i)] = TEST_COLORS[(i * i / 3 + i * nSeed + i / cx) % 8];
     return map;
 }
 
@@ -77,21 +116,17 @@ public:
         {
             BITMAPINFOHEADER header;
             RGBQUAD colors[256];
-        } info = {{sizeof(BITMAPINFOHEADER), m_cx, m_cy, 1, static_cast<WORD>(nBits), BI_RGB, 0, 0,
-                   0, 0, 0},
-                  {}};
+        } info = {{40, m_cx, m_cy, 1, static_cast<WORD>(nBits), BI_RGB, 0, 0, 0, 0, 0}, {}};
         // White is the last of all, so that XOR and AND of indexes work as they do on colours.
         for (int i = 0; i < 256; ++i) {
-            const COLORREF cr =
-                TEST_COLORS[i == 255 ? TEST_COLOR_COUNT - 1 : i % (TEST_COLOR_COUNT - 1)];
+            const COLORREF cr = TEST_COLORS[i % 8];
             info.colors[i] = {GetBValue(cr), GetGValue(cr), GetRValue(cr), 0};
         }
         const HDC hScreen = GetDC(nullptr);
-        void *pBits;
         m_hBitmap = nBits == 0   ? CreateCompatibleBitmap(hScreen, m_cx, m_cy)
                     : nBits == 1 ? CreateBitmap(m_cx, m_cy, 1, 1, nullptr)
                                  : CreateDIBSection(hScreen, reinterpret_cast<BITMAPINFO *>(&info),
-                                                    DIB_RGB_COLORS, &pBits, nullptr, 0);
+                                                    DIB_RGB_COLORS, nullptr, nullptr, 0);
         ReleaseDC(nullptr, hScreen);
         m_hOld = SelectObject(m_hDC, m_hBitmap);
         for (int i = 0; i < m_cx * m_cy; ++i)
@@ -115,10 +150,7 @@ public:
     CPixelMap Read()
     {
         SelectObject(m_hDC, m_hBitmap);
-        CPixelMap map(m_cx, m_cy);
-        for (int i = 0; i < m_cx * m_cy; ++i)
-            map.pixels[static_cast<size_t>(i)] = GetPixel(m_hDC, i % m_cx, i / m_cx);
-        return map;
+        return ReadPixels(m_hDC, m_cx, m_cy);
     }
 
 private:
@@ -128,28 +160,16 @@ private:
     HGDIOBJ m_hOld;
 };
 
-// All that a DC remembers, to be compared before and after.
-struct CDCState
+// All that a DC remembers, to be compared before and after: background and text colour first.
+inline std::vector<DWORD> DCState(HDC hDC)
 {
-    explicit CDCState(HDC hDC)
-        : values{GetBkColor(hDC),
-                 GetTextColor(hDC),
-                 static_cast<DWORD>(GetBkMode(hDC)),
-                 static_cast<DWORD>(GetROP2(hDC)),
-                 static_cast<DWORD>(GetStretchBltMode(hDC)),
-                 GetTextAlign(hDC),
-                 Object(hDC, OBJ_BITMAP),
-                 Object(hDC, OBJ_BRUSH),
-                 Object(hDC, OBJ_PEN),
-                 Object(hDC, OBJ_FONT),
-                 Object(hDC, OBJ_PAL)}
-    {
-    }
-    static DWORD Object(HDC hDC, UINT nType)
-    {
-        return reinterpret_cast<DWORD>(GetCurrentObject(hDC, nType));
-    }
-    bool operator==(const CDCState &other) const { return values == other.values; }
-
-    std::vector<DWORD> values;  // background and text colour first
-};
+    std::vector<DWORD> values = {GetBkColor(hDC),
+                                 GetTextColor(hDC),
+                                 static_cast<DWORD>(GetBkMode(hDC)),
+                                 static_cast<DWORD>(GetROP2(hDC)),
+                                 static_cast<DWORD>(GetStretchBltMode(hDC)),
+                                 GetTextAlign(hDC)};
+    for (const UINT nType : {OBJ_BITMAP, OBJ_BRUSH, OBJ_PEN, OBJ_FONT, OBJ_PAL})
+        values.push_back(reinterpret_cast<DWORD>(GetCurrentObject(hDC, nType)));
+    return values;
+}
