@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "../../CUI/Src/BmpSharedDC.h"
 #include "Support/FailingCall.h"
 #include "Support/PixelMap.h"
 #include "Support/Reports.h"
@@ -14,9 +15,9 @@ const COLORREF WHITE = 0xFFFFFF, KEY = 0x0000FF, BKGND = 0xFFFF00;
 const struct CPlace
 {
     UINT x, y, xSrc, ySrc, cx, cy;
-} PLACES[] = {{3, 2, 0, 0, 0, 0},   {4, 5, 0, 0, 0, 50},  {4, 5, 0, 0, 50, 0},
-              {-5U, 2, 0, 0, 0, 0}, {2, -4U, 0, 0, 0, 0}, {16, 15, 0, 0, 0, 0},
-              {2, 3, 4, 5, 6, 4},   {6, 1, 1, 7, 1, 1},   {40, 40, 0, 0, 0, 0},
+} PLACES[] = {{3, 2, 0, 0, 0, 0},   {4, 5, 0, 0, 0, 50},   {4, 5, 0, 0, 50, 0},
+              {-5U, 2, 0, 0, 0, 0}, {2, -4U, 0, 0, 0, 0},  {16, 15, 0, 0, 0, 0},
+              {2, 3, 4, 5, 6, 4},   {6, 1, 1, 7, 1, 1},    {40, 40, 0, 0, 0, 0},
               {5, 5, 8, 6, 9, 9},   {9, 9, -3U, -2U, 8, 8}};
 enum
 {
@@ -65,7 +66,7 @@ CPixelMap MaskPicture()
 struct CScene
 {
     // What a drawing makes of the target.
-    CPixelMap Expected(int nBlt, CPixelMap map, const CPlace &p, int nBits) const
+    void Expect(int nBlt, CPixelMap &map, const CPlace &p, int nBits) const
     {
         const int nScale = nBlt >= STRETCHED ? 3 : 1;
         const int cx = nScale * static_cast<int>(p.cx && p.cy ? p.cx : 12);
@@ -82,12 +83,22 @@ struct CScene
             map.Set(static_cast<int>(p.x) + i % cx, static_cast<int>(p.y) + i / cx,
                     nBits == 1 && cr != WHITE ? 0 : cr);
         }
-        return map;
     }
 
     CPixelMap picture = TestPicture(12, 10, 2), maskPicture = MaskPicture();
     CTestSurface image{0, picture}, mask{1, maskPicture};
 };
+
+// That of the DCs that are kept from call to call.
+std::vector<DWORD> SharedState(HDC hDC)
+{
+    std::vector<DWORD> all;
+    for (CCUIBmpSharedDC *pShared : {&g_bmpImageDC, &g_bmpMaskDC, &g_bmpWorkDC}) {
+        const std::vector<DWORD> state = DCState(pShared->For(hDC));
+        all.insert(all.end(), state.begin(), state.end());
+    }
+    return all;
+}
 
 // Palette 5 is the test's, 7 the one that every DC has.
 std::string s_calls;
@@ -123,24 +134,16 @@ TEST(BmpBlt, DrawsTheRulesPictureOnEveryDepthAndKeepsTheDC)
             if (n / BLTS >= 9 && nBlt >= KEYED)
                 continue;
             SCOPED_TRACE(testing::Message() << nBits << " bits, blit and place " << n);
-            CTestSurface target(nBits, TestPicture(24, 20, 7));
-            const CPixelMap before = target.Read();
-            SetBkColor(target, nBits == 1 ? WHITE : BKGND);
-            SetTextColor(target, KEY);
-            std::vector<DWORD> state = DCState(target);
-            Draw(nBlt, target, place, nullptr, s.mask.Bitmap());
-            if (IsMasked(nBlt))
-                Draw(nBlt, target, place, s.image.Bitmap(), nullptr);
-            EXPECT_EQ(state, DCState(target));
-            EXPECT_EQ(before, target.Read());
-
-            Draw(nBlt, target, place, s.image.Bitmap(), s.mask.Bitmap());
-            if (IsMasked(nBlt)) {
-                state[0] = WHITE;
-                state[1] = 0;
-            }
-            EXPECT_EQ(state, DCState(target));
-            EXPECT_EQ(s.Expected(nBlt, before, place, nBits), target.Read());
+            ExpectDrawn(nBits, TestPicture(24, 20, 7), [&](HDC hDC) {
+                Draw(nBlt, hDC, place, nullptr, s.mask.Bitmap());
+                if (IsMasked(nBlt))
+                    Draw(nBlt, hDC, place, s.image.Bitmap(), nullptr);
+            });
+            ExpectDrawn(
+                nBits, TestPicture(24, 20, 7),
+                [&](HDC hDC) { Draw(nBlt, hDC, place, s.image.Bitmap(), s.mask.Bitmap()); },
+                [&](CPixelMap &map) { s.Expect(nBlt, map, place, nBits); },
+                IsMasked(nBlt) ? std::vector<DWORD>{WHITE, 0} : std::vector<DWORD>{});
             ASSERT_EQ(s.picture, s.image.Read());
             ASSERT_EQ(s.maskPicture, s.mask.Read());
         }
@@ -160,19 +163,21 @@ TEST(BmpBlt, MakesMasksAndBakesABitmapOntoAColour)
     }
     for (const int nBits : {0, 24, 16, 1}) {
         SCOPED_TRACE(nBits);
-        CTestSurface image(0, picture), target(nBits, TestPicture(24, 20, 7));
-        const CPixelMap before = target.Read();
-        const std::vector<DWORD> state = DCState(target);
-        HBITMAP made[] = {CUIBmpMakeMask(target, 9, 9, image.Bitmap(), KEY),
-                          CUIBmpMakeMaskFull(target, 9, 9, image.Bitmap(), KEY, 3, 2, 5, 6),
-                          nullptr};
-        EXPECT_EQ(TRUE, CUIBmpTransparentCreate(image.Bitmap(), &made[2], target, BKGND));
-        EXPECT_EQ(state, DCState(target));
-        EXPECT_EQ(before, target.Read());
+        CTestSurface image(0, picture);
+        HBITMAP made[3] = {};
+        int nDepth = 0;
+        ExpectDrawn(nBits, TestPicture(24, 20, 7), [&](HDC hDC) {
+            const std::vector<DWORD> state = SharedState(hDC);
+            made[0] = CUIBmpMakeMask(hDC, 9, 9, image.Bitmap(), KEY);
+            made[1] = CUIBmpMakeMaskFull(hDC, 9, 9, image.Bitmap(), KEY, 3, 2, 5, 6);
+            EXPECT_EQ(TRUE, CUIBmpTransparentCreate(image.Bitmap(), &made[2], hDC, BKGND));
+            EXPECT_EQ(state, SharedState(hDC));
+            nDepth = GetDeviceCaps(hDC, BITSPIXEL);
+        });
         for (int i = 0; i < 3; ++i) {
             BITMAP bm = {};
             GetObjectA(made[i], sizeof bm, &bm);
-            EXPECT_EQ(i < 2 ? 1 : GetDeviceCaps(target, BITSPIXEL), bm.bmBitsPixel);
+            EXPECT_EQ(i < 2 ? 1 : nDepth, bm.bmBitsPixel);
             CTestSurface reader(0, CPixelMap(bm.bmWidth, bm.bmHeight, 0x123456));
             CUIBmpBitBlt(reader, 0, 0, made[i], 0, 0, 0, 0, nullptr, 0);
             EXPECT_EQ(expected[i], reader.Read());
@@ -187,21 +192,17 @@ TEST(BmpBlt, MakesMasksAndBakesABitmapOntoAColour)
     EXPECT_EQ(nullptr, CUIBmpMakeMask(nullptr, 0, 0, nullptr, KEY));
 }
 
-TEST(BmpBlt, PassesNegativeSizesAndPalettesOnAndTracesWhatCannotBeStretched)
+TEST(BmpBlt, KeepsPalettesOffTheTargetAndTracesWhatCannotBeStretched)
 {
     CScene s;
-    CTestSurface target(32, TestPicture(24, 20, 7)), peer(32, TestPicture(24, 20, 7));
-    BitBlt(peer, 9, 9, -5, -4, (s.image.Read(), s.image), 8, 7, SRCCOPY);
-    StretchBlt(peer, 20, 2, -12, 6, s.image, 0, 0, 6, 3, SRCCOPY);
-    const HBITMAP hBmp = s.image.Bitmap();
+    CTestSurface target(32, s.picture);
     const HPALETTE hPalette = reinterpret_cast<HPALETTE>(5);
     s_hTarget = target;
     const CImportHook select("SelectPalette", RecordSelect), real("RealizePalette", RecordRealize);
-    CUIBmpBitBlt(target, 9, 9, hBmp, 8, 7, -5U, -4U, hPalette, 0);
-    CUIBmpStretchBlt(target, 20, 2, -12U, 6, hBmp, 0, 0, 6, 3, hPalette, 1);
-    EXPECT_EQ(peer.Read(), target.Read());
+    CUIBmpBitBlt(target, 0, 0, s.image.Bitmap(), 0, 0, 0, 0, hPalette, 0);
+    CUIBmpStretchBlt(target, 0, 0, 9, 9, s.image.Bitmap(), 0, 0, 0, 0, hPalette, 1);
     const CDumped dumped;
-    CUIBmpStretchBlt(nullptr, 0, 0, 9, 9, hBmp, 0, 0, 0, 0, nullptr, 0);
+    CUIBmpStretchBlt(nullptr, 0, 0, 9, 9, s.image.Bitmap(), 0, 0, 0, 0, nullptr, 0);
     EXPECT_EQ(0U, dumped.m_text.find("StretchBlt failed - gle: "));
     EXPECT_EQ("5 front, realize, 7 front, realize, 5 back, realize, 7 back, realize, ", s_calls);
 }

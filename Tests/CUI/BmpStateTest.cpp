@@ -17,8 +17,7 @@ void Draw(HDC hDC, CUIBmpStateRects rects, HBITMAP hBmp, DWORD dwFlags, COLORREF
 }
 
 // What is to be seen afterwards, pixel by pixel.
-CPixelMap Expected(CPixelMap map, const CPixelMap &image, const CUIBmpStateRects &rects,
-                   DWORD dwFlags)
+void Expect(CPixelMap &map, const CPixelMap &image, const CUIBmpStateRects &rects, DWORD dwFlags)
 {
     const RECT &area = rects.rcArea, &center = rects.rcCenter, &source = rects.rcSource;
     const int cx = source.right - source.left, cy = source.bottom - source.top;
@@ -43,7 +42,6 @@ CPixelMap Expected(CPixelMap map, const CPixelMap &image, const CUIBmpStateRects
             if (!isImage(x, y) &&
                 !(bEmbossed && x > area.left && y > area.top && isImage(x - 1, y - 1)))
                 map.Set(x, y, (x + y) % 2 ? HILITE : FACE);
-    return map;
 }
 
 }  // namespace
@@ -60,13 +58,10 @@ TEST(BmpState, DrawsTheRulesPictureInEveryStateAndKeepsTheDC)
     for (const int nBits : {0, 32, 24, 16, 8}) {
         for (DWORD n = 0; n < 16; ++n) {
             SCOPED_TRACE(testing::Message() << nBits << " bits, place and flags " << n);
-            CTestSurface target(nBits, TestPicture(24, 20, 7));
-            SetBkColor(target, 0x123456);
-            const std::vector<DWORD> state = DCState(target);
-            const CPixelMap before = target.Read();
-            Draw(target, places[n / 4], image.Bitmap(), n % 4);
-            EXPECT_EQ(state, DCState(target));
-            EXPECT_EQ(Expected(before, picture, places[n / 4], n % 4), target.Read());
+            ExpectDrawn(
+                nBits, TestPicture(24, 20, 7),
+                [&](HDC hDC) { Draw(hDC, places[n / 4], image.Bitmap(), n % 4); },
+                [&](CPixelMap &map) { Expect(map, picture, places[n / 4], n % 4); });
             ASSERT_EQ(picture, image.Read());
         }
     }
@@ -85,19 +80,17 @@ TEST(BmpState, MakesTheBrushForNewColoursOnlyAndTracesWhatFails)
     EXPECT_EQ(4, CFailPlan::s_nCalls);
 
     // No bitmap, one that another DC has, and no mask: a line each, and nothing drawn.
-    const std::vector<DWORD> state = DCState(target);
-    const CPixelMap before = target.Read();
     const CDumped dumped;
-    Draw(target, rects, nullptr, 0);
-    const HBITMAP hBusy = image.Bitmap();
-    image.Read();
-    Draw(target, rects, hBusy, 3);
-    const CFailingCall<HBITMAP(int, int, UINT, UINT, const void *)> createMask("CreateBitmap");
-    CFailPlan::Start(CFailPlan::ALL);
-    Draw(target, rects, image.Bitmap(), 1);
-    CFailPlan::Start(0);
+    ExpectDrawn(32, picture, [&](HDC hDC) {
+        Draw(hDC, rects, nullptr, 0);
+        const HBITMAP hBusy = image.Bitmap();
+        image.Read();
+        Draw(hDC, rects, hBusy, 3);
+        const CFailingCall<HBITMAP(int, int, UINT, UINT, const void *)> mask("CreateBitmap");
+        CFailPlan::Start(CFailPlan::ALL);
+        Draw(hDC, rects, image.Bitmap(), 1);
+        CFailPlan::Start(0);
+    });
     const std::string line = "CUIBmpDraw error drawing bitmap.\n";
     EXPECT_EQ(line + line + line, dumped.m_text);
-    EXPECT_EQ(state, DCState(target));
-    EXPECT_EQ(before, target.Read());
 }

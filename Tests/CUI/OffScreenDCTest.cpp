@@ -25,20 +25,6 @@ int WINAPI DeviceCaps(HDC hDC, int nCap)
     return hDC == s_hPrinter && nCap == BITSPIXEL ? 1 : s_caps(hDC, nCap);
 }
 
-volatile LONG s_nInside, s_nClashes;
-void DrawOften(int)
-{
-    CTestSurface target(32, CPixelMap(2, 2));
-    for (int i = 0; i < 300; ++i) {
-        const HDC hDC = CUIGetOSDC()->GetDC(target, 1 + i % 90, 1 + i % 70);
-        if (InterlockedIncrement(&s_nInside) != 1 || Selected(hDC).bmWidth < 1 + i % 90)
-            InterlockedIncrement(&s_nClashes);
-        SwitchToThread();
-        InterlockedDecrement(&s_nInside);
-        CUIGetOSDC()->ReleaseDC();
-    }
-}
-
 }  // namespace
 
 TEST(OffScreenDC, GrowsNeverShrinksAndKeepsWhatWasDrawnWhileItFits)
@@ -96,6 +82,17 @@ TEST(OffScreenDC, GrowsNeverShrinksAndKeepsWhatWasDrawnWhileItFits)
 
 TEST(OffScreenDC, BelongsToOneThreadAtATime)
 {
-    CThreads::Run(3, DrawOften);
+    static LONG s_nInside, s_nClashes;
+    CThreads::Run(3, [](int) {
+        CTestSurface target(32, CPixelMap(2, 2));
+        for (int i = 0; i < 300; ++i) {
+            const HDC hDC = CUIGetOSDC()->GetDC(target, 1 + i % 90, 1 + i % 70);
+            if (InterlockedIncrement(&s_nInside) != 1 || Selected(hDC).bmWidth < 1 + i % 90)
+                InterlockedIncrement(&s_nClashes);
+            SwitchToThread();
+            InterlockedDecrement(&s_nInside);
+            CUIGetOSDC()->ReleaseDC();
+        }
+    });
     EXPECT_EQ(0, s_nClashes);
 }

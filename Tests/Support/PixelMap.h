@@ -1,7 +1,7 @@
 #pragma once
 
-#include <ostream>
-#include <stdio.h>
+#include <algorithm>
+#include <gtest/gtest.h>
 #include <vector>
 
 #include "CU/Platform.h"
@@ -40,11 +40,8 @@ struct CPixelMap
 // What a failing comparison shows.
 inline void PrintTo(const CPixelMap &map, std::ostream *pOut)
 {
-    for (int i = 0; i < map.cx * map.cy; ++i) {
-        char szPixel[16];
-        sprintf(szPixel, "%s%06lX", i % map.cx ? " " : "\n", map.pixels[static_cast<size_t>(i)]);
-        *pOut << szPixel;
-    }
+    for (size_t i = 0; i < map.pixels.size(); ++i)
+        *pOut << (i % static_cast<size_t>(map.cx) ? " " : "\n") << std::hex << map.pixels[i];
 }
 
 inline CPixelMap ReadPixels(HDC hDC, int cx, int cy)
@@ -75,20 +72,14 @@ inline CPixelMap TakePixels(HBITMAP hBitmap)
     return map;
 }
 
-inline int ScreenBits()
-{
-    const HDC hScreen = GetDC(nullptr);
-    const int nBits = GetDeviceCaps(hScreen, BITSPIXEL);
-    ReleaseDC(nullptr, hScreen);
-    return nBits;
-}
-
 // What a bitmap of the screen's depth keeps of a picture: at 16 bits, the high 5 of each channel.
 inline CPixelMap OnScreen(CPixelMap map)
 {
-    if (ScreenBits() == 16)
-        for (COLORREF &cr : map.pixels)
-            cr = (cr & 0xF8F8F8) | (cr >> 5 & 0x070707);
+    const HDC hScreen = GetDC(nullptr);
+    const bool bAll = GetDeviceCaps(hScreen, BITSPIXEL) != 16;
+    ReleaseDC(nullptr, hScreen);
+    for (COLORREF &cr : map.pixels)
+        cr = bAll ? cr : (cr & 0xF8F8F8) | (cr >> 5 & 0x070707);
     return map;
 }
 
@@ -172,4 +163,27 @@ inline std::vector<DWORD> DCState(HDC hDC)
     for (const UINT nType : {OBJ_BITMAP, OBJ_BRUSH, OBJ_PEN, OBJ_FONT, OBJ_PAL})
         values.push_back(reinterpret_cast<DWORD>(GetCurrentObject(hDC, nType)));
     return values;
+}
+
+struct CUnchanged
+{
+    void operator()(const CPixelMap &) const {}
+};
+
+// Draws on a DC of that depth with a picture, and finds there what the rule makes of it. Nothing
+// that is set on the DC changes, but for the background and text colour, when given.
+template <typename Draw, typename Rule = CUnchanged>
+void ExpectDrawn(int nBits, const CPixelMap &picture, Draw draw, Rule rule = {},
+                 std::vector<DWORD> colors = {})
+{
+    CTestSurface target(nBits, picture);
+    SetBkColor(target, nBits == 1 ? 0xFFFFFF : 0xFFFF00);
+    SetTextColor(target, 0x0000FF);
+    std::vector<DWORD> state = DCState(target);
+    std::copy(colors.begin(), colors.end(), state.begin());
+    CPixelMap expected = target.Read();
+    rule(expected);
+    draw(target);
+    EXPECT_EQ(expected, target.Read());
+    EXPECT_EQ(state, DCState(target));
 }
