@@ -344,8 +344,21 @@ class Screens(unittest.TestCase):
         self.run_at_depth(8, "Palette")
 
 
+def run_tests(case, program, names):
+    """Tests of another program, on the screen that there is."""
+    result = subprocess.run(["wine", os.path.join(BUILD.folder, "Tests", program),
+                             "--gtest_filter=" + names], capture_output=True, text=True,
+                            check=False)
+    case.assertEqual(0, result.returncode, result.stdout)
+    case.assertRegex(result.stdout, r"\[  PASSED  \] [1-9]")
+    case.assertNotIn("SKIPPED", result.stdout)
+
+
 class HighColour(Looks):
     """Run by Screens at 16 bits: everything as it is with more, in the colours that there are."""
+
+    def test_drawing(self):
+        run_tests(self, "CUITests.exe", "Bitmap.*:Bmp*.*:Data.F*:Draw.*:OffScreenDC.*-BmpFile.*")
 
 
 class Palette(LauncherTest):
@@ -383,12 +396,11 @@ class Palette(LauncherTest):
 
     def test_messages(self):
         """From inside: whether the palette was realised is not seen from another process."""
-        result = subprocess.run(["wine", os.path.join(BUILD.folder, "Tests/AutoRunTests.exe"),
-                                 "--gtest_filter=Palette.*"], capture_output=True, text=True,
-                                check=False)
-        self.assertEqual(0, result.returncode, result.stdout)
-        self.assertIn("[  PASSED  ] 1 test.", result.stdout)
-        self.assertNotIn("SKIPPED", result.stdout)
+        run_tests(self, "AutoRunTests.exe", "Palette.*")
+
+    def test_drawing(self):
+        """What draws; what is loaded comes out in the nearest of the colours that there are."""
+        run_tests(self, "CUITests.exe", "BmpBlt.*:BmpState.*:Data.F*:Draw.*:OffScreenDC.*")
 
 
 GROUPS = {"Looks": (Looks, SecondSkin), "Mouse": (Mouse,), "Programs": (Programs,),
