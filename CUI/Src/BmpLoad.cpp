@@ -32,17 +32,15 @@ void MapColors(RGBQUAD *pTable, DWORD nColors, const CUIColorMap &map)
     CUIReplaceColors(pTable, nColors, {CUIButtonGreys, buttons, CUI_BUTTON_COLORS});
 }
 
-// Colours, palette and bitmap of a DIB with a full table, of which nothing but the header is known
-// to be there when bTrusted is false.
-HBITMAP Convert(HDC hScreen, BITMAPINFOHEADER *pbih, bool bTrusted, HPALETTE *phPal,
+// Colours, palette and bitmap of a DIB with a full table. Without pPixels they follow the table,
+// and nothing but the header is known to be there.
+HBITMAP Convert(HDC hScreen, BITMAPINFOHEADER *pbih, const void *pPixels, HPALETTE *phPal,
                 const CUIColorMap *pMap)
 {
-    char *pBlock = reinterpret_cast<char *>(pbih);
     RGBQUAD *pTable = reinterpret_cast<BITMAPINFO *>(pbih)->bmiColors;
     const DWORD nClaimed = CUIDibColorCount(*pbih);
     const DWORD nColors = nClaimed < CUI_DIB_MAX_COLORS ? nClaimed : CUI_DIB_MAX_COLORS;
-    const ULONGLONG nPixels = static_cast<ULONGLONG>(pbih->biSize) + nFullTable;
-    if (!bTrusted && !CUIMemoryHolds(pTable, CUIDibTableSize(nColors), pMap != nullptr))
+    if (!pPixels && !CUIMemoryHolds(pTable, CUIDibTableSize(nColors), pMap != nullptr))
         return nullptr;
     if (pMap)
         MapColors(pTable, nColors, *pMap);
@@ -50,13 +48,24 @@ HBITMAP Convert(HDC hScreen, BITMAPINFOHEADER *pbih, bool bTrusted, HPALETTE *ph
         *phPal = CUIPaletteFromTable(pTable, nColors);
         CUIRealizeForLoad(hScreen, *phPal);
     }
-    if (!bTrusted && !CUIMemoryHolds(pbih, CUIDibExtent(*pbih, nPixels), false))
+    const ULONGLONG nPixels = static_cast<ULONGLONG>(pbih->biSize) + nFullTable;
+    if (!pPixels && !CUIMemoryHolds(pbih, CUIDibExtent(*pbih, nPixels), false))
         return nullptr;
-    return CUIDibToBitmap(hScreen, pbih, pBlock + nPixels);
+    return CUIDibToBitmap(hScreen, pbih,
+                          pPixels ? pPixels : reinterpret_cast<const char *>(pbih) + nPixels);
 }
 
-// The picture of a DIB section of any layout as a plain DIB with a full table, from malloc.
-BITMAPINFOHEADER *SectionToDib(HDC hScreen, HBITMAP hDIB)
+// The section's own rows, if a plain DIB of its size has the same.
+const void *PlainRows(HBITMAP hDIB)
+{
+    DIBSECTION section = {};
+    const bool bPlain = GetObjectA(hDIB, sizeof section, &section) == sizeof section &&
+                        section.dsBmih.biCompression == BI_RGB && section.dsBmih.biHeight > 0;
+    return bPlain ? section.dsBm.bmBits : nullptr;
+}
+
+// The picture of a DIB section of any layout, by way of a plain DIB with a full table.
+HBITMAP ConvertSection(HDC hScreen, HBITMAP hDIB, HPALETTE *phPal, const CUIColorMap *pMap)
 {
     BITMAP bm = {};
     const int nGot = GetObjectA(hDIB, sizeof(bm), &bm);
@@ -79,19 +88,23 @@ BITMAPINFOHEADER *SectionToDib(HDC hScreen, HBITMAP hDIB)
         return nullptr;
     header.biSizeImage = static_cast<DWORD>(nImage);
 
-    char *pBlock = static_cast<char *>(malloc(nHeaders + header.biSizeImage));
+    // One row brings the colours along; the others need no copy when they are as they should be.
+    const void *pRows = PlainRows(hDIB);
+    const DWORD nHeight = static_cast<DWORD>(labs(bm.bmHeight));
+    const DWORD nCopied = pRows && nHeight ? 1 : nHeight;
+    char *pBlock = static_cast<char *>(
+        malloc(nHeaders + (nHeight ? header.biSizeImage / nHeight : 0) * nCopied));
     if (!pBlock)
         return nullptr;
     BITMAPINFO *pInfo = reinterpret_cast<BITMAPINFO *>(pBlock);
     memset(pBlock, 0, nHeaders);
     pInfo->bmiHeader = header;
-    if (!GetDIBits(hScreen, hDIB, 0, static_cast<UINT>(labs(bm.bmHeight)), pBlock + nHeaders, pInfo,
-                   DIB_RGB_COLORS))
-    {
-        free(pBlock);
-        return nullptr;
-    }
-    return &pInfo->bmiHeader;
+    HBITMAP hBitmap = nullptr;
+    if (GetDIBits(hScreen, hDIB, 0, nCopied, pBlock + nHeaders, pInfo, DIB_RGB_COLORS))
+        hBitmap =
+            Convert(hScreen, &pInfo->bmiHeader, pRows ? pRows : pBlock + nHeaders, phPal, pMap);
+    free(pBlock);
+    return hBitmap;
 }
 
 HBITMAP LoadFileSection(const char *pszName, UINT nFlags)
@@ -116,33 +129,23 @@ bool IsName(const char *pszName)
     return reinterpret_cast<ULONG_PTR>(pszName) >> 16 != 0;
 }
 
-// The section is gone when the DDB is made: they would be the most memory that a load takes.
-BITMAPINFOHEADER *LoadDib(HDC hScreen, HINSTANCE hInst, const char *pszName)
-{
-    const bool bFile = !hInst && IsName(pszName);
-    const UINT nFlags = LR_CREATEDIBSECTION | LR_DEFAULTSIZE;
-    const CCUIOwned<HBITMAP> hDIB(bFile ? LoadFileSection(pszName, nFlags)
-                                        : LoadResourceSection(hInst, pszName, nFlags));
-    if (hDIB)
-        return SectionToDib(hScreen, hDIB);
-    if (bFile)
-        CUDump("Error loading bitmap %s.\n", pszName);
-    return nullptr;
-}
-
 }  // namespace
 
 HBITMAP CUIBmpLoad(HINSTANCE hInst, const char *pszName, HPALETTE *phPal, bool bMapColors,
                    DWORD *pFrom, DWORD *pTo, int nCount)
 {
-    const CCUIWindowDC hScreen(nullptr);
-    BITMAPINFOHEADER *pbih = LoadDib(hScreen, hInst, pszName);
-    if (!pbih)
+    const bool bFile = !hInst && IsName(pszName);
+    const UINT nFlags = LR_CREATEDIBSECTION | LR_DEFAULTSIZE;
+    const CCUIOwned<HBITMAP> hDIB(bFile ? LoadFileSection(pszName, nFlags)
+                                        : LoadResourceSection(hInst, pszName, nFlags));
+    if (!hDIB) {
+        if (bFile)
+            CUDump("Error loading bitmap %s.\n", pszName);
         return nullptr;
+    }
+    const CCUIWindowDC hScreen(nullptr);
     const CUIColorMap map = {pFrom, pTo, nCount};
-    const HBITMAP hBitmap = Convert(hScreen, pbih, true, phPal, bMapColors ? &map : nullptr);
-    free(pbih);
-    return hBitmap;
+    return ConvertSection(hScreen, hDIB, phPal, bMapColors ? &map : nullptr);
 }
 
 HBITMAP CUIBmpCreateBitmap(BITMAPINFOHEADER *pbih, HPALETTE *phPal, bool bMapColors, DWORD *pFrom,
@@ -152,5 +155,5 @@ HBITMAP CUIBmpCreateBitmap(BITMAPINFOHEADER *pbih, HPALETTE *phPal, bool bMapCol
         return nullptr;
     const CCUIWindowDC hScreen(nullptr);
     const CUIColorMap map = {pFrom, pTo, nCount};
-    return Convert(hScreen, pbih, false, phPal, bMapColors ? &map : nullptr);
+    return Convert(hScreen, pbih, nullptr, phPal, bMapColors ? &map : nullptr);
 }

@@ -117,7 +117,7 @@ private:
     int m_nSaved;
 };
 
-// A bitmap, brush, pen, font or palette that dies with the guard, unless it is detached.
+// A bitmap, brush, pen, font or palette that dies with the guard.
 template <typename Handle>
 class CCUIOwned : private CCUIGdiGuard
 {
@@ -125,16 +125,7 @@ public:
     explicit CCUIOwned(Handle hObject) : m_hObject(hObject) {}
     ~CCUIOwned() { DeleteObject(m_hObject); }
     operator Handle() const { return m_hObject; }
-    Handle Detach();
 
 private:
     Handle m_hObject;
 };
-
-template <typename Handle>
-Handle CCUIOwned<Handle>::Detach()
-{
-    const Handle hObject = m_hObject;
-    m_hObject = nullptr;
-    return hObject;
-}
