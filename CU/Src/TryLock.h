@@ -11,10 +11,11 @@ public:
         : m_nLock(nLock), m_bTaken(InterlockedExchange(&nLock, 1) == 0)
     {
     }
+    // A plain store gives it back, after all others: a locked one would double the cost.
     ~CCUTryLock()
     {
         if (m_bTaken)
-            InterlockedExchange(&m_nLock, 0);
+            __atomic_store_n(&m_nLock, 0, __ATOMIC_RELEASE);
     }
     CCUTryLock(const CCUTryLock &) = delete;
     CCUTryLock &operator=(const CCUTryLock &) = delete;
