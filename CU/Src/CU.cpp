@@ -4,6 +4,7 @@
 
 #include "KeepLastError.h"
 #include "LazyLock.h"
+#include "Shutdown.h"
 
 namespace {
 

@@ -3,6 +3,7 @@
 #include "CU/CU.h"
 #include "CU/ThreadExit.h"
 #include "LazyLock.h"
+#include "Shutdown.h"
 
 namespace {
 

@@ -11,6 +11,7 @@
 #include "CU/Timer.h"
 #include "KeepLastError.h"
 #include "LazyLock.h"
+#include "Shutdown.h"
 #include "ThreadEnd.h"
 
 #define CU_SOURCE "TimerTask"

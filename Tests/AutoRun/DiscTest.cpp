@@ -12,6 +12,8 @@
 
 #include "Resource.h"
 #include "Samples/DiscProgram.h"
+#include "Support/ProgramFile.h"
+#include "Support/StartedProgram.h"
 #include "Support/TemporaryDirectory.h"
 
 namespace {
@@ -22,42 +24,6 @@ std::string OnDisc(const std::string &name)
     GetFullPathNameA((AUTORUN_DISC "/" + name).c_str(), MAX_PATH, path, nullptr);
     return path;
 }
-
-// A program as the system maps it, without running it.
-class CProgramFile
-{
-public:
-    explicit CProgramFile(const std::string &path)
-        : m_hModule(LoadLibraryExA(path.c_str(), nullptr, DONT_RESOLVE_DLL_REFERENCES))
-    {
-    }
-    ~CProgramFile() { FreeLibrary(m_hModule); }
-    CProgramFile(const CProgramFile &) = delete;
-    CProgramFile &operator=(const CProgramFile &) = delete;
-
-    HMODULE Module() const { return m_hModule; }
-    const BYTE *At(DWORD nOffset) const
-    {
-        return reinterpret_cast<const BYTE *>(m_hModule) + nOffset;
-    }
-    const IMAGE_NT_HEADERS &Headers() const
-    {
-        const auto *pDos = reinterpret_cast<const IMAGE_DOS_HEADER *>(At(0));
-        return *reinterpret_cast<const IMAGE_NT_HEADERS *>(At(static_cast<DWORD>(pDos->e_lfanew)));
-    }
-    std::string Resource(int nID, const char *type) const
-    {
-        const HRSRC hResource = FindResourceA(m_hModule, MAKEINTRESOURCEA(nID), type);
-        if (!hResource)
-            return "";
-        return std::string(
-            static_cast<const char *>(LockResource(LoadResource(m_hModule, hResource))),
-            SizeofResource(m_hModule, hResource));
-    }
-
-private:
-    HMODULE m_hModule;
-};
 
 // The first section as it is in the file: the mapped one is changed by where it is mapped.
 std::string CodeIn(const char *path)
@@ -110,22 +76,6 @@ std::map<std::string, std::set<std::string>> AllowedImports()
     if (file)
         fclose(file);
     return allowed;
-}
-
-struct Search
-{
-    DWORD nProcess;
-    HWND hDialog;
-};
-
-BOOL CALLBACK FindDialog(HWND hWnd, LPARAM lParam)
-{
-    auto &search = *reinterpret_cast<Search *>(lParam);
-    DWORD nProcess = 0;
-    GetWindowThreadProcessId(hWnd, &nProcess);
-    if (nProcess == search.nProcess && IsWindowVisible(hWnd))
-        search.hDialog = hWnd;
-    return !search.hDialog;
 }
 
 }  // namespace
@@ -292,35 +242,21 @@ TEST(DiscProgram, SaysWhatItStandsForAndWhereItWasStartedFrom)
                                        {"RunFennick.exe", "Fennick from the disc"},
                                        {"tutorial.exe", "Learn to use Fennick"}};
     const CTemporaryDirectory folder;
-    for (const auto &program : programs) {
-        const std::string path = OnDisc(program[0]);
-        std::string command = "\"" + path + "\" of a kind";
-        STARTUPINFOA start = {};
-        start.cb = sizeof start;
-        PROCESS_INFORMATION process;
-        ASSERT_TRUE(CreateProcessA(nullptr, &command[0], nullptr, nullptr, FALSE, 0, nullptr,
-                                   folder.Path().c_str(), &start, &process))
-            << path;
-        // Shown when all is filled in.
-        Search search = {process.dwProcessId, nullptr};
-        while (!search.hDialog && WaitForSingleObject(process.hProcess, 20) == WAIT_TIMEOUT)
-            EnumWindows(FindDialog, reinterpret_cast<LPARAM>(&search));
-        const auto field = [&search](int nID) {
+    for (const auto &shown : programs) {
+        const std::string path = OnDisc(shown[0]);
+        const std::string command = "\"" + path + "\" of a kind";
+        const CStartedProgram program(command, folder.Path());
+        ASSERT_TRUE(program.Window()) << path;
+        const auto field = [&program](int nID) {
             char text[MAX_PATH] = "";
-            const HWND hField = nID ? GetDlgItem(search.hDialog, nID) : search.hDialog;
+            const HWND hField = nID ? GetDlgItem(program.Window(), nID) : program.Window();
             SendMessageA(hField, WM_GETTEXT, sizeof text, reinterpret_cast<LPARAM>(text));
             return std::string(text);
         };
-        EXPECT_EQ(field(0), program[1]);
+        EXPECT_EQ(field(0), shown[1]);
         EXPECT_EQ(Lower(field(IDC_MODULE)), Lower(path));
         EXPECT_EQ(Lower(field(IDC_DIRECTORY)), Lower(folder.Path()));
         EXPECT_EQ(field(IDC_COMMAND_LINE), command);
-        PostMessageA(search.hDialog, WM_COMMAND, IDOK, 0);
-        WaitForSingleObject(process.hProcess, INFINITE);
-        DWORD nExit = 1;
-        GetExitCodeProcess(process.hProcess, &nExit);
-        EXPECT_EQ(nExit, 0u);
-        CloseHandle(process.hThread);
-        CloseHandle(process.hProcess);
+        EXPECT_EQ(program.End(IDOK), 0u);
     }
 }

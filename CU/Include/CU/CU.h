@@ -12,8 +12,6 @@ CU_API unsigned long CUGetTime();
 // Tells the framework that the program ends: from now on no alarm is armed or killed. For good;
 // further calls do nothing.
 CU_API void CUShutdown();
-// Whether CUShutdown has been called.
-CU_API bool CUIsShutdown();
 
 // A window message of the framework's own, the same number for the same name in every process.
 // 0 when the system has no more numbers, or for an empty or null name.

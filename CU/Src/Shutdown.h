@@ -1,0 +1,4 @@
+#pragma once
+
+// Whether CUShutdown has been called.
+bool CUIsShutdown();

@@ -1,0 +1,55 @@
+#pragma once
+
+#include <string>
+
+#include "CU/Platform.h"
+
+// A program with a window, started as a process of its own.
+class CStartedProgram
+{
+public:
+    // Returns when the program shows a window, or has ended without.
+    explicit CStartedProgram(std::string commandLine, const std::string &folder = ".") : m_process()
+    {
+        STARTUPINFOA startup = {};
+        startup.cb = sizeof startup;
+        if (!CreateProcessA(nullptr, &commandLine[0], nullptr, nullptr, FALSE, 0, nullptr,
+                            folder.c_str(), &startup, &m_process))
+            return;
+        while (!m_hWnd && WaitForSingleObject(m_process.hProcess, 20) == WAIT_TIMEOUT)
+            EnumWindows(Find, reinterpret_cast<LPARAM>(this));
+    }
+    ~CStartedProgram()
+    {
+        CloseHandle(m_process.hThread);
+        CloseHandle(m_process.hProcess);
+    }
+    CStartedProgram(const CStartedProgram &) = delete;
+    CStartedProgram &operator=(const CStartedProgram &) = delete;
+
+    HANDLE Process() const { return m_process.hProcess; }
+    HWND Window() const { return m_hWnd; }
+    // Gives the command, waits for the end and returns the exit code.
+    DWORD End(WORD nCommand) const
+    {
+        PostMessageA(m_hWnd, WM_COMMAND, nCommand, 0);
+        WaitForSingleObject(m_process.hProcess, INFINITE);
+        DWORD nExit = 1;
+        GetExitCodeProcess(m_process.hProcess, &nExit);
+        return nExit;
+    }
+
+private:
+    static BOOL CALLBACK Find(HWND hWnd, LPARAM lParam)
+    {
+        auto &self = *reinterpret_cast<CStartedProgram *>(lParam);
+        DWORD nProcess = 0;
+        GetWindowThreadProcessId(hWnd, &nProcess);
+        if (nProcess == self.m_process.dwProcessId && IsWindowVisible(hWnd))
+            self.m_hWnd = hWnd;
+        return !self.m_hWnd;
+    }
+
+    PROCESS_INFORMATION m_process;
+    HWND m_hWnd = nullptr;
+};
