@@ -10,7 +10,9 @@
                                        writes what the linker takes: keep.rsp, export.def, import.def
 
 A free function that is not overloaded is exported under its plain name. The import library turns the
-decorated name, by which compilers call it, into the plain one, so that the name is there once.
+decorated name, by which compilers call it, into the plain one, so that the name is there once. So it
+does with the constructors and destructors for the base part of an object (C2, D2), which without
+virtual bases are those for whole objects (C1, D1).
 """
 
 import argparse
@@ -24,7 +26,7 @@ REFRESH = "Tools/refresh-exports"
 HEADING = f"""\
 ; What AutoRun.exe exports: all that the public headers mark. Written by {REFRESH}.
 ; A line is the exported name, where it is a plain one the symbol that it stands for, and behind it the
-; name as it is in the headers. Constructors and destructors come for whole objects and for base parts.
+; name as it is in the headers. Destructors are there once more where they free the object as well.
 """
 
 
@@ -75,10 +77,20 @@ def plain_names(shown):
     return {names[0]: plain for plain, names in functions.items() if len(names) == 1}
 
 
-def lines_of(names):
+def marked_in(files):
+    """Symbol to its kind, "data" or nothing."""
+    return dict(line.partition(",")[::2] for file in files for line in file.read_text().split())
+
+
+def base_parts(marked):
+    """Symbols for base parts, each to that for whole objects."""
+    whole = {name: re.sub(r"([CD])2(?=E)", r"\g<1>1", name) for name in marked}
+    return {name: other for name, other in whole.items() if other != name and other in marked}
+
+
+def lines_of(marked):
     """The lines of the list."""
-    marked = dict(line.partition(",")[::2] for file in names
-                  for line in file.read_text().split())
+    marked = {name: kind for name, kind in marked.items() if name not in base_parts(marked)}
     shown = dict(zip(marked, subprocess.run(
         [PREFIX + "c++filt", "--no-strip-underscore"], input="\n".join(marked), text=True,
         capture_output=True, check=True).stdout.splitlines()))
@@ -120,7 +132,8 @@ def main():
     if args.command == "take":
         take(args.file, args.names[0])
         return
-    lines = list(lines_of(args.names))
+    marked = marked_in(args.names)
+    lines = list(lines_of(marked))
     if args.command == "write":
         write_if_changed(args.file, HEADING + "".join(f"{line}\n" for line in lines))
         return
@@ -130,8 +143,9 @@ def main():
     # nobody calls.
     keep = [re.sub(r".* = | DATA$", "", line) for line in lines]
     (args.to / "keep.rsp").write_text("".join(f"-Wl,-u,_{symbol}\n" for symbol in keep))
-    for name, text in ("export", lines), ("import", [re.sub(r"(\S+) = (\S+)", r"\2 == \1", line)
-                                                    for line in lines]):
+    imports = [re.sub(r"(\S+) = (\S+)", r"\2 == \1", line) for line in lines]
+    imports += [f"{part} == {whole}" for part, whole in base_parts(marked).items()]
+    for name, text in ("export", lines), ("import", imports):
         (args.to / f"{name}.def").write_text("\n".join(["NAME AutoRun.exe", "EXPORTS", *text, ""]))
 
 

@@ -4,4 +4,6 @@ foreach(lang C CXX)
       "i686-w64-mingw32-g++-win32 <CMAKE_${lang}_LINK_FLAGS> <LINK_FLAGS> <OBJECTS> -o <TARGET> <LINK_LIBRARIES>")
   set(CMAKE_${lang}_CREATE_SHARED_LIBRARY
       "i686-w64-mingw32-g++-win32 -shared <LINK_FLAGS> <OBJECTS> -o <TARGET> -Wl,--out-implib,<TARGET_IMPLIB> <LINK_LIBRARIES>")
+  set(CMAKE_${lang}_CREATE_SHARED_MODULE
+      "i686-w64-mingw32-g++-win32 -shared <LINK_FLAGS> <OBJECTS> -o <TARGET> <LINK_LIBRARIES>")
 endforeach()
