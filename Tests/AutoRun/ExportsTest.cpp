@@ -44,8 +44,10 @@ std::string TextOf(const std::filesystem::path &path)
 std::map<std::string, int> MarkedInHeaders()
 {
     std::map<std::string, int> marked;
-    const std::regex declaration(R"(\n(?:extern )?CUI?_API [^;{]*?(\w+)(?: = [^;]*|\([^;{]*\)[^;{]*)?;)");
-    for (const char *folder : {AUTORUN_SOURCE "/CU/Include/CU", AUTORUN_SOURCE "/CUI/Include/CUI"}) {
+    const std::regex declaration(
+        R"(\n(?:extern )?CUI?_API [^;{]*?(\w+)(?: = [^;]*|\([^;{]*\)[^;{]*)?;)");
+    for (const char *folder : {AUTORUN_SOURCE "/CU/Include/CU", AUTORUN_SOURCE "/CUI/Include/CUI"})
+    {
         for (const auto &header : std::filesystem::directory_iterator(folder)) {
             const std::string text = "\n" + TextOf(header.path());
             for (std::sregex_iterator i(text.begin(), text.end(), declaration), end; i != end; ++i)
@@ -59,9 +61,10 @@ std::map<std::string, int> MarkedInHeaders()
 DWORD CallIn(HANDLE hProcess, const void *function, const void *argument)
 {
     DWORD nResult = 0;
-    const HANDLE hThread = CreateRemoteThread(
-        hProcess, nullptr, 0, reinterpret_cast<LPTHREAD_START_ROUTINE>(const_cast<void *>(function)),
-        const_cast<void *>(argument), 0, nullptr);
+    const HANDLE hThread =
+        CreateRemoteThread(hProcess, nullptr, 0,
+                           reinterpret_cast<LPTHREAD_START_ROUTINE>(const_cast<void *>(function)),
+                           const_cast<void *>(argument), 0, nullptr);
     const HANDLE ends[] = {hThread, hProcess};
     if (WaitForMultipleObjects(2, ends, FALSE, INFINITE) == WAIT_OBJECT_0)
         GetExitCodeThread(hThread, &nResult);
@@ -74,8 +77,7 @@ DWORD CallIn(HANDLE hProcess, const void *function, const void *argument)
 // The module's base in the other process, or 0.
 DWORD LoadIn(HANDLE hProcess, const std::string &path)
 {
-    void *pPath =
-        VirtualAllocEx(hProcess, nullptr, path.size() + 1, MEM_COMMIT, PAGE_READWRITE);
+    void *pPath = VirtualAllocEx(hProcess, nullptr, path.size() + 1, MEM_COMMIT, PAGE_READWRITE);
     WriteProcessMemory(hProcess, pPath, path.c_str(), path.size() + 1, nullptr);
     const auto load = GetProcAddress(GetModuleHandleA("kernel32"), "LoadLibraryA");
     return CallIn(hProcess, reinterpret_cast<const void *>(load), pPath);
@@ -133,9 +135,9 @@ TEST(Exports, ServeAModuleInTheLaunchersProcess)
         const DWORD nBase = LoadIn(launcher.Process(), path);
         if (nBase) {
             const DWORD nRun = nBase + static_cast<DWORD>(pRun - file.At(0));
-            EXPECT_EQ(CallIn(launcher.Process(), reinterpret_cast<const void *>(nRun),
-                             launcher.Window()),
-                      0u)
+            EXPECT_EQ(
+                CallIn(launcher.Process(), reinterpret_cast<const void *>(nRun), launcher.Window()),
+                0u)
                 << "the line of " << path << " that failed, or how the process ended";
         } else {
             // The system refuses it; Wine does not, as long as nobody calls what is not there.

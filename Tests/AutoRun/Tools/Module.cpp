@@ -202,8 +202,8 @@ extern "C" BOOL WINAPI DllMain(HINSTANCE hModule, DWORD, void *)
 extern "C" __declspec(dllexport) DWORD WINAPI Run(void *hLauncher)
 {
     const auto hWnd = static_cast<HWND>(hLauncher);
-    const HHOOK hHook = SetWindowsHookExA(WH_CALLWNDPROC, OnCall, nullptr,
-                                          GetWindowThreadProcessId(hWnd, nullptr));
+    const HHOOK hHook =
+        SetWindowsHookExA(WH_CALLWNDPROC, OnCall, nullptr, GetWindowThreadProcessId(hWnd, nullptr));
     SendMessageA(hWnd, WM_APP, 0, 0);
     UnhookWindowsHookEx(hHook);
 #ifdef MODULE_OF_ANOTHER_VERSION
