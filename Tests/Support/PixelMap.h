@@ -160,8 +160,8 @@ inline std::vector<DWORD> DCState(HDC hDC)
                                  static_cast<DWORD>(GetROP2(hDC)),
                                  static_cast<DWORD>(GetStretchBltMode(hDC)),
                                  GetTextAlign(hDC)};
-    for (const UINT nType : {OBJ_BITMAP, OBJ_BRUSH, OBJ_PEN, OBJ_FONT, OBJ_PAL})
-        values.push_back(reinterpret_cast<DWORD>(GetCurrentObject(hDC, nType)));
+    for (const int nType : {OBJ_BITMAP, OBJ_BRUSH, OBJ_PEN, OBJ_FONT, OBJ_PAL})
+        values.push_back(reinterpret_cast<DWORD>(GetCurrentObject(hDC, static_cast<UINT>(nType))));
     return values;
 }
 
