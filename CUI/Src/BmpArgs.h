@@ -16,7 +16,7 @@ inline int CUIBmpInt(UINT n)
 inline void CUIBmpDefaultSize(HBITMAP hBmp, UINT &cx, UINT &cy)
 {
     BITMAP bm;
-    if ((cx != 0 && cy != 0) || GetObjectA(hBmp, sizeof bm, &bm) == 0)
+    if ((cx != 0 && cy != 0) || GetObjectA(hBmp, sizeof bm, &bm) != sizeof bm)
         return;
     cx = static_cast<UINT>(bm.bmWidth);
     cy = static_cast<UINT>(bm.bmHeight);

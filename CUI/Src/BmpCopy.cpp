@@ -28,7 +28,7 @@ DWORD HeaderSize(const BITMAPINFOHEADER &header)
 BITMAPINFOHEADER *ToDib(HDC hDC, HBITMAP hbm, DWORD &dwHeaderSize)
 {
     BITMAP bm;
-    if (!GetObjectA(hbm, sizeof bm, &bm))
+    if (GetObjectA(hbm, sizeof bm, &bm) != sizeof bm)
         return nullptr;
     CDibHeader filled = {};
     BITMAPINFOHEADER &header = filled.m_info.bmiHeader;

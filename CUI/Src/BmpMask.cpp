@@ -95,7 +95,7 @@ int CUIBmpTransparentCreate(HBITMAP hBmp, HBITMAP *phResult, HDC hDC, DWORD crFi
 {
     *phResult = nullptr;
     BITMAP bm;
-    if (GetObjectA(hBmp, sizeof bm, &bm) == 0)
+    if (GetObjectA(hBmp, sizeof bm, &bm) != sizeof bm)
         return TRUE;
     const int cx = bm.bmWidth;
     const int cy = bm.bmHeight;

@@ -186,9 +186,12 @@ TEST(BmpBlt, MakesMasksAndBakesABitmapOntoAColour)
             CUIBmpDeleteObject(&made[i]);
         }
     }
-    HBITMAP hResult = reinterpret_cast<HBITMAP>(1);
-    EXPECT_EQ(TRUE, CUIBmpTransparentCreate(nullptr, &hResult, nullptr, KEY));
-    EXPECT_EQ(nullptr, hResult);
+    for (const HGDIOBJ hNone : {HGDIOBJ(nullptr), GetStockObject(WHITE_BRUSH)}) {
+        HBITMAP hResult = reinterpret_cast<HBITMAP>(1);
+        EXPECT_EQ(TRUE,
+                  CUIBmpTransparentCreate(static_cast<HBITMAP>(hNone), &hResult, nullptr, KEY));
+        EXPECT_EQ(nullptr, hResult);
+    }
     EXPECT_EQ(nullptr, CUIBmpMakeMask(nullptr, 0, 0, nullptr, KEY));
 }
 

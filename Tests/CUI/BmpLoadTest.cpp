@@ -151,7 +151,8 @@ TEST_F(BmpLoad, GivesThePictureThatTheBytesShow)
     }
     EXPECT_EQ("", m_trace.m_text);
     DWORD dwHeaderSize = 0;
-    EXPECT_FALSE(CUIBitmapToDib(nullptr, nullptr, dwHeaderSize));
+    for (const HGDIOBJ hNone : {HGDIOBJ(nullptr), GetStockObject(WHITE_BRUSH)})
+        EXPECT_FALSE(CUIBitmapToDib(static_cast<HBITMAP>(hNone), nullptr, dwHeaderSize));
 }
 
 TEST_F(BmpLoad, OfFilesWithoutAllRowsShowsWhatThereIs)
