@@ -40,6 +40,23 @@ WNDPROC GetProcedure(HWND hWnd)
     return reinterpret_cast<WNDPROC>(GetWindowLongA(hWnd, GWL_WNDPROC));
 }
 
+struct CSending
+{
+    UINT message;
+    WPARAM wParam;
+    LPARAM lParam;
+    int *pnSent;
+};
+
+BOOL CALLBACK SendToDescendant(HWND hWnd, LPARAM lParam)
+{
+    const auto &sending = *reinterpret_cast<const CSending *>(lParam);
+    SendMessageA(hWnd, sending.message, sending.wParam, sending.lParam);
+    if (sending.pnSent)
+        ++*sending.pnSent;
+    return TRUE;
+}
+
 WNDPROC SetProcedure(HWND hWnd, WNDPROC pProc)
 {
     return reinterpret_cast<WNDPROC>(
@@ -307,16 +324,8 @@ int CCUIWindow::SendMessageToDescendants(HWND hWnd, UINT message, WPARAM wParam,
 {
     if (!IsWindow(hWnd))
         return 0;
-    HWND hNext = nullptr;
-    for (HWND hChild = GetWindow(hWnd, GW_CHILD); hChild; hChild = hNext) {
-        hNext = GetWindow(hChild, GW_HWNDNEXT);
-        SendMessageA(hChild, message, wParam, lParam);
-        if (pnSent)
-            ++*pnSent;
-        SendMessageToDescendants(hChild, message, wParam, lParam, pnSent);
-        // The message may have ended the child, or changed who comes after it.
-        if (IsWindow(hChild))
-            hNext = GetWindow(hChild, GW_HWNDNEXT);
-    }
+    // The system's own list: a walk from sibling to sibling has no end when they change places.
+    const CSending sending = {message, wParam, lParam, pnSent};
+    EnumChildWindows(hWnd, SendToDescendant, reinterpret_cast<LPARAM>(&sending));
     return 1;
 }

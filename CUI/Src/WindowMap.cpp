@@ -42,8 +42,9 @@ class CLock
 public:
     CLock()
     {
-        while (s_nLock.exchange(1, std::memory_order_acquire))
-            Sleep(0);
+        // Sleep(0) lets nobody of a lower priority run, and that may be who has it.
+        for (int i = 0; s_nLock.exchange(1, std::memory_order_acquire); ++i)
+            Sleep(i < 100 ? 0 : 1);
     }
     ~CLock() { s_nLock.store(0, std::memory_order_release); }
     CLock(const CLock &) = delete;

@@ -157,7 +157,7 @@ TEST(DialogTemplate, AnswersForWhatIsThereOfACutOrWrongOne)
     for (const CFields &fields : FIELDS) {
         const CWords words(fields);
         for (size_t nSize = 0; nSize <= words.nAll; ++nSize) {
-            CGuardedBuffer buffer(nSize);
+            CGuardedBuffer buffer((nSize + 1) / 2 * 2);  // resources lie on whole words
             memcpy(buffer.Data(), words.words.data(), nSize);
             const CCUIDialogTemplate dialogTemplate = Use(buffer.Data(), nSize);
             SIZE size;

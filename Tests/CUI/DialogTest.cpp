@@ -43,7 +43,7 @@ public:
     using CCUIDialog::OnOK;
 
 protected:
-    static const UINT s_nGo = WM_APP + 7;
+    static constexpr UINT s_nGo = WM_APP + 7;
 
     int OnInitDialog(HWND hFocus, LPARAM lParam) override
     {

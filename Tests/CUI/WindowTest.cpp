@@ -405,14 +405,16 @@ TEST(Window, NamesOwnersAndTopLevelsForDialogs)
 
 TEST(Window, SendsToAllDescendantsAndTranslatesItsAccelerators)
 {
-    CTestWindow frame, child(frame, WS_CHILD), sister(frame, WS_CHILD);
+    // One dies of it, two change places.
+    CTestWindow frame, child(frame, WS_CHILD), sister(frame, WS_CHILD), last(frame, WS_CHILD);
     std::string seen;
     child.m_on[WM_APP] = [&] { return seen += "c", child.Destroy(); };
-    sister.m_on[WM_APP] = [&] { return seen += "s", 0; };
+    for (CTestWindow *pWindow : {&sister, &last})
+        pWindow->m_on[WM_APP] = [&, pWindow] { return seen += "s", BringWindowToTop(*pWindow); };
     int nSent = 0;
     EXPECT_EQ(1, CCUIWindow::SendMessageToDescendants(frame, WM_APP, 0, 0, &nSent));
-    EXPECT_EQ(2, nSent);
-    EXPECT_EQ("cs", seen);
+    EXPECT_EQ(3, nSent);
+    EXPECT_EQ("css", seen);
     EXPECT_EQ(0, CCUIWindow::SendMessageToDescendants(nullptr, WM_APP, 0, 0, nullptr));
 
     ACCEL accelerator = {FVIRTKEY, VK_F5, 1234};
