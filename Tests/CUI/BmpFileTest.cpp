@@ -43,11 +43,9 @@ TEST(BmpFile, ThatIsNoneOrClaimsTooMuchIsRefused)
     // Where 32 bits are changed, and to what: pixel offset, header size, width, height, depth,
     // number of colours.
     const std::pair<size_t, DWORD> lies[] = {{10, 0xFFFFFFF0}, {10, bmp.m_file.bfOffBits + 9},
-                                             {14, 12},         {14, 124},
-                                             {18, ~4U},        {18, 0x7FFFFFFF},
-                                             {18, 1U << 30},   {22, 1U << 31},
-                                             {22, 1U << 30},   {26, 0xFFFF0001},
-                                             {46, ~0U},        {46, (1U << 30) + 1}};
+                                             {14, 124},        {18, ~4U},
+                                             {18, 0x7FFFFFFF}, {22, 1U << 31},
+                                             {22, 1U << 30},   {46, (1U << 30) + 1}};
     std::vector<BYTE> wrong;
     for (const auto &lie : lies) {
         SCOPED_TRACE(&lie - lies);

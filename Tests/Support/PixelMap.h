@@ -21,13 +21,6 @@ struct CPixelMap
         if (Has(x, y))
             pixels[static_cast<size_t>(y * cx + x)] = cr;
     }
-    // Reversed edges are taken in order.
-    void Fill(int left, int top, int right, int bottom, COLORREF cr)
-    {
-        for (int y = top < bottom ? top : bottom; y < (top < bottom ? bottom : top); ++y)
-            for (int x = left < right ? left : right; x < (left < right ? right : left); ++x)
-                Set(x, y, cr);
-    }
     bool operator==(const CPixelMap &other) const
     {
         return cx == other.cx && cy == other.cy && pixels == other.pixels;
