@@ -162,15 +162,22 @@ TEST(Window, IsNotTakenInByAHandleThatComesBack)
     const auto pDead = reinterpret_cast<WNDPROC>(1);
     const HWND hEdit = MakeEdit();
     CScripted<> window;
+    window.m_on[WM_APP] = [] { return 5; };
     CUIWindowMapSet(hEdit, {nullptr, pDead});
     window.Attach(hEdit);
+    EXPECT_EQ(5, SendMessageA(hEdit, WM_APP, 0, 0));
     EXPECT_EQ("text", WindowText(hEdit));
-    EXPECT_TRUE(IsBound(hEdit, &window));
     window.Detach();
+    // The other window has neither our property nor our procedure.
+    const WNDPROC pEditProc = reinterpret_cast<WNDPROC>(GetWindowLongA(hEdit, GWL_WNDPROC));
     window.Attach(hEdit);
-    SetPropA(hEdit, PropertyName().c_str(), nullptr);  // as the other window has none
+    SetPropA(hEdit, PropertyName().c_str(), nullptr);
+    SetProcedure(hEdit, pEditProc);
     EXPECT_EQ(hEdit, window.Detach());
     EXPECT_TRUE(IsBound(hEdit, nullptr));
+    window.Attach(hEdit);
+    EXPECT_EQ(5, SendMessageA(hEdit, WM_APP, 0, 0));
+    window.Detach();
     {
         CScripted<> dying;
         dying.Attach(hEdit);
