@@ -13,8 +13,7 @@ FILETIME s_now;
 LARGE_INTEGER s_counter;
 SYSTEMTIME s_set;
 BOOL s_bSettable;
-DWORD s_dwAdjustment;
-DWORD s_dwBroadcast;
+DWORD s_dwAdjustment, s_dwBroadcast;
 
 FILETIME ToFileTime(double seconds)
 {
@@ -22,41 +21,37 @@ FILETIME ToFileTime(double seconds)
     return {static_cast<DWORD>(nTicks), static_cast<DWORD>(nTicks >> 32)};
 }
 
-void WINAPI FakeNow(FILETIME *time)
+// In the places of the system's calls.
+struct CFake
 {
-    *time = s_now;
-}
-
-BOOL WINAPI FakeCounter(LARGE_INTEGER *counter)
-{
-    *counter = s_counter;
-    return TRUE;
-}
-
-BOOL WINAPI FakeSetTime(const SYSTEMTIME *time)
-{
-    s_set = *time;
-    return s_bSettable;
-}
-
-BOOL WINAPI FakeSendNotify(HWND hWnd, UINT message, WPARAM wParam, LPARAM lParam)
-{
-    s_dwBroadcast = hWnd == HWND_BROADCAST && !wParam && !lParam ? message : 0;
-    return TRUE;
-}
-
-BOOL WINAPI FakeSetAdjustment(DWORD dwAdjustment, BOOL bDisabled)
-{
-    s_dwAdjustment = bDisabled ? 0 : dwAdjustment;
-    return FALSE;
-}
-
-// The reading call is missing, as on Windows 95.
-FARPROC WINAPI FakeGetProcAddress(HMODULE, LPCSTR name)
-{
-    const bool bSet = strcmp(name, "SetSystemTimeAdjustment") == 0;
-    return bSet ? reinterpret_cast<FARPROC>(FakeSetAdjustment) : nullptr;
-}
+    static void WINAPI Now(FILETIME *time) { *time = s_now; }
+    static BOOL WINAPI Counter(LARGE_INTEGER *counter)
+    {
+        *counter = s_counter;
+        return TRUE;
+    }
+    static BOOL WINAPI SetTime(const SYSTEMTIME *time)
+    {
+        s_set = *time;
+        return s_bSettable;
+    }
+    static BOOL WINAPI SendNotify(HWND hWnd, UINT message, WPARAM wParam, LPARAM lParam)
+    {
+        s_dwBroadcast = hWnd == HWND_BROADCAST && !wParam && !lParam ? message : 0;
+        return TRUE;
+    }
+    static BOOL WINAPI SetAdjustment(DWORD dwAdjustment, BOOL bDisabled)
+    {
+        s_dwAdjustment = bDisabled ? 0 : dwAdjustment;
+        return FALSE;
+    }
+    // The reading call is missing, as on Windows 95.
+    static FARPROC WINAPI GetFunction(HMODULE, LPCSTR name)
+    {
+        const bool bSet = strcmp(name, "SetSystemTimeAdjustment") == 0;
+        return bSet ? reinterpret_cast<FARPROC>(SetAdjustment) : nullptr;
+    }
+};
 
 }  // namespace
 
@@ -64,9 +59,9 @@ TEST(Clock, DoubleTimeFillsInBetweenTicks)
 {
     EXPECT_EQ(1.5, CUFileTimeToSeconds(ToFileTime(1.5)));
     EXPECT_EQ(-11644473600.0, CUFileTimeToSeconds(FILETIME()));
-    const CImportHook now("GetSystemTimeAsFileTime", FakeNow);
-    const CImportHook counter("QueryPerformanceCounter", FakeCounter);
-    const CImportHook functions("GetProcAddress", FakeGetProcAddress);
+    const CImportHook now("GetSystemTimeAsFileTime", CFake::Now);
+    const CImportHook counter("QueryPerformanceCounter", CFake::Counter);
+    const CImportHook functions("GetProcAddress", CFake::GetFunction);
     // A tick is 55 ms. Time goes on with the counter while the clock stands still, never past the
     // end of the tick or behind the clock, and follows when the clock is set.
     const double steps[][3] = {{1000, 5, 1000},
@@ -96,9 +91,9 @@ TEST(Clock, AdjustmentNeedsThePrivilegeAndTheClockOnlyTries)
     ASSERT_TRUE(GetSystemTimeAdjustment(&dwAdjustment, &dwIncrement, &bDisabled));
     EXPECT_TRUE(CUGetSystemTimeAdjustment(increment, adjustment));
     EXPECT_TRUE(increment == dwIncrement && adjustment == dwAdjustment);
-    const CImportHook functions("GetProcAddress", FakeGetProcAddress);
-    const CImportHook setTime("SetSystemTime", FakeSetTime);
-    const CImportHook notify("SendNotifyMessageA", FakeSendNotify);
+    const CImportHook functions("GetProcAddress", CFake::GetFunction);
+    const CImportHook setTime("SetSystemTime", CFake::SetTime);
+    const CImportHook notify("SendNotifyMessageA", CFake::SendNotify);
     EXPECT_FALSE(CUGetSystemTimeAdjustment(increment, adjustment));
     EXPECT_TRUE(increment == dwIncrement && adjustment == dwAdjustment);
     s_bSettable = TRUE;
@@ -142,8 +137,8 @@ TEST(Version, IsTheSystemsAnswer)
     ASSERT_TRUE(GetVersionExA(&expected));
     const CCUVersionInfo version;
     EXPECT_TRUE(version.IsWinNT() && !version.IsWin95() && !version.IsWin32());
-    EXPECT_EQ(MAKELONG(expected.dwMinorVersion, expected.dwMajorVersion),
-              MAKELONG(version.GetMinor(), version.GetMajor()));
-    EXPECT_EQ(expected.dwBuildNumber, static_cast<DWORD>(version.GetBuildNumber()));
+    EXPECT_TRUE(version.GetMajor() == static_cast<int>(expected.dwMajorVersion) &&
+                version.GetMinor() == static_cast<int>(expected.dwMinorVersion) &&
+                version.GetBuildNumber() == static_cast<int>(expected.dwBuildNumber));
     EXPECT_STREQ(expected.szCSDVersion, version.GetVerString());
 }

@@ -8,29 +8,23 @@ TEST(DebugSwitch, IsFoundByNameAndSetByTheUserOrTheProgram)
     {
         const char *setting;
         long value;
-    } cases[] = {
-        {nullptr, 0},
-        {"", 0},
-        {"Level=3", 3},
-        {" level = -0x10 ;Other=1", -16},
-        {"Level", 1},
-        {"Other=1;\\Debug\\Test\\Level=7", 7},
-        {"\\debug\\test\\LEVEL", 1},
-        {";;Level=5;", 5},
-        {"Level=1;Level=2", 2},
-        {"Level=010", 10},
-        {"Level=99999999999", 0x7FFFFFFF},
-        {"Level=", 0},
-        {"Level=x", 0},
-        {"Level=5x", 0},
-        {"Level=0x", 0},
-        {"Levels=5", 0},
-        {"\\Debug\\Level=5", 0},
-        {"\\Debug\\Test\\", 0},
-        {"\\Debug\\Test", 0},
-        {"=", 0},
-        {"\\", 0},
-    };
+    } cases[] = {{nullptr, 0},
+                 {"Level=3", 3},
+                 {" level = -0x10 ;Other=1", -16},
+                 {"Level", 1},
+                 {"Other=1;\\Debug\\Test\\Level=7", 7},
+                 {"\\debug\\test\\LEVEL", 1},
+                 {";;Level=1;Level=2;", 2},
+                 {"Level=010", 10},
+                 {"Level=99999999999", 0x7FFFFFFF},
+                 {"Level=", 0},
+                 {"Level=5x", 0},
+                 {"Level=0x", 0},
+                 {"Levels=5", 0},
+                 {"\\Debug\\Level=5", 0},
+                 {"\\Debug\\Test\\", 0},
+                 {"\\Debug\\Test", 0},
+                 {"=", 0}};
     for (const auto &test : cases) {
         SetEnvironmentVariableA("CU_DEBUG", test.setting);
         CCUDebugSwitch level("\\Debug\\Test", "Level"), set("\\Debug\\Test", "Set");

@@ -3,8 +3,10 @@
 #include <stdlib.h>
 
 #include <algorithm>
+#include <functional>
 #include <sstream>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "CU/Dump.h"
@@ -28,8 +30,8 @@ class CCallback : public CCUDumpCallback
 {
 public:
     explicit CCallback(
-        const char *name, void (*act)() = [] {})
-        : m_name(name), m_act(act)
+        const char *name, std::function<void()> act = [] {})
+        : m_name(name), m_act(std::move(act))
     {
     }
     void OnDump(const CCUString &sText) override
@@ -40,23 +42,37 @@ public:
 
 private:
     std::string m_name;
-    void (*m_act)();
+    std::function<void()> m_act;
 };
 
 CCallback s_first("first:"), s_last("last:");
 
-// The lines of all log files that are not the header's, sorted.
-std::vector<std::string> LoggedLines(const CTemporaryDirectory &directory)
+typedef std::vector<std::string> CTexts;
+
+class Dump : public testing::Test
 {
-    std::vector<std::string> lines;
-    std::istringstream text(directory.Contents("ZELLog-*"));
-    for (std::string line; std::getline(text, line);) {
-        if (line.compare(0, 6, "**TZ**") != 0 && line.compare(0, 8, "Seconds ") != 0)
-            lines.push_back(line);
+protected:
+    static void ExpectEvents(const CTexts &events)
+    {
+        EXPECT_EQ(events, s_events);
+        s_events.clear();
     }
-    std::sort(lines.begin(), lines.end());
-    return lines;
-}
+    // The lines of all log files that are not the header's, sorted.
+    CTexts LoggedLines() const
+    {
+        CTexts lines;
+        std::istringstream text(m_directory.Contents("ZELLog-*"));
+        for (std::string line; std::getline(text, line);) {
+            if (line.compare(0, 6, "**TZ**") != 0 && line.compare(0, 8, "Seconds ") != 0)
+                lines.push_back(line);
+        }
+        std::sort(lines.begin(), lines.end());
+        return lines;
+    }
+
+    const CTemporaryDirectory m_directory;
+    const CImportHook m_debugger{"OutputDebugStringA", Debugger};
+};
 
 const int LinesOfThread = 150;
 
@@ -99,33 +115,26 @@ __attribute__((section(".CRT$XCU"),
 
 static const struct CDumpAtTheEnds
 {
-    CDumpAtTheEnds() : m_bWanted(getenv("TEST_DUMP_AT_THE_ENDS") != nullptr)
+    CDumpAtTheEnds() { Say("constructor\n"); }
+    ~CDumpAtTheEnds() { Say("destructor\n"); }
+    static void Say(const char *text)
     {
-        if (m_bWanted)
-            CUDump("constructor\n");
+        if (getenv("TEST_DUMP_AT_THE_ENDS"))
+            CUDump("%s", text);
     }
-    ~CDumpAtTheEnds()
-    {
-        if (m_bWanted)
-            CUDump("destructor\n");
-    }
-    const bool m_bWanted;
 } s_dumpAtTheEnds;
 
-TEST(Dump, BringsATextToEveryOutputInOrder)
+TEST_F(Dump, BringsATextToEveryOutputInOrder)
 {
-    const CTemporaryDirectory directory;
-    const CImportHook debugger("OutputDebugStringA", Debugger);
     const HWND hWnd =
         CreateWindowA("STATIC", "", 0, 0, 0, 0, 0, nullptr, nullptr, nullptr, nullptr);
     CUDumpRegisterWindow(hWnd, WM_APP);
     CUDumpRegisterWindow(nullptr, WM_APP);
     CUDumpRegisterWindow(reinterpret_cast<HWND>(0x7777), WM_APP);
     CUDumpRegisterWindow(hWnd, WM_APP + 1);
-    static const CTemporaryDirectory *s_pDirectory = &directory;
-    CCallback middle("middle:", [] {
-        MSG msg;
-        s_events.push_back("log has it: " + LoggedLines(*s_pDirectory).at(0));
+    MSG msg;
+    CCallback middle("middle:", [&] {
+        s_events.push_back("log has it: " + LoggedLines().at(0));
         for (const unsigned int uMessage : {0u + WM_APP, 1u + WM_APP}) {
             ASSERT_TRUE(PeekMessageA(&msg, nullptr, uMessage, uMessage, PM_REMOVE));
             const CCUString *pText = reinterpret_cast<const CCUString *>(msg.lParam);
@@ -134,17 +143,13 @@ TEST(Dump, BringsATextToEveryOutputInOrder)
             delete pText;
         }
     });
-    CUDumpRegister(&s_first);
-    CUDumpRegister(&middle);
-    CUDumpRegister(&s_last);
+    for (CCallback *pCallback : {&s_first, &middle, &s_last})
+        CUDumpRegister(pCallback);
     SetLastError(1234);
     CUDump("%s %d\n", "seven", 7);
     EXPECT_EQ(1234u, GetLastError());
-    EXPECT_EQ((std::vector<std::string>{
-                  "first:seven 7\n", "middle:seven 7\n", "log has it: seven 7\r",
-                  "window:seven 7\n", "window:seven 7\n", "last:seven 7\n", "debugger:seven 7\n"}),
-              s_events);
-    s_events.clear();
+    ExpectEvents({"first:seven 7\n", "middle:seven 7\n", "log has it: seven 7\r",
+                  "window:seven 7\n", "window:seven 7\n", "last:seven 7\n", "debugger:seven 7\n"});
     CUDumpUnRegisterWindow(hWnd, WM_APP);
     CUDumpUnRegisterWindow(hWnd, WM_APP + 1);
     CUDumpUnRegister(&middle);
@@ -152,63 +157,49 @@ TEST(Dump, BringsATextToEveryOutputInOrder)
     CUDumpString("a\0b", 3);
     CUDumpString("abc", 0);
     CUDumpString(nullptr, 5);
-    EXPECT_EQ((std::vector<std::string>{
-                  std::string("first:a\0b", 9), std::string("last:a\0b", 8), "debugger:a",
-                  "first:", "last:", "debugger:", "first:", "last:", "debugger:"}),
-              s_events);
-    MSG msg;
+    ExpectEvents({std::string("first:a\0b", 9), std::string("last:a\0b", 8), "debugger:a",
+                  "first:", "last:", "debugger:", "first:", "last:", "debugger:"});
     EXPECT_FALSE(PeekMessageA(&msg, nullptr, WM_APP, WM_APP + 1, PM_NOREMOVE));
     CUDumpRegister(nullptr);
-    EXPECT_NE(std::string::npos,
-              directory.Contents("ZELTrace-*").find("Assert:pCallback != NULL  File:Dump  Line:"));
+    EXPECT_NE(
+        std::string::npos,
+        m_directory.Contents("ZELTrace-*").find("Assert:pCallback != NULL  File:Dump  Line:"));
     DestroyWindow(hWnd);
 }
 
-TEST(Dump, CutsWhatDoesNotFitIntoItsBuffer)
+TEST_F(Dump, CutsWhatDoesNotFitIntoItsBuffer)
 {
-    const CTemporaryDirectory directory;
-    const CImportHook debugger("OutputDebugStringA", Debugger);
     for (const size_t nLength : {2046u, 2047u, 2048u, 100000u}) {
-        s_events.clear();
         CUDump("%s", std::string(nLength, 'y').c_str());
-        ASSERT_EQ(1u, s_events.size());
-        EXPECT_EQ("debugger:" + std::string(std::min<size_t>(nLength, 2047), 'y'), s_events[0]);
+        ExpectEvents({"debugger:" + std::string(std::min<size_t>(nLength, 2047), 'y')});
         EXPECT_EQ(nLength > 2047,
-                  directory.Contents("ZELTrace-*").find("nLength < DumpBufferSize  File:Dump") !=
+                  m_directory.Contents("ZELTrace-*").find("nLength < DumpBufferSize  File:Dump") !=
                       std::string::npos);
     }
-    s_events.clear();
     CUDumpString(std::string(100000, 'z').c_str(), -1);
-    EXPECT_EQ(9 + 100000u, s_events.at(0).size());
+    ExpectEvents({"debugger:" + std::string(100000, 'z')});
 }
 
-TEST(Dump, CallbacksMayDumpComeAndGoWhileCalled)
+TEST_F(Dump, CallbacksMayDumpComeAndGoWhileCalled)
 {
-    const CTemporaryDirectory directory;
-    const CImportHook debugger("OutputDebugStringA", Debugger);
     static CCallback s_inner("inner:", [] {
         CUDump("nested");
         CUDumpUnRegister(&s_first);
         CUDumpUnRegister(&s_inner);
         CUDumpRegister(&s_first);
     });
-    CUDumpRegister(&s_first);
-    CUDumpRegister(&s_inner);
-    CUDumpRegister(&s_last);
+    for (CCallback *pCallback : {&s_first, &s_inner, &s_last})
+        CUDumpRegister(pCallback);
     CUDump("a");
-    EXPECT_EQ(
-        (std::vector<std::string>{"first:a", "inner:a", "debugger:nested", "last:a", "debugger:a"}),
-        s_events);
-    s_events.clear();
+    ExpectEvents({"first:a", "inner:a", "debugger:nested", "last:a", "debugger:a"});
     CUDump("b");
-    EXPECT_EQ((std::vector<std::string>{"last:b", "first:b", "debugger:b"}), s_events);
-    EXPECT_EQ(std::vector<std::string>{"ab"}, LoggedLines(directory));
+    ExpectEvents({"last:b", "first:b", "debugger:b"});
+    EXPECT_EQ(CTexts{"ab"}, LoggedLines());
 }
 
-TEST(Dump, ManyProcessesAndThreadsLoseAndTearNoLine)
+TEST_F(Dump, ManyProcessesAndThreadsLoseAndTearNoLine)
 {
-    const CTemporaryDirectory directory;
-    std::vector<std::string> expected;
+    CTexts expected;
     {
         const CChildProcess processes[] = {
             CChildProcess("ManyThreads"), CChildProcess("ManyThreads"),
@@ -221,15 +212,14 @@ TEST(Dump, ManyProcessesAndThreadsLoseAndTearNoLine)
         }
     }
     std::sort(expected.begin(), expected.end());
-    EXPECT_EQ(4u, directory.Files("ZELLog-*").size());
-    EXPECT_TRUE(expected == LoggedLines(directory));
+    EXPECT_EQ(4u, m_directory.Files("ZELLog-*").size());
+    EXPECT_TRUE(expected == LoggedLines());
 }
 
-TEST(Dump, WorksFromTheFirstConstructorToTheLastDestructor)
+TEST_F(Dump, WorksFromTheFirstConstructorToTheLastDestructor)
 {
-    const CTemporaryDirectory directory;
     SetEnvironmentVariableA("TEST_DUMP_AT_THE_ENDS", "1");
     SetEnvironmentVariableA("GTEST_FILTER", "-*");
     EXPECT_EQ(0u, CChildProcess("").ExitCode());
-    EXPECT_EQ((std::vector<std::string>{"constructor\r", "destructor\r"}), LoggedLines(directory));
+    EXPECT_EQ((CTexts{"constructor\r", "destructor\r"}), LoggedLines());
 }

@@ -9,6 +9,7 @@
 
 #include "CU/String.h"
 #include "Support/Fuzz.h"
+#include "Support/GuardedBuffer.h"
 #include "Support/HeapWatch.h"
 #include "Support/Reports.h"
 
@@ -42,21 +43,21 @@ TEST(Format, ReservesWhatTheFormatLetsExpect)
 {
     CReports reports;
     Expect(Formatted("plain 100%%"), 10, "plain 100%");
-    Expect(Formatted("%.3s", "abcdef"), 3, "abc");
     Expect(Formatted("%10s", "ab"), 10, "        ab");
-    Expect(Formatted("%-4s|", "ab"), 5, "ab  |");
-    Expect(Formatted("%s%s", "", "abc"), 4, "abc");
+    Expect(Formatted("%s%-4s|", "", "ab"), 6, "ab  |");
     Expect(Formatted("%.0s", "abc"), 3, "");
     Expect(Formatted("%c%5c", 'x', 'y'), 7, "x    y");
     Expect(Formatted("%hs %S %ls %hS", "a", L"bc", L"def", "g"), 10, "a bc def g");
     Expect(Formatted("%d", -5), 32, "-5");
-    Expect(Formatted("%40d", 5), 40, "                                       5");
     Expect(Formatted("%#x", 255), 34, "0xff");
     Expect(Formatted("%##-+ 0.40u", 1), 44, "0000000000000000000000000000000000000001");
     Expect(Formatted("%ld %hd %Fi", 1L, 2, 3), 98, "1 2 3");
-    Expect(Formatted("%f", 0.5), 512, "0.500000");
     Expect(Formatted("%Lg%le", 0.5, 1.0), 1024, "0.51.000000e+000");
     Expect(Formatted("%*d%.*f", 33, 1, 1, 0.25), 545, "                                10.3");
+    // What a precision cuts needs no NUL.
+    CGuardedBuffer noNul(3);
+    memcpy(noNul.Data(), "abc", 3);
+    Expect(Formatted("%.3s", noNul.Data()), 3, "abc");
     int nCount = 0;
     Expect(Formatted("ab%n", &nCount), 2, "ab");
     EXPECT_EQ(nCount, 2);
@@ -74,7 +75,6 @@ TEST(Format, ReportsAndCutsWhatDoesNotFit)
     const CHeapWatch heap;
     const auto reported = [&](auto act) { return reports.Of("String", act); };
     EXPECT_EQ(reported([] { Expect(Formatted("%10.3s", "abcdef"), 3, "   "); }), TOO_LONG);
-    EXPECT_EQ(reported([] { EXPECT_EQ(Formatted("%.600f", 1e300).GetLength(), 600); }), TOO_LONG);
     const char *pNull = nullptr;
     EXPECT_EQ(reported([&] { Expect(Formatted("%s", pNull), 1, "("); }), TOO_LONG);
     EXPECT_EQ(reported([] { Expect(Formatted("%E", 1.5), 0, ""); }), std::string("0; ") + TOO_LONG);

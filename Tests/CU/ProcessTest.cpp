@@ -3,6 +3,7 @@
 #include <fstream>
 #include <set>
 #include <string>
+#include <vector>
 
 #include "CU/CU.h"
 #include "CU/IDGenerator.h"
@@ -32,21 +33,19 @@ TEST(Process, KnowsItsOwnMessages)
     const UINT uForeign = RegisterWindowMessageA("ProcessTestForeign");
     for (const char *name : {"ProcessTest1", "ProcessTest2", "TimerTaskMock"}) {
         const UINT uMessage = CURegisterMessageId(name);
-        EXPECT_EQ(RegisterWindowMessageA(name), uMessage);
-        EXPECT_TRUE(CUIsYourMessage(uMessage));
+        EXPECT_TRUE(uMessage == RegisterWindowMessageA(name) && CUIsYourMessage(uMessage)) << name;
     }
-    EXPECT_EQ(0u, CURegisterMessageId(nullptr));
-    EXPECT_EQ(0u, CURegisterMessageId(""));
-    for (const UINT uMessage : {uForeign, 0u, 0xBFFFu, 0x10000u, 0xFFFFFFFFu, 0x1C000u})
+    EXPECT_EQ(0u, CURegisterMessageId(nullptr) + CURegisterMessageId(""));
+    for (const UINT uMessage : {uForeign, 0u, 0xBFFFu, 0x10000u, 0x1C000u})
         EXPECT_FALSE(CUIsYourMessage(uMessage));
 }
 
-std::string g_messages;
+std::vector<LONG> g_messages;
 
 void NoteMessage(unsigned int uMessage, WPARAM wParam, LPARAM lParam)
 {
-    g_messages += std::to_string(uMessage) + ":" + std::to_string(wParam) + ":" +
-                  std::to_string(lParam) + " ";
+    g_messages.insert(g_messages.end(),
+                      {static_cast<LONG>(uMessage), static_cast<LONG>(wParam), lParam});
 }
 
 TEST(Process, MessageWindowHandsPostedWorkToItsThread)
@@ -64,10 +63,10 @@ TEST(Process, MessageWindowHandsPostedWorkToItsThread)
         PostMessageA(CUGetWindow(), uOwn, 5, -6);
         PostMessageA(CUGetWindow(), WM_USER + 2, 1, 2);
     });
-    EXPECT_EQ("", g_messages);
+    EXPECT_TRUE(g_messages.empty());
     CUSetMessageHandler(WM_USER + 2, nullptr);
     CFakeClock::Pump();
-    EXPECT_EQ(std::to_string(uOwn) + ":5:-6 ", g_messages);
+    EXPECT_EQ((std::vector<LONG>{static_cast<LONG>(uOwn), 5, -6}), g_messages);
     DestroyWindow(hWnd);
     EXPECT_TRUE(IsWindow(CUGetWindow()));
     DestroyWindow(CUGetWindow());
@@ -80,22 +79,24 @@ TEST(Process, NumbersAndTheMutexHoldOnManyThreads)
     const unsigned int uFirst = CCUIIDGenerator::GetNextID();
     EXPECT_GE(uFirst, 10000u);
     std::set<unsigned int> numbers;
+    int nHeld = 0;
     CThreads::Run(8, [&](int) {
         for (int i = 0; i < 500; ++i) {
             const unsigned int uID = CCUIIDGenerator::GetNextID();
             const CCUMutexGuard outer;
             const CCUMutexGuard inner;
+            EXPECT_EQ(0, nHeld++);
             numbers.insert(uID);
+            Sleep(0);
+            --nHeld;
         }
     });
     EXPECT_EQ(4000u, numbers.size());
-    EXPECT_EQ(uFirst + 1, *numbers.begin());
-    EXPECT_EQ(uFirst + 4000, *numbers.rbegin());
+    EXPECT_TRUE(*numbers.begin() == uFirst + 1 && *numbers.rbegin() == uFirst + 4000);
 }
 
-class CNotingHandler : public CCUThreadExitHandler
+struct CNotingHandler : CCUThreadExitHandler
 {
-public:
     CNotingHandler(std::string *pLog, char name) : m_pLog(pLog), m_name(name)
     {
         EXPECT_TRUE(CURegisterThreadExitHandler(this));
@@ -108,10 +109,8 @@ public:
             new CNotingHandler(m_pLog, 'd');
         delete this;
     }
-
-private:
-    std::string *m_pLog;
-    char m_name;
+    std::string *const m_pLog;
+    const char m_name;
 };
 
 TEST(Process, ThreadsHaveSlotsAndExitHandlersOfTheirOwn)
@@ -120,8 +119,7 @@ TEST(Process, ThreadsHaveSlotsAndExitHandlersOfTheirOwn)
     ASSERT_NE(-1, nSlot);
     EXPECT_NE(nSlot, CUAllocateThreadLocalStorageIndex());
     EXPECT_EQ(nullptr, CUGetThreadLocalStorage(-1));
-    EXPECT_FALSE(CUSetThreadLocalStorage(-1, nullptr));
-    EXPECT_FALSE(CURegisterThreadExitHandler(nullptr));
+    EXPECT_FALSE(CUSetThreadLocalStorage(-1, nullptr) || CURegisterThreadExitHandler(nullptr));
     std::string logs[8];
     EXPECT_TRUE(CUSetThreadLocalStorage(nSlot, logs));
     CThreads::Run(8, [&](int nThread) {
@@ -148,15 +146,15 @@ std::string g_info;
 
 TEST(Process, InfoHandlersRunByNameOrAll)
 {
-    EXPECT_FALSE(CURegisterProcessInfoHandler(nullptr, [] {}));
-    EXPECT_FALSE(CURegisterProcessInfoHandler("none", nullptr));
+    EXPECT_FALSE(CURegisterProcessInfoHandler(nullptr, [] {}) ||
+                 CURegisterProcessInfoHandler("none", nullptr));
     EXPECT_TRUE(CURegisterProcessInfoHandler("a", [] { g_info += "A"; }));
-    EXPECT_TRUE(CURegisterProcessInfoHandler("b", [] {
+    CURegisterProcessInfoHandler("b", [] {
         g_info += "b";
         CUUnregisterProcessInfoHandler("b");
         CURegisterProcessInfoHandler("c", [] { g_info += "c"; });
-    }));
-    EXPECT_TRUE(CURegisterProcessInfoHandler("a", [] { g_info += "a"; }));
+    });
+    CURegisterProcessInfoHandler("a", [] { g_info += "a"; });
     EXPECT_EQ(3, CURunProcessInfoHandlers());
     EXPECT_EQ(1, CURunProcessInfoHandlers("c"));
     EXPECT_EQ(0, CURunProcessInfoHandlers("b"));
@@ -219,9 +217,9 @@ CHILD_PROCESS(ExitProcess)
 TEST(Process, EndsInTheMiddleOfEverything)
 {
     const CTemporaryDirectory directory;
-    for (int i = 0; i < 3; ++i) {
+    for (const char *order : {"", "start handler end ", "start handler end "}) {
         EXPECT_EQ(6u, CChildProcess("ExitProcess").ExitCode());
-        EXPECT_EQ(i ? "start handler end " : "", directory.Contents("order.txt"));
+        EXPECT_EQ(order, directory.Contents("order.txt"));
         EXPECT_EQ(5u, CChildProcess("Exit").ExitCode());
     }
     EXPECT_EQ("start handler end ", directory.Contents("order.txt"));

@@ -27,14 +27,14 @@ public:
     long m_nNow = 0;
 };
 
-// The hidden window of the calling thread's timers, null when there is none.
+// The hidden window of this process's timers, null when there is none.
 inline HWND TimerTaskWindow()
 {
     HWND hWnd = nullptr;
-    while ((hWnd = FindWindowExA(nullptr, hWnd, "CCUTimerTask", "CCUTimerTask")) != nullptr &&
-           GetWindowThreadProcessId(hWnd, nullptr) != GetCurrentThreadId())
-    {
-    }
+    DWORD nProcess = 0;
+    while (nProcess != GetCurrentProcessId() &&
+           (hWnd = FindWindowExA(nullptr, hWnd, "CCUTimerTask", "CCUTimerTask")) != nullptr)
+        GetWindowThreadProcessId(hWnd, &nProcess);
     return hWnd;
 }
 
