@@ -2,13 +2,11 @@
 
 #include <gtest/gtest.h>
 
-#include <stdio.h>
 #include <string.h>
-#include <map>
+#include <fstream>
 #include <set>
 #include <string>
 #include <utility>
-#include <vector>
 
 #include "Resource.h"
 #include "Samples/DiscProgram.h"
@@ -29,15 +27,12 @@ std::string OnDisc(const std::string &name)
 std::string CodeIn(const char *path)
 {
     const CProgramFile program(path);
-    FILE *file = fopen(path, "rb");
-    if (!program.Module() || !file)
-        return "";
     const IMAGE_SECTION_HEADER &section = *IMAGE_FIRST_SECTION(&program.Headers());
     std::string code(section.SizeOfRawData, '\0');
-    fseek(file, static_cast<long>(section.PointerToRawData), SEEK_SET);
-    code.resize(fread(&code[0], 1, code.size(), file));
-    fclose(file);
-    return code;
+    std::ifstream file(path, std::ios::binary);
+    file.seekg(static_cast<std::streamoff>(section.PointerToRawData));
+    file.read(&code[0], static_cast<std::streamsize>(code.size()));
+    return file ? code : "";
 }
 
 const BITMAPINFOHEADER &Header(const std::string &bitmap)
@@ -60,21 +55,18 @@ std::string Lower(std::string text)
     return text;
 }
 
-// "library.dll: name name ..." for each library.
-std::map<std::string, std::set<std::string>> AllowedImports()
+// Each as "library.dll name", from a file with "library.dll: name name ..." for each library.
+std::set<std::string> AllowedImports()
 {
-    std::map<std::string, std::set<std::string>> allowed;
+    std::set<std::string> allowed;
+    std::ifstream file(AUTORUN_IMPORTS);
     std::string library;
-    char word[100];
-    FILE *file = fopen(AUTORUN_IMPORTS, "r");
-    while (file && fscanf(file, "%99s", word) == 1) {
-        if (word[strlen(word) - 1] == ':')
-            library.assign(word, strlen(word) - 1);
+    for (std::string word; file >> word;) {
+        if (word.back() == ':')
+            library = word.substr(0, word.size() - 1);
         else
-            allowed[library].insert(word);
+            allowed.insert(library + " " + word);
     }
-    if (file)
-        fclose(file);
     return allowed;
 }
 
@@ -82,15 +74,14 @@ std::map<std::string, std::set<std::string>> AllowedImports()
 
 TEST(Disc, StartsTheLauncherAndShowsItsIcon)
 {
-    const auto entry = [](const char *key) {
+    const char *const entries[][2] = {
+        {"open", "AutoRun.exe"}, {"icon", "AutoRun.exe,0"}, {"label", "Fennick 4.1"}};
+    for (const auto &entry : entries) {
         char text[100] = "";
-        GetPrivateProfileStringA("autorun", key, "", text, sizeof text,
+        GetPrivateProfileStringA("autorun", entry[0], "", text, sizeof text,
                                  OnDisc("autorun.inf").c_str());
-        return std::string(text);
-    };
-    EXPECT_EQ(entry("open"), "AutoRun.exe");
-    EXPECT_EQ(entry("icon"), "AutoRun.exe,0");
-    EXPECT_EQ(entry("label"), "Fennick 4.1");
+        EXPECT_STREQ(text, entry[1]);
+    }
     EXPECT_EQ(GetFileAttributesA(OnDisc("AutoRun.exe").c_str()) & FILE_ATTRIBUTE_DIRECTORY, 0u);
 }
 
@@ -108,19 +99,20 @@ TEST(Launcher, NeedsNothingThatTheFirst32BitWindowsLacks)
     EXPECT_EQ(launcher.Headers().FileHeader.NumberOfSymbols, 0u);
 
     // Before a name is added there: Windows 95 and NT 4 have it?
-    auto allowed = AllowedImports();
+    const std::set<std::string> allowed = AllowedImports();
     const auto *pImport = reinterpret_cast<const IMAGE_IMPORT_DESCRIPTOR *>(
         launcher.At(header.DataDirectory[IMAGE_DIRECTORY_ENTRY_IMPORT].VirtualAddress));
     ASSERT_TRUE(pImport->Name);
     for (; pImport->Name; ++pImport) {
-        const std::string library = reinterpret_cast<const char *>(launcher.At(pImport->Name));
+        const std::string library =
+            Lower(reinterpret_cast<const char *>(launcher.At(pImport->Name)));
         const auto *pName =
             reinterpret_cast<const DWORD *>(launcher.At(pImport->OriginalFirstThunk));
         ASSERT_TRUE(*pName);
         for (; *pName; ++pName) {
             // Behind a hint of two bytes.
             const std::string name = reinterpret_cast<const char *>(launcher.At(*pName + 2));
-            EXPECT_EQ(allowed[Lower(library)].count(name), 1u) << library << " " << name;
+            EXPECT_EQ(allowed.count(library + " " + name), 1u) << library << " " << name;
         }
     }
     EXPECT_NE(launcher.Resource(1, RT_MANIFEST).find("\"asInvoker\""), std::string::npos);
@@ -132,51 +124,21 @@ TEST(Launcher, NeedsNothingThatTheFirst32BitWindowsLacks)
 
 TEST(Skin, ShipsItsStringTableAndItsDialog)
 {
-    struct Entry
-    {
-        UINT nID;
-        const char *text;
-    };
-    const std::vector<Entry> table = {
-        {1, "Install the software on your PC"},
-        {2, "Exit this program"},
-        {5, "46,236"},
-        {6, "46,204"},
-        {7, "13,280,500,332"},
-        {9, "Fennick Setup"},
-        {10, "Fennick.exe"},
-        {11, "212,0,0"},
-        {12, "192,0,0"},
-        {13, "15,0,0,Arial"},
-        {14, "11,0,0,Arial"},
-        {20, "Run the software from the CD"},
-        {21, "Learn to use the software"},
-        {24, "46,172"},
-        {25, "46,140"},
-        {26, "RunFennick.exe"},
-        {27, "tutorial.exe"},
-        {28, "Fennick 4.1"},
-        {30, "13,93"},
-        {32, "26,1,0,Arial"},
-        {33, "302,73"},
-        {34, "13,98"},
-        {35,
-         "The Fennick is a software application that lets you replay stored video \n"
-         "clips (.avi) recorded by a Talvern DVR."},
-        {36, "15,144"},
-        {37, "15,176"},
-        {38, "15,208"},
-        {39, "15,240"},
-    };
+    const std::string table =
+        "1=Install the software on your PC;2=Exit this program;5=46,236;6=46,204;"
+        "7=13,280,500,332;9=Fennick Setup;10=Fennick.exe;11=212,0,0;12=192,0,0;13=15,0,0,Arial;"
+        "14=11,0,0,Arial;20=Run the software from the CD;21=Learn to use the software;24=46,172;"
+        "25=46,140;26=RunFennick.exe;27=tutorial.exe;28=Fennick 4.1;30=13,93;32=26,1,0,Arial;"
+        "33=302,73;34=13,98;35=The Fennick is a software application that lets you replay stored "
+        "video \nclips (.avi) recorded by a Talvern DVR.;36=15,144;37=15,176;38=15,208;39=15,240;";
     const CProgramFile launcher(AUTORUN_SHIPPED_LAUNCHER);
-    size_t nNext = 0;
+    std::string shipped;
     for (UINT nID = 0; nID < 64; ++nID) {
-        const bool bExpected = nNext < table.size() && table[nNext].nID == nID;
-        char text[300] = "";
-        LoadStringA(launcher.Module(), nID, text, sizeof text);
-        EXPECT_STREQ(text, bExpected ? table[nNext].text : "") << nID;
-        nNext += bExpected;
+        char text[300];
+        if (LoadStringA(launcher.Module(), nID, text, sizeof text) > 0)
+            shipped += std::to_string(nID) + "=" + text + ";";
     }
+    EXPECT_EQ(shipped, table);
 
     const WORD dialog[] = {1,    0xFFFF, 0,   0,  // extended
                            0,    4,               // WS_EX_APPWINDOW

@@ -32,7 +32,7 @@ def windows_path(path):
 
 def xdotool(*words):
     return subprocess.run(["xdotool", *map(str, words)], capture_output=True, text=True,
-                          check=False)
+                          check=False).stdout
 
 
 def output_of(*words):
@@ -42,10 +42,6 @@ def output_of(*words):
         subprocess.run(list(map(str, words)), stdout=output, check=True)
         output.seek(0)
         return output.read()
-
-
-def screen():
-    return ImageGrab.grab(xdisplay="").convert("RGB")
 
 
 def is_same(left, right):
@@ -72,9 +68,8 @@ class Build:
         """The picture that the launcher must show, and the rectangles of its lines' texts."""
         with tempfile.TemporaryDirectory() as folder:
             picture = os.path.join(folder, "picture.bmp")
-            words = ["wine", self.tool("Reference"), windows_path(launcher),
-                     windows_path(picture)] + ([str(lit)] if lit != NONE else [])
-            text = output_of(*words)
+            text = output_of("wine", self.tool("Reference"), windows_path(launcher),
+                             windows_path(picture), lit)
             spots = [tuple(map(int, line.split())) for line in text.splitlines()]
             return Image.open(picture).convert("RGB"), spots
 
@@ -118,25 +113,21 @@ class Launcher:
             ["wine", build.tool("Remote"), "run", windows_path(self.temporary), command],
             env=environment, cwd=cwd)
 
-    def __enter__(self):
-        return self
-
-    def __exit__(self, *_):
+    def stop(self):
         if self.process.poll() is None:
             self.process.kill()
             self.process.wait()
         shutil.rmtree(self.temporary)
 
     def windows(self):
-        return set(xdotool("search", "--onlyvisible", "--name",
-                           "^" + self.caption + "$").stdout.split())
+        return set(xdotool("search", "--onlyvisible", "--name", "^" + self.caption + "$").split())
 
     def wait_until_shown(self, size):
         """Finds the window that has come, and where."""
         window = wait_for(lambda: self.windows() - self.before, "the window").pop()
 
         def geometry():
-            lines = xdotool("getwindowgeometry", "--shell", window).stdout.split()
+            lines = xdotool("getwindowgeometry", "--shell", window).split()
             values = dict(line.split("=") for line in lines)
             found = values.get("WIDTH") == str(size[0]) and values.get("HEIGHT") == str(size[1])
             return (int(values["X"]), int(values["Y"])) if found else None
@@ -144,15 +135,12 @@ class Launcher:
         self.left, self.top = wait_for(geometry, "a window of %d x %d" % size)
 
     def picture(self, size):
-        if DEPTH < 24:
-            return self.picture_through_windows()
-        return screen().crop((self.left, self.top, self.left + size[0], self.top + size[1]))
-
-    def picture_through_windows(self):
-        """The client area in the colours that the screen gives it, whatever its depth."""
-        path = os.path.join(self.temporary, "shot.bmp")
-        self.remote("shot", windows_path(path))
-        return Image.open(path).convert("RGB")
+        if DEPTH < 24:  # in the colours that the screen gives it
+            path = os.path.join(self.temporary, "shot.bmp")
+            self.remote("shot", windows_path(path))
+            return Image.open(path).convert("RGB")
+        screen = ImageGrab.grab(xdisplay="").convert("RGB")
+        return screen.crop((self.left, self.top, self.left + size[0], self.top + size[1]))
 
     def wait_for_picture(self, expected, what):
         wait_for(lambda: is_same(self.picture(expected.size), expected), what)
@@ -160,11 +148,17 @@ class Launcher:
     def move(self, x, y):
         xdotool("mousemove", self.left + x, self.top + y)
 
-    def press(self):
+    @staticmethod
+    def press():
         xdotool("mousedown", 1)
 
-    def release(self):
+    @staticmethod
+    def release():
         xdotool("mouseup", 1)
+
+    def click(self):
+        self.press()
+        self.release()
 
     def wait_until_ended(self):
         return self.process.wait(PATIENCE)

@@ -17,16 +17,13 @@ namespace {
 int Info(HWND hWnd)
 {
     RECT window, client;
-    char szClass[64] = "";
     GetWindowRect(hWnd, &window);
     GetClientRect(hWnd, &client);
-    GetClassNameA(hWnd, szClass, sizeof szClass);
     printf("rect %ld %ld %ld %ld\n", window.left, window.top, window.right, window.bottom);
     printf("client %ld %ld\n", client.right, client.bottom);
     printf("screen %d %d\n", GetSystemMetrics(SM_CXSCREEN), GetSystemMetrics(SM_CYSCREEN));
     printf("style %lx\n", GetWindowLongA(hWnd, GWL_STYLE));
     printf("exstyle %lx\n", GetWindowLongA(hWnd, GWL_EXSTYLE));
-    printf("class %s\n", szClass);
     return 0;
 }
 
