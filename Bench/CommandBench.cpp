@@ -1,4 +1,4 @@
-#include <memory>
+#include <deque>
 #include <unordered_map>
 
 #include "Bench.h"
@@ -10,22 +10,28 @@ namespace {
 const unsigned int FIRST_ID = 10000;
 const int COMMANDS = 5000;
 
-// What most commands are: always refreshed, because they leave GetState as it is.
-class CBenchCommand : public CCUICommandHandler
+class CCountingCommand : public CCUICommandHandler
 {
 public:
-    explicit CBenchCommand(unsigned int nID) : CCUICommandHandler(nID, 1) {}
+    explicit CCountingCommand(unsigned int nID) : CCUICommandHandler(nID, 1) {}
     void HandleUpdate(unsigned int nID) override { m_nUpdates += nID; }
 
 private:
     unsigned int m_nUpdates = 0;
 };
 
-// One that says from moment to moment who refreshes it.
-class CStateCommand final : public CBenchCommand
+// What most commands are: always refreshed, because they leave GetState as it is.
+class CBenchCommand final : public CCountingCommand
 {
 public:
-    explicit CStateCommand(unsigned int nID) : CBenchCommand(nID) {}
+    using CCountingCommand::CCountingCommand;
+};
+
+// One that says from moment to moment who refreshes it.
+class CStateCommand final : public CCountingCommand
+{
+public:
+    using CCountingCommand::CCountingCommand;
     unsigned short GetState(unsigned int) override { return s_nState; }
 
     static unsigned short s_nState;
@@ -34,11 +40,11 @@ public:
 unsigned short CStateCommand::s_nState = CUI_COMMAND_ACTIVE;
 
 template <typename Command>
-std::vector<std::unique_ptr<Command>> MakeCommands()
+std::deque<Command> MakeCommands()
 {
-    std::vector<std::unique_ptr<Command>> commands;
+    std::deque<Command> commands;
     for (unsigned int i = 0; i < COMMANDS; ++i)
-        commands.push_back(std::make_unique<Command>(FIRST_ID + i));
+        commands.emplace_back(FIRST_ID + i);
     return commands;
 }
 
