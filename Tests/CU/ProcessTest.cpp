@@ -36,7 +36,7 @@ TEST(Process, KnowsItsOwnMessages)
         EXPECT_TRUE(uMessage == RegisterWindowMessageA(name) && CUIsYourMessage(uMessage)) << name;
     }
     EXPECT_EQ(0u, CURegisterMessageId(nullptr) + CURegisterMessageId(""));
-    for (const UINT uMessage : {uForeign, 0u, 0xBFFFu, 0x10000u, 0x1C000u})
+    for (const UINT uMessage : {uForeign, 0u, 0xBFFFu, 0x10000u, 0xFFFFFFFFu, 0x1C000u})
         EXPECT_FALSE(CUIsYourMessage(uMessage));
 }
 

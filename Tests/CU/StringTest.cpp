@@ -327,7 +327,7 @@ class StringReports : public testing::Test
 {
 protected:
     template <typename Act>
-    void Expect(const std::string &expressions, Act act)
+    void Expect(const char *expressions, Act act)
     {
         EXPECT_EQ(m_reports.Of("String", act), expressions);
     }
