@@ -28,6 +28,9 @@ struct CKeeping
     CKeeping() { g_nBlockKeeper = GetCurrentThreadId(); }
     ~CKeeping()
     {
+        // A program that another thread ends may have its keeper at work in here.
+        if (GetCurrentThreadId() != g_nBlockKeeper)
+            return;
         g_nBlockKeeper = 0;
         for (CKept &kept : s_kept) {
             while (kept.nCount > 0)
