@@ -234,78 +234,24 @@ CU_API CCUString operator+(const CCUString &string, char ch);
 CU_API CCUString operator+(char ch, const CCUString &string);
 
 // By bytes up to the first NUL, as CCUString::Compare.
-inline bool operator==(const CCUString &s1, const CCUString &s2)
-{
-    return s1.Compare(s2) == 0;
-}
-inline bool operator==(const CCUString &s1, const char *s2)
-{
-    return s1.Compare(s2) == 0;
-}
-inline bool operator==(const char *s1, const CCUString &s2)
-{
-    return s2.Compare(s1) == 0;
-}
-inline bool operator!=(const CCUString &s1, const CCUString &s2)
-{
-    return s1.Compare(s2) != 0;
-}
-inline bool operator!=(const CCUString &s1, const char *s2)
-{
-    return s1.Compare(s2) != 0;
-}
-inline bool operator!=(const char *s1, const CCUString &s2)
-{
-    return s2.Compare(s1) != 0;
-}
-inline bool operator<(const CCUString &s1, const CCUString &s2)
-{
-    return s1.Compare(s2) < 0;
-}
-inline bool operator<(const CCUString &s1, const char *s2)
-{
-    return s1.Compare(s2) < 0;
-}
-inline bool operator<(const char *s1, const CCUString &s2)
-{
-    return s2.Compare(s1) > 0;
-}
-inline bool operator>(const CCUString &s1, const CCUString &s2)
-{
-    return s1.Compare(s2) > 0;
-}
-inline bool operator>(const CCUString &s1, const char *s2)
-{
-    return s1.Compare(s2) > 0;
-}
-inline bool operator>(const char *s1, const CCUString &s2)
-{
-    return s2.Compare(s1) < 0;
-}
-inline bool operator<=(const CCUString &s1, const CCUString &s2)
-{
-    return s1.Compare(s2) <= 0;
-}
-inline bool operator<=(const CCUString &s1, const char *s2)
-{
-    return s1.Compare(s2) <= 0;
-}
-inline bool operator<=(const char *s1, const CCUString &s2)
-{
-    return s2.Compare(s1) >= 0;
-}
-inline bool operator>=(const CCUString &s1, const CCUString &s2)
-{
-    return s1.Compare(s2) >= 0;
-}
-inline bool operator>=(const CCUString &s1, const char *s2)
-{
-    return s1.Compare(s2) >= 0;
-}
-inline bool operator>=(const char *s1, const CCUString &s2)
-{
-    return s2.Compare(s1) <= 0;
-}
+CU_API bool operator==(const CCUString &s1, const CCUString &s2);
+CU_API bool operator==(const CCUString &s1, const char *s2);
+CU_API bool operator==(const char *s1, const CCUString &s2);
+CU_API bool operator!=(const CCUString &s1, const CCUString &s2);
+CU_API bool operator!=(const CCUString &s1, const char *s2);
+CU_API bool operator!=(const char *s1, const CCUString &s2);
+CU_API bool operator<(const CCUString &s1, const CCUString &s2);
+CU_API bool operator<(const CCUString &s1, const char *s2);
+CU_API bool operator<(const char *s1, const CCUString &s2);
+CU_API bool operator>(const CCUString &s1, const CCUString &s2);
+CU_API bool operator>(const CCUString &s1, const char *s2);
+CU_API bool operator>(const char *s1, const CCUString &s2);
+CU_API bool operator<=(const CCUString &s1, const CCUString &s2);
+CU_API bool operator<=(const CCUString &s1, const char *s2);
+CU_API bool operator<=(const char *s1, const CCUString &s2);
+CU_API bool operator>=(const CCUString &s1, const CCUString &s2);
+CU_API bool operator>=(const CCUString &s1, const char *s2);
+CU_API bool operator>=(const char *s1, const CCUString &s2);
 
 // ANSI code page from NUL-terminated UTF-16. `count` is the room at mbstr in bytes, the NUL
 // included. Returns the bytes written with the NUL, or 0: no room, or wcstr null. A null mbstr with
