@@ -26,6 +26,15 @@ void PrintTable()
     }
 }
 
+// Text of ours, in which nothing but quotes needs to be escaped.
+void WriteJsonText(FILE *file, const char *name, const char *text)
+{
+    fprintf(file, "\"%s\": \"", name);
+    for (; *text; ++text)
+        fprintf(file, *text == '"' ? "\\%c" : "%c", *text);
+    fputs("\", ", file);
+}
+
 bool WriteJson(const char *path)
 {
     FILE *file = fopen(path, "w");
@@ -34,10 +43,12 @@ bool WriteJson(const char *path)
     fputs("[\n", file);
     const char *separator = "";
     for (const CBenchRow &row : BenchRows()) {
-        fprintf(file,
-                "%s  {\"name\": \"%s\", \"unit\": \"%s\", \"ours\": %.3f, \"peer\": %.3f, "
-                "\"peer_name\": \"%s\", \"ratio\": %.4f}",
-                separator, row.name, row.unit, row.ours, row.peer, row.peerName, row.ratio);
+        fprintf(file, "%s  {", separator);
+        WriteJsonText(file, "name", row.name);
+        WriteJsonText(file, "unit", row.unit);
+        WriteJsonText(file, "peer_name", row.peerName);
+        fprintf(file, "\"ours\": %.3f, \"peer\": %.3f, \"ratio\": %.4f}", row.ours, row.peer,
+                row.ratio);
         separator = ",\n";
     }
     fputs("\n]\n", file);
@@ -99,6 +110,13 @@ int main(int argc, char **argv)
             });
         if (bWanted)
             group.m_run();
+    }
+    if (BenchRows().empty()) {
+        fprintf(stderr, "no such group; there are");
+        for (const CBenchGroup &group : Groups())
+            fprintf(stderr, " %s", group.m_name);
+        fputs("\n", stderr);
+        return 2;
     }
     PrintTable();
     if (json && !WriteJson(json)) {
