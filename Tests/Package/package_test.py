@@ -148,7 +148,7 @@ class Archive(Folder):
                           ".", ":!Tests", ":!Bench", cwd=ROOT)
         output_of("bash", "-c", f"tar cT - | tar xC '{copy}'", cwd=ROOT, input=files)
         date = output_of("git", "log", "-1", "--format=%ct", cwd=ROOT).strip()
-        first = ROOT / output_of("Tools/make-package", cwd=ROOT).strip()
+        first = ROOT / output_of("Tools/make-package", cwd=ROOT).splitlines()[-1]
         second = copy / output_of("Tools/make-package", cwd=copy,
                                   env=dict(os.environ, SOURCE_DATE_EPOCH=date)).strip()
         self.assertEqual("AutoRun-4.1.0.zip", first.name)
