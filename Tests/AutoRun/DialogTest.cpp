@@ -99,7 +99,7 @@ TEST(Soak, RepaintsLeaveNothingBehind)
 {
     RunDialog(100);
     const CLeakWatch watch;
-    RunDialog(4000);
+    RunDialog(20000);
 }
 
 TEST(Soak, OpeningAndClosingLeavesNothingBehind)

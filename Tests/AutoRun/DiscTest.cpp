@@ -97,6 +97,11 @@ TEST(Launcher, NeedsNothingThatTheFirst32BitWindowsLacks)
     EXPECT_EQ(header.DllCharacteristics, 0x40 | 0x100) << "address randomisation, no execution";
     EXPECT_GT(header.DataDirectory[IMAGE_DIRECTORY_ENTRY_BASERELOC].Size, 0u);
     EXPECT_EQ(launcher.Headers().FileHeader.NumberOfSymbols, 0u);
+    const IMAGE_SECTION_HEADER *pSection = IMAGE_FIRST_SECTION(&launcher.Headers());
+    DWORD nBytes = header.SizeOfHeaders;
+    for (WORD i = 0; i < launcher.Headers().FileHeader.NumberOfSections; ++i)
+        nBytes += pSection[i].SizeOfRawData;
+    EXPECT_LE(nBytes - header.DataDirectory[IMAGE_DIRECTORY_ENTRY_RESOURCE].Size, 160u * 1024);
 
     // Before a name is added there: Windows 95 and NT 4 have it?
     const std::set<std::string> allowed = AllowedImports();
