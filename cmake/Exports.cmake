@@ -15,7 +15,10 @@ function(autorun_note_exports library)
     COMMAND ${AUTORUN_PYTHON} ${AUTORUN_EXPORTS_TOOL} take $<TARGET_FILE:${library}> ${names}
     BYPRODUCTS ${names}
     VERBATIM)
-  set_property(TARGET ${library} APPEND PROPERTY LINK_DEPENDS ${AUTORUN_EXPORTS_TOOL})
+  # A static library depends on its objects alone.
+  get_target_property(sources ${library} SOURCES)
+  list(GET sources 0 source)
+  set_property(SOURCE ${source} APPEND PROPERTY OBJECT_DEPENDS ${AUTORUN_EXPORTS_TOOL})
   set_property(GLOBAL APPEND PROPERTY AUTORUN_EXPORTS_NAMES ${names})
 endfunction()
 
