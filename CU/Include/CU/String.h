@@ -213,7 +213,7 @@ private:
     // One owner of the block less; whether that was its last one.
     static bool LetGo(CCUStringData *pData)
     {
-        return pData->nRefs == 1 || InterlockedDecrement(&pData->nRefs) <= 0;
+        return InterlockedDecrement(&pData->nRefs) <= 0;
     }
     void FreeData();
     void CopyOf(const CCUString &stringSrc);
