@@ -211,10 +211,7 @@ private:
     friend CU_API CCUString operator+(char ch, const CCUString &string);
 
     // One owner of the block less; whether that was its last one.
-    static bool LetGo(CCUStringData *pData)
-    {
-        return InterlockedDecrement(&pData->nRefs) <= 0;
-    }
+    static bool LetGo(CCUStringData *pData) { return InterlockedDecrement(&pData->nRefs) <= 0; }
     void FreeData();
     void CopyOf(const CCUString &stringSrc);
     bool IsLocked() const { return GetData()->nRefs < 0 && GetData() != CUDataNil; }
