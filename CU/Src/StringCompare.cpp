@@ -2,6 +2,7 @@
 
 #include "CU/String.h"
 
+// NOLINTBEGIN(bugprone-macro-parentheses): an operator cannot stand in them.
 #define CU_COMPARISON(op)                                      \
     bool operator op(const CCUString &s1, const CCUString &s2) \
     {                                                          \
@@ -15,6 +16,7 @@
     {                                                          \
         return 0 op s2.Compare(s1);                            \
     }
+// NOLINTEND(bugprone-macro-parentheses)
 
 CU_COMPARISON(==)
 CU_COMPARISON(!=)
