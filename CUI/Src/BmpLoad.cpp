@@ -55,17 +55,18 @@ HBITMAP Convert(HDC hScreen, BITMAPINFOHEADER *pbih, const void *pPixels, HPALET
                           pPixels ? pPixels : reinterpret_cast<const char *>(pbih) + nPixels);
 }
 
-// The section's own rows, if a plain DIB of its size has the same.
+// The rows of a section that has them from the bottom up, if a plain DIB of its size has the same.
 const void *PlainRows(HBITMAP hDIB)
 {
     DIBSECTION section = {};
     const bool bPlain = GetObjectA(hDIB, sizeof section, &section) == sizeof section &&
-                        section.dsBmih.biCompression == BI_RGB && section.dsBmih.biHeight > 0;
+                        section.dsBmih.biCompression == BI_RGB;
     return bPlain ? section.dsBm.bmBits : nullptr;
 }
 
 // The picture of a DIB section of any layout, by way of a plain DIB with a full table.
-HBITMAP ConvertSection(HDC hScreen, HBITMAP hDIB, HPALETTE *phPal, const CUIColorMap *pMap)
+HBITMAP ConvertSection(HDC hScreen, HBITMAP hDIB, bool bBottomUp, HPALETTE *phPal,
+                       const CUIColorMap *pMap)
 {
     BITMAP bm = {};
     const int nGot = GetObjectA(hDIB, sizeof(bm), &bm);
@@ -89,7 +90,7 @@ HBITMAP ConvertSection(HDC hScreen, HBITMAP hDIB, HPALETTE *phPal, const CUIColo
     header.biSizeImage = static_cast<DWORD>(nImage);
 
     // One row brings the colours along; the others need no copy when they are as they should be.
-    const void *pRows = PlainRows(hDIB);
+    const void *pRows = bBottomUp ? PlainRows(hDIB) : nullptr;
     const DWORD nHeight = static_cast<DWORD>(labs(bm.bmHeight));
     const DWORD nCopied = pRows && nHeight ? 1 : nHeight;
     char *pBlock = static_cast<char *>(
@@ -107,19 +108,19 @@ HBITMAP ConvertSection(HDC hScreen, HBITMAP hDIB, HPALETTE *phPal, const CUIColo
     return hBitmap;
 }
 
-HBITMAP LoadFileSection(const char *pszName, UINT nFlags)
+HBITMAP LoadFileSection(const char *pszName, UINT nFlags, bool &bBottomUp)
 {
     CCUFile file;
-    if (!CUIBmpFileIsSound(file, pszName))
+    if (!CUIBmpFileIsSound(file, pszName, bBottomUp))
         return nullptr;
     return static_cast<HBITMAP>(
         LoadImageA(nullptr, pszName, IMAGE_BITMAP, 0, 0, nFlags | LR_LOADFROMFILE));
 }
 
-HBITMAP LoadResourceSection(HINSTANCE hInst, const char *pszName, UINT nFlags)
+HBITMAP LoadResourceSection(HINSTANCE hInst, const char *pszName, UINT nFlags, bool &bBottomUp)
 {
     // Without a module it is one of the system's own.
-    if (hInst && !CUIBmpResourceIsSound(hInst, pszName))
+    if (hInst && !CUIBmpResourceIsSound(hInst, pszName, bBottomUp))
         return nullptr;
     return static_cast<HBITMAP>(LoadImageA(hInst, pszName, IMAGE_BITMAP, 0, 0, nFlags));
 }
@@ -136,8 +137,9 @@ HBITMAP CUIBmpLoad(HINSTANCE hInst, const char *pszName, HPALETTE *phPal, bool b
 {
     const bool bFile = !hInst && IsName(pszName);
     const UINT nFlags = LR_CREATEDIBSECTION | LR_DEFAULTSIZE;
-    const CCUIOwned<HBITMAP> hDIB(bFile ? LoadFileSection(pszName, nFlags)
-                                        : LoadResourceSection(hInst, pszName, nFlags));
+    bool bBottomUp = false;
+    const CCUIOwned<HBITMAP> hDIB(bFile ? LoadFileSection(pszName, nFlags, bBottomUp)
+                                        : LoadResourceSection(hInst, pszName, nFlags, bBottomUp));
     if (!hDIB) {
         if (bFile)
             CUDump("Error loading bitmap %s.\n", pszName);
@@ -145,7 +147,7 @@ HBITMAP CUIBmpLoad(HINSTANCE hInst, const char *pszName, HPALETTE *phPal, bool b
     }
     const CCUIWindowDC hScreen(nullptr);
     const CUIColorMap map = {pFrom, pTo, nCount};
-    return ConvertSection(hScreen, hDIB, phPal, bMapColors ? &map : nullptr);
+    return ConvertSection(hScreen, hDIB, bBottomUp, phPal, bMapColors ? &map : nullptr);
 }
 
 HBITMAP CUIBmpCreateBitmap(BITMAPINFOHEADER *pbih, HPALETTE *phPal, bool bMapColors, DWORD *pFrom,

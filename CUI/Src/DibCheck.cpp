@@ -32,17 +32,18 @@ ULONGLONG ReadHeader(const CAnyHeader &any, BITMAPINFOHEADER &header)
 }
 
 // nPixels: where the pixels are said to be, 0: after the colours. nSize: all bytes from the header.
-bool IsSound(const CAnyHeader &any, ULONGLONG nPixels, ULONGLONG nSize)
+bool IsSound(const CAnyHeader &any, ULONGLONG nPixels, ULONGLONG nSize, bool &bBottomUp)
 {
     BITMAPINFOHEADER header;
     const ULONGLONG nHead = ReadHeader(any, header);
+    bBottomUp = header.biHeight > 0;
     // The first byte after the colours is looked at in any case.
     return nHead < nSize && (nPixels ? nPixels : nHead) + CUIDibImageSize(header) <= nSize;
 }
 
 }  // namespace
 
-bool CUIBmpFileIsSound(CCUFile &file, const char *pszName)
+bool CUIBmpFileIsSound(CCUFile &file, const char *pszName, bool &bBottomUp)
 {
     BITMAPFILEHEADER fileHeader;
     CAnyHeader any = {};
@@ -52,11 +53,11 @@ bool CUIBmpFileIsSound(CCUFile &file, const char *pszName)
         return false;
     const ULONGLONG nSize = static_cast<ULONGLONG>(file.GetLength()) - sizeof fileHeader;
     return fileHeader.bfOffBits < sizeof fileHeader
-               ? fileHeader.bfOffBits == 0 && IsSound(any, 0, nSize)
-               : IsSound(any, fileHeader.bfOffBits - sizeof fileHeader, nSize);
+               ? fileHeader.bfOffBits == 0 && IsSound(any, 0, nSize, bBottomUp)
+               : IsSound(any, fileHeader.bfOffBits - sizeof fileHeader, nSize, bBottomUp);
 }
 
-bool CUIBmpResourceIsSound(HINSTANCE hInst, const char *pszName)
+bool CUIBmpResourceIsSound(HINSTANCE hInst, const char *pszName, bool &bBottomUp)
 {
     const HRSRC hRsrc = FindResourceA(hInst, pszName, reinterpret_cast<const char *>(RT_BITMAP));
     const HGLOBAL hGlobal = hRsrc ? LoadResource(hInst, hRsrc) : nullptr;
@@ -66,5 +67,5 @@ bool CUIBmpResourceIsSound(HINSTANCE hInst, const char *pszName)
     const DWORD nSize = SizeofResource(hInst, hRsrc);
     CAnyHeader any = {};
     memcpy(&any, pData, nSize < sizeof any ? nSize : sizeof any);
-    return IsSound(any, 0, nSize);
+    return IsSound(any, 0, nSize, bBottomUp);
 }

@@ -16,9 +16,9 @@ class CCUString;
 // Where a palette is made, it is selected into the screen's DC as a foreground palette and realised
 // before the bitmap is made.
 //
-// Rows from the top down (a negative biHeight): CUIBmpDIBFromFile, CUIBmpLoadBitmapFile and the
-// functions named ...Palette show them as they are meant. CUIBmpLoad, and so CCUIBitmap, shows what
-// the system's LoadImage makes of them: on some systems an empty picture of their size.
+// Rows from the top down (a negative biHeight) are shown as they are meant, except by CUIBmpLoad
+// and so CCUIBitmap::Load, which show what the system's LoadImage makes of them: on some systems an
+// empty picture of their size.
 
 // A BMP file as a packed DIB, or null. Headers other than the 40-byte one are refused. Rows are
 // taken to be aligned to words, of (depth x width) / 8 bytes rounded up to even. A file that cannot
