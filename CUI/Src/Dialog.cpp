@@ -151,7 +151,7 @@ void CCUIDialog::EndDialog(unsigned nResult)
     m_nResult = static_cast<int>(nResult);
     if (!m_hWnd)
         return;
-    // Wakes the loop of the run, wherever it waits.
+    // Wakes the loop of the run even if the window stays.
     PostMessageA(m_hWnd, WM_NULL, 0, 0);
     Destroy();
 }
@@ -263,10 +263,11 @@ void CCUIDialog::OnDestroy()
 }
 
 // The end may come to a loop that waits, sent by another thread: what is posted to the window is
-// lost with it, so the thread itself is woken. A loop that handles a message looks by itself.
+// lost with it, so the thread itself is woken. A loop that handles a message looks by itself, but
+// inside a message that was sent it may have taken what was to wake the loop around it.
 void CCUIDialog::WakeLoop() const
 {
-    if (m_bWaiting)
+    if (m_bWaiting || InSendMessage())
         PostThreadMessageA(GetCurrentThreadId(), WM_NULL, 0, 0);
 }
 

@@ -42,6 +42,8 @@ public:
     using CCUIDialog::OnCancel;
     using CCUIDialog::OnOK;
 
+    bool IsWaiting() const { return const_cast<const volatile int &>(m_bWaiting) != 0; }
+
 protected:
     static constexpr UINT s_nGo = WM_APP + 7;
 
@@ -73,10 +75,19 @@ CTestDialog::Step Post(UINT message, WPARAM wParam)
     return [=](CTestDialog &dialog) { PostMessageA(dialog, message, wParam, 1); };
 }
 
-DWORD WINAPI SendCancel(LPVOID hWnd)
+DWORD WINAPI SendCancel(LPVOID running)
 {
-    SendMessageA(static_cast<HWND>(hWnd), WM_COMMAND, IDCANCEL, 0);
+    const auto &dialog = *static_cast<const CTestDialog *>(running);
+    while (!dialog.IsWaiting())
+        Sleep(1);
+    SendMessageA(dialog, WM_COMMAND, IDCANCEL, 0);
     return 0;
+}
+
+// The loop waits in the very call that serves the message of the other thread.
+void CancelFromAThread(CTestDialog &running)
+{
+    CloseHandle(CreateThread(nullptr, 0, SendCancel, &running, 0, nullptr));
 }
 
 DWORD WINAPI CutSize(HMODULE, HRSRC)
@@ -93,10 +104,17 @@ TEST(Dialog, EndsWithWhatItWasToldInEveryWay)
         running.EndDialog(5);
         running.EndDialog(6);
     };
-    // The loop waits in the very call that serves the message of the other thread.
-    const auto endFromAThread = [](CTestDialog &running) {
-        const HWND hWnd = running;
-        CloseHandle(CreateThread(nullptr, 0, SendCancel, hWnd, 0, nullptr));
+    // Another one that runs below that message takes what was to wake the loop.
+    const auto endBelow = [&](CTestDialog &running) {
+        running.m_on[WM_COMMAND] = [&] {
+            CTestDialog below;
+            const auto endBoth = [&](CTestDialog &other) {
+                running.EndDialog(8);
+                PostMessageA(other, WM_COMMAND, IDOK, 1);
+            };
+            return below.Run(endBoth);
+        };
+        CancelFromAThread(running);
     };
     const std::pair<CTestDialog::Step, int> cases[] = {
         {End(77), 77},
@@ -106,7 +124,8 @@ TEST(Dialog, EndsWithWhatItWasToldInEveryWay)
         {Post(WM_KEYDOWN, VK_ESCAPE), IDCANCEL},
         {[](CTestDialog &running) { running.Destroy(); }, IDCANCEL},
         {endTwice, 6},
-        {endFromAThread, IDCANCEL},
+        {CancelFromAThread, IDCANCEL},
+        {endBelow, 8},
     };
     const int nWindows = WindowCount();
     for (const auto &[inLoop, nResult] : cases) {
@@ -237,11 +256,7 @@ TEST(Dialog, StandsItsOwnDeathWhereverItComes)
     auto *atStart = new CTestDialog;
     atStart->m_onInit = die;
     EXPECT_EQ(IDCANCEL, atStart->Run(nullptr));
-    const auto cancelFromAThread = [](CTestDialog &running) {
-        const HWND hWnd = running;
-        CloseHandle(CreateThread(nullptr, 0, SendCancel, hWnd, 0, nullptr));
-    };
-    EXPECT_EQ(IDCANCEL, (new CDying)->Run(cancelFromAThread));
+    EXPECT_EQ(IDCANCEL, (new CDying)->Run(CancelFromAThread));
     // While it gives its owner back.
     for (const bool bEnd : {true, false}) {
         CTestWindow owner(nullptr, WS_POPUP | WS_VISIBLE);
