@@ -4,16 +4,34 @@
 
 #include <new>
 
-#include "Memory.h"
+#include "CU/Platform.h"
+#include "StringBlock.h"
+
+namespace {
+
+// No caller of this system looks at a null result, so running out of memory ends in the system's
+// own exception, which the crash report names.
+void *Allocate(size_t nSize)
+{
+    void *block = malloc(CUHeapSize(nSize));
+    if (!block)
+        RaiseException(static_cast<DWORD>(STATUS_NO_MEMORY), EXCEPTION_NONCONTINUABLE, 0, nullptr);
+    return block;
+}
+
+// A program with operators of its own is not linked with these, nor with this: it sees each block.
+const CUKeepingOfStringBlocks s_keeping;
+
+}  // namespace
 
 void *operator new(size_t nSize)
 {
-    return CUAllocate(nSize);
+    return Allocate(nSize);
 }
 
 void *operator new[](size_t nSize)
 {
-    return CUAllocate(nSize);
+    return Allocate(nSize);
 }
 
 void operator delete(void *block) noexcept

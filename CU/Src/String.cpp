@@ -256,7 +256,10 @@ bool CCUString::GrowAlone(int nLength, const char *src)
     const bool bOwn = GetData()->nRefs == 1 || IsLocked();
     if (!bOwn || !IsPossible(nLength) || PointsInto(src))
         return false;
-    m_pchData = reinterpret_cast<char *>(CUGrowStringBlock(GetData(), nLength) + 1);
+    CCUStringData *pGrown = CUGrowStringBlock(GetData(), nLength);
+    if (!pGrown)
+        return false;
+    m_pchData = reinterpret_cast<char *>(pGrown + 1);
     return true;
 }
 

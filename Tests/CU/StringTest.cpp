@@ -320,6 +320,13 @@ TEST(String, FirstThreadKeepsSomeOfItsSmallBlocksForTheNextStrings)
     CThreads::Run(1, [&](int) { EXPECT_EQ(makeAndFree(17), nAll); });
     EXPECT_EQ(makeAndFree(116), nAll);
     EXPECT_EQ(heap.Live(), nLive);
+    CCUString grown;
+    std::string text;
+    for (char ch = 0; ch < 127; ++ch) {
+        (grown += ch) += String(text).Left(3);
+        text += ch + text.substr(0, 3);
+        ASSERT_TRUE(Text(grown) == text && grown.GetAllocLength() == grown.GetLength());
+    }
 }
 
 // What a string reports while `act` runs.
