@@ -69,13 +69,14 @@ class Program(Folder):
 
     def check_hello(self, program):
         with tempfile.TemporaryFile("w+") as output:
-            with subprocess.Popen(["wine", program], stdout=output) as hello:
-                self.addCleanup(hello.kill)
-                window = wait_for(lambda: xdotool("search", "--onlyvisible", "--name",
-                                                  "^Hello$").stdout.split(), "the window")[0]
-                for x, y, button in ((100, 90, 1), (130, 130, 1), (130, 130, 3)):
-                    xdotool("mousemove", "--window", window, x, y, "click", button)
-                self.assertEqual(0, hello.wait(60))
+            hello = subprocess.Popen(["wine", program], stdout=output)
+            self.addCleanup(hello.wait)
+            self.addCleanup(hello.kill)
+            window = wait_for(lambda: xdotool("search", "--onlyvisible", "--name",
+                                              "^Hello$").split(), "the window")[0]
+            for x, y, button in ((100, 90, 1), (130, 130, 1), (130, 130, 3)):
+                xdotool("mousemove", "--window", window, x, y, "click", button)
+            self.assertEqual(0, hello.wait(60))
             output.seek(0)
             text = output.read()
         clicks = re.fullmatch(r"Click 1 at (\d+), (\d+)\s+Click 2 at (\d+), (\d+)\s+", text)
