@@ -59,10 +59,7 @@ int CCUIDialog::DoModal(CCUIWindow *pParent)
         return IDCANCEL;
     CWatch watch(this);
     BeginRun(ModeModal);
-    if (pParent && pParent->Exist())
-        m_hRunOwner = pParent->GetSafeOwner(&m_hDisabledTop);
-    RestoreParent(pParent);
-    if (watch.IsGone())
+    if (!TakeOwner(pParent))
         return IDCANCEL;
     m_nResult = IDCANCEL;
     Start(nullptr, m_hRunOwner);
@@ -70,6 +67,29 @@ int CCUIDialog::DoModal(CCUIWindow *pParent)
         return IDCANCEL;
     ModalLoop();
     return watch.IsGone() ? static_cast<int>(IDCANCEL) : m_nResult;
+}
+
+// Finds the owner of a modal run and makes the parent ready for it. False: handlers of the windows
+// that this touches have deleted the dialog.
+bool CCUIDialog::TakeOwner(CCUIWindow *pParent)
+{
+    CWatch watch(this);
+    HWND hOwner = nullptr, hDisabledTop = nullptr;
+    if (pParent && pParent->Exist()) {
+        CWatch parent(pParent);
+        hOwner = pParent->GetSafeOwner(&hDisabledTop);
+        if (parent.IsGone())
+            pParent = nullptr;
+    }
+    if (watch.IsGone()) {
+        if (hDisabledTop)
+            EnableWindow(hDisabledTop, TRUE);
+        return false;
+    }
+    m_hRunOwner = hOwner;
+    m_hDisabledTop = hDisabledTop;
+    RestoreParent(pParent);
+    return !watch.IsGone();
 }
 
 HWND CCUIDialog::DoModeless(CCUIWindow *pParent)

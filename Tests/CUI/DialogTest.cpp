@@ -257,6 +257,16 @@ TEST(Dialog, StandsItsOwnDeathWhereverItComes)
     atStart->m_onInit = die;
     EXPECT_EQ(IDCANCEL, atStart->Run(nullptr));
     EXPECT_EQ(IDCANCEL, (new CDying)->Run(CancelFromAThread));
+    // While it disables what is above its owner.
+    CTestWindow frame(nullptr, WS_POPUP | WS_VISIBLE);
+    CTestWindow tool(frame, WS_POPUP | WS_VISIBLE);
+    auto *early = new CTestDialog;
+    frame.m_on[WM_ENABLE] = [&] {
+        delete std::exchange(early, nullptr);
+        return 0;
+    };
+    EXPECT_EQ(IDCANCEL, early->Run(nullptr, &tool));
+    EXPECT_TRUE(!early && IsWindowEnabled(frame));
     // While it gives its owner back.
     for (const bool bEnd : {true, false}) {
         CTestWindow owner(nullptr, WS_POPUP | WS_VISIBLE);

@@ -146,6 +146,7 @@ private:
     static INT_PTR CALLBACK DialogProc(HWND hWnd, UINT message, WPARAM wParam, LPARAM lParam);
     static BOOL CALLBACK VisitChild(HWND hChild, LPARAM lParam);
     void BeginRun(Mode mode);
+    bool TakeOwner(CCUIWindow *pParent);
     HWND Start(const DLGTEMPLATE *pTemplate, HWND hOwner);
     void MakeBrush();
     void DisableOwner();
