@@ -48,37 +48,26 @@ void CompareCountAlone(const char *name, int nLength)
         "std::string", [&] { BenchKeep(TakeStandard(peer)); }, 0);
 }
 
+template <typename Text>
+void AppendOneByOne(int nCharacters)
+{
+    Text text;
+    for (int i = 0; i < nCharacters; ++i)
+        text += 'x';
+    BenchKeep(text);
+}
+
 void CompareWithGrowing(const char *name, int nCharacters)
 {
     BenchCompare(
-        name,
-        [=] {
-            CCUString text;
-            for (int i = 0; i < nCharacters; ++i)
-                text += 'x';
-            BenchKeep(text);
-        },
-        "std::string",
-        [=] {
-            std::string text;
-            for (int i = 0; i < nCharacters; ++i)
-                text += 'x';
-            BenchKeep(text);
-        },
-        0, 15);
+        name, [=] { AppendOneByOne<CCUString>(nCharacters); }, "std::string",
+        [=] { AppendOneByOne<std::string>(nCharacters); }, 0, 15);
 }
 
 void CompareAppends(const char *name, int nCharacters, double ceiling)
 {
     BenchCompare(
-        name,
-        [=] {
-            CCUString text;
-            for (int i = 0; i < nCharacters; ++i)
-                text += 'x';
-            BenchKeep(text);
-        },
-        "exact-fit new, copy, delete",
+        name, [=] { AppendOneByOne<CCUString>(nCharacters); }, "exact-fit new, copy, delete",
         [=] {
             char *text = new char[1];
             for (int i = 0; i < nCharacters; ++i) {
