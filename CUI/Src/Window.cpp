@@ -125,9 +125,11 @@ void CCUIWindow::Attach(HWND hWnd)
     if (!SetPropA(hWnd, PropertyName(), this))
         return;
     // A former binding may have left our procedure in the chain, below somebody else's. Put on top
-    // once more it would be called by itself.
+    // once more it would be called by itself. What was there before it is on top again where that
+    // somebody has taken all of the chain away.
     CUIWindowBinding binding = {nullptr, nullptr};
-    if (!CUIWindowMapGet(hWnd, binding) || !GetPropA(hWnd, IN_CHAIN))
+    if (!CUIWindowMapGet(hWnd, binding) || !GetPropA(hWnd, IN_CHAIN) ||
+        GetProcedure(hWnd) == binding.pOldProc)
         binding.pOldProc = SetProcedure(hWnd, StaticWindowProc);
     if (!binding.pOldProc) {
         SetPropA(hWnd, PropertyName(), nullptr);

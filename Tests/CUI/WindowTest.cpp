@@ -153,6 +153,17 @@ TEST(Window, LeavesALaterSubclassInPlaceWhenItLetsGo)
     window.Attach(hEdit);
     window.Detach();
     EXPECT_EQ(editProc, GetWindowLongA(hEdit, GWL_WNDPROC));
+
+    // Or it takes ours along, by putting back what was there before all.
+    window.Attach(hEdit);
+    g_pForeignOld = SetProcedure(hEdit, ForeignProc);
+    window.Detach();
+    SetWindowLongA(hEdit, GWL_WNDPROC, editProc);
+    nSeen = 0;
+    window.Attach(hEdit);
+    EXPECT_EQ(1, SendMessageA(hEdit, WM_APP, 0, 0));
+    EXPECT_EQ("text", WindowText(hEdit));
+    window.Detach();
     DestroyWindow(hEdit);
 }
 
