@@ -27,3 +27,8 @@ inline const char *CUFindByte(const char *p, const char *pEnd, char ch)
         ++p;
     return p != pEnd ? p : nullptr;
 }
+
+inline const char *CUOrEmpty(const char *psz)
+{
+    return psz ? psz : "";
+}

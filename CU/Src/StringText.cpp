@@ -1,4 +1,4 @@
-// What a string does with its text: comparing, taking parts, searching, changing in place.
+// What a string does with its text: taking parts, searching, changing in place.
 
 #include "CU/String.h"
 
@@ -11,11 +11,6 @@
 #define CU_SOURCE "String"
 
 namespace {
-
-const char *OrEmpty(const char *psz)
-{
-    return psz ? psz : "";
-}
 
 // Which of the 256 characters are in a set; the NUL that ends the set never is.
 class CCharSet
@@ -42,65 +37,12 @@ private:
     unsigned int m_bits[8];
 };
 
-bool AreSame(const char *p1, const char *p2, int nLength)
-{
-    for (; nLength >= 8; nLength -= 8, p1 += 8, p2 += 8) {
-        if (((CUWord(p1) ^ CUWord(p2)) | (CUWord(p1 + 4) ^ CUWord(p2 + 4))) != 0)
-            return false;
-    }
-    for (; nLength > 0; --nLength) {
-        if (*p1++ != *p2++)
-            return false;
-    }
-    return true;
-}
-
-int CompareBytes(const char *p1, const char *p2)
-{
-    // A word at an address that its size divides lies in one page: where its first byte may be
-    // read, the rest may, beyond the text's end too.
-    if (((reinterpret_cast<size_t>(p1) | reinterpret_cast<size_t>(p2)) & 3) == 0) {
-        for (; CUWord(p1) == CUWord(p2); p1 += 4, p2 += 4) {
-            if (CUHasNul(CUWord(p1)))
-                return 0;
-        }
-    }
-    for (; *p1 == *p2; ++p1, ++p2) {
-        if (*p1 == '\0')
-            return 0;
-    }
-    return static_cast<unsigned char>(*p1) - static_cast<unsigned char>(*p2);
-}
-
 bool IsSpace(char ch)
 {
     return isspace(static_cast<unsigned char>(ch)) != 0;
 }
 
 }  // namespace
-
-int CCUString::Compare(const char *psz) const
-{
-    return CompareBytes(m_pchData, OrEmpty(psz));
-}
-
-// What two strings mostly are asked for is whether they are equal.
-int CCUString::Compare(const CCUString &string) const
-{
-    if (GetLength() == string.GetLength() && AreSame(m_pchData, string, GetLength()))
-        return 0;
-    return CompareBytes(m_pchData, string);
-}
-
-int CCUString::CompareNoCase(const char *psz) const
-{
-    return _stricmp(m_pchData, OrEmpty(psz));
-}
-
-int CCUString::Collate(const char *psz) const
-{
-    return strcoll(m_pchData, OrEmpty(psz));
-}
 
 CCUString CCUString::Mid(int nFirst) const
 {
@@ -140,12 +82,12 @@ CCUString CCUString::Right(int nCount) const
 
 CCUString CCUString::SpanIncluding(const char *set) const
 {
-    return Left(CCharSet(OrEmpty(set)).Span(m_pchData, GetLength(), true));
+    return Left(CCharSet(CUOrEmpty(set)).Span(m_pchData, GetLength(), true));
 }
 
 CCUString CCUString::SpanExcluding(const char *set) const
 {
-    return Left(CCharSet(OrEmpty(set)).Span(m_pchData, GetLength(), false));
+    return Left(CCharSet(CUOrEmpty(set)).Span(m_pchData, GetLength(), false));
 }
 
 int CCUString::Find(char ch) const
@@ -181,7 +123,7 @@ int CCUString::ReverseFind(char ch) const
 
 int CCUString::FindOneOf(const char *set) const
 {
-    const int nIndex = CCharSet(OrEmpty(set)).Span(m_pchData, GetLength(), false);
+    const int nIndex = CCharSet(CUOrEmpty(set)).Span(m_pchData, GetLength(), false);
     return nIndex < GetLength() ? nIndex : -1;
 }
 
