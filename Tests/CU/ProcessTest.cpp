@@ -163,6 +163,8 @@ TEST(Process, InfoHandlersRunByNameOrAll)
 }
 
 // Leaves with alarms armed, due and being served on many threads; notes what runs at the end.
+// The threads wait where they are and the system's timer thread has run before: Wine itself breaks
+// when it kills a thread within its heap, or one that is not quite born.
 std::string *g_pOrder = new std::string;
 const CCUInitializer g_initializer([] { *g_pOrder += "start "; }, [] { *g_pOrder += "end "; });
 struct CLastStatic
@@ -176,15 +178,17 @@ struct CLastStatic
 
 volatile LONG g_nBusy = 0;
 
-DWORD WINAPI ServeBusyTimer(void *)
+DWORD WINAPI ServeBusyTimer(void *pDue)
 {
-    CTestTimer busy([&] {
-        busy.SetAlarm(0);
-        if (busy.m_nCalls == 3)
-            InterlockedIncrement(&g_nBusy);
+    CTestTimer later, due, busy([&] {
+        later.SetAlarm(400);
+        if (pDue)
+            due.SetAlarm(0);
+        InterlockedIncrement(&g_nBusy);
+        Sleep(INFINITE);
     });
     busy.SetAlarm(0);
-    while (busy.m_nCalls < 400 && WaitMessage())
+    while (WaitMessage())
         CFakeClock::Pump();
     return 0;
 }
@@ -196,10 +200,13 @@ void Leave(void (*leave)())
     CURegisterTerminationHandler([] { *g_pOrder += "handler "; });
     CUGetWindow();
     static CTestTimer s_static;
-    s_static.SetAlarm(5);
-    for (int i = 0; i < 6; ++i)
-        CloseHandle(CreateThread(nullptr, 0, ServeBusyTimer, nullptr, 0, nullptr));
-    CTestTimer last([&] { g_nBusy == 6 ? leave() : last.SetAlarm(1); });
+    s_static.SetAlarm(400);
+    for (int i = 0; i < 6; ++i) {
+        void *const pDue = i % 2 ? g_pOrder : nullptr;
+        CloseHandle(CreateThread(nullptr, 0, ServeBusyTimer, pDue, 0, nullptr));
+    }
+    int nTurns = 0;
+    CTestTimer last([&] { g_nBusy == 6 && ++nTurns == 3 ? leave() : last.SetAlarm(1); });
     last.SetAlarm(0);
     while (WaitMessage())
         CFakeClock::Pump();
