@@ -60,13 +60,14 @@ public:
           m_pOwnEnd(pOwnEnd),
           m_nMaxLen(0),
           m_bReadsOwn(false),
+          m_bUnsure(false),
           m_bPlain(true)
     {
         Walk();
     }
     int MaxLen() const { return m_nMaxLen; }
-    // An argument is a part of the target.
-    bool ReadsOwn() const { return m_bReadsOwn; }
+    // An argument is a part of the target, or may be.
+    bool ReadsOwn() const { return m_bReadsOwn || m_bUnsure; }
     // There is nothing in the format but text, "%%" and bare %c %d %i %u %x %s of a text.
     bool IsPlain() const { return m_bPlain; }
 
@@ -92,6 +93,7 @@ private:
     const char *m_pOwnEnd;
     int m_nMaxLen;
     bool m_bReadsOwn;
+    bool m_bUnsure;  // after an unknown conversion, whose argument may still be to come
     bool m_bPlain;
 };
 
@@ -193,7 +195,10 @@ int CFormatEstimate::ItemLength(const CItem &item)
     case 'g':
     case 'G': va_arg(*m_pArgs, double); return Max(FLOAT_LENGTH, Add(item.nWidth, item.nPrecision));
     case 'n': va_arg(*m_pArgs, void *); return 0;
-    default: CU_ASSERT_TEXT(false, "0"); return 0;
+    default:
+        CU_ASSERT_TEXT(false, "0");
+        m_bUnsure = true;
+        return 0;
     }
 }
 
@@ -207,9 +212,11 @@ int CFormatEstimate::StringLength(const CItem &item)
     // A text that a precision cuts needs no NUL.
     const int nMost = item.nPrecision > 0 ? item.nPrecision : INT_MAX;
     const bool bWide = item.chModifier == 'l' || (*m_p == 'S' && item.chModifier != 'h');
-    if (bWide)
-        return TextLength(reinterpret_cast<const wchar_t *>(psz), nMost);
-    return TextLength(psz, nMost);
+    const wchar_t *pwsz = reinterpret_cast<const wchar_t *>(psz);
+    // What cannot be read is no text. Capacity and output stay right where it is one.
+    if (m_bUnsure && (bWide ? IsBadStringPtrW(pwsz, UINT_MAX) : IsBadStringPtrA(psz, UINT_MAX)))
+        return 0;
+    return bWide ? TextLength(pwsz, nMost) : TextLength(psz, nMost);
 }
 
 // The width first, then the precision: a width beyond the precision is cut as well.

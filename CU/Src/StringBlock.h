@@ -15,7 +15,7 @@ CCUStringData *CUNewStringBlock(int nLength);
 // The block, with its text and its locking, at another place where there is no room behind it. Its
 // length is not touched. Null, and nothing done: the operators are not ours.
 CCUStringData *CUGrowStringBlock(CCUStringData *pData, int nLength);
-// After the count has come to 0.
+// After the last owner has let go. Only a block whose count has come to 0 is kept.
 void CUFreeStringBlock(CCUStringData *pData);
 
 // What our operator new asks the heap for. Small blocks come in the heap's own steps, which takes

@@ -77,7 +77,9 @@ TEST(Format, ReportsAndCutsWhatDoesNotFit)
     EXPECT_EQ(reported([] { Expect(Formatted("%10.3s", "abcdef"), 3, "   "); }), TOO_LONG);
     const char *pNull = nullptr;
     EXPECT_EQ(reported([&] { Expect(Formatted("%s", pNull), 1, "("); }), TOO_LONG);
-    EXPECT_EQ(reported([] { Expect(Formatted("%E", 1.5), 0, ""); }), std::string("0; ") + TOO_LONG);
+    EXPECT_EQ(reported([] { Expect(Formatted("%E %s", 1.1, "abc"), 2, "1."); }),
+              std::string("0; ") + TOO_LONG);
+    EXPECT_EQ(reported([] { Expect(Formatted("%I64d %ls", 5LL, L"abc"), 5, "5 abc"); }), "0");
     EXPECT_EQ(reported([] { Expect(Formatted("%*s", -3, "a"), 1, "a"); }),
               std::string("nWidth >= 0; ") + TOO_LONG);
     EXPECT_EQ(reported([] { Expect(Formatted("a%.*d", -1, 7), 33, "a7"); }), "nPrecision >= 0");

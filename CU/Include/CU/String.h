@@ -16,8 +16,8 @@ struct CCUStringData
 
 // The block of every empty string: locked, length 0, capacity 0, one NUL. Never counted or freed.
 extern CU_API CCUStringData *const CUDataNil;
-// Its character. `= CUPchNil` empties a string; a string is empty and owns nothing exactly when
-// its characters are at this address (or at that of a block of its own, of length 0).
+// Its character. A string whose characters are at this address is empty and owns no block; an
+// empty string may also have a block of its own, as after `= ""` or locked.
 extern CU_API const char *const CUPchNil;
 
 // A string of 8-bit characters in the ANSI code page. Copies share one heap block and write to it
@@ -63,7 +63,7 @@ public:
     // nRepeat times ch; empty when nRepeat is below 1.
     CCUString(char ch, int nRepeat);
     // UTF-16 up to its NUL, converted to the ANSI code page; null reads as empty. Capacity is two
-    // characters for each of the source's.
+    // characters for each of the source's, and more only where the code page needs it.
     CCUString(const unsigned short *pszWide);
     CCUString(const wchar_t *pszWide);
     ~CCUString()
@@ -98,7 +98,8 @@ public:
         return m_pchData[nIndex];
     }
     char operator[](int nIndex) const { return GetAt(nIndex); }
-    // 0 to GetLength() - 1. Asserted outside, and stored all the same.
+    // 0 to GetLength() - 1. Asserted outside, and stored all the same: on the empty string into the
+    // NUL that all empty strings share.
     void SetAt(int nIndex, char ch);
 
     // Append; the text may be this string's own.
@@ -136,25 +137,28 @@ public:
     void TrimLeft();   // white space by the C library's isspace
 
     // Replaces the text by a formatted one. Reserves what the format lets expect (each number 32
-    // characters, each float 512, each text its length or width, cut to its precision) and never
-    // grows: output that is longer, such as "%10.3s" or "%.600f", is reported and cut. Understands
-    // %c %C %s %S %d %i %o %p %u %x %X %e %f %g %G %n with flags, width, precision, `*` and one of
-    // h l F N L; anything else is reported and counted as nothing. A null text is printed as far
-    // as its one reserved character. Arguments may point into this string.
+    // characters, each float 512, each %c 2, each text its length or width, cut to its precision)
+    // and never grows: output that is longer, such as "%10.3s" or "%.600f", is reported and cut.
+    // Understands %c %C %s %S %d %i %o %p %u %x %X %e %f %g %G %n with flags, width, precision, `*`
+    // and one of h l F N L; anything else is reported, counted as nothing, and its argument taken
+    // for the next conversion's. A null text counts as one character, a wide one as one for each
+    // wide character. Arguments may point into this string.
     void Format(const char *pszFormat, ...);
 
     // The characters for writing, room for at least nMinBufLength and a NUL; the text stays. Call
-    // ReleaseBuffer before anything else: until then the length is stale.
+    // ReleaseBuffer before anything else: until then the length is stale. A length that cannot be
+    // is reported and leaves the empty string, without room.
     char *GetBuffer(int nMinBufLength);
     // Sets the length after writing; -1: up to the first NUL.
     void ReleaseBuffer(int nNewLength = -1);
     // GetBuffer and ReleaseBuffer in one: the length is set before the characters are written.
     char *GetBufferSetLength(int nNewLength);
-    // Gives back capacity beyond the text.
+    // Gives back capacity beyond the text; where the block is shared, this string takes its own.
     void FreeExtra();
     // Until UnlockBuffer the block belongs to this string alone: copies take blocks of their own,
     // Empty keeps it, and so does an assignment that fits (one that does not takes a larger block,
-    // locked as well). An empty string without a block has nothing to lock.
+    // locked as well). An empty string without a block has nothing to lock. Returns the characters,
+    // for writing up to GetAllocLength(); unlocking what is not locked is reported, no more.
     char *LockBuffer();
     void UnlockBuffer();
     // Takes the text away, and lets go of the block unless it is locked.
@@ -251,8 +255,9 @@ CU_API bool operator>=(const CCUString &s1, const char *s2);
 CU_API bool operator>=(const char *s1, const CCUString &s2);
 
 // ANSI code page from NUL-terminated UTF-16. `count` is the room at mbstr in bytes, the NUL
-// included. Returns the bytes written with the NUL, or 0: no room, or wcstr null. A null mbstr with
-// a count of 0 asks for the bytes needed.
+// included. Returns the bytes written with the NUL, or 0: no room (what is there already has no
+// NUL), wcstr null, or a count from 2^31 on, which is reported. A null mbstr with a count of 0 asks
+// for the bytes needed.
 CU_API int CUWideToMultiByteString(char *mbstr, const unsigned short *wcstr, unsigned int count);
 // The other way; room and result are in 16-bit characters.
 CU_API int CUMultiByteToWideString(unsigned short *wcstr, const char *mbstr, unsigned int count);
