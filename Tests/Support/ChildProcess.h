@@ -3,17 +3,17 @@
 #include <stdlib.h>
 #include <string.h>
 
-#include "CU/Platform.h"
+#include "Support/Process.h"
 
 // A part that this test program plays as another process, with the environment (and so the
 // temporary directory) of the test that starts it:
 //     CHILD_PROCESS(Crash) { *static_cast<volatile int *>(nullptr) = 0; }
 //     EXPECT_EQ(0xC0000005, CChildProcess("Crash").ExitCode());
 // It runs while global objects are constructed, and ends with exit(0).
-class CChildProcess
+class CChildProcess : public CProcess
 {
 public:
-    explicit CChildProcess(const char *part) : m_process()
+    explicit CChildProcess(const char *part)
     {
         char szProgram[MAX_PATH];
         GetModuleFileNameA(nullptr, szProgram, MAX_PATH);
@@ -24,23 +24,6 @@ public:
                        &m_process);
         SetEnvironmentVariableA("TEST_PART", nullptr);
     }
-    ~CChildProcess()
-    {
-        CloseHandle(m_process.hThread);
-        CloseHandle(m_process.hProcess);
-    }
-    CChildProcess(const CChildProcess &) = delete;
-    CChildProcess &operator=(const CChildProcess &) = delete;
-
-    DWORD Id() const { return m_process.dwProcessId; }
-    // Waits for the end.
-    DWORD ExitCode() const
-    {
-        DWORD nCode = 0;
-        WaitForSingleObject(m_process.hProcess, INFINITE);
-        GetExitCodeProcess(m_process.hProcess, &nCode);
-        return nCode;
-    }
     static void Play(const char *part, void (*play)())
     {
         const char *wanted = getenv("TEST_PART");
@@ -50,9 +33,6 @@ public:
         play();
         exit(0);
     }
-
-private:
-    PROCESS_INFORMATION m_process;
 };
 
 #define CHILD_PROCESS(part)                                                       \

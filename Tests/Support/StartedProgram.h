@@ -2,14 +2,14 @@
 
 #include <string>
 
-#include "CU/Platform.h"
+#include "Support/Process.h"
 
 // A program with a window, started as a process of its own.
-class CStartedProgram
+class CStartedProgram : public CProcess
 {
 public:
     // Returns when the program shows a window, or has ended without.
-    explicit CStartedProgram(std::string commandLine, const std::string &folder = ".") : m_process()
+    explicit CStartedProgram(std::string commandLine, const std::string &folder = ".")
     {
         STARTUPINFOA startup = {};
         startup.cb = sizeof startup;
@@ -19,24 +19,12 @@ public:
         while (!m_hWnd && WaitForSingleObject(m_process.hProcess, 20) == WAIT_TIMEOUT)
             EnumWindows(Find, reinterpret_cast<LPARAM>(this));
     }
-    ~CStartedProgram()
-    {
-        CloseHandle(m_process.hThread);
-        CloseHandle(m_process.hProcess);
-    }
-    CStartedProgram(const CStartedProgram &) = delete;
-    CStartedProgram &operator=(const CStartedProgram &) = delete;
-
-    HANDLE Process() const { return m_process.hProcess; }
     HWND Window() const { return m_hWnd; }
     // Gives the command, waits for the end and returns the exit code.
     DWORD End(WORD nCommand) const
     {
         PostMessageA(m_hWnd, WM_COMMAND, nCommand, 0);
-        WaitForSingleObject(m_process.hProcess, INFINITE);
-        DWORD nExit = 1;
-        GetExitCodeProcess(m_process.hProcess, &nExit);
-        return nExit;
+        return ExitCode();
     }
 
 private:
@@ -50,6 +38,5 @@ private:
         return !self.m_hWnd;
     }
 
-    PROCESS_INFORMATION m_process;
     HWND m_hWnd = nullptr;
 };
