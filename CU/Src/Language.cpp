@@ -2,12 +2,23 @@
 
 #include "CU/Language.h"
 
+#include <stdlib.h>
+
 namespace {
 
-CCUString &CurrentLanguage()
+CCUString *s_pLanguage = nullptr;  // made by the first setting
+
+void DeleteLanguage()
 {
-    static CCUString s_sLanguage("english");
-    return s_sLanguage;
+    delete s_pLanguage;
+    s_pLanguage = nullptr;
+}
+
+// The first to be registered is the last to be called: behind the destructors of all global
+// objects, which may still ask for it.
+__attribute__((constructor(101))) void DeleteLanguageAtExit()
+{
+    atexit(DeleteLanguage);
 }
 
 struct CLanguageOffset
@@ -21,6 +32,15 @@ const CLanguageOffset s_offsets[] = {
     {"italian", 4000}, {"dutch", 5000},  {"portuguese", 6000},
 };
 
+unsigned int OffsetOf(const CCUString &sLanguage)
+{
+    for (const CLanguageOffset &offset : s_offsets) {
+        if (sLanguage == offset.pszName)
+            return offset.nOffset;
+    }
+    return 0;
+}
+
 }  // namespace
 
 void CUSetCurrentLanguage(CCUString language)
@@ -28,21 +48,20 @@ void CUSetCurrentLanguage(CCUString language)
     if (language.IsEmpty())
         language = "english";
     language.MakeLower();
-    CurrentLanguage() = language;
+    if (s_pLanguage)
+        *s_pLanguage = language;
+    else
+        s_pLanguage = new CCUString(language);
 }
 
 CCUString CUGetCurrentLanguage()
 {
-    return CurrentLanguage();
+    return s_pLanguage ? *s_pLanguage : CCUString("english");
 }
 
 unsigned int CUGetLocalizedID(unsigned int id)
 {
     // Kept: the texts of one process come in one language, whatever is set later.
-    static const CCUString s_sLatched(CurrentLanguage());
-    for (const CLanguageOffset &offset : s_offsets) {
-        if (s_sLatched == offset.pszName)
-            return id + offset.nOffset;
-    }
-    return id;
+    static const unsigned int s_nLatched = OffsetOf(CUGetCurrentLanguage());
+    return id + s_nLatched;
 }

@@ -50,20 +50,21 @@ CCUString LongDate(const CSource &source)
     return DateText(source, DATE_LONGDATE, nullptr);
 }
 
-CCUString ReadLongDatePicture()
+// One more for a value that does not end in a NUL.
+typedef char CPicture[80 + 1];
+
+void ReadLongDatePicture(CPicture &szPicture)
 {
+    memset(szPicture, 0, sizeof szPicture);
     const CCUVersionInfo version;
-    // One more for a value that does not end in a NUL.
-    char szPicture[80 + 1] = "";
     if (version.IsWin95()) {
         GetProfileStringA("Intl", "sLongDate", "MMM d',' yyyy", szPicture, 80);
-        return szPicture;
+        return;
     }
     const CCURegistry registry(HKEY_CURRENT_USER, "Control Panel\\International");
     DWORD nSize = 80;
-    if (version.IsWinNT() && registry.GetBinary("sLongDate", szPicture, nSize))
-        return szPicture;
-    return "MMM d, yyyy";
+    if (!version.IsWinNT() || !registry.GetBinary("sLongDate", szPicture, nSize))
+        strncpy(szPicture, "MMM d, yyyy", sizeof szPicture);
 }
 
 // Takes one letter from the first place where the name stands in full.
@@ -77,10 +78,11 @@ CCUString LongDatePicture()
 {
     static CCULazyLock s_lock;
     const CCULockGuard guard(s_lock);
-    static CCUString s_sPicture;
+    // Plain characters: destructors of global objects format times, too.
+    static CPicture s_szPicture;
     if (InterlockedExchange(&s_nTimeFormatChanged, 0))
-        s_sPicture = ReadLongDatePicture();
-    return s_sPicture;
+        ReadLongDatePicture(s_szPicture);
+    return s_szPicture;
 }
 
 CCUString AbbreviatedLongDate(const CSource &source)

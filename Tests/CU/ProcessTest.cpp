@@ -7,9 +7,12 @@
 
 #include "CU/CU.h"
 #include "CU/IDGenerator.h"
+#include "CU/Language.h"
 #include "CU/ThreadExit.h"
+#include "CU/Time.h"
 #include "Support/ChildProcess.h"
 #include "Support/FakeClock.h"
+#include "Support/HeapWatch.h"
 #include "Support/TemporaryDirectory.h"
 #include "Support/TestTimer.h"
 #include "Support/Threads.h"
@@ -162,17 +165,23 @@ TEST(Process, InfoHandlersRunByNameOrAll)
     EXPECT_EQ("abcc", g_info);
 }
 
-// Leaves with alarms armed, due and being served on many threads; notes what runs at the end.
+// Leaves with alarms armed, due and being served on many threads; notes what runs at the end, and
+// what the last object that is destroyed can still be told.
 // The threads wait where they are and the system's timer thread has run before: Wine itself breaks
 // when it kills a thread within its heap, or one that is not quite born.
 std::string *g_pOrder = new std::string;
 const CCUInitializer g_initializer([] { *g_pOrder += "start "; }, [] { *g_pOrder += "end "; });
+std::string Date()
+{
+    return static_cast<const char *>(CCUTime(0L).FormatGmt("%sx"));
+}
 struct CLastStatic
 {
     ~CLastStatic()
     {
         if (*g_pOrder != "")
-            std::ofstream(getenv("TEMP") + std::string("/order.txt")) << *g_pOrder;
+            std::ofstream(getenv("TEMP") + std::string("/order.txt"))
+                << *g_pOrder << CUGetCurrentLanguage() << CUGetLocalizedID(0) << Date();
     }
 } g_lastStatic;
 
@@ -198,6 +207,10 @@ void Leave(void (*leave)())
     CUInitialize();
     CUInitialize();
     CURegisterTerminationHandler([] { *g_pOrder += "handler "; });
+    new CHeapWatch;  // overwrites what is given back
+    CUSetCurrentLanguage("French");
+    CUGetLocalizedID(0);
+    Date();
     CUGetWindow();
     static CTestTimer s_static;
     s_static.SetAlarm(400);
@@ -224,12 +237,13 @@ CHILD_PROCESS(ExitProcess)
 TEST(Process, EndsInTheMiddleOfEverything)
 {
     const CTemporaryDirectory directory;
-    for (const char *order : {"", "start handler end ", "start handler end "}) {
+    const std::string order = "start handler end french1000" + Date();
+    for (int i = 0; i < 3; ++i) {
         EXPECT_EQ(6u, CChildProcess("ExitProcess").ExitCode());
-        EXPECT_EQ(order, directory.Contents("order.txt"));
+        EXPECT_EQ(i > 0 ? order : "", directory.Contents("order.txt"));
         EXPECT_EQ(5u, CChildProcess("Exit").ExitCode());
     }
-    EXPECT_EQ("start handler end ", directory.Contents("order.txt"));
+    EXPECT_EQ(order, directory.Contents("order.txt"));
     EXPECT_EQ("", directory.Contents("ZELTrace-*"));
 }
 
