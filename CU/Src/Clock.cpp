@@ -50,12 +50,12 @@ private:
     HANDLE m_hToken;
 };
 
-// The value truncated to an integer within the limits; what is no number becomes 0.
+// The value truncated to an integer within the limits; what is no number becomes the lowest.
 template <typename T>
 T Truncated(double value, double lowest, double highest)
 {
     if (!(value > lowest))
-        return value <= lowest ? static_cast<T>(lowest) : 0;
+        return static_cast<T>(lowest);
     return static_cast<T>(value < highest ? value : highest);
 }
 
@@ -98,9 +98,12 @@ long long CUEpochTicks()
 
 double CUFileTimeToSeconds(const FILETIME &time)
 {
+    // A time from the far end of the 64 bits wraps.
+    const long long nTicks =
+        static_cast<long long>(static_cast<unsigned long long>(CUFileTimeToTicks(time)) -
+                               static_cast<unsigned long long>(CUEpochTicks()));
     // By way of memory: the register's bits beyond a double would show in comparisons.
-    const volatile double seconds =
-        static_cast<double>(CUFileTimeToTicks(time) - CUEpochTicks()) * 1e-7;
+    const volatile double seconds = static_cast<double>(nTicks) * 1e-7;
     return seconds;
 }
 
@@ -156,8 +159,10 @@ bool CUSetSystemTimeAdjustment(double adjustment)
 
 bool CUSetSystemTime(double seconds)
 {
-    // 4e18 is short of the greatest 64-bit number by more than the epoch.
-    const long long nTicks = CUEpochTicks() + Truncated<long long>(seconds * 1e7, -4e18, 4e18);
+    // Either limit gives a time with the highest bit set, which the system does not know.
+    const unsigned long long nTicks =
+        static_cast<unsigned long long>(CUEpochTicks()) +
+        static_cast<unsigned long long>(Truncated<long long>(seconds * 1e7, -9.2e18, 9.2e18));
     FILETIME file;
     file.dwLowDateTime = static_cast<DWORD>(nTicks);
     file.dwHighDateTime = static_cast<DWORD>(nTicks >> 32);

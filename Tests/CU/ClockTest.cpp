@@ -59,6 +59,7 @@ TEST(Clock, DoubleTimeFillsInBetweenTicks)
 {
     EXPECT_EQ(1.5, CUFileTimeToSeconds(ToFileTime(1.5)));
     EXPECT_EQ(-11644473600.0, CUFileTimeToSeconds(FILETIME()));
+    EXPECT_EQ(910692730085.47758, CUFileTimeToSeconds({0, 0x80000000}));  // wraps
     const CImportHook now("GetSystemTimeAsFileTime", CFake::Now);
     const CImportHook counter("QueryPerformanceCounter", CFake::Counter);
     const CImportHook functions("GetProcAddress", CFake::GetFunction);
@@ -123,10 +124,11 @@ TEST(Clock, AdjustmentNeedsThePrivilegeAndTheClockOnlyTries)
     EXPECT_EQ(0, memcmp(&expected, &s_set, sizeof expected));
     EXPECT_EQ(static_cast<DWORD>(WM_TIMECHANGE), s_dwBroadcast);
     EXPECT_TRUE(CUSetSystemTime(0) && s_set.wYear == 1970 && s_set.wDay == 1 && s_set.wHour == 0);
+    EXPECT_TRUE(CUSetSystemTime(9e11) && s_set.wYear == 30489);
     s_bSettable = FALSE;
     s_dwBroadcast = 0;
-    for (const double never : {1e300, -1e300, -2e10, s_notANumber})
-        EXPECT_FALSE(CUSetSystemTime(never)) << never;
+    for (const double never : {1e300, -1e300, -2e10, 9.2e11, s_notANumber})
+        EXPECT_TRUE(!CUSetSystemTime(never) && s_set.wYear == 0) << never;
     EXPECT_EQ(0u, s_dwBroadcast);
 }
 
