@@ -4,7 +4,8 @@
 
 // An object that a thread's end concerns: it gets one OnThreadExit, on that thread, when the thread
 // that registered it ends (by return or ExitThread; for the main thread, at process exit).
-// A thread that is terminated from outside, or by the end of the process, calls nobody.
+// A thread that is terminated from outside, or by the end of the process, calls nobody. The
+// deletion of a fiber that registered an object counts as the end of the thread that deletes it.
 class CU_API CCUThreadExitHandler
 {
 public:

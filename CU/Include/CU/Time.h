@@ -61,9 +61,10 @@ private:
 // value behind. Every year divisible by 4 is a leap year here.
 //
 // Where a zone is asked for, null is the system's current one, as it was at most one tick of
-// GetTickCount ago. The conversions may be called from any thread; the shared record that
-// GetGmtTm(nullptr) and GetLocalTm(nullptr, ...) return is the C library's own and lasts until the
-// next call of either.
+// GetTickCount ago. The conversions may be called from any thread. The shared record that
+// GetGmtTm(nullptr) and GetLocalTm(nullptr, ...) return is the C library's own, one a thread: it
+// lasts until the thread's next call of either (with an `out` of its own, too), of GetYear to
+// GetDayOfWeek, of a Format or Parse function or of gmtime or localtime, or its next trace.
 class CU_API CCUTime
 {
 public:

@@ -3,7 +3,8 @@
 #include "CU/Platform.h"
 #include "CU/String.h"
 
-// The version of the running operating system, asked for at construction.
+// The version of the running operating system, asked for at construction. Windows 8.1 and later
+// report 6.2 to a program whose manifest does not name them.
 class CU_API CCUVersionInfo
 {
 public:
