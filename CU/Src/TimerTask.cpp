@@ -20,9 +20,10 @@ namespace {
 
 const char s_szClass[] = "CCUTimerTask";
 const UINT s_uStartTimer = 1;
-const long s_nStartTick = 500;      // ms
-const long s_nLongestWait = 60000;  // ms
-const long s_nPassTime = 100;       // ms, so that input stays responsive
+const UINT s_nStartTick = 500;                 // ms
+const long s_nLongestWait = 60000;             // ms
+const long s_nPassTime = 100;                  // ms, so that input stays responsive
+const unsigned long s_uFurthest = 0x3FFFFFFF;  // ms, some 12 days
 
 CCULazyLock s_lock;
 CCUTimerTask *s_pFirstTask = nullptr;  // guarded by the lock
@@ -101,6 +102,13 @@ void CALLBACK OnMultimediaTimer(UINT uTimerID, UINT, DWORD_PTR hWnd, DWORD_PTR, 
         PostMessageA(reinterpret_cast<HWND>(hWnd), s_uReal, uTimerID, 0);
 }
 
+// The window is ours alone: where the system has no number left, one of its class's will do.
+UINT MessageId(const char *name, UINT uPrivate)
+{
+    const UINT uMessage = CURegisterMessageId(name);
+    return uMessage ? uMessage : uPrivate;
+}
+
 void RegisterTaskClass(WNDPROC windowProc)
 {
     WNDCLASSA wndClass = {};
@@ -144,12 +152,11 @@ CCUTimerTask *CCUTimerTask::GetThreadTimerTask()
     CCUTimerTask *pTask = CurrentTask();
     if (!pTask) {
         pTask = new CCUTimerTask;
-        // Nobody would find it again, to serve it or to take a dead timer out of it.
-        if (!CUSetThreadLocalStorage(s_nSlot, pTask)) {
+        // Nobody would find it again, to serve it or to take a dead timer out of it, or to end it.
+        if (!CUSetThreadLocalStorage(s_nSlot, pTask) || !CURegisterThreadExitHandler(pTask)) {
             delete pTask;
             return nullptr;
         }
-        CURegisterThreadExitHandler(pTask);
         CCULockGuard guard(s_lock);
         CCUTimerTask **link = &s_pFirstTask;
         while (*link)
@@ -164,8 +171,8 @@ void CCUTimerTask::Initialize()
     CCULockGuard guard(s_lock);
     if (!s_bInitialized) {
         s_bInitialized = true;
-        s_uReal = CURegisterMessageId("TimerTaskReal");
-        s_uMock = CURegisterMessageId("TimerTaskMock");
+        s_uReal = MessageId("TimerTaskReal", WM_USER);
+        s_uMock = MessageId("TimerTaskMock", WM_USER + 1);
         CURegisterProcessInfoHandler("timertask", DumpProcessInfo);
         CURegisterTerminationHandler(EndTimers);
         CCUTimer::s_forget = Forget;
@@ -189,9 +196,9 @@ void CCUTimerTask::SetAlarm(CCUTimer *pTimer, long nMilliseconds)
         KillAlarm(pTimer);
     unsigned long uAlarm = uNow + static_cast<unsigned long>(nMilliseconds);
     // Armed from within TimeOut, it is for a later pass: one that keeps arming itself with 0 would
-    // otherwise be served until the clock ticks.
+    // otherwise be served until the clock ticks, and one that arms itself for "never" without end.
     if (m_pPassStart && Difference(uAlarm, *m_pPassStart) <= 0)
-        uAlarm = *m_pPassStart + 1;
+        uAlarm = *m_pPassStart + (nMilliseconds > 0 ? s_uFurthest : 1);
     uAlarm = Stamp(uAlarm);
     pTimer->m_uAlarm = uAlarm;
 
@@ -252,8 +259,9 @@ void CCUTimerTask::ResetTimer()
         return;
     if (m_uTimerID != 0)
         CancelNotification();
-    else if (m_bMockTimerSet)
-        return;  // it will come
+    // Already pending, or asked for by a handler that the cancelling has let in: it will come.
+    if (m_uTimerID != 0 || m_bMockTimerSet)
+        return;
     if (!m_pFirst)
         return;
     if (m_uStartTick != 0 && Difference(m_pFirst->m_uAlarm, m_uStartTick) > 0)
@@ -276,6 +284,7 @@ void CCUTimerTask::CancelNotification()
         CUDump(">>> CCUTimerTask::ResetTimer Failed to remove pending timer message.\n");
 }
 
+// Messages that other threads have sent are served in here.
 bool CCUTimerTask::RemoveRealMessage()
 {
     MSG msg;
@@ -319,8 +328,8 @@ void CCUTimerTask::MakeWindow()
         m_bMockTimerSet = FALSE;
         --m_nPending;
     }
-    SetTimer(m_hWnd, s_uStartTimer, static_cast<UINT>(s_nStartTick), nullptr);
-    m_uStartTick = Stamp(CUGetTime() + static_cast<unsigned long>(s_nStartTick));
+    const UINT_PTR nTimer = SetTimer(m_hWnd, s_uStartTimer, s_nStartTick, nullptr);
+    m_uStartTick = nTimer ? Stamp(CUGetTime() + s_nStartTick) : 0;
 }
 
 LRESULT CALLBACK CCUTimerTask::WindowProc(HWND hWnd, UINT uMessage, WPARAM wParam, LPARAM lParam)

@@ -146,6 +146,17 @@ TEST(TimeZone, AgreesWithTheSystemBothWaysExceptWhereItsRulesDiffer)
         Zone(60, {0, 10, 0, 5, 1, 0, 0, 0}, {0, 3, 0, 5, 0, 0, 0, 0}),
         Zone(-120, {0, 10, 5, 5, 1, 59, 59, 999}, {0, 3, 4, 5, 23, 59, 59, 999}),
         Zone(-720, {0, 1, 0, 1, 3, 0, 0, 0}, {0, 11, 0, 1, 2, 0, 0, 0}),
+        // New Zealand, Samoa, Israel, Chile, Paraguay, Iran, Egypt; Newfoundland a minute past
+        // midnight; Namibia, whose winter time is the one that differs.
+        Zone(-720, {0, 4, 0, 1, 3, 0, 0, 0}, {0, 9, 0, 5, 2, 0, 0, 0}),
+        Zone(-780, {0, 4, 0, 1, 4, 0, 0, 0}, {0, 9, 0, 5, 3, 0, 0, 0}),
+        Zone(-120, {0, 10, 0, 5, 2, 0, 0, 0}, {0, 3, 5, 4, 2, 0, 0, 0}),
+        Zone(240, {0, 4, 6, 1, 23, 59, 59, 999}, {0, 9, 6, 1, 23, 59, 59, 999}),
+        Zone(240, {0, 3, 6, 4, 23, 59, 59, 999}, {0, 10, 6, 1, 23, 59, 59, 999}),
+        Zone(-210, {0, 9, 2, 3, 23, 59, 59, 999}, {0, 3, 0, 4, 0, 0, 0, 0}),
+        Zone(-120, {0, 9, 4, 5, 23, 59, 59, 999}, {0, 4, 5, 5, 0, 0, 0, 0}),
+        Zone(210, {0, 11, 0, 1, 0, 1, 0, 0}, {0, 3, 0, 2, 0, 1, 0, 0}),
+        Zone(-120, {0, 9, 0, 1, 2, 0, 0, 0}, {0, 4, 0, 1, 2, 0, 0, 0}, 60),
         // Dates instead of weekdays hold in every year.
         Zone(300, {2010, 11, 0, 7, 2, 0, 0, 0}, {2010, 3, 0, 14, 2, 0, 0, 0})};
     for (const TIME_ZONE_INFORMATION &zone : zones) {

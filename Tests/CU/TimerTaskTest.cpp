@@ -121,11 +121,16 @@ TEST_F(TimerTask, OutlivesFailingCallsAndForeignHands)
     CFakeClock clock;
     CTestTimer timer;
     {
+        // For the task, then for its notice of the thread's end.
         const CFailingCall<BOOL(DWORD, void *)> noStorage("TlsSetValue");
-        CFailPlan::Start(CFailPlan::ALL);
-        timer.SetAlarm(100);
-        EXPECT_EQ(nullptr, CCUTimerTask::GetThreadTimerTask());
+        int nMade = 0;
+        CFailPlan::RunAll([&] {
+            timer.SetAlarm(100);
+            nMade += TimerTaskWindow() != nullptr;
+        });
+        EXPECT_EQ(1, nMade);
     }
+    CFailPlan::Start(CFailPlan::ALL);
     PassStartTick(clock);
     clock.m_bFailing = true;
     timer.SetAlarm(100);
@@ -133,10 +138,14 @@ TEST_F(TimerTask, OutlivesFailingCallsAndForeignHands)
     EXPECT_EQ(0, CCUTimerTask::GetThreadTimerTask()->GetPendingCount());
     clock.m_bFailing = false;
     timer.SetAlarm(100);
-    // It has fired but its message has not been served: the message goes.
+    // It has fired but its message has not been served: the message goes. What another thread has
+    // sent comes in between and asks for the notification first.
     clock.Jump(100);
     clock.Fire();
+    CThreads::Run(1, [](int) { SendNotifyMessageA(TimerTaskWindow(), WM_TIMER, 1, 0); });
+    clock.m_delays.clear();
     timer.SetAlarm(200);
+    EXPECT_EQ(std::vector<UINT>{200}, clock.m_delays);
     EXPECT_EQ(0, clock.Pump());
     EXPECT_EQ(1, CCUTimerTask::GetThreadTimerTask()->GetPendingCount());
     // The message is somewhere else; that of the message loop stays what it is.
@@ -160,14 +169,17 @@ TEST_F(TimerTask, OutlivesFailingCallsAndForeignHands)
     SendMessageA(TimerTaskWindow(), uMock, 0, 0);
     EXPECT_EQ(2, timer.m_nCalls);
     EXPECT_EQ(Texts{"TimerTask: TimerTask->m_bMockTimerSet"}, m_reports.Asserts());
-    // Somebody destroys the window while its message is on the way: the next arming makes another.
+    // Somebody destroys the window while its message is on the way: the next arming makes another,
+    // for which there is no window timer to wait for.
     timer.SetAlarm(0);
     DestroyWindow(TimerTaskWindow());
     clock.Run(1000);
-    timer.SetAlarm(0);
+    {
+        const CFailingCall<UINT_PTR(HWND, UINT_PTR, UINT, TIMERPROC)> noTimer("SetTimer");
+        timer.SetAlarm(600);
+    }
     clock.Run(1000);
     EXPECT_EQ(3, timer.m_nCalls);
-    SendMessageA(TimerTaskWindow(), WM_TIMER, 1, 0);
     // A queue without room for the message: the next arming tries again.
     {
         const CFailingCall<BOOL(HWND, UINT, WPARAM, LPARAM)> fullQueue("PostMessageA");
@@ -188,14 +200,16 @@ void ServeOnThreads(int nThreads)
         const DWORD nOwner = GetCurrentThreadId();
         pTimer->m_action = [nOwner] { EXPECT_EQ(nOwner, GetCurrentThreadId()); };
         pTimer[1].SetAlarm(3600000);
-        pTimer->SetAlarm(20);
+        pTimer->SetAlarm(0);
         PumpUntil([&] { return pTimer->m_nCalls > 0; });
+        pTimer->SetAlarm(20);
+        PumpUntil([&] { return pTimer->m_nCalls > 1; });
         pTimer->SetAlarm(0);
         ExitThread(0);
     });
     EXPECT_EQ(nullptr, TimerTaskWindow());
     for (size_t i = 0; i < timers.size(); ++i) {
-        EXPECT_EQ(i % 2 ? 0 : 1, timers[i].m_nCalls);
+        EXPECT_EQ(i % 2 ? 0 : 2, timers[i].m_nCalls);
         timers[i].KillAlarm();  // not armed: nothing to report
         timers[i].SetAlarm(10000);
     }
@@ -211,6 +225,7 @@ TEST_F(TimerTask, ThreadsEndWithTimersArmed)
 TEST_F(TimerTask, ThreadsEndOnOldSystems)
 {
     const CFailingCall<FARPROC(HMODULE, const char *)> oldSystem("GetProcAddress");
+    const CFailingCall<UINT(const char *)> noMessages("RegisterWindowMessageA");
     CFailPlan::Start(CFailPlan::ALL);
     ServeOnThreads(8);
 }

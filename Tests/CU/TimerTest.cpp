@@ -113,11 +113,13 @@ TEST_F(Timer, TimeOutMayArmKillDeleteAndRunALoop)
     EXPECT_EQ(3, again.m_nCalls);
     d->m_action = [&] {
         a->SetAlarm(20);
-        m_clock.Run(50);  // a loop of its own serves alarms that are armed there
+        m_clock.Run(50);       // a loop of its own serves alarms that are armed there
+        d->SetAlarm(MAXLONG);  // not past, seen from the start of the pass
     };
     d->SetAlarm(0);
     m_clock.Run(100);
     EXPECT_EQ("a@11 a@35 ", m_log);
+    EXPECT_EQ(1, d->m_nCalls);
 }
 
 TEST_F(Timer, PassStopsAfterATenthOfASecond)

@@ -5,7 +5,8 @@
 // A one-shot alarm: derive from it, arm it, and TimeOut is called once when the delay has passed,
 // in the message loop of the thread that armed it. An object that never arms costs two words.
 // A timer belongs to the thread that armed it for as long as it is armed: arming, killing and
-// destroying it then is that thread's alone. Delays are milliseconds, at most 2^31 - 1.
+// destroying it then is that thread's alone. Delays are milliseconds from -2^30 to 2^30 - 1 (12
+// days): the clock wraps, and all alarms of a thread must lie within half its range.
 class CU_API CCUTimer
 {
 public:
@@ -19,13 +20,15 @@ protected:
 
 public:
     // The alarm has come. nNow is the CUGetTime at which the serving of due timers began. The timer
-    // is not armed any more, so it may arm itself again, or delete itself.
+    // is not armed any more, so it may arm itself again, or delete itself. A message loop in here
+    // serves the thread's other timers meanwhile. After 100 ms of serving, what else is due waits
+    // for the next turn of the message loop.
     virtual void TimeOut(long nNow);
 
 protected:
     // Arms the timer, in place of any earlier alarm; a delay of 0 or less is served by the next
-    // turn of the message loop. Does nothing after CUShutdown, nor in a process
-    // without a thread-local storage slot to spare.
+    // turn of the message loop, from within TimeOut a millisecond later at the earliest. Does
+    // nothing after CUShutdown, nor in a process without a thread-local storage slot to spare.
     void SetAlarm(long nMilliseconds);
     // The same, unless the timer is armed for that moment or an earlier one.
     void SetAlarmIfEarlier(long nMilliseconds);

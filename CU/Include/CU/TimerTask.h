@@ -7,6 +7,12 @@ class CCUTimer;
 // All armed timers of one thread, in the order in which they are due, behind one hidden window and
 // at most one pending system notification. Made by the thread's first SetAlarm, deleted when the
 // thread ends; every call except GetThreadTimerTask is that thread's. Programs use CCUTimer.
+//
+// CURunProcessInfoHandlers("timertask") writes how many times TimeOut was called, the longest call
+// in milliseconds and the virtual table of the object that took it, and sets all three back to 0.
+// Three debug switches at "\Debug\Timer", 0 at first: with "TimerDebug" above 0, a call of TimeOut
+// is traced that takes more than "TimeOutThreshold" milliseconds (0: 1000), or that comes after
+// "TimerCountThreshold" others (0: 200) in one serving of due timers.
 class CU_API CCUTimerTask : public CCUThreadExitHandler
 {
 public:
@@ -24,7 +30,8 @@ public:
     // Nothing after CUShutdown.
     void ResetTimer();
 
-    // The calling thread's task, made by the first call; null when there is no storage for it.
+    // The calling thread's task, made by the first call; null when there is no storage for it or
+    // for the notice of the thread's end.
     static CCUTimerTask *GetThreadTimerTask();
 
     // Timers that are armed.
