@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <string>
 #include <utility>
 
 // Each test is a process of its own; what was looked up first holds in it.
@@ -19,9 +18,7 @@ TEST(Language, IsEnglishUntilSetAndForAnEmptyName)
 }
 
 // One process for each language.
-class LanguageOffset : public testing::TestWithParam<std::pair<const char *, unsigned int>>
-{
-};
+using LanguageOffset = testing::TestWithParam<std::pair<const char *, unsigned int>>;
 
 TEST_P(LanguageOffset, IsTheOneOfTheFirstLookUp)
 {
@@ -31,10 +28,12 @@ TEST_P(LanguageOffset, IsTheOneOfTheFirstLookUp)
     EXPECT_EQ(CUGetLocalizedID(0xFFFFFFFF), 0xFFFFFFFF + GetParam().second);
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Language, LanguageOffset,
-    testing::Values(std::make_pair("FRENCH", 1000U), std::make_pair("spanish", 2000U),
-                    std::make_pair("German", 3000U), std::make_pair("italian", 4000U),
-                    std::make_pair("dutch", 5000U), std::make_pair("portuguese", 6000U),
-                    std::make_pair("portuguese-brazilian", 0U)),
-    [](const auto &language) { return std::to_string(language.param.second); });
+INSTANTIATE_TEST_SUITE_P(Language, LanguageOffset,
+                         testing::ValuesIn<LanguageOffset::ParamType>({{"FRENCH", 1000},
+                                                                       {"spanish", 2000},
+                                                                       {"German", 3000},
+                                                                       {"italian", 4000},
+                                                                       {"dutch", 5000},
+                                                                       {"portuguese", 6000},
+                                                                       {"portuguese-brazilian",
+                                                                        0}}));
