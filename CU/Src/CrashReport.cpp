@@ -5,6 +5,7 @@
 #include "ExceptionName.h"
 #include "KeepLastError.h"
 #include "StackWalk.h"
+#include "ThreadEnd.h"
 #include "TraceFile.h"
 
 namespace {
@@ -29,7 +30,8 @@ void WriteWhatHappened(FILE *file, const CCrash &crash)
 {
     const EXCEPTION_RECORD &record = *crash.pointers->ExceptionRecord;
     char szProgram[MAX_PATH] = "";
-    GetModuleFileNameA(nullptr, szProgram, MAX_PATH - 1);
+    if (!CUIsAtThreadEnd())
+        GetModuleFileNameA(nullptr, szProgram, MAX_PATH - 1);
     fprintf(file, "Exception:%s  Code:%08lx  Address:%08lx  Thread:%lx  Last Error:%lx\n",
             CUGetExceptionName(record.ExceptionCode), record.ExceptionCode,
             reinterpret_cast<DWORD>(record.ExceptionAddress), crash.dwThreadId, crash.dwLastError);
@@ -67,6 +69,8 @@ void WriteStack(FILE *file, const CCrash &crash)
 DWORD WINAPI WriteReport(void *parameter)
 {
     const CCrash &crash = *static_cast<const CCrash *>(parameter);
+    // Whose own crash must not wait for the report.
+    InterlockedExchange(&s_nReportingThread, static_cast<LONG>(GetCurrentThreadId()));
     FILE *file = CUOpenReport();
     if (!file)
         return 0;

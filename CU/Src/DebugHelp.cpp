@@ -71,9 +71,13 @@ DWORD WINAPI FindModule(HANDLE hProcess, DWORD dwAddress)
     if (dwBase)
         return dwBase;
     MEMORY_BASIC_INFORMATION memory;
+    if (!VirtualQuery(reinterpret_cast<void *>(dwAddress), &memory, sizeof memory))
+        return 0;
     char szPath[MAX_PATH];
-    if (!VirtualQuery(reinterpret_cast<void *>(dwAddress), &memory, sizeof memory) ||
-        !GetModuleFileNameA(static_cast<HMODULE>(memory.AllocationBase), szPath, MAX_PATH))
+    const DWORD nLength =
+        GetModuleFileNameA(static_cast<HMODULE>(memory.AllocationBase), szPath, MAX_PATH);
+    // A longer one is cut, without a NUL on some systems.
+    if (nLength == 0 || nLength >= MAX_PATH)
         return 0;
     return s_functions.SymLoadModule(hProcess, nullptr, szPath, nullptr,
                                      reinterpret_cast<DWORD>(memory.AllocationBase), 0);

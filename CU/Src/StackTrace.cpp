@@ -9,6 +9,7 @@
 #include "KeepLastError.h"
 #include "LazyLock.h"
 #include "StackWalk.h"
+#include "ThreadEnd.h"
 
 namespace {
 
@@ -111,6 +112,8 @@ void FormatLine(DWORD dwAddress, DWORD dwInside, CLine &line)
 {
     line.nLength = 0;
     Append(line, "%08lx", dwAddress);
+    if (CUIsAtThreadEnd())
+        return;
     MEMORY_BASIC_INFORMATION memory;
     char szPath[MAX_PATH];
     // No base means free memory, and would mean the program itself.
@@ -134,7 +137,7 @@ void FormatLine(DWORD dwAddress, DWORD dwInside, CLine &line)
     const char *file = nullptr;
     DWORD nLine = 0;
     if (debugHelp.GetLine(dwInside, file, nLine))
-        Append(line, " %s(%lu)", NameOfPath(file), nLine);
+        Append(line, " %.259s(%lu)", NameOfPath(file), nLine);
 }
 
 // Two threads that held each other would stand for ever.
@@ -172,7 +175,8 @@ bool WalkOtherThread(HANDLE hThread, CCUStackAddresses &stack)
 void CUWalkStack(HANDLE hThread, const CONTEXT &context, CCUStackAddresses &stack)
 {
     stack.nCount = 0;
-    WalkDebugHelp(hThread, context, stack);
+    if (!CUIsAtThreadEnd())
+        WalkDebugHelp(hThread, context, stack);
     // Without the library, or where it knows no further than the first call.
     if (stack.nCount < 2) {
         stack.nCount = 0;
@@ -205,8 +209,11 @@ __attribute__((noinline)) int CUGetStackTrace(HANDLE hThread, char *buffer, unsi
 {
     const CCUKeepLastError keepLastError;
     CCUStackAddresses stack = {};
-    if (!IsCallingThread(hThread)) {
-        WalkOtherThread(hThread, stack);
+    // Any other handle may be the thread's own too, which only the loader could tell.
+    const bool bUnknown = hThread != GetCurrentThread() && CUIsAtThreadEnd();
+    if (bUnknown || !IsCallingThread(hThread)) {
+        if (!bUnknown)
+            WalkOtherThread(hThread, stack);
         return CUFormatStack(stack, buffer, size);
     }
     // As the thread will stand when this function has returned.

@@ -12,6 +12,9 @@ public:
     static bool Remove(CCUThreadExitHandler *pHandler);
     // A handler may register others, which are called too.
     static void Run(bool bKillTimer);
+    // Called by the system, which may hold locks meanwhile.
+    static void RunAtThreadEnd();
+    static bool IsAtThreadEnd() { return CUGetThreadLocalStorage(s_nEndingSlot) != nullptr; }
 
 private:
     static CCUThreadExitHandler *Head()
@@ -22,15 +25,18 @@ private:
 
     static volatile LONG s_nState;
     static int s_nSlot;
+    static int s_nEndingSlot;  // a value while RunAtThreadEnd runs
 };
 
 volatile LONG CCUThreadExitList::s_nState = 0;
 int CCUThreadExitList::s_nSlot = -1;
+int CCUThreadExitList::s_nEndingSlot = -1;
 
 bool CCUThreadExitList::Add(CCUThreadExitHandler *pHandler)
 {
     CUOnce(s_nState, [] {
         s_nSlot = CUAllocateThreadLocalStorageIndex();
+        s_nEndingSlot = CUAllocateThreadLocalStorageIndex();
         CURegisterTerminationHandler(RunAtProcessExit);
     });
     Remove(pHandler);
@@ -62,6 +68,19 @@ void CCUThreadExitList::Run(bool bKillTimer)
         Remove(pHandler);
         pHandler->OnThreadExit(bKillTimer);
     }
+}
+
+void CCUThreadExitList::RunAtThreadEnd()
+{
+    CUSetThreadLocalStorage(s_nEndingSlot, &s_nEndingSlot);  // any value but null
+    Run(true);
+    // The end of a fiber is not that of its thread.
+    CUSetThreadLocalStorage(s_nEndingSlot, nullptr);
+}
+
+bool CUIsAtThreadEnd()
+{
+    return CCUThreadExitList::IsAtThreadEnd();
 }
 
 CCUThreadExitHandler::~CCUThreadExitHandler()
@@ -120,13 +139,13 @@ void WINAPI OnFiberLocalEnd(void *)
     if (s_shutdownInProgress())
         RunLastThreadCall();
     else
-        CCUThreadExitList::Run(true);
+        CCUThreadExitList::RunAtThreadEnd();
 }
 
 void NTAPI OnLoaderNotice(void *, DWORD nReason, void *)
 {
     if (nReason == DLL_THREAD_DETACH)
-        CCUThreadExitList::Run(true);
+        CCUThreadExitList::RunAtThreadEnd();
     else if (nReason == DLL_PROCESS_DETACH)
         RunLastThreadCall();
 }

@@ -113,12 +113,20 @@ CHILD_PROCESS(Shutdown)
     CUShutdownAfterCrash(true);
     Start(), WriteToNull();
 }
-CHILD_PROCESS(CrashAgain)
+static void CrashAgain(void (*crash)())
 {
     CUShutdownAfterCrash(true);
     Start();
     CURegisterExceptionHandler([](FILE *) { RaiseUnknown(); });
-    WriteToNull();
+    crash();
+}
+CHILD_PROCESS(CrashAgain)
+{
+    CrashAgain(WriteToNull);
+}
+CHILD_PROCESS(OverflowAgain)
+{
+    CrashAgain(OverflowStack);
 }
 
 struct CCase
@@ -167,7 +175,8 @@ TEST(CrashReport, NamesWhatEscapedAndLeavesTheEndToWhoeverIsToMakeIt)
           CCase{"CallIt", 0xE0505643, "Pure Virtual Function Call", "CAbstract::CallIt"},
           CCase{"EarlierFilter", ExitCodeOfFilter, access, "WriteToNull"},
           CCase{"Shutdown", 0xC0000005, access, "WriteToNull"},
-          CCase{"CrashAgain", 0xE1234567, access, "WriteToNull"}})
+          CCase{"CrashAgain", 0xE1234567, access, "WriteToNull"},
+          CCase{"OverflowAgain", 0xE1234567, "EXCEPTION_STACK_OVERFLOW", "Recurse"}})
         ExpectReport(c);
 }
 

@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "CU/Assert.h"
 #include "CU/CU.h"
 #include "CU/IDGenerator.h"
 #include "CU/Language.h"
@@ -143,6 +144,29 @@ TEST(Process, ThreadsHaveSlotsAndExitHandlersOfTheirOwn)
     for (const std::string &log : logs)
         EXPECT_EQ("acd", log);
     EXPECT_EQ(logs, CUGetThreadLocalStorage(nSlot));
+}
+
+struct CAssertingHandler : CCUThreadExitHandler
+{
+    void OnThreadExit(bool) override { CUDisplayAssert("at the end", "Source", 1); }
+};
+
+// A report that asked the loader would wait for a thread that starts, and that for this one.
+CHILD_PROCESS(AssertAtThreadEnd)
+{
+    CAssertingHandler handlers[8];
+    CThreads::Run(8, [&](int nThread) { CURegisterThreadExitHandler(&handlers[nThread]); });
+}
+
+TEST(Process, AssertionsAtTheEndOfAThreadAreReported)
+{
+    const CTemporaryDirectory directory;
+    EXPECT_EQ(0u, CChildProcess("AssertAtThreadEnd").ExitCode());
+    const std::string text = directory.Contents("ZELTrace-*");
+    int nReports = 0;
+    for (size_t n = 0; (n = text.find("Last Error:0\r\n\r\n00", n)) != std::string::npos; ++n)
+        ++nReports;
+    EXPECT_EQ(8, nReports) << text;
 }
 
 std::string g_info;

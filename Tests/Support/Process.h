@@ -17,10 +17,12 @@ public:
 
     HANDLE Process() const { return m_process.hProcess; }
     DWORD Id() const { return m_process.dwProcessId; }
-    // Waits for the end.
+    // Waits for the end, and makes one for a process that hangs.
     DWORD ExitCode() const
     {
         DWORD nCode = STILL_ACTIVE;
+        if (WaitForSingleObject(m_process.hProcess, 120000) == WAIT_TIMEOUT)
+            TerminateProcess(m_process.hProcess, WAIT_TIMEOUT);
         WaitForSingleObject(m_process.hProcess, INFINITE);
         GetExitCodeProcess(m_process.hProcess, &nCode);
         return nCode;

@@ -10,4 +10,6 @@
 // a terminated text of fewer than `size` characters; what does not fit is left out by whole lines.
 // Returns the number of lines, 0 when nothing could be walked. Keeps the last error. The system's
 // debug-help library is loaded at the first call; without it the walk follows the frame pointers.
+// From inside OnThreadExit at a thread's end only that thread can be walked, as GetCurrentThread(),
+// and the lines are addresses alone.
 CU_API int CUGetStackTrace(HANDLE hThread, char *buffer, unsigned int size);

@@ -3,7 +3,7 @@
 #include "CU/Platform.h"
 
 // An object that a thread's end concerns: it gets one OnThreadExit, on that thread, when the thread
-// that registered it ends (by return or ExitThread; for the main thread, at process exit).
+// that registered it ends: by return or ExitThread, or by exit, which the end of main calls too.
 // A thread that is terminated from outside, or by the end of the process, calls nobody. The
 // deletion of a fiber that registered an object counts as the end of the thread that deletes it.
 class CU_API CCUThreadExitHandler
@@ -14,7 +14,8 @@ public:
     CCUThreadExitHandler &operator=(const CCUThreadExitHandler &) = delete;
 
     // The object is not registered any more and usually deletes itself. bKillTimer: system timers
-    // may be stopped. Must not wait for another thread: the system may hold its loader's lock.
+    // may be stopped. Must neither wait for another thread nor take the loader's lock (LoadLibrary,
+    // GetProcAddress): the system may hold that lock, or one that its holder waits for.
     virtual void OnThreadExit(bool bKillTimer) = 0;
     // Takes the object off the calling thread's list; it must not be in another thread's.
     virtual ~CCUThreadExitHandler();
