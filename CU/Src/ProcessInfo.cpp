@@ -3,43 +3,40 @@
 
 #include "CU/CU.h"
 #include "LazyLock.h"
+#include "Registered.h"
 
 namespace {
 
-// A handler that is taken back stays in the list without a function, so that the list can be walked
-// while handlers run and change it.
-struct CProcessInfo
+struct CProcessInfo : CCURegistered
 {
-    CProcessInfo *volatile next;
     void (*volatile handler)();
     char name[1];
 };
 
 CCULazyLock s_lock;
-CProcessInfo *volatile s_first = nullptr;
+CCURegistered *volatile s_first = nullptr;
+volatile LONG s_nLastOrder = 0;
 
+// Of that name, registered or taken back.
 CProcessInfo *Find(const char *name)
 {
-    CProcessInfo *info = s_first;
-    while (info && strcmp(info->name, name) != 0)
-        info = info->next;
-    return info;
+    CCURegistered *item = s_first;
+    while (item && strcmp(static_cast<CProcessInfo *>(item)->name, name) != 0)
+        item = item->next;
+    return static_cast<CProcessInfo *>(item);
 }
 
-bool Append(const char *name, void (*handler)())
+CProcessInfo *Add(const char *name)
 {
     const size_t nLength = strlen(name);
     CProcessInfo *info = static_cast<CProcessInfo *>(malloc(sizeof *info + nLength));
     if (!info)
-        return false;
-    info->next = nullptr;
-    info->handler = handler;
+        return nullptr;
+    info->next = s_first;
+    info->nOrder = 0;
     memcpy(info->name, name, nLength + 1);
-    CProcessInfo *volatile *link = &s_first;
-    while (*link)
-        link = &(*link)->next;
-    *link = info;
-    return true;
+    s_first = info;
+    return info;
 }
 
 }  // namespace
@@ -51,8 +48,12 @@ bool CURegisterProcessInfoHandler(const char *name, void (*handler)())
     CCULockGuard guard(s_lock);
     CProcessInfo *info = Find(name);
     if (!info)
-        return Append(name, handler);
+        info = Add(name);
+    if (!info)
+        return false;
     info->handler = handler;
+    if (info->nOrder == 0)
+        info->nOrder = InterlockedIncrement(&s_nLastOrder);
     return true;
 }
 
@@ -61,17 +62,19 @@ void CUUnregisterProcessInfoHandler(const char *name)
     CCULockGuard guard(s_lock);
     CProcessInfo *info = name ? Find(name) : nullptr;
     if (info)
-        info->handler = nullptr;
+        info->nOrder = 0;
 }
 
 int CURunProcessInfoHandlers(const char *name)
 {
+    const LONG nLast = s_nLastOrder;
     int nCount = 0;
-    for (CProcessInfo *info = s_first; info; info = info->next) {
-        void (*const handler)() = info->handler;
-        if (!handler || (name && strcmp(info->name, name) != 0))
+    LONG nOrder = 0;
+    while (CCURegistered *item = CUNextRegistered(s_first, nOrder, nLast)) {
+        const CProcessInfo *info = static_cast<CProcessInfo *>(item);
+        if (name && strcmp(info->name, name) != 0)
             continue;
-        handler();
+        info->handler();
         ++nCount;
     }
     return nCount;

@@ -7,7 +7,9 @@
 #include "CU/Dump.h"
 #include "CU/String.h"
 #include "CU/Time.h"
+#include "Atomic.h"
 #include "KeepLastError.h"
+#include "Registered.h"
 
 namespace {
 
@@ -18,28 +20,19 @@ const char TraceFilePattern[] =
     "-??.txt";
 const long SecondsOfDay = 24 * 60 * 60;
 
-// One registered handler. Nodes are only added until the process ends, so that a report, which may
-// come from a crash, walks the list without a lock while others change it.
-struct CReportHandler
+// A report may come from a crash, whoever holds what lock.
+struct CReportHandler : CCURegistered
 {
-    void (*handler)(FILE *);  // null: taken away
-    CReportHandler *next;
+    void (*volatile handler)(FILE *);
 };
 
-CReportHandler *s_pFirstHandler = nullptr;
-LONG s_nListUsers = 0;  // threads that look at nodes
+CCURegistered *volatile s_pFirstHandler = nullptr;
+volatile LONG s_nLastOrder = 0;
+LONG s_nListUsers = 0;  // threads that look at items
 
-template <typename T>
-bool Exchange(T *place, T expected, T value)
+CReportHandler *NextHandler(LONG &nOrder, LONG nLast)
 {
-    return __atomic_compare_exchange_n(place, &expected, value, false, __ATOMIC_SEQ_CST,
-                                       __ATOMIC_SEQ_CST);
-}
-
-template <typename T>
-T Load(T *place)
-{
-    return __atomic_load_n(place, __ATOMIC_SEQ_CST);
+    return static_cast<CReportHandler *>(CUNextRegistered(s_pFirstHandler, nOrder, nLast));
 }
 
 class CListUse
@@ -54,15 +47,29 @@ public:
 // At the end of the process. A thread that is in the list still keeps what it has.
 void DeleteHandlers()
 {
-    CReportHandler *node = __atomic_exchange_n(
-        &s_pFirstHandler, static_cast<CReportHandler *>(nullptr), __ATOMIC_SEQ_CST);
-    if (Load(&s_nListUsers) != 0)
+    CCURegistered *item = s_pFirstHandler;
+    s_pFirstHandler = nullptr;
+    if (InterlockedExchangeAdd(&s_nListUsers, 0) != 0)
         return;
-    while (node) {
-        CReportHandler *next = node->next;
-        delete node;
-        node = next;
+    while (item) {
+        CCURegistered *const next = item->next;
+        delete static_cast<CReportHandler *>(item);
+        item = next;
     }
+}
+
+// One that was taken back, or a new one; not ready yet.
+CReportHandler *TakeItem()
+{
+    for (CCURegistered *item = s_pFirstHandler; item; item = item->next) {
+        if (InterlockedCompareExchange(&item->nOrder, -1, 0) == 0)
+            return static_cast<CReportHandler *>(item);
+    }
+    CReportHandler *const item = new CReportHandler{{nullptr, -1}, nullptr};
+    CUPushFront<CCURegistered>(s_pFirstHandler, item, &CCURegistered::next);
+    if (!item->next)
+        atexit(DeleteHandlers);
+    return item;
 }
 
 // False when there is none, or when it is longer than a path may be.
@@ -83,33 +90,18 @@ void CURegisterExceptionHandler(void (*handler)(FILE *))
     if (!handler)
         return;
     const CListUse use;
-    CReportHandler *node = nullptr;
-    CReportHandler **place = &s_pFirstHandler;
-    for (;;) {
-        CReportHandler *last = nullptr;
-        for (; Load(place); place = &last->next)
-            last = Load(place);
-        // Who registers and unregisters in turns finds its old node here.
-        if (last && Exchange<void (*)(FILE *)>(&last->handler, nullptr, handler))
-            break;
-        if (!node)
-            node = new CReportHandler{handler, nullptr};
-        if (Exchange<CReportHandler *>(place, nullptr, node)) {
-            if (place == &s_pFirstHandler)
-                atexit(DeleteHandlers);
-            return;
-        }
-    }
-    delete node;
+    CReportHandler *const item = TakeItem();
+    item->handler = handler;
+    InterlockedExchange(&item->nOrder, InterlockedIncrement(&s_nLastOrder));
 }
 
 void CUUnregisterExceptionHandler(void (*handler)(FILE *))
 {
-    if (!handler)
-        return;
     const CListUse use;
-    for (CReportHandler *node = Load(&s_pFirstHandler); node; node = Load(&node->next)) {
-        if (Exchange<void (*)(FILE *)>(&node->handler, handler, nullptr))
+    LONG nOrder = 0;
+    while (CReportHandler *item = NextHandler(nOrder, s_nLastOrder)) {
+        if (item->handler == handler &&
+            InterlockedCompareExchange(&item->nOrder, 0, nOrder) == nOrder)
             return;
     }
 }
@@ -132,13 +124,12 @@ FILE *CUOpenReport()
 void CUCloseReport(FILE *file)
 {
     const CListUse use;
-    for (CReportHandler *node = Load(&s_pFirstHandler); node; node = Load(&node->next)) {
-        void (*handler)(FILE *) = Load(&node->handler);
-        if (!handler)
-            continue;
+    const LONG nLast = s_nLastOrder;
+    LONG nOrder = 0;
+    while (CReportHandler *item = NextHandler(nOrder, nLast)) {
         // A handler that crashes takes no more along than its own text.
         fflush(file);
-        handler(file);
+        item->handler(file);
     }
     fclose(file);
 }

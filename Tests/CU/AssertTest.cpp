@@ -4,6 +4,7 @@
 
 #include "CU/Assert.h"
 #include "Support/FakeTime.h"
+#include "Support/HeapWatch.h"
 #include "Support/TemporaryDirectory.h"
 #include "Support/Threads.h"
 
@@ -12,14 +13,6 @@
 namespace {
 
 const char Separator[] = "========================================================\r\n";
-
-size_t Count(const std::string &text, const std::string &part)
-{
-    size_t nCount = 0;
-    for (size_t n = text.find(part); n != std::string::npos; n = text.find(part, n + 1))
-        ++nCount;
-    return nCount;
-}
 
 std::string s_calls;
 
@@ -60,7 +53,8 @@ TEST(Assert, AppendsAReportToTheDaysFile)
     const int nLine = __LINE__ + 1;
     EXPECT_EQ(1, FailTheCheck(1));
     EXPECT_EQ(0xABCDu, GetLastError());
-    EXPECT_EQ(2u, Count(directory.Contents("ZELTrace-2019-12-31.txt"), "Assert:before "));
+    const std::string eve = directory.Contents("ZELTrace-2019-12-31.txt");
+    EXPECT_LT(eve.find("Assert:before "), eve.rfind("Assert:before "));
     const std::string text = directory.Contents("ZELTrace-2020-01-01.txt");
 
     const SYSTEMTIME midnight = {2020, 1, 3, 1, 0, 0, 0, 0};
@@ -114,12 +108,18 @@ TEST(Assert, CallsTheReportHandlersInOrder)
     EXPECT_STREQ("\r\n\r\nfirst\r\nfirst\r\n", text.c_str() + text.size() - 18);
     CUUnregisterExceptionHandler(First);
     CUUnregisterExceptionHandler(Fleeting);
-    for (int i = 0; i < 3; ++i) {
-        CURegisterExceptionHandler(Fleeting);
-        CUUnregisterExceptionHandler(Fleeting);
+    {
+        const CHeapWatch heap;
+        for (int i = 0; i < 10; ++i) {
+            CURegisterExceptionHandler(Fleeting);
+            CUUnregisterExceptionHandler(Second);
+            CURegisterExceptionHandler(Second);
+            CUUnregisterExceptionHandler(Fleeting);
+        }
+        EXPECT_EQ(0, CHeapWatch::Made());
     }
     CUDisplayAssert("a", "Source", 1);
-    EXPECT_EQ("F12121", s_calls);
+    EXPECT_EQ("F12112", s_calls);
 }
 
 TEST(NoRecur, ReportsARunningFunctionAndTakesTheFlag)
@@ -132,8 +132,8 @@ TEST(NoRecur, ReportsARunningFunctionAndTakesTheFlag)
         EXPECT_TRUE(directory.Files("*").empty());
         {
             const CCUNoRecur inner(&nFlag);
-            EXPECT_EQ(1u,
-                      Count(directory.Contents("*"), "Assert:*m_nFlag == 0  File:Assert  Line:"));
+            const std::string text = directory.Contents("*");
+            EXPECT_NE(std::string::npos, text.find("Assert:*m_nFlag == 0  File:Assert  Line:"));
         }
         EXPECT_EQ(0, nFlag);
         nFlag = 5;

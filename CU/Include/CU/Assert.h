@@ -11,9 +11,12 @@
 // Returns 0: go on.
 CU_API int CUDisplayAssert(const char *expression, const char *file, int line);
 
-// Adds and removes a function that writes to the open trace file at the end of every report, in
-// the order of registration. A null handler, or one that is not registered, is ignored.
+// Adds a function that writes to the open trace file at the end of every report, in the order of
+// registration; one that is added twice is called twice. Null is ignored.
 CU_API void CURegisterExceptionHandler(void (*handler)(FILE *));
+// Takes one registration back, the earliest of that function. One that is not registered is
+// ignored. Both may be called from inside a handler: one added there is called from the next report
+// on.
 CU_API void CUUnregisterExceptionHandler(void (*handler)(FILE *));
 
 // Checks a contract: evaluates `expression` once and reports it when it does not hold. The value is
