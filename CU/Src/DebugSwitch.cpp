@@ -49,7 +49,8 @@ void ReadSetting(const char *text, const char *path, const char *name, long *val
         const char *digits = number + (*number == '-' || *number == '+');
         const bool bHex = digits[0] == '0' && (digits[1] == 'x' || digits[1] == 'X');
         char *end = nullptr;
-        nRead = strtol(number, &end, bHex ? 16 : 10);
+        // Flags may take the sign's place.
+        nRead = bHex ? static_cast<long>(strtoul(number, &end, 16)) : strtol(number, &end, 10);
         if (end == number)
             return;
         text = SkipSpaces(end);

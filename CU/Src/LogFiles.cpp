@@ -62,7 +62,11 @@ FILE *CreateNamedByTime(const CCUString &sTempDir, CCUString &sName)
 {
     CCUTime time;
     for (int i = 0; i < MostNames; ++i, time += CCUTimeSpan(1)) {
-        sName = CUTranslateFileName(sTempDir + time.Format("\\ZELLog-%Y-%m-%d-%H-%M-%S.txt"));
+        const CCUString sTimed = time.Format("\\ZELLog-%Y-%m-%d-%H-%M-%S.txt");
+        // Past the last second that a time can hold.
+        if (sTimed.IsEmpty())
+            return nullptr;
+        sName = CUTranslateFileName(sTempDir + sTimed);
         FILE *file = CreateNew(sName);
         if (file || errno != EEXIST)
             return file;

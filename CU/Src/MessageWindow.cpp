@@ -50,8 +50,9 @@ public:
     explicit CMessageWindowOwner(HWND hWnd) : m_hWnd(hWnd) {}
     void OnThreadExit(bool) override
     {
-        if (s_hWnd == m_hWnd && DestroyWindow(m_hWnd))
-            UnregisterClassA(s_szClass, GetModuleHandleA(nullptr));
+        // The class stays: another thread may be about to use it.
+        if (s_hWnd == m_hWnd)
+            DestroyWindow(m_hWnd);
         delete this;
     }
 
@@ -66,9 +67,19 @@ HWND MakeWindow()
     wndClass.lpfnWndProc = MessageWindowProc;
     wndClass.hInstance = hInstance;
     wndClass.lpszClassName = s_szClass;
-    RegisterClassA(&wndClass);  // fails when another thread's window was there before
+    RegisterClassA(&wndClass);  // fails when another window was there before
     return CreateWindowExA(0, s_szClass, s_szClass, WS_POPUP, 0, 0, 0, 0, nullptr, nullptr,
                            hInstance, nullptr);
+}
+
+// Sees to the window's end; false when that cannot be.
+bool WatchThreadEnd(HWND hWnd)
+{
+    CMessageWindowOwner *const pOwner = new CMessageWindowOwner(hWnd);
+    const bool bWatched = CURegisterThreadExitHandler(pOwner);
+    if (!bWatched)
+        delete pOwner;
+    return bWatched;
 }
 
 }  // namespace
@@ -79,9 +90,11 @@ HWND CUGetWindow()
         return s_hWnd;
     CCULockGuard guard(s_lock);
     if (!s_hWnd && !CUIsShutdown()) {
-        s_hWnd = MakeWindow();
-        if (s_hWnd)
-            CURegisterThreadExitHandler(new CMessageWindowOwner(s_hWnd));
+        const HWND hWnd = MakeWindow();
+        if (hWnd && !WatchThreadEnd(hWnd))
+            DestroyWindow(hWnd);
+        else
+            s_hWnd = hWnd;
     }
     return s_hWnd;
 }

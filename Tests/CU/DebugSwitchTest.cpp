@@ -17,6 +17,7 @@ TEST(DebugSwitch, IsFoundByNameAndSetByTheUserOrTheProgram)
                  {";;Level=1;Level=2;", 2},
                  {"Level=010", 10},
                  {"Level=99999999999", 0x7FFFFFFF},
+                 {"Level=0x80000001", -0x7FFFFFFF},
                  {"Level=", 0},
                  {"Level=5x", 0},
                  {"Level=0x", 0},

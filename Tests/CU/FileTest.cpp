@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <array>
 #include <string>
 
 #include "CU/File.h"
@@ -10,22 +11,19 @@
 
 namespace {
 
-// What the system was asked to open last.
-struct COpened
-{
-    std::string name;
-    DWORD dwAccess, dwShare, dwCreation, dwAttributes;
-    BOOL bInherit;
-} s_opened;
+// Access, sharing, creation and inheritance that the system was asked for last.
+typedef std::array<DWORD, 4> COpening;
+COpening s_opening;
 int s_nOpened = 0;
 
 HANDLE WINAPI FakeCreateFile(const char *name, DWORD dwAccess, DWORD dwShare,
                              SECURITY_ATTRIBUTES *security, DWORD dwCreation, DWORD dwAttributes,
                              HANDLE hTemplate)
 {
-    EXPECT_TRUE(!hTemplate && !security->lpSecurityDescriptor);
-    EXPECT_EQ(sizeof *security, security->nLength);
-    s_opened = {name, dwAccess, dwShare, dwCreation, dwAttributes, security->bInheritHandle};
+    EXPECT_TRUE(!hTemplate && !security->lpSecurityDescriptor &&
+                security->nLength == sizeof *security && dwAttributes == FILE_ATTRIBUTE_NORMAL);
+    EXPECT_STREQ("name", name);
+    s_opening = {dwAccess, dwShare, dwCreation, static_cast<DWORD>(security->bInheritHandle)};
     ++s_nOpened;
     SetLastError(ERROR_SHARING_VIOLATION);
     return INVALID_HANDLE_VALUE;
@@ -69,24 +67,19 @@ TEST(File, OpenHandsItsFlagsToTheSystem)
     const struct
     {
         unsigned int nFlags;
-        DWORD dwAccess, dwShare, dwCreation;
-        BOOL bInherit;
-    } cases[] = {{0x0, R, 0, OPEN_EXISTING, TRUE},    {0x11, W, 0, OPEN_EXISTING, TRUE},
-                 {0x30, R, SW, OPEN_EXISTING, TRUE},  {0x8042, R | W, SR | SW, OPEN_EXISTING, TRUE},
-                 {0x80, R, 0, OPEN_EXISTING, FALSE},  {0x1000, R, 0, CREATE_ALWAYS, TRUE},
-                 {0x2000, R, 0, OPEN_EXISTING, TRUE}, {0xB0A1, W, SR, OPEN_ALWAYS, FALSE},
-                 {0x4000, R, 0, OPEN_EXISTING, TRUE}};
+        COpening opening;
+    } cases[] = {{0x0, {R, 0, OPEN_EXISTING, 1}},    {0x11, {W, 0, OPEN_EXISTING, 1}},
+                 {0x30, {R, SW, OPEN_EXISTING, 1}},  {0x8042, {R | W, SR | SW, OPEN_EXISTING, 1}},
+                 {0x80, {R, 0, OPEN_EXISTING, 0}},   {0x1000, {R, 0, CREATE_ALWAYS, 1}},
+                 {0x2000, {R, 0, OPEN_EXISTING, 1}}, {0xB0A1, {W, SR, OPEN_ALWAYS, 0}},
+                 {0x4000, {R, 0, OPEN_EXISTING, 1}}};
     for (const auto &c : cases) {
         CCUFile file;
         EXPECT_EQ(0, file.Open("name", c.nFlags));
         EXPECT_EQ(static_cast<DWORD>(ERROR_SHARING_VIOLATION), GetLastError());
         EXPECT_FALSE(file.isOpen());
         EXPECT_STREQ("name", file.GetFileName());
-        EXPECT_TRUE(s_opened.name == "name" && s_opened.dwAccess == c.dwAccess &&
-                    s_opened.dwShare == c.dwShare && s_opened.dwCreation == c.dwCreation &&
-                    s_opened.bInherit == c.bInherit &&
-                    s_opened.dwAttributes == FILE_ATTRIBUTE_NORMAL)
-            << c.nFlags;
+        EXPECT_EQ(c.opening, s_opening) << c.nFlags;
     }
     EXPECT_EQ(1, reports.Count("(nOpenFlags & typeText) == 0", "File"));
     s_nOpened = 0;

@@ -111,6 +111,19 @@ TEST_F(LogFiles, ANameThatIsTakenIsTheNextSecond)
     RemoveDirectoryA(Path(NameOf(m_noon + 1)).c_str());
 }
 
+TEST_F(LogFiles, ATimeThatHasNoNextSecondHasNoNextName)
+{
+    static int s_nTries = 0;
+    static const CImportHook open(
+        "_sopen", +[](const char *name, int nFlags, int nShare, int nMode) {
+            ++s_nTries;
+            return open.Original<int(const char *, int, int, int)>()(name, nFlags, nShare, nMode);
+        });
+    Make(m_directory, NameOf(CFakeTime::s_now = 0x7FFFFFFF));
+    CUDump("text");
+    EXPECT_EQ(1, s_nTries);
+}
+
 TEST_F(LogFiles, AFullFileIsContinuedByTheNextText)
 {
     CCallbacks callbacks;

@@ -14,7 +14,7 @@
 #include "Support/ChildProcess.h"
 #include "Support/FakeClock.h"
 #include "Support/HeapWatch.h"
-#include "Support/TemporaryDirectory.h"
+#include "Support/Reports.h"
 #include "Support/TestTimer.h"
 #include "Support/Threads.h"
 
@@ -160,13 +160,22 @@ CHILD_PROCESS(AssertAtThreadEnd)
 
 TEST(Process, AssertionsAtTheEndOfAThreadAreReported)
 {
-    const CTemporaryDirectory directory;
+    const CReports reports;
     EXPECT_EQ(0u, CChildProcess("AssertAtThreadEnd").ExitCode());
-    const std::string text = directory.Contents("ZELTrace-*");
-    int nReports = 0;
-    for (size_t n = 0; (n = text.find("Last Error:0\r\n\r\n00", n)) != std::string::npos; ++n)
-        ++nReports;
-    EXPECT_EQ(8, nReports) << text;
+    EXPECT_EQ(8, reports.Count("at the end", "Source"));
+    const std::string text = reports.Directory().Contents("ZELTrace-*");
+    EXPECT_NE(std::string::npos, text.find("\r\n\r\n00")) << text;
+}
+
+DWORD WINAPI NoSlot()
+{
+    return TLS_OUT_OF_INDEXES;
+}
+
+TEST(Process, NoMessageWindowWithoutAWatchOverItsEnd)
+{
+    const CImportHook tlsAlloc("TlsAlloc", NoSlot);
+    EXPECT_EQ(nullptr, CUGetWindow());
 }
 
 std::string g_info;
@@ -182,11 +191,14 @@ TEST(Process, InfoHandlersRunByNameOrAll)
         CURegisterProcessInfoHandler("c", [] { g_info += "c"; });
     });
     CURegisterProcessInfoHandler("a", [] { g_info += "a"; });
-    EXPECT_EQ(3, CURunProcessInfoHandlers());
+    EXPECT_EQ(2, CURunProcessInfoHandlers());
     EXPECT_EQ(1, CURunProcessInfoHandlers("c"));
     EXPECT_EQ(0, CURunProcessInfoHandlers("b"));
     CUUnregisterProcessInfoHandler(nullptr);
-    EXPECT_EQ("abcc", g_info);
+    CUUnregisterProcessInfoHandler("a");
+    CURegisterProcessInfoHandler("a", [] { g_info += "a"; });  // now behind c
+    EXPECT_EQ(2, CURunProcessInfoHandlers());
+    EXPECT_EQ("abcca", g_info);
 }
 
 // Leaves with alarms armed, due and being served on many threads; notes what runs at the end, and

@@ -24,7 +24,7 @@ public:
     std::vector<std::string> Asserts()
     {
         const std::vector<std::string> all = All();
-        const std::vector<std::string> asserts(all.begin() + m_nSeen, all.end());
+        std::vector<std::string> asserts(all.begin() + m_nSeen, all.end());
         m_nSeen += static_cast<int>(asserts.size());
         return asserts;
     }

@@ -82,12 +82,12 @@ private:
 // thread; a second call does nothing.
 CU_API void CUInitialize();
 
-// Functions that write what a part of the process is doing to the trace, by name. The name must
-// outlive the registration; a handler registered again under its name is replaced. False without
-// memory or for a null argument.
+// Functions that write what a part of the process is doing to the trace, by name, which is copied.
+// Where the name has a handler the new one takes its place and its turn. False without memory or
+// for a null argument.
 CU_API bool CURegisterProcessInfoHandler(const char *name, void (*handler)());
 // A name that is not registered is ignored.
 CU_API void CUUnregisterProcessInfoHandler(const char *name);
 // Runs the handler of that name, or with null all of them in the order of registration; how many
-// it ran. A handler may register and unregister handlers.
+// it ran. A handler may register and unregister handlers; new ones run from the next call on.
 CU_API int CURunProcessInfoHandlers(const char *name = nullptr);

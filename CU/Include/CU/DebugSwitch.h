@@ -8,12 +8,14 @@
 // each "name=number" or "\path\name=number", such as
 // "TimerDebug=1;\Debug\Timer\TimeOutThreshold=250". Letter case does not matter, nor do spaces
 // around names and numbers; numbers are decimal, or hexadecimal after 0x; a name alone means 1; the
-// last setting of a switch counts.
+// last setting of a switch counts. A number beyond 32 bits counts as the last one within: signed
+// ones if decimal, unsigned ones, which fill the same bits, if hexadecimal.
 // Any thread may read and set; construct and destroy at start-up, exit, or under CUEnterMutex.
 class CU_API CCUDebugSwitch
 {
 public:
-    // Both texts must outlive the object. The path begins with a backslash: "\Debug\Timer".
+    // Both texts must outlive the object; neither is null. The path begins with a backslash:
+    // "\Debug\Timer".
     CCUDebugSwitch(const char *path, const char *name);
     ~CCUDebugSwitch();
     CCUDebugSwitch(const CCUDebugSwitch &) = delete;

@@ -9,7 +9,8 @@ class CCUString;
 // may call; one critical section serialises everything here, callbacks included, so a callback
 // must not wait for a thread that dumps. Nothing here fails towards its caller: an output that
 // does not work is left out. The thread's last error is kept. From the first constructor of a
-// global object to the last destructor; what comes later at process exit goes to the debugger only.
+// global object to the last destructor; what comes later at process exit goes to the debugger only,
+// and settings and registrations do nothing.
 
 // Formats as printf does and dumps the text. A text of 2048 characters or more is reported with
 // "nLength < DumpBufferSize" and cut to 2047; CUDumpString takes any length.
@@ -52,16 +53,18 @@ CU_API void CUDumpUnRegisterWindow(HWND hWnd, unsigned int message);
 //   - of the rest, the oldest go until filesToKeep are left. With manageAllFiles false (the
 //     default) this second step counts and deletes no more files than were known before.
 //
-// Defaults: 30 days, 50 files, 0 bytes (no limit), false. Returns 1.
+// Defaults: 30 days, 50 files, 0 bytes, false. A maxFileSize of 0 or less is no limit. Returns 1.
 CU_API int CUDumpConfigLogFileManagement(int daysToKeep, int filesToKeep, long maxFileSize,
                                          bool manageAllFiles);
-// Reads the four settings; a null pointer is passed over.
+// Reads the four settings; a null pointer is passed over. Once the trace has ended nothing is
+// filled in.
 CU_API void CUDumpGetConfigLogFileManagement(int *daysToKeep, int *filesToKeep, long *maxFileSize,
                                              bool *manageAllFiles);
 
-// Told after the text that followed the size limit has opened a new file and gone into it. What it
-// dumps itself goes everywhere; where that runs over again it is told from inside itself, up to 8
-// calls deep.
+// Told after the text that followed the size limit has opened a new file and gone into it; also
+// after each text that has gone into the full one because no new one could be made. What it dumps
+// itself goes everywhere; where that runs over again it is told from inside itself, up to 8 calls
+// deep.
 class CU_API CCUDumpFileOverrunCallback
 {
 public:

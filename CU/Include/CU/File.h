@@ -52,15 +52,18 @@ public:
     // "m_hFile != 0", a null buffer with "lpBuf != 0".
     virtual unsigned int Read(void *lpBuf, unsigned int nCount);
     virtual unsigned int Write(const void *lpBuf, unsigned int nCount);
-    // The new position in bytes from the start, or -1, reported with "0". An origin that is none
-    // is reported too. Files of 2 GiB and more are beyond it.
+    // The new position in bytes from the start, or -1, reported with "0". No open file is reported
+    // with "m_hFile != 0" before, an origin that is none with
+    // "nFrom == begin || nFrom == end || nFrom == current". Files of 2 GiB and more are beyond it.
     virtual long Seek(long lOff, unsigned int nFrom);
 
-    // In bytes from the start. Goes through Seek.
+    // In bytes from the start; 0xFFFFFFFF on failure. Goes through Seek and its reports.
     unsigned long GetPosition() const;
-    // In bytes; the position stays. Goes through Seek.
+    // In bytes; 0xFFFFFFFF on failure. Goes through Seek and its reports. The position stays; where
+    // it cannot be restored "dwCur == (DWORD)pFile->Seek(dwCur, begin)" is reported.
     unsigned long GetLength() const;
-    // Brings what was written to the disk.
+    // Brings what was written to the disk; without effect when nothing is open. A failure is
+    // reported with "0", always so on a file that was opened for reading alone.
     void Flush();
     // Without effect when nothing is open. A failure is reported with "0" and the object is closed
     // all the same.
@@ -72,8 +75,10 @@ private:
 };
 
 // Creates the directories of a path that are missing, and where pathEndsInFileName is 0 also the
-// one it ends with. 1, or 0 for an empty path or when one cannot be created, which is traced;
-// those created before stay. A file that stands where a directory should counts as present.
+// one it ends with. The path is read as CUTranslateFileName gives it; of a network path the server
+// is left alone, the share is the first to be looked at. 1, or 0 for an empty path or when one
+// cannot be created, which is traced as "CreateDirectory %s error\n"; those created before stay. A
+// file that stands where a directory should counts as present.
 CU_API int CCUFileCreateDirs(CCUString path, int pathEndsInFileName);
 
 // The name with every "/" turned into "\", cut to 500 characters; empty for null.

@@ -21,7 +21,7 @@ public:
 
     // Opens the key "a\b\c" below hRoot, which must stay open as long as this object does; null or
     // "" is the root itself. Read-only: the key must exist. Read-write: missing keys are made. What
-    // was open is closed first, also when this fails.
+    // was open is closed first, also when this fails: the object's own GetKey() is no root for it.
     bool Open(HKEY hRoot, const char *pszPath, bool bReadOnly = true);
     // Without effect when nothing is open.
     void Close();
@@ -56,7 +56,7 @@ public:
     bool DeleteKey(const char *pszPath);
 
     // The name of the nIndex-th key or value (from 0, in no particular order) of the open key;
-    // false past the last.
+    // false past the last, and for a key whose name has more than 255 bytes.
     bool GetKeyName(int nIndex, CCUString &sName) const;
     bool GetValueName(int nIndex, CCUString &sName) const;
 
