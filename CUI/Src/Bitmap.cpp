@@ -16,6 +16,11 @@ const char *ToResourceID(UINT nID)
     return reinterpret_cast<const char *>(static_cast<ULONG_PTR>(nID & 0xFFFF));
 }
 
+bool IsNumber(const char *pszID)
+{
+    return reinterpret_cast<ULONG_PTR>(pszID) >> 16 == 0;
+}
+
 CUIBitmapData *NewData(HBITMAP hBitmap)
 {
     return new CUIBitmapData{1, 0, 0, 0, nullptr, hBitmap};
@@ -53,7 +58,7 @@ void RefreshDimensions(CUIBitmapData &data)
                    "m_nWidth > 0 && m_nHeight > 0 && m_nDepth > 0");
 }
 
-// The numeric id to try when the resource's own name finds nothing.
+// What to try when the resource's own name finds nothing: only a number is tried.
 const char *SecondID(const CUIBitmapSource &source)
 {
     if (source.m_sBitmap.IsEmpty())
@@ -92,7 +97,8 @@ HBITMAP LoadResourceBitmap(CUIBitmapSource &source, const CSubstitution &map)
     if (hBitmap)
         return hBitmap;
     CUIBmpDeleteObject(&source.m_hPalette);  // made before the bitmap was found impossible
-    return LoadNamed(source, source.m_hInst, SecondID(source), map);
+    const char *pszSecond = SecondID(source);
+    return IsNumber(pszSecond) ? LoadNamed(source, source.m_hInst, pszSecond, map) : nullptr;
 }
 
 HBITMAP LoadFileBitmap(CUIBitmapSource &source, const CSubstitution &map)
@@ -102,6 +108,7 @@ HBITMAP LoadFileBitmap(CUIBitmapSource &source, const CSubstitution &map)
     return LoadNamed(source, nullptr, source.m_sBitmap, map);
 }
 
+// A trace may call code that lets go of the bitmap: the caller holds the record meanwhile.
 void LoadFromSource(CUIBitmapData &data, const CSubstitution &map)
 {
     if (!data.m_pSource)
@@ -202,7 +209,9 @@ void CCUIBitmap::ReLoad(DWORD *pFrom, DWORD *pTo, int nCount)
     if (m_pchData->m_nRefs >= 2 && pSource)
         LoadNew(pSource->m_pszID ? CCUString() : pSource->m_sBitmap, pSource->m_pszID,
                 pSource->m_wFlags, pSource->m_hInst);
-    LoadFromSource(*m_pchData, {pFrom, pTo, nCount});
+    const CCUIBitmap hold(*this);
+    // NOLINTNEXTLINE(clang-analyzer-cplusplus.NewDelete): the count keeps the record.
+    LoadFromSource(*hold.m_pchData, {pFrom, pTo, nCount});
 }
 
 void CCUIBitmap::Empty()
@@ -282,5 +291,6 @@ void CCUIBitmap::LoadNew(const CCUString &sName, const char *pszID, WORD wFlags,
     pData->m_pSource = NewSource(sName, pszID, wFlags, hInst);
     Empty();
     m_pchData = pData;
+    const CCUIBitmap hold(*this);
     LoadFromSource(*pData, {nullptr, nullptr, 0});
 }

@@ -41,7 +41,9 @@ bool FindParts(CFileParts &parts, const BITMAPINFOHEADER &header, DWORD nOffset,
     const LONGLONG nRow =
         ((static_cast<LONGLONG>(header.biBitCount) * header.biWidth >> 3) + 1) & ~1;
     const LONGLONG nHeight = header.biHeight;
-    if (nTable > nFile - nHeaders || nRow < 0 || (nRow > nFile && nHeight != 0))
+    // The headers were read, whatever a length that is no length says.
+    const DWORD nBehind = nFile - nHeaders;
+    if (nBehind > LONG_MAX || nTable > nBehind || nRow < 0 || (nRow > nFile && nHeight != 0))
         return false;
     const ULONGLONG nPixels = static_cast<ULONGLONG>(nRow * (nHeight < 0 ? -nHeight : nHeight));
     // Files are not sought beyond what a long holds.

@@ -33,26 +33,26 @@ void MapColors(RGBQUAD *pTable, DWORD nColors, const CUIColorMap &map)
 }
 
 // Colours, palette and bitmap of a DIB with a full table. Without pPixels they follow the table,
-// and nothing but the header is known to be there.
+// and nothing but the header is known to be there. After a longer header too the palette is made of
+// what is 40 bytes from its start, as CUIBmpCreateDIBPalette makes it.
 HBITMAP Convert(HDC hScreen, BITMAPINFOHEADER *pbih, const void *pPixels, HPALETTE *phPal,
                 const CUIColorMap *pMap)
 {
-    RGBQUAD *pTable = reinterpret_cast<BITMAPINFO *>(pbih)->bmiColors;
-    const DWORD nClaimed = CUIDibColorCount(*pbih);
-    const DWORD nColors = nClaimed < CUI_DIB_MAX_COLORS ? nClaimed : CUI_DIB_MAX_COLORS;
-    if (!pPixels && !CUIMemoryHolds(pTable, CUIDibTableSize(nColors), pMap != nullptr))
-        return nullptr;
-    if (pMap)
-        MapColors(pTable, nColors, *pMap);
-    if (phPal) {
-        *phPal = CUIPaletteFromTable(pTable, nColors);
-        CUIRealizeForLoad(hScreen, *phPal);
-    }
+    const DWORD nColors = CUIDibTableColors(*pbih);
     const ULONGLONG nPixels = static_cast<ULONGLONG>(pbih->biSize) + nFullTable;
     if (!pPixels && !CUIMemoryHolds(pbih, CUIDibExtent(*pbih, nPixels), false))
         return nullptr;
-    return CUIDibToBitmap(hScreen, pbih,
-                          pPixels ? pPixels : reinterpret_cast<const char *>(pbih) + nPixels);
+    char *pTable = reinterpret_cast<char *>(pbih) + pbih->biSize;
+    if (pMap) {
+        if (!pPixels && !CUIMemoryHolds(pTable, CUIDibTableSize(nColors), true))
+            return nullptr;
+        MapColors(reinterpret_cast<RGBQUAD *>(pTable), nColors, *pMap);
+    }
+    if (phPal) {
+        *phPal = CUIPaletteFromTable(reinterpret_cast<BITMAPINFO *>(pbih)->bmiColors, nColors);
+        CUIRealizeForLoad(hScreen, *phPal);
+    }
+    return CUIDibToBitmap(hScreen, pbih, pPixels ? pPixels : pTable + nFullTable);
 }
 
 // The rows of a section that has them from the bottom up, if a plain DIB of its size has the same.
@@ -64,8 +64,9 @@ const void *PlainRows(HBITMAP hDIB)
     return bPlain ? section.dsBm.bmBits : nullptr;
 }
 
-// The picture of a DIB section of any layout, by way of a plain DIB with a full table.
-HBITMAP ConvertSection(HDC hScreen, HBITMAP hDIB, bool bBottomUp, HPALETTE *phPal,
+// The picture of a DIB section of any layout, by way of a plain DIB with a full table. The section
+// goes as soon as its rows are copied.
+HBITMAP ConvertSection(HDC hScreen, CCUIOwned<HBITMAP> &hDIB, bool bBottomUp, HPALETTE *phPal,
                        const CUIColorMap *pMap)
 {
     BITMAP bm = {};
@@ -101,9 +102,12 @@ HBITMAP ConvertSection(HDC hScreen, HBITMAP hDIB, bool bBottomUp, HPALETTE *phPa
     memset(pBlock, 0, nHeaders);
     pInfo->bmiHeader = header;
     HBITMAP hBitmap = nullptr;
-    if (GetDIBits(hScreen, hDIB, 0, nCopied, pBlock + nHeaders, pInfo, DIB_RGB_COLORS))
+    if (GetDIBits(hScreen, hDIB, 0, nCopied, pBlock + nHeaders, pInfo, DIB_RGB_COLORS)) {
+        if (!pRows)
+            hDIB.Delete();
         hBitmap =
             Convert(hScreen, &pInfo->bmiHeader, pRows ? pRows : pBlock + nHeaders, phPal, pMap);
+    }
     free(pBlock);
     return hBitmap;
 }
@@ -138,8 +142,8 @@ HBITMAP CUIBmpLoad(HINSTANCE hInst, const char *pszName, HPALETTE *phPal, bool b
     const bool bFile = !hInst && IsName(pszName);
     const UINT nFlags = LR_CREATEDIBSECTION | LR_DEFAULTSIZE;
     bool bBottomUp = false;
-    const CCUIOwned<HBITMAP> hDIB(bFile ? LoadFileSection(pszName, nFlags, bBottomUp)
-                                        : LoadResourceSection(hInst, pszName, nFlags, bBottomUp));
+    CCUIOwned<HBITMAP> hDIB(bFile ? LoadFileSection(pszName, nFlags, bBottomUp)
+                                  : LoadResourceSection(hInst, pszName, nFlags, bBottomUp));
     if (!hDIB) {
         if (bFile)
             CUDump("Error loading bitmap %s.\n", pszName);

@@ -38,9 +38,8 @@ HPALETTE CUIPaletteFromTable(const RGBQUAD *pTable, DWORD nColors)
 
 HPALETTE CUIBmpCreateDIBPalette(BITMAPINFO *pbmi, int *pnColors)
 {
-    const DWORD nClaimed = CUIDibColorCount(pbmi->bmiHeader);
-    *pnColors = static_cast<int>(nClaimed);
-    const DWORD nColors = nClaimed < CUI_DIB_MAX_COLORS ? nClaimed : CUI_DIB_MAX_COLORS;
+    *pnColors = static_cast<int>(CUIDibColorCount(pbmi->bmiHeader));
+    const DWORD nColors = CUIDibTableColors(pbmi->bmiHeader);
     if (!CUIMemoryHolds(pbmi->bmiColors, CUIDibTableSize(nColors), false))
         return nullptr;
     return CUIPaletteFromTable(pbmi->bmiColors, nColors);

@@ -11,10 +11,21 @@ CCUIBmpSharedDC g_bmpWorkDC;
 
 static CCUIDepthMemo s_depth;
 
-CCUIBmpSharedDC::~CCUIBmpSharedDC()
+static struct CReleaseAtExit
+{
+    ~CReleaseAtExit()
+    {
+        g_bmpImageDC.Release();
+        g_bmpMaskDC.Release();
+        g_bmpWorkDC.Release();
+    }
+} s_releaseAtExit;
+
+void CCUIBmpSharedDC::Release()
 {
     if (m_hDC)
         DeleteDC(m_hDC);
+    m_hDC = nullptr;
 }
 
 HDC CCUIBmpSharedDC::For(HDC hDC)
@@ -22,8 +33,7 @@ HDC CCUIBmpSharedDC::For(HDC hDC)
     const int nBits = s_depth.Of(hDC);
     if (m_hDC && m_nBits == nBits)
         return m_hDC;
-    if (m_hDC)
-        DeleteDC(m_hDC);
+    Release();
     m_hDC = CreateCompatibleDC(hDC);
     CU_ASSERT_TEXT(m_hDC, "*pMemDC = CreateCompatibleDC(hDC)");
     m_nBits = nBits;  // compatible: the same

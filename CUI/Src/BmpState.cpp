@@ -14,16 +14,17 @@ RGBQUAD Quad(DWORD cr)
     return {GetBValue(cr), GetGValue(cr), GetRValue(cr), 0};
 }
 
-// What is kept from one drawing to the next, released at exit.
+// What is kept from one drawing to the next, released at exit; who draws still later makes it
+// again.
 class CStateCache
 {
 public:
     CStateCache() = default;
-    ~CStateCache();
     CStateCache(const CStateCache &) = delete;
     CStateCache &operator=(const CStateCache &) = delete;
 
     void Prepare(DWORD crFace, DWORD crHilite);
+    void Release();
     HDC BitmapDC() const { return m_hBitmapDC; }
     HDC MaskDC() const { return m_hMaskDC; }
     HBRUSH Pattern() const { return m_hbrPattern; }
@@ -55,11 +56,13 @@ HBRUSH MakePattern(DWORD crFace, DWORD crHilite)
     return CreatePatternBrush(bitmap);
 }
 
-CStateCache::~CStateCache()
+void CStateCache::Release()
 {
     DeleteDC(m_hBitmapDC);
     DeleteDC(m_hMaskDC);
     DeleteObject(m_hbrPattern);
+    m_hBitmapDC = m_hMaskDC = nullptr;
+    m_hbrPattern = nullptr;
 }
 
 void CStateCache::Prepare(DWORD crFace, DWORD crHilite)
@@ -77,6 +80,11 @@ void CStateCache::Prepare(DWORD crFace, DWORD crHilite)
 }
 
 CStateCache s_cache;
+
+struct CReleaseAtExit
+{
+    ~CReleaseAtExit() { s_cache.Release(); }
+} s_releaseAtExit;
 
 // One drawing: the image is in the bitmap DC, a bitmap of the area's size in the mask DC.
 class CStateDrawing

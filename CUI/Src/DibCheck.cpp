@@ -19,6 +19,7 @@ ULONGLONG ReadHeader(const CAnyHeader &any, BITMAPINFOHEADER &header)
     if (any.m_core.bcSize == sizeof any.m_core) {
         header = {};
         header.biSize = sizeof header;
+        header.biPlanes = any.m_core.bcPlanes;
         header.biWidth = any.m_core.bcWidth;
         header.biHeight = any.m_core.bcHeight;
         header.biBitCount = any.m_core.bcBitCount;
@@ -26,19 +27,20 @@ ULONGLONG ReadHeader(const CAnyHeader &any, BITMAPINFOHEADER &header)
         return sizeof any.m_core + nColors * static_cast<ULONGLONG>(sizeof(RGBTRIPLE));
     }
     header = any.m_info;
-    const DWORD nColors = CUIDibColorCount(header);
-    const DWORD nKept = nColors < CUI_DIB_MAX_COLORS ? nColors : CUI_DIB_MAX_COLORS;
-    return CUIDibHeaderSize(header) + CUIDibTableSize(nKept);
+    return CUIDibHeaderSize(header) + CUIDibTableSize(CUIDibTableColors(header));
 }
 
 // nPixels: where the pixels are said to be, 0: after the colours. nSize: all bytes from the header.
+// Where the pixels have a place of their own, in files, more colours may be claimed than there are:
+// a file is mapped for loading, and header and colours cannot reach beyond its first page.
 bool IsSound(const CAnyHeader &any, ULONGLONG nPixels, ULONGLONG nSize, bool &bBottomUp)
 {
     BITMAPINFOHEADER header;
     const ULONGLONG nHead = ReadHeader(any, header);
     bBottomUp = header.biHeight > 0;
     // The first byte after the colours is looked at in any case.
-    return nHead < nSize && (nPixels ? nPixels : nHead) + CUIDibImageSize(header) <= nSize;
+    return (nPixels || nHead < nSize) &&
+           (nPixels ? nPixels : nHead) + CUIDibImageSize(header) <= nSize;
 }
 
 }  // namespace

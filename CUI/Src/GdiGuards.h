@@ -123,7 +123,13 @@ class CCUIOwned : private CCUIGdiGuard
 {
 public:
     explicit CCUIOwned(Handle hObject) : m_hObject(hObject) {}
-    ~CCUIOwned() { DeleteObject(m_hObject); }
+    ~CCUIOwned() { Delete(); }
+    // Before its time.
+    void Delete()
+    {
+        DeleteObject(m_hObject);
+        m_hObject = nullptr;
+    }
     operator Handle() const { return m_hObject; }
 
 private:

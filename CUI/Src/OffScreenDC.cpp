@@ -1,5 +1,7 @@
 #include "CUI/OffScreenDC.h"
 
+#include <new>
+
 #include "CU/Assert.h"
 #include "DepthMemo.h"
 
@@ -66,10 +68,22 @@ void CCUIOffScreenDC::Grow(HDC hDC, int cx, int cy)
         m_bitmap = bitmap;
 }
 
+// Made at the first call and released at exit, whereupon another one takes its place: what still
+// paints then finds one that is whole.
+alignas(CCUIOffScreenDC) static char s_dc[sizeof(CCUIOffScreenDC)];
+
 CCUIOffScreenDC *CUIGetOSDC()
 {
-    static CCUIOffScreenDC s_dc;
-    return &s_dc;
+    static const struct CProcessDC
+    {
+        CProcessDC() { new (s_dc) CCUIOffScreenDC; }
+        ~CProcessDC()
+        {
+            reinterpret_cast<CCUIOffScreenDC *>(s_dc)->~CCUIOffScreenDC();
+            new (s_dc) CCUIOffScreenDC;
+        }
+    } s_made;
+    return reinterpret_cast<CCUIOffScreenDC *>(s_dc);
 }
 
 // Made at start-up, when there is one thread only.

@@ -55,6 +55,12 @@ DWORD CUIDibColorCount(const BITMAPINFOHEADER &header)
     return header.biBitCount <= 8 ? 1U << header.biBitCount : 0;
 }
 
+DWORD CUIDibTableColors(const BITMAPINFOHEADER &header)
+{
+    const DWORD nColors = CUIDibColorCount(header);
+    return nColors < CUI_DIB_MAX_COLORS ? nColors : CUI_DIB_MAX_COLORS;
+}
+
 ULONGLONG CUIDibHeaderSize(const BITMAPINFOHEADER &header)
 {
     const DWORD nWithMasks = sizeof header + sizeof(DWORD[3]);
@@ -65,8 +71,8 @@ ULONGLONG CUIDibHeaderSize(const BITMAPINFOHEADER &header)
 ULONGLONG CUIDibImageSize(const BITMAPINFOHEADER &header)
 {
     if (header.biSize < sizeof(BITMAPINFOHEADER) || header.biSize > sizeof(BITMAPV5HEADER) ||
-        header.biSize % sizeof(DWORD) != 0 || header.biWidth < 0 || header.biHeight == LONG_MIN ||
-        header.biBitCount > 32)
+        header.biSize % sizeof(DWORD) != 0 || header.biPlanes != 1 || header.biWidth < 0 ||
+        header.biHeight == LONG_MIN || header.biBitCount > 32)
         return nImpossible;
     if (IsCompressed(header))
         return header.biSizeImage;

@@ -13,6 +13,9 @@ const DWORD CUI_DIB_MAX_COLORS = 256;
 // The number of colours that the header claims.
 DWORD CUIDibColorCount(const BITMAPINFOHEADER &header);
 
+// As many of them as are looked at where nothing says how long the table is: no depth has more.
+DWORD CUIDibTableColors(const BITMAPINFOHEADER &header);
+
 // The bytes of a table, without overflow.
 inline ULONGLONG CUIDibTableSize(ULONGLONG nColors)
 {

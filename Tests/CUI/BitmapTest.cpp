@@ -34,6 +34,23 @@ bool IsEmpty(const CCUIBitmap &bitmap)
            !static_cast<HBITMAP>(bitmap) && !static_cast<HPALETTE>(bitmap);
 }
 
+// Lets go of a bitmap while it is loaded.
+class CEmptying : public CCUDumpCallback
+{
+public:
+    explicit CEmptying(CCUIBitmap &bitmap) : m_bitmap(bitmap) { CUDumpRegister(this); }
+    ~CEmptying() { CUDumpUnRegister(this); }
+    void OnDump(const CCUString &) override
+    {
+        const CUIBitmapData *pData = m_bitmap.GetData();
+        m_bitmap.Empty();
+        EXPECT_EQ(1, pData->m_nRefs);
+        ++m_nTraces;
+    }
+    CCUIBitmap &m_bitmap;
+    int m_nTraces = 0;
+};
+
 }  // namespace
 
 TEST(Bitmap, LivesAsLongAsItsLastCopy)
@@ -129,6 +146,13 @@ TEST(Bitmap, IsLoadedByIdNameAndDecimalTextAndReportsWhatItIsNot)
     EXPECT_EQ(named, PixelsOf(CCUIBitmap("NAMED", 0, hModule)));
     bitmap.Load("200", 0, hModule);  // a name in the caller's memory is no number
     EXPECT_TRUE(IsEmpty(bitmap));
+    // One try, whatever the trace does to the bitmap meanwhile.
+    {
+        CCUIBitmap emptied;
+        const CEmptying emptying(emptied);
+        emptied.Load("no such", 0, nullptr);
+        EXPECT_EQ(1, emptying.m_nTraces);
+    }
 
     const CCUIBitmap byId(0x10000 + 200, 0, hModule);
     EXPECT_EQ(colors, PixelsOf(byId));

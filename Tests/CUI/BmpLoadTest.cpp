@@ -178,6 +178,14 @@ TEST_F(BmpLoad, OfFilesWithoutAllRowsShowsWhatThereIs)
         free(pbih);
     }
     EXPECT_EQ(none, FilePicture());
+    // More colours claimed than the depth can use and the file has.
+    const std::pair<int, DWORD> claims[] = {{1, 200}, {4, 256}, {24, 16}, {24, 1 << 24}};
+    for (const auto &claim : claims) {
+        CBmpBytes claiming(3, 2, claim.first);
+        claiming.m_info.biClrUsed = claim.second;
+        Write(claiming.File());
+        EXPECT_EQ(OnScreen(claiming.Picture()), File()) << claim.second;
+    }
     // A byte short, LoadImage would read beyond the end.
     std::vector<BYTE> cut = CBmpBytes(7, 5, 32).File();
     cut.pop_back();
@@ -208,14 +216,18 @@ TEST_F(BmpLoad, ReplacesColoursOnlyWhenAsked)
               TakePixels(CUIBmpLoadBitmap(hModule, pszColors)));
 
     // In a packed DIB the table itself is rewritten.
-    const CBmpBytes bmp(9, -3, 4);
-    CGuardedDib dib(bmp.Packed(256));
-    dib->bmiColors[1].rgbReserved = 1;  // no plain colour
-    DWORD first[] = {bmp.TableColor(0), bmp.TableColor(1)};
-    HPALETTE hPal = nullptr;
-    EXPECT_EQ(Replaced(bmp.Picture(), first, to, 1), dib.Create(&hPal, first, to, 2));
-    EXPECT_EQ(to[0], TakeEntries(hPal)[0]);
-    EXPECT_EQ(1, dib->bmiColors[0].rgbRed);
+    for (const DWORD nHeader : {40, 108, 124}) {
+        CBmpBytes bmp(9, -3, 4);
+        bmp.SetHeader(nHeader, BI_RGB);
+        CGuardedDib dib(bmp.Packed(256));
+        RGBQUAD *pTable = dib->bmiColors + (nHeader - 40) / 4;
+        pTable[1].rgbReserved = 1;  // no plain colour
+        DWORD first[] = {bmp.TableColor(0), bmp.TableColor(1)};
+        HPALETTE hPal = nullptr;
+        EXPECT_EQ(Replaced(bmp.Picture(), first, to, 1), dib.Create(&hPal, first, to, 2));
+        EXPECT_EQ(nHeader == 40 ? to[0] : 0, TakeEntries(hPal)[0]);
+        EXPECT_EQ(1, pTable[0].rgbRed);
+    }
 }
 
 TEST_F(BmpLoad, OfLyingDibsStaysInTheMemoryThatThereIs)
@@ -266,6 +278,9 @@ TEST_F(BmpLoad, OfLyingDibsStaysInTheMemoryThatThereIs)
         EXPECT_EQ(none, dib.Create()) << &lie - lies;
     }
     dib->bmiHeader = good.m_info;
+    dib->bmiHeader.biPlanes = 2;
+    EXPECT_EQ(none, dib.Create());
+    dib->bmiHeader.biPlanes = 1;
     // A table that cannot be written to.
     DWORD old = 0;
     VirtualProtect(&dib->bmiHeader, sizeof(BITMAPINFOHEADER) + 1024, PAGE_READONLY, &old);

@@ -1,7 +1,10 @@
 #include "CUI/OffScreenDC.h"
 
 #include <gtest/gtest.h>
+#include <stdlib.h>
 
+#include "CUI/BmpBlt.h"
+#include "CUI/BmpState.h"
 #include "Support/Reports.h"
 #include "Support/FailingCall.h"
 #include "Support/GdiCount.h"
@@ -24,6 +27,31 @@ int WINAPI DeviceCaps(HDC hDC, int nCap)
 {
     return hDC == s_hPrinter && nCap == BITSPIXEL ? 1 : s_caps(hDC, nCap);
 }
+
+// Destroyed after everything else of the program, and draws even then.
+struct CLastPainter
+{
+    ~CLastPainter()
+    {
+        if (m_bUsed && !Draws())
+            _exit(1);
+    }
+    bool Draws()
+    {
+        m_bUsed = true;
+        CTestSurface image(0, CPixelMap(2, 2, 0x00FF00));
+        CUIBmpStateRects rects = {{0, 0, 2, 2}, {0, 0, 2, 2}, {0, 0, 2, 2}};
+        const HDC hDC = CUIGetOSDC()->GetDC(image, 2, 3);
+        SetPixelV(hDC, 0, 2, 0x00FF00);
+        CUIBmpBitBlt(hDC, 1, 2, image.Bitmap(), 0, 0, 1, 1, nullptr, 0);
+        CUIBmpDrawState(hDC, &rects.rcArea, image.Bitmap(), 0, 0, 0, 0);
+        const bool bDrawn = ReadPixels(hDC, 2, 3) == CPixelMap(2, 3, 0x00FF00);
+        CUIGetOSDC()->ReleaseDC();
+        return bDrawn;
+    }
+    bool m_bUsed = false;
+};
+CLastPainter s_lastPainter __attribute__((init_priority(101)));
 
 }  // namespace
 
@@ -95,4 +123,9 @@ TEST(OffScreenDC, BelongsToOneThreadAtATime)
         }
     });
     EXPECT_EQ(0, s_nClashes);
+}
+
+TEST(OffScreenDC, AndTheOtherMemoryDCsServeWhoDrawsLast)
+{
+    EXPECT_TRUE(s_lastPainter.Draws());
 }
