@@ -216,7 +216,7 @@ TEST_F(BmpLoad, ReplacesColoursOnlyWhenAsked)
               TakePixels(CUIBmpLoadBitmap(hModule, pszColors)));
 
     // In a packed DIB the table itself is rewritten.
-    for (const DWORD nHeader : {40, 108, 124}) {
+    for (const DWORD nHeader : {40U, 108U, 124U}) {
         CBmpBytes bmp(9, -3, 4);
         bmp.SetHeader(nHeader, BI_RGB);
         CGuardedDib dib(bmp.Packed(256));

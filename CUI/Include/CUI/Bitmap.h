@@ -57,6 +57,8 @@ public:
     CCUIBitmap(const char *pszName, WORD wFlags, HINSTANCE hInst);
     CCUIBitmap(const CCUString &sName, WORD wFlags, HINSTANCE hInst);
     // Takes both handles over. A null bitmap leaves the object empty, and the palette the caller's.
+    // No other CCUIBitmap may own them, and the bitmap must not stay selected into a DC: neither
+    // could be deleted with the object.
     CCUIBitmap(HBITMAP hBitmap, HPALETTE hPalette);
     // Converts a packed DIB, which stays the caller's; see CUIBmpCreateBitmap for its layout. Only
     // CUIBMP_SYSCOLORS (which rewrites the DIB's colour table) and CUIBMP_PALETTE count, for this
@@ -66,8 +68,8 @@ public:
 
     // Releases what is held and shares the other one's record.
     CCUIBitmap &operator=(const CCUIBitmap &bitmapSrc);
-    // Takes the handle over, without palette. Null empties the object; its own handle changes
-    // nothing.
+    // Takes the handle over, on the same terms, without palette. Null empties the object; its own
+    // handle changes nothing.
     CCUIBitmap &operator=(HBITMAP hBitmap);
 
     // Release what is held and load as the constructors do.

@@ -3,10 +3,12 @@
 #include "CUI/Platform.h"
 
 // Puts device-dependent bitmaps onto a device context. None of these functions takes ownership of
-// its arguments; a null bitmap draws nothing. All work in the user's logical coordinates of `hDC`.
+// its arguments; a null bitmap draws nothing. One that is selected into another DC cannot be drawn,
+// nor the same one as image and mask at once. All work in the user's logical coordinates of `hDC`.
 // A form without source rectangle draws the whole bitmap; in the forms that have one, a width or
 // height of 0 means the bitmap's own width and height, both of them. For the user-interface thread
-// only: the memory DCs in use are shared by all calls.
+// only: the memory DCs in use are shared by all calls. Which depth a target handle has is
+// remembered for 100 ms; drawing between depths converts.
 
 // Copies the rectangle at (xSrc, ySrc) to (x, y). A palette is selected into the memory DC (never
 // into hDC) for the time of the copy, in the background when bForceBkgd is not 0.
@@ -25,7 +27,7 @@ CUI_API void CUIBmpBgBltFull(HDC hDC, UINT x, UINT y, HBITMAP hBmp, DWORD crKey,
 
 // Draws the image where the monochrome mask is 0 and leaves hDC as it is where the mask is 1; image
 // and mask are read at the same place. hDC keeps a white background colour and a black text colour
-// afterwards.
+// afterwards, unless one of the bitmaps is null.
 CUI_API void CUIBmpTransparentBlt(HDC hDC, UINT x, UINT y, HBITMAP hImage, HBITMAP hMask);
 CUI_API void CUIBmpTransparentBltFull(HDC hDC, UINT x, UINT y, HBITMAP hImage, HBITMAP hMask,
                                       UINT xSrc, UINT ySrc, UINT cx, UINT cy);

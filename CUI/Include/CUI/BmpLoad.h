@@ -13,6 +13,9 @@ class CCUString;
 // 0. Failures return null; nothing is reported unless said so. Headers and files are taken for
 // untrusted: what they claim and do not hold leads to null. For the user-interface thread.
 //
+// A palette has all colours that a file or resource claims and has, and more than 65,535 give none;
+// of a DIB that comes without a size it has the first 256, since nobody vouches for more.
+//
 // Where a palette is made, it is selected into the screen's DC as a foreground palette and realised
 // before the bitmap is made.
 //
@@ -20,33 +23,38 @@ class CCUString;
 // and so CCUIBitmap::Load, which show what the system's LoadImage makes of them: on some systems an
 // empty picture of their size.
 
-// A BMP file as a packed DIB, or null. Headers other than the 40-byte one are refused. Rows are
-// taken to be aligned to words, of (depth x width) / 8 bytes rounded up to even. A file that cannot
-// be opened, is too short for its file header or no bitmap is traced.
+// A BMP file as a packed DIB, or null. Headers other than the 40-byte one are refused. The block
+// holds the file's bytes as they stand; the file must have as many as rows aligned to words take,
+// of (depth x width) / 8 bytes rounded up to even. A file that cannot be opened, is too short for
+// its file header or no bitmap is traced.
 CUI_API BITMAPINFOHEADER *CUIBmpDIBFromFile(const CCUString &sFile);
 
-// A palette of the colour table, which starts 40 bytes after the header's start. *pnColors is the
-// number of colours that the header claims; the palette has the first 256 of them, since nobody
-// vouches for more. Null for no colours.
+// A palette of the first 256 colours of the table, which starts 40 bytes after the header's start.
+// *pnColors is the number of colours that the header claims. Null for no colours. Neither pointer
+// may be null.
 CUI_API HPALETTE CUIBmpCreateDIBPalette(BITMAPINFO *pbmi, int *pnColors);
 
-// A DDB of a BMP file, read as CUIBmpDIBFromFile does, and in hPal its palette, or null.
+// A DDB of a BMP file, read as CUIBmpDIBFromFile does, and in hPal its palette, or null. The
+// palette is the caller's, also when no bitmap could be made and null is returned.
 CUI_API HBITMAP CUIBmpLoadBitmapFilePalette(const CCUString &sFile, HPALETTE &hPal);
 
 // The same of a bitmap resource. One that is missing is reported with "hRsrcImage".
 CUI_API HBITMAP CUIBmpLoadBitmapPalette(HINSTANCE hInst, const char *pszName, HPALETTE &hPal);
 
 // A DDB of a bitmap resource, or of a BMP file when hInst is null and pszName a string; a file that
-// cannot be loaded is traced. With bMapColors every colour of the colour table that equals pFrom[i]
-// becomes pTo[i], the first match counting; with an nCount of 0 black, grey (808080), silver
-// (C0C0C0) and white become CUIData's button text, shadow, face and highlight. The colours are
-// COLORREFs. phPal may be null; otherwise it receives the palette of the (replaced) colours, which
-// is the caller's also when no bitmap could be made of them, and keeps its value before that.
+// cannot be loaded is traced. A file may claim more colours than it has where the depth needs
+// fewer. With bMapColors every colour of the colour table that equals pFrom[i] becomes pTo[i], the
+// first match counting; with an nCount of 0 black, grey (808080), silver (C0C0C0) and white become
+// CUIData's button text, shadow, face and highlight. The colours are COLORREFs. phPal may be null;
+// otherwise it receives the palette of the (replaced) colours, which is the caller's also when no
+// bitmap could be made of them, and keeps its value before that.
 CUI_API HBITMAP CUIBmpLoad(HINSTANCE hInst, const char *pszName, HPALETTE *phPal, bool bMapColors,
                            DWORD *pFrom, DWORD *pTo, int nCount);
 
-// The same of a packed DIB whose pixels start after a table of 256 entries, whatever the depth.
-// The colours are replaced in that table itself; null when they would be and it cannot be written.
+// The same of a packed DIB whose pixels start after a table of 256 entries, whatever the depth. The
+// table follows a header of any size (biSize), while the palette is made of what is 40 bytes from
+// the header's start. The colours are replaced in the table itself; null when they would be and it
+// cannot be written.
 CUI_API HBITMAP CUIBmpCreateBitmap(BITMAPINFOHEADER *pbih, HPALETTE *phPal, bool bMapColors,
                                    DWORD *pFrom, DWORD *pTo, int nCount);
 
@@ -58,15 +66,16 @@ CUI_API HBITMAP CUIBmpLoadBitmapFile(const CCUString &sFile, int bSysColors);
 CUI_API HBITMAP CUIBmpLoadSysColorBitmap(HINSTANCE hInst, HRSRC hRsrc);
 CUI_API HBITMAP CUIBmpLoadBitmap(HINSTANCE hInst, const char *pszName);
 
-// A bitmap of the screen's depth, cx by cy pixels, that holds the top-left part of hbm. The palette
-// may be null.
+// A bitmap of the screen's depth, cx by cy pixels, that holds the top-left part of hbm. What lies
+// beyond hbm is undefined, and a cx or cy of 0 gives one monochrome pixel. The palette may be null.
 CUI_API HBITMAP CUICopyBitmap(HBITMAP hbm, int cx, int cy, HPALETTE hPal);
 
-// A palette with the same entries, the first 256.
+// A palette with the same entries, the first 256. Null for null.
 CUI_API HPALETTE CUICopyPalette(HPALETTE hPal);
 
 // The bitmap as a packed DIB of its own depth, its colours taken through the palette (null: the
-// default palette). dwHeaderSize receives the bytes before the pixels. Null for a null bitmap.
+// default palette). dwHeaderSize receives the bytes before the pixels; with null it is
+// undefined. Null for a null bitmap.
 CUI_API BITMAPINFOHEADER *CUIBitmapToDib(HBITMAP hbm, HPALETTE hPal, DWORD &dwHeaderSize);
 
 // Writes the entries of a palette, the first 256, to the debug trace.

@@ -16,7 +16,9 @@ const DWORD CUIBMPSTATE_DISABLED = 0x02;  // embossed in highlight and shadow co
 
 // Draws a part of a bitmap, centred, in the look of a control's state. prc points to the first of
 // the three rectangles of a CUIBmpStateRects. Pixels of crFace and crHilite are the image's
-// background. hDC is left as it was. When the bitmap cannot be selected or the mask not be made, a
-// line is traced and nothing drawn. For the user-interface thread only.
+// background; all colours are plain ones (0x00BBGGRR). The plain image is not clipped to rcArea;
+// the embossed look leaves out what of it lies in the last two columns and rows there. hDC is left
+// as it was. When the bitmap cannot be selected (as null cannot) or the mask not be made, a line is
+// traced and nothing drawn. For the user-interface thread only.
 CUI_API void CUIBmpDrawState(HDC hDC, RECT *prc, HBITMAP hBmp, DWORD dwFlags, DWORD crFace,
                              DWORD crHilite, DWORD crShadow);

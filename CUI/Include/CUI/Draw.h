@@ -10,10 +10,17 @@
 CUI_API void CUIDCFillSolidRect(HDC hDC, const RECT *prc, DWORD cr);
 CUI_API void CUIDCFillSolidRect(HDC hDC, int x, int y, int cx, int cy, DWORD cr);
 
-// A frame in two colours, inside the rectangle. Untrimmed, the corners top right and bottom left
-// belong to the bottom-right colour. bTrim leaves the top-left and bottom-right corners out;
-// bTrimBoth, which counts with bTrim only, changes who owns the other two. As odd as it looks, the
-// set of pixels is fixed: see the tables in the source.
+// A frame in two colours, inside the rectangle. bTrim leaves the top-left and bottom-right corners
+// out; bTrimBoth, which counts with bTrim only, changes who owns the other two. T is the top-left
+// colour, B the bottom-right one, a dot what stays:
+//
+//     no bTrim    bTrim and bTrimBoth    bTrim alone
+//      TTTTB            .TTTT               .TTTB
+//      T...B            T...B               T...B
+//      BBBBB            BBBB.               TBBB.
+//
+// In a rectangle too small for that later fills cover earlier ones, in the order left and top,
+// right, bottom; with both trims left, right, top, bottom.
 CUI_API void CUIDCDraw3dRect(HDC hDC, const RECT *prc, DWORD crTopLeft, DWORD crBottomRight,
                              int bTrim, int bTrimBoth);
 CUI_API void CUIDCDraw3dRect(HDC hDC, int x, int y, int cx, int cy, DWORD crTopLeft,
