@@ -67,8 +67,13 @@ int CUIRegisterWindowClass(WNDCLASSA *pClass)
     if (RegisterClassA(pClass))
         return 1;
     const DWORD nError = GetLastError();
-    CUDump("CUIWindowClass: Can't register window class %s, gle: %d\n", pClass->lpszClassName,
-           static_cast<int>(nError));
+    CCUString sName;
+    if (IS_INTRESOURCE(pClass->lpszClassName))
+        sName.Format("#%u", reinterpret_cast<UINT>(pClass->lpszClassName));
+    else
+        sName = pClass->lpszClassName;
+    CUDump("CUIWindowClass: Can't register window class %s, gle: %d\n",
+           static_cast<const char *>(sName), static_cast<int>(nError));
     return 0;
 }
 

@@ -36,6 +36,12 @@ TEST(WindowClass, RegistersEachClassOnceInOrder)
 {
     CReports reports;
     CDumped trace;
+    WNDCLASSA byAtom = {};
+    byAtom.lpszClassName = MAKEINTRESOURCEA(0xC123);
+    EXPECT_EQ(0, CUIRegisterWindowClass(&byAtom));
+    const std::string failure = "CUIWindowClass: Can't register window class ";
+    EXPECT_EQ(0u, trace.m_text.find(failure + "#49443, gle: ")) << trace.m_text;
+    trace.m_text.clear();
     const CImportHook registerHook("RegisterClassA", Register), iconHook("LoadIconA", Load);
     s_pOriginal = registerHook.Original<decltype(RegisterClassA)>();
     s_pLoadIcon = iconHook.Original<decltype(LoadIconA)>();
@@ -43,7 +49,6 @@ TEST(WindowClass, RegistersEachClassOnceInOrder)
     // A failure is traced and not tried again by those who look at the mask.
     s_bFail = true;
     EXPECT_EQ(0, CUIWindowClassRegister(CUI_CLASS_WINDOW | CUI_CLASS_CONTROLBAR));
-    const std::string failure = "CUIWindowClass: Can't register window class ";
     EXPECT_EQ(failure + "pzl-Window, gle: 4711\n" + failure + "pzl-ControlBAR, gle: 4711\n",
               trace.m_text);
     s_bFail = false;

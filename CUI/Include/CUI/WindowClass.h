@@ -28,7 +28,8 @@ extern CUI_API unsigned short g_nRegisteredClasses;
 CUI_API const CCUString &CUIWindowClassName(unsigned short id);
 
 // Sets the instance to the program's and registers the class unless it is registered already.
-// Returns 1; or 0 after a line in the trace.
+// Returns 1; or 0 after a line in the trace, where a name given as an atom reads "#" and its
+// number.
 CUI_API int CUIRegisterWindowClass(WNDCLASSA *pClass);
 
 // Registers the classes whose bits are set. Returns 1, or 0 when any of them failed.
