@@ -30,12 +30,14 @@ public:
     static CCUICommandHandler *Lookup(unsigned int nID) { return s_this._Lookup(nID); }
 
     // Puts the handler (null: none) into the identifier's slot and returns the one that was there,
-    // for the caller to put back. Outside the tables' present length: null, and nothing changes.
+    // for the caller to put back if that still lives then. Outside the tables' present length:
+    // null, and nothing changes. A handler of identifier -1, which serves none, does not take
+    // itself out of the slot when it is destroyed: another one must be put there before.
     static CCUICommandHandler *Override(unsigned int nID, CCUICommandHandler *pCmdHandler);
 
     // Refreshes the commands whose state does not ask for something else: HandleUpdate for every
     // identifier with a handler whose GetState has no bit of 0x3D, in ascending order. Entries that
-    // a pass appends by growing a table are left to the next pass.
+    // a pass appends by growing the table that it walks are left to the next pass.
     static void IdleUpdate();
 
     // Writes all entries to the trace.
