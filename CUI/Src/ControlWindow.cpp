@@ -6,9 +6,10 @@
 
 #define CU_SOURCE "ControlWindow"
 
-const CCUString g_sControlWindowProp("pzl-ControlWindow");
-
 namespace {
+
+// The characters alone: the string dies before control windows that are globals.
+const char PROPERTY[] = "pzl-ControlWindow";
 
 const int DEFAULT_FIXED_SIZE = 20;
 const unsigned long DEFAULT_LAYOUT_FLAGS = 4;
@@ -30,11 +31,13 @@ void RegisterControlClass()
     windowClass.lpfnWndProc = DefWindowProcA;
     windowClass.hCursor = CUIGetWinData()->hcurArrow;
     windowClass.hbrBackground = reinterpret_cast<HBRUSH>(COLOR_BTNFACE + 1);
-    windowClass.lpszClassName = g_sControlWindowProp;
+    windowClass.lpszClassName = PROPERTY;
     CUIRegisterWindowClass(&windowClass);
 }
 
 }  // namespace
+
+const CCUString g_sControlWindowProp(PROPERTY);
 
 CCUIControlWindow::CCUIControlWindow()
     : m_propData{DEFAULT_FIXED_SIZE, CUI_NO_WINDOW_COLOR, DEFAULT_LAYOUT_FLAGS, 0, 0},
@@ -52,15 +55,15 @@ CCUIControlWindow::CCUIControlWindow()
 // OnDestroy is no longer the one above.
 CCUIControlWindow::~CCUIControlWindow()
 {
-    if (GetPropA(m_hPropertyOwner, g_sControlWindowProp) == &m_propData)
-        SetPropA(m_hPropertyOwner, g_sControlWindowProp, nullptr);
+    if (GetPropA(m_hPropertyOwner, PROPERTY) == &m_propData)
+        SetPropA(m_hPropertyOwner, PROPERTY, nullptr);
 }
 
 int CCUIControlWindow::PreCreate(CREATESTRUCTA *pCreate)
 {
     if (!pCreate->lpszClass) {
         RegisterControlClass();
-        pCreate->lpszClass = g_sControlWindowProp;
+        pCreate->lpszClass = PROPERTY;
     }
     return CCUIWindow::PreCreate(pCreate);
 }
@@ -72,14 +75,14 @@ int CCUIControlWindow::OnCreate(CREATESTRUCTA *pCreate)
     if (nResult == -1 || watch.IsGone())
         return nResult;
     m_hPropertyOwner = m_hWnd;
-    CU_ASSERT_TEXT(SetPropA(m_hWnd, g_sControlWindowProp, &m_propData),
+    CU_ASSERT_TEXT(SetPropA(m_hWnd, PROPERTY, &m_propData),
                    "SetProp(*this, g_sControlWindowProp, (HANDLE)&m_propData)");
     return nResult;
 }
 
 void CCUIControlWindow::OnDestroy()
 {
-    CU_ASSERT_TEXT(SetPropA(m_hWnd, g_sControlWindowProp, nullptr),
+    CU_ASSERT_TEXT(SetPropA(m_hWnd, PROPERTY, nullptr),
                    "SetProp(*this, g_sControlWindowProp, (HANDLE)0)");
     // The object's next window starts as a child.
     m_propData.bFullScreen = 0;
