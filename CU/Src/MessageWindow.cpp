@@ -99,6 +99,11 @@ HWND CUGetWindow()
     return s_hWnd;
 }
 
+HWND CUFindWindow()
+{
+    return s_hWnd;
+}
+
 bool CUSetMessageHandler(unsigned int uMessage, CUMessageHandler handler)
 {
     const bool bUrgent = uMessage >= WM_USER && uMessage <= WM_USER + 2;

@@ -38,10 +38,9 @@ CCUIDialog::~CCUIDialog()
 {
     // The window goes while its handlers are still those of a dialog: the owner is given back.
     m_bDead = 1;
-    if (Exist()) {
-        GiveOwnerBack();
+    GiveOwnerBack();
+    if (Exist())
         WakeLoop();
-    }
     if (m_hBrush)
         DeleteObject(m_hBrush);
     CCUIDialog::UnRegisterAllControls();
@@ -54,18 +53,15 @@ int CCUIDialog::DoModal(CCUIWindow *pParent)
 {
     if (!m_hInstance || !m_templateName)
         return 0;
-    CU_ASSERT(m_hWnd == 0);
-    if (m_hWnd)
+    if (HasWindow())
         return IDCANCEL;
     CWatch watch(this);
     BeginRun(ModeModal);
     if (!TakeOwner(pParent))
         return IDCANCEL;
     m_nResult = IDCANCEL;
-    Start(nullptr, m_hRunOwner);
-    if (watch.IsGone())
-        return IDCANCEL;
-    ModalLoop();
+    if (Start(nullptr, m_hRunOwner))
+        ModalLoop();
     return watch.IsGone() ? static_cast<int>(IDCANCEL) : m_nResult;
 }
 
@@ -94,26 +90,46 @@ bool CCUIDialog::TakeOwner(CCUIWindow *pParent)
 
 HWND CCUIDialog::DoModeless(CCUIWindow *pParent)
 {
-    if (!m_hInstance || !m_templateName || m_hWnd)
+    if (!m_hInstance || !m_templateName || HasWindow())
         return nullptr;
     CWatch watch(this);
     BeginRun(ModeModeless);
-    HWND hOwner = nullptr;
-    if (pParent && pParent->Exist()) {
-        const bool bChild = (GetWindowStyle() & WS_CHILD) != 0;
-        RestoreParent(pParent);
-        hOwner = bChild ? pParent->GetHandle() : pParent->GetSafeOwner(nullptr);
-    }
+    const HWND hOwner = FindOwner(pParent);
     return watch.IsGone() ? nullptr : Start(nullptr, hOwner);
+}
+
+// The owner of a modeless run. Handlers of the windows that this touches may delete the dialog, the
+// parent or both.
+HWND CCUIDialog::FindOwner(CCUIWindow *pParent)
+{
+    const bool bChild = (GetWindowStyle() & WS_CHILD) != 0;
+    if (!pParent) {
+        RestoreParent(nullptr);
+        return nullptr;
+    }
+    CWatch parent(pParent);
+    RestoreParent(pParent);
+    if (parent.IsGone() || !pParent->Exist())
+        return nullptr;
+    return bChild ? pParent->GetHandle() : pParent->GetSafeOwner(nullptr);
 }
 
 HWND CCUIDialog::Create(HWND hParent)
 {
+    if (HasWindow())
+        return nullptr;
     const DLGTEMPLATE *pTemplate = GetTemplate();
-    if (!pTemplate || m_hWnd)
+    if (!pTemplate)
         return nullptr;
     BeginRun(ModeModeless);
     return Start(pTemplate, hParent);
+}
+
+// Whether no run may begin, which is reported.
+bool CCUIDialog::HasWindow() const
+{
+    CU_ASSERT(m_hWnd == 0);
+    return m_hWnd != nullptr;
 }
 
 void CCUIDialog::BeginRun(Mode mode)
@@ -124,7 +140,7 @@ void CCUIDialog::BeginRun(Mode mode)
 }
 
 // Makes the window from the given template or, without one, from the resource, which is shown at
-// once. On failure the object is as it was before the run.
+// once. On failure the object is as it was before the run. Null, too, when that is over already.
 HWND CCUIDialog::Start(const DLGTEMPLATE *pTemplate, HWND hOwner)
 {
     CWatch watch(this);
@@ -138,17 +154,19 @@ HWND CCUIDialog::Start(const DLGTEMPLATE *pTemplate, HWND hOwner)
     if (watch.IsGone())
         return nullptr;
     if (!FinishCreation(hWnd)) {
-        GiveOwnerBack();
+        if (m_hWnd)  // of another run, begun by a handler that had ended this one
+            return nullptr;
         m_mode = ModeNone;
         m_bActive = 0;
         m_bEnded = 1;
+        GiveOwnerBack();
         return nullptr;
     }
     if (!pTemplate) {
         ShowWindow(hWnd, SW_SHOW);
         SetForegroundWindow(hWnd);
     }
-    return watch.IsGone() ? nullptr : m_hWnd;
+    return watch.IsGone() || m_hWnd != hWnd ? nullptr : hWnd;
 }
 
 void CCUIDialog::RestoreParent(CCUIWindow *pParent)
@@ -176,13 +194,22 @@ void CCUIDialog::EndDialog(unsigned nResult)
     Destroy();
 }
 
-void CCUIDialog::DisableOwner()
+// False: handlers of the owner have ended the dialog, or deleted it.
+bool CCUIDialog::DisableOwner()
 {
-    if (!m_hRunOwner || !IsWindow(m_hRunOwner) || !IsWindowEnabled(m_hRunOwner))
-        return;
-    EnableWindow(m_hRunOwner, FALSE);
-    EnableWindow(m_hWnd, TRUE);
+    const HWND hOwner = m_hRunOwner;
+    if (!hOwner || !IsWindow(hOwner) || !IsWindowEnabled(hOwner))
+        return true;
+    CWatch watch(this);
     m_bOwnerDisabled = true;
+    EnableWindow(hOwner, FALSE);
+    if (watch.IsGone() || m_hRunOwner != hOwner) {
+        // It was given back before it was quite disabled.
+        EnableWindow(hOwner, TRUE);
+        return false;
+    }
+    EnableWindow(m_hWnd, TRUE);
+    return true;
 }
 
 // Enabled before the dialog goes: the system activates the next window, and must be able to choose
@@ -238,7 +265,8 @@ int CCUIDialog::OnInitDialog(HWND, LPARAM)
     if (watch.IsGone() || !m_hWnd)
         return nResult;
     m_bDataValid = bValid;
-    DisableOwner();
+    if (!DisableOwner())
+        return nResult;
     HWND hBusy = GetCapture();
     if (!hBusy)
         hBusy = GetFocus();
@@ -287,7 +315,7 @@ void CCUIDialog::OnDestroy()
 // inside a message that was sent it may have taken what was to wake the loop around it.
 void CCUIDialog::WakeLoop() const
 {
-    if (m_bWaiting || InSendMessage())
+    if ((m_pAwaited && m_pAwaited->message == NoMessage) || InSendMessage())
         PostThreadMessageA(GetCurrentThreadId(), WM_NULL, 0, 0);
 }
 

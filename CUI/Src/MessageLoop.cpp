@@ -116,7 +116,7 @@ bool TakeRestricted(MSG &msg)
         if (PeekMessageA(&msg, nullptr, message, message, PM_REMOVE))
             return true;
     }
-    const HWND hWnd = CUGetWindow();
+    const HWND hWnd = CUFindWindow();
     return hWnd && PeekMessageA(&msg, hWnd, WM_USER, WM_USER + 2, PM_REMOVE);
 }
 
@@ -211,29 +211,31 @@ void CCUIWindow::ModalLoop()
     MSG msg;
     CWatch watch(this);
     // A look at the queue serves what other threads sent, and that may end the run.
-    const auto isOver = [&] { return watch.IsGone() || m_bEnded; };
-    const HWND hParent = GetParent(m_hWnd);
+    // The object may have gone on to another run with another window.
+    const HWND hWnd = m_hWnd;
+    const auto isOver = [&] { return watch.IsGone() || m_bEnded || m_hWnd != hWnd; };
+    const HWND hParent = GetParent(hWnd);
     long nCount = 0;
     bool bIdle = true;
     while (!isOver()) {
         while (bIdle && !IsMessageWaiting(msg) && !isOver()) {
             if (hParent && nCount == 0)
-                SendMessageA(hParent, WM_ENTERIDLE, MSGF_DIALOGBOX,
-                             reinterpret_cast<LPARAM>(m_hWnd));
+                SendMessageA(hParent, WM_ENTERIDLE, MSGF_DIALOGBOX, reinterpret_cast<LPARAM>(hWnd));
             bIdle = IdlePass(nCount++);
         }
         do {
             if (isOver())
                 return;
-            m_bWaiting = 1;
-            const BOOL bGoOn = GetMessageA(&msg, nullptr, 0, 0);
+            // The system writes the message when it has one: until then the loop waits.
+            msg.message = NoMessage;
+            m_pAwaited = &msg;
+            const int bGoOn = PumpMessage(&msg);
             if (!watch.IsGone())
-                m_bWaiting = 0;
+                m_pAwaited = nullptr;
             if (!bGoOn) {
                 PostQuitMessage(0);
                 return;
             }
-            HandleMessage(&msg);
             CU_ASSERT_TEXT(!watch.IsGone() && !m_bDead, "!m_bDead");
             if (isOver())
                 return;
@@ -265,7 +267,8 @@ void CCUIWindow::IdleLoop(long nMilliseconds, int bRestricted)
 
 void CCUIWindow::AbortDialog(HWND hWnd)
 {
-    // Closing a dialog may close others, and with them the way to the next one: start again then.
+    // Closing a dialog may close others, and with them the way to the next one. Only where it is
+    // closed itself all start again: one that stays open is asked once.
     int nRestarts = 0;
     HWND hDialog = GetWindow(hWnd, GW_HWNDFIRST);
     while (hDialog && nRestarts < s_nMostRestarts) {
@@ -278,7 +281,8 @@ void CCUIWindow::AbortDialog(HWND hWnd)
             SendCommand(hDialog, IDNO);
         }
         if (hNext && !IsWindow(hNext)) {
-            hNext = GetWindow(hWnd, GW_HWNDFIRST);
+            hNext =
+                IsWindow(hDialog) ? GetWindow(hDialog, GW_HWNDNEXT) : GetWindow(hWnd, GW_HWNDFIRST);
             ++nRestarts;
         }
         hDialog = hNext;

@@ -22,7 +22,8 @@ const char IN_CHAIN[] = "kvxCCUIWindow-chain";
 const char *PropertyName()
 {
     const CCUMutexGuard guard;
-    static CCUString s_sName;
+    // Never destroyed: windows that are globals ask for it on their way out.
+    static CCUString &s_sName = *new CCUString;
     if (s_sName.IsEmpty())
         s_sName.Format("kvxCCUIWindow-%d", GetCurrentProcessId());
     return s_sName;
@@ -82,12 +83,13 @@ CCUIWindow::CCUIWindow()
       m_hWndOwner(nullptr),
       m_bActive(0),
       m_bEnded(0),
-      m_bWaiting(0),
+      m_pAwaited(nullptr),
       m_bDead(0),
       m_hAccelerators(nullptr),
       m_pContextMenu(nullptr),
       m_bShowToolTips(1),
       m_bMissedDetach(0),
+      m_hCreated(nullptr),
       m_pMessage(nullptr),
       m_pWatch(nullptr),
       m_pHooks(nullptr)
@@ -168,6 +170,15 @@ HWND CCUIWindow::Detach()
     return hWnd;
 }
 
+int CCUIWindow::Destroy()
+{
+    // The end of the thread has taken its bindings away already when late objects go: globals, and
+    // what an exit handler deletes. Their windows are still to be told.
+    if (m_pOldProc && !FromHandle(m_hWnd) && GetPropA(m_hWnd, PropertyName()) == this)
+        CUIWindowMapSet(m_hWnd, {this, m_pOldProc});
+    return m_hWnd && DestroyWindow(m_hWnd);
+}
+
 CCUIWindow *CCUIWindow::FromHandle(HWND hWnd)
 {
     return CUIWindowMapFind(hWnd);
@@ -180,11 +191,11 @@ LRESULT CALLBACK CCUIWindow::StaticWindowProc(HWND hWnd, UINT message, WPARAM wP
         return ForwardUnbound(hWnd, message, wParam, lParam);
     CMessage current(pWindow, message, wParam, lParam);
     long result = 0;
-    if (pWindow->m_pHooks && pWindow->CallHooks(current, result))
-        return result;
-    if (pWindow->m_hWnd != hWnd)
-        return ForwardUnbound(hWnd, message, wParam, lParam);
-    result = pWindow->WindowProc(message, wParam, lParam);
+    if (!pWindow->m_pHooks || !pWindow->CallHooks(current, result)) {
+        if (pWindow->m_hWnd != hWnd)
+            return ForwardUnbound(hWnd, message, wParam, lParam);
+        result = pWindow->WindowProc(message, wParam, lParam);
+    }
     if (message == WM_NCDESTROY && !current.IsGone() && pWindow->m_hWnd == hWnd) {
         pWindow->m_bMissedDetach = 1;
         pWindow->Detach();

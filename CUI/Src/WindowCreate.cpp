@@ -29,6 +29,7 @@ void CCUIWindow::Hook()
     CU_ASSERT(!s_pHookWin);
     CU_ASSERT(!s_hNextHook);
     CU_ASSERT(m_hWnd == 0);
+    m_hCreated = nullptr;
     if (s_hNextHook)
         UnhookWindowsHookEx(s_hNextHook);
     s_pHookWin = this;
@@ -53,6 +54,7 @@ LRESULT CALLBACK CCUIWindow::CreationHookProc(int nCode, WPARAM wParam, LPARAM l
     if (nCode == HCBT_CREATEWND && s_pHookWin && !IsHelperWindow(hWnd)) {
         pWaiting = s_pHookWin;
         pWaiting->Attach(hWnd);
+        pWaiting->m_hCreated = hWnd;
     }
     const LRESULT result = CallNextHookEx(s_hNextHook, nCode, wParam, lParam);
     if (pWaiting && s_pHookWin == pWaiting)
@@ -112,9 +114,12 @@ int CCUIWindow::FinishCreation(HWND hWnd)
 {
     if (s_pHookWin == this)
         UnHook();
-    if (hWnd && m_hWnd == hWnd)
+    if (hWnd && m_hWnd == hWnd) {
+        m_hCreated = nullptr;
         return 1;
-    if (m_hWnd)
+    }
+    // Not what another creation bound, begun by a handler that had ended this one.
+    if (m_hWnd == m_hCreated)
         Detach();
     m_bMissedDetach = 0;
     if (hWnd)
@@ -123,8 +128,3 @@ int CCUIWindow::FinishCreation(HWND hWnd)
 }
 
 void CCUIWindow::PostCreate() {}
-
-int CCUIWindow::Destroy()
-{
-    return m_hWnd && DestroyWindow(m_hWnd);
-}

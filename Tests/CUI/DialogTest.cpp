@@ -42,14 +42,21 @@ public:
     using CCUIDialog::OnCancel;
     using CCUIDialog::OnOK;
 
-    bool IsWaiting() const { return const_cast<const volatile int &>(m_bWaiting) != 0; }
+    bool IsWaiting() const
+    {
+        const volatile MSG *const pAwaited = const_cast<const MSG *const volatile &>(m_pAwaited);
+        return pAwaited && pAwaited->message == NoMessage;
+    }
 
 protected:
     static constexpr UINT s_nGo = WM_APP + 7;
 
     int OnInitDialog(HWND hFocus, LPARAM lParam) override
     {
+        CWatch watch(this);
         const int nResult = CCUIDialog::OnInitDialog(hFocus, lParam);
+        if (watch.IsGone())
+            return nResult;
         const HWND hGo = m_inLoop ? m_hWnd : nullptr;
         const Step onInit = m_onInit;  // it may delete this
         onInit(*this);
@@ -134,8 +141,18 @@ TEST(Dialog, EndsWithWhatItWasToldInEveryWay)
         EXPECT_EQ(nullptr, dialog.GetHandle());
         EXPECT_EQ(nWindows, WindowCount());
     }
-    dialog.m_onInit = End(78);
-    EXPECT_EQ(78, dialog.Run(nullptr));
+    // It may go on with another window.
+    const auto goOn = [](CTestDialog &running) {
+        running.m_onInit = [](CTestDialog &) {};
+        running.EndDialog(79);
+        EXPECT_TRUE(running.DoModeless(nullptr));
+    };
+    CTestDialog again;
+    EXPECT_EQ(79, again.Run(goOn));
+    EXPECT_TRUE(again.IsActive() && again.Destroy());
+    again.m_onInit = goOn;
+    EXPECT_EQ(79, again.Run(nullptr));
+    EXPECT_TRUE(again.IsActive() && again.Destroy());
 }
 
 TEST(Dialog, AnswersWhatCannotRun)
@@ -160,11 +177,15 @@ TEST(Dialog, AnswersWhatCannotRun)
     const CTestWindow window;
     EXPECT_EQ(&window, CCUIWindow::FromHandle(window));
     // A dialog that runs does not run twice.
+    CReports reports;
     const auto runAgain = [](CTestDialog &running) {
         EXPECT_EQ(IDCANCEL, running.DoModal(nullptr));
+        EXPECT_EQ(nullptr, running.DoModeless(nullptr));
+        EXPECT_EQ(nullptr, running.Create(nullptr));
         running.EndDialog(9);
     };
     EXPECT_EQ(9, dialog.Run(runAgain));
+    EXPECT_EQ(std::vector<std::string>(3, "Dialog: m_hWnd == 0"), reports.Asserts());
 }
 
 TEST(Dialog, DisablesTheOwnersAndGivesThemBack)
@@ -253,35 +274,42 @@ TEST(Dialog, StandsItsOwnDeathWhereverItComes)
     const CTestDialog::Step die = [](CTestDialog &running) { delete &running; };
     EXPECT_EQ(IDCANCEL, (new CTestDialog)->Run(die));
     EXPECT_EQ(std::vector<std::string>{"Window: !m_bDead"}, reports.Asserts());
-    auto *atStart = new CTestDialog;
-    atStart->m_onInit = die;
-    EXPECT_EQ(IDCANCEL, atStart->Run(nullptr));
     EXPECT_EQ(IDCANCEL, (new CDying)->Run(CancelFromAThread));
-    // While it disables what is above its owner.
-    CTestWindow frame(nullptr, WS_POPUP | WS_VISIBLE);
-    CTestWindow tool(frame, WS_POPUP | WS_VISIBLE);
-    auto *early = new CTestDialog;
-    frame.m_on[WM_ENABLE] = [&] {
-        delete std::exchange(early, nullptr);
-        return 0;
+    // In handlers of its owner and of the window above, which are restored, disabled and given
+    // back; or it only ends in them.
+    const CTestDialog::Step close = [](CTestDialog &running) { DestroyWindow(running); };
+    const struct
+    {
+        bool bAbove;
+        UINT message;
+        WPARAM wParam;
+        CTestDialog::Step act, inLoop;
+        int nResult;
+    } cases[] = {
+        {true, WM_ENABLE, FALSE, die, nullptr, IDCANCEL},
+        {true, WM_SIZE, SIZE_RESTORED, die, nullptr, IDCANCEL},
+        {false, WM_CANCELMODE, 0, die, nullptr, IDCANCEL},
+        {false, WM_ENABLE, FALSE, die, nullptr, IDCANCEL},
+        {false, WM_CANCELMODE, 0, End(5), nullptr, 5},
+        {false, WM_ENABLE, FALSE, End(5), nullptr, 5},
+        {false, WM_ENABLE, TRUE, die, End(6), IDCANCEL},
+        {false, WM_ENABLE, TRUE, die, close, IDCANCEL},
     };
-    EXPECT_EQ(IDCANCEL, early->Run(nullptr, &tool));
-    EXPECT_TRUE(!early && IsWindowEnabled(frame));
-    // While it gives its owner back.
-    for (const bool bEnd : {true, false}) {
-        CTestWindow owner(nullptr, WS_POPUP | WS_VISIBLE);
+    for (const auto &one : cases) {
+        CTestWindow above(nullptr, WS_POPUP | WS_VISIBLE), owner(above, WS_POPUP | WS_VISIBLE);
+        ShowWindow(above, SW_SHOWMINIMIZED);
         auto *dialog = new CTestDialog;
-        owner.m_on[WM_ENABLE] = [&] {
-            if (owner.m_wParam)
-                delete std::exchange(dialog, nullptr);
+        CTestWindow &told = one.bAbove ? above : owner;
+        int nTold = 0;
+        told.m_on[one.message] = [&] {
+            if (told.m_wParam == one.wParam && ++nTold == 1)
+                one.act(*dialog);
             return 0;
         };
-        const auto end = [=](CTestDialog &running) {
-            bEnd ? running.EndDialog(5) : static_cast<void>(DestroyWindow(running));
-        };
-        EXPECT_EQ(IDCANCEL, dialog->Run(end, &owner));
-        EXPECT_EQ(nullptr, dialog);
-        EXPECT_TRUE(IsWindowEnabled(owner));
+        EXPECT_EQ(one.nResult, dialog->Run(one.inLoop, &owner));
+        EXPECT_TRUE(nTold && IsWindowEnabled(above) && IsWindowEnabled(owner)) << &one - cases;
+        if (one.nResult == 5)
+            delete dialog;
     }
 }
 
@@ -297,7 +325,6 @@ TEST(Dialog, MakesModelessOnesWithoutDisablingAnybody)
     EXPECT_EQ(hPopup, GetParent(child));
     ASSERT_TRUE(made.Create(frame));
     EXPECT_FALSE(IsWindowVisible(made));
-    EXPECT_EQ(nullptr, made.Create(frame));  // has a window already
     popup.OnCancel();
     EXPECT_FALSE(IsWindow(hPopup) || child.Exist());
 }

@@ -6,6 +6,7 @@
 #include <random>
 
 #include "../../CUI/Src/WindowMap.h"
+#include "CU/ThreadExit.h"
 #include "CUI/Menu.h"
 #include "CUI/WindowClass.h"
 #include "Support/Fuzz.h"
@@ -22,14 +23,29 @@ using Texts = std::vector<std::string>;
 class CHook : public CCUIWindowHook
 {
 public:
-    explicit CHook(std::function<int(long &)> function) : m_function(std::move(function)) {}
+    explicit CHook(std::function<int(long &)> function, UINT message = WM_APP)
+        : m_message(message), m_function(std::move(function))
+    {
+    }
     int OnHookMessage(UINT message, WPARAM, LPARAM, long &result) override
     {
-        return message == WM_APP && m_function(result);
+        return message == m_message && m_function(result);
     }
 
 private:
+    const UINT m_message;
     std::function<int(long &)> m_function;
+};
+
+// Goes with its thread, when that has no bindings any more.
+class CLast : public CCUThreadExitHandler
+{
+public:
+    CLast() { CreateTestWindow((CURegisterThreadExitHandler(this), m_window)); }
+    void OnThreadExit(bool) override { delete this; }
+
+private:
+    CScripted<> m_window;
 };
 
 WNDPROC SetProcedure(HWND hWnd, WNDPROC pProc)
@@ -213,10 +229,14 @@ TEST(Window, DestroysTheWindowOfADyingObjectAndSaysSo)
         CreateTestWindow(window);
         EXPECT_EQ("", trace.m_text);
     }
-    EXPECT_EQ("Destroying Window in ~CCUIWindow.\n", trace.m_text);
+    CThreads::Run(1, [](int) { new CLast; });
+    const std::string once = "Destroying Window in ~CCUIWindow.\n";
+    EXPECT_EQ(once + once, trace.m_text);
     trace.m_text.clear();
     {
+        CHook taker([](long &) { return 1; }, WM_NCDESTROY);
         CTestWindow window;
+        window.InsertMessageHook(&taker);
         window.m_on[WM_DESTROY] = [] { return 0; };  // does not call its base
         window.Destroy();
         EXPECT_EQ(nullptr, window.GetHandle());

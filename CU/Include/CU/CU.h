@@ -24,6 +24,8 @@ CU_API bool CUIsYourMessage(unsigned int uMessage);
 // ends with it, and the next call makes another. Null when it cannot be made; none is made after
 // CUShutdown.
 CU_API HWND CUGetWindow();
+// The message window if there is one, else null: makes none.
+CU_API HWND CUFindWindow();
 // What the message window does with a message: WM_USER to WM_USER + 2, which even a restricted
 // CCUIWindow::IdleLoop serves, or one from CURegisterMessageId. Replaces an earlier handler; null
 // removes it. False for any other message.

@@ -50,14 +50,19 @@ public:
     ~CCUIDialog() override;
 
     using CCUIWindow::Create;
-    // Makes a modeless dialog from GetTemplate(), shown as its style says; null on failure.
+    // Makes a modeless dialog from GetTemplate(), shown as its style says; null on failure, as in
+    // DoModeless, and when the object has a window already (reported with "m_hWnd == 0").
     virtual HWND Create(HWND hParent);
     // Runs the dialog until EndDialog and returns what that was given; IDCANCEL when the dialog
     // cannot be created (no template, or not all of it), has a window already (reported with
-    // "m_hWnd == 0"), or is closed another way; 0 without instance or template name. The parent
-    // (may be null) is restored if it is minimised, and disabled meanwhile.
+    // "m_hWnd == 0"), is closed another way, or its object is deleted meanwhile; 0 without instance
+    // or template name. The parent (may be null, else one of this thread) is restored if it is
+    // minimised, and disabled meanwhile.
+    // WM_QUIT ends the run, with IDCANCEL, but not the dialog: it stays active and its parent
+    // disabled until it is ended or destroyed.
     virtual int DoModal(CCUIWindow *pParent);
-    // Makes a modeless dialog and shows it; null on failure.
+    // Makes a modeless dialog and shows it; null on failure, and when the object has a window
+    // already (reported with "m_hWnd == 0"). The parent, as for DoModal, is restored, not disabled.
     virtual HWND DoModeless(CCUIWindow *pParent);
 
     // Exchanges data: "ToScreen" or "FromScreen"; any other code is traced. What ExchangeData said.
@@ -107,7 +112,8 @@ protected:
     // For ExchangeData to call and return: tells the user about a control whose text cannot be
     // taken, and the trace which one that is; puts the focus there with its text selected. 0.
     virtual int ExchangeFail(int nID, CCUString &sMessage);
-    // WM_INITDIALOG. Nonzero: the system sets the focus (to `hFocus`).
+    // WM_INITDIALOG. Nonzero: the system sets the focus (to `hFocus`). The base disables the owner,
+    // whose handlers may end the dialog, or delete it.
     virtual int OnInitDialog(HWND hFocus, LPARAM lParam);
     // Moves the data in a direction, CUI_TOSCREEN or CUI_FROMSCREEN; 0 when it cannot.
     virtual int ExchangeData(unsigned short nDirection);
@@ -146,10 +152,12 @@ private:
     static INT_PTR CALLBACK DialogProc(HWND hWnd, UINT message, WPARAM wParam, LPARAM lParam);
     static BOOL CALLBACK VisitChild(HWND hChild, LPARAM lParam);
     void BeginRun(Mode mode);
+    bool HasWindow() const;
     bool TakeOwner(CCUIWindow *pParent);
+    HWND FindOwner(CCUIWindow *pParent);
     HWND Start(const DLGTEMPLATE *pTemplate, HWND hOwner);
     void MakeBrush();
-    void DisableOwner();
+    bool DisableOwner();
     void GiveOwnerBack();
     void WakeLoop() const;
 

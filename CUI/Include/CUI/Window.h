@@ -7,7 +7,8 @@ class CCUIMenu;
 class CCUIWindow;
 class CCUIWindowHookList;
 
-// Sees a window's messages before the window does; see CCUIWindow::InsertMessageHook.
+// Sees a window's messages before the window does; see CCUIWindow::InsertMessageHook. It must be
+// removed before it dies.
 class CUI_API CCUIWindowHook
 {
 public:
@@ -156,14 +157,18 @@ public:
     static CCUIWindow *FromHandle(HWND hWnd);
 
     // Arms and disarms the creation hook: the next window that this thread creates is bound to this
-    // object before its first message. One object of the process may wait at a time; asserts
-    // "!s_pHookWin", "!s_hNextHook", "m_hWnd == 0" and "s_hNextHook" (Hook), "s_pHookWin" and
-    // "s_hNextHook" (UnHook).
+    // object before its first message. The windows of the input method (classes "IME" and
+    // "MSCTFIME UI"), which the system makes on the way, are passed over, also when one is what is
+    // meant. One object of the process may wait at a time; asserts "!s_pHookWin", "!s_hNextHook",
+    // "m_hWnd == 0" and "s_hNextHook" (Hook), "s_pHookWin" and "s_hNextHook" (UnHook).
     void Hook();
     void UnHook();
 
     // Message hooks are asked in the order of insertion. They are not owned; they may be inserted
-    // and removed while a message passes through them.
+    // and removed while a message passes through them: one that is inserted then sees the next
+    // message first. One that is inserted twice is asked twice and removed at once; null is
+    // ignored. Where a hook takes WM_DESTROY there is no OnDestroy, and the object is unbound at
+    // WM_NCDESTROY, whether or not a hook takes that too.
     void InsertMessageHook(CCUIWindowHook *pHook);
     void RemoveMessageHook(CCUIWindowHook *pHook);
 
@@ -177,7 +182,9 @@ public:
     // Whether a dialog's run is on (1 or 0).
     int IsActive() const { return m_bActive; }
 
-    // The window that stands for the parent where a message walks up from window to window.
+    // Where PerformPreTranslation goes on from this window when its parent is no framework window;
+    // null: nowhere. The program alone sets it: without it Tab in a control that is a framework
+    // window, in a panel that is none, does not reach the dialog around the panel.
     HWND GetOwner() const { return m_hWndOwner; }
     void SetOwner(HWND hOwner) { m_hWndOwner = hOwner; }
 
@@ -189,10 +196,11 @@ public:
     // The end of the chain of parents and owners.
     HWND GetTopLevelWindow() const;
 
-    // Copies the table; a count of 0 removes it. 1 on success.
+    // Copies the table; a count of 0 removes it. 1, or 0 on failure: the former table is gone then
+    // as well.
     int SetAccelerators(ACCEL *pAccelerators, int nCount);
 
-    // The menu that the base OnContextMenu shows; not owned.
+    // The menu that the base OnContextMenu shows; not owned. The base OnDestroy drops it.
     void SetContextMenu(CCUIMenu *pMenu) { m_pContextMenu = pMenu; }
     CCUIMenu *GetContextMenu() const { return m_pContextMenu; }
     // Shows a menu at a screen position with TrackPopupMenu's flags and waits; its commands come to
@@ -229,18 +237,24 @@ public:
 
     // Runs the thread's loop until WM_QUIT; returns its exit code.
     static int RunLoop();
-    // Runs the loop until the window's modal run ends or the object is destroyed. WM_QUIT ends it
-    // too and is posted again, with exit code 0, for the loop around it.
+    // Runs the loop until the window's modal run ends, the object goes to another window or it is
+    // destroyed, which is reported as "!m_bDead". WM_QUIT ends it too and is posted again, with
+    // exit code 0, for the loop around it.
     void ModalLoop();
     // Fetches one message, waiting for it, and handles it. 0 for WM_QUIT, else 1.
     static int PumpMessage(MSG *pMsg);
-    // Offers the message to the framework windows from its target up; nonzero when one took it.
+    // Offers the message to the framework windows from its target up, each parent in turn; nonzero
+    // when one took it. From a framework window whose parent is none the way leads to GetOwner
+    // instead. A key that nobody took, going down or up, sets the cursor where it is, so that the
+    // window under it hears WM_SETCURSOR.
     static int PerformPreTranslation(MSG *pMsg);
-    // Handles what is waiting for |nMilliseconds| at the most; a negative number also waits for
-    // more until then. Restricted: timers, multimedia notifications and the first three messages
-    // of the framework's message window only. WM_QUIT ends it and is posted again.
+    // Handles what is waiting for |nMilliseconds| at the most: with 0 one message; a negative
+    // number also waits for more until then. Restricted: timers, multimedia notifications and the
+    // first three messages of the framework's message window, if there is one, only. WM_QUIT ends
+    // it and is posted again.
     static void IdleLoop(long nMilliseconds, int bRestricted);
-    // Cancels all dialogs that the window owns, the deepest first.
+    // Cancels all dialogs that the window owns, the deepest first: presses the control with the
+    // identifier IDCANCEL, then, if the dialog still exists, IDNO. Tooltips are left alone.
     static void AbortDialog(HWND hWnd);
     // Null: none. Not owned.
     static void SetIdleCallback(CCUIIdleCallback *pCallback);
@@ -258,13 +272,19 @@ protected:
     // bound to that window; else nothing is left of either, 0.
     int FinishCreation(HWND hWnd);
 
+    enum : UINT
+    {
+        NoMessage = 0xFFFFFFFF  // the number in a MSG that the system has not written yet
+    };
+
     HWND m_hWnd;         // null: bound to none
     WNDPROC m_pOldProc;  // the procedure that the binding replaced
     HWND m_hWndOwner;    // what GetOwner answers
     int m_bActive;       // in a run of a dialog
     int m_bEnded;        // the modal run must stop
-    int m_bWaiting;      // its loop is in the system, waiting for a message
-    int m_bDead;         // the destructor has begun
+    // What its modal loop is about to fetch (NoMessage in it), or handles; null: neither.
+    const MSG *m_pAwaited;
+    int m_bDead;  // the destructor has begun
 
 private:
     class CMessage;
@@ -281,6 +301,7 @@ private:
     CCUIMenu *m_pContextMenu;
     int m_bShowToolTips;
     int m_bMissedDetach;   // the window died attached: OnDestroy did not reach the base
+    HWND m_hCreated;       // what the creation under way has bound
     CMessage *m_pMessage;  // being handled, the innermost
     CWatch *m_pWatch;      // who must hear that the object is gone
     CCUIWindowHookList *m_pHooks;
