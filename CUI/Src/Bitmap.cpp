@@ -16,11 +16,6 @@ const char *ToResourceID(UINT nID)
     return reinterpret_cast<const char *>(static_cast<ULONG_PTR>(nID & 0xFFFF));
 }
 
-bool IsNumber(const char *pszID)
-{
-    return reinterpret_cast<ULONG_PTR>(pszID) >> 16 == 0;
-}
-
 CUIBitmapData *NewData(HBITMAP hBitmap)
 {
     return new CUIBitmapData{1, 0, 0, 0, nullptr, hBitmap};
@@ -58,7 +53,8 @@ void RefreshDimensions(CUIBitmapData &data)
                    "m_nWidth > 0 && m_nHeight > 0 && m_nDepth > 0");
 }
 
-// What to try when the resource's own name finds nothing: only a number is tried.
+// What to try when the resource's own name finds nothing: the number that a text is, or the id as
+// it was given, which may have been looked for too early.
 const char *SecondID(const CUIBitmapSource &source)
 {
     if (source.m_sBitmap.IsEmpty())
@@ -97,8 +93,7 @@ HBITMAP LoadResourceBitmap(CUIBitmapSource &source, const CSubstitution &map)
     if (hBitmap)
         return hBitmap;
     CUIBmpDeleteObject(&source.m_hPalette);  // made before the bitmap was found impossible
-    const char *pszSecond = SecondID(source);
-    return IsNumber(pszSecond) ? LoadNamed(source, source.m_hInst, pszSecond, map) : nullptr;
+    return LoadNamed(source, source.m_hInst, SecondID(source), map);
 }
 
 HBITMAP LoadFileBitmap(CUIBitmapSource &source, const CSubstitution &map)
@@ -206,10 +201,10 @@ void CCUIBitmap::Load(const char *pszName, WORD wFlags, HINSTANCE hInst)
 void CCUIBitmap::ReLoad(DWORD *pFrom, DWORD *pTo, int nCount)
 {
     const CUIBitmapSource *pSource = m_pchData->m_pSource;
-    if (m_pchData->m_nRefs >= 2 && pSource)
-        LoadNew(pSource->m_pszID ? CCUString() : pSource->m_sBitmap, pSource->m_pszID,
-                pSource->m_wFlags, pSource->m_hInst);
-    const CCUIBitmap hold(*this);
+    const CCUIBitmap hold = m_pchData->m_nRefs >= 2 && pSource
+                                ? LoadNew(pSource->m_pszID ? CCUString() : pSource->m_sBitmap,
+                                          pSource->m_pszID, pSource->m_wFlags, pSource->m_hInst)
+                                : *this;
     // NOLINTNEXTLINE(clang-analyzer-cplusplus.NewDelete): the count keeps the record.
     LoadFromSource(*hold.m_pchData, {pFrom, pTo, nCount});
 }
@@ -284,13 +279,16 @@ void CCUIBitmap::Adopt(HBITMAP hBitmap, HPALETTE hPalette)
     RefreshDimensions(*m_pchData);
 }
 
-void CCUIBitmap::LoadNew(const CCUString &sName, const char *pszID, WORD wFlags, HINSTANCE hInst)
+// The record's owner beside this object, which code that a trace calls may delete.
+CCUIBitmap CCUIBitmap::LoadNew(const CCUString &sName, const char *pszID, WORD wFlags,
+                               HINSTANCE hInst)
 {
     // Made before the old record goes, which the name may be a part of.
     CUIBitmapData *pData = NewData(nullptr);
     pData->m_pSource = NewSource(sName, pszID, wFlags, hInst);
     Empty();
     m_pchData = pData;
-    const CCUIBitmap hold(*this);
+    CCUIBitmap hold(*this);
     LoadFromSource(*pData, {nullptr, nullptr, 0});
+    return hold;
 }

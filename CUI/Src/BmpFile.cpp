@@ -42,8 +42,10 @@ bool FindParts(CFileParts &parts, const BITMAPINFOHEADER &header, DWORD nOffset,
         ((static_cast<LONGLONG>(header.biBitCount) * header.biWidth >> 3) + 1) & ~1;
     const LONGLONG nHeight = header.biHeight;
     // The headers were read, whatever a length that is no length says.
+    if (nFile < nHeaders || nFile == INVALID_FILE_SIZE)
+        return false;
     const DWORD nBehind = nFile - nHeaders;
-    if (nBehind > LONG_MAX || nTable > nBehind || nRow < 0 || (nRow > nFile && nHeight != 0))
+    if (nTable > nBehind || nRow < 0 || (nRow > nFile && nHeight != 0))
         return false;
     const ULONGLONG nPixels = static_cast<ULONGLONG>(nRow * (nHeight < 0 ? -nHeight : nHeight));
     // Files are not sought beyond what a long holds.

@@ -9,9 +9,11 @@ CCUIBmpSharedDC g_bmpImageDC;
 CCUIBmpSharedDC g_bmpMaskDC;
 CCUIBmpSharedDC g_bmpWorkDC;
 
-static CCUIDepthMemo s_depth;
+namespace {
 
-static struct CReleaseAtExit
+CCUIDepthMemo s_depth;
+
+struct CReleaseAtExit
 {
     ~CReleaseAtExit()
     {
@@ -20,6 +22,8 @@ static struct CReleaseAtExit
         g_bmpWorkDC.Release();
     }
 } s_releaseAtExit;
+
+}  // namespace
 
 void CCUIBmpSharedDC::Release()
 {

@@ -62,6 +62,9 @@ int CCUIDialog::DoModal(CCUIWindow *pParent)
     m_nResult = IDCANCEL;
     if (Start(nullptr, m_hRunOwner))
         ModalLoop();
+    // Its window has gone without OnDestroy, which a hook or a derived class kept from it.
+    if (!watch.IsGone() && !m_hWnd && !m_bEnded)
+        Abandon();
     return watch.IsGone() ? static_cast<int>(IDCANCEL) : m_nResult;
 }
 
@@ -156,10 +159,7 @@ HWND CCUIDialog::Start(const DLGTEMPLATE *pTemplate, HWND hOwner)
     if (!FinishCreation(hWnd)) {
         if (m_hWnd)  // of another run, begun by a handler that had ended this one
             return nullptr;
-        m_mode = ModeNone;
-        m_bActive = 0;
-        m_bEnded = 1;
-        GiveOwnerBack();
+        Abandon();
         return nullptr;
     }
     if (!pTemplate) {
@@ -167,6 +167,15 @@ HWND CCUIDialog::Start(const DLGTEMPLATE *pTemplate, HWND hOwner)
         SetForegroundWindow(hWnd);
     }
     return watch.IsGone() || m_hWnd != hWnd ? nullptr : hWnd;
+}
+
+// Ends a run that has no window. Handlers of the owner may delete the dialog.
+void CCUIDialog::Abandon()
+{
+    m_mode = ModeNone;
+    m_bActive = 0;
+    m_bEnded = 1;
+    GiveOwnerBack();
 }
 
 void CCUIDialog::RestoreParent(CCUIWindow *pParent)

@@ -38,7 +38,7 @@ bool IsSound(const CAnyHeader &any, ULONGLONG nPixels, ULONGLONG nSize, bool &bB
     BITMAPINFOHEADER header;
     const ULONGLONG nHead = ReadHeader(any, header);
     bBottomUp = header.biHeight > 0;
-    // The first byte after the colours is looked at in any case.
+    // Without such a place the first byte after the colours is looked at in any case.
     return (nPixels || nHead < nSize) &&
            (nPixels ? nPixels : nHead) + CUIDibImageSize(header) <= nSize;
 }

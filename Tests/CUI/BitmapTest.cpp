@@ -2,6 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
+#include <utility>
+
 #include "CUI/BmpLoad.h"
 #include "CUI/Data.h"
 #include "Support/BmpBytes.h"
@@ -34,20 +37,21 @@ bool IsEmpty(const CCUIBitmap &bitmap)
            !static_cast<HBITMAP>(bitmap) && !static_cast<HPALETTE>(bitmap);
 }
 
-// Lets go of a bitmap while it is loaded.
-class CEmptying : public CCUDumpCallback
+// Does something at each trace, counted.
+class COnTrace : public CCUDumpCallback
 {
 public:
-    explicit CEmptying(CCUIBitmap &bitmap) : m_bitmap(bitmap) { CUDumpRegister(this); }
-    ~CEmptying() { CUDumpUnRegister(this); }
+    explicit COnTrace(std::function<void()> action) : m_action(std::move(action))
+    {
+        CUDumpRegister(this);
+    }
+    ~COnTrace() { CUDumpUnRegister(this); }
     void OnDump(const CCUString &) override
     {
-        const CUIBitmapData *pData = m_bitmap.GetData();
-        m_bitmap.Empty();
-        EXPECT_EQ(1, pData->m_nRefs);
         ++m_nTraces;
+        m_action();
     }
-    CCUIBitmap &m_bitmap;
+    const std::function<void()> m_action;
     int m_nTraces = 0;
 };
 
@@ -146,12 +150,23 @@ TEST(Bitmap, IsLoadedByIdNameAndDecimalTextAndReportsWhatItIsNot)
     EXPECT_EQ(named, PixelsOf(CCUIBitmap("NAMED", 0, hModule)));
     bitmap.Load("200", 0, hModule);  // a name in the caller's memory is no number
     EXPECT_TRUE(IsEmpty(bitmap));
-    // One try, whatever the trace does to the bitmap meanwhile.
+    // Two tries, whatever the trace does to the bitmap meanwhile.
     {
         CCUIBitmap emptied;
-        const CEmptying emptying(emptied);
+        const auto empty = [&] {
+            EXPECT_NE(1, emptied.GetData()->m_nRefs);  // held, or empty already
+            emptied.Empty();
+        };
+        const COnTrace trace(empty);
         emptied.Load("no such", 0, nullptr);
-        EXPECT_EQ(1, emptying.m_nTraces);
+        EXPECT_EQ(2, trace.m_nTraces);
+    }
+    {
+        auto *deleted = new CCUIBitmap(CCUString("no such"), CUIBMP_FILE, nullptr);
+        const CCUIBitmap copy(*deleted);
+        const COnTrace trace([&] { delete std::exchange(deleted, nullptr); });
+        deleted->ReLoad(nullptr, nullptr, 0);
+        EXPECT_EQ(2, trace.m_nTraces);
     }
 
     const CCUIBitmap byId(0x10000 + 200, 0, hModule);

@@ -224,6 +224,13 @@ TEST(Dialog, DisablesTheOwnersAndGivesThemBack)
     EXPECT_EQ("1 0", enabled());
     EnableWindow(popup, TRUE);
 
+    // So does one that does not hear of its end.
+    CTestDialog deaf;
+    deaf.m_on[WM_DESTROY] = [] { return 0; };
+    EXPECT_EQ(IDCANCEL, deaf.Run([](CTestDialog &running) { DestroyWindow(running); }, &child));
+    EXPECT_FALSE(deaf.IsActive());
+    EXPECT_EQ("1 1", enabled());
+
     // A creation that fails leaves the owners enabled.
     CTestDialog("no such template").DoModal(&child);
     EXPECT_EQ("1 1", enabled());

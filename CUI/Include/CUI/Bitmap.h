@@ -100,7 +100,7 @@ private:
 
     void ShareNothing(const CCUIBitmap &bitmapSrc);
     void Adopt(HBITMAP hBitmap, HPALETTE hPalette);
-    void LoadNew(const CCUString &sName, const char *pszID, WORD wFlags, HINSTANCE hInst);
+    CCUIBitmap LoadNew(const CCUString &sName, const char *pszID, WORD wFlags, HINSTANCE hInst);
 
     CUIBitmapData *m_pchData;  // never null
 };

@@ -13,8 +13,9 @@ class CCUString;
 // 0. Failures return null; nothing is reported unless said so. Headers and files are taken for
 // untrusted: what they claim and do not hold leads to null. For the user-interface thread.
 //
-// A palette has all colours that a file or resource claims and has, and more than 65,535 give none;
-// of a DIB that comes without a size it has the first 256, since nobody vouches for more.
+// The palettes of the functions named so have all colours that the file or resource claims and has,
+// and more than 65,535 give none; that of CUIBmpLoad has as many as the depth does. Of a DIB that
+// comes without a size it is the first 256, since nobody vouches for more.
 //
 // Where a palette is made, it is selected into the screen's DC as a foreground palette and realised
 // before the bitmap is made.
@@ -42,12 +43,12 @@ CUI_API HBITMAP CUIBmpLoadBitmapFilePalette(const CCUString &sFile, HPALETTE &hP
 CUI_API HBITMAP CUIBmpLoadBitmapPalette(HINSTANCE hInst, const char *pszName, HPALETTE &hPal);
 
 // A DDB of a bitmap resource, or of a BMP file when hInst is null and pszName a string; a file that
-// cannot be loaded is traced. A file may claim more colours than it has where the depth needs
-// fewer. With bMapColors every colour of the colour table that equals pFrom[i] becomes pTo[i], the
-// first match counting; with an nCount of 0 black, grey (808080), silver (C0C0C0) and white become
-// CUIData's button text, shadow, face and highlight. The colours are COLORREFs. phPal may be null;
-// otherwise it receives the palette of the (replaced) colours, which is the caller's also when no
-// bitmap could be made of them, and keeps its value before that.
+// cannot be loaded is traced. A file may claim more colours than it has. With bMapColors every
+// colour of the colour table that equals pFrom[i] becomes pTo[i], the first match counting; with an
+// nCount of 0 black, grey (808080), silver (C0C0C0) and white become CUIData's button text, shadow,
+// face and highlight. The colours are COLORREFs. phPal may be null; otherwise it receives the
+// palette of the (replaced) colours, which is the caller's also when no bitmap could be made of
+// them, and keeps its value before that.
 CUI_API HBITMAP CUIBmpLoad(HINSTANCE hInst, const char *pszName, HPALETTE *phPal, bool bMapColors,
                            DWORD *pFrom, DWORD *pTo, int nCount);
 

@@ -156,6 +156,7 @@ private:
     bool TakeOwner(CCUIWindow *pParent);
     HWND FindOwner(CCUIWindow *pParent);
     HWND Start(const DLGTEMPLATE *pTemplate, HWND hOwner);
+    void Abandon();
     void MakeBrush();
     bool DisableOwner();
     void GiveOwnerBack();

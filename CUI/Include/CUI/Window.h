@@ -56,7 +56,7 @@ public:
 
     // Creates a window and binds it before its first message. `rect` is in the coordinates that
     // CreateWindow takes; `nID` is the identifier of a WS_CHILD window, else ignored.
-    // 1 on success, 0 on failure (the object has no window then).
+    // 1 on success, 0 on failure (the object has no window then, unless a handler gave it another).
     virtual int Create(const char *className, const char *windowName, DWORD style, const RECT &rect,
                        HWND hParent, UINT nID);
     virtual int CreateEx(DWORD exStyle, const char *className, const char *windowName, DWORD style,
@@ -165,8 +165,8 @@ public:
     void UnHook();
 
     // Message hooks are asked in the order of insertion. They are not owned; they may be inserted
-    // and removed while a message passes through them: one that is inserted then sees the next
-    // message first. One that is inserted twice is asked twice and removed at once; null is
+    // and removed while a message passes through them: one that is inserted then sees messages from
+    // the next one on. One that is inserted twice is asked twice and removed at once; null is
     // ignored. Where a hook takes WM_DESTROY there is no OnDestroy, and the object is unbound at
     // WM_NCDESTROY, whether or not a hook takes that too.
     void InsertMessageHook(CCUIWindowHook *pHook);
@@ -269,7 +269,8 @@ protected:
     class CWatch;
 
     // To be called with the result of a creation that the hook was armed for: 1 when the object is
-    // bound to that window; else nothing is left of either, 0.
+    // bound to that window; else nothing is left of either, 0. A window that a handler gave the
+    // object meanwhile stays.
     int FinishCreation(HWND hWnd);
 
     enum : UINT
