@@ -214,7 +214,8 @@ int CFormatEstimate::StringLength(const CItem &item)
     const bool bWide = item.chModifier == 'l' || (*m_p == 'S' && item.chModifier != 'h');
     const wchar_t *pwsz = reinterpret_cast<const wchar_t *>(psz);
     // What cannot be read is no text. Capacity and output stay right where it is one.
-    if (m_bUnsure && (bWide ? IsBadStringPtrW(pwsz, UINT_MAX) : IsBadStringPtrA(psz, UINT_MAX)))
+    const UINT nSeen = static_cast<UINT>(nMost);
+    if (m_bUnsure && (bWide ? IsBadStringPtrW(pwsz, nSeen) : IsBadStringPtrA(psz, nSeen)))
         return 0;
     return bWide ? TextLength(pwsz, nMost) : TextLength(psz, nMost);
 }

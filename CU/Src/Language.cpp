@@ -6,7 +6,7 @@
 
 namespace {
 
-CCUString *s_pLanguage = nullptr;  // made by the first setting
+CCUString *s_pLanguage = nullptr;  // made by the first use
 
 void DeleteLanguage()
 {
@@ -56,7 +56,9 @@ void CUSetCurrentLanguage(CCUString language)
 
 CCUString CUGetCurrentLanguage()
 {
-    return s_pLanguage ? *s_pLanguage : CCUString("english");
+    if (!s_pLanguage)
+        s_pLanguage = new CCUString("english");
+    return *s_pLanguage;
 }
 
 unsigned int CUGetLocalizedID(unsigned int id)

@@ -72,6 +72,8 @@ void CCUThreadExitList::Run(bool bKillTimer)
 
 void CCUThreadExitList::RunAtThreadEnd()
 {
+    if (!Head())
+        return;
     CUSetThreadLocalStorage(s_nEndingSlot, &s_nEndingSlot);  // any value but null
     Run(true);
     // The end of a fiber is not that of its thread.

@@ -290,8 +290,12 @@ bool CCUTimerTask::RemoveRealMessage()
     MSG msg;
     if (!PeekMessageA(&msg, m_hWnd, s_uReal, s_uReal, PM_REMOVE))
         return false;
-    if (msg.message != WM_QUIT)
+    if (msg.message != WM_QUIT) {
+        // It may be that of a notification which such a message has asked for.
+        if (msg.wParam == m_uTimerID)
+            m_uTimerID = 0;
         return true;
+    }
     // No filter keeps WM_QUIT out; it is the message loop's.
     PostQuitMessage(static_cast<int>(msg.wParam));
     return false;

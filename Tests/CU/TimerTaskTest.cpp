@@ -188,6 +188,25 @@ TEST_F(TimerTask, OutlivesFailingCallsAndForeignHands)
     timer.SetAlarm(0);
     clock.Run(1000);
     EXPECT_EQ(4, timer.m_nCalls);
+    // What another thread has sent runs a loop, and that asks for a notification that has come too
+    // when the message for which it has been let in is looked for.
+    const auto runLoop = [](unsigned int, WPARAM wParam, LPARAM) {
+        CFakeClock &outer = *reinterpret_cast<CFakeClock *>(wParam);
+        outer.Run(0);
+        outer.Jump(100);
+        outer.Fire();
+    };
+    CUSetMessageHandler(WM_USER, runLoop);
+    const HWND hWnd = CUGetWindow();
+    CTestTimer head;
+    timer.SetAlarm(100);
+    clock.Jump(90);
+    clock.Fire();
+    CThreads::Run(
+        1, [&](int) { SendNotifyMessageA(hWnd, WM_USER, reinterpret_cast<WPARAM>(&clock), 0); });
+    head.SetAlarm(0);
+    clock.Run(1000);
+    EXPECT_EQ(5, timer.m_nCalls);
 }
 
 // Many threads serve their timers side by side and end with timers armed, which are then free for

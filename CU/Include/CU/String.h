@@ -153,7 +153,8 @@ public:
     void ReleaseBuffer(int nNewLength = -1);
     // GetBuffer and ReleaseBuffer in one: the length is set before the characters are written.
     char *GetBufferSetLength(int nNewLength);
-    // Gives back capacity beyond the text; where the block is shared, this string takes its own.
+    // Gives back capacity beyond the text; of a shared block that has some, this string takes a
+    // copy.
     void FreeExtra();
     // Until UnlockBuffer the block belongs to this string alone: copies take blocks of their own,
     // Empty keeps it, and so does an assignment that fits (one that does not takes a larger block,
