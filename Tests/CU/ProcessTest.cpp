@@ -203,8 +203,8 @@ TEST(Process, InfoHandlersRunByNameOrAll)
 
 // Leaves with alarms armed, due and being served on many threads; notes what runs at the end, and
 // what the last object that is destroyed can still be told.
-// The threads wait where they are and the system's timer thread has run before: Wine itself breaks
-// when it kills a thread within its heap, or one that is not quite born.
+// The threads wait where they are and the system's timer thread has run before: Wine itself crashes
+// when it kills a thread that is not quite born.
 std::string *g_pOrder = new std::string;
 const CCUInitializer g_initializer([] { *g_pOrder += "start "; }, [] { *g_pOrder += "end "; });
 std::string Date()
