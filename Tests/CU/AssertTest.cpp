@@ -54,7 +54,8 @@ TEST(Assert, AppendsAReportToTheDaysFile)
     EXPECT_EQ(1, FailTheCheck(1));
     EXPECT_EQ(0xABCDu, GetLastError());
     const std::string eve = directory.Contents("ZELTrace-2019-12-31.txt");
-    EXPECT_LT(eve.find("Assert:before "), eve.rfind("Assert:before "));
+    const size_t nFirst = eve.find("Assert:before "), nLast = eve.rfind("Assert:before ");
+    EXPECT_TRUE(nFirst < nLast && eve.find("Assert:before ", nFirst + 1) == nLast) << eve;
     const std::string text = directory.Contents("ZELTrace-2020-01-01.txt");
 
     const SYSTEMTIME midnight = {2020, 1, 3, 1, 0, 0, 0, 0};
@@ -133,7 +134,8 @@ TEST(NoRecur, ReportsARunningFunctionAndTakesTheFlag)
         {
             const CCUNoRecur inner(&nFlag);
             const std::string text = directory.Contents("*");
-            EXPECT_NE(std::string::npos, text.find("Assert:*m_nFlag == 0  File:Assert  Line:"));
+            const size_t n = text.find("Assert:*m_nFlag == 0  File:Assert  Line:");
+            EXPECT_TRUE(n != std::string::npos && n == text.rfind("Assert:")) << text;
         }
         EXPECT_EQ(0, nFlag);
         nFlag = 5;
