@@ -16,6 +16,7 @@
 #include "Support/HeapWatch.h"
 #include "Support/Reports.h"
 #include "Support/TestTimer.h"
+#include "Support/ThreadBirths.h"
 #include "Support/Threads.h"
 
 namespace {
@@ -209,8 +210,6 @@ std::string Date()
 
 // Leaves with alarms armed, due and being served on many threads; notes what runs at the end, and
 // what the last object that is destroyed can still be told.
-// The threads wait where they are and the system's timer thread has run before: Wine itself crashes
-// when it kills a thread that is not quite born.
 std::string *g_pOrder = new std::string;
 const CCUInitializer g_initializer([] { *g_pOrder += "start "; }, [] { *g_pOrder += "end "; });
 struct CLastStatic
@@ -256,8 +255,14 @@ void Leave(void (*leave)())
         void *const pDue = i % 2 ? g_pOrder : nullptr;
         CloseHandle(CreateThread(nullptr, 0, ServeBusyTimer, pDue, 0, nullptr));
     }
-    int nTurns = 0;
-    CTestTimer last([&] { g_nBusy == 6 && ++nTurns == 3 ? leave() : last.SetAlarm(1); });
+    CTestTimer last([&] {
+        if (g_nBusy < 6) {
+            last.SetAlarm(1);
+            return;
+        }
+        WaitForThreadBirths();
+        leave();
+    });
     last.SetAlarm(0);
     while (WaitMessage())
         CFakeClock::Pump();

@@ -4,6 +4,7 @@
 #include <string.h>
 
 #include "Support/Process.h"
+#include "Support/ThreadBirths.h"
 
 // A part that this test program plays as another process, with the environment (and so the
 // temporary directory) of the test that starts it:
@@ -31,6 +32,7 @@ public:
             return;
         SetErrorMode(SEM_FAILCRITICALERRORS | SEM_NOGPFAULTERRORBOX | SEM_NOOPENFILEERRORBOX);
         play();
+        WaitForThreadBirths();
         exit(0);
     }
 };
