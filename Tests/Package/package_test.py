@@ -144,14 +144,19 @@ class Archive(Folder):
     def test_two_builds_give_the_same_bytes(self):
         # The second one from a copy elsewhere, as if unpacked there.
         copy = self.folder / "elsewhere/copy"
-        copy.mkdir(parents=True)
-        files = output_of("git", "ls-files", "-co", "--exclude-standard", "--deduplicate", "--",
-                          ".", ":!Tests", ":!Bench", cwd=ROOT)
-        output_of("bash", "-c", f"tar cT - | tar xC '{copy}'", cwd=ROOT, input=files)
-        date = output_of("git", "log", "-1", "--format=%ct", cwd=ROOT).strip()
-        first = ROOT / output_of("Tools/make-package", cwd=ROOT).splitlines()[-1]
-        second = copy / output_of("Tools/make-package", cwd=copy,
-                                  env=dict(os.environ, SOURCE_DATE_EPOCH=date)).strip()
+        shutil.copytree(ROOT, copy, symlinks=True,
+                        ignore=lambda folder, _: (".git", "build", "Tests", "Bench")
+                        if folder == str(ROOT) else ())
+        dated = dict(os.environ)
+        if (ROOT / ".git").exists():
+            first = output_of("Tools/make-package", cwd=ROOT)
+            dated["SOURCE_DATE_EPOCH"] = output_of("git", "log", "-1", "--format=%ct",
+                                                   cwd=ROOT).strip()
+        else:
+            dated["SOURCE_DATE_EPOCH"] = "1000000000"
+            first = output_of("Tools/make-package", cwd=ROOT, env=dated)
+        first = ROOT / first.splitlines()[-1]
+        second = copy / output_of("Tools/make-package", cwd=copy, env=dated).strip()
         self.assertEqual("AutoRun-4.1.0.zip", first.name)
 
         with zipfile.ZipFile(first) as one, zipfile.ZipFile(second) as other:
