@@ -37,10 +37,11 @@ TEST(WindowClass, RegistersEachClassOnceInOrder)
     CReports reports;
     CDumped trace;
     WNDCLASSA byAtom = {};
-    byAtom.lpszClassName = MAKEINTRESOURCEA(0xC123);
+    // Names are numbered from 0xC000 on, in one list for all programs: nobody has the last one.
+    byAtom.lpszClassName = MAKEINTRESOURCEA(0xFFFF);
     EXPECT_EQ(0, CUIRegisterWindowClass(&byAtom));
     const std::string failure = "CUIWindowClass: Can't register window class ";
-    EXPECT_EQ(0u, trace.m_text.find(failure + "#49443, gle: ")) << trace.m_text;
+    EXPECT_EQ(0u, trace.m_text.find(failure + "#65535, gle: ")) << trace.m_text;
     trace.m_text.clear();
     const CImportHook registerHook("RegisterClassA", Register), iconHook("LoadIconA", Load);
     s_pOriginal = registerHook.Original<decltype(RegisterClassA)>();
