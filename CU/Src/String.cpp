@@ -170,21 +170,18 @@ CCUString::CCUString(char ch, int nRepeat)
     memset(m_pchData, ch, static_cast<size_t>(GetLength()));
 }
 
-// NOLINTNEXTLINE(bugprone-unhandled-self-assignment): told by the characters, as a copy is.
-CCUString &CCUString::operator=(const CCUString &stringSrc)
+// Assignment of other characters than this string's own.
+void CCUString::AssignOther(const CCUString &stringSrc)
 {
-    if (m_pchData == stringSrc.m_pchData)
-        return *this;
     CU_ASSERT(stringSrc.GetData()->nRefs != 0);
     if (IsLocked() || stringSrc.GetData()->nRefs < 0) {
         AssignCopy(stringSrc.GetLength(), stringSrc.m_pchData);
-        return *this;
+        return;
     }
     CU_ASSERT(stringSrc.GetData() != CUDataNil);
     Release();
     m_pchData = stringSrc.m_pchData;
     InterlockedIncrement(&GetData()->nRefs);
-    return *this;
 }
 
 CCUString &CCUString::operator=(const char *psz)

@@ -74,7 +74,13 @@ public:
     }
 
     // Shares the source's block; copies into this string's own block when either is locked.
-    CCUString &operator=(const CCUString &stringSrc);
+    // NOLINTNEXTLINE(bugprone-unhandled-self-assignment): told by the characters, as a copy is.
+    CCUString &operator=(const CCUString &stringSrc)
+    {
+        if (m_pchData != stringSrc.m_pchData)
+            AssignOther(stringSrc);
+        return *this;
+    }
     // These keep this string's block where it is not shared and large enough.
     CCUString &operator=(const char *psz);
     CCUString &operator=(const unsigned char *psz);
@@ -227,6 +233,7 @@ private:
     static bool LetGo(CCUStringData *pData) { return InterlockedDecrement(&pData->nRefs) <= 0; }
     void FreeData();
     void CopyOf(const CCUString &stringSrc);
+    void AssignOther(const CCUString &stringSrc);
     bool IsLocked() const { return GetData()->nRefs < 0 && GetData() != CUDataNil; }
     bool PointsInto(const void *p) const;
     void ReleaseOld(CCUStringData *pOldData);
