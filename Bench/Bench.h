@@ -16,7 +16,8 @@ struct CBenchRow
     double peer;
     const char *peerName;
     double ratio;
-    double ceiling;  // the ratio that the project promises to stay below; 0: none
+    double ceiling;               // the ratio that the project promises to stay below; 0: none
+    const char *group = nullptr;  // written by BenchAdd
 };
 
 // The rows so far, in the order of measuring.

@@ -12,6 +12,8 @@ std::vector<CBenchGroup> &Groups()
     return s_groups;
 }
 
+const char *s_runningGroup = nullptr;
+
 void PrintTable()
 {
     printf("%-52s %12s %12s %-5s  %-44s %6s %6s\n", "measure", "ours", "peer", "unit", "peer",
@@ -44,6 +46,7 @@ bool WriteJson(const char *path)
     const char *separator = "";
     for (const CBenchRow &row : BenchRows()) {
         fprintf(file, "%s  {", separator);
+        WriteJsonText(file, "group", row.group);
         WriteJsonText(file, "name", row.name);
         WriteJsonText(file, "unit", row.unit);
         WriteJsonText(file, "peer_name", row.peerName);
@@ -71,6 +74,7 @@ std::vector<CBenchRow> &BenchRows()
 void BenchAdd(const CBenchRow &row)
 {
     BenchRows().push_back(row);
+    BenchRows().back().group = s_runningGroup;
     fprintf(stderr, "%s: %.2f\n", row.name, row.ratio);
 }
 
@@ -108,6 +112,7 @@ int main(int argc, char **argv)
             wanted.empty() || std::any_of(wanted.begin(), wanted.end(), [&](const char *name) {
                 return strcmp(name, group.m_name) == 0;
             });
+        s_runningGroup = group.m_name;
         if (bWanted)
             group.m_run();
     }

@@ -9,23 +9,6 @@ namespace {
 
 constexpr char s_alphabet[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
 
-const unsigned char SKIPPED = 0xFF;
-
-// The value of each character, SKIPPED outside the alphabet.
-struct CReverseAlphabet
-{
-    constexpr CReverseAlphabet() : values()
-    {
-        for (unsigned char &value : values)
-            value = SKIPPED;
-        for (unsigned char i = 0; i < 64; ++i)
-            values[static_cast<unsigned char>(s_alphabet[i])] = i;
-    }
-    unsigned char values[256];
-};
-
-constexpr CReverseAlphabet s_reverse;
-
 unsigned int Byte(const char *pch)
 {
     return static_cast<unsigned char>(*pch);
@@ -78,6 +61,30 @@ int PutGroupsByPairs(char *pOut, const char *p, int nSrc)
     return n;
 }
 
+// What a character gives at each of the four places of a group: its bits where they stand in the
+// group's three bytes as a word holds them, so that a group is decoded by or-ing four words;
+// SKIPPED outside the alphabet. Made when first needed, as the pairs are.
+unsigned int s_values[4][256];
+volatile LONG s_bValuesMade = 0;
+
+const unsigned int SKIPPED = 0xFF000000;
+
+void MakeValues()
+{
+    if (s_bValuesMade)
+        return;
+    // Each word is written once: other threads may be reading already.
+    for (unsigned int ch = 0; ch < 256; ++ch) {
+        unsigned int nValue = 0;
+        while (nValue < 64 && static_cast<unsigned char>(s_alphabet[nValue]) != ch)
+            ++nValue;
+        for (int nPlace = 0; nPlace < 4; ++nPlace)
+            s_values[nPlace][ch] =
+                nValue < 64 ? __builtin_bswap32(nValue << (26 - 6 * nPlace)) : SKIPPED;
+    }
+    InterlockedExchange(&s_bValuesMade, 1);
+}
+
 }  // namespace
 
 CCUString CCUString::Encode64() const
@@ -123,26 +130,26 @@ CCUString CCUString::Decode64() const
     int nBitCount = 0;
     const unsigned char *p = reinterpret_cast<const unsigned char *>(m_pchData);
     const unsigned char *pEnd = p + nSrc;
+    MakeValues();
     while (p != pEnd) {
         if (nBitCount == 0) {
-            // Whole groups of four, up to the next character that is skipped.
+            // Whole groups of four, up to the next character that is skipped. The fourth byte
+            // written is the next group's first one, or where the NUL comes to stand.
             for (; pEnd - p >= 4; p += 4, pOut += 3) {
-                const unsigned int n0 = s_reverse.values[p[0]], n1 = s_reverse.values[p[1]];
-                const unsigned int n2 = s_reverse.values[p[2]], n3 = s_reverse.values[p[3]];
-                if ((n0 | n1 | n2 | n3) == SKIPPED)
+                const unsigned int nGroup =
+                    s_values[0][p[0]] | s_values[1][p[1]] | s_values[2][p[2]] | s_values[3][p[3]];
+                if (nGroup >= SKIPPED)
                     break;
-                const unsigned int nGroup = n0 << 18 | n1 << 12 | n2 << 6 | n3;
-                pOut[0] = static_cast<char>(nGroup >> 16);
-                pOut[1] = static_cast<char>(nGroup >> 8);
-                pOut[2] = static_cast<char>(nGroup);
+                memcpy(pOut, &nGroup, sizeof nGroup);
             }
             if (p == pEnd)
                 break;
         }
-        const unsigned int nValue = s_reverse.values[*p++];
+        const unsigned int nValue = s_values[3][*p++];
         if (nValue == SKIPPED)
             continue;
-        nBits = nBits << 6 | nValue;
+        // At the last place the value is the third byte.
+        nBits = nBits << 6 | nValue >> 16;
         nBitCount += 6;
         if (nBitCount >= 8) {
             nBitCount -= 8;

@@ -15,15 +15,12 @@ namespace {
 
 const int NUMBER_LENGTH = 32;
 const int FLOAT_LENGTH = 512;
+// The largest width or precision that is taken from an argument that may be part of another.
+const int MOST_UNSURE = 1 << 24;
 
 int Max(int n1, int n2)
 {
     return n1 > n2 ? n1 : n2;
-}
-
-int Add(int n1, int n2)
-{
-    return CUToLength(static_cast<long long>(n1) + n2);
 }
 
 bool IsModifier(char ch)
@@ -83,6 +80,8 @@ private:
     CItem ReadItem();
     bool ReadFlags(int &nWidth);
     int ReadNumber();
+    int ReadStar();
+    const char *ReadPointer();
     int ItemLength(const CItem &item);
     int StringLength(const CItem &item);
     static int FitString(const CItem &item, int nItemLen);
@@ -103,18 +102,18 @@ void CFormatEstimate::Walk()
         const char *pText = m_p;
         while (*m_p && *m_p != '%')
             ++m_p;
-        m_nMaxLen = Add(m_nMaxLen, static_cast<int>(m_p - pText));
+        m_nMaxLen = CUSum(m_nMaxLen, static_cast<int>(m_p - pText));
         if (!*m_p)
             return;
         if (*++m_p == '%') {
-            m_nMaxLen = Add(m_nMaxLen, 1);
+            m_nMaxLen = CUSum(m_nMaxLen, 1);
             continue;
         }
         const char *pItem = m_p;
         const CItem item = ReadItem();
         if (m_p != pItem || !IsPlainType(*m_p))
             m_bPlain = false;
-        m_nMaxLen = Add(m_nMaxLen, ItemLength(item));
+        m_nMaxLen = CUSum(m_nMaxLen, ItemLength(item));
         if (!*m_p)
             return;
     }
@@ -130,7 +129,7 @@ CFormatEstimate::CItem CFormatEstimate::ReadItem()
     if (*m_p == '.') {
         ++m_p;
         if (*m_p == '*') {
-            item.nPrecision = va_arg(*m_pArgs, int);
+            item.nPrecision = ReadStar();
             ++m_p;
         } else {
             item.nPrecision = ReadNumber();
@@ -149,10 +148,10 @@ bool CFormatEstimate::ReadFlags(int &nWidth)
     for (;; ++m_p) {
         switch (*m_p) {
         case '#':  // "0x"
-            m_nMaxLen = Add(m_nMaxLen, 2);
+            m_nMaxLen = CUSum(m_nMaxLen, 2);
             break;
         case '*':
-            nWidth = va_arg(*m_pArgs, int);
+            nWidth = ReadStar();
             bWidth = true;
             break;
         case '-':
@@ -176,6 +175,21 @@ int CFormatEstimate::ReadNumber()
     return nNumber;
 }
 
+int CFormatEstimate::ReadStar()
+{
+    const int nNumber = va_arg(*m_pArgs, int);
+    // Half of a double, say, must not make the heap run out.
+    return m_bUnsure && nNumber > MOST_UNSURE ? 0 : nNumber;
+}
+
+const char *CFormatEstimate::ReadPointer()
+{
+    const char *p = va_arg(*m_pArgs, const char *);
+    if (p >= m_pOwn && p <= m_pOwnEnd)
+        m_bReadsOwn = true;
+    return p;
+}
+
 int CFormatEstimate::ItemLength(const CItem &item)
 {
     switch (*m_p) {
@@ -189,12 +203,14 @@ int CFormatEstimate::ItemLength(const CItem &item)
     case 'p':
     case 'u':
     case 'x':
-    case 'X': va_arg(*m_pArgs, int); return Max(NUMBER_LENGTH, Add(item.nWidth, item.nPrecision));
+    case 'X': va_arg(*m_pArgs, int); return Max(NUMBER_LENGTH, CUSum(item.nWidth, item.nPrecision));
     case 'e':
     case 'f':
     case 'g':
-    case 'G': va_arg(*m_pArgs, double); return Max(FLOAT_LENGTH, Add(item.nWidth, item.nPrecision));
-    case 'n': va_arg(*m_pArgs, void *); return 0;
+    case 'G':
+        va_arg(*m_pArgs, double);
+        return Max(FLOAT_LENGTH, CUSum(item.nWidth, item.nPrecision));
+    case 'n': ReadPointer(); return 0;
     default:
         CU_ASSERT_TEXT(false, "0");
         m_bUnsure = true;
@@ -204,9 +220,7 @@ int CFormatEstimate::ItemLength(const CItem &item)
 
 int CFormatEstimate::StringLength(const CItem &item)
 {
-    const char *psz = va_arg(*m_pArgs, const char *);
-    if (psz >= m_pOwn && psz <= m_pOwnEnd)
-        m_bReadsOwn = true;
+    const char *psz = ReadPointer();
     if (!psz)
         m_bPlain = false;
     // A text that a precision cuts needs no NUL.
@@ -317,10 +331,22 @@ void CCUString::FormatV(const char *pszFormat, va_list args)
     const CFormatEstimate estimate(pszFormat, &estimated, m_pchData, m_pchData + GetAllocLength());
     va_end(estimated);
     if (estimate.ReadsOwn() || PointsInto(pszFormat)) {
-        // Writing would change what is still to be read.
+        // Writing would change what is still to be read. The other string gets the room that
+        // GetBuffer would leave to this one, so that both ways cut at the same length.
+        const bool bKept = GetData()->nRefs <= 1 && estimate.MaxLen() <= GetAllocLength();
+        const int nRoom = bKept ? GetAllocLength() : GetLength();
         CCUString text;
+        if (nRoom > estimate.MaxLen())
+            text.AllocBuffer(nRoom);
         text.PrintV(estimate.MaxLen(), estimate.IsPlain(), pszFormat, args);
-        *this = text;
+        if (bKept) {
+            AssignCopy(text.GetLength(), text.m_pchData);
+            return;
+        }
+        CCUStringData *pOldData = GetData();
+        m_pchData = text.m_pchData;
+        text.Init();
+        ReleaseOld(pOldData);
         return;
     }
     PrintV(estimate.MaxLen(), estimate.IsPlain(), pszFormat, args);

@@ -170,21 +170,22 @@ CCUString::CCUString(char ch, int nRepeat)
     memset(m_pchData, ch, static_cast<size_t>(GetLength()));
 }
 
-// NOLINTNEXTLINE(bugprone-unhandled-self-assignment): told by the characters, as a copy is.
-CCUString &CCUString::operator=(const CCUString &stringSrc)
+// Inline in the header, and exported all the same, as programs call it that were linked before.
+__attribute__((used)) static CCUString &(CCUString::*const s_pAssign)(const CCUString &) =
+    &CCUString::operator=;
+
+// Assignment of other characters than this string's own.
+void CCUString::AssignOther(const CCUString &stringSrc)
 {
-    if (m_pchData == stringSrc.m_pchData)
-        return *this;
     CU_ASSERT(stringSrc.GetData()->nRefs != 0);
     if (IsLocked() || stringSrc.GetData()->nRefs < 0) {
         AssignCopy(stringSrc.GetLength(), stringSrc.m_pchData);
-        return *this;
+        return;
     }
     CU_ASSERT(stringSrc.GetData() != CUDataNil);
     Release();
     m_pchData = stringSrc.m_pchData;
     InterlockedIncrement(&GetData()->nRefs);
-    return *this;
 }
 
 CCUString &CCUString::operator=(const char *psz)

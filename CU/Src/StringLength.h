@@ -15,12 +15,20 @@ inline int CUToLength(long long nLength)
     return nLength < INT_MIN ? INT_MIN : static_cast<int>(nLength);
 }
 
+inline int CUSum(int n1, int n2)
+{
+    int nSum = 0;
+    if (__builtin_add_overflow(n1, n2, &nSum))
+        return n1 < 0 ? INT_MIN : INT_MAX;
+    return nSum;
+}
+
 // The length of two texts together; -1 when one of them is negative.
 inline int CUAddLengths(int nLength1, int nLength2)
 {
     if (nLength1 < 0 || nLength2 < 0)
         return -1;
-    return CUToLength(static_cast<long long>(nLength1) + nLength2);
+    return CUSum(nLength1, nLength2);
 }
 
 // nLength, at least 0 and at most nMost.

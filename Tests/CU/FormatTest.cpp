@@ -3,6 +3,7 @@
 #include <stdio.h>
 #include <string.h>
 
+#include <algorithm>
 #include <random>
 #include <string>
 #include <vector>
@@ -101,6 +102,40 @@ TEST(Format, TakesItsOwnTextAsArgument)
     EXPECT_EQ(copy.GetAllocLength(), 7);
 }
 
+// Conversions that the estimate does not know are written all the same, where there is room.
+TEST(Format, WritesWhatItDoesNotKnowIntoTheRoomThatThereIs)
+{
+    CReports reports;
+    const CHeapWatch heap;
+    CCUString text('x', 300), shared('x', 20), locked;
+    const char *const pchOld = text;
+    const auto reported = [&](auto act) { return reports.Of("String", act); };
+    EXPECT_EQ(reported([&] { text.Format("at %E|%d", 1.5, 7); }), "0");
+    Expect(text, 300, "at 1.500000E+000|7");
+    EXPECT_EQ(reported([&] { text.Format("%I64d %s", 12345678901LL, pchOld + 16); }), "0");
+    Expect(text, 300, "12345678901 |7");
+    EXPECT_EQ(static_cast<const char *>(text), pchOld);
+    CCUString copy(shared);
+    EXPECT_EQ(reported([&] { shared.Format("%E", 1.5); }), "0");
+    Expect(shared, 20, "1.500000E+000");
+    EXPECT_STREQ(copy, std::string(20, 'x').c_str());
+    locked = "abc";
+    locked.LockBuffer();
+    EXPECT_EQ(reported([&] { locked.Format("%E|%d", 1.5, 7); }), "0");
+    Expect(locked, 33, "1.500000E+000|7");
+    copy = locked;
+    EXPECT_NE(static_cast<const char *>(copy), static_cast<const char *>(locked));
+    // Half of 1.2 is no width: 858,993,459 characters.
+    heap.TakeLargest();
+    EXPECT_EQ(Formatted("%E %*d", 1.2, 5, 7).GetAllocLength(), 33);
+    EXPECT_LT(heap.TakeLargest(), 10000U);
+    // "%n" may write to the string's own block, which has to live that long.
+    CCUString counted("abcd");
+    const char *const pchCount = counted;
+    counted.Format("%s%n", "longer", pchCount);
+    EXPECT_NE(*pchCount, 6) << "written to after its end";
+}
+
 // Arguments that are valid whatever a broken format takes them for: words that as integers are
 // small enough for a width and as pointers show short, writable text, both 8-bit and wide.
 TEST(Format, NeverLeavesItsBlockWhateverTheFormat)
@@ -118,23 +153,40 @@ TEST(Format, NeverLeavesItsBlockWhateverTheFormat)
     std::vector<char> expected(1 << 20), original(0x1000);
     for (size_t n = 0; n < 64; ++n)
         memcpy(&original[n * 16], n % 2 ? "s\0h\0o\0r\0t\0\0" : "bytes", n % 2 ? 12 : 6);
+    const auto format = [&](CFormatted &text, const char *pszFormat, DWORD *args) {
+        // "%n" may have written to a text that another item shows.
+        memcpy(texts, original.data(), original.size());
+        text.FormatV(pszFormat, reinterpret_cast<va_list>(args));
+    };
     for (int i = 0; i < FuzzInputs(); ++i) {
-        std::string format;
+        std::string tried;
         for (unsigned int n = random() % 10; n > 0; --n)
-            format += tokens[random() % (sizeof tokens / sizeof *tokens)];
-        const char *pszFormat = format.c_str();
+            tried += tokens[random() % (sizeof tokens / sizeof *tokens)];
+        const char *pszFormat = tried.c_str();
         DWORD args[32];
         for (DWORD &arg : args)
             arg = nBase + random() % 64 * 16;
-        memcpy(texts, original.data(), original.size());
-        CFormatted text;
-        text.FormatV(pszFormat, reinterpret_cast<va_list>(args));
-        ASSERT_LE(text.GetLength(), text.GetAllocLength()) << pszFormat;
-        // "%n" may have written to a text that another item shows.
+        // A string with room for 0 to 299, its own, locked or shared.
+        CFormatted text, other, empty;
+        text.GetBuffer(static_cast<int>(random() % (random() % 300 + 1)));
+        if (random() % 3 == 0)
+            text.LockBuffer();
+        else if (random() % 2 == 0)
+            other = text;
+        const int nKept = other.GetAllocLength() > 0 ? 0 : text.GetAllocLength();
+        format(empty, pszFormat, args);
+        format(text, pszFormat, args);
+        // Empty are also those that would be too long.
+        const int nRoom = text.GetAllocLength();
+        ASSERT_TRUE(nRoom == std::max(nKept, empty.GetAllocLength()) || !empty.GetAllocLength())
+            << pszFormat;
         memcpy(texts, original.data(), original.size());
         const int n = _vsnprintf(expected.data(), expected.size(), pszFormat,
                                  reinterpret_cast<va_list>(args));
-        const size_t nLength = static_cast<size_t>(text.GetLength());
-        ASSERT_TRUE(n < 0 || strncmp(text, expected.data(), nLength) == 0) << pszFormat;
+        if (n < 0)
+            continue;
+        expected[std::min(static_cast<size_t>(nRoom), expected.size() - 1)] = '\0';
+        ASSERT_STREQ(text, expected.data()) << pszFormat;
+        ASSERT_EQ(static_cast<size_t>(text.GetLength()), strlen(expected.data())) << pszFormat;
     }
 }

@@ -38,9 +38,9 @@ extern CU_API const char *const CUPchNil;
 //
 // One object is for one thread at a time; objects that share a block may be copied, changed and
 // destroyed on different threads. Contract breaches are reported with the source "String" and the
-// operation goes on; a length that cannot be (negative, beyond 2147483646, past the capacity) is
-// cut to what is possible, so that nothing but SetAt ever writes outside the block. Running out of
-// memory is not reported to the caller.
+// operation goes on, with a length that can be: a negative one counts as 0, one past the capacity
+// is cut to it, and one beyond 2147483646 leaves the empty string. So nothing but SetAt ever writes
+// outside the block. Running out of memory is not reported to the caller.
 class CU_API CCUString
 {
 public:
@@ -58,7 +58,8 @@ public:
     // A copy of the text.
     CCUString(const char *psz);
     CCUString(const unsigned char *psz);
-    // Exactly nLength characters, NULs among them too.
+    // Exactly nLength characters, NULs among them too; null is empty whatever the length. A length
+    // that cannot be is reported and gives the empty string.
     CCUString(const char *pch, int nLength);
     // nRepeat times ch; empty when nRepeat is below 1.
     CCUString(char ch, int nRepeat);
@@ -73,7 +74,13 @@ public:
     }
 
     // Shares the source's block; copies into this string's own block when either is locked.
-    CCUString &operator=(const CCUString &stringSrc);
+    // NOLINTNEXTLINE(bugprone-unhandled-self-assignment): told by the characters, as a copy is.
+    CCUString &operator=(const CCUString &stringSrc)
+    {
+        if (m_pchData != stringSrc.m_pchData)
+            AssignOther(stringSrc);
+        return *this;
+    }
     // These keep this string's block where it is not shared and large enough.
     CCUString &operator=(const char *psz);
     CCUString &operator=(const unsigned char *psz);
@@ -136,22 +143,29 @@ public:
     void TrimRight();  // white space by the C library's isspace
     void TrimLeft();   // white space by the C library's isspace
 
-    // Replaces the text by a formatted one. Reserves what the format lets expect (each number 32
-    // characters, each float 512, each %c 2, each text its length or width, cut to its precision)
-    // and never grows: output that is longer, such as "%10.3s" or "%.600f", is reported and cut.
-    // Understands %c %C %s %S %d %i %o %p %u %x %X %e %f %g %G %n with flags, width, precision, `*`
-    // and one of h l F N L; anything else is reported, counted as nothing, and its argument taken
-    // for the next conversion's. A null text counts as one character, a wide one as one for each
-    // wide character. Arguments may point into this string.
+    // Replaces the text by a formatted one. Makes room for what the format lets expect (each number
+    // 32 characters, each float 512, each %c 2, each text its length or width, cut to its
+    // precision) unless this string alone has a block with as much, and never grows: output beyond
+    // the capacity, such as "%10.3s" or "%.600f" in a string without room, is reported and cut.
+    //
+    // Expected are %c %C %s %S %d %i %o %p %u %x %X %e %f %g %G %n with flags, width, precision,
+    // `*` and one of h l F N L. Whatever else the system's C library writes, such as %E and %I64d,
+    // is reported and written all the same, but no room is made for it: make some with GetBuffer
+    // before. Its argument is taken for that of the next conversion when room is counted. A null
+    // text counts as one character, a wide one as one for each wide character. Arguments may point
+    // into this string.
     void Format(const char *pszFormat, ...);
 
     // The characters for writing, room for at least nMinBufLength and a NUL; the text stays. Call
-    // ReleaseBuffer before anything else: until then the length is stale. A length that cannot be
-    // is reported and leaves the empty string, without room.
+    // ReleaseBuffer before anything else: until then the length is stale. A negative length is
+    // reported and asks for no room; one beyond 2147483646 is reported and leaves the empty string,
+    // without room.
     char *GetBuffer(int nMinBufLength);
-    // Sets the length after writing; -1: up to the first NUL.
+    // Sets the length after writing; -1: up to the first NUL. One past the capacity is reported and
+    // cut to it, one below -1 empties the text.
     void ReleaseBuffer(int nNewLength = -1);
-    // GetBuffer and ReleaseBuffer in one: the length is set before the characters are written.
+    // GetBuffer and ReleaseBuffer in one: the length is set before the characters are written. A
+    // negative length is reported and empties the text.
     char *GetBufferSetLength(int nNewLength);
     // Gives back capacity beyond the text; of a shared block that has some, this string takes a
     // copy.
@@ -219,6 +233,7 @@ private:
     static bool LetGo(CCUStringData *pData) { return InterlockedDecrement(&pData->nRefs) <= 0; }
     void FreeData();
     void CopyOf(const CCUString &stringSrc);
+    void AssignOther(const CCUString &stringSrc);
     bool IsLocked() const { return GetData()->nRefs < 0 && GetData() != CUDataNil; }
     bool PointsInto(const void *p) const;
     void ReleaseOld(CCUStringData *pOldData);

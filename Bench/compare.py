@@ -1,0 +1,93 @@
+#!/usr/bin/env python3
+"""Measures, and tells which rows got worse than in the last accepted table; ./bench calls it.
+
+  compare.py [--accept] [--baseline FILE] [--json FILE] [GROUP...] -- COMMAND...
+
+COMMAND measures; it is given --json FILE GROUP... as well. Exit code: 0: no row got worse, 1: some
+did, any other: COMMAND's own.
+
+A row is worse when each of three runs finds its ratio more than a tenth above the accepted one.
+What disturbs a run seldom hits the same row three times, slower code is slower each time; going by
+the median of three, a table of a hundred rows would often raise a false alarm. It is quick, too:
+only groups that are still under suspicion are measured again. A row that is no longer there counts
+as worse.
+
+--accept makes the medians of three runs the accepted table, or its part of the groups measured. It
+holds nothing but ratios to the peers, which depend less on the machine than times do.
+"""
+
+import argparse
+import json
+import math
+import pathlib
+import statistics
+import subprocess
+import sys
+
+RUNS = 3
+WORSE = 1.1
+LAST_DIGIT = 0.01  # of the table's ratios: no more than that above is not worse
+
+
+def measure(command, table, groups):
+    """Runs the command; the ratios by group, then by measure and peer."""
+    code = subprocess.run([*command, "--json", table, *groups]).returncode
+    if code:
+        sys.exit(code)
+    ratios = {}
+    for row in json.loads(table.read_text()):
+        ratios.setdefault(row["group"], {})[f"{row['name']} / {row['peer_name']}"] = row["ratio"]
+    return ratios
+
+
+def worse_rows(accepted, runs):
+    """(group, row, accepted ratio, best ratio) of what all runs that measured its group find worse."""
+    found = []
+    for group in runs[0]:
+        for row, old in accepted.get(group, {}).items():
+            best = min(run[group].get(row, math.inf) for run in runs if group in run)
+            if best > max(old * WORSE, old + LAST_DIGIT):
+                found.append((group, row, old, best))
+    return found
+
+
+def accept(accepted, runs):
+    """The accepted table with the medians of the runs, which measured the same groups."""
+    medians = {
+        group: {row: round(statistics.median(run[group][row] for run in runs), 3) for row in rows}
+        for group, rows in runs[0].items()
+    }
+    return dict(sorted({**accepted, **medians}.items()))
+
+
+def main():
+    end = sys.argv.index("--")
+    here = pathlib.Path(__file__).parent
+    parser = argparse.ArgumentParser()
+    parser.add_argument("--accept", action="store_true")
+    parser.add_argument("--baseline", type=pathlib.Path, default=here / "baseline.json")
+    parser.add_argument("--json", type=pathlib.Path, default=here.parent / "build/bench.json")
+    parser.add_argument("groups", nargs="*")
+    args = parser.parse_args(sys.argv[1:end])
+    command = sys.argv[end + 1 :]
+
+    accepted = json.loads(args.baseline.read_text()) if args.baseline.exists() else {}
+    runs = [measure(command, args.json, args.groups)]
+    again = args.json.with_suffix(".again.json")
+    while len(runs) < RUNS and (args.accept or worse_rows(accepted, runs)):
+        suspected = sorted({group for group, *_ in worse_rows(accepted, runs)})
+        runs.append(measure(command, again, args.groups if args.accept else suspected))
+    if args.accept:
+        args.baseline.write_text(json.dumps(accept(accepted, runs), indent=2) + "\n")
+        return 0
+    worse = worse_rows(accepted, runs)
+    for _, row, old, best in worse:
+        print(f"WORSE  {row}: {old:.2f} -> " + ("gone" if best == math.inf else f"{best:.2f}"))
+    for group, rows in runs[0].items():
+        for row in rows:
+            if row not in accepted.get(group, {}):
+                print(f"NEW    {row}")
+    return 1 if worse else 0
+
+
+sys.exit(main())
