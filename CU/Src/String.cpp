@@ -170,9 +170,12 @@ CCUString::CCUString(char ch, int nRepeat)
     memset(m_pchData, ch, static_cast<size_t>(GetLength()));
 }
 
-// Inline in the header, and exported all the same, as programs call it that were linked before.
+#if defined(CU_EXPORTS)
+// Inline in the header, where the compiler exports nothing: for programs that were linked before.
 __attribute__((used)) static CCUString &(CCUString::*const s_pAssign)(const CCUString &) =
     &CCUString::operator=;
+asm(".section .drectve\n.ascii \" -export:\\\"_ZN9CCUStringaSERKS_\\\"\"\n.text");
+#endif
 
 // Assignment of other characters than this string's own.
 void CCUString::AssignOther(const CCUString &stringSrc)
