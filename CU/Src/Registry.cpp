@@ -2,6 +2,8 @@
 
 #include <string.h>
 
+#include "CU/Version.h"
+
 namespace {
 
 bool Succeeded(LONG nError)
@@ -52,10 +54,31 @@ HKEY OpenKey(HKEY hRoot, const CCUString &sPath, bool bReadOnly)
     return Succeeded(nError) ? hKey : nullptr;
 }
 
+bool IsLink(HKEY hKey)
+{
+    DWORD dwType = REG_NONE;
+    return RegQueryValueExA(hKey, "SymbolicLinkValue", nullptr, &dwType, nullptr, nullptr) ==
+               ERROR_SUCCESS &&
+           dwType == REG_LINK;
+}
+
+// By its handle: by its name the system would find what it points to. No Win32 call does that.
+LONG DeleteLink(HKEY hLink)
+{
+    typedef LONG NTAPI NtDeleteKeyFunction(HANDLE hKey);
+    const auto ntDeleteKey = reinterpret_cast<NtDeleteKeyFunction *>(
+        GetProcAddress(GetModuleHandleA("ntdll.dll"), "NtDeleteKey"));
+    return ntDeleteKey && ntDeleteKey(hLink) >= 0 ? ERROR_SUCCESS : ERROR_ACCESS_DENIED;
+}
+
+// A link to another key is opened as itself: what it points to is not a part of the tree. Windows
+// 95 has neither links nor the option.
 LONG DeleteTree(HKEY hParent, const char *pszPath)
 {
     HKEY hKey = nullptr;
-    LONG nError = RegOpenKeyExA(hParent, pszPath, 0, KEY_READ | KEY_WRITE, &hKey);
+    LONG nError =
+        RegOpenKeyExA(hParent, pszPath, CCUVersionInfo().IsWinNT() ? REG_OPTION_OPEN_LINK : 0,
+                      KEY_READ | KEY_WRITE | DELETE, &hKey);
     if (nError != ERROR_SUCCESS)
         return nError;
     // Windows NT removes a key only when it has no keys. One that cannot go ends the loop.
@@ -67,8 +90,11 @@ LONG DeleteTree(HKEY hParent, const char *pszPath)
         nError = DeleteTree(hKey, szName);
         nLength = sizeof szName;
     }
+    const bool bLink = nError == ERROR_SUCCESS && IsLink(hKey);
+    if (bLink)
+        nError = DeleteLink(hKey);
     RegCloseKey(hKey);
-    return nError == ERROR_SUCCESS ? RegDeleteKeyA(hParent, pszPath) : nError;
+    return nError == ERROR_SUCCESS && !bLink ? RegDeleteKeyA(hParent, pszPath) : nError;
 }
 
 }  // namespace
