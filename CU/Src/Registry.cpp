@@ -2,8 +2,6 @@
 
 #include <string.h>
 
-#include "CU/Version.h"
-
 namespace {
 
 bool Succeeded(LONG nError)
@@ -62,23 +60,16 @@ bool IsLink(HKEY hKey)
            dwType == REG_LINK;
 }
 
-// By its handle: by its name the system would find what it points to. No Win32 call does that.
-LONG DeleteLink(HKEY hLink)
+// Links are opened and deleted by their handles: by its name the system would find what one points
+// to, which is no part of the tree. No Win32 call does that; Windows 95 has neither it nor links.
+LONG DeleteTree(HKEY hParent, const char *pszPath)
 {
     typedef LONG NTAPI NtDeleteKeyFunction(HANDLE hKey);
     const auto ntDeleteKey = reinterpret_cast<NtDeleteKeyFunction *>(
         GetProcAddress(GetModuleHandleA("ntdll.dll"), "NtDeleteKey"));
-    return ntDeleteKey && ntDeleteKey(hLink) >= 0 ? ERROR_SUCCESS : ERROR_ACCESS_DENIED;
-}
-
-// A link to another key is opened as itself: what it points to is not a part of the tree. Windows
-// 95 has neither links nor the option.
-LONG DeleteTree(HKEY hParent, const char *pszPath)
-{
     HKEY hKey = nullptr;
-    LONG nError =
-        RegOpenKeyExA(hParent, pszPath, CCUVersionInfo().IsWinNT() ? REG_OPTION_OPEN_LINK : 0,
-                      KEY_READ | KEY_WRITE | DELETE, &hKey);
+    LONG nError = RegOpenKeyExA(hParent, pszPath, ntDeleteKey ? REG_OPTION_OPEN_LINK : 0,
+                                KEY_READ | KEY_WRITE | DELETE, &hKey);
     if (nError != ERROR_SUCCESS)
         return nError;
     // Windows NT removes a key only when it has no keys. One that cannot go ends the loop.
@@ -91,8 +82,8 @@ LONG DeleteTree(HKEY hParent, const char *pszPath)
         nLength = sizeof szName;
     }
     const bool bLink = nError == ERROR_SUCCESS && IsLink(hKey);
-    if (bLink)
-        nError = DeleteLink(hKey);
+    if (bLink && (!ntDeleteKey || ntDeleteKey(hKey) < 0))
+        nError = ERROR_ACCESS_DENIED;
     RegCloseKey(hKey);
     return nError == ERROR_SUCCESS && !bLink ? RegDeleteKeyA(hParent, pszPath) : nError;
 }

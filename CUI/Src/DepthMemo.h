@@ -1,6 +1,6 @@
 #pragma once
 
-#include "CUI/Data.h"
+#include "CUI/Platform.h"
 
 // The BITSPIXEL of a DC that is drawn to again and again, for any thread. Asking the system can
 // cost ten times the drawing (Wine 8 looks the display mode up), so the last answer is kept for a
@@ -10,28 +10,9 @@
 class CCUIDepthMemo
 {
 public:
-    int Of(HDC hDC)
-    {
-        // Another thread is at it: ask.
-        if (InterlockedExchange(&m_bBusy, 1))
-            return GetDeviceCaps(hDC, BITSPIXEL);
-        const DWORD dwNow = GetTickCount();
-        const HGDIOBJ hBitmap = GetCurrentObject(hDC, OBJ_BITMAP);
-        if (hDC != m_hDC || hBitmap != m_hBitmap || dwNow - m_dwAsked > s_dwKept ||
-            CUIGetWinData()->bWin9x) {
-            m_hDC = hDC;
-            m_hBitmap = hBitmap;
-            m_dwAsked = dwNow;
-            m_nBits = GetDeviceCaps(hDC, BITSPIXEL);
-        }
-        const int nBits = m_nBits;
-        InterlockedExchange(&m_bBusy, 0);
-        return nBits;
-    }
+    int Of(HDC hDC);
 
 private:
-    static const DWORD s_dwKept = 100;  // milliseconds
-
     LONG m_bBusy = 0;
     HDC m_hDC = nullptr;
     HGDIOBJ m_hBitmap = nullptr;  // in m_hDC
