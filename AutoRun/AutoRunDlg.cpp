@@ -90,6 +90,8 @@ int CAutoRunDlg::OnInitDialog(HWND hFocus, LPARAM lParam)
 
 void CAutoRunDlg::ReadFonts(CSkinTable &table)
 {
+    // Any program may send the message that leads here once more.
+    DeleteFonts();
     m_hFontTitle = table.ReadFont(IDS_TITLE_FONT);
     m_hFontItem = table.ReadFont(IDS_ITEM_FONT);
     m_hFontAbout = table.ReadFont(IDS_ABOUT_FONT);
@@ -147,13 +149,18 @@ void CAutoRunDlg::SetIcons()
     SendMessageA(m_hWnd, WM_SETICON, ICON_SMALL, reinterpret_cast<LPARAM>(m_hIcon));
 }
 
-void CAutoRunDlg::OnDestroy()
+void CAutoRunDlg::DeleteFonts()
 {
-    CCUIDialog::OnDestroy();
-    // The icon came with LoadIcon and is the system's: DeleteObject gives nothing of it away.
     CUIBmpDeleteObject(reinterpret_cast<void **>(&m_hFontTitle));
     CUIBmpDeleteObject(reinterpret_cast<void **>(&m_hFontItem));
     CUIBmpDeleteObject(reinterpret_cast<void **>(&m_hFontAbout));
+}
+
+void CAutoRunDlg::OnDestroy()
+{
+    CCUIDialog::OnDestroy();
+    DeleteFonts();
+    // The icon came with LoadIcon and is the system's: DeleteObject gives nothing of it away.
     CUIBmpDeleteObject(reinterpret_cast<void **>(&m_hIcon));
 }
 

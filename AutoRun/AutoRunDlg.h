@@ -49,6 +49,7 @@ protected:
 
 private:
     void ReadFonts(CSkinTable &table);
+    void DeleteFonts();
     void ReadTexts(const CSkinTable &table);
     void ReadPoints(const CSkinTable &table);
     void PlaceWindow();

@@ -52,10 +52,24 @@ HKEY OpenKey(HKEY hRoot, const CCUString &sPath, bool bReadOnly)
     return Succeeded(nError) ? hKey : nullptr;
 }
 
+bool IsLink(HKEY hKey)
+{
+    DWORD dwType = REG_NONE;
+    return RegQueryValueExA(hKey, "SymbolicLinkValue", nullptr, &dwType, nullptr, nullptr) ==
+               ERROR_SUCCESS &&
+           dwType == REG_LINK;
+}
+
+// Links are opened and deleted by their handles: by its name the system would find what one points
+// to, which is no part of the tree. No Win32 call does that; Windows 95 has neither it nor links.
 LONG DeleteTree(HKEY hParent, const char *pszPath)
 {
+    typedef LONG NTAPI NtDeleteKeyFunction(HANDLE hKey);
+    const auto ntDeleteKey = reinterpret_cast<NtDeleteKeyFunction *>(
+        GetProcAddress(GetModuleHandleA("ntdll.dll"), "NtDeleteKey"));
     HKEY hKey = nullptr;
-    LONG nError = RegOpenKeyExA(hParent, pszPath, 0, KEY_READ | KEY_WRITE, &hKey);
+    LONG nError = RegOpenKeyExA(hParent, pszPath, ntDeleteKey ? REG_OPTION_OPEN_LINK : 0,
+                                KEY_READ | KEY_WRITE | DELETE, &hKey);
     if (nError != ERROR_SUCCESS)
         return nError;
     // Windows NT removes a key only when it has no keys. One that cannot go ends the loop.
@@ -67,8 +81,11 @@ LONG DeleteTree(HKEY hParent, const char *pszPath)
         nError = DeleteTree(hKey, szName);
         nLength = sizeof szName;
     }
+    const bool bLink = nError == ERROR_SUCCESS && IsLink(hKey);
+    if (bLink && (!ntDeleteKey || ntDeleteKey(hKey) < 0))
+        nError = ERROR_ACCESS_DENIED;
     RegCloseKey(hKey);
-    return nError == ERROR_SUCCESS ? RegDeleteKeyA(hParent, pszPath) : nError;
+    return nError == ERROR_SUCCESS && !bLink ? RegDeleteKeyA(hParent, pszPath) : nError;
 }
 
 }  // namespace

@@ -38,7 +38,8 @@ void MapColors(RGBQUAD *pTable, DWORD nColors, const CUIColorMap &map)
 HBITMAP Convert(HDC hScreen, BITMAPINFOHEADER *pbih, const void *pPixels, HPALETTE *phPal,
                 const CUIColorMap *pMap)
 {
-    const DWORD nColors = CUIDibTableColors(*pbih);
+    // Colour masks that follow the header are no colours.
+    const DWORD nColors = CUIDibHeaderSize(*pbih) == pbih->biSize ? CUIDibTableColors(*pbih) : 0;
     const ULONGLONG nPixels = static_cast<ULONGLONG>(pbih->biSize) + nFullTable;
     if (!pPixels && !CUIMemoryHolds(pbih, CUIDibExtent(*pbih, nPixels), false))
         return nullptr;
@@ -50,7 +51,9 @@ HBITMAP Convert(HDC hScreen, BITMAPINFOHEADER *pbih, const void *pPixels, HPALET
     }
     if (phPal) {
         *phPal = CUIPaletteFromTable(reinterpret_cast<BITMAPINFO *>(pbih)->bmiColors, nColors);
-        CUIRealizeForLoad(hScreen, *phPal);
+        // What is no palette of the picture would spoil it.
+        if (pbih->biSize == sizeof *pbih)
+            CUIRealizeForLoad(hScreen, *phPal);
     }
     return CUIDibToBitmap(hScreen, pbih, pPixels ? pPixels : pTable + nFullTable);
 }

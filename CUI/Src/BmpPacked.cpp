@@ -6,6 +6,7 @@
 #include "BmpSharedDC.h"
 #include "CU/Assert.h"
 #include "CU/String.h"
+#include "CUI/BmpBlt.h"
 #include "CUI/BmpLoad.h"
 #include "GdiGuards.h"
 #include "PackedDib.h"
@@ -53,13 +54,14 @@ HBITMAP PaletteBitmap(const BITMAPINFOHEADER *pbih, DWORD nSize, HPALETTE &hPal)
 {
     const CCUIWindowDC hScreen(nullptr);
     const DWORD nColors = CUIDibColorCount(*pbih);
-    const ULONGLONG nTable = CUIDibTableSize(nColors);
-    if (sizeof *pbih + nTable <= nSize)
-        hPal = CUIPaletteFromTable(reinterpret_cast<const RGBQUAD *>(pbih + 1), nColors);
-    CUIRealizeForLoad(hScreen, hPal);
-    const ULONGLONG nPixels = pbih->biSize + nTable;
+    const ULONGLONG nHeader = CUIDibHeaderSize(*pbih);
+    const ULONGLONG nPixels = nHeader + CUIDibTableSize(nColors);
     if (CUIDibExtent(*pbih, nPixels) > nSize)
         return nullptr;
+    // Palettes are made of what is 40 bytes from the header's start: here that may be none of it.
+    if (nHeader == sizeof *pbih)
+        hPal = CUIPaletteFromTable(reinterpret_cast<const RGBQUAD *>(pbih + 1), nColors);
+    CUIRealizeForLoad(hScreen, hPal);
     return CUIDibToBitmap(hScreen, pbih, reinterpret_cast<const char *>(pbih) + nPixels);
 }
 
@@ -89,9 +91,12 @@ void CDibHead::MapSysColors()
 
 HBITMAP SysColorBitmap(const BITMAPINFOHEADER *pbih, DWORD nSize, bool bMapColors)
 {
-    // A full table is assumed, whatever the header says of the colours in use.
-    const int nBits = pbih->biBitCount < 32 ? pbih->biBitCount : 32;
-    const ULONGLONG nPixels = sizeof *pbih + CUIDibTableSize(1ULL << nBits);
+    // A full table after a header of 40 bytes is assumed, whatever the header says of the colours
+    // in use. Where the pixels cannot be there, none are shown.
+    if (CUIDibHeaderSize(*pbih) != sizeof *pbih || pbih->biBitCount > 8 ||
+        pbih->biClrUsed > 1U << pbih->biBitCount)
+        return nullptr;
+    const ULONGLONG nPixels = sizeof *pbih + CUIDibTableSize(1U << pbih->biBitCount);
     if (CUIDibExtent(*pbih, nPixels) > nSize)
         return nullptr;
     CDibHead head(pbih, nSize);
@@ -101,14 +106,19 @@ HBITMAP SysColorBitmap(const BITMAPINFOHEADER *pbih, DWORD nSize, bool bMapColor
     const int nWidth = pbih->biWidth;
     const int nHeight = abs(pbih->biHeight);
     const CCUIWindowDC hScreen(nullptr);
-    const HBITMAP hBitmap = CreateCompatibleBitmap(hScreen, nWidth, nHeight);
+    HBITMAP hBitmap = CreateCompatibleBitmap(hScreen, nWidth, nHeight);
     if (!hBitmap)
         return nullptr;
     const HDC hMemory = g_bmpImageDC.For(hScreen);
-    const CCUISelect select(hMemory, hBitmap);
-    StretchDIBits(hMemory, 0, 0, nWidth, nHeight, 0, 0, nWidth, nHeight,
-                  reinterpret_cast<const char *>(pbih) + nPixels,
-                  reinterpret_cast<const BITMAPINFO *>(head.Header()), DIB_RGB_COLORS, SRCCOPY);
+    const int nDrawn = [&] {
+        const CCUISelect select(hMemory, hBitmap);
+        return StretchDIBits(hMemory, 0, 0, nWidth, nHeight, 0, 0, nWidth, nHeight,
+                             reinterpret_cast<const char *>(pbih) + nPixels,
+                             reinterpret_cast<const BITMAPINFO *>(head.Header()), DIB_RGB_COLORS,
+                             SRCCOPY);
+    }();
+    if (nDrawn <= 0)
+        CUIBmpDeleteObject(&hBitmap);
     return hBitmap;
 }
 
@@ -121,6 +131,7 @@ HBITMAP CUIBmpLoadBitmapFilePalette(const CCUString &sFile, HPALETTE &hPal)
     BITMAPINFOHEADER *pbih = CUIReadDib(sFile, nSize);
     if (!pbih)
         return nullptr;
+    // Colour masks are not among what is read, so that their room is missing.
     const HBITMAP hBitmap = PaletteBitmap(pbih, nSize, hPal);
     free(pbih);
     return hBitmap;

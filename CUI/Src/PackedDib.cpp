@@ -23,6 +23,16 @@ bool IsCompressed(const BITMAPINFOHEADER &header)
     return header.biCompression != BI_RGB && header.biCompression != BI_BITFIELDS;
 }
 
+// Whether there is a picture of runs, the lowest row first; of others not every system tells that
+// it cannot read them.
+bool HasRuns(const BITMAPINFOHEADER &header)
+{
+    return header.biCompression == (header.biBitCount == 8   ? BI_RLE8
+                                    : header.biBitCount == 4 ? BI_RLE4
+                                                             : BI_RGB) &&
+           header.biHeight > 0 && header.biSizeImage != 0;
+}
+
 // The bytes in which GDI looks for colours.
 ULONGLONG TableSize(const BITMAPINFOHEADER &header)
 {
@@ -72,10 +82,11 @@ ULONGLONG CUIDibImageSize(const BITMAPINFOHEADER &header)
 {
     if (header.biSize < sizeof(BITMAPINFOHEADER) || header.biSize > sizeof(BITMAPV5HEADER) ||
         header.biSize % sizeof(DWORD) != 0 || header.biPlanes != 1 || header.biWidth < 0 ||
-        header.biHeight == LONG_MIN || header.biBitCount > 32)
+        header.biHeight == LONG_MIN || header.biBitCount > 32 ||
+        (header.biCompression == BI_BITFIELDS && header.biBitCount % 16 != 0))
         return nImpossible;
     if (IsCompressed(header))
-        return header.biSizeImage;
+        return HasRuns(header) ? header.biSizeImage : nImpossible;
     const ULONGLONG nWidth = static_cast<ULONGLONG>(header.biWidth);
     const LONGLONG nHeight = header.biHeight;
     const ULONGLONG nRow = ((header.biBitCount * nWidth + 31) >> 5) * 4;

@@ -111,6 +111,24 @@ TEST(Soak, OpeningAndClosingLeavesNothingBehind)
         RunDialog(2);
 }
 
+TEST(Soak, MessagesOfOthersLeaveNothingBehind)
+{
+    InDialog([](HWND hWnd) {
+        const UINT messages[] = {WM_INITDIALOG,     WM_SYSCOLORCHANGE,    WM_SETTINGCHANGE,
+                                 WM_DISPLAYCHANGE,  WM_FONTCHANGE,        WM_QUERYNEWPALETTE,
+                                 WM_PALETTECHANGED, WM_PALETTEISCHANGING, WM_ERASEBKGND,
+                                 WM_PAINT,          WM_CTLCOLORDLG,       WM_CTLCOLORSTATIC,
+                                 WM_CANCELMODE,     WM_CAPTURECHANGED,    WM_SETICON};
+        for (const UINT message : messages) {
+            SCOPED_TRACE(message);
+            SendMessageA(hWnd, message, 0, 0);
+            const CLeakWatch watch;
+            for (int i = 0; i < 100; ++i)
+                SendMessageA(hWnd, message, 0, 0);
+        }
+    });
+}
+
 TEST(Palette, IsRealizedWhenItIsAskedForAndWhenAnotherWas)
 {
     InDialog([](HWND hWnd) {

@@ -82,3 +82,79 @@ TEST(Registry, WalksReadsAndWritesKeys)
     EXPECT_TRUE(registry.DeleteKey(pszRoot));
     EXPECT_FALSE(reader.Open(HKEY_CURRENT_USER, pszRoot));
 }
+
+namespace {
+
+const char *const pszLinks = "Software\\CURegistryLinks";
+
+// Makes a key below it that stands for the key `target` there, by the name that the system's core
+// has for that one.
+void MakeLink(const CCUString &sName)
+{
+    typedef LONG NTAPI QueryKey(HANDLE, int, void *, ULONG, ULONG *);
+    const auto ntQueryKey =
+        reinterpret_cast<QueryKey *>(GetProcAddress(GetModuleHandleA("ntdll.dll"), "NtQueryKey"));
+    const CCURegistry target(HKEY_CURRENT_USER, CCUString(pszLinks) + "\\target");
+    struct
+    {
+        ULONG m_nBytes;
+        wchar_t m_text[500];
+    } name = {};
+    ULONG nSize = 0;
+    ASSERT_EQ(0, ntQueryKey(target.GetKey(), 3, &name, sizeof name, &nSize));
+    HKEY hLink = nullptr;
+    ASSERT_EQ(ERROR_SUCCESS,
+              RegCreateKeyExA(HKEY_CURRENT_USER, CCUString(pszLinks) + '\\' + sName, 0, nullptr,
+                              REG_OPTION_CREATE_LINK, KEY_WRITE | KEY_CREATE_LINK, nullptr, &hLink,
+                              nullptr));
+    EXPECT_EQ(ERROR_SUCCESS, RegSetValueExW(hLink, L"SymbolicLinkValue", 0, REG_LINK,
+                                            reinterpret_cast<BYTE *>(name.m_text), name.m_nBytes));
+    RegCloseKey(hLink);
+}
+
+bool HasLink(const CCUString &sName)
+{
+    HKEY hLink = nullptr;
+    const bool bThere = RegOpenKeyExA(HKEY_CURRENT_USER, CCUString(pszLinks) + '\\' + sName,
+                                      REG_OPTION_OPEN_LINK, KEY_READ, &hLink) == ERROR_SUCCESS;
+    if (bThere)
+        RegCloseKey(hLink);
+    return bThere;
+}
+
+}  // namespace
+
+TEST(Registry, RemovesLinksAndNotWhatTheyPointTo)
+{
+    CCURegistry(HKEY_CURRENT_USER, nullptr, false).DeleteKey(pszLinks);
+    CCURegistry registry(HKEY_CURRENT_USER, pszLinks, false);
+    for (const char *pszKey : {"top\\a\\b", "target\\sub"}) {
+        ASSERT_TRUE(registry.Open(HKEY_CURRENT_USER, CCUString(pszLinks) + '\\' + pszKey, false));
+        EXPECT_TRUE(registry.SetInt("n", 5));
+    }
+    registry.Open(HKEY_CURRENT_USER, pszLinks, false);
+    for (const char *pszLink : {"link", "top\\a\\link", "target\\itself"}) {
+        ASSERT_NO_FATAL_FAILURE(MakeLink(pszLink));
+        EXPECT_TRUE(CCURegistry(HKEY_CURRENT_USER, CCUString(pszLinks) + '\\' + pszLink + "\\sub")
+                        .IsOpen());
+    }
+    const auto expectTarget = [] {
+        int n = 0;
+        CCURegistry target(HKEY_CURRENT_USER, CCUString(pszLinks) + "\\target\\sub");
+        EXPECT_TRUE(target.GetInt("n", n) && n == 5);
+    };
+    EXPECT_TRUE(registry.DeleteKey("top"));
+    EXPECT_FALSE(HasLink("top"));
+    expectTarget();
+    EXPECT_TRUE(registry.DeleteKey("link"));
+    EXPECT_FALSE(HasLink("link"));
+    expectTarget();
+    // One to a key above it, and one to nowhere.
+    ASSERT_NO_FATAL_FAILURE(MakeLink("link"));
+    EXPECT_TRUE(registry.DeleteKey("target"));
+    EXPECT_FALSE(HasLink("target"));
+    EXPECT_TRUE(HasLink("link"));
+    registry.Close();
+    EXPECT_TRUE(CCURegistry(HKEY_CURRENT_USER, nullptr, false).DeleteKey(pszLinks));
+    EXPECT_FALSE(HasLink(""));
+}

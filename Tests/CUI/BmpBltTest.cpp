@@ -115,11 +115,12 @@ UINT WINAPI RecordRealize(HDC)
     return 0;
 }
 
-// The depth that every DC has, as far as the code under test can see.
-int s_nBits;
-int WINAPI DeviceCaps(HDC, int nCap)
+// A system on which a memory DC has the depth of its bitmap.
+int WINAPI DeviceCaps(HDC hDC, int nCap)
 {
-    return nCap == BITSPIXEL ? s_nBits : 1;
+    BITMAP bm = {};
+    GetObjectA(GetCurrentObject(hDC, OBJ_BITMAP), sizeof bm, &bm);
+    return nCap == BITSPIXEL ? bm.bmBitsPixel : 1;
 }
 
 }  // namespace
@@ -213,19 +214,29 @@ TEST(BmpBlt, KeepsPalettesOffTheTargetAndTracesWhatCannotBeStretched)
 TEST(BmpBlt, MakesItsDCsForAnotherDepthOnlyAndDoesWithoutThePictureInBetween)
 {
     CScene s;
-    CTestSurface target(32, s.picture);
+    CTestSurface target(32, s.picture), mono(1, s.picture);
     const CReports reports;
     const CImportHook caps("GetDeviceCaps", DeviceCaps);
     const CFailingCall<HDC(HDC)> createDC("CreateCompatibleDC");
+    for (CCUIBmpSharedDC *pShared : {&g_bmpImageDC, &g_bmpMaskDC, &g_bmpWorkDC})
+        pShared->Release();
     CFailPlan::Start(0);
-    int nCreated = 0;
-    for (const int nBits : {1, 1, 24, 24, 1}) {
-        nCreated += s_nBits == nBits ? 0 : 3;
-        s_nBits = nBits;
-        CUIBmpBgBlt(nBits == 1 ? s.mask : target, 0, 0, s.image.Bitmap(), KEY);
-        EXPECT_EQ(nCreated, CFailPlan::s_nCalls);
+    // Another DC, or another bitmap in the same one.
+    const HBITMAP hColor = target.Bitmap(), hMono = mono.Bitmap();
+    const struct
+    {
+        HDC hDC;
+        HBITMAP hBmp;
+        int nCreated;
+    } steps[] = {{target, hMono, 3}, {target, hMono, 3},   {target, hColor, 6}, {target, hColor, 6},
+                 {s.mask, hMono, 9}, {target, hColor, 12}, {target, hMono, 15}};
+    for (const auto &step : steps) {
+        const HGDIOBJ hOld = SelectObject(step.hDC, step.hBmp);
+        CUIBmpBgBlt(step.hDC, 0, 0, s.image.Bitmap(), KEY);
+        SelectObject(step.hDC, hOld);
+        EXPECT_EQ(step.nCreated, CFailPlan::s_nCalls);
     }
-    s_nBits = 24;
+    SelectObject(target, hColor);
     CFailPlan::Start(1);
     CUIBmpBitBlt(target, 0, 0, s.image.Bitmap(), 0, 0, 0, 0, nullptr, 0);
     EXPECT_EQ(1, reports.Count("*pMemDC = CreateCompatibleDC(hDC)", "Bmp"));

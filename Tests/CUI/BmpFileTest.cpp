@@ -3,6 +3,7 @@
 #include "CU/String.h"
 #include "CUI/BmpLoad.h"
 #include "Support/BmpBytes.h"
+#include "Support/FakeResource.h"
 #include "Support/Fuzz.h"
 #include "Support/GdiCount.h"
 #include "Support/GuardedBuffer.h"
@@ -111,6 +112,10 @@ void LoadPacked(const std::vector<BYTE> &bytes)
     DeleteObject(CUIBmpCreateDIBPalette(pInfo, &nColors));
     DeleteObject(CUIBmpCreateBitmap(&pInfo->bmiHeader, &hPal, true, nullptr, nullptr, 0));
     DeleteObject(hPal);
+    const CFakeResource resource(std::vector<BYTE>(buffer.Data(), buffer.Data() + nSize));
+    DeleteObject(CUIBmpLoadBitmapPalette(nullptr, "", hPal));
+    DeleteObject(hPal);
+    DeleteObject(CUIBmpLoadBitmap(nullptr, ""));
 }
 
 }  // namespace

@@ -156,6 +156,9 @@ TEST(DrawingLeaks, NothingOnSuccessAndWhicheverCallFails)
     const CFailingCall<HBITMAP(HDC, const BITMAPINFOHEADER *, DWORD, const void *,
                                const BITMAPINFO *, UINT)>
         create("CreateDIBitmap");
+    const CFailingCall<int(HDC, int, int, int, int, int, int, int, int, const void *,
+                           const BITMAPINFO *, UINT, DWORD)>
+        stretch("StretchDIBits");
     const CFailingCall<HPALETTE(const LOGPALETTE *)> palette("CreatePalette");
     const CFailingCall<HBITMAP(HDC, int, int)> empty("CreateCompatibleBitmap");
     const CFailingCall<HBITMAP(int, int, UINT, UINT, const void *)> bitmap("CreateBitmap");

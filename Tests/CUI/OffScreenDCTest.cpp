@@ -20,12 +20,10 @@ BITMAP Selected(HDC hDC)
     return bm;
 }
 
-// A depth of 1 for one DC, as a printer may have it.
-HDC s_hPrinter;
-int(WINAPI *s_caps)(HDC, int);
+// A system on which a memory DC has the depth of its bitmap.
 int WINAPI DeviceCaps(HDC hDC, int nCap)
 {
-    return hDC == s_hPrinter && nCap == BITSPIXEL ? 1 : s_caps(hDC, nCap);
+    return nCap == BITSPIXEL ? Selected(hDC).bmBitsPixel : 1;
 }
 
 // Destroyed after everything else of the program, and draws even then.
@@ -57,10 +55,8 @@ CLastPainter s_lastPainter __attribute__((init_priority(101)));
 
 TEST(OffScreenDC, GrowsNeverShrinksAndKeepsWhatWasDrawnWhileItFits)
 {
-    CTestSurface screen(0, CPixelMap(9, 9)), printer(1, CPixelMap(9, 9));
-    s_hPrinter = printer;
-    CImportHook caps("GetDeviceCaps", DeviceCaps);
-    s_caps = caps.Original<int WINAPI(HDC, int)>();
+    CTestSurface screen(0, CPixelMap(9, 9)), mono(1, CPixelMap(9, 9));
+    const CImportHook caps("GetDeviceCaps", DeviceCaps);
     const CReports reports;
     const CFailingCall<HDC(HDC)> createDC("CreateCompatibleDC");
     const CFailingCall<HBITMAP(HDC, int, int)> createBitmap("CreateCompatibleBitmap");
@@ -81,7 +77,7 @@ TEST(OffScreenDC, GrowsNeverShrinksAndKeepsWhatWasDrawnWhileItFits)
             {screen, 200, 20, 200, 20, true, false}, {screen, 200, 20, 200, 20, false, false},
             {screen, 100, 50, 200, 50, true, false}, {screen, 1, 1, 200, 50, false, false},
             {screen, -5, 0, 200, 50, false, false},  {screen, 201, 9, 200, 50, false, true},
-            {printer, 10, 10, 200, 50, true, false}, {printer, 10, 51, 200, 51, true, false},
+            {mono, 10, 10, 200, 50, true, false},    {mono, 10, 51, 200, 51, true, false},
             {screen, 201, 3, 201, 51, true, false},  {screen, 201, 51, 201, 51, false, false}};
         HDC hFirst = nullptr;
         for (const auto &step : steps) {
@@ -103,6 +99,13 @@ TEST(OffScreenDC, GrowsNeverShrinksAndKeepsWhatWasDrawnWhileItFits)
             osdc.ReleaseDC();
             osdc.ReleaseDC();
             EXPECT_EQ(nBefore + 2, GdiCount());
+        }
+        // Another bitmap in the same DC.
+        const HGDIOBJ hColor = GetCurrentObject(screen, OBJ_BITMAP);
+        for (const HGDIOBJ hSelect : {HGDIOBJ(mono.Bitmap()), hColor}) {
+            SelectObject(screen, hSelect);
+            EXPECT_EQ(Selected(screen).bmBitsPixel, Selected(osdc.GetDC(screen, 1, 1)).bmBitsPixel);
+            osdc.ReleaseDC();
         }
     }
     EXPECT_EQ(nBefore, GdiCount());

@@ -52,7 +52,8 @@ public:
     bool SetBinary(const char *pszName, const void *data, DWORD nSize);
     // False when there is no such value.
     bool DeleteValue(const char *pszName);
-    // Removes the key "d\e" below the open one with all that is in it.
+    // Removes the key "d\e" below the open one with all that is in it. A link to another key goes
+    // itself, and what it points to stays.
     bool DeleteKey(const char *pszPath);
 
     // The name of the nIndex-th key or value (from 0, in no particular order) of the open key;

@@ -38,8 +38,13 @@ struct CUIBitmapData
 //
 // The constructors and Load with an id or a `const char *` name load a resource, whatever the
 // flags; such a name must live as long as the bitmap may be loaded again. Those with a CCUString
-// load what CUIBMP_FILE or CUIBMP_RESOURCE says, and nothing without either. A resource that has
-// a numeric id is found by its decimal text too.
+// load what CUIBMP_FILE or CUIBMP_RESOURCE says, the resource where both are given, and nothing
+// without either. Only a CCUString, not a `const char *`, finds a resource that has a numeric id by
+// its decimal text as well: CCUString("200"). Without a module an id is one of the system's
+// bitmaps, and a resource's name the path of a file.
+//
+// It converts to its bitmap and to its palette. Where a call takes any GDI object, and in
+// conditions, the compiler cannot choose: SelectObject(hDC, static_cast<HBITMAP>(bitmap)).
 class CUI_API CCUIBitmap
 {
 public:

@@ -3,12 +3,13 @@
 #include "CUI/Platform.h"
 
 // Puts device-dependent bitmaps onto a device context. None of these functions takes ownership of
-// its arguments; a null bitmap draws nothing. One that is selected into another DC cannot be drawn,
-// nor the same one as image and mask at once. All work in the user's logical coordinates of `hDC`.
-// A form without source rectangle draws the whole bitmap; in the forms that have one, a width or
-// height of 0 means the bitmap's own width and height, both of them. For the user-interface thread
-// only: the memory DCs in use are shared by all calls. Which depth a target handle has is
-// remembered for 100 ms; drawing between depths converts.
+// its arguments; a null bitmap draws nothing. What is drawn of a bitmap that is selected into a DC
+// elsewhere, or that is given as image and mask at once, is undefined. All work in the user's
+// logical coordinates of `hDC`. A form without source rectangle draws the whole bitmap; in the
+// forms that have one, a width or height of 0 means the bitmap's own width and height, both of
+// them. For the user-interface thread only: the memory DCs in use are shared by all calls. The
+// depth of a target is remembered for 100 ms, as long as the same bitmap is selected into it;
+// drawing between depths converts.
 
 // Copies the rectangle at (xSrc, ySrc) to (x, y). A palette is selected into the memory DC (never
 // into hDC) for the time of the copy, in the background when bForceBkgd is not 0.

@@ -20,23 +20,37 @@ class CCUString;
 // Where a palette is made, it is selected into the screen's DC as a foreground palette and realised
 // before the bitmap is made.
 //
+// Headers are of 40 bytes, or longer (V4, V5; the pixels of resources and packed DIBs follow their
+// tables). The loaders differ in what they can show; of the rest they return null:
+//                                 headers     depths, layout
+//   CUIBmpLoad, CCUIBitmap        all         all that LoadImage knows
+//   CUIBmpLoadBitmapPalette       not OS/2    all; longer headers and masks get no palette
+//   CUIBmpLoadBitmapFilePalette   40 bytes    all without masks (BI_BITFIELDS)
+//   CUIBmpLoadBitmap, ...SysColorBitmap, ...BitmapFile
+//                                 40 bytes    1, 4 and 8 bits with a full colour table
+//   CUIBmpCreateBitmap            not OS/2    all, in a layout of its own (see there)
+// Runs (BI_RLE4, BI_RLE8) must tell their size. Of files, all but CUIBmpLoad want as many bytes of
+// them as the picture would take without.
+//
 // Rows from the top down (a negative biHeight) are shown as they are meant, except by CUIBmpLoad
 // and so CCUIBitmap::Load, which show what the system's LoadImage makes of them: on some systems an
 // empty picture of their size.
 
 // A BMP file as a packed DIB, or null. Headers other than the 40-byte one are refused. The block
-// holds the file's bytes as they stand; the file must have as many as rows aligned to words take,
-// of (depth x width) / 8 bytes rounded up to even. A file that cannot be opened, is too short for
-// its file header or no bitmap is traced.
+// holds the file's bytes as they stand, but not the masks of BI_BITFIELDS: what looks at the header
+// alone would take the first pixels for them. The file must have as many bytes as rows aligned to
+// words take, of (depth x width) / 8 bytes rounded up to even. A file that cannot be opened, is too
+// short for its file header or no bitmap is traced.
 CUI_API BITMAPINFOHEADER *CUIBmpDIBFromFile(const CCUString &sFile);
 
-// A palette of the first 256 colours of the table, which starts 40 bytes after the header's start.
+// A palette of the first 256 colours of the table, which is taken to start 40 bytes after the
+// header's start: for headers of 40 bytes without masks.
 // *pnColors is the number of colours that the header claims. Null for no colours. Neither pointer
 // may be null.
 CUI_API HPALETTE CUIBmpCreateDIBPalette(BITMAPINFO *pbmi, int *pnColors);
 
 // A DDB of a BMP file, read as CUIBmpDIBFromFile does, and in hPal its palette, or null. The
-// palette is the caller's, also when no bitmap could be made and null is returned.
+// palette is the caller's, also when the system could make no bitmap and null is returned.
 CUI_API HBITMAP CUIBmpLoadBitmapFilePalette(const CCUString &sFile, HPALETTE &hPal);
 
 // The same of a bitmap resource. One that is missing is reported with "hRsrcImage".
@@ -52,17 +66,21 @@ CUI_API HBITMAP CUIBmpLoadBitmapPalette(HINSTANCE hInst, const char *pszName, HP
 CUI_API HBITMAP CUIBmpLoad(HINSTANCE hInst, const char *pszName, HPALETTE *phPal, bool bMapColors,
                            DWORD *pFrom, DWORD *pTo, int nCount);
 
-// The same of a packed DIB whose pixels start after a table of 256 entries, whatever the depth. The
-// table follows a header of any size (biSize), while the palette is made of what is 40 bytes from
-// the header's start. The colours are replaced in the table itself; null when they would be and it
-// cannot be written.
+// The same of a packed DIB whose pixels start after room for 256 colours, whatever the depth, that
+// is, 1024 bytes after the end of the header. The room follows a header of any size (biSize); the
+// masks of BI_BITFIELDS after a header of 40 bytes stand at its start, and no colours then. The
+// palette is made of what is 40 bytes from the header's start: with longer headers, of no colours
+// of the picture, and it is not realised. The colours are replaced in the table itself; null when
+// they would be and it cannot be written.
 CUI_API HBITMAP CUIBmpCreateBitmap(BITMAPINFOHEADER *pbih, HPALETTE *phPal, bool bMapColors,
                                    DWORD *pFrom, DWORD *pTo, int nCount);
 
-// DDBs of a BMP file or a bitmap resource whose pixels follow a full colour table (2^biBitCount
-// entries). Where bSysColors is not 0, and always for resources, those of the first 16 colours that
-// are black, grey, silver or white become the system's present button colours: for pictures of 16
-// colours. CUIBmpLoadBitmap reports a missing resource with "hRsrcImage".
+// DDBs of a BMP file or a bitmap resource of 8 bits or less whose pixels follow a header of 40
+// bytes and a full colour table (2^biBitCount entries), however many of them biClrUsed says are in
+// use; null where it says more. Where bSysColors is not 0, and always for resources, those of the
+// first 16 colours that are black, grey, silver or white become the system's present button
+// colours: for pictures of 16 colours. CUIBmpLoadBitmap reports a missing resource with
+// "hRsrcImage".
 CUI_API HBITMAP CUIBmpLoadBitmapFile(const CCUString &sFile, int bSysColors);
 CUI_API HBITMAP CUIBmpLoadSysColorBitmap(HINSTANCE hInst, HRSRC hRsrc);
 CUI_API HBITMAP CUIBmpLoadBitmap(HINSTANCE hInst, const char *pszName);
