@@ -2,12 +2,15 @@
 
 #include <fcntl.h>
 #include <io.h>
+#include <limits.h>
 #include <stdint.h>
 #include <stdlib.h>
 #include <string.h>
 
 #include "CU/Assert.h"
 #include "CU/File.h"
+#include "CU/Time.h"
+#include "TraceFile.h"
 
 #define CU_SOURCE "Dump"
 
@@ -30,10 +33,7 @@ const int MostNames = 86400;
 
 bool FindTempDirectory(CCUString &sTempDir)
 {
-    const DWORD nLength = GetTempPathA(_MAX_PATH, sTempDir.GetBuffer(_MAX_PATH));
-    // A longer one leaves the buffer alone and answers the length that it wants.
-    const bool bFound = nLength > 0 && nLength < _MAX_PATH;
-    sTempDir.ReleaseBuffer(bFound ? static_cast<int>(nLength) : 0);
+    const bool bFound = CUFindTempDirectory(sTempDir);
     CU_ASSERT_TEXT(bFound, "GetTempPath(_MAX_PATH, sTempDir.GetBuffer(_MAX_PATH))");
     return bFound;
 }
@@ -108,8 +108,8 @@ void WriteHeader(FILE *file)
 CCULogFiles::CCULogFiles()
     : m_settings{30, 50, 0, false},
       m_file(nullptr),
-      m_timeOfName(0),
-      m_timeMade(0),
+      m_nTimeOfName(0),
+      m_nTimeMade(0),
       m_nStartTime(0),
       m_nWritten(0),
       m_pNewFileCallback(nullptr)
@@ -158,8 +158,8 @@ void CCULogFiles::OpenNewFile()
     if (!FindTempDirectory(sTempDir))
         return;
     Prune(sTempDir, true);
-    const CCUTime now;
-    CCUTime time = FirstTimeForName(sTempDir, now);
+    const long nNow = CCUTime().GetTime();
+    CCUTime time = FirstTimeForName(sTempDir, nNow);
     CCUString sName;
     FILE *file = CreateNamedByTime(sTempDir, time, sName);
     if (!file)
@@ -168,9 +168,8 @@ void CCULogFiles::OpenNewFile()
     BeginFile(file, sName);
     m_file = file;
     m_sName = sName;
-    m_sDirectory = sTempDir;
-    m_timeOfName = time;
-    m_timeMade = now;
+    m_nTimeOfName = time.GetTime();
+    m_nTimeMade = nNow;
     m_nStartTime = GetTickCount();
     m_nWritten = 0;
     if (m_pNewFileCallback)
@@ -180,10 +179,11 @@ void CCULogFiles::OpenNewFile()
 // Where files are made faster than one a second, their names run ahead of the clock, and pruning
 // may free the earlier ones: a file that took such a name again would sort before those it follows.
 // A clock that has been set back since is followed all the same.
-CCUTime CCULogFiles::FirstTimeForName(const CCUString &sTempDir, const CCUTime &now) const
+long CCULogFiles::FirstTimeForName(const CCUString &sTempDir, long nNow) const
 {
-    const bool bAhead = now >= m_timeMade && now <= m_timeOfName && sTempDir == m_sDirectory;
-    return bAhead ? m_timeOfName + CCUTimeSpan(1) : now;
+    const bool bAhead = nNow >= m_nTimeMade && nNow <= m_nTimeOfName && m_nTimeOfName < LONG_MAX &&
+                        strncmp(m_sName, sTempDir, static_cast<size_t>(sTempDir.GetLength())) == 0;
+    return bAhead ? m_nTimeOfName + 1 : nNow;
 }
 
 void CCULogFiles::BeginFile(FILE *file, const CCUString &sName)

@@ -5,7 +5,6 @@
 #include "Array.h"
 #include "CU/Dump.h"
 #include "CU/String.h"
-#include "CU/Time.h"
 
 // The log files of the debug trace: the current one and the pruning of the older ones. Used under
 // the trace's lock only. Private to the layer.
@@ -37,7 +36,7 @@ public:
 private:
     bool NeedsNewFile(bool &bOverrun) const;
     void OpenNewFile();
-    CCUTime FirstTimeForName(const CCUString &sTempDir, const CCUTime &now) const;
+    long FirstTimeForName(const CCUString &sTempDir, long nNow) const;
     void BeginFile(FILE *file, const CCUString &sName);
 
     void Prune(const CCUString &sTempDir, bool bMakeRoom);
@@ -48,11 +47,8 @@ private:
     CSettings m_settings;
     FILE *m_file;  // null: none is open
     CCUString m_sName;
-    // Of the file that was made last: its directory, the second it is named after and the one in
-    // which it was made.
-    CCUString m_sDirectory;
-    CCUTime m_timeOfName;
-    CCUTime m_timeMade;
+    long m_nTimeOfName;  // the second that the file is named after
+    long m_nTimeMade;    // and the one in which it was made
     DWORD m_nStartTime;  // milliseconds
     unsigned long m_nWritten;
     CCUArray<CCUString> m_knownFiles;  // bare names, the oldest first
