@@ -1,23 +1,42 @@
 #include "DebugHelp.h"
 
+#include <string.h>
+
+#include "FaultGuard.h"
 #include "LazyLock.h"
 
 namespace {
 
-struct CFunctions
+// The library's functions: where they are kept, and their names in that order.
+enum EFunction
 {
-    decltype(&::StackWalk) StackWalk;
-    decltype(&::SymFunctionTableAccess) SymFunctionTableAccess;
-    decltype(&::SymGetModuleBase) SymGetModuleBase;
-    decltype(&::SymLoadModule) SymLoadModule;
-    decltype(&::SymGetSymFromAddr) SymGetSymFromAddr;
-    decltype(&::SymGetLineFromAddr) SymGetLineFromAddr;  // null before Windows 98 and 2000
+    fnStackWalk,
+    fnSymFunctionTableAccess,
+    fnSymGetModuleBase,
+    fnSymLoadModule,
+    fnSymGetSymFromAddr,
+    fnSymInitialize,
+    fnSymSetOptions,
+    fnSymGetLineFromAddr,  // the only one that may be missing: before Windows 98 and 2000
+    fnCount
 };
+const char *const FunctionNames =
+    "StackWalk\0"
+    "SymFunctionTableAccess\0"
+    "SymGetModuleBase\0"
+    "SymLoadModule\0"
+    "SymGetSymFromAddr\0"
+    "SymInitialize\0"
+    "SymSetOptions\0"
+    "SymGetLineFromAddr";
+FARPROC s_functions[fnCount];
+#define HELP(name) reinterpret_cast<decltype(&::name)>(s_functions[fn##name])
 
 CCULazyLock s_lock;
 bool s_bTried = false;
-CFunctions s_functions = {};
 bool s_bAvailable = false;
+// Some 12 KiB are what Wine's library takes to read a program's symbols.
+const int StackForLibrary = 0x10000;
 
 // From the system's folder only: this runs in programs on discs and in folders that anybody may
 // have written to.
@@ -31,13 +50,6 @@ HMODULE LoadSystemLibrary(const char *name)
     return LoadLibraryA(lstrcatA(szPath, name));
 }
 
-template <typename F>
-bool GetFunctionOf(HMODULE hLibrary, const char *name, F &function)
-{
-    function = reinterpret_cast<F>(GetProcAddress(hLibrary, name));
-    return function != nullptr;
-}
-
 void LoadDebugHelp()
 {
     HMODULE hLibrary = LoadSystemLibrary("dbghelp.dll");
@@ -45,21 +57,15 @@ void LoadDebugHelp()
         hLibrary = LoadSystemLibrary("imagehlp.dll");
     if (!hLibrary)
         return;
-    decltype(&::SymInitialize) initialize;
-    decltype(&::SymSetOptions) setOptions;
-    CFunctions &f = s_functions;
-    GetFunctionOf(hLibrary, "SymGetLineFromAddr", f.SymGetLineFromAddr);
-    if (!GetFunctionOf(hLibrary, "StackWalk", f.StackWalk) ||
-        !GetFunctionOf(hLibrary, "SymFunctionTableAccess", f.SymFunctionTableAccess) ||
-        !GetFunctionOf(hLibrary, "SymGetModuleBase", f.SymGetModuleBase) ||
-        !GetFunctionOf(hLibrary, "SymLoadModule", f.SymLoadModule) ||
-        !GetFunctionOf(hLibrary, "SymGetSymFromAddr", f.SymGetSymFromAddr) ||
-        !GetFunctionOf(hLibrary, "SymInitialize", initialize) ||
-        !GetFunctionOf(hLibrary, "SymSetOptions", setOptions))
-        return;
-    setOptions(SYMOPT_UNDNAME | SYMOPT_LOAD_LINES);
+    const char *name = FunctionNames;
+    for (int i = 0; i < fnCount; ++i, name += strlen(name) + 1) {
+        s_functions[i] = GetProcAddress(hLibrary, name);
+        if (!s_functions[i] && i != fnSymGetLineFromAddr)
+            return;
+    }
+    HELP(SymSetOptions)(SYMOPT_UNDNAME | SYMOPT_LOAD_LINES);
     // Fails when the program uses the library itself, which serves as well.
-    initialize(GetCurrentProcess(), nullptr, FALSE);
+    HELP(SymInitialize)(GetCurrentProcess(), nullptr, FALSE);
     s_bAvailable = true;
 }
 
@@ -67,7 +73,7 @@ void LoadDebugHelp()
 // nobody waits for the symbols of all the others.
 DWORD WINAPI FindModule(HANDLE hProcess, DWORD dwAddress)
 {
-    const DWORD dwBase = s_functions.SymGetModuleBase(hProcess, dwAddress);
+    const DWORD dwBase = HELP(SymGetModuleBase)(hProcess, dwAddress);
     if (dwBase)
         return dwBase;
     MEMORY_BASIC_INFORMATION memory;
@@ -79,65 +85,80 @@ DWORD WINAPI FindModule(HANDLE hProcess, DWORD dwAddress)
     // A longer one is cut, without a NUL on some systems.
     if (nLength == 0 || nLength >= MAX_PATH)
         return 0;
-    return s_functions.SymLoadModule(hProcess, nullptr, szPath, nullptr,
-                                     reinterpret_cast<DWORD>(memory.AllocationBase), 0);
+    return HELP(SymLoadModule)(hProcess, nullptr, szPath, nullptr,
+                               reinterpret_cast<DWORD>(memory.AllocationBase), 0);
 }
 
-bool FindSymbols(DWORD dwAddress)
+// On Windows 95 and 98 the walk asks for an address of the thread's 16-bit stack, if only to learn
+// that no call here comes from there, and calls even a null routine. In flat segments, the only
+// ones that such a walk meets, the offset is the address.
+DWORD WINAPI TranslateAddress(HANDLE, HANDLE, LPADDRESS address)
 {
-    return s_bAvailable && FindModule(GetCurrentProcess(), dwAddress) != 0;
+    return address->Offset;
+}
+
+bool HasEnoughStack()
+{
+    const char *const here = static_cast<const char *>(__builtin_frame_address(0));
+    MEMORY_BASIC_INFORMATION memory;
+    return VirtualQuery(here, &memory, sizeof memory) &&
+           here - static_cast<const char *>(memory.AllocationBase) >= StackForLibrary;
+}
+
+struct CQuestion
+{
+    void (*ask)(void *);
+    void *argument;
+};
+
+void Ask(void *parameter)
+{
+    if (!s_bTried) {
+        s_bTried = true;
+        LoadDebugHelp();
+    }
+    const CQuestion &question = *static_cast<const CQuestion *>(parameter);
+    if (s_bAvailable)
+        question.ask(question.argument);
 }
 
 }  // namespace
 
-CCUDebugHelp::CCUDebugHelp()
+void CUAskDebugHelp(void (*ask)(void *), void *argument)
 {
-    s_lock.Enter();
-    if (!s_bTried)
-        LoadDebugHelp();
-    s_bTried = true;
+    CQuestion question = {ask, argument};
+    const CCULockGuard lock(s_lock);
+    if (HasEnoughStack() && !CUCallGuarded(Ask, &question))
+        s_bAvailable = false;
 }
 
-CCUDebugHelp::~CCUDebugHelp()
+bool CUDebugHelpWalk(HANDLE hThread, STACKFRAME &frame, CONTEXT &context)
 {
-    s_lock.Leave();
+    return HELP(StackWalk)(IMAGE_FILE_MACHINE_I386, GetCurrentProcess(), hThread, &frame, &context,
+                           nullptr, HELP(SymFunctionTableAccess), FindModule, TranslateAddress);
 }
 
-bool CCUDebugHelp::Walk(HANDLE hThread, STACKFRAME &frame, CONTEXT &context) const
+void CUDebugHelpFindPlace(void *parameter)
 {
-    return s_bAvailable &&
-           s_functions.StackWalk(IMAGE_FILE_MACHINE_I386, GetCurrentProcess(), hThread, &frame,
-                                 &context, nullptr, s_functions.SymFunctionTableAccess, FindModule,
-                                 nullptr);
-}
-
-bool CCUDebugHelp::GetFunction(DWORD dwAddress, char *name, unsigned int nSize,
-                               DWORD &dwOffset) const
-{
-    const DWORD MostCharacters = 256;
+    CCUPlace &place = *static_cast<CCUPlace *>(parameter);
+    const HANDLE hProcess = GetCurrentProcess();
     union
     {
         IMAGEHLP_SYMBOL symbol;
-        char bytes[sizeof(IMAGEHLP_SYMBOL) + MostCharacters];
+        char bytes[sizeof(IMAGEHLP_SYMBOL) + sizeof place.szFunction];
     } u = {};
     u.symbol.SizeOfStruct = sizeof u.symbol;
-    u.symbol.MaxNameLength = MostCharacters;
-    if (!FindSymbols(dwAddress) ||
-        !s_functions.SymGetSymFromAddr(GetCurrentProcess(), dwAddress, &dwOffset, &u.symbol))
-        return false;
-    lstrcpynA(name, u.symbol.Name, static_cast<int>(nSize));
-    return *name != '\0';
-}
-
-bool CCUDebugHelp::GetLine(DWORD dwAddress, const char *&file, DWORD &nLine) const
-{
+    u.symbol.MaxNameLength = sizeof place.szFunction;
+    if (!FindModule(hProcess, place.dwAddress) ||
+        !HELP(SymGetSymFromAddr)(hProcess, place.dwAddress, &place.dwOffset, &u.symbol))
+        return;
+    lstrcpynA(place.szFunction, u.symbol.Name, sizeof place.szFunction);
     IMAGEHLP_LINE line = {};
     line.SizeOfStruct = sizeof line;
     DWORD dwOffset = 0;
-    if (!FindSymbols(dwAddress) || !s_functions.SymGetLineFromAddr ||
-        !s_functions.SymGetLineFromAddr(GetCurrentProcess(), dwAddress, &dwOffset, &line))
-        return false;
-    file = line.FileName;
-    nLine = line.LineNumber;
-    return file != nullptr;
+    if (!s_functions[fnSymGetLineFromAddr] ||
+        !HELP(SymGetLineFromAddr)(hProcess, place.dwAddress, &dwOffset, &line) || !line.FileName)
+        return;
+    lstrcpynA(place.szFile, line.FileName, sizeof place.szFile);
+    place.nLine = line.LineNumber;
 }

@@ -1,16 +1,16 @@
 #include "LogFiles.h"
 
-#include <errno.h>
 #include <fcntl.h>
 #include <io.h>
-#include <share.h>
+#include <limits.h>
+#include <stdint.h>
 #include <stdlib.h>
 #include <string.h>
-#include <sys/stat.h>
 
 #include "CU/Assert.h"
 #include "CU/File.h"
 #include "CU/Time.h"
+#include "TraceFile.h"
 
 #define CU_SOURCE "Dump"
 
@@ -33,42 +33,52 @@ const int MostNames = 86400;
 
 bool FindTempDirectory(CCUString &sTempDir)
 {
-    const DWORD nLength = GetTempPathA(_MAX_PATH, sTempDir.GetBuffer(_MAX_PATH));
-    // A longer one leaves the buffer alone and answers the length that it wants.
-    const bool bFound = nLength > 0 && nLength < _MAX_PATH;
-    sTempDir.ReleaseBuffer(bFound ? static_cast<int>(nLength) : 0);
+    const bool bFound = CUFindTempDirectory(sTempDir);
     CU_ASSERT_TEXT(bFound, "GetTempPath(_MAX_PATH, sTempDir.GetBuffer(_MAX_PATH))");
     return bFound;
 }
 
 // Opens a file that did not exist before, which is how two processes never share one. Null when it
-// cannot be made, with the C library's error number set. Child processes do not get the handle.
-FILE *CreateNew(const char *name)
+// cannot be made; bTaken tells whether for its name. Made by the system, as the C library does not
+// say for certain why it could not, and may leave a file behind when its own tables are full. Child
+// processes do not get the handle.
+FILE *CreateNew(const char *name, bool &bTaken)
 {
-    const int nFile = _sopen(name, _O_CREAT | _O_EXCL | _O_RDWR | _O_TEXT | _O_NOINHERIT,
-                             _SH_DENYNO, _S_IREAD | _S_IWRITE);
-    if (nFile < 0)
+    const HANDLE hFile =
+        CreateFileA(name, GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
+                    CREATE_NEW, FILE_ATTRIBUTE_NORMAL, nullptr);
+    bTaken = false;
+    if (hFile == INVALID_HANDLE_VALUE) {
+        const DWORD dwError = GetLastError();
+        bTaken = dwError == ERROR_FILE_EXISTS || dwError == ERROR_ALREADY_EXISTS;
         return nullptr;
-    FILE *file = _fdopen(nFile, "w+");
-    if (!file) {
-        _close(nFile);
-        DeleteFileA(name);
     }
-    return file;
+    const int nFile = _open_osfhandle(reinterpret_cast<intptr_t>(hFile), _O_TEXT | _O_NOINHERIT);
+    FILE *file = nFile < 0 ? nullptr : _fdopen(nFile, "w+");
+    if (file)
+        return file;
+    if (nFile < 0)
+        CloseHandle(hFile);
+    else
+        _close(nFile);
+    DeleteFileA(name);
+    return nullptr;
 }
 
-// Opens a file named after the present time, or after the first second from then on that has none.
-FILE *CreateNamedByTime(const CCUString &sTempDir, CCUString &sName)
+// Opens a file named after `time`, or after the first second from then on that has none, which
+// `time` is then.
+FILE *CreateNamedByTime(const CCUString &sTempDir, CCUTime &time, CCUString &sName)
 {
-    CCUTime time;
     for (int i = 0; i < MostNames; ++i, time += CCUTimeSpan(1)) {
         const CCUString sTimed = time.Format("\\ZELLog-%Y-%m-%d-%H-%M-%S.txt");
         // Past the last second that a time can hold.
         if (sTimed.IsEmpty())
             return nullptr;
+        // The temporary directory ends in a backslash, so the name has two there.
         sName = CUTranslateFileName(sTempDir + sTimed);
-        FILE *file = CreateNew(sName);
-        if (file || errno != EEXIST)
+        bool bTaken;
+        FILE *file = CreateNew(sName, bTaken);
+        if (!bTaken)
             return file;
     }
     return nullptr;
@@ -98,6 +108,8 @@ void WriteHeader(FILE *file)
 CCULogFiles::CCULogFiles()
     : m_settings{30, 50, 0, false},
       m_file(nullptr),
+      m_nTimeOfName(0),
+      m_nTimeMade(0),
       m_nStartTime(0),
       m_nWritten(0),
       m_pNewFileCallback(nullptr)
@@ -146,18 +158,32 @@ void CCULogFiles::OpenNewFile()
     if (!FindTempDirectory(sTempDir))
         return;
     Prune(sTempDir, true);
+    const long nNow = CCUTime().GetTime();
+    CCUTime time = FirstTimeForName(sTempDir, nNow);
     CCUString sName;
-    FILE *file = CreateNamedByTime(sTempDir, sName);
+    FILE *file = CreateNamedByTime(sTempDir, time, sName);
     if (!file)
         return;
     m_knownFiles.Add(sName.Mid(sTempDir.GetLength() + 1));
     BeginFile(file, sName);
     m_file = file;
     m_sName = sName;
+    m_nTimeOfName = time.GetTime();
+    m_nTimeMade = nNow;
     m_nStartTime = GetTickCount();
     m_nWritten = 0;
     if (m_pNewFileCallback)
         m_pNewFileCallback->OnNewFile();
+}
+
+// Where files are made faster than one a second, their names run ahead of the clock, and pruning
+// may free the earlier ones: a file that took such a name again would sort before those it follows.
+// A clock that has been set back since is followed all the same.
+long CCULogFiles::FirstTimeForName(const CCUString &sTempDir, long nNow) const
+{
+    const bool bAhead = nNow >= m_nTimeMade && nNow <= m_nTimeOfName && m_nTimeOfName < LONG_MAX &&
+                        strncmp(m_sName, sTempDir, static_cast<size_t>(sTempDir.GetLength())) == 0;
+    return bAhead ? m_nTimeOfName + 1 : nNow;
 }
 
 void CCULogFiles::BeginFile(FILE *file, const CCUString &sName)

@@ -36,6 +36,7 @@ public:
 private:
     bool NeedsNewFile(bool &bOverrun) const;
     void OpenNewFile();
+    long FirstTimeForName(const CCUString &sTempDir, long nNow) const;
     void BeginFile(FILE *file, const CCUString &sName);
 
     void Prune(const CCUString &sTempDir, bool bMakeRoom);
@@ -46,6 +47,8 @@ private:
     CSettings m_settings;
     FILE *m_file;  // null: none is open
     CCUString m_sName;
+    long m_nTimeOfName;  // the second that the file is named after
+    long m_nTimeMade;    // and the one in which it was made
     DWORD m_nStartTime;  // milliseconds
     unsigned long m_nWritten;
     CCUArray<CCUString> m_knownFiles;  // bare names, the oldest first

@@ -68,19 +68,26 @@ void WalkFramePointers(const CONTEXT &context, CCUStackAddresses &stack)
     }
 }
 
-void WalkDebugHelp(HANDLE hThread, CONTEXT context, CCUStackAddresses &stack)
+struct CWalk
 {
+    HANDLE hThread;
+    CONTEXT context;  // the walk changes it
+    CCUStackAddresses *stack;
+};
+
+void WalkDebugHelp(void *parameter)
+{
+    CWalk &walk = *static_cast<CWalk *>(parameter);
     STACKFRAME frame = {};
-    frame.AddrPC.Offset = context.Eip;
+    frame.AddrPC.Offset = walk.context.Eip;
     frame.AddrPC.Mode = AddrModeFlat;
-    frame.AddrFrame.Offset = context.Ebp;
+    frame.AddrFrame.Offset = walk.context.Ebp;
     frame.AddrFrame.Mode = AddrModeFlat;
-    frame.AddrStack.Offset = context.Esp;
+    frame.AddrStack.Offset = walk.context.Esp;
     frame.AddrStack.Mode = AddrModeFlat;
-    const CCUDebugHelp debugHelp;
-    while (stack.nCount < CCUStackAddresses::Most && debugHelp.Walk(hThread, frame, context) &&
-           frame.AddrPC.Offset)
-        Add(stack, frame.AddrPC.Offset);
+    while (walk.stack->nCount < CCUStackAddresses::Most &&
+           CUDebugHelpWalk(walk.hThread, frame, walk.context) && frame.AddrPC.Offset)
+        Add(*walk.stack, frame.AddrPC.Offset);
 }
 
 const char *NameOfPath(const char *path)
@@ -124,20 +131,19 @@ void FormatLine(DWORD dwAddress, DWORD dwInside, CLine &line)
     szPath[MAX_PATH - 1] = '\0';
     Append(line, " %s", NameOfPath(szPath));
 
-    const CCUDebugHelp debugHelp;
-    char szSymbol[256];
-    DWORD dwOffset = 0;
-    if (!debugHelp.GetFunction(dwInside, szSymbol, sizeof szSymbol, dwOffset)) {
+    CCUPlace place;
+    place.dwAddress = dwInside;
+    place.szFunction[0] = place.szFile[0] = '\0';
+    CUAskDebugHelp(CUDebugHelpFindPlace, &place);
+    if (!place.szFunction[0]) {
         Append(line, "+0x%lx", dwAddress - reinterpret_cast<DWORD>(memory.AllocationBase));
         return;
     }
     char szFunction[256];
-    CUDemangle(szSymbol, szFunction, sizeof szFunction);
-    Append(line, " %s+0x%lx", szFunction, dwOffset + (dwAddress - dwInside));
-    const char *file = nullptr;
-    DWORD nLine = 0;
-    if (debugHelp.GetLine(dwInside, file, nLine))
-        Append(line, " %.259s(%lu)", NameOfPath(file), nLine);
+    CUDemangle(place.szFunction, szFunction, sizeof szFunction);
+    Append(line, " %s+0x%lx", szFunction, place.dwOffset + (dwAddress - dwInside));
+    if (place.szFile[0])
+        Append(line, " %s(%lu)", NameOfPath(place.szFile), place.nLine);
 }
 
 // Two threads that held each other would stand for ever.
@@ -175,8 +181,9 @@ bool WalkOtherThread(HANDLE hThread, CCUStackAddresses &stack)
 void CUWalkStack(HANDLE hThread, const CONTEXT &context, CCUStackAddresses &stack)
 {
     stack.nCount = 0;
+    CWalk walk = {hThread, context, &stack};
     if (!CUIsAtThreadEnd())
-        WalkDebugHelp(hThread, context, stack);
+        CUAskDebugHelp(WalkDebugHelp, &walk);
     // Without the library, or where it knows no further than the first call.
     if (stack.nCount < 2) {
         stack.nCount = 0;

@@ -72,17 +72,6 @@ CReportHandler *TakeItem()
     return item;
 }
 
-// False when there is none, or when it is longer than a path may be.
-bool FindTempDirectory(CCUString &sTempDir)
-{
-    char szTempDir[MAX_PATH];
-    const DWORD nLength = GetTempPathA(MAX_PATH, szTempDir);
-    if (nLength == 0 || nLength >= MAX_PATH)
-        return false;
-    sTempDir = szTempDir;
-    return true;
-}
-
 }  // namespace
 
 void CURegisterExceptionHandler(void (*handler)(FILE *))
@@ -106,10 +95,20 @@ void CUUnregisterExceptionHandler(void (*handler)(FILE *))
     }
 }
 
+bool CUFindTempDirectory(CCUString &sTempDir)
+{
+    char szTempDir[MAX_PATH];
+    const DWORD nLength = GetTempPathA(MAX_PATH, szTempDir);
+    if (nLength == 0 || nLength >= MAX_PATH)
+        return false;
+    sTempDir = szTempDir;
+    return true;
+}
+
 FILE *CUOpenReport()
 {
     CCUString sTempDir;
-    if (!FindTempDirectory(sTempDir))
+    if (!CUFindTempDirectory(sTempDir))
         return nullptr;
     const CCUTime now;
     FILE *file = fopen(sTempDir + now.Format("/ZELTrace-%Y-%m-%d.txt"), "a");
@@ -141,7 +140,7 @@ int CUPurgeTraceFiles(int daysToKeep)
     // At noon, so that days of 23 and 25 hours do not count for another.
     const CCUTime noon(now.GetYear(), now.GetMonth(), now.GetDay(), 12, 0, 0);
     CCUString sTempDir;
-    if (daysToKeep >= now.GetTime() / SecondsOfDay || !FindTempDirectory(sTempDir))
+    if (daysToKeep >= now.GetTime() / SecondsOfDay || !CUFindTempDirectory(sTempDir))
         return 0;
     const CCUTimeSpan age(daysToKeep > 0 ? daysToKeep * SecondsOfDay : 0);
     const CCUString sOldestToKeep = (noon - age).Format("ZELTrace-%Y-%m-%d.txt");

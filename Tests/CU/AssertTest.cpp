@@ -5,6 +5,7 @@
 #include "CU/Assert.h"
 #include "Support/FakeTime.h"
 #include "Support/HeapWatch.h"
+#include "Support/ProgramName.h"
 #include "Support/TemporaryDirectory.h"
 #include "Support/Threads.h"
 
@@ -66,7 +67,7 @@ TEST(Assert, AppendsAReportToTheDaysFile)
             Separator, szDate, szTime, CheckLine);
     EXPECT_EQ(0u, text.find(szText)) << text;
     // The stack, the innermost first, with the line of the caller.
-    const size_t nFailed = text.find("CUTests.exe FailTheCheck+0x", strlen(szText));
+    const size_t nFailed = text.find(ProgramName() + " FailTheCheck+0x", strlen(szText));
     sprintf(szText, "AssertTest.cpp(%d)\r\n", CheckLine);
     const size_t nCheck = text.find(szText, nFailed);
     sprintf(szText, "AssertTest.cpp(%d)\r\n", nLine);

@@ -137,7 +137,9 @@ TEST(Version, IsTheSystemsAnswer)
     expected.dwOSVersionInfoSize = sizeof expected;
     ASSERT_TRUE(GetVersionExA(&expected));
     const CCUVersionInfo version;
-    EXPECT_TRUE(version.IsWinNT() && !version.IsWin95() && !version.IsWin32());
+    EXPECT_EQ(expected.dwPlatformId == VER_PLATFORM_WIN32_NT, version.IsWinNT());
+    EXPECT_EQ(expected.dwPlatformId == VER_PLATFORM_WIN32_WINDOWS, version.IsWin95());
+    EXPECT_FALSE(version.IsWin32());
     EXPECT_TRUE(version.GetMajor() == static_cast<int>(expected.dwMajorVersion) &&
                 version.GetMinor() == static_cast<int>(expected.dwMinorVersion) &&
                 version.GetBuildNumber() == static_cast<int>(expected.dwBuildNumber));

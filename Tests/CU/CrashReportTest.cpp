@@ -12,6 +12,7 @@
 #include "Support/ChildProcess.h"
 #include "Support/GuardedBuffer.h"
 #include "Support/FakeTime.h"
+#include "Support/ProgramName.h"
 #include "Support/TemporaryDirectory.h"
 #include "Support/Threads.h"
 
@@ -156,7 +157,7 @@ void ExpectReport(const CCase &c)
     for (const std::string &part :
          {std::string("Exception:") + c.name + "  Code:", std::string("Last Error:5a5a\r\n"),
           std::string("\r\nEAX:"), std::string("\r\nEIP:"),
-          std::string("CUTests.exe ") + c.function + "+0x", std::string("CrashReportTest.cpp("),
+          ProgramName() + " " + c.function + "+0x", std::string("CrashReportTest.cpp("),
           std::string("\r\nthe handler's line\r\n")})
     {
         n = text.find(part, n);

@@ -1,5 +1,9 @@
 #include <gtest/gtest.h>
 
+#include <errno.h>
+#include <fcntl.h>
+#include <io.h>
+
 #include <algorithm>
 #include <string>
 #include <vector>
@@ -8,6 +12,7 @@
 #include "CU/String.h"
 #include "Support/FailingCall.h"
 #include "Support/FakeTime.h"
+#include "Support/Reports.h"
 #include "Support/TemporaryDirectory.h"
 
 namespace {
@@ -67,6 +72,56 @@ protected:
     const time_t m_noon = CFakeTime::s_now = CFakeTime::Local(2020, 6, 15, 12);
 };
 
+// Counts the files that the trace tries to make.
+class CTries
+{
+public:
+    CTries() : m_hook("CreateFileA", Create)
+    {
+        s_create = m_hook.Original<decltype(CreateFileA)>();
+        s_nTries = 0;
+    }
+    int Count() const { return s_nTries; }
+
+private:
+    static HANDLE WINAPI Create(const char *name, DWORD dwAccess, DWORD dwShare,
+                                SECURITY_ATTRIBUTES *security, DWORD dwCreation, DWORD dwFlags,
+                                HANDLE hTemplate)
+    {
+        s_nTries += strstr(name, "ZELLog-") != nullptr;
+        return s_create(name, dwAccess, dwShare, security, dwCreation, dwFlags, hTemplate);
+    }
+    inline static decltype(&CreateFileA) s_create;
+    inline static int s_nTries;
+    const CImportHook m_hook;
+};
+
+// Takes all streams, or all descriptors, that the C library has.
+class CUsedUp
+{
+public:
+    explicit CUsedUp(bool bStreams)
+    {
+        while (FILE *file = bStreams ? fopen("NUL", "r") : nullptr)
+            m_streams.push_back(file);
+        for (int n = 0; !bStreams && (n = _open("NUL", _O_RDONLY)) >= 0;)
+            m_descriptors.push_back(n);
+    }
+    ~CUsedUp()
+    {
+        for (FILE *file : m_streams)
+            fclose(file);
+        for (const int nFile : m_descriptors)
+            _close(nFile);
+    }
+    CUsedUp(const CUsedUp &) = delete;
+    CUsedUp &operator=(const CUsedUp &) = delete;
+
+private:
+    std::vector<FILE *> m_streams;
+    std::vector<int> m_descriptors;
+};
+
 std::string s_calls;
 
 struct CCallbacks : CCUDumpNewFileCallback, CCUDumpFileOverrunCallback
@@ -113,15 +168,57 @@ TEST_F(LogFiles, ANameThatIsTakenIsTheNextSecond)
 
 TEST_F(LogFiles, ATimeThatHasNoNextSecondHasNoNextName)
 {
-    static int s_nTries = 0;
-    static const CImportHook open(
-        "_sopen", +[](const char *name, int nFlags, int nShare, int nMode) {
-            ++s_nTries;
-            return open.Original<int(const char *, int, int, int)>()(name, nFlags, nShare, nMode);
-        });
+    const CTries tries;
     Make(m_directory, NameOf(CFakeTime::s_now = 0x7FFFFFFF));
     CUDump("text");
-    EXPECT_EQ(1, s_nTries);
+    EXPECT_EQ(1, tries.Count());
+}
+
+TEST_F(LogFiles, WithoutAFreeStreamOneFileIsTriedAndTheOldOneStays)
+{
+    const CTries tries;
+    const CDumped dumped;
+    for (const bool bStreams : {true, false}) {
+        const CUsedUp usedUp(bStreams);
+        errno = EEXIST;
+        CUDump("lost");
+        EXPECT_TRUE(Files().empty());
+    }
+    EXPECT_EQ(2, tries.Count());
+    CUDumpConfigLogFileManagement(30, 50, 1, false);
+    CUDump("kept");
+    const CNames old = Files();
+    for (const bool bStreams : {true, false}) {
+        const CUsedUp usedUp(bStreams);
+        errno = EEXIST;
+        ++CFakeTime::s_now;
+        CUDump("+");
+        EXPECT_EQ(old, Files());
+    }
+    EXPECT_EQ(5, tries.Count());
+    EXPECT_EQ("lostlostkept++", dumped.m_text);
+    const std::string text = m_directory.Contents("*");
+    EXPECT_EQ("kept++", text.substr(text.size() - 6));
+    CUDump("next");
+    EXPECT_EQ(2u, Files().size());
+}
+
+TEST_F(LogFiles, NamesGoOnInOrderWhileTheClockDoes)
+{
+    // Each text makes a file, beside which pruning leaves the newest one.
+    CUDumpConfigLogFileManagement(30, 2, 1, true);
+    const auto expect = [this](int nOther, int nNewest, int nClock) {
+        CFakeTime::s_now = m_noon + nClock;
+        CUDump("text");
+        EXPECT_EQ((CNames{NameOf(m_noon + nOther), NameOf(m_noon + nNewest)}), Files());
+    };
+    CUDump("text");
+    for (int i = 1; i < 6; ++i)
+        expect(i - 1, i, 0);
+    expect(5, 6, 3);
+    expect(6, 9, 9);
+    // Set back: the clock's own second, whose name is free.
+    expect(2, 9, 2);
 }
 
 TEST_F(LogFiles, AFullFileIsContinuedByTheNextText)

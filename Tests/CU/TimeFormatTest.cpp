@@ -94,9 +94,10 @@ TEST(TimeFormat, ReadsTheLongDatePictureAfreshWhenTold)
     EXPECT_TRUE(CCUTime::IsTimeFormatChanged());
     const TIME_ZONE_INFORMATION zone = Zone();
     EXPECT_STREQ(Date(DATE_LONGDATE, nullptr), Independence().FormatTZI("%lx", &zone));
+    // The settings of this process alone: other tests read the user's meanwhile.
+    CCURegistry ownUser(HKEY_CURRENT_USER, "Software\\CUTimeFormatTest", false);
+    ASSERT_EQ(ERROR_SUCCESS, RegOverridePredefKey(HKEY_CURRENT_USER, ownUser.GetKey()));
     CCURegistry registry(HKEY_CURRENT_USER, "Control Panel\\International", false);
-    CCUString sOld;
-    const bool bThere = registry.GetString("sLongDate", sOld);
     // 80 bytes are read, the NUL among them; a value may come without one.
     const CCUString sLong = "yyyy'" + CCUString('x', 73) + "'";
     const CCUString pictures[][2] = {
@@ -121,7 +122,8 @@ TEST(TimeFormat, ReadsTheLongDatePictureAfreshWhenTold)
     EXPECT_TRUE(WriteProfileStringA("Intl", "sLongDate", "MMMM yyyy"));
     EXPECT_STREQ("Jul 2001", AbbreviatedDate());
     WriteProfileStringA("Intl", "sLongDate", nullptr);
-    EXPECT_TRUE(!bThere || registry.SetString("sLongDate", sOld));
     s_dwPlatform = VER_PLATFORM_WIN32s;
     EXPECT_STREQ("Jul 4, 2001", AbbreviatedDate());
+    RegOverridePredefKey(HKEY_CURRENT_USER, nullptr);
+    CCURegistry(HKEY_CURRENT_USER, "Software", false).DeleteKey("CUTimeFormatTest");
 }

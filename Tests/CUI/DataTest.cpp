@@ -33,7 +33,8 @@ COLORREF ColorOf(HGDIOBJ hObject)
 TEST(Data, HoldsTheSystemsMetricsFontsAndCursorsInTheOrderOfTheRecord)
 {
     const CUIData *pData = CUIGetWinData();
-    std::vector<LONG> expected = {0, 1};
+    const bool bWin95 = GetVersion() >= 0x80000000;
+    std::vector<LONG> expected = {bWin95, !bWin95};
     for (const int nMetric : {SM_CXVSCROLL, SM_CYHSCROLL, SM_CXICON, SM_CYICON, SM_CXFRAME,
                               SM_CYFRAME, SM_CYCAPTION, SM_CXBORDER, SM_CYBORDER})
         expected.push_back(GetSystemMetrics(nMetric));

@@ -46,12 +46,28 @@ CU_API void CUDumpRegisterWindow(HWND hWnd, unsigned int message);
 // Takes one registration of that window with that message back, if there is one.
 CU_API void CUDumpUnRegisterWindow(HWND hWnd, unsigned int message);
 
-// Log files are "ZELLog-YYYY-MM-DD-hh-mm-ss.txt" in the temporary directory. The first text opens
-// one; after 24 hours, or once it holds more than maxFileSize bytes, the next text opens another.
-// Opening one, and calling this, prunes the directory: of the log files found there,
-//   - all older than the daysToKeep newest days and the newest file of the day before them go;
-//   - of the rest, the oldest go until filesToKeep are left. With manageAllFiles false (the
-//     default) this second step counts and deletes no more files than were known before.
+// Log files are "ZELLog-YYYY-MM-DD-hh-mm-ss.txt" in the temporary directory, named after the local
+// time at which they are made. A name that is taken, by this process or another, moves on by a
+// second until one is free, so that it may lie in the future; the process's next file follows it
+// even where pruning has freed earlier names, unless the clock was set back meanwhile. The files
+// are text files: "\n" takes two bytes, "\r\n".
+//
+// The first text opens a file, which begins with the time zone and the seconds since the system was
+// started. The first text after more than 24 hours, or once more than maxFileSize bytes of texts
+// were written, opens another; the end of the one and the beginning of the other name each other,
+// with two backslashes before the name. These lines of the trace's own do not count, and "\n"
+// counts as one byte. Where no file can be made the old one goes on, if there is one, and the next
+// text tries again.
+//
+// Opening a file, and calling this, prunes the directory. First by days, of which only those count
+// that have files: the files of the daysToKeep newest days stay, and of the day before them the
+// newest file; with 0 or less, that is the newest file of all. Then by number: of those left, the
+// oldest go until there are filesToKeep (below 0: 0), a file that is being opened included, though
+// that one is made in any case. With manageAllFiles false (the default) the second step sees only
+// as many files as were known: as the pruning before had left in its sight, and the one opened
+// since. Unless manageAllFiles was true before, these are no more than this process has opened;
+// which ones they are, only their number tells: the newest, whoever made them. A file that cannot
+// be deleted is passed over.
 //
 // Defaults: 30 days, 50 files, 0 bytes, false. A maxFileSize of 0 or less is no limit. Returns 1.
 CU_API int CUDumpConfigLogFileManagement(int daysToKeep, int filesToKeep, long maxFileSize,

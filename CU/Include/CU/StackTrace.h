@@ -9,7 +9,8 @@
 // walk; before Windows Vista the calling thread must be given as GetCurrentThread(). Always leaves
 // a terminated text of fewer than `size` characters; what does not fit is left out by whole lines.
 // Returns the number of lines, 0 when nothing could be walked. Keeps the last error. The system's
-// debug-help library is loaded at the first call; without it the walk follows the frame pointers.
-// From inside OnThreadExit at a thread's end only that thread can be walked, as GetCurrentThread(),
-// and the lines are addresses alone.
+// debug-help library is loaded at the first call; without it, or with less than 64 KiB of stack
+// left, the walk follows the frame pointers and the lines tell no function, as from a fault inside
+// the library on. From inside OnThreadExit at a thread's end only that thread can be walked, as
+// GetCurrentThread(), and the lines are addresses alone.
 CU_API int CUGetStackTrace(HANDLE hThread, char *buffer, unsigned int size);
