@@ -1,6 +1,7 @@
 #include "DebugHelp.h"
 
 #include "LazyLock.h"
+#include "SystemLibrary.h"
 
 namespace {
 
@@ -19,18 +20,6 @@ bool s_bTried = false;
 CFunctions s_functions = {};
 bool s_bAvailable = false;
 
-// From the system's folder only: this runs in programs on discs and in folders that anybody may
-// have written to.
-HMODULE LoadSystemLibrary(const char *name)
-{
-    char szPath[MAX_PATH + 16];
-    const UINT nLength = GetSystemDirectoryA(szPath, MAX_PATH);
-    if (nLength == 0 || nLength >= MAX_PATH)
-        return nullptr;
-    lstrcatA(szPath, "\\");
-    return LoadLibraryA(lstrcatA(szPath, name));
-}
-
 template <typename F>
 bool GetFunctionOf(HMODULE hLibrary, const char *name, F &function)
 {
@@ -40,9 +29,9 @@ bool GetFunctionOf(HMODULE hLibrary, const char *name, F &function)
 
 void LoadDebugHelp()
 {
-    HMODULE hLibrary = LoadSystemLibrary("dbghelp.dll");
+    HMODULE hLibrary = CULoadSystemLibrary("dbghelp.dll");
     if (!hLibrary)
-        hLibrary = LoadSystemLibrary("imagehlp.dll");
+        hLibrary = CULoadSystemLibrary("imagehlp.dll");
     if (!hLibrary)
         return;
     decltype(&::SymInitialize) initialize;
