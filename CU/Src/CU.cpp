@@ -1,9 +1,8 @@
 #include "CU/CU.h"
 
-#include <mmsystem.h>
-
 #include "KeepLastError.h"
 #include "LazyLock.h"
+#include "Multimedia.h"
 #include "Shutdown.h"
 
 namespace {
@@ -24,11 +23,11 @@ unsigned long CUGetTime()
 {
     if (s_nFirstTime == 0) {
         // A clock that is just wrapping counts as one millisecond earlier: 0 means not known.
-        const DWORD nNow = timeGetTime();
+        const DWORD nNow = g_multimedia.getTime();
         if (InterlockedCompareExchange(&s_nFirstTime, nNow ? static_cast<LONG>(nNow) : -1, 0) == 0)
             return 0;
     }
-    return timeGetTime() - static_cast<DWORD>(s_nFirstTime);
+    return g_multimedia.getTime() - static_cast<DWORD>(s_nFirstTime);
 }
 
 void CUShutdown()

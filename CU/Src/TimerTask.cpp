@@ -1,7 +1,5 @@
 #include "CU/TimerTask.h"
 
-#include <mmsystem.h>
-
 #include "CU/Assert.h"
 #include "CU/CU.h"
 #include "CU/DebugSwitch.h"
@@ -11,6 +9,7 @@
 #include "CU/Timer.h"
 #include "KeepLastError.h"
 #include "LazyLock.h"
+#include "Multimedia.h"
 #include "Shutdown.h"
 #include "ThreadEnd.h"
 
@@ -276,7 +275,7 @@ void CCUTimerTask::ResetTimer()
 
 void CCUTimerTask::CancelNotification()
 {
-    const bool bKilled = timeKillEvent(m_uTimerID) == TIMERR_NOERROR;
+    const bool bKilled = g_multimedia.killEvent(m_uTimerID) == TIMERR_NOERROR;
     m_uTimerID = 0;
     if (bKilled || RemoveRealMessage())
         --m_nPending;
@@ -303,8 +302,8 @@ bool CCUTimerTask::RemoveRealMessage()
 
 void CCUTimerTask::StartMultimediaTimer(long nDelay)
 {
-    m_uTimerID = timeSetEvent(static_cast<UINT>(nDelay), 2, OnMultimediaTimer,
-                              reinterpret_cast<DWORD_PTR>(m_hWnd), TIME_ONESHOT);
+    m_uTimerID = g_multimedia.setEvent(static_cast<UINT>(nDelay), 2, OnMultimediaTimer,
+                                       reinterpret_cast<DWORD_PTR>(m_hWnd), TIME_ONESHOT);
     if (m_uTimerID != 0)
         ++m_nPending;
     else
@@ -419,7 +418,7 @@ void CCUTimerTask::OnThreadExit(bool bKillTimer)
 {
     if (m_uTimerID != 0) {
         if (bKillTimer)
-            timeKillEvent(m_uTimerID);
+            g_multimedia.killEvent(m_uTimerID);
         else
             CUDump("Not killing timer for thread %lx\n", GetCurrentThreadId());
         m_uTimerID = 0;

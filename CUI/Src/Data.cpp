@@ -2,8 +2,7 @@
 
 #include <string.h>
 
-#include <mmsystem.h>
-
+#include "../../CU/Src/Multimedia.h"
 #include "CU/Assert.h"
 
 #include "GdiGuards.h"
@@ -149,7 +148,7 @@ void CUIData::UpdateSysColors()
     crMenuHilite = NewerColor(COLOR_MENUHILIGHT, crSys[COLOR_HIGHLIGHT]);
     UpdateBrushes();
     UpdatePens();
-    dwColorStamp = timeGetTime();
+    dwColorStamp = g_multimedia.getTime();
 }
 
 void CUIData::UpdateBrushes()
