@@ -2,6 +2,7 @@
 
 #include "SystemLibrary.h"
 #include "ThreadEnd.h"
+#include "Unload.h"
 
 namespace {
 
@@ -20,6 +21,8 @@ BOOL WINAPI NoPlaySound(LPCSTR, HMODULE, DWORD)
     return FALSE;
 }
 
+HMODULE s_hLibrary = nullptr;
+
 template <typename F>
 void Find(HMODULE hLibrary, const char *name, F *&function, F *substitute)
 {
@@ -32,6 +35,7 @@ void Find(HMODULE hLibrary, const char *name, F *&function, F *substitute)
 void Load()
 {
     const HMODULE hLibrary = CULoadSystemLibrary("winmm.dll");
+    s_hLibrary = hLibrary;
     Find(hLibrary, "timeGetTime", g_multimedia.getTime, GetTickCount);
     Find(hLibrary, "timeSetEvent", g_multimedia.setEvent, NoSetEvent);
     Find(hLibrary, "timeKillEvent", g_multimedia.killEvent, NoKillEvent);
@@ -49,4 +53,12 @@ DWORD WINAPI FirstGetTime()
 
 }  // namespace
 
+bool g_bMultimediaInUse = false;
 CCUMultimedia g_multimedia = {FirstGetTime, NoSetEvent, NoKillEvent, NoPlaySound};
+
+// Once a timer was set the system's timer thread may be at work in the library, which then stays.
+void CUUnloadMultimedia()
+{
+    if (s_hLibrary && !g_bMultimediaInUse)
+        FreeLibrary(s_hLibrary);
+}

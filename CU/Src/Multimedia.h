@@ -18,3 +18,6 @@ struct CCUMultimedia
     decltype(&::PlaySoundA) playSound;
 };
 extern CCUMultimedia g_multimedia;
+
+// Whether a timer was ever set, with which the library may still be busy.
+extern bool g_bMultimediaInUse;

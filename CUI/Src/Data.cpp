@@ -3,6 +3,7 @@
 #include <string.h>
 
 #include "../../CU/Src/Multimedia.h"
+#include "../../CU/Src/Unload.h"
 #include "CU/Assert.h"
 
 #include "GdiGuards.h"
@@ -222,3 +223,15 @@ CUIData *CUIGetWinData()
 
 // Made at start-up, when there is one thread only.
 static CUIData *const s_pAtStart = CUIGetWinData();
+
+// The objects stand one after the other in the record.
+void CUIUnloadData()
+{
+    CUIData &data = *CUIGetWinData();
+    for (HBRUSH *pBrush = &data.hbrLtGray; pBrush <= &data.hbrWindow; ++pBrush)
+        DeleteField(pBrush);
+    for (HPEN *pPen = &data.hpenLtGray; pPen <= &data.hpenBtnText; ++pPen)
+        DeleteField(pPen);
+    for (HFONT *pFont = &data.hStatusFont; pFont <= &data.hIconFontBold; ++pFont)
+        DeleteField(pFont);
+}
