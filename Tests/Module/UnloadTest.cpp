@@ -8,6 +8,7 @@
 
 #include "CU/Platform.h"
 
+#include <mmsystem.h>
 #include <tlhelp32.h>
 
 #include "Support/ChildProcess.h"
@@ -137,6 +138,10 @@ public:
         EXPECT_TRUE(PumpUntil([&] { return m_served(nPart) > 2; }));
         EXPECT_EQ(4711, SendMessageA(hHosts, WM_APP, 0, 0));
     }
+    LPTIMECALLBACK TimerCallback() const
+    {
+        return reinterpret_cast<LPTIMECALLBACK (*)()>(GetProcAddress(m_hModule, "TimerCallback"))();
+    }
     HMODULE m_hModule;
 
 private:
@@ -226,13 +231,11 @@ TEST(Module, GoesInTheMiddleOfEverythingAndLeavesNothing)
     for (int i = 0; i < 90 && !HasFailure(); ++i)
         cycle(i % 2 != 0);
     const CCounts after;
-    HINSTANCE hInstance = nullptr;
-    {
-        const CModule alone;
-        alone.Use(0, hHosts);
-        hInstance = alone.m_hModule;
-        FreeLibrary(alone.m_hModule);
-    }
+    const CModule alone;
+    alone.Use(0, hHosts);
+    const LPTIMECALLBACK callback = alone.TimerCallback();
+    const HINSTANCE hInstance = alone.m_hModule;
+    FreeLibrary(hInstance);
     for (const char *name :
          {"pzl-Window", "pzl-ControlWindow", "CUMessageWindow", "CCUTimerTask", "UnloadedOwn"})
     {
@@ -251,6 +254,14 @@ TEST(Module, GoesInTheMiddleOfEverythingAndLeavesNothing)
     EXPECT_NE("", directory.Contents("ZELTrace-*"));
     living.End();
     CLivingThread().End();
+    // The system's timer thread was on its way to call back.
+    const UINT uReal = RegisterWindowMessageA("TimerTaskReal");
+    for (const UINT uTimer : {0U, 7U})
+        callback(uTimer, 0, reinterpret_cast<DWORD_PTR>(hHosts), 0, 0);
+    MSG msg = {};
+    EXPECT_TRUE(PeekMessageA(&msg, hHosts, uReal, uReal, PM_REMOVE));
+    EXPECT_EQ(7u, msg.wParam);
+    EXPECT_FALSE(PeekMessageA(&msg, hHosts, uReal, uReal, PM_REMOVE));
 }
 
 // The other thread is killed with its timers at work.

@@ -13,6 +13,7 @@
 #include "CUI/Dialog.h"
 #include "CUI/OffScreenDC.h"
 #include "CUI/WindowClass.h"
+#include "Support/MultimediaHook.h"
 
 #define CU_SOURCE "Unloaded"
 
@@ -93,16 +94,37 @@ struct CThreadsPart
 
 CThreadsPart s_parts[2];
 
+// Notes what the system is given to call back.
+decltype(&::timeSetEvent) s_setEvent = nullptr;
+LPTIMECALLBACK s_callback = nullptr;
+
+MMRESULT WINAPI SetEventNoting(UINT nDelay, UINT nResolution, LPTIMECALLBACK callback,
+                               DWORD_PTR user, UINT nFlags)
+{
+    s_callback = callback;
+    return s_setEvent(nDelay, nResolution, callback, user, nFlags);
+}
+
 }  // namespace
 
 extern "C" __declspec(dllexport) BOOL Use(int nPart, HWND hHosts)
 {
     if (nPart == 0)
         CU_ASSERT(hHosts == nullptr);
+    MultimediaTime();  // loads the library
+    if (!s_setEvent) {
+        s_setEvent = g_multimedia.setEvent;
+        g_multimedia.setEvent = SetEventNoting;
+    }
     return s_parts[nPart].Use(hHosts);
 }
 
 extern "C" __declspec(dllexport) int TimesServed(int nPart)
 {
     return s_parts[nPart].m_busy.m_nCalls;
+}
+
+extern "C" __declspec(dllexport) LPTIMECALLBACK TimerCallback()
+{
+    return s_callback;
 }
