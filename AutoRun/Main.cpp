@@ -1,6 +1,5 @@
+#include "../CU/Src/Multimedia.h"
 #include "AutoRunDlg.h"
-
-#include <mmsystem.h>
 
 namespace {
 
@@ -18,7 +17,7 @@ int WINAPI WinMain(HINSTANCE hInstance, HINSTANCE, LPSTR, int)
     ModuleHook(hInstance, DLL_PROCESS_ATTACH, nullptr);
     {
         CAutoRunDlg dialog(hInstance);
-        PlaySoundA("SystemStart", nullptr, SND_ALIAS | SND_ASYNC);
+        g_multimedia.playSound("SystemStart", nullptr, SND_ALIAS | SND_ASYNC);
         dialog.DoModal(nullptr);
         ModuleHook(hInstance, DLL_PROCESS_DETACH, nullptr);
     }

@@ -1,10 +1,10 @@
 #include "CU/CU.h"
 
-#include <mmsystem.h>
-
 #include "KeepLastError.h"
 #include "LazyLock.h"
+#include "Multimedia.h"
 #include "Shutdown.h"
+#include "Unload.h"
 
 namespace {
 
@@ -16,6 +16,10 @@ volatile LONG s_bShutdown = FALSE;
 const unsigned int s_nFirstMessage = 0xC000;
 volatile LONG s_ourMessages[(0x10000 - s_nFirstMessage) / 32];
 
+// The slots that have been allocated, a bit for each.
+const DWORD s_nMostSlots = 64 + 1024;
+volatile LONG s_slots[s_nMostSlots / 32];
+
 CCULazyLock s_mutex;
 
 }  // namespace
@@ -24,11 +28,11 @@ unsigned long CUGetTime()
 {
     if (s_nFirstTime == 0) {
         // A clock that is just wrapping counts as one millisecond earlier: 0 means not known.
-        const DWORD nNow = timeGetTime();
+        const DWORD nNow = g_multimedia.getTime();
         if (InterlockedCompareExchange(&s_nFirstTime, nNow ? static_cast<LONG>(nNow) : -1, 0) == 0)
             return 0;
     }
-    return timeGetTime() - static_cast<DWORD>(s_nFirstTime);
+    return g_multimedia.getTime() - static_cast<DWORD>(s_nFirstTime);
 }
 
 void CUShutdown()
@@ -63,7 +67,10 @@ bool CUIsYourMessage(unsigned int uMessage)
 
 int CUAllocateThreadLocalStorageIndex()
 {
-    return static_cast<int>(TlsAlloc());  // TLS_OUT_OF_INDEXES is -1
+    const DWORD nIndex = TlsAlloc();
+    if (nIndex < s_nMostSlots)
+        InterlockedOr(&s_slots[nIndex / 32], static_cast<LONG>(1UL << nIndex % 32));
+    return static_cast<int>(nIndex);  // TLS_OUT_OF_INDEXES is -1
 }
 
 void *CUGetThreadLocalStorage(int nIndex)
@@ -86,4 +93,12 @@ void CUEnterMutex()
 void CULeaveMutex()
 {
     s_mutex.Leave();
+}
+
+void CUUnloadSlots()
+{
+    for (DWORD nIndex = 0; nIndex < s_nMostSlots; ++nIndex) {
+        if (static_cast<DWORD>(s_slots[nIndex / 32]) >> nIndex % 32 & 1)
+            TlsFree(nIndex);
+    }
 }

@@ -7,6 +7,7 @@
 #include "StackWalk.h"
 #include "ThreadEnd.h"
 #include "TraceFile.h"
+#include "Unload.h"
 
 namespace {
 
@@ -135,6 +136,16 @@ void CUStartExceptionHandler()
 {
     if (!InterlockedExchange(&s_bStarted, 1))
         s_previousFilter = SetUnhandledExceptionFilter(OnUnhandledException);
+}
+
+// Who has put a filter on top of ours keeps ours in its chain; that cannot be mended from here.
+void CUUnloadCrashReport()
+{
+    if (!s_bStarted)
+        return;
+    const LPTOP_LEVEL_EXCEPTION_FILTER top = SetUnhandledExceptionFilter(s_previousFilter);
+    if (top != OnUnhandledException)
+        SetUnhandledExceptionFilter(top);
 }
 
 void CUShutdownAfterCrash(bool bShutdown)

@@ -4,6 +4,7 @@
 
 #include "FaultGuard.h"
 #include "LazyLock.h"
+#include "SystemLibrary.h"
 
 namespace {
 
@@ -38,23 +39,11 @@ bool s_bAvailable = false;
 // Some 12 KiB are what Wine's library takes to read a program's symbols.
 const int StackForLibrary = 0x10000;
 
-// From the system's folder only: this runs in programs on discs and in folders that anybody may
-// have written to.
-HMODULE LoadSystemLibrary(const char *name)
-{
-    char szPath[MAX_PATH + 16];
-    const UINT nLength = GetSystemDirectoryA(szPath, MAX_PATH);
-    if (nLength == 0 || nLength >= MAX_PATH)
-        return nullptr;
-    lstrcatA(szPath, "\\");
-    return LoadLibraryA(lstrcatA(szPath, name));
-}
-
 void LoadDebugHelp()
 {
-    HMODULE hLibrary = LoadSystemLibrary("dbghelp.dll");
+    HMODULE hLibrary = CULoadSystemLibrary("dbghelp.dll");
     if (!hLibrary)
-        hLibrary = LoadSystemLibrary("imagehlp.dll");
+        hLibrary = CULoadSystemLibrary("imagehlp.dll");
     if (!hLibrary)
         return;
     const char *name = FunctionNames;

@@ -2,12 +2,16 @@
 
 #include "CU/Platform.h"
 
+#include "Atomic.h"
+
 // A critical section that exists from its first use on, whichever thread comes first and whatever
 // has been constructed by then: a static of this class needs no constructor to run.
 class CCULazyLock
 {
 public:
-    constexpr CCULazyLock() : m_nState(Untouched), m_section() {}
+    constexpr CCULazyLock() : m_nState(Untouched), m_bListed(false), m_pNext(nullptr), m_section()
+    {
+    }
     CCULazyLock(const CCULazyLock &) = delete;
     CCULazyLock &operator=(const CCULazyLock &) = delete;
 
@@ -24,6 +28,12 @@ public:
         if (InterlockedExchange(&m_nState, Untouched) == Ready)
             DeleteCriticalSection(&m_section);
     }
+    // All of the module: for its end.
+    static void DeleteAll()
+    {
+        for (CCULazyLock *pLock = s_pFirst; pLock; pLock = pLock->m_pNext)
+            pLock->Delete();
+    }
 
 private:
     enum State : LONG
@@ -38,6 +48,10 @@ private:
         const LONG nState = InterlockedCompareExchange(&m_nState, InWork, Untouched);
         if (nState == Untouched) {
             InitializeCriticalSection(&m_section);
+            if (!m_bListed) {
+                m_bListed = true;
+                CUPushFront(s_pFirst, this, &CCULazyLock::m_pNext);
+            }
             InterlockedExchange(&m_nState, Ready);
             return;
         }
@@ -46,7 +60,10 @@ private:
             Sleep(1);
     }
 
+    inline static CCULazyLock *volatile s_pFirst = nullptr;  // of those ever used
     LONG m_nState;
+    bool m_bListed;
+    CCULazyLock *m_pNext;
     CRITICAL_SECTION m_section;
 };
 

@@ -2,8 +2,10 @@
 
 #include "CU/CU.h"
 #include "CU/ThreadExit.h"
+#include "Instance.h"
 #include "LazyLock.h"
 #include "Shutdown.h"
+#include "Unload.h"
 
 namespace {
 
@@ -55,21 +57,31 @@ public:
             DestroyWindow(m_hWnd);
         delete this;
     }
+    ~CMessageWindowOwner() override
+    {
+        if (s_pOwner == this)
+            s_pOwner = nullptr;
+    }
+    static CMessageWindowOwner *s_pOwner;  // of the window that there is
 
 private:
     HWND m_hWnd;
 };
+CMessageWindowOwner *CMessageWindowOwner::s_pOwner = nullptr;
 
 HWND MakeWindow()
 {
-    const HINSTANCE hInstance = GetModuleHandleA(nullptr);
     WNDCLASSA wndClass = {};
     wndClass.lpfnWndProc = MessageWindowProc;
-    wndClass.hInstance = hInstance;
+    wndClass.hInstance = CUInstance();
     wndClass.lpszClassName = s_szClass;
     RegisterClassA(&wndClass);  // fails when another window was there before
-    return CreateWindowExA(0, s_szClass, s_szClass, WS_POPUP, 0, 0, 0, 0, nullptr, nullptr,
-                           hInstance, nullptr);
+    const HWND hWnd = CreateWindowExA(0, s_szClass, s_szClass, WS_POPUP, 0, 0, 0, 0, nullptr,
+                                      nullptr, CUInstance(), nullptr);
+    // The class may be from an earlier load of a module, without that one's procedure.
+    if (hWnd)
+        SetWindowLongA(hWnd, GWL_WNDPROC, reinterpret_cast<LONG>(MessageWindowProc));
+    return hWnd;
 }
 
 // Sees to the window's end; false when that cannot be.
@@ -77,7 +89,9 @@ bool WatchThreadEnd(HWND hWnd)
 {
     CMessageWindowOwner *const pOwner = new CMessageWindowOwner(hWnd);
     const bool bWatched = CURegisterThreadExitHandler(pOwner);
-    if (!bWatched)
+    if (bWatched)
+        CMessageWindowOwner::s_pOwner = pOwner;
+    else
         delete pOwner;
     return bWatched;
 }
@@ -117,4 +131,20 @@ bool CUSetMessageHandler(unsigned int uMessage, CUMessageHandler handler)
     }
     entry->handler = handler;
     return true;
+}
+
+void CUUnloadMessageWindow(CUUnloadPhase phase)
+{
+    if (s_hWnd && CUIsUnloadTurn(s_hWnd, phase)) {
+        CUUnloadWindow(s_hWnd);
+        s_hWnd = nullptr;
+        delete CMessageWindowOwner::s_pOwner;
+    }
+    if (phase == CUUnloadOthers)
+        return;
+    UnregisterClassA(s_szClass, CUInstance());
+    while (CMessageEntry *const entry = s_firstEntry) {
+        s_firstEntry = entry->next;
+        delete entry;
+    }
 }

@@ -6,6 +6,7 @@
 
 #include "CU/Platform.h"
 #include "StringBlock.h"
+#include "Unload.h"
 
 namespace {
 
@@ -23,6 +24,13 @@ void *Allocate(size_t nSize)
 const CUKeepingOfStringBlocks s_keeping;
 
 }  // namespace
+
+// The thread that kept blocks may not be the one that unloads, whose destructor left them alone.
+void CUUnloadStringBlocks()
+{
+    g_nBlockKeeper = GetCurrentThreadId();
+    s_keeping.~CUKeepingOfStringBlocks();
+}
 
 void *operator new(size_t nSize)
 {

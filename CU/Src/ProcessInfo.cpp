@@ -4,6 +4,7 @@
 #include "CU/CU.h"
 #include "LazyLock.h"
 #include "Registered.h"
+#include "Unload.h"
 
 namespace {
 
@@ -78,4 +79,12 @@ int CURunProcessInfoHandlers(const char *name)
         ++nCount;
     }
     return nCount;
+}
+
+void CUUnloadProcessInfo()
+{
+    while (CCURegistered *const item = s_first) {
+        s_first = item->next;
+        free(static_cast<CProcessInfo *>(item));
+    }
 }

@@ -3,6 +3,9 @@
 #include "CU/CU.h"
 #include "Atomic.h"
 #include "ThreadEnd.h"
+#include "Unload.h"
+
+CUModuleEnd g_moduleEnd = CUModuleStays;
 
 // The handlers of the calling thread, the latest first; the head is the thread's value in one slot.
 class CCUThreadExitList
@@ -21,7 +24,11 @@ private:
     {
         return static_cast<CCUThreadExitHandler *>(CUGetThreadLocalStorage(s_nSlot));
     }
-    static void RunAtProcessExit() { Run(true); }
+    static void RunAtProcessExit()
+    {
+        if (g_moduleEnd != CUModuleEndsWithProcess)
+            Run(true);
+    }
 
     static volatile LONG s_nState;
     static int s_nSlot;
@@ -136,6 +143,9 @@ void RunLastThreadCall()
 
 void WINAPI OnFiberLocalEnd(void *)
 {
+    // The slot is being freed, for the value of whatever thread.
+    if (s_nFlsIndex == TLS_OUT_OF_INDEXES)
+        return;
     // When the process ends without `exit`, the system has already killed the other threads, maybe
     // in the middle of something; no handler is worth the risk of waiting for what they held.
     if (s_shutdownInProgress())
@@ -144,11 +154,11 @@ void WINAPI OnFiberLocalEnd(void *)
         CCUThreadExitList::RunAtThreadEnd();
 }
 
-void NTAPI OnLoaderNotice(void *, DWORD nReason, void *)
+void NTAPI OnLoaderNotice(void *, DWORD nReason, void *pProcessEnds)
 {
     if (nReason == DLL_THREAD_DETACH)
         CCUThreadExitList::RunAtThreadEnd();
-    else if (nReason == DLL_PROCESS_DETACH)
+    else if (nReason == DLL_PROCESS_DETACH && pProcessEnds)
         RunLastThreadCall();
 }
 
@@ -180,4 +190,22 @@ void CUSetLastThreadCall(void (*function)())
 {
     CUWatchThreadEnd();
     s_lastThreadCall = function;
+}
+
+// Windows XP and before do not tell the loader's callbacks of modules that came after the start.
+void CUModuleThreadEnd()
+{
+    CCUThreadExitList::RunAtThreadEnd();
+}
+
+// From here on a thread that ends is none of ours.
+void CUUnloadThreadEnd()
+{
+    const DWORD nIndex = s_nFlsIndex;
+    if (nIndex == TLS_OUT_OF_INDEXES)
+        return;
+    s_nFlsIndex = TLS_OUT_OF_INDEXES;
+    typedef BOOL WINAPI FlsFreeFunction(DWORD nIndex);
+    if (FlsFreeFunction *const flsFree = SystemFunction<FlsFreeFunction>("kernel32.dll", "FlsFree"))
+        flsFree(nIndex);
 }

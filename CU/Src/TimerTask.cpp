@@ -1,7 +1,5 @@
 #include "CU/TimerTask.h"
 
-#include <mmsystem.h>
-
 #include "CU/Assert.h"
 #include "CU/CU.h"
 #include "CU/DebugSwitch.h"
@@ -9,10 +7,13 @@
 #include "CU/String.h"
 #include "CU/Time.h"
 #include "CU/Timer.h"
+#include "Instance.h"
 #include "KeepLastError.h"
 #include "LazyLock.h"
+#include "Multimedia.h"
 #include "Shutdown.h"
 #include "ThreadEnd.h"
+#include "Unload.h"
 
 #define CU_SOURCE "TimerTask"
 
@@ -114,7 +115,7 @@ void RegisterTaskClass(WNDPROC windowProc)
     WNDCLASSA wndClass = {};
     wndClass.style = CS_HREDRAW | CS_VREDRAW;
     wndClass.lpfnWndProc = windowProc;
-    wndClass.hInstance = GetModuleHandleA(nullptr);
+    wndClass.hInstance = CUInstance();
     wndClass.hCursor = LoadCursorA(nullptr, IDC_ARROW);
     wndClass.hbrBackground = static_cast<HBRUSH>(GetStockObject(WHITE_BRUSH));
     wndClass.lpszClassName = s_szClass;
@@ -132,10 +133,12 @@ void DeleteLock()
 // At process exit, on the thread that leaves: the class goes after that thread's window.
 void EndTimers()
 {
+    if (g_moduleEnd == CUModuleEndsWithProcess)
+        return;
     if (CCUTimerTask *pTask = CurrentTask())
         pTask->OnThreadExit(true);
     CUShutdown();
-    if (UnregisterClassA(s_szClass, GetModuleHandleA(nullptr)))
+    if (UnregisterClassA(s_szClass, CUInstance()))
         return;
     char szText[128];
     wsprintfA(szText, "CCUTimerTask unable to unregister class %s - gle: %d\n", s_szClass,
@@ -276,7 +279,7 @@ void CCUTimerTask::ResetTimer()
 
 void CCUTimerTask::CancelNotification()
 {
-    const bool bKilled = timeKillEvent(m_uTimerID) == TIMERR_NOERROR;
+    const bool bKilled = g_multimedia.killEvent(m_uTimerID) == TIMERR_NOERROR;
     m_uTimerID = 0;
     if (bKilled || RemoveRealMessage())
         --m_nPending;
@@ -303,8 +306,11 @@ bool CCUTimerTask::RemoveRealMessage()
 
 void CCUTimerTask::StartMultimediaTimer(long nDelay)
 {
-    m_uTimerID = timeSetEvent(static_cast<UINT>(nDelay), 2, OnMultimediaTimer,
-                              reinterpret_cast<DWORD_PTR>(m_hWnd), TIME_ONESHOT);
+    g_bMultimediaInUse = true;
+    const LPTIMECALLBACK callback =
+        CUModuleTimerCallback ? CUModuleTimerCallback(s_uReal) : OnMultimediaTimer;
+    m_uTimerID = g_multimedia.setEvent(static_cast<UINT>(nDelay), 2, callback,
+                                       reinterpret_cast<DWORD_PTR>(m_hWnd), TIME_ONESHOT);
     if (m_uTimerID != 0)
         ++m_nPending;
     else
@@ -323,10 +329,12 @@ void CCUTimerTask::PostMock()
 void CCUTimerTask::MakeWindow()
 {
     m_hWnd = CreateWindowExA(0, s_szClass, s_szClass, 0, 0, 0, 32, 32, nullptr, nullptr,
-                             GetModuleHandleA(nullptr), nullptr);
+                             CUInstance(), nullptr);
     CU_ASSERT(m_hWnd);
     if (!m_hWnd)
         return;  // the next arming tries again
+    // The class may be from an earlier load of a module, without that one's procedure.
+    SetWindowLongA(m_hWnd, GWL_WNDPROC, reinterpret_cast<LONG>(WindowProc));
     // What an earlier window, destroyed by somebody else, was to receive died with it.
     if (m_bMockTimerSet) {
         m_bMockTimerSet = FALSE;
@@ -419,7 +427,7 @@ void CCUTimerTask::OnThreadExit(bool bKillTimer)
 {
     if (m_uTimerID != 0) {
         if (bKillTimer)
-            timeKillEvent(m_uTimerID);
+            g_multimedia.killEvent(m_uTimerID);
         else
             CUDump("Not killing timer for thread %lx\n", GetCurrentThreadId());
         m_uTimerID = 0;
@@ -451,4 +459,27 @@ CCUTimerTask::~CCUTimerTask()
     }
     // Only now: the window procedure finds the task there.
     CUSetThreadLocalStorage(s_nSlot, nullptr);
+}
+
+// The timers of other threads are disarmed while their objects still stand.
+void CUUnloadTimers(CUUnloadPhase phase)
+{
+    CCUTimerTask **link = &s_pFirstTask;
+    while (CCUTimerTask *const pTask = *link) {
+        if (!CUIsUnloadTurn(pTask->m_hWnd, phase)) {
+            link = &pTask->m_pNextTask;
+            continue;
+        }
+        *link = pTask->m_pNextTask;
+        if (pTask->m_uTimerID != 0)
+            g_multimedia.killEvent(pTask->m_uTimerID);
+        if (pTask->m_hWnd)
+            CUUnloadWindow(pTask->m_hWnd);
+        pTask->m_hWnd = nullptr;
+        void *const pOwn = CUGetThreadLocalStorage(s_nSlot);
+        delete pTask;
+        CUSetThreadLocalStorage(s_nSlot, pOwn == pTask ? nullptr : pOwn);
+    }
+    if (phase == CUUnloadRest)
+        UnregisterClassA(s_szClass, CUInstance());
 }

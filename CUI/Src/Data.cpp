@@ -2,8 +2,8 @@
 
 #include <string.h>
 
-#include <mmsystem.h>
-
+#include "../../CU/Src/Multimedia.h"
+#include "../../CU/Src/Unload.h"
 #include "CU/Assert.h"
 
 #include "GdiGuards.h"
@@ -149,7 +149,7 @@ void CUIData::UpdateSysColors()
     crMenuHilite = NewerColor(COLOR_MENUHILIGHT, crSys[COLOR_HIGHLIGHT]);
     UpdateBrushes();
     UpdatePens();
-    dwColorStamp = timeGetTime();
+    dwColorStamp = g_multimedia.getTime();
 }
 
 void CUIData::UpdateBrushes()
@@ -223,3 +223,15 @@ CUIData *CUIGetWinData()
 
 // Made at start-up, when there is one thread only.
 static CUIData *const s_pAtStart = CUIGetWinData();
+
+// The objects stand one after the other in the record.
+void CUIUnloadData()
+{
+    CUIData &data = *CUIGetWinData();
+    for (HBRUSH *pBrush = &data.hbrLtGray; pBrush <= &data.hbrWindow; ++pBrush)
+        DeleteField(pBrush);
+    for (HPEN *pPen = &data.hpenLtGray; pPen <= &data.hpenBtnText; ++pPen)
+        DeleteField(pPen);
+    for (HFONT *pFont = &data.hStatusFont; pFont <= &data.hIconFontBold; ++pFont)
+        DeleteField(pFont);
+}

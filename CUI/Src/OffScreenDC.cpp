@@ -2,6 +2,7 @@
 
 #include <new>
 
+#include "../../CU/Src/Unload.h"
 #include "CU/Assert.h"
 #include "DepthMemo.h"
 
@@ -88,3 +89,8 @@ CCUIOffScreenDC *CUIGetOSDC()
 
 // Made at start-up, when there is one thread only.
 static CCUIOffScreenDC *const s_pAtStart = CUIGetOSDC();
+
+void CUIUnloadOffScreenDC()
+{
+    reinterpret_cast<CCUIOffScreenDC *>(s_dc)->~CCUIOffScreenDC();
+}

@@ -22,11 +22,11 @@ const char IN_CHAIN[] = "kvxCCUIWindow-chain";
 const char *PropertyName()
 {
     const CCUMutexGuard guard;
-    // Never destroyed: windows that are globals ask for it on their way out.
-    static CCUString &s_sName = *new CCUString;
-    if (s_sName.IsEmpty())
-        s_sName.Format("kvxCCUIWindow-%d", GetCurrentProcessId());
-    return s_sName;
+    // The characters alone: windows that are globals ask for it on their way out.
+    static char s_szName[32];
+    if (!*s_szName)
+        wsprintfA(s_szName, "kvxCCUIWindow-%d", GetCurrentProcessId());
+    return s_szName;
 }
 
 // The parent or owner, but not the desktop: no program may disable that or make it an owner.

@@ -1,5 +1,7 @@
 #include "CUI/WindowClass.h"
 
+#include "../../CU/Src/Instance.h"
+#include "../../CU/Src/Unload.h"
 #include "CU/Assert.h"
 #include "CU/Dump.h"
 #include "CUI/Data.h"
@@ -42,6 +44,21 @@ int RegisterAs(WNDCLASSA &windowClass, unsigned short id)
     return CUIRegisterWindowClass(&windowClass);
 }
 
+// What is to be unregistered with a module.
+ATOM s_classes[64];
+
+// Whether it is a class at all.
+int NoteClass(ATOM atom)
+{
+    for (ATOM &noted : s_classes) {
+        if (noted == atom || !noted) {
+            noted = atom;
+            break;
+        }
+    }
+    return atom != 0;
+}
+
 }  // namespace
 
 unsigned short g_nRegisteredClasses;
@@ -60,11 +77,16 @@ const CCUString &CUIWindowClassName(unsigned short id)
 
 int CUIRegisterWindowClass(WNDCLASSA *pClass)
 {
-    pClass->hInstance = GetModuleHandleA(nullptr);
+    pClass->hInstance = CUInstance();
     WNDCLASSA present;
-    if (GetClassInfoA(pClass->hInstance, pClass->lpszClassName, &present))
-        return 1;
-    if (RegisterClassA(pClass))
+    // One without its procedure is from an earlier load of a module, whose windows had to stay.
+    const auto atom =
+        static_cast<ATOM>(GetClassInfoA(pClass->hInstance, pClass->lpszClassName, &present));
+    if (atom &&
+        (present.lpfnWndProc == pClass->lpfnWndProc || present.lpfnWndProc != DefWindowProcA ||
+         !UnregisterClassA(pClass->lpszClassName, pClass->hInstance)))
+        return NoteClass(atom);
+    if (NoteClass(RegisterClassA(pClass)))
         return 1;
     const DWORD nError = GetLastError();
     CCUString sName;
@@ -105,4 +127,12 @@ int CUIWindowClassDoRegister(unsigned short ids)
     }
     g_nRegisteredClasses = static_cast<unsigned short>(g_nRegisteredClasses | ids);
     return nResult;
+}
+
+void CUIUnloadClasses()
+{
+    for (const ATOM atom : s_classes) {
+        if (atom)
+            UnregisterClassA(MAKEINTATOM(atom), CUInstance());
+    }
 }

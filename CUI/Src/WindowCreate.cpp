@@ -1,5 +1,6 @@
 // How windows come into being and get bound to their objects.
 
+#include "../../CU/Src/Instance.h"
 #include "CU/Assert.h"
 #include "CU/String.h"
 #include "CUI/Window.h"
@@ -84,7 +85,7 @@ int CCUIWindow::CreateEx(DWORD exStyle, const char *className, const char *windo
 {
     CREATESTRUCTA create = {};
     create.lpCreateParams = param;
-    create.hInstance = GetModuleHandleA(nullptr);
+    create.hInstance = CUInstance();
     create.hMenu = hMenuOrID;
     create.hwndParent = hParent;
     create.cx = cx;

@@ -4,6 +4,8 @@
 
 #include <atomic>
 
+#include "../../CU/Src/Instance.h"
+#include "../../CU/Src/Unload.h"
 #include "CU/CU.h"
 #include "CU/ThreadExit.h"
 
@@ -24,12 +26,13 @@ struct CTable
     unsigned nMask;
     unsigned nShift;
     CSlot *pSlots;
+    CTable *pSmaller;  // that was there before
 };
 
 // Most programs have a handful of windows and never leave this table.
 constexpr unsigned s_nFirstBits = 6;
 CSlot s_firstSlots[1u << s_nFirstBits];
-CTable s_first = {(1u << s_nFirstBits) - 1, 32 - s_nFirstBits, s_firstSlots};
+CTable s_first = {(1u << s_nFirstBits) - 1, 32 - s_nFirstBits, s_firstSlots, nullptr};
 
 std::atomic<CTable *> s_pTable(&s_first);
 unsigned s_nUsed;  // slots; under the lock
@@ -107,7 +110,7 @@ void Copy(CSlot &slot, const CSlot &from)
 CTable *NewTable(unsigned nBits)
 {
     const unsigned nSlots = 1u << nBits;
-    auto *pTable = new CTable{nSlots - 1, 32 - nBits, nullptr};
+    auto *pTable = new CTable{nSlots - 1, 32 - nBits, nullptr, &CurrentTable()};
     pTable->pSlots = new CSlot[nSlots]();
     return pTable;
 }
@@ -157,12 +160,33 @@ void RemoveThread(DWORD nThread)
 class CThreadWatch : public CCUThreadExitHandler
 {
 public:
+    CThreadWatch()
+    {
+        const CLock lock;
+        m_pNext = s_pFirst;
+        s_pFirst = this;
+    }
+    ~CThreadWatch() override
+    {
+        const CLock lock;
+        CThreadWatch **link = &s_pFirst;
+        while (*link != this)
+            link = &(*link)->m_pNext;
+        *link = m_pNext;
+    }
     void OnThreadExit(bool) override
     {
-        RemoveThread(GetCurrentThreadId());
+        // A module that is unloaded still has to let go of them.
+        if (g_moduleEnd != CUModuleUnloads)
+            RemoveThread(GetCurrentThreadId());
         delete this;
     }
+    static CThreadWatch *s_pFirst;
+
+private:
+    CThreadWatch *m_pNext;
 };
+CThreadWatch *CThreadWatch::s_pFirst = nullptr;
 
 void WatchThread()
 {
@@ -223,4 +247,58 @@ void CUIWindowMapRemove(HWND hWnd)
     CSlot &slot = FindSlot(CurrentTable(), hWnd);
     if (slot.hWnd)
         Free(CurrentTable(), slot);
+}
+
+namespace {
+
+bool IsOfModule(HWND hWnd)
+{
+    if (reinterpret_cast<HINSTANCE>(GetWindowLongA(hWnd, GWL_HINSTANCE)) == CUInstance())
+        return true;
+    // A dialog box has the instance that its maker named, and the procedure of our dialogs.
+    const DWORD nDialogClass = 32770;
+    MEMORY_BASIC_INFORMATION memory = {};
+    return GetClassLongA(hWnd, GCW_ATOM) == nDialogClass &&
+           VirtualQuery(reinterpret_cast<void *>(GetWindowLongA(hWnd, DWL_DLGPROC)), &memory,
+                        sizeof memory) &&
+           memory.AllocationBase == CUInstance();
+}
+
+// A window of the map whose turn it is; with bBound, one that is bound to an object.
+HWND NextToUnload(CUUnloadPhase phase, bool bBound)
+{
+    const CLock lock;
+    const CTable &table = CurrentTable();
+    for (unsigned i = 0; i <= table.nMask; ++i) {
+        const CSlot &slot = table.pSlots[i];
+        const HWND hWnd = slot.hWnd;
+        if (hWnd && (slot.pWindow || !bBound) && CUIsUnloadTurn(hWnd, phase))
+            return hWnd;
+    }
+    return nullptr;
+}
+
+}  // namespace
+
+// Objects let go of all windows before the first of them goes: none is told anything any more.
+void CUIUnloadWindows(CUUnloadPhase phase)
+{
+    while (HWND hWnd = NextToUnload(phase, true)) {
+        CUIWindowMapFind(hWnd)->Detach();
+        CUIWindowMapSet(hWnd, {nullptr, DefWindowProcA});
+    }
+    while (HWND hWnd = NextToUnload(phase, false)) {
+        CUIWindowMapRemove(hWnd);
+        if (IsOfModule(hWnd))
+            CUUnloadWindow(hWnd);
+    }
+    if (phase == CUUnloadOthers)
+        return;
+    while (CThreadWatch::s_pFirst)
+        delete CThreadWatch::s_pFirst;
+    while (CTable *const pTable = CurrentTable().pSmaller ? &CurrentTable() : nullptr) {
+        s_pTable = pTable->pSmaller;
+        delete[] pTable->pSlots;
+        delete pTable;
+    }
 }

@@ -127,6 +127,30 @@ TEST(Launcher, NeedsNothingThatTheFirst32BitWindowsLacks)
               std::string::npos);
 }
 
+// Anybody may have written to the folder of a launcher that was copied from its disc. The system
+// itself takes the libraries of the import list from its own folder.
+TEST(Launcher, LoadsNoLibraryFromItsOwnFolder)
+{
+    const CTemporaryDirectory folder;
+    const std::string launcher = folder.Path() + "\\Beside.exe";
+    ASSERT_TRUE(CopyFileA(AUTORUN_SHIPPED_LAUNCHER, launcher.c_str(), FALSE));
+    // Wine takes its own of a name that it has too, unless it is told to do what Windows does.
+    HKEY hOverrides = nullptr;
+    RegCreateKeyA(HKEY_CURRENT_USER, "Software\\Wine\\AppDefaults\\Beside.exe\\DllOverrides",
+                  &hOverrides);
+    // winmm.dll, and one that it needs itself.
+    for (const std::string name : {"winmm", "msacm32"}) {
+        const std::string planted = folder.Path() + "\\" + name + ".dll";
+        ASSERT_TRUE(CopyFileA(AUTORUN_PLANTED, planted.c_str(), FALSE));
+        RegSetValueExA(hOverrides, name.c_str(), 0, REG_SZ,
+                       reinterpret_cast<const BYTE *>("native,builtin"), 15);
+    }
+    RegCloseKey(hOverrides);
+    const CStartedProgram program("\"" + launcher + "\"");
+    EXPECT_TRUE(program.Window());
+    EXPECT_EQ(program.End(IDCANCEL), 0u);
+}
+
 TEST(Skin, ShipsItsStringTableAndItsDialog)
 {
     const std::string table =

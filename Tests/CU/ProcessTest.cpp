@@ -12,6 +12,7 @@
 #include "CU/ThreadExit.h"
 #include "CU/Time.h"
 #include "Support/ChildProcess.h"
+#include "Support/FailingCall.h"
 #include "Support/FakeClock.h"
 #include "Support/HeapWatch.h"
 #include "Support/Reports.h"
@@ -24,13 +25,36 @@ namespace {
 TEST(Process, ClockStartsAtItsFirstCallAndFollowsTheMultimediaClock)
 {
     CFakeClock clock;
-    clock.Jump(0UL - timeGetTime());  // as the system's own clock wraps, even
+    clock.Jump(0UL - MultimediaTime());  // as the system's own clock wraps, even
     EXPECT_EQ(0u, CUGetTime());
     clock.Jump(1000);
     EXPECT_NEAR(1000.0, static_cast<double>(CUGetTime()), 1.0);
     const unsigned long uBefore = CUGetTime();
     clock.Jump(0xFFFFFFFF);
     EXPECT_EQ(uBefore - 1, CUGetTime());
+}
+
+CHILD_PROCESS(NoMultimedia)
+{
+    const CFailingCall<HMODULE(const char *, HANDLE, DWORD)> noLibrary("LoadLibraryExA");
+    CFailPlan::Start(CFailPlan::ALL);
+    const DWORD nBefore = GetTickCount();
+    const DWORD nStamp = MultimediaTime();
+    EXPECT_LE(nStamp - nBefore, GetTickCount() - nBefore);
+    EXPECT_EQ(0u, CUGetTime());
+    int nServed = 0;
+    CTestTimer now([&] { ++nServed; }), later([&] { nServed += 10; });
+    later.SetAlarm(200);  // nobody tells when that is
+    now.SetAlarm(0);
+    CFakeClock::Pump();
+    EXPECT_FALSE(g_multimedia.playSound("SystemStart", nullptr, SND_ALIAS | SND_ASYNC));
+    exit(CFailPlan::s_nCalls == 1 && nServed == 1 && !testing::Test::HasFailure() ? 7 : 1);
+}
+
+TEST(Process, GoesOnWithoutTheMultimediaLibrary)
+{
+    const CDumped dumped;
+    EXPECT_EQ(7u, CChildProcess("NoMultimedia").ExitCode());
 }
 
 TEST(Process, KnowsItsOwnMessages)

@@ -243,6 +243,7 @@ TEST_F(TimerTask, ThreadsEndWithTimersArmed)
 
 TEST_F(TimerTask, ThreadsEndOnOldSystems)
 {
+    MultimediaTime();  // which every system has
     const CFailingCall<FARPROC(HMODULE, const char *)> oldSystem("GetProcAddress");
     const CFailingCall<UINT(const char *)> noMessages("RegisterWindowMessageA");
     CFailPlan::Start(CFailPlan::ALL);

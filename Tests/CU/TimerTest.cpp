@@ -122,6 +122,36 @@ TEST_F(Timer, TimeOutMayArmKillDeleteAndRunALoop)
     EXPECT_EQ(1, d->m_nCalls);
 }
 
+TEST_F(Timer, LoopInATimeOutServesNoOtherUntilOneIsArmedBeforeAll)
+{
+    d->m_action = [&] {
+        m_clock.Run(50);
+        EXPECT_EQ("", m_log);
+        a->SetAlarm(1000);  // not before all
+        m_clock.Run(50);
+        EXPECT_EQ("", m_log);
+        a->SetAlarm(-100);
+        m_clock.Run(100);
+        EXPECT_EQ("a@100 b@100 c@150 ", m_log);
+    };
+    b->SetAlarm(20);
+    c->SetAlarm(150);
+    d->SetAlarm(0);
+    m_clock.Run(0);
+    EXPECT_EQ(1, d->m_nCalls);
+    // The same work, asked for by a message.
+    m_log.clear();
+    d->m_action = [] { PostMessageA(CUGetWindow(), WM_USER, 0, 0); };
+    static CFakeClock *s_pClock;
+    s_pClock = &m_clock;
+    CUSetMessageHandler(WM_USER, [](unsigned int, WPARAM, LPARAM) { s_pClock->Run(50); });
+    m_uStart = CUGetTime();
+    b->SetAlarm(20);
+    d->SetAlarm(0);
+    m_clock.Run(0);
+    EXPECT_EQ("b@20 ", m_log);
+}
+
 TEST_F(Timer, PassStopsAfterATenthOfASecond)
 {
     for (CTestTimer *pTimer : {a.get(), b.get(), c.get()}) {

@@ -2,8 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include <mmsystem.h>
-
+#include "Support/MultimediaHook.h"
 #include "Support/Reports.h"
 #include "Support/FailingCall.h"
 #include "Support/PixelMap.h"
@@ -84,9 +83,9 @@ TEST(Data, FollowsTheSystemsColours)
         colors[i] = i == 30 ? 0 : 0x102030U + 0x010305U * static_cast<COLORREF>(i);
     }
     SetSysColors(31, indexes, colors);
-    const DWORD dwBefore = timeGetTime();
+    const DWORD dwBefore = MultimediaTime();
     pData->UpdateSysColors();
-    EXPECT_LE(pData->dwColorStamp - dwBefore, timeGetTime() - dwBefore);
+    EXPECT_LE(pData->dwColorStamp - dwBefore, MultimediaTime() - dwBefore);
     for (DWORD i = 0; i <= 20; ++i) {
         EXPECT_EQ((10 + i) << 24 | colors[i], pData->crSys[i]);
         EXPECT_EQ(colors[i], pData->ResolveColor(pData->crSys[i]));

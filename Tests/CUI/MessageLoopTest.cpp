@@ -11,6 +11,7 @@
 #include "CUI/CommandHandler.h"
 #include "Support/Fuzz.h"
 #include "Support/ImportHook.h"
+#include "Support/MultimediaHook.h"
 #include "Support/Reports.h"
 #include "Support/TestWindow.h"
 #include "Support/Threads.h"
@@ -154,7 +155,7 @@ TEST(MessageLoop, RunsOneIdlePassABurstOfActivity)
 
 TEST(MessageLoop, TracesWhatTakesMoreThanASecond)
 {
-    const CImportHook clock("timeGetTime", Now);
+    const CMultimediaHook clock(&CCUMultimedia::getTime, Now);
     CCUDebugSwitch *pSwitch = CCUDebugSwitch::Find("\\Debug\\Window", "MessageDebug");
     ASSERT_TRUE(pSwitch);
     CDumped trace;

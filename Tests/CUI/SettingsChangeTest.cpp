@@ -6,6 +6,7 @@
 #include "CU/Time.h"
 #include "CUI/Data.h"
 #include "Support/ImportHook.h"
+#include "Support/MultimediaHook.h"
 #include "Support/SysColors.h"
 #include "Support/TestWindow.h"
 
@@ -63,7 +64,7 @@ TEST(SettingsChange, RefreshesTheSharedDataOnceAChangeAndTellsTheWindowsInside)
             EXPECT_EQ(nTimes, std::exchange(pWindow->m_nSeen, 0));
     };
     {
-        const CImportHook stamp("timeGetTime", Stamp);
+        const CMultimediaHook stamp(&CCUMultimedia::getTime, Stamp);
         const CSysColors colors;
         expectTold(1);
         EXPECT_EQ(1u, g_nStamps);

@@ -1,17 +1,16 @@
 #pragma once
 
-#include <mmsystem.h>
 #include <vector>
 
 #include "CU/CU.h"
-#include "Support/ImportHook.h"
+#include "Support/MultimediaHook.h"
 
 // A multimedia clock that stands still until the test moves it, with the one-shot timer on it that
 // a thread's timers may have. It fires on the test's own thread.
 class CFakeClock
 {
 public:
-    CFakeClock() : m_nNow(timeGetTime()) { s_pClock = this; }
+    CFakeClock() : m_nNow(MultimediaTime()) { s_pClock = this; }
 
     // Moves the clock and nothing else: a timer that should have fired is late.
     void Jump(DWORD nMilliseconds) { m_nNow += nMilliseconds; }
@@ -72,6 +71,7 @@ private:
     UINT m_nID = 0;
     LPTIMECALLBACK m_callback = nullptr;
     DWORD_PTR m_user = 0;
-    CImportHook m_getTime{"timeGetTime", GetTime}, m_setEvent{"timeSetEvent", SetEvent},
-        m_killEvent{"timeKillEvent", KillEvent};
+    CMultimediaHook<decltype(&::timeGetTime)> m_getTime{&CCUMultimedia::getTime, GetTime};
+    CMultimediaHook<decltype(&::timeSetEvent)> m_setEvent{&CCUMultimedia::setEvent, SetEvent};
+    CMultimediaHook<decltype(&::timeKillEvent)> m_killEvent{&CCUMultimedia::killEvent, KillEvent};
 };

@@ -33,7 +33,8 @@ typedef void (*CUMessageHandler)(unsigned int uMessage, WPARAM wParam, LPARAM lP
 CU_API bool CUSetMessageHandler(unsigned int uMessage, CUMessageHandler handler);
 
 // A number of a new storage slot, in which every thread has a value of its own, null at first; -1
-// when the process has no more. Slots are not given back. The framework frees no value: see
+// when the process has no more. Slots are given back with the module that has the framework inside,
+// not before. The framework frees no value: see
 // CCUThreadExitHandler.
 CU_API int CUAllocateThreadLocalStorageIndex();
 // Null for a number that is none.
@@ -59,7 +60,8 @@ public:
 
 // A function that is called at process exit (a return from main, or exit), the latest registered
 // first, before the destructors of the statics made before it was registered. A program that ends
-// by ExitProcess or a crash calls none. False without memory, and for null.
+// by ExitProcess or a crash calls none. In a module they are called when it is unloaded or its
+// process ends. False without memory, and for null.
 CU_API bool CURegisterTerminationHandler(void (*handler)());
 
 // A static object that names what a source wants done once at start-up: CUInitialize calls

@@ -6,6 +6,8 @@
 // that registered it ends: by return or ExitThread, or by exit, which the end of main calls too.
 // A thread that is terminated from outside, or by the end of the process, calls nobody. The
 // deletion of a fiber that registered an object counts as the end of the thread that deletes it.
+// When a module with the framework inside is unloaded, the objects of the thread that unloads it
+// are called; those of other threads are forgotten.
 class CU_API CCUThreadExitHandler
 {
 public:

@@ -20,9 +20,13 @@ protected:
 
 public:
     // The alarm has come. nNow is the CUGetTime at which the serving of due timers began. The timer
-    // is not armed any more, so it may arm itself again, or delete itself. A message loop in here
-    // serves the thread's other timers meanwhile. After 100 ms of serving, what else is due waits
-    // for the next turn of the message loop.
+    // is not armed any more, so it may arm itself again, or delete itself. After 100 ms of serving,
+    // what else is due waits for the next turn of the message loop.
+    //
+    // A message loop in here does not serve the thread's other timers: the notification for them is
+    // asked for when this serving ends, or when a timer is armed that is due before all others,
+    // whereupon the loop serves them all. Who wants something modal from a timer posts a message,
+    // to a window of its own or to CUGetWindow (CU.h), and does it there.
     virtual void TimeOut(long nNow);
 
 protected:

@@ -3,6 +3,7 @@
 #include "CU/ThreadExit.h"
 
 class CCUTimer;
+enum CUUnloadPhase : int;
 
 // All armed timers of one thread, in the order in which they are due, behind one hidden window and
 // at most one pending system notification. Made by the thread's first SetAlarm, deleted when the
@@ -24,7 +25,8 @@ public:
     // at the same millisecond are served in the order of arming. Nothing after CUShutdown.
     void SetAlarm(CCUTimer *pTimer, long nMilliseconds);
     // Nothing when the timer is not armed, and after CUShutdown. A timer that is armed but not in
-    // this task's list (armed by another thread) is reported, and disarmed all the same.
+    // this task's list (armed by another thread) is reported, and disarmed all the same; it is
+    // counted off this list's length, though it stays in the other list.
     void KillAlarm(CCUTimer *pTimer);
     // Asks the system for one notification when the first timer is due (after 60 s at the latest).
     // Nothing after CUShutdown.
@@ -34,7 +36,8 @@ public:
     // for the notice of the thread's end.
     static CCUTimerTask *GetThreadTimerTask();
 
-    // Timers that are armed.
+    // Timers that are armed, less those of other lists that were killed here: it may go below 0,
+    // which reads as a number near 2^32.
     unsigned long GetListLength() const { return m_uListLength; }
     // Notifications asked for and not yet received; counts too low where the system lets a timer be
     // killed that is just calling back.
@@ -44,6 +47,8 @@ protected:
     ~CCUTimerTask() override;
 
 private:
+    friend void CUUnloadTimers(CUUnloadPhase phase);
+
     CCUTimerTask() = default;
     static void Initialize();
     // Takes a timer that is destroyed out of the calling thread's list, even after CUShutdown.

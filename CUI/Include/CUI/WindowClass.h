@@ -27,7 +27,8 @@ extern CUI_API unsigned short g_nRegisteredClasses;
 // CUI_CLASS_WINDOW.
 CUI_API const CCUString &CUIWindowClassName(unsigned short id);
 
-// Sets the instance to the program's and registers the class unless it is registered already.
+// Sets the instance to that of the program, or of the module, that has the framework inside and
+// registers the class unless it is registered already.
 // Returns 1; or 0 after a line in the trace, where a name given as an atom reads "#" and its
 // number.
 CUI_API int CUIRegisterWindowClass(WNDCLASSA *pClass);

@@ -1,0 +1,69 @@
+#pragma once
+
+#include "CU/Platform.h"
+
+#include <mmsystem.h>
+
+// The end of a module (DLL) with the framework inside. A program's ends with its process, where the
+// system takes everything back; FreeLibrary takes the code away and leaves what points to it. Each
+// source that hands something to the system has a function here that takes it back. Module.cpp,
+// which is linked into modules alone, calls those that are linked; in a program nobody calls them,
+// and the linker drops them. They run under the loader's lock: none waits for another thread.
+// Private to the framework.
+
+#if defined(CU_MODULE)
+#define CU_UNLOAD __attribute__((weak))
+#else
+#define CU_UNLOAD
+#endif
+
+enum CUUnloadPhase : int
+{
+    // Before the statics are destroyed: what belongs to other threads.
+    CUUnloadOthers,
+    // After that: the rest.
+    CUUnloadRest
+};
+
+CU_UNLOAD void CUIUnloadWindows(CUUnloadPhase phase);
+CU_UNLOAD void CUIUnloadClasses();
+CU_UNLOAD void CUIUnloadData();
+CU_UNLOAD void CUIUnloadOffScreenDC();
+CU_UNLOAD void CUModuleThreadEnd();
+CU_UNLOAD void CUUnloadThreadEnd();
+CU_UNLOAD void CUUnloadTimers(CUUnloadPhase phase);
+CU_UNLOAD void CUUnloadMessageWindow(CUUnloadPhase phase);
+CU_UNLOAD void CUUnloadCrashReport();
+CU_UNLOAD void CUUnloadProcessInfo();
+CU_UNLOAD void CUUnloadMultimedia();
+CU_UNLOAD void CUUnloadStringBlocks();
+CU_UNLOAD void CUUnloadSlots();
+
+// For functions that end windows in either phase: whether it is a window's turn.
+inline bool CUIsUnloadTurn(HWND hWnd, CUUnloadPhase phase)
+{
+    return phase == CUUnloadRest || GetWindowThreadProcessId(hWnd, nullptr) != GetCurrentThreadId();
+}
+
+// Ends a window of the module's. Another thread's cannot be destroyed from here: it gets the
+// system's procedures and is asked to close, which it does when its thread looks for messages.
+void CUUnloadWindow(HWND hWnd);
+
+// In a module, the callback for multimedia timers that posts uMessage with the timer's identifier
+// to the window that is its user data. It stands outside of the module. Null when it cannot be had.
+// In a program there is no such function.
+#if !defined(CU_MODULE)
+__attribute__((weak))
+#endif
+LPTIMECALLBACK
+CUModuleTimerCallback(UINT uMessage);
+
+// How the module ends, once it does. With the process: other threads have been killed, maybe in the
+// middle of something, so nothing may be waited for.
+enum CUModuleEnd
+{
+    CUModuleStays,
+    CUModuleUnloads,
+    CUModuleEndsWithProcess
+};
+extern CUModuleEnd g_moduleEnd;
