@@ -53,7 +53,7 @@ int CCUIDialog::DoModal(CCUIWindow *pParent)
 {
     if (!m_hInstance || !m_templateName)
         return 0;
-    if (HasWindow())
+    if (RefusesRun())
         return IDCANCEL;
     CWatch watch(this);
     BeginRun(ModeModal);
@@ -62,14 +62,14 @@ int CCUIDialog::DoModal(CCUIWindow *pParent)
     m_nResult = IDCANCEL;
     if (Start(nullptr, m_hRunOwner))
         ModalLoop();
-    // Its window has gone without OnDestroy, which a hook or a derived class kept from it.
-    if (!watch.IsGone() && !m_hWnd && !m_bEnded)
+    // Its window has gone without OnDestroy, which somebody kept from it.
+    if (!watch.IsGone() && !m_bEnded && !HasWindow())
         Abandon();
     return watch.IsGone() ? static_cast<int>(IDCANCEL) : m_nResult;
 }
 
 // Finds the owner of a modal run and makes the parent ready for it. False: handlers of the windows
-// that this touches have deleted the dialog.
+// that this touches have deleted the dialog, or it runs already.
 bool CCUIDialog::TakeOwner(CCUIWindow *pParent)
 {
     CWatch watch(this);
@@ -80,25 +80,27 @@ bool CCUIDialog::TakeOwner(CCUIWindow *pParent)
         if (parent.IsGone())
             pParent = nullptr;
     }
-    if (watch.IsGone()) {
+    if (!watch.IsGone())
+        RestoreParent(pParent);
+    // They may also have begun another run.
+    if (watch.IsGone() || RefusesRun()) {
         if (hDisabledTop)
             EnableWindow(hDisabledTop, TRUE);
         return false;
     }
     m_hRunOwner = hOwner;
     m_hDisabledTop = hDisabledTop;
-    RestoreParent(pParent);
-    return !watch.IsGone();
+    return true;
 }
 
 HWND CCUIDialog::DoModeless(CCUIWindow *pParent)
 {
-    if (!m_hInstance || !m_templateName || HasWindow())
+    if (!m_hInstance || !m_templateName || RefusesRun())
         return nullptr;
     CWatch watch(this);
     BeginRun(ModeModeless);
     const HWND hOwner = FindOwner(pParent);
-    return watch.IsGone() ? nullptr : Start(nullptr, hOwner);
+    return watch.IsGone() || RefusesRun() ? nullptr : Start(nullptr, hOwner);
 }
 
 // The owner of a modeless run. Handlers of the windows that this touches may delete the dialog, the
@@ -119,7 +121,7 @@ HWND CCUIDialog::FindOwner(CCUIWindow *pParent)
 
 HWND CCUIDialog::Create(HWND hParent)
 {
-    if (HasWindow())
+    if (RefusesRun())
         return nullptr;
     const DLGTEMPLATE *pTemplate = GetTemplate();
     if (!pTemplate)
@@ -129,10 +131,11 @@ HWND CCUIDialog::Create(HWND hParent)
 }
 
 // Whether no run may begin, which is reported.
-bool CCUIDialog::HasWindow() const
+bool CCUIDialog::RefusesRun()
 {
-    CU_ASSERT(m_hWnd == 0);
-    return m_hWnd != nullptr;
+    const bool bHasWindow = HasWindow();
+    CU_ASSERT_TEXT(!bHasWindow, "m_hWnd == 0");
+    return bHasWindow;
 }
 
 void CCUIDialog::BeginRun(Mode mode)
@@ -196,7 +199,7 @@ void CCUIDialog::EndDialog(unsigned nResult)
     if (watch.IsGone())
         return;
     m_nResult = static_cast<int>(nResult);
-    if (!m_hWnd)
+    if (!HasWindow())
         return;
     // Wakes the loop of the run even if the window stays.
     PostMessageA(m_hWnd, WM_NULL, 0, 0);

@@ -148,8 +148,10 @@ bool SkipItem(CTemplateReader &reader, const CTemplateHeader &header)
     reader.Skip(header.bExtended ? 12 : 9);
     reader.SkipNameOrOrdinal();  // class
     reader.SkipNameOrOrdinal();  // title
+    // Behind an odd count systems disagree where the next control begins, and Wine 8, for one, then
+    // reads on behind the end.
     const WORD nCreationBytes = reader.Word();
-    return reader.Skip((nCreationBytes + 1u) / 2);
+    return nCreationBytes % 2 == 0 && reader.Skip(nCreationBytes / 2u);
 }
 
 bool IsWhole(CTemplateReader reader)

@@ -211,9 +211,12 @@ void CCUIWindow::ModalLoop()
     MSG msg;
     CWatch watch(this);
     // A look at the queue serves what other threads sent, and that may end the run.
-    // The object may have gone on to another run with another window.
+    // The object may have gone on to another run with another window, or its window may have gone
+    // unheard.
     const HWND hWnd = m_hWnd;
-    const auto isOver = [&] { return watch.IsGone() || m_bEnded || m_hWnd != hWnd; };
+    const auto isOver = [&] {
+        return watch.IsGone() || m_bEnded || m_hWnd != hWnd || (hWnd && FromHandle(hWnd) != this);
+    };
     const HWND hParent = GetParent(hWnd);
     long nCount = 0;
     bool bIdle = true;

@@ -7,7 +7,7 @@
 #include "CUI/Menu.h"
 #include "WindowHookList.h"
 #include "WindowMap.h"
-#include "WindowMessage.h"
+#include "WindowThread.h"
 
 #define CU_SOURCE "Window"
 
@@ -66,15 +66,14 @@ WNDPROC SetProcedure(HWND hWnd, WNDPROC pProc)
 
 }  // namespace
 
-CCUIWindow::CWatch::CWatch(CCUIWindow *pWindow) : m_pWindow(pWindow), m_pNext(pWindow->m_pWatch)
+bool CUIIsStillBound(HWND hWnd, CCUIWindow *pWindow)
 {
-    pWindow->m_pWatch = this;
-}
-
-CCUIWindow::CWatch::~CWatch()
-{
-    if (m_pWindow)
-        m_pWindow->m_pWatch = m_pNext;
+    const DWORD nError = GetLastError();
+    const bool bBound = GetPropA(hWnd, PropertyName()) == pWindow;
+    if (!bBound)
+        CUIWindowMapRemoveDoubted(hWnd);
+    SetLastError(nError);
+    return bBound;
 }
 
 CCUIWindow::CCUIWindow()
@@ -99,8 +98,8 @@ CCUIWindow::CCUIWindow()
 CCUIWindow::~CCUIWindow()
 {
     m_bDead = 1;
-    if (s_pHookWin == this)
-        UnHook();  // a window made later must not be bound to what is gone
+    // A window made later must not be bound to what is gone.
+    CUIWindowThread::StopWaiting(this);
     if (Exist() && GetPropA(m_hWnd, PropertyName()) == this) {
         CUDump("Destroying Window in ~CCUIWindow.\n");
         CCUIWindow::Destroy();
@@ -152,7 +151,8 @@ HWND CCUIWindow::Detach()
     m_pOldProc = nullptr;
     // A handle that is somebody else's by now is left alone: another object's, or another window's
     // where a later subclass kept the end of ours to itself.
-    if (!pOldProc || FromHandle(hWnd) != this)
+    bool bDoubted = false;
+    if (!pOldProc || CUIWindowMapFind(hWnd, bDoubted) != this)
         return hWnd;
     if (GetPropA(hWnd, PropertyName()) != this) {
         CUIWindowMapRemove(hWnd);
@@ -172,83 +172,13 @@ HWND CCUIWindow::Detach()
 
 int CCUIWindow::Destroy()
 {
+    if (!Exist())
+        return 0;
     // The end of the thread has taken its bindings away already when late objects go: globals, and
     // what an exit handler deletes. Their windows are still to be told.
-    if (m_pOldProc && !FromHandle(m_hWnd) && GetPropA(m_hWnd, PropertyName()) == this)
+    if (!FromHandle(m_hWnd))
         CUIWindowMapSet(m_hWnd, {this, m_pOldProc});
-    return m_hWnd && DestroyWindow(m_hWnd);
-}
-
-CCUIWindow *CCUIWindow::FromHandle(HWND hWnd)
-{
-    return CUIWindowMapFind(hWnd);
-}
-
-LRESULT CALLBACK CCUIWindow::StaticWindowProc(HWND hWnd, UINT message, WPARAM wParam, LPARAM lParam)
-{
-    CCUIWindow *const pWindow = FromHandle(hWnd);
-    if (!pWindow)
-        return ForwardUnbound(hWnd, message, wParam, lParam);
-    CMessage current(pWindow, message, wParam, lParam);
-    long result = 0;
-    if (!pWindow->m_pHooks || !pWindow->CallHooks(current, result)) {
-        if (pWindow->m_hWnd != hWnd)
-            return ForwardUnbound(hWnd, message, wParam, lParam);
-        result = pWindow->WindowProc(message, wParam, lParam);
-    }
-    if (message == WM_NCDESTROY && !current.IsGone() && pWindow->m_hWnd == hWnd) {
-        pWindow->m_bMissedDetach = 1;
-        pWindow->Detach();
-        CUIWindowMapRemove(hWnd);
-    }
-    return result;
-}
-
-LRESULT CCUIWindow::ForwardUnbound(HWND hWnd, UINT message, WPARAM wParam, LPARAM lParam)
-{
-    CUIWindowBinding binding = {nullptr, nullptr};
-    if (CUIWindowMapGet(hWnd, binding) && message == WM_NCDESTROY)
-        CUIWindowMapRemove(hWnd);
-    return CallProcedure(binding.pOldProc, hWnd, message, wParam, lParam);
-}
-
-long CCUIWindow::CallProcedure(WNDPROC pProc, HWND hWnd, UINT message, WPARAM wParam, LPARAM lParam)
-{
-    return pProc ? CallWindowProcA(pProc, hWnd, message, wParam, lParam)
-                 : DefWindowProcA(hWnd, message, wParam, lParam);
-}
-
-long CCUIWindow::DefProc(UINT message, WPARAM wParam, LPARAM lParam)
-{
-    CU_ASSERT(Exist());
-    return CallProcedure(m_pOldProc, m_hWnd, message, wParam, lParam);
-}
-
-long CCUIWindow::Default()
-{
-    return m_pMessage ? DefProc(m_pMessage->m_message, m_pMessage->m_wParam, m_pMessage->m_lParam)
-                      : 0;
-}
-
-// True when the message is done with: a hook handled it, or the object is gone.
-bool CCUIWindow::CallHooks(const CMessage &message, long &result)
-{
-    CCUIWindowHookList &hooks = *m_pHooks;
-    hooks.BeginWalk();
-    // A hook that is inserted on the way sees the next message first.
-    const unsigned nCount = hooks.GetCount();
-    bool bHandled = false;
-    for (unsigned i = 0; i < nCount && !bHandled; ++i) {
-        CCUIWindowHook *const pHook = hooks.GetAt(i);
-        if (!pHook)
-            continue;
-        bHandled = pHook->OnHookMessage(message.m_message, message.m_wParam, message.m_lParam,
-                                        result) != 0;
-        if (message.IsGone())
-            return true;
-    }
-    hooks.EndWalk();
-    return bHandled;
+    return DestroyWindow(m_hWnd);
 }
 
 void CCUIWindow::InsertMessageHook(CCUIWindowHook *pHook)
@@ -279,7 +209,17 @@ void CCUIWindow::OnDestroy()
 
 int CCUIWindow::Exist() const
 {
-    return m_hWnd && IsWindow(m_hWnd);
+    return m_hWnd && IsWindow(m_hWnd) &&
+           (FromHandle(m_hWnd) == this || GetPropA(m_hWnd, PropertyName()) == this);
+}
+
+bool CCUIWindow::HasWindow()
+{
+    if (m_hWnd && !Exist()) {
+        m_bMissedDetach = 1;
+        Detach();
+    }
+    return m_hWnd != nullptr;
 }
 
 HWND CCUIWindow::GetTopLevelWindow() const

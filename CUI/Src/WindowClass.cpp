@@ -89,6 +89,8 @@ int CUIRegisterWindowClass(WNDCLASSA *pClass)
     if (NoteClass(RegisterClassA(pClass)))
         return 1;
     const DWORD nError = GetLastError();
+    if (nError == ERROR_CLASS_ALREADY_EXISTS)  // another thread was faster
+        return 1;
     CCUString sName;
     if (IS_INTRESOURCE(pClass->lpszClassName))
         sName.Format("#%u", reinterpret_cast<UINT>(pClass->lpszClassName));

@@ -6,11 +6,9 @@
 #include "CUI/Window.h"
 #include "CUI/WindowClass.h"
 #include "Coordinates.h"
+#include "WindowThread.h"
 
 #define CU_SOURCE "Window"
-
-CCUIWindow *CCUIWindow::s_pHookWin;
-HHOOK CCUIWindow::s_hNextHook;
 
 namespace {
 
@@ -27,38 +25,39 @@ bool IsHelperWindow(HWND hWnd)
 
 void CCUIWindow::Hook()
 {
-    CU_ASSERT(!s_pHookWin);
-    CU_ASSERT(!s_hNextHook);
+    CUIWindowThread &thread = CUIWindowThread::Current();
+    CU_ASSERT_TEXT(!thread.m_pHookWin, "!s_pHookWin");
+    CU_ASSERT_TEXT(!thread.m_hNextHook, "!s_hNextHook");
     CU_ASSERT(m_hWnd == 0);
     m_hCreated = nullptr;
-    if (s_hNextHook)
-        UnhookWindowsHookEx(s_hNextHook);
-    s_pHookWin = this;
-    s_hNextHook = SetWindowsHookExA(WH_CBT, CreationHookProc, nullptr, GetCurrentThreadId());
-    CU_ASSERT(s_hNextHook);
+    thread.Disarm();
+    thread.m_pHookWin = this;
+    thread.m_hNextHook = SetWindowsHookExA(WH_CBT, CreationHookProc, nullptr, GetCurrentThreadId());
+    CU_ASSERT_TEXT(thread.m_hNextHook, "s_hNextHook");
 }
 
 void CCUIWindow::UnHook()
 {
-    CU_ASSERT(s_pHookWin);
-    CU_ASSERT(s_hNextHook);
-    if (s_hNextHook)
-        UnhookWindowsHookEx(s_hNextHook);
-    s_pHookWin = nullptr;
-    s_hNextHook = nullptr;
+    CUIWindowThread &thread = CUIWindowThread::Current();
+    CU_ASSERT_TEXT(thread.m_pHookWin, "s_pHookWin");
+    CU_ASSERT_TEXT(thread.m_hNextHook, "s_hNextHook");
+    thread.Disarm();
 }
 
 LRESULT CALLBACK CCUIWindow::CreationHookProc(int nCode, WPARAM wParam, LPARAM lParam)
 {
     const auto hWnd = reinterpret_cast<HWND>(wParam);
-    CCUIWindow *pWaiting = nullptr;
-    if (nCode == HCBT_CREATEWND && s_pHookWin && !IsHelperWindow(hWnd)) {
-        pWaiting = s_pHookWin;
+    CUIWindowThread &thread = CUIWindowThread::Current();
+    CCUIWindow *pWaiting = nCode == HCBT_CREATEWND ? thread.m_pHookWin.load() : nullptr;
+    // One that is bound already waits no more: this window is made by another hook, further down.
+    if (pWaiting && (pWaiting->m_hCreated || IsHelperWindow(hWnd)))
+        pWaiting = nullptr;
+    if (pWaiting) {
         pWaiting->Attach(hWnd);
         pWaiting->m_hCreated = hWnd;
     }
-    const LRESULT result = CallNextHookEx(s_hNextHook, nCode, wParam, lParam);
-    if (pWaiting && s_pHookWin == pWaiting)
+    const LRESULT result = CallNextHookEx(thread.m_hNextHook, nCode, wParam, lParam);
+    if (pWaiting && thread.m_pHookWin == pWaiting)
         pWaiting->UnHook();
     return result;
 }
@@ -96,10 +95,10 @@ int CCUIWindow::CreateEx(DWORD exStyle, const char *className, const char *windo
     create.lpszName = windowName;
     create.lpszClass = className;
     create.dwExStyle = exStyle;
-    if (!PreCreate(&create))
+    CWatch watch(this);
+    if (RefusesWindow() || !PreCreate(&create) || watch.IsGone() || RefusesWindow())
         return 0;
 
-    CWatch watch(this);
     Hook();
     const HWND hWnd =
         CreateWindowExA(create.dwExStyle, create.lpszClass, create.lpszName,
@@ -111,9 +110,17 @@ int CCUIWindow::CreateEx(DWORD exStyle, const char *className, const char *windo
     return 1;
 }
 
+// Whether no window may be made for the object, which is reported.
+bool CCUIWindow::RefusesWindow()
+{
+    const bool bHasWindow = HasWindow();
+    CU_ASSERT_TEXT(!bHasWindow, "m_hWnd == 0");
+    return bHasWindow;
+}
+
 int CCUIWindow::FinishCreation(HWND hWnd)
 {
-    if (s_pHookWin == this)
+    if (CUIWindowThread::Current().m_pHookWin == this)
         UnHook();
     if (hWnd && m_hWnd == hWnd) {
         m_hCreated = nullptr;

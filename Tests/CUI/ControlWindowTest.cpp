@@ -229,6 +229,18 @@ TEST(ControlWindow, TakesTheScreenAndGoesBackToItsPlace)
     }
 }
 
+TEST(ControlWindow, StaysOnTheDesktopWhenItsParentHasGoneMeanwhile)
+{
+    auto layout = std::make_unique<CLayout>();
+    CControl control(*layout);
+    control.SetFullScreen(1);
+    layout.reset();
+    control.SetFullScreen(0);
+    EXPECT_EQ(GetDesktopWindow(), GetAncestor(control, GA_PARENT));
+    EXPECT_EQ("10 20 60 50", Place(control, nullptr));
+    EXPECT_TRUE(IsWindowVisible(control));
+}
+
 TEST(ControlWindow, SurvivesWhatTheEventCallbackDoes)
 {
     CLayout layout;

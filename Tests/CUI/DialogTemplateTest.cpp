@@ -152,6 +152,23 @@ TEST(DialogTemplate, SaysOfBothFormsWhatTheSystemMakesOfThem)
     }
 }
 
+// Behind an odd count of creation data the system looks for the next control in another place. What
+// it finds here is a class name that runs to the end, and a title behind it.
+TEST(DialogTemplate, IsNotWholeWithAnOddCountOfCreationData)
+{
+    const char16_t words[] = {0, HIWORD(WS_POPUP), 0, 0, 2, 0, 0, 100, 50, 0, 0, 0,
+                              // a control with 3 bytes of data
+                              0, HIWORD(WS_CHILD), 0, 0, 0, 0, 0, 0, 1, 0xFFFF, 0x82, 0, 3, 1, 1, 0,
+                              // and the next one, where it belongs
+                              0, HIWORD(WS_CHILD), 0, 0, 0, 0, 9, 14, 7, 0xFFFF, 0x80, 0xFFFF, 1,
+                              0};
+    CGuardedBuffer buffer(sizeof words);
+    memcpy(buffer.Data(), words, sizeof words);
+    EXPECT_EQ(nullptr, Use(buffer.Data(), sizeof words).GetTemplate());
+    buffer.Data()[24 * 2] = 4;
+    EXPECT_NE(nullptr, Use(buffer.Data(), sizeof words).GetTemplate());
+}
+
 TEST(DialogTemplate, AnswersForWhatIsThereOfACutOrWrongOne)
 {
     for (const CFields &fields : FIELDS) {

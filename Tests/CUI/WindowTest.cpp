@@ -396,6 +396,8 @@ TEST(WindowMap, FindsWhatIsThereHoweverWindowsComeAndGo)
 {
     const auto pProc = reinterpret_cast<WNDPROC>(1);
     std::map<HWND, CCUIWindow *> bound;
+    bool bDoubted = false;
+    const CTestWindow stays;  // and the hook that watches the thread
     std::mt19937 random(5);
     for (const unsigned nRange : {50u, 4000u, 100u}) {
         const auto anyHandle = [&] {
@@ -404,14 +406,15 @@ TEST(WindowMap, FindsWhatIsThereHoweverWindowsComeAndGo)
         for (int i = 0; i < 50000; ++i) {
             const HWND hWnd = anyHandle();
             if (random() % 2) {
-                bound[hWnd] = reinterpret_cast<CCUIWindow *>(random() | 1);
+                bound[hWnd] = reinterpret_cast<CCUIWindow *>((random() & ~1u) | 2);
                 CUIWindowMapSet(hWnd, {bound[hWnd], pProc});
             } else {
                 CUIWindowMapRemove(hWnd);
                 bound.erase(hWnd);
             }
             const HWND hOther = anyHandle();
-            ASSERT_EQ(bound.count(hOther) ? bound[hOther] : nullptr, CUIWindowMapFind(hOther));
+            ASSERT_EQ(bound.count(hOther) ? bound[hOther] : nullptr,
+                      CUIWindowMapFind(hOther, bDoubted));
         }
     }
     // Each handle once: no run may grow for ever.
@@ -419,7 +422,7 @@ TEST(WindowMap, FindsWhatIsThereHoweverWindowsComeAndGo)
         CUIWindowMapSet(reinterpret_cast<HWND>(nHandle), {nullptr, pProc});
         CUIWindowMapRemove(reinterpret_cast<HWND>(nHandle));
     }
-    EXPECT_EQ(nullptr, CUIWindowMapFind(reinterpret_cast<HWND>(3)));
+    EXPECT_EQ(nullptr, CUIWindowMapFind(reinterpret_cast<HWND>(3), bDoubted));
 }
 
 TEST(Window, NamesOwnersAndTopLevelsForDialogs)

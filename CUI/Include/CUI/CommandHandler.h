@@ -20,15 +20,16 @@ enum CCUICommandState : unsigned short
 class CUI_API CCUICommandHandler
 {
 public:
-    // Serves nIDRange identifiers from nID on. An nID of 0 draws new identifiers from
-    // CCUIIDGenerator; a negative one makes a handler that serves no command and is in no map (its
-    // range must be 1, or "nIDRange == 1" is reported). A failed CCUICommandMap::Add is reported as
-    // "CCUICommandMap::Add(this)".
+    // Serves nIDRange identifiers from nID on, none with a range of 0. An nID of 0 draws new
+    // identifiers from CCUIIDGenerator, one at least; a negative one (2^31 and above) makes a
+    // handler that serves no command and is in no map (its range must be 1, or "nIDRange == 1" is
+    // reported). A failed CCUICommandMap::Add is reported as "CCUICommandMap::Add(this)": so with a
+    // range of 2^31 and above, which no table can hold. GetID and GetIDRange answer as ever then.
     CCUICommandHandler(unsigned int nID, unsigned int nIDRange);
     CCUICommandHandler(const CCUICommandHandler &) = delete;
     CCUICommandHandler &operator=(const CCUICommandHandler &) = delete;
-    // Leaves the map; reports "CCUICommandMap::Remove(this)" when that fails. Not virtual: delete a
-    // handler as what it was made.
+    // Leaves the map; reports "CCUICommandMap::Remove(this)" when that fails, as it does where Add
+    // failed. Not virtual: delete a handler as what it was made.
     ~CCUICommandHandler();
 
     // In the operations below nID is one of the handler's identifiers; for the first two 0 stands

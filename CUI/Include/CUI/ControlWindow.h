@@ -75,8 +75,10 @@ public:
     virtual void SetColorChanging(int bChanging);
     // Repaints the window and what is around it in the parent; ends colour changing.
     virtual void SetWindowColor(unsigned long crWindow);
-    // Takes the screen, or goes back to the former parent, place, order and focus. Does nothing
-    // without a window. Asked for during a transition, the other one follows it.
+    // Takes the screen, or goes back to the former parent, place, order and focus. A former parent
+    // that is gone leaves the window on the desktop, as a child of that, with the former place
+    // taken as screen coordinates. Does nothing without a window. Asked for during a transition,
+    // the other one follows it.
     virtual void SetFullScreen(int bFull);
 
     // What was set last.

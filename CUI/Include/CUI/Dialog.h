@@ -57,7 +57,7 @@ public:
     // cannot be created (no template, or not all of it), has a window already (reported with
     // "m_hWnd == 0"), is closed another way, or its object is deleted meanwhile; 0 without instance
     // or template name. The parent (may be null, else one of this thread) is restored if it is
-    // minimised, and disabled meanwhile.
+    // minimised, and disabled meanwhile; a run that its handlers begin then is one already.
     // WM_QUIT ends the run, with IDCANCEL, but not the dialog: it stays active and its parent
     // disabled until it is ended or destroyed.
     virtual int DoModal(CCUIWindow *pParent);
@@ -152,7 +152,7 @@ private:
     static INT_PTR CALLBACK DialogProc(HWND hWnd, UINT message, WPARAM wParam, LPARAM lParam);
     static BOOL CALLBACK VisitChild(HWND hChild, LPARAM lParam);
     void BeginRun(Mode mode);
-    bool HasWindow() const;
+    bool RefusesRun();
     bool TakeOwner(CCUIWindow *pParent);
     HWND FindOwner(CCUIWindow *pParent);
     HWND Start(const DLGTEMPLATE *pTemplate, HWND hOwner);

@@ -12,11 +12,13 @@
 class CUI_API CCUIDialogTemplate
 {
 public:
-    // Locates the template by name, or by MAKEINTRESOURCE(id). A null instance is the program.
+    // Locates the template by name, or by MAKEINTRESOURCE(id), here and once: what is there later
+    // only is not seen. A null instance is the program.
     CCUIDialogTemplate(HINSTANCE hInstance, const char *pszName);
 
     // The template as the system wants it (an extended one too), or null unless all of it, down to
-    // the last control, is there.
+    // the last control, is there. An odd count of creation data counts as not there: systems do not
+    // agree where the next control begins then.
     const DLGTEMPLATE *GetTemplate() const;
 
     // The window styles of either form.

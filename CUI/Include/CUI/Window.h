@@ -35,8 +35,11 @@ protected:
 // and outlive it; destroyed first, it destroys the window.
 //
 // Every base handler passes its message to default processing: a handler that is overridden and
-// does not call its base swallows the message. A handler may destroy its own object.
+// does not call its base swallows the message. A handler may destroy its own object; once it has
+// called Destroy or Detach, it must not call its base any more: there is no window left for default
+// processing, which reports "Exist()" and goes to the system without one.
 // A window's object is used on the thread of the window only; FromHandle may be called anywhere.
+// Each thread may create windows, at the same time as others.
 class CUI_API CCUIWindow : public CCUTimer
 {
 public:
@@ -57,6 +60,8 @@ public:
     // Creates a window and binds it before its first message. `rect` is in the coordinates that
     // CreateWindow takes; `nID` is the identifier of a WS_CHILD window, else ignored.
     // 1 on success, 0 on failure (the object has no window then, unless a handler gave it another).
+    // An object that has a window keeps it: 0, reported as "m_hWnd == 0". So in its own handlers
+    // while it is being created, and where its PreCreate created one.
     virtual int Create(const char *className, const char *windowName, DWORD style, const RECT &rect,
                        HWND hParent, UINT nID);
     virtual int CreateEx(DWORD exStyle, const char *className, const char *windowName, DWORD style,
@@ -66,7 +71,8 @@ public:
     // Called after a successful creation, when CreateWindow has returned.
     virtual void PostCreate();
 
-    // Destroys the window. 1 on success, 0 when there is none or it belongs to another thread.
+    // Destroys the window. 1 on success, 0 when there is none (any more) or it belongs to another
+    // thread.
     virtual int Destroy();
 
 protected:
@@ -138,8 +144,9 @@ protected:
     virtual void OnSetWindowState(UINT nState);
 
 public:
-    // Sees a queued message of this window, of its children and of what it owns before it is
-    // translated and dispatched. Nonzero: consumed. The base tries the accelerators.
+    // Sees a queued message of this window, of its children and of the popups that it owns, with
+    // all in them, before it is translated and dispatched. Nonzero: consumed. The base tries the
+    // accelerators.
     virtual int PreTranslateMessage(MSG *pMsg);
 
     // --- Binding ---
@@ -153,14 +160,17 @@ public:
     // that somebody installed after Attach stays; what it passes on reaches the former procedure.
     HWND Detach();
 
-    // The object that is bound to the window, or null. No call to the system.
+    // The object that is bound to the window, or null. No call to the system, unless somebody has
+    // begun to destroy the window: a procedure that was installed later may keep the end of it to
+    // itself, and then only the system knows.
     static CCUIWindow *FromHandle(HWND hWnd);
 
     // Arms and disarms the creation hook: the next window that this thread creates is bound to this
     // object before its first message. The windows of the input method (classes "IME" and
     // "MSCTFIME UI"), which the system makes on the way, are passed over, also when one is what is
-    // meant. One object of the process may wait at a time; asserts "!s_pHookWin", "!s_hNextHook",
-    // "m_hWnd == 0" and "s_hNextHook" (Hook), "s_pHookWin" and "s_hNextHook" (UnHook).
+    // meant. One object of a thread may wait at a time; asserts "!s_pHookWin", "!s_hNextHook",
+    // "m_hWnd == 0" and "s_hNextHook" (Hook), "s_pHookWin" and "s_hNextHook" (UnHook). The wait
+    // also ends with the object, on whichever thread it is destroyed, and with the thread.
     void Hook();
     void UnHook();
 
@@ -177,7 +187,8 @@ public:
     // The window; null when the object is not bound to one.
     HWND GetHandle() const { return m_hWnd; }
     operator HWND() const { return m_hWnd; }  // NOLINT: windows are passed to Win32 all the time
-    // Whether the window exists (1 or 0).
+    // Whether the window exists (1 or 0). A handle alone does not tell: it may have come back for
+    // another window.
     int Exist() const;
     // Whether a dialog's run is on (1 or 0).
     int IsActive() const { return m_bActive; }
@@ -237,16 +248,18 @@ public:
 
     // Runs the thread's loop until WM_QUIT; returns its exit code.
     static int RunLoop();
-    // Runs the loop until the window's modal run ends, the object goes to another window or it is
-    // destroyed, which is reported as "!m_bDead". WM_QUIT ends it too and is posted again, with
-    // exit code 0, for the loop around it.
+    // Runs the loop until m_bEnded is set, the window has gone without that, the object goes to
+    // another window or it is destroyed, which is reported as "!m_bDead". WM_QUIT ends it too and
+    // is posted again, with exit code 0, for the loop around it. Only CCUIDialog sets m_bEnded by
+    // itself, and clears it for its next run: the loop neither sets nor clears it. A class with
+    // modal runs of its own clears it before the loop and sets it in OnDestroy.
     void ModalLoop();
     // Fetches one message, waiting for it, and handles it. 0 for WM_QUIT, else 1.
     static int PumpMessage(MSG *pMsg);
-    // Offers the message to the framework windows from its target up, each parent in turn; nonzero
-    // when one took it. From a framework window whose parent is none the way leads to GetOwner
-    // instead. A key that nobody took, going down or up, sets the cursor where it is, so that the
-    // window under it hears WM_SETCURSOR.
+    // Offers the message to the framework windows from its target up, each parent in turn, after a
+    // popup its owner; nonzero when one took it. From a framework window whose parent is none the
+    // way leads to GetOwner instead. A key that nobody took, going down or up, sets the cursor
+    // where it is, so that the window under it hears WM_SETCURSOR.
     static int PerformPreTranslation(MSG *pMsg);
     // Handles what is waiting for |nMilliseconds| at the most: with 0 one message; a negative
     // number also waits for more until then. Restricted: timers, multimedia notifications and the
@@ -272,6 +285,8 @@ protected:
     // bound to that window; else nothing is left of either, 0. A window that a handler gave the
     // object meanwhile stays.
     int FinishCreation(HWND hWnd);
+    // Whether the object has a window. One that has gone unheard is let go of.
+    bool HasWindow();
 
     enum : UINT
     {
@@ -282,7 +297,7 @@ protected:
     WNDPROC m_pOldProc;  // the procedure that the binding replaced
     HWND m_hWndOwner;    // what GetOwner answers
     int m_bActive;       // in a run of a dialog
-    int m_bEnded;        // the modal run must stop
+    int m_bEnded;        // the modal run must stop; see ModalLoop
     // What its modal loop is about to fetch (NoMessage in it), or handles; null: neither.
     const MSG *m_pAwaited;
     int m_bDead;  // the destructor has begun
@@ -297,6 +312,7 @@ private:
     bool CallHooks(const CMessage &message, long &result);
     HWND FindReflectChild(UINT message, WPARAM wParam, LPARAM lParam) const;
     long ReflectOrDefault(HWND hChild);
+    bool RefusesWindow();
 
     HACCEL m_hAccelerators;
     CCUIMenu *m_pContextMenu;
@@ -306,9 +322,6 @@ private:
     CMessage *m_pMessage;  // being handled, the innermost
     CWatch *m_pWatch;      // who must hear that the object is gone
     CCUIWindowHookList *m_pHooks;
-
-    static CCUIWindow *s_pHookWin;
-    static HHOOK s_hNextHook;
 };
 
 // Tells, on the stack of a function that calls user code, whether the object still stands.
