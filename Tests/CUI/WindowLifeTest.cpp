@@ -243,7 +243,7 @@ TEST(WindowLife, EndsForAllThoughNobodyHearsOfIt)
     CDumped trace;
     const CTestWindow stays;
     std::deque<CTestWindow> others;
-    for (const size_t nOthers : {0, 40}) {
+    for (const size_t nOthers : {0U, 40U}) {
         others.resize(nOthers);  // with many windows, those inside one are found another way
         CTestWindow top, child(top, WS_CHILD), grandchild(child, WS_CHILD), owned(top, WS_POPUP);
         const HWND windows[] = {top, child, grandchild, owned};
