@@ -30,8 +30,9 @@ EXCEPTION_DISPOSITION __cdecl OnException(EXCEPTION_RECORD *record, void *frame,
     const DWORD Unwinding = 6;  // by somebody further up, who goes on elsewhere
     if (record->ExceptionFlags & Unwinding)
         return ExceptionContinueSearch;
-    // RtlUnwind gives back no register but the stack's two. It returns, or jumps to where it is told,
-    // whichever the system does: both come to the label. GCC would put one of C's before the call.
+    // RtlUnwind gives back no register but the stack's two. It returns, or jumps to where it is
+    // told, whichever the system does: both come to the label. GCC would put one of C's before the
+    // call.
     CGuard *volatile guard = static_cast<CGuard *>(frame);
     decltype(&RtlUnwind) unwind = RtlUnwind;
     asm volatile(
