@@ -30,11 +30,21 @@ EXCEPTION_DISPOSITION __cdecl OnException(EXCEPTION_RECORD *record, void *frame,
     const DWORD Unwinding = 6;  // by somebody further up, who goes on elsewhere
     if (record->ExceptionFlags & Unwinding)
         return ExceptionContinueSearch;
-    // RtlUnwind gives back no register but the stack's two.
+    // RtlUnwind gives back no register but the stack's two. It returns, or jumps to where it is
+    // told, whichever the system does: both come to the label. GCC would put one of C's before the
+    // call.
     CGuard *volatile guard = static_cast<CGuard *>(frame);
-    // Whether it returns or jumps to where it is told, it comes to the same place.
-    RtlUnwind(frame, __extension__ && unwound, record, nullptr);
-unwound:
+    decltype(&RtlUnwind) unwind = RtlUnwind;
+    asm volatile(
+        "pushl $0\n\t"
+        "pushl %[record]\n\t"
+        "pushl $1f\n\t"
+        "pushl %[frame]\n\t"
+        "call *%[unwind]\n"
+        "1:"
+        : [frame] "+a"(frame), [record] "+d"(record), [unwind] "+c"(unwind)
+        :
+        : "ebx", "esi", "edi", "cc", "memory");
     __builtin_longjmp(guard->state, 1);
 }
 

@@ -31,15 +31,15 @@ void Find(HMODULE hLibrary, const char *name, F *&function, F *substitute)
 }
 
 // Threads that meet here find the same. None waits for another, which may need the loader's lock
-// that this one holds.
+// that this one holds. The time comes last: who finds it in place uses the others.
 void Load()
 {
     const HMODULE hLibrary = CULoadSystemLibrary("winmm.dll");
     s_hLibrary = hLibrary;
-    Find(hLibrary, "timeGetTime", g_multimedia.getTime, GetTickCount);
     Find(hLibrary, "timeSetEvent", g_multimedia.setEvent, NoSetEvent);
     Find(hLibrary, "timeKillEvent", g_multimedia.killEvent, NoKillEvent);
     Find(hLibrary, "PlaySoundA", g_multimedia.playSound, NoPlaySound);
+    Find(hLibrary, "timeGetTime", g_multimedia.getTime, GetTickCount);
 }
 
 DWORD WINAPI FirstGetTime()

@@ -110,6 +110,15 @@ const CFault &Fault()
     return s_faults[atoi(getenv("TEST_FAULT"))];
 }
 
+decltype(&RtlUnwind) s_unwind = nullptr;
+
+// As a system that does not return from the unwinding but jumps to where it is told.
+void WINAPI UnwindAndJump(void *frame, void *target, EXCEPTION_RECORD *record, void *value)
+{
+    s_unwind(frame, target, record, value);
+    static_cast<void *volatile *>(__builtin_frame_address(0))[1] = target;
+}
+
 void StartReports()
 {
     CURegisterExceptionHandler([](FILE *file) {
@@ -162,6 +171,8 @@ CHILD_PROCESS(ReportWithFaultyHelp)
 CHILD_PROCESS(CrashWithFaultyHelp)
 {
     const CHelpHook hook(Fault().function, Fault().fault);
+    const CImportHook unwind("RtlUnwind", UnwindAndJump);
+    s_unwind = unwind.Original<decltype(RtlUnwind)>();
     StartReports();
     WriteToNull();
 }

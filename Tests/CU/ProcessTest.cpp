@@ -44,7 +44,7 @@ CHILD_PROCESS(NoMultimedia)
     EXPECT_EQ(0u, CUGetTime());
     int nServed = 0;
     CTestTimer now([&] { ++nServed; }), later([&] { nServed += 10; });
-    later.SetAlarm(200);  // nobody tells when that is
+    later.SetAlarm(10000000);  // nobody tells when that is
     now.SetAlarm(0);
     CFakeClock::Pump();
     EXPECT_FALSE(g_multimedia.playSound("SystemStart", nullptr, SND_ALIAS | SND_ASYNC));
@@ -55,6 +55,35 @@ TEST(Process, GoesOnWithoutTheMultimediaLibrary)
 {
     const CDumped dumped;
     EXPECT_EQ(7u, CChildProcess("NoMultimedia").ExitCode());
+}
+
+const CCUMultimedia g_multimediaBefore = g_multimedia;
+decltype(&GetProcAddress) g_getProcAddress = nullptr;
+bool g_bMultimediaHalf = false;
+
+// Looks at what another thread would find that comes in between.
+FARPROC WINAPI LookAtMultimedia(HMODULE hLibrary, const char *name)
+{
+    if (g_multimedia.getTime != g_multimediaBefore.getTime &&
+        (g_multimedia.setEvent == g_multimediaBefore.setEvent ||
+         g_multimedia.killEvent == g_multimediaBefore.killEvent ||
+         g_multimedia.playSound == g_multimediaBefore.playSound))
+        g_bMultimediaHalf = true;
+    return g_getProcAddress(hLibrary, name);
+}
+
+CHILD_PROCESS(MultimediaOnTwoThreads)
+{
+    const CImportHook look("GetProcAddress", LookAtMultimedia);
+    g_getProcAddress = look.Original<decltype(GetProcAddress)>();
+    MultimediaTime();
+    const bool bLoaded = g_multimedia.setEvent != g_multimediaBefore.setEvent;
+    exit(bLoaded && !g_bMultimediaHalf ? 7 : 1);
+}
+
+TEST(Process, WhoReadsTheMultimediaClockMaySetTimersWhileAnotherThreadLoadsIt)
+{
+    EXPECT_EQ(7u, CChildProcess("MultimediaOnTwoThreads").ExitCode());
 }
 
 TEST(Process, KnowsItsOwnMessages)

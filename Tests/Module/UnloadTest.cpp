@@ -14,6 +14,7 @@
 #include "Support/ChildProcess.h"
 #include "Support/GdiCount.h"
 #include "Support/TemporaryDirectory.h"
+#include "Support/ThreadBirths.h"
 
 namespace {
 
@@ -272,6 +273,8 @@ void Leave(void (*leave)())
     const CModule module;
     module.Use(0, hHosts);
     living.Run([&] { module.Use(1, living.Window()); });
+    living.Hold();
+    WaitForThreadBirths();
     leave();
 }
 
