@@ -50,13 +50,14 @@ HRSRC FindBitmap(HINSTANCE hInst, const char *pszName)
     return hRsrcImage;
 }
 
-HBITMAP PaletteBitmap(const BITMAPINFOHEADER *pbih, DWORD nSize, HPALETTE &hPal)
+// nTable: where what counts as the colours starts.
+HBITMAP PaletteBitmap(const BITMAPINFOHEADER *pbih, DWORD nSize, ULONGLONG nTable, HPALETTE &hPal)
 {
     const CCUIWindowDC hScreen(nullptr);
     const DWORD nColors = CUIDibColorCount(*pbih);
     const ULONGLONG nHeader = CUIDibHeaderSize(*pbih);
-    const ULONGLONG nPixels = nHeader + CUIDibTableSize(nColors);
-    if (CUIDibExtent(*pbih, nPixels) > nSize)
+    const ULONGLONG nPixels = nTable + CUIDibTableSize(nColors);
+    if (nPixels < nHeader || CUIDibExtent(*pbih, nPixels) > nSize)
         return nullptr;
     // Palettes are made of what is 40 bytes from the header's start: here that may be none of it.
     if (nHeader == sizeof *pbih)
@@ -93,11 +94,13 @@ HBITMAP SysColorBitmap(const BITMAPINFOHEADER *pbih, DWORD nSize, bool bMapColor
 {
     // A full table after a header of 40 bytes is assumed, whatever the header says of the colours
     // in use. Where the pixels cannot be there, none are shown.
-    if (CUIDibHeaderSize(*pbih) != sizeof *pbih || pbih->biBitCount > 8 ||
-        pbih->biClrUsed > 1U << pbih->biBitCount)
+    if (CUIDibHeaderSize(*pbih) != sizeof *pbih || pbih->biBitCount > 8)
         return nullptr;
     const ULONGLONG nPixels = sizeof *pbih + CUIDibTableSize(1U << pbih->biBitCount);
-    if (CUIDibExtent(*pbih, nPixels) > nSize)
+    const ULONGLONG nClaimed = sizeof *pbih + CUIDibTableSize(pbih->biClrUsed);
+    // With room for more colours than the depth has, the pixels come after those.
+    if (CUIDibExtent(*pbih, nPixels) > nSize ||
+        (nClaimed > nPixels && CUIDibExtent(*pbih, nClaimed) <= nSize))
         return nullptr;
     CDibHead head(pbih, nSize);
     if (bMapColors)
@@ -131,8 +134,8 @@ HBITMAP CUIBmpLoadBitmapFilePalette(const CCUString &sFile, HPALETTE &hPal)
     BITMAPINFOHEADER *pbih = CUIReadDib(sFile, nSize);
     if (!pbih)
         return nullptr;
-    // Colour masks are not among what is read, so that their room is missing.
-    const HBITMAP hBitmap = PaletteBitmap(pbih, nSize, hPal);
+    // Nothing is read for colour masks: they are there when they were taken for colours.
+    const HBITMAP hBitmap = PaletteBitmap(pbih, nSize, sizeof *pbih, hPal);
     free(pbih);
     return hBitmap;
 }
@@ -145,7 +148,7 @@ HBITMAP CUIBmpLoadBitmapPalette(HINSTANCE hInst, const char *pszName, HPALETTE &
         return nullptr;
     const CResource resource(hInst, hRsrcImage);
     const BITMAPINFOHEADER *pbih = resource.Dib();
-    return pbih ? PaletteBitmap(pbih, resource.Size(), hPal) : nullptr;
+    return pbih ? PaletteBitmap(pbih, resource.Size(), CUIDibHeaderSize(*pbih), hPal) : nullptr;
 }
 
 HBITMAP CUIBmpLoadBitmapFile(const CCUString &sFile, int bSysColors)

@@ -51,7 +51,7 @@ TEST(Base64, EncodesALongTextAsItsPieces)
 {
     const CHeapWatch heap;
     std::mt19937 random(5);
-    for (int nLength = 4094; nLength < 4104; ++nLength) {
+    for (int nLength = 4094; nLength < 4106; ++nLength) {
         CCUString text('x', nLength);
         for (int i = 0; i < nLength; ++i)
             text.SetAt(i, static_cast<char>(random()));

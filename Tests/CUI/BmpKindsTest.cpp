@@ -77,9 +77,10 @@ TEST(BmpKinds, ComeOutRightOrNotAtAll)
 {
     const CKind kinds[] = {{"16 bits", 16, 40, BI_RGB, 0, "PpLC", 0},
                            {"5-6-5", 16, 40, BI_BITFIELDS, 0, "PLC", 0},
-                           {"5-6-5 with colours", 16, 40, BI_BITFIELDS, 3, "PLC", 0},
+                           {"5-6-5 with colours", 16, 40, BI_BITFIELDS, 3, "PpLC", 0},
                            {"32-bit masks", 32, 40, BI_BITFIELDS, 0, "PLC", 0},
-                           {"32-bit masks with colours", 32, 40, BI_BITFIELDS, 3, "PLC", 0},
+                           {"32-bit masks with few colours", 32, 40, BI_BITFIELDS, 2, "PLC", 0},
+                           {"32-bit masks with colours", 32, 40, BI_BITFIELDS, 4, "PpLC", 0},
                            {"24 bits with colours", 24, 40, BI_RGB, 5, "PpLC", 5},
                            {"8 bits", 8, 40, BI_RGB, 0, "PSpsLC", 256},
                            {"8 bits, part of the table", 8, 40, BI_RGB, 100, "PpLC", 100},
@@ -141,6 +142,14 @@ TEST(BmpKinds, ComeOutRightOrNotAtAll)
         expect('C', CUIBmpCreateBitmap(reinterpret_cast<BITMAPINFOHEADER *>(buffer.Data()), nullptr,
                                        true, from, to, 1));
     }
+}
+
+TEST(BmpKinds, MayClaimMoreColorsThanTheyHave)
+{
+    CBmpBytes bmp(13, 6, 8);
+    bmp.m_info.biClrUsed = 259;
+    const CFakeResource resource(bmp.Packed(256));
+    EXPECT_EQ(OnScreen(bmp.Picture()), TakePixels(CUIBmpLoadBitmap(nullptr, "")));
 }
 
 TEST(BmpKinds, ThatTheSystemCannotDrawAreNone)

@@ -25,7 +25,8 @@ class CCUString;
 //                                 headers     depths, layout
 //   CUIBmpLoad, CCUIBitmap        all         all that LoadImage knows
 //   CUIBmpLoadBitmapPalette       not OS/2    all; longer headers and masks get no palette
-//   CUIBmpLoadBitmapFilePalette   40 bytes    all without masks (BI_BITFIELDS)
+//   CUIBmpLoadBitmapFilePalette   40 bytes    all; with masks (BI_BITFIELDS) if biClrUsed is 3 or
+//                                             more, and no palette then
 //   CUIBmpLoadBitmap, ...SysColorBitmap, ...BitmapFile
 //                                 40 bytes    1, 4 and 8 bits with a full colour table
 //   CUIBmpCreateBitmap            not OS/2    all, in a layout of its own (see there)
@@ -37,10 +38,11 @@ class CCUString;
 // empty picture of their size.
 
 // A BMP file as a packed DIB, or null. Headers other than the 40-byte one are refused. The block
-// holds the file's bytes as they stand, but not the masks of BI_BITFIELDS: what looks at the header
-// alone would take the first pixels for them. The file must have as many bytes as rows aligned to
-// words take, of (depth x width) / 8 bytes rounded up to even. A file that cannot be opened, is too
-// short for its file header or no bitmap is traced.
+// holds the file's bytes as they stand, but of the masks of BI_BITFIELDS, which come first, only
+// what has room among the colours in use: without any, what looks at the header alone would take
+// the first pixels for masks. The file must have as many bytes as rows aligned to words take, of
+// (depth x width) / 8 bytes rounded up to even. A file that cannot be opened, is too short for its
+// file header or no bitmap is traced.
 CUI_API BITMAPINFOHEADER *CUIBmpDIBFromFile(const CCUString &sFile);
 
 // A palette of the first 256 colours of the table, which is taken to start 40 bytes after the
@@ -76,9 +78,9 @@ CUI_API HBITMAP CUIBmpCreateBitmap(BITMAPINFOHEADER *pbih, HPALETTE *phPal, bool
                                    DWORD *pFrom, DWORD *pTo, int nCount);
 
 // DDBs of a BMP file or a bitmap resource of 8 bits or less whose pixels follow a header of 40
-// bytes and a full colour table (2^biBitCount entries), however many of them biClrUsed says are in
-// use; null where it says more. Where bSysColors is not 0, and always for resources, those of the
-// first 16 colours that are black, grey, silver or white become the system's present button
+// bytes and a full colour table (2^biBitCount entries), however many biClrUsed says are in use;
+// null where there is room for more. Where bSysColors is not 0, and always for resources, those of
+// the first 16 colours that are black, grey, silver or white become the system's present button
 // colours: for pictures of 16 colours. CUIBmpLoadBitmap reports a missing resource with
 // "hRsrcImage".
 CUI_API HBITMAP CUIBmpLoadBitmapFile(const CCUString &sFile, int bSysColors);
