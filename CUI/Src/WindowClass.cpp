@@ -1,7 +1,7 @@
 #include "CUI/WindowClass.h"
 
-#include "../../CU/Src/Instance.h"
-#include "../../CU/Src/Unload.h"
+#include "Base/Instance.h"
+#include "Base/Unload.h"
 #include "CU/Assert.h"
 #include "CU/Dump.h"
 #include "CUI/Data.h"
