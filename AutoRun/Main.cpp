@@ -1,4 +1,4 @@
-#include "../CU/Src/Multimedia.h"
+#include "Base/Multimedia.h"
 #include "AutoRunDlg.h"
 
 namespace {

@@ -19,7 +19,7 @@ endif()
 # Frame pointers cost below 1 % of size and let a stack be walked on machines without debug
 # information; unwind tables would not.
 add_library(autorun_product INTERFACE)
-target_link_libraries(autorun_product INTERFACE autorun_warnings autorun_platform)
+target_link_libraries(autorun_product INTERFACE autorun_warnings autorun_platform Base)
 # The system runtime's printf and scanf: the compiler's own bring 60 KiB along.
 target_compile_definitions(autorun_product INTERFACE __USE_MINGW_ANSI_STDIO=0)
 target_compile_options(autorun_product INTERFACE

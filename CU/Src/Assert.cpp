@@ -1,7 +1,7 @@
 #include "CU/Assert.h"
 
+#include "Base/KeepLastError.h"
 #include "CU/StackTrace.h"
-#include "KeepLastError.h"
 #include "TraceFile.h"
 
 #define CU_SOURCE "Assert"

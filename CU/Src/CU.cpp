@@ -1,10 +1,10 @@
 #include "CU/CU.h"
 
-#include "KeepLastError.h"
-#include "LazyLock.h"
-#include "Multimedia.h"
+#include "Base/KeepLastError.h"
+#include "Base/LazyLock.h"
+#include "Base/Multimedia.h"
+#include "Base/Unload.h"
 #include "Shutdown.h"
-#include "Unload.h"
 
 namespace {
 

@@ -1,7 +1,7 @@
 #include "CU/Clock.h"
 
+#include "Base/LazyLock.h"
 #include "Epoch.h"
-#include "LazyLock.h"
 
 namespace {
 

@@ -2,12 +2,12 @@
 
 #include <stdio.h>
 
+#include "Base/KeepLastError.h"
+#include "Base/Unload.h"
 #include "ExceptionName.h"
-#include "KeepLastError.h"
 #include "StackWalk.h"
 #include "ThreadEnd.h"
 #include "TraceFile.h"
-#include "Unload.h"
 
 namespace {
 

@@ -2,8 +2,8 @@
 
 #include <string.h>
 
+#include "Base/LazyLock.h"
 #include "FaultGuard.h"
-#include "LazyLock.h"
 #include "SystemLibrary.h"
 
 namespace {

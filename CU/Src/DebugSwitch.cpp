@@ -3,8 +3,8 @@
 #include <stdlib.h>
 #include <string.h>
 
-#include "Atomic.h"
-#include "LazyLock.h"
+#include "Base/Atomic.h"
+#include "Base/LazyLock.h"
 
 namespace {
 

@@ -4,11 +4,11 @@
 #include <stdio.h>
 #include <stdlib.h>
 
-#include "Array.h"
+#include "Base/Array.h"
+#include "Base/KeepLastError.h"
+#include "Base/LazyLock.h"
 #include "CU/Assert.h"
 #include "CU/String.h"
-#include "KeepLastError.h"
-#include "LazyLock.h"
 #include "LogFiles.h"
 
 #define CU_SOURCE "Dump"

@@ -2,7 +2,7 @@
 
 #include <stdio.h>
 
-#include "Array.h"
+#include "Base/Array.h"
 #include "CU/Dump.h"
 #include "CU/String.h"
 

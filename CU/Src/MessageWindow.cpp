@@ -1,11 +1,11 @@
 #include <new>
 
+#include "Base/Instance.h"
+#include "Base/LazyLock.h"
+#include "Base/Unload.h"
 #include "CU/CU.h"
 #include "CU/ThreadExit.h"
-#include "Instance.h"
-#include "LazyLock.h"
 #include "Shutdown.h"
-#include "Unload.h"
 
 namespace {
 

@@ -2,13 +2,13 @@
 // modules, and no program's, calls DllEntryPoint; the linker takes this source for it.
 
 #define CU_MODULE
-#include "Unload.h"
+#include "Base/Unload.h"
 
 #include <stdlib.h>
 #include <string.h>
 
-#include "Instance.h"
-#include "LazyLock.h"
+#include "Base/Instance.h"
+#include "Base/LazyLock.h"
 
 namespace {
 

@@ -1,8 +1,8 @@
-#include "Multimedia.h"
+#include "Base/Multimedia.h"
 
+#include "Base/Unload.h"
 #include "SystemLibrary.h"
 #include "ThreadEnd.h"
-#include "Unload.h"
 
 namespace {
 

@@ -4,9 +4,9 @@
 
 #include <new>
 
+#include "Base/Unload.h"
 #include "CU/Platform.h"
 #include "StringBlock.h"
-#include "Unload.h"
 
 namespace {
 

@@ -1,10 +1,10 @@
 #include <stdlib.h>
 #include <string.h>
 
+#include "Base/LazyLock.h"
+#include "Base/Registered.h"
+#include "Base/Unload.h"
 #include "CU/CU.h"
-#include "LazyLock.h"
-#include "Registered.h"
-#include "Unload.h"
 
 namespace {
 

@@ -4,10 +4,10 @@
 #include <stdio.h>
 #include <string.h>
 
+#include "Base/KeepLastError.h"
+#include "Base/LazyLock.h"
 #include "DebugHelp.h"
 #include "Demangle.h"
-#include "KeepLastError.h"
-#include "LazyLock.h"
 #include "StackWalk.h"
 #include "ThreadEnd.h"
 

@@ -1,7 +1,7 @@
 #include <stdlib.h>
 
+#include "Base/Atomic.h"
 #include "CU/CU.h"
-#include "Atomic.h"
 
 static CCUInitializer *volatile s_pFirstInitializer = nullptr;
 

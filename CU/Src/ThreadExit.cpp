@@ -1,9 +1,9 @@
 #include "CU/ThreadExit.h"
 
+#include "Base/Atomic.h"
+#include "Base/Unload.h"
 #include "CU/CU.h"
-#include "Atomic.h"
 #include "ThreadEnd.h"
-#include "Unload.h"
 
 CUModuleEnd g_moduleEnd = CUModuleStays;
 

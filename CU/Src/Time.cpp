@@ -3,10 +3,10 @@
 #include <stdio.h>
 #include <string.h>
 
+#include "Base/Wrap.h"
 #include "CU/Dump.h"
 #include "Epoch.h"
 #include "TimeZone.h"
-#include "Wrap.h"
 
 namespace {
 
@@ -44,9 +44,9 @@ bool IsDaylight(const CFields &fields, int isDst, const TIME_ZONE_INFORMATION &z
 {
     if (isDst != -1)
         return isDst == 1;
-    const long nYear = WrapSub(fields.nYear, 1900);
+    const long nYear = CUWrapSub(fields.nYear, 1900);
     return CUIsDaylightTime(zone,
-                            {nYear, CUDayOfYear(nYear, WrapSub(fields.nMonth, 1), fields.nDay),
+                            {nYear, CUDayOfYear(nYear, CUWrapSub(fields.nMonth, 1), fields.nDay),
                              CUMilliseconds(fields.nHour, fields.nMinute, fields.nSecond, 0)});
 }
 
@@ -168,28 +168,28 @@ int CCUTime::GetDayOfWeek() const
 
 CCUTimeSpan CCUTime::operator-(const CCUTime &other) const
 {
-    return WrapSub(m_nTime, other.m_nTime);
+    return CUWrapSub(m_nTime, other.m_nTime);
 }
 
 CCUTime CCUTime::operator+(CCUTimeSpan span) const
 {
-    return WrapAdd(m_nTime, span.GetSpan());
+    return CUWrapAdd(m_nTime, span.GetSpan());
 }
 
 CCUTime CCUTime::operator-(CCUTimeSpan span) const
 {
-    return WrapSub(m_nTime, span.GetSpan());
+    return CUWrapSub(m_nTime, span.GetSpan());
 }
 
 CCUTime &CCUTime::operator+=(CCUTimeSpan span)
 {
-    m_nTime = WrapAdd(m_nTime, span.GetSpan());
+    m_nTime = CUWrapAdd(m_nTime, span.GetSpan());
     return *this;
 }
 
 CCUTime &CCUTime::operator-=(CCUTimeSpan span)
 {
-    m_nTime = WrapSub(m_nTime, span.GetSpan());
+    m_nTime = CUWrapSub(m_nTime, span.GetSpan());
     return *this;
 }
 

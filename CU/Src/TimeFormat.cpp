@@ -2,10 +2,10 @@
 #include <stddef.h>
 #include <string.h>
 
+#include "Base/LazyLock.h"
 #include "CU/Registry.h"
 #include "CU/Time.h"
 #include "CU/Version.h"
-#include "LazyLock.h"
 #include "TimeZone.h"
 
 namespace {

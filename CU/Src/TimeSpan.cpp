@@ -1,8 +1,8 @@
 #include <stdio.h>
 
+#include "Base/Wrap.h"
 #include "CU/Assert.h"
 #include "CU/Time.h"
-#include "Wrap.h"
 
 #define CU_SOURCE "Time"
 
@@ -67,30 +67,30 @@ void PutCode(CSpanText &text, char code, const CCUTimeSpan &span)
 
 CCUTimeSpan::CCUTimeSpan(long nDays, int nHours, int nMinutes, int nSeconds)
 {
-    const long nTotalHours = WrapAdd(WrapMul(nDays, 24), nHours);
-    const long nTotalMinutes = WrapAdd(WrapMul(nTotalHours, 60), nMinutes);
-    m_nSpan = WrapAdd(WrapMul(nTotalMinutes, 60), nSeconds);
+    const long nTotalHours = CUWrapAdd(CUWrapMul(nDays, 24), nHours);
+    const long nTotalMinutes = CUWrapAdd(CUWrapMul(nTotalHours, 60), nMinutes);
+    m_nSpan = CUWrapAdd(CUWrapMul(nTotalMinutes, 60), nSeconds);
 }
 
 CCUTimeSpan CCUTimeSpan::operator+(CCUTimeSpan other) const
 {
-    return WrapAdd(m_nSpan, other.m_nSpan);
+    return CUWrapAdd(m_nSpan, other.m_nSpan);
 }
 
 CCUTimeSpan CCUTimeSpan::operator-(CCUTimeSpan other) const
 {
-    return WrapSub(m_nSpan, other.m_nSpan);
+    return CUWrapSub(m_nSpan, other.m_nSpan);
 }
 
 CCUTimeSpan &CCUTimeSpan::operator+=(CCUTimeSpan other)
 {
-    m_nSpan = WrapAdd(m_nSpan, other.m_nSpan);
+    m_nSpan = CUWrapAdd(m_nSpan, other.m_nSpan);
     return *this;
 }
 
 CCUTimeSpan &CCUTimeSpan::operator-=(CCUTimeSpan other)
 {
-    m_nSpan = WrapSub(m_nSpan, other.m_nSpan);
+    m_nSpan = CUWrapSub(m_nSpan, other.m_nSpan);
     return *this;
 }
 

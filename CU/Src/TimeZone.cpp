@@ -2,10 +2,10 @@
 
 #include <string.h>
 
+#include "Base/TryLock.h"
+#include "Base/Wrap.h"
 #include "CU/Dump.h"
 #include "CU/Time.h"
-#include "TryLock.h"
-#include "Wrap.h"
 
 namespace {
 
@@ -34,8 +34,8 @@ long TransitionDay(long nYear, const SYSTEMTIME &rule)
     if (rule.wYear != 0)
         return days[rule.wMonth - 1] + rule.wDay;
     const long nFirst = days[rule.wMonth - 1] + 1;
-    const long nDaysBefore = WrapAdd(WrapMul(365, nYear), nFirst + (WrapSub(nYear, 1) >> 2));
-    const long nFirstWeekday = WrapSub(nDaysBefore, 25563) % 7;
+    const long nDaysBefore = CUWrapAdd(CUWrapMul(365, nYear), nFirst + (CUWrapSub(nYear, 1) >> 2));
+    const long nFirstWeekday = CUWrapSub(nDaysBefore, 25563) % 7;
     long nDay = nFirst + 7 * rule.wDay + rule.wDayOfWeek - nFirstWeekday;
     if (nFirstWeekday <= rule.wDayOfWeek)
         nDay -= 7;
@@ -53,7 +53,7 @@ CUTimeOfYear StartOfDaylight(long nYear, const SYSTEMTIME &rule)
 
 CUTimeOfYear EndOfDaylight(long nYear, const SYSTEMTIME &rule, LONG nDaylightBias)
 {
-    long nMilliseconds = CUMilliseconds(rule.wHour, WrapAdd(rule.wMinute, nDaylightBias),
+    long nMilliseconds = CUMilliseconds(rule.wHour, CUWrapAdd(rule.wMinute, nDaylightBias),
                                         rule.wSecond, rule.wMilliseconds);
     // The day does not follow when the time moves over midnight, and the step is a day less one
     // millisecond: results depend on both.
@@ -119,11 +119,11 @@ CUTimeOfYear ToTimeOfYear(long nTime)
 
 tm *BreakDown(long nTime, const TIME_ZONE_INFORMATION &zone)
 {
-    const long nStandard = WrapSub(nTime, WrapMul(zone.Bias, 60));
+    const long nStandard = CUWrapSub(nTime, CUWrapMul(zone.Bias, 60));
     // gmtime knows no time before 1970.
     const bool bDaylight = nStandard >= 0 && CUIsDaylightTime(zone, ToTimeOfYear(nStandard));
     const LONG nBias = bDaylight ? zone.DaylightBias : zone.StandardBias;
-    tm *record = RuntimeGmt(WrapSub(nStandard, WrapMul(nBias, 60)));
+    tm *record = RuntimeGmt(CUWrapSub(nStandard, CUWrapMul(nBias, 60)));
     if (!record)
         return RuntimeLocal(nTime);
     record->tm_isdst = bDaylight;
@@ -190,14 +190,14 @@ bool CUIsDaylightTime(const TIME_ZONE_INFORMATION &zone, const CUTimeOfYear &tim
 long CUDayOfYear(long nYear, int nMonth, int nDay)
 {
     const int nEntry = nMonth < 0 ? 0 : nMonth > 12 ? 12 : nMonth;
-    return WrapAdd(nDay, DaysOfYear(nYear)[nEntry]);
+    return CUWrapAdd(nDay, DaysOfYear(nYear)[nEntry]);
 }
 
 long CUMilliseconds(long nHour, long nMinute, long nSecond, long nMilliseconds)
 {
-    const long nMinutes = WrapAdd(WrapMul(nHour, 60), nMinute);
-    const long nSeconds = WrapAdd(WrapMul(nMinutes, 60), nSecond);
-    return WrapAdd(WrapMul(nSeconds, 1000), nMilliseconds);
+    const long nMinutes = CUWrapAdd(CUWrapMul(nHour, 60), nMinute);
+    const long nSeconds = CUWrapAdd(CUWrapMul(nMinutes, 60), nSecond);
+    return CUWrapAdd(CUWrapMul(nSeconds, 1000), nMilliseconds);
 }
 
 tm *CCUTime::GetGmtTm(tm *out) const

@@ -1,5 +1,10 @@
 #include "CU/TimerTask.h"
 
+#include "Base/Instance.h"
+#include "Base/KeepLastError.h"
+#include "Base/LazyLock.h"
+#include "Base/Multimedia.h"
+#include "Base/Unload.h"
 #include "CU/Assert.h"
 #include "CU/CU.h"
 #include "CU/DebugSwitch.h"
@@ -7,13 +12,8 @@
 #include "CU/String.h"
 #include "CU/Time.h"
 #include "CU/Timer.h"
-#include "Instance.h"
-#include "KeepLastError.h"
-#include "LazyLock.h"
-#include "Multimedia.h"
 #include "Shutdown.h"
 #include "ThreadEnd.h"
-#include "Unload.h"
 
 #define CU_SOURCE "TimerTask"
 

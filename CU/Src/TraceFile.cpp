@@ -2,14 +2,14 @@
 
 #include <stdlib.h>
 
+#include "Base/Atomic.h"
+#include "Base/KeepLastError.h"
+#include "Base/Registered.h"
 #include "CU/Assert.h"
 #include "CU/CrashReport.h"
 #include "CU/Dump.h"
 #include "CU/String.h"
 #include "CU/Time.h"
-#include "Atomic.h"
-#include "KeepLastError.h"
-#include "Registered.h"
 
 namespace {
 

@@ -1,5 +1,5 @@
-#include "Instance.h"
-#include "Unload.h"
+#include "Base/Instance.h"
+#include "Base/Unload.h"
 
 void CUUnloadWindow(HWND hWnd)
 {

@@ -2,9 +2,9 @@
 
 #include "CU/Dump.h"
 
+#include "Base/GdiGuards.h"
 #include "BmpArgs.h"
 #include "BmpSharedDC.h"
-#include "GdiGuards.h"
 
 void CUIBmpBitBlt(HDC hDC, UINT x, UINT y, HBITMAP hBmp, UINT xSrc, UINT ySrc, UINT cx, UINT cy,
                   HPALETTE hPal, int bForceBkgd)

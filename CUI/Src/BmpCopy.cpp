@@ -1,9 +1,9 @@
 #include <stdlib.h>
 #include <string.h>
 
+#include "Base/GdiGuards.h"
 #include "CUI/BmpBlt.h"
 #include "CUI/BmpLoad.h"
-#include "GdiGuards.h"
 #include "PackedDib.h"
 
 namespace {

@@ -3,11 +3,11 @@
 #include <stdlib.h>
 #include <string.h>
 
+#include "Base/GdiGuards.h"
 #include "CU/Assert.h"
 #include "CU/Dump.h"
 #include "CUI/Data.h"
 #include "DibCheck.h"
-#include "GdiGuards.h"
 #include "PackedDib.h"
 
 #define CU_SOURCE "Bmp"

@@ -2,9 +2,9 @@
 
 #include "CUI/Data.h"
 
+#include "Base/GdiGuards.h"
 #include "BmpArgs.h"
 #include "BmpSharedDC.h"
-#include "GdiGuards.h"
 
 namespace {
 

@@ -3,12 +3,12 @@
 #include <stdlib.h>
 #include <string.h>
 
-#include "BmpSharedDC.h"
+#include "Base/GdiGuards.h"
 #include "CU/Assert.h"
 #include "CU/String.h"
 #include "CUI/BmpBlt.h"
 #include "CUI/BmpLoad.h"
-#include "GdiGuards.h"
+#include "BmpSharedDC.h"
 #include "PackedDib.h"
 
 #define CU_SOURCE "Bmp"

@@ -1,11 +1,11 @@
 #include "CUI/BmpState.h"
 
+#include "Base/GdiGuards.h"
+#include "Base/Wrap.h"
 #include "CU/Dump.h"
 #include "CUI/Data.h"
 
 #include "BmpArgs.h"
-#include "Coordinates.h"
-#include "GdiGuards.h"
 
 namespace {
 
@@ -111,10 +111,10 @@ CStateDrawing::CStateDrawing(HDC hDC, const CUIBmpStateRects &rects)
     : m_hDC(hDC), m_rects(rects), m_cx(CUIWidth(rects.rcArea)), m_cy(CUIHeight(rects.rcArea))
 {
     // The 1 is subtracted across only: what cannot be centred leans to the left, never upwards.
-    const int cxFree = CUIDifference(CUIWidth(rects.rcCenter), CUIWidth(rects.rcSource));
-    const int cyFree = CUIDifference(CUIHeight(rects.rcCenter), CUIHeight(rects.rcSource));
-    m_x = CUISum(CUISum(cxFree, -1) / 2, CUIDifference(rects.rcCenter.left, rects.rcArea.left));
-    m_y = CUISum(cyFree / 2, CUIDifference(rects.rcCenter.top, rects.rcArea.top));
+    const int cxFree = CUWrapSub(CUIWidth(rects.rcCenter), CUIWidth(rects.rcSource));
+    const int cyFree = CUWrapSub(CUIHeight(rects.rcCenter), CUIHeight(rects.rcSource));
+    m_x = CUWrapAdd(CUWrapAdd(cxFree, -1) / 2, CUWrapSub(rects.rcCenter.left, rects.rcArea.left));
+    m_y = CUWrapAdd(cyFree / 2, CUWrapSub(rects.rcCenter.top, rects.rcArea.top));
 }
 
 void CStateDrawing::BlitImage(HDC hDC, int x, int y, DWORD dwRop) const
@@ -126,7 +126,8 @@ void CStateDrawing::BlitImage(HDC hDC, int x, int y, DWORD dwRop) const
 
 void CStateDrawing::DrawImage() const
 {
-    BlitImage(m_hDC, CUISum(m_rects.rcArea.left, m_x), CUISum(m_rects.rcArea.top, m_y), SRCCOPY);
+    BlitImage(m_hDC, CUWrapAdd(m_rects.rcArea.left, m_x), CUWrapAdd(m_rects.rcArea.top, m_y),
+              SRCCOPY);
 }
 
 // 1 where nothing is to be seen: outside the image and at its background colours. Shifting takes
@@ -140,7 +141,7 @@ void CStateDrawing::MakeMask(DWORD crFace, DWORD crHilite, bool bShift) const
     SetBkColor(s_cache.BitmapDC(), crHilite);
     BlitImage(hMaskDC, m_x, m_y, SRCPAINT);
     if (bShift)
-        BitBlt(hMaskDC, 1, 1, CUISum(m_cx, -1), CUISum(m_cy, -1), hMaskDC, 0, 0, SRCAND);
+        BitBlt(hMaskDC, 1, 1, CUWrapAdd(m_cx, -1), CUWrapAdd(m_cy, -1), hMaskDC, 0, 0, SRCAND);
 }
 
 void CStateDrawing::UseMonoColors() const
@@ -153,8 +154,8 @@ void CStateDrawing::FillWhereImage(DWORD cr, int nOffset) const
 {
     const CCUIOwned<HBRUSH> fill(CreateSolidBrush(cr));
     const CCUISelect brush(m_hDC, fill);
-    BitBlt(m_hDC, CUISum(m_rects.rcArea.left, nOffset), CUISum(m_rects.rcArea.top, nOffset),
-           CUISum(m_cx, -2), CUISum(m_cy, -2), s_cache.MaskDC(), 0, 0, CUI_ROP_PSDPXAX);
+    BitBlt(m_hDC, CUWrapAdd(m_rects.rcArea.left, nOffset), CUWrapAdd(m_rects.rcArea.top, nOffset),
+           CUWrapAdd(m_cx, -2), CUWrapAdd(m_cy, -2), s_cache.MaskDC(), 0, 0, CUI_ROP_PSDPXAX);
 }
 
 void CStateDrawing::DrawEmbossed(DWORD crFace, DWORD crHilite, DWORD crShadow) const

@@ -2,11 +2,11 @@
 
 #include <string.h>
 
-#include "../../CU/Src/Multimedia.h"
-#include "../../CU/Src/Unload.h"
+#include "Base/Multimedia.h"
+#include "Base/Unload.h"
 #include "CU/Assert.h"
 
-#include "GdiGuards.h"
+#include "Base/GdiGuards.h"
 
 #define CU_SOURCE "Data"
 

@@ -2,7 +2,7 @@
 
 #include <stdlib.h>
 
-#include "GdiGuards.h"
+#include "Base/GdiGuards.h"
 
 namespace {
 

@@ -1,7 +1,7 @@
 #include "CUI/Draw.h"
 
-#include "Coordinates.h"
-#include "GdiGuards.h"
+#include "Base/GdiGuards.h"
+#include "Base/Wrap.h"
 
 namespace {
 
@@ -25,12 +25,12 @@ void Order(LONG &a, LONG &b)
 void Invert(HDC hDC, int x, int y, int cx, int cy)
 {
     if (cx < 0) {
-        x = CUISum(x, cx);
-        cx = CUIDifference(0, cx);
+        x = CUWrapAdd(x, cx);
+        cx = CUWrapSub(0, cx);
     }
     if (cy < 0) {
-        y = CUISum(y, cy);
-        cy = CUIDifference(0, cy);
+        y = CUWrapAdd(y, cy);
+        cy = CUWrapSub(0, cy);
     }
     PatBlt(hDC, x, y, cx, cy, DSTINVERT);
 }
@@ -44,10 +44,10 @@ void InvertFrame(HDC hDC, RECT rect)
     const int y = rect.top;
     const int w = CUIWidth(rect);
     const int h = CUIHeight(rect);
-    Invert(hDC, x, y, CUISum(w, -1), 1);
-    Invert(hDC, x, CUISum(y, 1), 1, CUISum(h, -1));
-    Invert(hDC, CUISum(x, w), y, -1, CUISum(h, -1));
-    Invert(hDC, CUISum(x, 1), CUISum(y, h), CUISum(w, -1), -1);
+    Invert(hDC, x, y, CUWrapAdd(w, -1), 1);
+    Invert(hDC, x, CUWrapAdd(y, 1), 1, CUWrapAdd(h, -1));
+    Invert(hDC, CUWrapAdd(x, w), y, -1, CUWrapAdd(h, -1));
+    Invert(hDC, CUWrapAdd(x, 1), CUWrapAdd(y, h), CUWrapAdd(w, -1), -1);
 }
 
 }  // namespace
@@ -60,7 +60,7 @@ void CUIDCFillSolidRect(HDC hDC, const RECT *prc, DWORD cr)
 void CUIDCFillSolidRect(HDC hDC, int x, int y, int cx, int cy, DWORD cr)
 {
     const CCUIBkColor color(hDC, cr);
-    Fill(hDC, {x, y, CUISum(x, cx), CUISum(y, cy)});
+    Fill(hDC, {x, y, CUWrapAdd(x, cx), CUWrapAdd(y, cy)});
 }
 
 void CUIDCDrawRect(HDC hDC, const RECT *prc, DWORD cr)
@@ -70,13 +70,13 @@ void CUIDCDrawRect(HDC hDC, const RECT *prc, DWORD cr)
 
 void CUIDCDrawRect(HDC hDC, int x, int y, int cx, int cy, DWORD cr)
 {
-    const int right = CUISum(x, cx);
-    const int bottom = CUISum(y, cy);
+    const int right = CUWrapAdd(x, cx);
+    const int bottom = CUWrapAdd(y, cy);
     const CCUIBkColor color(hDC, cr);
-    Fill(hDC, {x, y, right, CUISum(y, 1)});
-    Fill(hDC, {x, y, CUISum(x, 1), bottom});
-    Fill(hDC, {right, y, CUISum(right, -1), bottom});
-    Fill(hDC, {x, bottom, right, CUISum(bottom, -1)});
+    Fill(hDC, {x, y, right, CUWrapAdd(y, 1)});
+    Fill(hDC, {x, y, CUWrapAdd(x, 1), bottom});
+    Fill(hDC, {right, y, CUWrapAdd(right, -1), bottom});
+    Fill(hDC, {x, bottom, right, CUWrapAdd(bottom, -1)});
 }
 
 void CUIDCDraw3dRect(HDC hDC, const RECT *prc, DWORD crTopLeft, DWORD crBottomRight, int bTrim,
@@ -89,12 +89,12 @@ void CUIDCDraw3dRect(HDC hDC, const RECT *prc, DWORD crTopLeft, DWORD crBottomRi
 void CUIDCDraw3dRect(HDC hDC, int x, int y, int cx, int cy, DWORD crTopLeft, DWORD crBottomRight,
                      int bTrim, int bTrimBoth)
 {
-    const int x1 = CUISum(x, 1);
-    const int y1 = CUISum(y, 1);
-    const int right = CUISum(x, cx);
-    const int bottom = CUISum(y, cy);
-    const int right1 = CUISum(right, -1);
-    const int bottom1 = CUISum(bottom, -1);
+    const int x1 = CUWrapAdd(x, 1);
+    const int y1 = CUWrapAdd(y, 1);
+    const int right = CUWrapAdd(x, cx);
+    const int bottom = CUWrapAdd(y, cy);
+    const int right1 = CUWrapAdd(right, -1);
+    const int bottom1 = CUWrapAdd(bottom, -1);
     // The column and the row at the far sides start at the edge and go back by one.
     if (!bTrim) {
         const CCUIBkColor color(hDC, crTopLeft);

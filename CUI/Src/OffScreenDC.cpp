@@ -2,7 +2,7 @@
 
 #include <new>
 
-#include "../../CU/Src/Unload.h"
+#include "Base/Unload.h"
 #include "CU/Assert.h"
 #include "DepthMemo.h"
 

@@ -1,8 +1,9 @@
 #include "CUI/WindowClass.h"
 
-#include "../../CU/Src/Instance.h"
-#include "../../CU/Src/Unload.h"
+#include "Base/Instance.h"
+#include "Base/Unload.h"
 #include "CU/Assert.h"
+#include "CU/CU.h"
 #include "CU/Dump.h"
 #include "CUI/Data.h"
 
@@ -78,6 +79,8 @@ const CCUString &CUIWindowClassName(unsigned short id)
 int CUIRegisterWindowClass(WNDCLASSA *pClass)
 {
     pClass->hInstance = CUInstance();
+    // One thread at a time: Wine 8 tells the second that the class exists before it can be used.
+    const CCUMutexGuard guard;
     WNDCLASSA present;
     // One without its procedure is from an earlier load of a module, whose windows had to stay.
     const auto atom =
@@ -89,8 +92,6 @@ int CUIRegisterWindowClass(WNDCLASSA *pClass)
     if (NoteClass(RegisterClassA(pClass)))
         return 1;
     const DWORD nError = GetLastError();
-    if (nError == ERROR_CLASS_ALREADY_EXISTS)  // another thread was faster
-        return 1;
     CCUString sName;
     if (IS_INTRESOURCE(pClass->lpszClassName))
         sName.Format("#%u", reinterpret_cast<UINT>(pClass->lpszClassName));

@@ -1,11 +1,11 @@
 // How windows come into being and get bound to their objects.
 
-#include "../../CU/Src/Instance.h"
+#include "Base/Instance.h"
+#include "Base/Wrap.h"
 #include "CU/Assert.h"
 #include "CU/String.h"
 #include "CUI/Window.h"
 #include "CUI/WindowClass.h"
-#include "Coordinates.h"
 #include "WindowThread.h"
 
 #define CU_SOURCE "Window"

@@ -102,9 +102,9 @@ bool CCUIWindow::CallHooks(const CMessage &message, long &result)
     CCUIWindowHookList &hooks = *m_pHooks;
     hooks.BeginWalk();
     // A hook that is inserted on the way sees the next message first.
-    const unsigned nCount = hooks.GetCount();
+    const int nCount = hooks.GetCount();
     bool bHandled = false;
-    for (unsigned i = 0; i < nCount && !bHandled; ++i) {
+    for (int i = 0; i < nCount && !bHandled; ++i) {
         CCUIWindowHook *const pHook = hooks.GetAt(i);
         if (!pHook)
             continue;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Base/Array.h"
 #include "CUI/Window.h"
 
 // Message hooks in the order of insertion. While somebody walks, a removed hook leaves a gap, which
@@ -7,26 +8,13 @@
 class CCUIWindowHookList
 {
 public:
-    ~CCUIWindowHookList() { delete[] m_ppHooks; }
-
-    void Insert(CCUIWindowHook *pHook)
-    {
-        if (m_nCount == m_nSize) {
-            m_nSize = m_nSize ? 2 * m_nSize : 4;
-            auto **ppHooks = new CCUIWindowHook *[m_nSize];
-            for (unsigned i = 0; i < m_nCount; ++i)
-                ppHooks[i] = m_ppHooks[i];
-            delete[] m_ppHooks;
-            m_ppHooks = ppHooks;
-        }
-        m_ppHooks[m_nCount++] = pHook;
-    }
+    void Insert(CCUIWindowHook *pHook) { m_hooks.Add(pHook); }
 
     void Remove(const CCUIWindowHook *pHook)
     {
-        for (unsigned i = 0; i < m_nCount; ++i) {
-            if (m_ppHooks[i] == pHook)
-                m_ppHooks[i] = nullptr;
+        for (int i = 0; i < m_hooks.Count(); ++i) {
+            if (m_hooks[i] == pHook)
+                m_hooks[i] = nullptr;
         }
         CloseGaps();
     }
@@ -37,24 +25,20 @@ public:
         --m_nWalks;
         CloseGaps();
     }
-    unsigned GetCount() const { return m_nCount; }
-    CCUIWindowHook *GetAt(unsigned nIndex) const { return m_ppHooks[nIndex]; }
+    int GetCount() const { return m_hooks.Count(); }
+    CCUIWindowHook *GetAt(int nIndex) const { return m_hooks[nIndex]; }
 
 private:
     void CloseGaps()
     {
         if (m_nWalks)
             return;
-        unsigned nKept = 0;
-        for (unsigned i = 0; i < m_nCount; ++i) {
-            if (m_ppHooks[i])
-                m_ppHooks[nKept++] = m_ppHooks[i];
+        for (int i = m_hooks.Count() - 1; i >= 0; --i) {
+            if (!m_hooks[i])
+                m_hooks.Remove(i, 1);
         }
-        m_nCount = nKept;
     }
 
-    CCUIWindowHook **m_ppHooks = nullptr;
-    unsigned m_nCount = 0;
-    unsigned m_nSize = 0;
+    CCUArray<CCUIWindowHook *> m_hooks;
     unsigned m_nWalks = 0;
 };

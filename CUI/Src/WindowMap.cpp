@@ -1,7 +1,7 @@
 #include "WindowMap.h"
 
-#include "../../CU/Src/Instance.h"
-#include "../../CU/Src/Unload.h"
+#include "Base/Instance.h"
+#include "Base/Unload.h"
 #include "WindowTable.h"
 #include "WindowThread.h"
 

@@ -1,6 +1,6 @@
 #include "WindowThread.h"
 
-#include "../../CU/Src/Unload.h"
+#include "Base/Unload.h"
 #include "WindowMap.h"
 
 namespace {

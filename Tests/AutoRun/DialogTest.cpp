@@ -107,7 +107,7 @@ TEST(Soak, OpeningAndClosingLeavesNothingBehind)
     for (int i = 0; i < 5; ++i)
         RunDialog(5);
     const CLeakWatch watch;
-    for (int i = 0; i < 300; ++i)
+    for (int i = 0; i < 100; ++i)
         RunDialog(2);
 }
 

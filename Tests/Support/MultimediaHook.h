@@ -1,6 +1,6 @@
 #pragma once
 
-#include "../../CU/Src/Multimedia.h"
+#include "Base/Multimedia.h"
 
 // The time that the framework reads.
 inline DWORD MultimediaTime()

@@ -11,6 +11,7 @@ public:
     CCUArray &operator=(const CCUArray &) = delete;
 
     int Count() const { return m_nCount; }
+    T &operator[](int nIndex) { return m_items[nIndex]; }
     const T &operator[](int nIndex) const { return m_items[nIndex]; }
 
     void Add(const T &item)

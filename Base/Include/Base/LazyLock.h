@@ -2,7 +2,7 @@
 
 #include "CU/Platform.h"
 
-#include "Atomic.h"
+#include "Base/Atomic.h"
 
 // A critical section that exists from its first use on, whichever thread comes first and whatever
 // has been constructed by then: a static of this class needs no constructor to run.

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "CUI/Platform.h"
+#include "CU/Platform.h"
 
 // What GDI wants back, given back at the end of a block. Declare an object before the guard that
 // selects it: the guard lets go of it first.
