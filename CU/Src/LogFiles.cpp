@@ -182,7 +182,8 @@ void CCULogFiles::OpenNewFile()
 long CCULogFiles::FirstTimeForName(const CCUString &sTempDir, long nNow) const
 {
     const bool bAhead = nNow >= m_nTimeMade && nNow <= m_nTimeOfName && m_nTimeOfName < LONG_MAX &&
-                        strncmp(m_sName, sTempDir, static_cast<size_t>(sTempDir.GetLength())) == 0;
+                        strncmp(m_sName, CUTranslateFileName(sTempDir),
+                                static_cast<size_t>(sTempDir.GetLength())) == 0;
     return bAhead ? m_nTimeOfName + 1 : nNow;
 }
 

@@ -31,8 +31,8 @@ public:
         if (!wanted || strcmp(wanted, part) != 0)
             return;
         SetErrorMode(SEM_FAILCRITICALERRORS | SEM_NOGPFAULTERRORBOX | SEM_NOOPENFILEERRORBOX);
+        atexit(WaitForThreadBirths);
         play();
-        WaitForThreadBirths();
         exit(0);
     }
 };

@@ -24,9 +24,10 @@ public:
     // what else is due waits for the next turn of the message loop.
     //
     // A message loop in here does not serve the thread's other timers: the notification for them is
-    // asked for when this serving ends, or when a timer is armed that is due before all others,
-    // whereupon the loop serves them all. Who wants something modal from a timer posts a message,
-    // to a window of its own or to CUGetWindow (CU.h), and does it there.
+    // asked for when this serving ends, when a timer is armed that is due before all others, or
+    // half a second after the thread's first timer was armed, whereupon the loop serves them all.
+    // Who wants something modal from a timer posts a message, to a window of its own or to
+    // CUGetWindow (CU.h), and does it there.
     virtual void TimeOut(long nNow);
 
 protected:
