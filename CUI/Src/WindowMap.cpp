@@ -149,11 +149,11 @@ void CUIWindowMapRemove(HWND hWnd)
         Free(CUIWindowTable::Current(), slot);
 }
 
-void CUIWindowMapRemoveDoubted(HWND hWnd)
+void CUIWindowMapRemoveDoubted(HWND hWnd, const CCUIWindow *pWindow)
 {
     const CChange change;
     CUIWindowSlot &slot = FindSlot(hWnd);
-    if (slot.nWindow & CUIWindowSlot::DOUBTED)
+    if (slot.nWindow == (reinterpret_cast<uintptr_t>(pWindow) | CUIWindowSlot::DOUBTED))
         Free(CUIWindowTable::Current(), slot);
 }
 
