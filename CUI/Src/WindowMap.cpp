@@ -104,8 +104,11 @@ std::atomic<unsigned> CUIWindowTable::s_nChanges;
 
 CUIWindowMapLock::CUIWindowMapLock()
 {
-    // Sleep(0) lets nobody of a lower priority run, and that may be who has it.
-    for (int i = 0; s_nLock.exchange(1, std::memory_order_acquire); ++i)
+    // Sleep(0) lets nobody of a lower priority run, and that may be who has it. At the end of a
+    // process who has it has been killed.
+    for (int i = 0;
+         s_nLock.exchange(1, std::memory_order_acquire) && g_moduleEnd != CUModuleEndsWithProcess;
+         ++i)
         Sleep(i < 100 ? 0 : 1);
 }
 

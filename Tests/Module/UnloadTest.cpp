@@ -142,6 +142,11 @@ public:
     {
         return reinterpret_cast<LPTIMECALLBACK (*)()>(GetProcAddress(m_hModule, "TimerCallback"))();
     }
+    LPTHREAD_START_ROUTINE StopInTheMiddle() const
+    {
+        return reinterpret_cast<LPTHREAD_START_ROUTINE>(
+            GetProcAddress(m_hModule, "StopInTheMiddle@4"));
+    }
     HMODULE m_hModule;
 
 private:
@@ -264,7 +269,7 @@ TEST(Module, GoesInTheMiddleOfEverythingAndLeavesNothing)
     EXPECT_FALSE(PeekMessageA(&msg, hHosts, uReal, uReal, PM_REMOVE));
 }
 
-// The other thread is killed with its timers at work.
+// One other thread is killed with its timers at work, one in the middle of a change.
 void Leave(void (*leave)())
 {
     const HWND hHosts = MakeHostsWindow();
@@ -272,6 +277,9 @@ void Leave(void (*leave)())
     const CModule module;
     module.Use(0, hHosts);
     living.Run([&] { module.Use(1, living.Window()); });
+    const HANDLE hStopped = CreateEventA(nullptr, FALSE, FALSE, nullptr);
+    CreateThread(nullptr, 0, module.StopInTheMiddle(), hStopped, 0, nullptr);
+    WaitForSingleObject(hStopped, INFINITE);
     leave();
 }
 

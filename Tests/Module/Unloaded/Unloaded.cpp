@@ -3,6 +3,7 @@
 
 #include <new>
 
+#include "../../../CUI/Src/WindowMap.h"
 #include "CU/Assert.h"
 #include "CU/CU.h"
 #include "CU/CrashReport.h"
@@ -127,4 +128,13 @@ extern "C" __declspec(dllexport) int TimesServed(int nPart)
 extern "C" __declspec(dllexport) LPTIMECALLBACK TimerCallback()
 {
     return s_callback;
+}
+
+// A thread that the end of the process finds in the middle of a change of the framework's data.
+extern "C" __declspec(dllexport) DWORD WINAPI StopInTheMiddle(void *hStopped)
+{
+    const CUIWindowMapLock lock;
+    SetEvent(hStopped);
+    Sleep(INFINITE);
+    return 0;
 }
