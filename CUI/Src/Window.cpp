@@ -71,7 +71,7 @@ bool CUIIsStillBound(HWND hWnd, CCUIWindow *pWindow)
     const DWORD nError = GetLastError();
     const bool bBound = GetPropA(hWnd, PropertyName()) == pWindow;
     if (!bBound)
-        CUIWindowMapRemoveDoubted(hWnd);
+        CUIWindowMapRemoveDoubted(hWnd, pWindow);
     SetLastError(nError);
     return bBound;
 }

@@ -104,8 +104,11 @@ std::atomic<unsigned> CUIWindowTable::s_nChanges;
 
 CUIWindowMapLock::CUIWindowMapLock()
 {
-    // Sleep(0) lets nobody of a lower priority run, and that may be who has it.
-    for (int i = 0; s_nLock.exchange(1, std::memory_order_acquire); ++i)
+    // Sleep(0) lets nobody of a lower priority run, and that may be who has it. At the end of a
+    // process who has it has been killed.
+    for (int i = 0;
+         s_nLock.exchange(1, std::memory_order_acquire) && g_moduleEnd != CUModuleEndsWithProcess;
+         ++i)
         Sleep(i < 100 ? 0 : 1);
 }
 
@@ -128,17 +131,19 @@ bool CUIWindowMapGet(HWND hWnd, CUIWindowBinding &binding)
 void CUIWindowMapSet(HWND hWnd, const CUIWindowBinding &binding)
 {
     CUIWindowThread &thread = CUIWindowThread::Current();
-    thread.Watch();
-    const CChange change;
-    thread.Bind();
-    CUIWindowThread *const pBefore = FindSlot(hWnd).pThread;
-    if (pBefore)
-        pBefore->Unbind();
-    else if (++s_nUsed > CUIWindowTable::Current().nMask / 2)
-        Grow(CUIWindowTable::Current());
-    const auto nWindow = reinterpret_cast<uintptr_t>(binding.pWindow);
-    Store(FindSlot(hWnd), hWnd, nWindow ? nWindow : CUIWindowSlot::DOUBTED, binding.pOldProc,
-          &thread);
+    {
+        const CChange change;
+        thread.Bind();
+        CUIWindowThread *const pBefore = FindSlot(hWnd).pThread;
+        if (pBefore)
+            pBefore->Unbind();
+        else if (++s_nUsed > CUIWindowTable::Current().nMask / 2)
+            Grow(CUIWindowTable::Current());
+        const auto nWindow = reinterpret_cast<uintptr_t>(binding.pWindow);
+        Store(FindSlot(hWnd), hWnd, nWindow ? nWindow : CUIWindowSlot::DOUBTED, binding.pOldProc,
+              &thread);
+    }
+    thread.Watch();  // now that nobody takes the thread's last binding away any more
 }
 
 void CUIWindowMapRemove(HWND hWnd)
@@ -149,11 +154,11 @@ void CUIWindowMapRemove(HWND hWnd)
         Free(CUIWindowTable::Current(), slot);
 }
 
-void CUIWindowMapRemoveDoubted(HWND hWnd)
+void CUIWindowMapRemoveDoubted(HWND hWnd, const CCUIWindow *pWindow)
 {
     const CChange change;
     CUIWindowSlot &slot = FindSlot(hWnd);
-    if (slot.nWindow & CUIWindowSlot::DOUBTED)
+    if (slot.nWindow == (reinterpret_cast<uintptr_t>(pWindow) | CUIWindowSlot::DOUBTED))
         Free(CUIWindowTable::Current(), slot);
 }
 

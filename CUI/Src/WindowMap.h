@@ -23,8 +23,9 @@ bool CUIWindowMapGet(HWND hWnd, CUIWindowBinding &binding);
 // To be called on the thread of the window.
 void CUIWindowMapSet(HWND hWnd, const CUIWindowBinding &binding);
 void CUIWindowMapRemove(HWND hWnd);
-// The same, but leaves a binding alone that is not doubted.
-void CUIWindowMapRemoveDoubted(HWND hWnd);
+// The same for a binding to this object that is doubted: what the window's thread has made of it
+// meanwhile stays.
+void CUIWindowMapRemoveDoubted(HWND hWnd, const CCUIWindow *pWindow);
 // The window is about to be destroyed, and with it those inside, of which nobody else tells: doubts
 // their bindings. Those of windows that went before, unheard, are dropped.
 void CUIWindowMapDoubt(HWND hWnd);

@@ -37,6 +37,15 @@ HANDLE WINAPI CountGetProp(HWND hWnd, LPCSTR name)
     return s_getProp(hWnd, name);
 }
 
+// Does something, once, before it answers.
+std::function<void()> s_onGetProp;
+HANDLE WINAPI ActingGetProp(HWND hWnd, LPCSTR name)
+{
+    if (const auto act = std::exchange(s_onGetProp, nullptr))
+        act();
+    return s_getProp(hWnd, name);
+}
+
 // Asks all who hear of a destruction, and does not let it happen.
 LRESULT CALLBACK Veto(int nCode, WPARAM wParam, LPARAM lParam)
 {
@@ -316,6 +325,32 @@ TEST(WindowLife, LeavesAnotherWindowOfTheSameHandleAlone)
     }
     EXPECT_TRUE(IsWindow(hWnd));
     EXPECT_EQ(Texts{"Window: Exist()"}, reports.Asserts());
+    DestroyWindow(hWnd);
+}
+
+// The window's thread lets go of it while another asks the system about it: our procedure goes on
+// handing messages to the one before it.
+TEST(WindowLife, KeepsItsProcedureWhileAnotherThreadAsks)
+{
+    const HWND hWnd =
+        CreateWindowA("EDIT", "", WS_POPUP, 0, 0, 9, 9, nullptr, nullptr, nullptr, nullptr);
+    CScripted<> window;
+    window.Attach(hWnd);
+    {
+        const CThreadHook veto(Veto);
+        EXPECT_FALSE(DestroyWindow(hWnd));
+    }
+    static WNDPROC s_pBelow;
+    s_pBelow = reinterpret_cast<WNDPROC>(SetWindowLongA(
+        hWnd, GWL_WNDPROC,
+        reinterpret_cast<LONG>(+[](HWND h, UINT message, WPARAM wParam, LPARAM lParam) -> LRESULT {
+            return CallWindowProcA(s_pBelow, h, message, wParam, lParam);
+        })));
+    const CImportHook acting("GetPropA", ActingGetProp);
+    s_getProp = acting.Original<HANDLE WINAPI(HWND, LPCSTR)>();
+    s_onGetProp = [&] { window.Detach(); };
+    EXPECT_EQ(nullptr, CCUIWindow::FromHandle(hWnd));
+    EXPECT_NE(0, SendMessageA(hWnd, EM_GETLIMITTEXT, 0, 0));
     DestroyWindow(hWnd);
 }
 

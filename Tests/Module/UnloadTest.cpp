@@ -143,6 +143,11 @@ public:
     {
         return reinterpret_cast<LPTIMECALLBACK (*)()>(GetProcAddress(m_hModule, "TimerCallback"))();
     }
+    LPTHREAD_START_ROUTINE StopInTheMiddle() const
+    {
+        return reinterpret_cast<LPTHREAD_START_ROUTINE>(
+            GetProcAddress(m_hModule, "StopInTheMiddle@4"));
+    }
     HMODULE m_hModule;
 
 private:
@@ -265,7 +270,7 @@ TEST(Module, GoesInTheMiddleOfEverythingAndLeavesNothing)
     EXPECT_FALSE(PeekMessageA(&msg, hHosts, uReal, uReal, PM_REMOVE));
 }
 
-// The other thread is killed with its timers at work.
+// One other thread is killed with its timers at work, one in the middle of a change.
 void Leave(void (*leave)())
 {
     const HWND hHosts = MakeHostsWindow();
@@ -274,6 +279,10 @@ void Leave(void (*leave)())
     module.Use(0, hHosts);
     living.Run([&] { module.Use(1, living.Window()); });
     living.Hold();
+    volatile LONG bStopped = FALSE;
+    CreateThread(nullptr, 0, module.StopInTheMiddle(), const_cast<LONG *>(&bStopped), 0, nullptr);
+    while (!bStopped)
+        Sleep(1);
     WaitForThreadBirths();
     leave();
 }

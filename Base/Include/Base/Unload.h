@@ -8,8 +8,9 @@
 // system takes everything back; FreeLibrary takes the code away and leaves what points to it. Each
 // source that hands something to the system has a function here that takes it back. Module.cpp,
 // which is linked into modules alone, calls those that are linked; in a program nobody calls them,
-// and the linker drops them. They run under the loader's lock: none waits for another thread.
-// Private to the framework.
+// and the linker drops them. They run under the loader's lock: none waits for another thread, but
+// where a window's parent or children are another thread's the system does. Private to the
+// framework.
 
 #if defined(CU_MODULE)
 #define CU_UNLOAD __attribute__((weak))

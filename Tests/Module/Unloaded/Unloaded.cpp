@@ -3,6 +3,7 @@
 
 #include <new>
 
+#include "../../../CUI/Src/WindowMap.h"
 #include "CU/Assert.h"
 #include "CU/CU.h"
 #include "CU/CrashReport.h"
@@ -127,4 +128,15 @@ extern "C" __declspec(dllexport) int TimesServed(int nPart)
 extern "C" __declspec(dllexport) LPTIMECALLBACK TimerCallback()
 {
     return s_callback;
+}
+
+// A thread that the end of the process finds in the middle of a change of the framework's data.
+// Not in a call of Wine 8, which may crash when it ends a thread there.
+extern "C" __declspec(dllexport) DWORD WINAPI StopInTheMiddle(void *pStopped)
+{
+    const CUIWindowMapLock lock;
+    *static_cast<volatile LONG *>(pStopped) = TRUE;
+    for (volatile bool bForEver = true; bForEver;) {
+    }
+    return 0;
 }
