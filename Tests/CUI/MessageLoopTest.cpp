@@ -155,7 +155,7 @@ TEST(MessageLoop, RunsOneIdlePassABurstOfActivity)
 
 TEST(MessageLoop, TracesWhatTakesMoreThanASecond)
 {
-    const CMultimediaHook clock(&CCUMultimedia::getTime, Now);
+    const CMultimediaHook clock(g_multimedia.getTime, Now);
     CCUDebugSwitch *pSwitch = CCUDebugSwitch::Find("\\Debug\\Window", "MessageDebug");
     ASSERT_TRUE(pSwitch);
     CDumped trace;

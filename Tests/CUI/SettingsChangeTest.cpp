@@ -64,7 +64,7 @@ TEST(SettingsChange, RefreshesTheSharedDataOnceAChangeAndTellsTheWindowsInside)
             EXPECT_EQ(nTimes, std::exchange(pWindow->m_nSeen, 0));
     };
     {
-        const CMultimediaHook stamp(&CCUMultimedia::getTime, Stamp);
+        const CMultimediaHook stamp(g_multimedia.getTime, Stamp);
         const CSysColors colors;
         expectTold(1);
         EXPECT_EQ(1u, g_nStamps);

@@ -10,7 +10,7 @@
 class CFakeClock
 {
 public:
-    CFakeClock() : m_nNow(MultimediaTime()) { s_pClock = this; }
+    CFakeClock() : m_nNow(Begin(this)) {}
 
     // Moves the clock and nothing else: a timer that should have fired is late.
     void Jump(DWORD nMilliseconds) { m_nNow += nMilliseconds; }
@@ -45,6 +45,13 @@ public:
     bool m_bFailing = false;     // no timer is to be had, as while one is pending
 
 private:
+    // Before the hooks, of which each reads the time that those before it have changed.
+    static DWORD Begin(CFakeClock *pClock)
+    {
+        const DWORD nNow = MultimediaTime();
+        s_pClock = pClock;
+        return nNow;
+    }
     static DWORD WINAPI GetTime() { return s_pClock->m_nNow; }
     static MMRESULT WINAPI SetEvent(UINT nDelay, UINT, LPTIMECALLBACK callback, DWORD_PTR user,
                                     UINT)
@@ -71,7 +78,7 @@ private:
     UINT m_nID = 0;
     LPTIMECALLBACK m_callback = nullptr;
     DWORD_PTR m_user = 0;
-    CMultimediaHook<decltype(&::timeGetTime)> m_getTime{&CCUMultimedia::getTime, GetTime};
-    CMultimediaHook<decltype(&::timeSetEvent)> m_setEvent{&CCUMultimedia::setEvent, SetEvent};
-    CMultimediaHook<decltype(&::timeKillEvent)> m_killEvent{&CCUMultimedia::killEvent, KillEvent};
+    CMultimediaHook<decltype(&::timeGetTime)> m_getTime{g_multimedia.getTime, GetTime};
+    CMultimediaHook<decltype(&::timeSetEvent)> m_setEvent{g_multimedia.setEvent, SetEvent};
+    CMultimediaHook<decltype(&::timeKillEvent)> m_killEvent{g_multimedia.killEvent, KillEvent};
 };

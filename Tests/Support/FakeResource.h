@@ -11,7 +11,8 @@
 class CFakeResource
 {
 public:
-    explicit CFakeResource(const std::vector<BYTE> &bytes) : m_buffer(bytes.size())
+    // Resources begin at even words, so up to three bytes stand between the end and the guard.
+    explicit CFakeResource(const std::vector<BYTE> &bytes) : m_buffer((bytes.size() + 3) & ~3U)
     {
         memcpy(m_buffer.Data(), bytes.data(), bytes.size());
         s_data = m_buffer.Data();

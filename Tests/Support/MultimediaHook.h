@@ -13,17 +13,17 @@ template <typename F>
 class CMultimediaHook
 {
 public:
-    CMultimediaHook(F CCUMultimedia::*member, F function) : m_member(member)
+    CMultimediaHook(F &slot, F function) : m_slot(slot)
     {
         MultimediaTime();  // loads the library, which would write over what stands there
-        m_old = g_multimedia.*member;
-        g_multimedia.*member = function;
+        m_old = slot;
+        slot = function;
     }
-    ~CMultimediaHook() { g_multimedia.*m_member = m_old; }
+    ~CMultimediaHook() { m_slot = m_old; }
     CMultimediaHook(const CMultimediaHook &) = delete;
     CMultimediaHook &operator=(const CMultimediaHook &) = delete;
 
 private:
-    F CCUMultimedia::*const m_member;
+    F &m_slot;
     F m_old;
 };
