@@ -74,7 +74,7 @@ public:
     }
 
     // Shares the source's block; copies into this string's own block when either is locked.
-    // NOLINTNEXTLINE(bugprone-unhandled-self-assignment): told by the characters, as a copy is.
+    // NOLINTNEXTLINE(bugprone-unhandled-self-assignment): one object has the same characters, too.
     CCUString &operator=(const CCUString &stringSrc)
     {
         if (m_pchData != stringSrc.m_pchData)
