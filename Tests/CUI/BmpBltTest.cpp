@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "../../CUI/Src/BmpSharedDC.h"
+#include "../../CUI/Src/Drawing/BmpSharedDC.h"
 #include "Support/FailingCall.h"
 #include "Support/PixelMap.h"
 #include "Support/Reports.h"

@@ -5,7 +5,7 @@
 #include <memory>
 #include <set>
 
-#include "../../CUI/Src/WindowMap.h"
+#include "../../CUI/Src/Window/WindowMap.h"
 #include "CUI/Dialog.h"
 #include "Support/FailingCall.h"
 #include "Support/Fuzz.h"

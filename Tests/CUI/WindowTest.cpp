@@ -5,7 +5,7 @@
 #include <map>
 #include <random>
 
-#include "../../CUI/Src/WindowMap.h"
+#include "../../CUI/Src/Window/WindowMap.h"
 #include "CU/ThreadExit.h"
 #include "CUI/Menu.h"
 #include "CUI/WindowClass.h"

@@ -4,7 +4,7 @@
 #include <stdlib.h>
 #include <string.h>
 
-#include "../../CU/Src/StringBlock.h"
+#include "../../CU/Src/Text/StringBlock.h"
 #include "Support/ImportHook.h"
 
 // Stands in for the heap of this program, on all threads: counts the blocks, puts them right

@@ -3,7 +3,7 @@
 
 #include <new>
 
-#include "../../../CUI/Src/WindowMap.h"
+#include "../../../CUI/Src/Window/WindowMap.h"
 #include "CU/Assert.h"
 #include "CU/CU.h"
 #include "CU/CrashReport.h"

@@ -1,0 +1,64 @@
+#include "Base/Multimedia.h"
+
+#include "Base/Unload.h"
+#include "Process/SystemLibrary.h"
+#include "Process/ThreadEnd.h"
+
+namespace {
+
+MMRESULT WINAPI NoSetEvent(UINT, UINT, LPTIMECALLBACK, DWORD_PTR, UINT)
+{
+    return 0;
+}
+
+MMRESULT WINAPI NoKillEvent(UINT)
+{
+    return TIMERR_NOCANDO;
+}
+
+BOOL WINAPI NoPlaySound(LPCSTR, HMODULE, DWORD)
+{
+    return FALSE;
+}
+
+HMODULE s_hLibrary = nullptr;
+
+template <typename F>
+void Find(HMODULE hLibrary, const char *name, F *&function, F *substitute)
+{
+    F *const found = reinterpret_cast<F *>(hLibrary ? GetProcAddress(hLibrary, name) : nullptr);
+    function = found ? found : substitute;
+}
+
+// Threads that meet here find the same. None waits for another, which may need the loader's lock
+// that this one holds. The time comes last: who finds it in place uses the others.
+void Load()
+{
+    const HMODULE hLibrary = CULoadSystemLibrary("winmm.dll");
+    s_hLibrary = hLibrary;
+    Find(hLibrary, "timeSetEvent", g_multimedia.setEvent, NoSetEvent);
+    Find(hLibrary, "timeKillEvent", g_multimedia.killEvent, NoKillEvent);
+    Find(hLibrary, "PlaySoundA", g_multimedia.playSound, NoPlaySound);
+    Find(hLibrary, "timeGetTime", g_multimedia.getTime, GetTickCount);
+}
+
+DWORD WINAPI FirstGetTime()
+{
+    // At a thread's end no library may be loaded; the clock is the same within a tick.
+    if (CUIsAtThreadEnd())
+        return GetTickCount();
+    Load();
+    return g_multimedia.getTime();
+}
+
+}  // namespace
+
+bool g_bMultimediaInUse = false;
+CCUMultimedia g_multimedia = {FirstGetTime, NoSetEvent, NoKillEvent, NoPlaySound};
+
+// Once a timer was set the system's timer thread may be at work in the library, which then stays.
+void CUUnloadMultimedia()
+{
+    if (s_hLibrary && !g_bMultimediaInUse)
+        FreeLibrary(s_hLibrary);
+}

@@ -1,0 +1,234 @@
+#include "CU/StackTrace.h"
+
+#include <stdarg.h>
+#include <stdio.h>
+#include <string.h>
+
+#include "Base/KeepLastError.h"
+#include "Base/LazyLock.h"
+#include "Report/DebugHelp.h"
+#include "Report/Demangle.h"
+#include "Report/StackWalk.h"
+#include "Process/ThreadEnd.h"
+
+namespace {
+
+struct CLine
+{
+    char text[1024];  // more than all its parts at their longest
+    int nLength;
+};
+
+bool IsCode(DWORD dwAddress)
+{
+    MEMORY_BASIC_INFORMATION memory;
+    return VirtualQuery(reinterpret_cast<void *>(dwAddress), &memory, sizeof memory) &&
+           memory.State == MEM_COMMIT &&
+           (memory.Protect & (PAGE_EXECUTE | PAGE_EXECUTE_READ | PAGE_EXECUTE_READWRITE |
+                              PAGE_EXECUTE_WRITECOPY)) != 0;
+}
+
+void Add(CCUStackAddresses &stack, DWORD dwAddress)
+{
+    if (stack.nCount < CCUStackAddresses::Most)
+        stack.address[stack.nCount++] = dwAddress;
+}
+
+// Where the stack that holds the address ends: everything between can be read.
+DWORD EndOfStack(DWORD dwAddress)
+{
+    MEMORY_BASIC_INFORMATION memory;
+    if (!VirtualQuery(reinterpret_cast<void *>(dwAddress), &memory, sizeof memory) ||
+        memory.State != MEM_COMMIT || (memory.Protect & (PAGE_NOACCESS | PAGE_GUARD)))
+        return 0;
+    return reinterpret_cast<DWORD>(memory.BaseAddress) + memory.RegionSize;
+}
+
+// Follows the frame pointers. Needs nothing of the thread's and takes no lock, so that it works on
+// a thread that is held anywhere.
+void WalkFramePointers(const CONTEXT &context, CCUStackAddresses &stack)
+{
+    const DWORD FrameSize = 2 * sizeof(DWORD);
+    Add(stack, context.Eip);
+    // A call through a bad pointer has just left its return address.
+    if (!IsCode(context.Eip) && context.Esp % 4 == 0 && EndOfStack(context.Esp))
+        Add(stack, *reinterpret_cast<const DWORD *>(context.Esp));
+    const DWORD dwEnd = EndOfStack(context.Ebp);
+    DWORD dwLowest = context.Esp;
+    DWORD dwFrame = context.Ebp;
+    while (dwFrame >= dwLowest && dwFrame % 4 == 0 && dwEnd >= FrameSize &&
+           dwFrame <= dwEnd - FrameSize && stack.nCount < CCUStackAddresses::Most)
+    {
+        const DWORD *frame = reinterpret_cast<const DWORD *>(dwFrame);
+        if (!IsCode(frame[1]))
+            break;
+        Add(stack, frame[1]);
+        dwLowest = dwFrame + FrameSize;
+        dwFrame = frame[0];
+    }
+}
+
+struct CWalk
+{
+    HANDLE hThread;
+    CONTEXT context;  // the walk changes it
+    CCUStackAddresses *stack;
+};
+
+void WalkDebugHelp(void *parameter)
+{
+    CWalk &walk = *static_cast<CWalk *>(parameter);
+    STACKFRAME frame = {};
+    frame.AddrPC.Offset = walk.context.Eip;
+    frame.AddrPC.Mode = AddrModeFlat;
+    frame.AddrFrame.Offset = walk.context.Ebp;
+    frame.AddrFrame.Mode = AddrModeFlat;
+    frame.AddrStack.Offset = walk.context.Esp;
+    frame.AddrStack.Mode = AddrModeFlat;
+    while (walk.stack->nCount < CCUStackAddresses::Most &&
+           CUDebugHelpWalk(walk.hThread, frame, walk.context) && frame.AddrPC.Offset)
+        Add(*walk.stack, frame.AddrPC.Offset);
+}
+
+const char *NameOfPath(const char *path)
+{
+    const char *name = path;
+    for (; *path; ++path) {
+        if (*path == '\\' || *path == '/')
+            name = path + 1;
+    }
+    return name;
+}
+
+void Append(CLine &line, const char *format, ...) CU_PRINTF(2, 3);
+void Append(CLine &line, const char *format, ...)
+{
+    va_list args;
+    va_start(args, format);
+    const int nRoom = static_cast<int>(sizeof line.text) - 1 - line.nLength;
+    const int nLength =
+        _vsnprintf(line.text + line.nLength, static_cast<size_t>(nRoom), format, args);
+    va_end(args);
+    line.nLength += nLength < 0 ? nRoom : nLength;
+    line.text[line.nLength] = '\0';
+}
+
+// `dwInside` lies within the instruction that is meant: a return address may belong to the next
+// line, or even to the next function.
+void FormatLine(DWORD dwAddress, DWORD dwInside, CLine &line)
+{
+    line.nLength = 0;
+    Append(line, "%08lx", dwAddress);
+    if (CUIsAtThreadEnd())
+        return;
+    MEMORY_BASIC_INFORMATION memory;
+    char szPath[MAX_PATH];
+    // No base means free memory, and would mean the program itself.
+    if (!VirtualQuery(reinterpret_cast<void *>(dwInside), &memory, sizeof memory) ||
+        !memory.AllocationBase ||
+        !GetModuleFileNameA(static_cast<HMODULE>(memory.AllocationBase), szPath, MAX_PATH))
+        return;
+    szPath[MAX_PATH - 1] = '\0';
+    Append(line, " %s", NameOfPath(szPath));
+
+    CCUPlace place;
+    place.dwAddress = dwInside;
+    place.szFunction[0] = place.szFile[0] = '\0';
+    CUAskDebugHelp(CUDebugHelpFindPlace, &place);
+    if (!place.szFunction[0]) {
+        Append(line, "+0x%lx", dwAddress - reinterpret_cast<DWORD>(memory.AllocationBase));
+        return;
+    }
+    char szFunction[256];
+    CUDemangle(place.szFunction, szFunction, sizeof szFunction);
+    Append(line, " %s+0x%lx", szFunction, place.dwOffset + (dwAddress - dwInside));
+    if (place.szFile[0])
+        Append(line, " %s(%lu)", NameOfPath(place.szFile), place.nLine);
+}
+
+// Two threads that held each other would stand for ever.
+CCULazyLock s_holdLock;
+
+bool IsCallingThread(HANDLE hThread)
+{
+    if (hThread == GetCurrentThread())
+        return true;
+    typedef DWORD(WINAPI * CGetThreadId)(HANDLE);
+    const CGetThreadId getThreadId = reinterpret_cast<CGetThreadId>(
+        GetProcAddress(GetModuleHandleA("kernel32.dll"), "GetThreadId"));
+    return getThreadId && getThreadId(hThread) == GetCurrentThreadId();
+}
+
+// A thread that is held may hold the very locks that the debug-help library wants; its frame
+// pointers want none.
+bool WalkOtherThread(HANDLE hThread, CCUStackAddresses &stack)
+{
+    CONTEXT context = {};
+    context.ContextFlags = CONTEXT_FULL;
+    const CCULockGuard hold(s_holdLock);
+    if (SuspendThread(hThread) == static_cast<DWORD>(-1))
+        return false;
+    const bool bKnown = GetThreadContext(hThread, &context) != 0;
+    if (bKnown)
+        WalkFramePointers(context, stack);
+    ResumeThread(hThread);
+    stack.bFirstIsExact = true;
+    return bKnown;
+}
+
+}  // namespace
+
+void CUWalkStack(HANDLE hThread, const CONTEXT &context, CCUStackAddresses &stack)
+{
+    stack.nCount = 0;
+    CWalk walk = {hThread, context, &stack};
+    if (!CUIsAtThreadEnd())
+        CUAskDebugHelp(WalkDebugHelp, &walk);
+    // Without the library, or where it knows no further than the first call.
+    if (stack.nCount < 2) {
+        stack.nCount = 0;
+        WalkFramePointers(context, stack);
+    }
+}
+
+int CUFormatStack(const CCUStackAddresses &stack, char *buffer, unsigned int size)
+{
+    unsigned int nUsed = 0;
+    int nLines = 0;
+    for (; nLines < stack.nCount; ++nLines) {
+        const DWORD dwAddress = stack.address[nLines];
+        const bool bExact = nLines == 0 && stack.bFirstIsExact;
+        CLine line;
+        FormatLine(dwAddress, bExact ? dwAddress : dwAddress - 1, line);
+        Append(line, "\n");
+        const unsigned int nLength = static_cast<unsigned int>(line.nLength);
+        if (nUsed + nLength >= size)
+            break;
+        memcpy(buffer + nUsed, line.text, nLength);
+        nUsed += nLength;
+    }
+    if (size > 0)
+        buffer[nUsed] = '\0';
+    return nLines;
+}
+
+__attribute__((noinline)) int CUGetStackTrace(HANDLE hThread, char *buffer, unsigned int size)
+{
+    const CCUKeepLastError keepLastError;
+    CCUStackAddresses stack = {};
+    // Any other handle may be the thread's own too, which only the loader could tell.
+    const bool bUnknown = hThread != GetCurrentThread() && CUIsAtThreadEnd();
+    if (bUnknown || !IsCallingThread(hThread)) {
+        if (!bUnknown)
+            WalkOtherThread(hThread, stack);
+        return CUFormatStack(stack, buffer, size);
+    }
+    // As the thread will stand when this function has returned.
+    CONTEXT context = {};
+    const DWORD dwFrame = reinterpret_cast<DWORD>(__builtin_frame_address(0));
+    context.Eip = reinterpret_cast<DWORD>(__builtin_return_address(0));
+    context.Ebp = *reinterpret_cast<const DWORD *>(dwFrame);
+    context.Esp = dwFrame + 2 * sizeof(DWORD);
+    CUWalkStack(hThread, context, stack);
+    return CUFormatStack(stack, buffer, size);
+}

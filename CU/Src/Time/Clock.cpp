@@ -1,0 +1,178 @@
+#include "CU/Clock.h"
+
+#include "Base/LazyLock.h"
+#include "Time/Epoch.h"
+
+namespace {
+
+// Windows 95 has no call for the adjustment, so the clock's functions are looked for.
+template <typename F>
+F *FindInKernel(const char *name)
+{
+    const HMODULE module = GetModuleHandleA("kernel32.dll");
+    return reinterpret_cast<F *>(module ? GetProcAddress(module, name) : nullptr);
+}
+
+typedef BOOL WINAPI GetAdjustmentCall(PDWORD, PDWORD, PBOOL);
+typedef BOOL WINAPI SetAdjustmentCall(DWORD, BOOL);
+
+// The token of this process, closed at the end.
+class CProcessToken
+{
+public:
+    explicit CProcessToken(DWORD dwAccess) : m_hToken(nullptr)
+    {
+        if (!OpenProcessToken(GetCurrentProcess(), dwAccess, &m_hToken))
+            m_hToken = nullptr;
+    }
+    ~CProcessToken()
+    {
+        if (m_hToken)
+            CloseHandle(m_hToken);
+    }
+    CProcessToken(const CProcessToken &) = delete;
+    CProcessToken &operator=(const CProcessToken &) = delete;
+
+    // Whether the calls went well; AdjustTokenPrivileges calls it success when the user has no such
+    // privilege.
+    bool EnableSystemTime() const
+    {
+        TOKEN_PRIVILEGES privileges = {};
+        privileges.PrivilegeCount = 1;
+        privileges.Privileges[0].Attributes = SE_PRIVILEGE_ENABLED;
+        return m_hToken &&
+               LookupPrivilegeValueA(nullptr, "SeSystemtimePrivilege",
+                                     &privileges.Privileges[0].Luid) &&
+               AdjustTokenPrivileges(m_hToken, FALSE, &privileges, 0, nullptr, nullptr);
+    }
+
+private:
+    HANDLE m_hToken;
+};
+
+// The value truncated to an integer within the limits; what is no number becomes the lowest.
+template <typename T>
+T Truncated(double value, double lowest, double highest)
+{
+    if (!(value > lowest))
+        return static_cast<T>(lowest);
+    return static_cast<T>(value < highest ? value : highest);
+}
+
+double SystemTick()
+{
+    double increment = 0;
+    double adjustment = 0;
+    // Windows 95 advances its clock with the timer interrupt.
+    return CUGetSystemTimeAdjustment(increment, adjustment) ? increment * 1e-7 : 0.055;
+}
+
+double CounterSeconds()
+{
+    LARGE_INTEGER frequency;
+    LARGE_INTEGER counter;
+    if (!QueryPerformanceFrequency(&frequency) || !QueryPerformanceCounter(&counter))
+        return 0;
+    return static_cast<double>(counter.QuadPart) / static_cast<double>(frequency.QuadPart);
+}
+
+}  // namespace
+
+long long CUEpochTicks()
+{
+    static long long s_nEpoch;
+    static volatile LONG s_bKnown;
+    if (!s_bKnown) {
+        SYSTEMTIME epoch = {};
+        epoch.wYear = 1970;
+        epoch.wMonth = 1;
+        epoch.wDay = 1;
+        FILETIME file = {};
+        SystemTimeToFileTime(&epoch, &file);
+        // Threads that meet here write the same; none reads before it is whole.
+        s_nEpoch = CUFileTimeToTicks(file);
+        InterlockedExchange(&s_bKnown, 1);
+    }
+    return s_nEpoch;
+}
+
+double CUFileTimeToSeconds(const FILETIME &time)
+{
+    // A time from the far end of the 64 bits wraps.
+    const long long nTicks =
+        static_cast<long long>(static_cast<unsigned long long>(CUFileTimeToTicks(time)) -
+                               static_cast<unsigned long long>(CUEpochTicks()));
+    // By way of memory: the register's bits beyond a double would show in comparisons.
+    const volatile double seconds = static_cast<double>(nTicks) * 1e-7;
+    return seconds;
+}
+
+double CUGetSystemTimeSeconds()
+{
+    FILETIME now;
+    GetSystemTimeAsFileTime(&now);
+    return CUFileTimeToSeconds(now);
+}
+
+double CUDoubleTime()
+{
+    static CCULazyLock s_lock;
+    static double s_tick;
+    // What is to be added to the counter.
+    static double s_base;
+    const CCULockGuard guard(s_lock);
+    if (s_tick <= 0)
+        s_tick = SystemTick();
+    const double system = CUGetSystemTimeSeconds();
+    const double counter = CounterSeconds();
+    // Counter and clock drift apart: the base follows as soon as the sum leaves the present tick.
+    if (s_base + counter < system)
+        s_base = system - counter;
+    else if (s_base + counter > system + s_tick)
+        s_base = system + s_tick - counter;
+    return s_base + counter;
+}
+
+bool CUGetSystemTimeAdjustment(double &increment, double &adjustment)
+{
+    GetAdjustmentCall *const pGet = FindInKernel<GetAdjustmentCall>("GetSystemTimeAdjustment");
+    DWORD dwAdjustment = 0;
+    DWORD dwIncrement = 0;
+    BOOL bDisabled = FALSE;
+    if (!pGet || !pGet(&dwAdjustment, &dwIncrement, &bDisabled))
+        return false;
+    increment = dwIncrement;
+    adjustment = dwAdjustment;
+    return true;
+}
+
+bool CUSetSystemTimeAdjustment(double adjustment)
+{
+    const CProcessToken token(TOKEN_ADJUST_PRIVILEGES);
+    if (!token.EnableSystemTime())
+        return false;
+    SetAdjustmentCall *const pSet = FindInKernel<SetAdjustmentCall>("SetSystemTimeAdjustment");
+    if (pSet)
+        pSet(Truncated<DWORD>(adjustment, 0, 4294967295.0), FALSE);
+    return true;
+}
+
+bool CUSetSystemTime(double seconds)
+{
+    // Either limit gives a time with the highest bit set, which the system does not know.
+    const unsigned long long nTicks =
+        static_cast<unsigned long long>(CUEpochTicks()) +
+        static_cast<unsigned long long>(Truncated<long long>(seconds * 1e7, -9.2e18, 9.2e18));
+    FILETIME file;
+    file.dwLowDateTime = static_cast<DWORD>(nTicks);
+    file.dwHighDateTime = static_cast<DWORD>(nTicks >> 32);
+    SYSTEMTIME time = {};
+    // A time that the system does not know stays a record of zeros, which SetSystemTime refuses.
+    FileTimeToSystemTime(&file, &time);
+    // Asked for all the same where the privilege cannot be had: not every system wants it.
+    CProcessToken(TOKEN_ALL_ACCESS).EnableSystemTime();
+    if (!SetSystemTime(&time))
+        return false;
+    SendNotifyMessageA(HWND_BROADCAST, WM_TIMECHANGE, 0, 0);
+    return true;
+}

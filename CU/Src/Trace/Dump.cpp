@@ -1,0 +1,301 @@
+#include "CU/Dump.h"
+
+#include <stdarg.h>
+#include <stdio.h>
+#include <stdlib.h>
+
+#include "Base/Array.h"
+#include "Base/KeepLastError.h"
+#include "Base/LazyLock.h"
+#include "CU/Assert.h"
+#include "CU/String.h"
+#include "Trace/LogFiles.h"
+
+#define CU_SOURCE "Dump"
+
+namespace {
+
+const int DumpBufferSize = 2048;
+// How deep the overrun callback is told of files that its own texts have filled; one that always
+// dumps more than a file may hold would have no end.
+const int MostOverruns = 8;
+
+struct CDumpWindow
+{
+    HWND hWnd;
+    unsigned int uMessage;
+};
+
+bool operator==(const CDumpWindow &w1, const CDumpWindow &w2)
+{
+    return w1.hWnd == w2.hWnd && w1.uMessage == w2.uMessage;
+}
+
+template <typename T>
+int IndexOf(const CCUArray<T> &list, const T &item)
+{
+    for (int i = 0; i < list.Count(); ++i) {
+        if (list[i] == item)
+            return i;
+    }
+    return -1;
+}
+
+// Everything that a text is brought to. Used under the lock only.
+class CDumpOutputs
+{
+public:
+    CDumpOutputs();
+
+    // True when the log file had run over. From inside itself it does nothing.
+    bool Distribute(const CCUString &sText);
+    void TellOverrun();
+
+    void Add(CCUDumpCallback *pCallback) { m_callbacks.Add(pCallback); }
+    void Remove(CCUDumpCallback *pCallback);
+    void Add(const CDumpWindow &window) { m_windows.Add(window); }
+    void Remove(const CDumpWindow &window);
+
+    CCULogFiles m_logFiles;
+    CCUDumpFileOverrunCallback *m_pOverrunCallback;
+
+private:
+    void PostToWindows(const CCUString &sText) const;
+    void CallCallbacks(const CCUString &sText);
+
+    CCUArray<CDumpWindow> m_windows;
+    CCUArray<CCUDumpCallback *> m_callbacks;
+    // Where the walk over the callbacks stands, and what it will not go beyond: callbacks come and
+    // go during it.
+    int m_nNextCallback;
+    int m_nEndCallback;
+    bool m_bBusy;
+    int m_nTellingOverrun;
+};
+
+CDumpOutputs::CDumpOutputs()
+    : m_pOverrunCallback(nullptr),
+      m_nNextCallback(0),
+      m_nEndCallback(0),
+      m_bBusy(false),
+      m_nTellingOverrun(0)
+{
+}
+
+bool CDumpOutputs::Distribute(const CCUString &sText)
+{
+    if (m_bBusy)
+        return false;
+    m_bBusy = true;
+    const bool bOverrun = m_logFiles.Write(sText);
+    PostToWindows(sText);
+    CallCallbacks(sText);
+    m_bBusy = false;
+    return bOverrun;
+}
+
+void CDumpOutputs::PostToWindows(const CCUString &sText) const
+{
+    // NOLINTNEXTLINE(clang-analyzer-cplusplus.NewDeleteLeaks): a posted text is the window's
+    for (int i = 0; i < m_windows.Count(); ++i) {
+        const CDumpWindow &window = m_windows[i];
+        if (!window.hWnd)
+            continue;
+        const CCUString *pText = new CCUString(sText);
+        if (!PostMessageA(window.hWnd, window.uMessage, 0, reinterpret_cast<LPARAM>(pText)))
+            delete pText;
+    }
+}
+
+void CDumpOutputs::CallCallbacks(const CCUString &sText)
+{
+    m_nEndCallback = m_callbacks.Count();
+    for (m_nNextCallback = 0; m_nNextCallback < m_nEndCallback;)
+        m_callbacks[m_nNextCallback++]->OnDump(sText);
+}
+
+void CDumpOutputs::TellOverrun()
+{
+    if (!m_pOverrunCallback || m_nTellingOverrun >= MostOverruns)
+        return;
+    ++m_nTellingOverrun;
+    m_pOverrunCallback->OnFileOverrun();
+    --m_nTellingOverrun;
+}
+
+void CDumpOutputs::Remove(CCUDumpCallback *pCallback)
+{
+    const int nIndex = IndexOf(m_callbacks, pCallback);
+    if (nIndex < 0)
+        return;
+    m_callbacks.Remove(nIndex, 1);
+    if (nIndex < m_nNextCallback)
+        --m_nNextCallback;
+    if (nIndex < m_nEndCallback)
+        --m_nEndCallback;
+}
+
+void CDumpOutputs::Remove(const CDumpWindow &window)
+{
+    const int nIndex = IndexOf(m_windows, window);
+    if (nIndex >= 0)
+        m_windows.Remove(nIndex, 1);
+}
+
+CCULazyLock s_lock;
+CDumpOutputs *s_pOutputs = nullptr;  // made by the first use, under the lock
+LONG s_nUsers = 0;                   // threads in here, the waiting ones too
+LONG s_bGone = 0;                    // the process ends: nothing is made or touched any more
+
+// Entry into the trace: the lock and the outputs. After the end of the process has begun there are
+// none, and only the debugger gets texts.
+class CDumpUse
+{
+public:
+    CDumpUse() : m_pOutputs(nullptr)
+    {
+        InterlockedIncrement(&s_nUsers);
+        if (InterlockedExchangeAdd(&s_bGone, 0))
+            return;
+        s_lock.Enter();
+        if (!s_pOutputs)
+            s_pOutputs = new CDumpOutputs;
+        m_pOutputs = s_pOutputs;
+    }
+    ~CDumpUse()
+    {
+        if (m_pOutputs)
+            s_lock.Leave();
+        InterlockedDecrement(&s_nUsers);
+    }
+    CDumpUse(const CDumpUse &) = delete;
+    CDumpUse &operator=(const CDumpUse &) = delete;
+
+    explicit operator bool() const { return m_pOutputs != nullptr; }
+    CDumpOutputs *operator->() const { return m_pOutputs; }
+
+private:
+    CCUKeepLastError m_keepLastError;
+    CDumpOutputs *m_pOutputs;
+};
+
+// A thread that is inside keeps everything for as long as the process lasts; every text has been
+// flushed.
+void DeleteOutputs()
+{
+    InterlockedExchange(&s_bGone, 1);
+    if (InterlockedExchangeAdd(&s_nUsers, 0) != 0)
+        return;
+    delete s_pOutputs;
+    s_pOutputs = nullptr;
+    s_lock.Delete();
+}
+
+// The first to be registered is the last to be called: behind the destructors of all global
+// objects, which may still dump.
+__attribute__((constructor(101))) void DeleteOutputsAtExit()
+{
+    atexit(DeleteOutputs);
+}
+
+CCUString CopyText(const char *text, int length)
+{
+    if (!text)
+        return CCUString();
+    return length < 0 ? CCUString(text) : CCUString(text, length);
+}
+
+}  // namespace
+
+void CUDump(const char *format, ...)
+{
+    const CCUKeepLastError keepLastError;
+    // Filled with zeros: a conversion that the C library gives up leaves no NUL behind.
+    char szBuffer[DumpBufferSize] = "";
+    va_list args;
+    va_start(args, format);
+    const int nLength = _vsnprintf(szBuffer, DumpBufferSize - 1, format, args);
+    va_end(args);
+    CU_ASSERT_TEXT(nLength >= 0, "nLength < DumpBufferSize");
+    CUDumpString(szBuffer, -1);
+}
+
+void CUDumpString(const char *text, int length)
+{
+    const CCUKeepLastError keepLastError;
+    const CCUString sText = CopyText(text, length);
+    const CDumpUse dump;
+    const bool bOverrun = dump && dump->Distribute(sText);
+    OutputDebugStringA(sText);
+    if (bOverrun)
+        dump->TellOverrun();
+}
+
+int CUDumpConfigLogFileManagement(int daysToKeep, int filesToKeep, long maxFileSize,
+                                  bool manageAllFiles)
+{
+    const CDumpUse dump;
+    if (dump)
+        dump->m_logFiles.Configure({daysToKeep, filesToKeep, maxFileSize, manageAllFiles});
+    return 1;
+}
+
+void CUDumpGetConfigLogFileManagement(int *daysToKeep, int *filesToKeep, long *maxFileSize,
+                                      bool *manageAllFiles)
+{
+    const CDumpUse dump;
+    if (!dump)
+        return;
+    const CCULogFiles::CSettings &settings = dump->m_logFiles.GetSettings();
+    if (daysToKeep)
+        *daysToKeep = settings.nDaysToKeep;
+    if (filesToKeep)
+        *filesToKeep = settings.nFilesToKeep;
+    if (maxFileSize)
+        *maxFileSize = settings.nMaxFileSize;
+    if (manageAllFiles)
+        *manageAllFiles = settings.bManageAllFiles;
+}
+
+void CUDumpSetFileOverrunCallback(CCUDumpFileOverrunCallback *pCallback)
+{
+    const CDumpUse dump;
+    if (dump)
+        dump->m_pOverrunCallback = pCallback;
+}
+
+void CUDumpSetNewFileCallback(CCUDumpNewFileCallback *pCallback)
+{
+    const CDumpUse dump;
+    if (dump)
+        dump->m_logFiles.SetNewFileCallback(pCallback);
+}
+
+void CUDumpRegister(CCUDumpCallback *pCallback)
+{
+    const CDumpUse dump;
+    CU_ASSERT(pCallback != NULL);
+    if (dump && pCallback)
+        dump->Add(pCallback);
+}
+
+void CUDumpUnRegister(CCUDumpCallback *pCallback)
+{
+    const CDumpUse dump;
+    if (dump)
+        dump->Remove(pCallback);
+}
+
+void CUDumpRegisterWindow(HWND hWnd, unsigned int message)
+{
+    const CDumpUse dump;
+    if (dump)
+        dump->Add(CDumpWindow{hWnd, message});
+}
+
+void CUDumpUnRegisterWindow(HWND hWnd, unsigned int message)
+{
+    const CDumpUse dump;
+    if (dump)
+        dump->Remove(CDumpWindow{hWnd, message});
+}

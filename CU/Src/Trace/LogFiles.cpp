@@ -1,0 +1,251 @@
+#include "Trace/LogFiles.h"
+
+#include <fcntl.h>
+#include <io.h>
+#include <limits.h>
+#include <stdint.h>
+#include <stdlib.h>
+#include <string.h>
+
+#include "CU/Assert.h"
+#include "CU/File.h"
+#include "CU/Time.h"
+#include "Report/TraceFile.h"
+
+#define CU_SOURCE "Dump"
+
+namespace {
+
+const DWORD MillisecondsOfDay = 86400000;
+// "ZELLog-2001-12-31": what two files of one day have in common.
+const size_t DayLength = 17;
+// In pieces, or it would hold trigraphs.
+const char LogFilePattern[] =
+    "\\ZELLog-????"
+    "-??"
+    "-??"
+    "-??"
+    "-??"
+    "-??.txt";
+// Enough names for every process that may start within a second; an end for a file system that
+// claims to hold each of them.
+const int MostNames = 86400;
+
+bool FindTempDirectory(CCUString &sTempDir)
+{
+    const bool bFound = CUFindTempDirectory(sTempDir);
+    CU_ASSERT_TEXT(bFound, "GetTempPath(_MAX_PATH, sTempDir.GetBuffer(_MAX_PATH))");
+    return bFound;
+}
+
+// Opens a file that did not exist before, which is how two processes never share one. Null when it
+// cannot be made; bTaken tells whether for its name. Made by the system, as the C library does not
+// say for certain why it could not, and may leave a file behind when its own tables are full. Child
+// processes do not get the handle.
+FILE *CreateNew(const char *name, bool &bTaken)
+{
+    const HANDLE hFile =
+        CreateFileA(name, GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
+                    CREATE_NEW, FILE_ATTRIBUTE_NORMAL, nullptr);
+    bTaken = false;
+    if (hFile == INVALID_HANDLE_VALUE) {
+        const DWORD dwError = GetLastError();
+        bTaken = dwError == ERROR_FILE_EXISTS || dwError == ERROR_ALREADY_EXISTS;
+        return nullptr;
+    }
+    const int nFile = _open_osfhandle(reinterpret_cast<intptr_t>(hFile), _O_TEXT | _O_NOINHERIT);
+    FILE *file = nFile < 0 ? nullptr : _fdopen(nFile, "w+");
+    if (file)
+        return file;
+    if (nFile < 0)
+        CloseHandle(hFile);
+    else
+        _close(nFile);
+    DeleteFileA(name);
+    return nullptr;
+}
+
+// Opens a file named after `time`, or after the first second from then on that has none, which
+// `time` is then.
+FILE *CreateNamedByTime(const CCUString &sTempDir, CCUTime &time, CCUString &sName)
+{
+    for (int i = 0; i < MostNames; ++i, time += CCUTimeSpan(1)) {
+        const CCUString sTimed = time.Format("\\ZELLog-%Y-%m-%d-%H-%M-%S.txt");
+        // Past the last second that a time can hold.
+        if (sTimed.IsEmpty())
+            return nullptr;
+        // The temporary directory ends in a backslash, so the name has two there.
+        sName = CUTranslateFileName(sTempDir + sTimed);
+        bool bTaken;
+        FILE *file = CreateNew(sName, bTaken);
+        if (!bTaken)
+            return file;
+    }
+    return nullptr;
+}
+
+// What turns the times of the trace into others: the zone, and when the system was started.
+void WriteHeader(FILE *file)
+{
+    TIME_ZONE_INFORMATION zone = {};
+    GetTimeZoneInformation(&zone);
+    zone.StandardName[sizeof zone.StandardName / sizeof zone.StandardName[0] - 1] = L'\0';
+    char szName[3 * sizeof zone.StandardName / sizeof zone.StandardName[0]] = "";
+    WideCharToMultiByte(CP_ACP, 0, zone.StandardName, -1, szName, sizeof szName, nullptr, nullptr);
+    szName[sizeof szName - 1] = '\0';
+    const SYSTEMTIME &standard = zone.StandardDate;
+    const SYSTEMTIME &daylight = zone.DaylightDate;
+    fprintf(file, "**TZ** bias:%d std:%d %d:%d:%d:%d:%d day:%d %d:%d:%d:%d:%d %s\n",
+            static_cast<int>(zone.Bias), static_cast<int>(zone.StandardBias), standard.wMonth,
+            standard.wDayOfWeek, standard.wDay, standard.wHour, standard.wMinute,
+            static_cast<int>(zone.DaylightBias), daylight.wMonth, daylight.wDayOfWeek,
+            daylight.wDay, daylight.wHour, daylight.wMinute, szName);
+    fprintf(file, "Seconds since start-up: %d\n", static_cast<int>(GetTickCount() / 1000));
+}
+
+}  // namespace
+
+CCULogFiles::CCULogFiles()
+    : m_settings{30, 50, 0, false},
+      m_file(nullptr),
+      m_nTimeOfName(0),
+      m_nTimeMade(0),
+      m_nStartTime(0),
+      m_nWritten(0),
+      m_pNewFileCallback(nullptr)
+{
+}
+
+CCULogFiles::~CCULogFiles()
+{
+    if (m_file)
+        fclose(m_file);
+}
+
+void CCULogFiles::Configure(const CSettings &settings)
+{
+    m_settings = settings;
+    CCUString sTempDir;
+    if (FindTempDirectory(sTempDir))
+        Prune(sTempDir, false);
+}
+
+bool CCULogFiles::Write(const CCUString &sText)
+{
+    bool bOverrun = false;
+    if (NeedsNewFile(bOverrun))
+        OpenNewFile();
+    if (m_file) {
+        m_nWritten += fwrite(sText, 1, static_cast<size_t>(sText.GetLength()), m_file);
+        fflush(m_file);
+    }
+    return bOverrun;
+}
+
+bool CCULogFiles::NeedsNewFile(bool &bOverrun) const
+{
+    // Unsigned, so that a process that was silent for weeks counts as old too.
+    if (!m_file || GetTickCount() - m_nStartTime > MillisecondsOfDay)
+        return true;
+    bOverrun = m_settings.nMaxFileSize > 0 &&
+               m_nWritten > static_cast<unsigned long>(m_settings.nMaxFileSize);
+    return bOverrun;
+}
+
+void CCULogFiles::OpenNewFile()
+{
+    CCUString sTempDir;
+    if (!FindTempDirectory(sTempDir))
+        return;
+    Prune(sTempDir, true);
+    const long nNow = CCUTime().GetTime();
+    CCUTime time = FirstTimeForName(sTempDir, nNow);
+    CCUString sName;
+    FILE *file = CreateNamedByTime(sTempDir, time, sName);
+    if (!file)
+        return;
+    m_knownFiles.Add(sName.Mid(sTempDir.GetLength() + 1));
+    BeginFile(file, sName);
+    m_file = file;
+    m_sName = sName;
+    m_nTimeOfName = time.GetTime();
+    m_nTimeMade = nNow;
+    m_nStartTime = GetTickCount();
+    m_nWritten = 0;
+    if (m_pNewFileCallback)
+        m_pNewFileCallback->OnNewFile();
+}
+
+// Where files are made faster than one a second, their names run ahead of the clock, and pruning
+// may free the earlier ones: a file that took such a name again would sort before those it follows.
+// A clock that has been set back since is followed all the same.
+long CCULogFiles::FirstTimeForName(const CCUString &sTempDir, long nNow) const
+{
+    const bool bAhead = nNow >= m_nTimeMade && nNow <= m_nTimeOfName && m_nTimeOfName < LONG_MAX &&
+                        strncmp(m_sName, CUTranslateFileName(sTempDir),
+                                static_cast<size_t>(sTempDir.GetLength())) == 0;
+    return bAhead ? m_nTimeOfName + 1 : nNow;
+}
+
+void CCULogFiles::BeginFile(FILE *file, const CCUString &sName)
+{
+    if (!m_file) {
+        WriteHeader(file);
+        return;
+    }
+    fprintf(m_file, "\n======================================================\nContinued in %s\n",
+            static_cast<const char *>(sName));
+    fprintf(file, "Continued from %s\n======================================================\n\n",
+            static_cast<const char *>(m_sName));
+    fclose(m_file);
+}
+
+void CCULogFiles::Prune(const CCUString &sTempDir, bool bMakeRoom)
+{
+    const int nKnownBefore = m_knownFiles.Count();
+    ListFiles(sTempDir);
+    DeleteOldest(sTempDir, CountOlderThanDaysToKeep());
+    if (!m_settings.bManageAllFiles && m_knownFiles.Count() > nKnownBefore)
+        m_knownFiles.Remove(0, m_knownFiles.Count() - nKnownBefore);
+    int nMost = m_settings.nFilesToKeep;
+    if (bMakeRoom && nMost > 0)
+        --nMost;
+    if (m_knownFiles.Count() > nMost)
+        DeleteOldest(sTempDir, m_knownFiles.Count() - (nMost > 0 ? nMost : 0));
+}
+
+void CCULogFiles::ListFiles(const CCUString &sTempDir)
+{
+    m_knownFiles.Empty();
+    WIN32_FIND_DATAA data;
+    const HANDLE find = FindFirstFileA(sTempDir + LogFilePattern, &data);
+    if (find == INVALID_HANDLE_VALUE)
+        return;
+    do {
+        m_knownFiles.Add(data.cFileName);
+    } while (FindNextFileA(find, &data));
+    FindClose(find);
+    m_knownFiles.Sort([](const CCUString &s1, const CCUString &s2) { return s1 < s2; });
+}
+
+int CCULogFiles::CountOlderThanDaysToKeep() const
+{
+    int nDays = 0;
+    const char *day = "";
+    for (int i = m_knownFiles.Count() - 1; i >= 0; --i) {
+        const char *name = m_knownFiles[i];
+        if (strncmp(name, day, DayLength) == 0)
+            continue;
+        day = name;
+        if (++nDays > m_settings.nDaysToKeep)
+            return i;
+    }
+    return 0;
+}
+
+void CCULogFiles::DeleteOldest(const CCUString &sTempDir, int nCount)
+{
+    for (int i = 0; i < nCount; ++i)
+        DeleteFileA(sTempDir + "\\" + m_knownFiles[i]);
+    m_knownFiles.Remove(0, nCount);
+}

@@ -1,0 +1,89 @@
+#include <stdlib.h>
+#include <string.h>
+
+#include "Base/GdiGuards.h"
+#include "CUI/BmpBlt.h"
+#include "CUI/BmpLoad.h"
+#include "Drawing/PackedDib.h"
+
+namespace {
+
+// The largest header that GDI fills in.
+struct CDibHeader
+{
+    BITMAPINFO m_info;
+    RGBQUAD m_more[CUI_DIB_MAX_COLORS - 1];
+};
+
+DWORD HeaderSize(const BITMAPINFOHEADER &header)
+{
+    DWORD nColors = header.biClrUsed;
+    if (nColors == 0 &&
+        (header.biBitCount == 1 || header.biBitCount == 4 || header.biBitCount == 8))
+        nColors = 1U << header.biBitCount;
+    const bool bCore = header.biSize == sizeof(BITMAPCOREHEADER);
+    return header.biSize + nColors * (bCore ? sizeof(RGBTRIPLE) : sizeof(RGBQUAD));
+}
+
+BITMAPINFOHEADER *ToDib(HDC hDC, HBITMAP hbm, DWORD &dwHeaderSize)
+{
+    BITMAP bm;
+    if (GetObjectA(hbm, sizeof bm, &bm) != sizeof bm)
+        return nullptr;
+    CDibHeader filled = {};
+    BITMAPINFOHEADER &header = filled.m_info.bmiHeader;
+    header.biSize = sizeof header;
+    header.biWidth = bm.bmWidth;
+    header.biHeight = bm.bmHeight;
+    header.biPlanes = 1;
+    header.biBitCount = static_cast<WORD>(bm.bmPlanes * bm.bmBitsPixel);
+    header.biCompression = BI_RGB;
+    const UINT nRows = static_cast<UINT>(bm.bmHeight);
+    GetDIBits(hDC, hbm, 0, nRows, nullptr, &filled.m_info, DIB_RGB_COLORS);
+    const ULONGLONG nImage = header.biSizeImage ? header.biSizeImage : CUIDibImageSize(header);
+    dwHeaderSize = HeaderSize(header);
+    const ULONGLONG nBlock = dwHeaderSize + nImage;
+    if (dwHeaderSize > sizeof filled || nBlock > static_cast<size_t>(-1))
+        return nullptr;
+    header.biSizeImage = static_cast<DWORD>(nImage);
+    // Never smaller than what GDI may write as a header.
+    char *pBlock = static_cast<char *>(
+        malloc(nBlock > sizeof filled ? static_cast<size_t>(nBlock) : sizeof filled));
+    if (!pBlock)
+        return nullptr;
+    memcpy(pBlock, &filled, dwHeaderSize);
+    BITMAPINFO *pInfo = reinterpret_cast<BITMAPINFO *>(pBlock);
+    if (!GetDIBits(hDC, hbm, 0, nRows, pBlock + dwHeaderSize, pInfo, DIB_RGB_COLORS)) {
+        free(pBlock);
+        return nullptr;
+    }
+    return &pInfo->bmiHeader;
+}
+
+}  // namespace
+
+HBITMAP CUICopyBitmap(HBITMAP hbm, int cx, int cy, HPALETTE hPal)
+{
+    const CCUIWindowDC hScreen(nullptr);
+    if (!hScreen)
+        return nullptr;
+    const CCUIMemoryDC hMemory(hScreen);
+    if (!hMemory)
+        return nullptr;
+    const HBITMAP hCopy = CreateCompatibleBitmap(hScreen, cx, cy);
+    const CCUISelect select(hMemory, hCopy);
+    CUIBmpBitBlt(hMemory, 0, 0, hbm, 0, 0, static_cast<UINT>(cx), static_cast<UINT>(cy), hPal,
+                 FALSE);
+    return hCopy;
+}
+
+BITMAPINFOHEADER *CUIBitmapToDib(HBITMAP hbm, HPALETTE hPal, DWORD &dwHeaderSize)
+{
+    if (!hbm)
+        return nullptr;
+    if (!hPal)
+        hPal = static_cast<HPALETTE>(GetStockObject(DEFAULT_PALETTE));
+    const CCUIWindowDC hScreen(nullptr);
+    const CCUISelectPalette palette(hScreen, hPal, FALSE);
+    return ToDib(hScreen, hbm, dwHeaderSize);
+}

@@ -1,0 +1,28 @@
+#include "Drawing/DepthMemo.h"
+
+#include "CUI/Data.h"
+
+namespace {
+
+const DWORD nKept = 100;  // milliseconds
+
+}  // namespace
+
+int CCUIDepthMemo::Of(HDC hDC)
+{
+    // Another thread is at it: ask.
+    if (InterlockedExchange(&m_bBusy, 1))
+        return GetDeviceCaps(hDC, BITSPIXEL);
+    const DWORD dwNow = GetTickCount();
+    const HGDIOBJ hBitmap = GetCurrentObject(hDC, OBJ_BITMAP);
+    if (hDC != m_hDC || hBitmap != m_hBitmap || dwNow - m_dwAsked > nKept ||
+        CUIGetWinData()->bWin9x) {
+        m_hDC = hDC;
+        m_hBitmap = hBitmap;
+        m_dwAsked = dwNow;
+        m_nBits = GetDeviceCaps(hDC, BITSPIXEL);
+    }
+    const int nBits = m_nBits;
+    InterlockedExchange(&m_bBusy, 0);
+    return nBits;
+}

@@ -1,0 +1,96 @@
+#include "CUI/OffScreenDC.h"
+
+#include <new>
+
+#include "Base/Unload.h"
+#include "CU/Assert.h"
+#include "Drawing/DepthMemo.h"
+
+#define CU_SOURCE "OffScreenDC"
+
+namespace {
+
+CCUIDepthMemo s_depth;
+
+int Larger(int a, int b)
+{
+    return a > b ? a : b;
+}
+
+}  // namespace
+
+CCUIOffScreenDC::CCUIOffScreenDC() : m_memDC(nullptr)
+{
+    InitializeCriticalSection(&m_lock);
+}
+
+CCUIOffScreenDC::~CCUIOffScreenDC()
+{
+    // The DC first: it lets go of the bitmap.
+    if (m_memDC)
+        DeleteDC(m_memDC);
+    m_bitmap.Empty();
+    DeleteCriticalSection(&m_lock);
+}
+
+HDC CCUIOffScreenDC::GetDC(HDC hDC, int cx, int cy)
+{
+    EnterCriticalSection(&m_lock);
+    if (!Fits(hDC, cx, cy))
+        Grow(hDC, cx, cy);
+    return m_memDC;
+}
+
+void CCUIOffScreenDC::ReleaseDC()
+{
+    LeaveCriticalSection(&m_lock);
+}
+
+bool CCUIOffScreenDC::Fits(HDC hDC, int cx, int cy) const
+{
+    return m_memDC && cx <= m_bitmap.Width() && cy <= m_bitmap.Height() &&
+           s_depth.Of(hDC) == m_bitmap.Depth();
+}
+
+void CCUIOffScreenDC::Grow(HDC hDC, int cx, int cy)
+{
+    if (!m_memDC) {
+        m_memDC = CreateCompatibleDC(hDC);
+        CU_ASSERT_TEXT(m_memDC, "m_memDC != 0");
+        // Text drawn on a picture does not bring a box along.
+        SetBkMode(m_memDC, TRANSPARENT);
+    }
+    CCUIBitmap bitmap;
+    bitmap =
+        CreateCompatibleBitmap(hDC, Larger(cx, m_bitmap.Width()), Larger(cy, m_bitmap.Height()));
+    // The old bitmap is let go only when another one has taken its place in the DC: it cannot be
+    // deleted before, and what could not be made leaves the old one in use.
+    if (SelectObject(m_memDC, static_cast<HBITMAP>(bitmap)))
+        m_bitmap = bitmap;
+}
+
+// Made at the first call and released at exit, whereupon another one takes its place: what still
+// paints then finds one that is whole.
+alignas(CCUIOffScreenDC) static char s_dc[sizeof(CCUIOffScreenDC)];
+
+CCUIOffScreenDC *CUIGetOSDC()
+{
+    static const struct CProcessDC
+    {
+        CProcessDC() { new (s_dc) CCUIOffScreenDC; }
+        ~CProcessDC()
+        {
+            reinterpret_cast<CCUIOffScreenDC *>(s_dc)->~CCUIOffScreenDC();
+            new (s_dc) CCUIOffScreenDC;
+        }
+    } s_made;
+    return reinterpret_cast<CCUIOffScreenDC *>(s_dc);
+}
+
+// Made at start-up, when there is one thread only.
+static CCUIOffScreenDC *const s_pAtStart = CUIGetOSDC();
+
+void CUIUnloadOffScreenDC()
+{
+    reinterpret_cast<CCUIOffScreenDC *>(s_dc)->~CCUIOffScreenDC();
+}

@@ -1,0 +1,106 @@
+#include "Window/WindowThread.h"
+
+#include "Base/Unload.h"
+#include "Window/WindowMap.h"
+
+namespace {
+
+CUIWindowThread *s_pFirstThread;  // under the map's lock
+
+}  // namespace
+
+CUIWindowThread::CUIWindowThread(DWORD nThread)
+    : m_pHookWin(nullptr),
+      m_hNextHook(nullptr),
+      m_nThread(nThread),
+      m_pNext(s_pFirstThread),
+      m_nBound(0),
+      m_hWatch(nullptr)
+{
+    s_pFirstThread = this;
+}
+
+CUIWindowThread &CUIWindowThread::Current()
+{
+    const DWORD nThread = GetCurrentThreadId();
+    CUIWindowThread *pThread = nullptr;
+    {
+        const CUIWindowMapLock lock;
+        for (pThread = s_pFirstThread; pThread; pThread = pThread->m_pNext) {
+            if (pThread->m_nThread == nThread)
+                return *pThread;
+        }
+        pThread = new CUIWindowThread(nThread);
+    }
+    CURegisterThreadExitHandler(pThread);
+    return *pThread;
+}
+
+void CUIWindowThread::StopWaiting(const CCUIWindow *pWindow)
+{
+    const CUIWindowMapLock lock;
+    for (CUIWindowThread *pThread = s_pFirstThread; pThread; pThread = pThread->m_pNext) {
+        if (pThread->m_pHookWin == pWindow)
+            pThread->Disarm();
+    }
+}
+
+// A thread that ends takes its windows along without a message to them, and their handles may come
+// back for others. So may its own number.
+void CUIWindowThread::OnThreadExit(bool)
+{
+    // A module that is unloaded has yet to let go of them, and deletes all records then.
+    if (g_moduleEnd == CUModuleUnloads)
+        return;
+    CUIWindowMapRemoveThread(this);
+    {
+        const CUIWindowMapLock lock;
+        Disarm();
+        CUIWindowThread **ppThread = &s_pFirstThread;
+        while (*ppThread != this)
+            ppThread = &(*ppThread)->m_pNext;
+        *ppThread = m_pNext;
+    }
+    delete this;
+}
+
+void CUIWindowThread::DeleteAll()
+{
+    while (CUIWindowThread *const pThread = s_pFirstThread) {
+        s_pFirstThread = pThread->m_pNext;
+        pThread->Disarm();
+        if (pThread->m_hWatch)
+            UnhookWindowsHookEx(pThread->m_hWatch);
+        delete pThread;
+    }
+}
+
+void CUIWindowThread::Disarm()
+{
+    if (m_hNextHook)
+        UnhookWindowsHookEx(m_hNextHook);
+    m_hNextHook = nullptr;
+    m_pHookWin = nullptr;
+}
+
+void CUIWindowThread::Watch()
+{
+    if (!m_hWatch)
+        m_hWatch = SetWindowsHookExA(WH_CBT, WatchProc, nullptr, m_nThread);
+}
+
+void CUIWindowThread::Unbind()
+{
+    if (--m_nBound > 0 || !m_hWatch)
+        return;
+    UnhookWindowsHookEx(m_hWatch);
+    m_hWatch = nullptr;
+}
+
+LRESULT CALLBACK CUIWindowThread::WatchProc(int nCode, WPARAM wParam, LPARAM lParam)
+{
+    const LRESULT result = CallNextHookEx(Current().m_hWatch, nCode, wParam, lParam);
+    if (nCode == HCBT_DESTROYWND && !result)
+        CUIWindowMapDoubt(reinterpret_cast<HWND>(wParam));
+    return result;
+}
