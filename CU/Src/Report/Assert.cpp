@@ -2,7 +2,7 @@
 
 #include "Base/KeepLastError.h"
 #include "CU/StackTrace.h"
-#include "Report/TraceFile.h"
+#include "Report/ReportFile.h"
 
 #define CU_SOURCE "Assert"
 

@@ -4,12 +4,71 @@
 
 #include "Base/KeepLastError.h"
 #include "Base/Unload.h"
-#include "Report/ExceptionName.h"
-#include "Report/StackWalk.h"
 #include "Process/ThreadEnd.h"
-#include "Report/TraceFile.h"
+#include "Report/ReportFile.h"
+#include "Report/StackTrace.h"
 
 namespace {
+
+// Raised where a virtual function is called that its class does not have yet, or no longer.
+const DWORD PureVirtualCall = 0xE0505643;
+
+struct CExceptionName
+{
+    DWORD dwCode;
+    const char *name;
+};
+
+#define NAMED(code)                     \
+    {                                   \
+        static_cast<DWORD>(code), #code \
+    }
+
+const CExceptionName s_names[] = {
+    NAMED(EXCEPTION_ACCESS_VIOLATION),
+    NAMED(EXCEPTION_ARRAY_BOUNDS_EXCEEDED),
+    NAMED(EXCEPTION_BREAKPOINT),
+    NAMED(EXCEPTION_DATATYPE_MISALIGNMENT),
+    NAMED(EXCEPTION_FLT_DENORMAL_OPERAND),
+    NAMED(EXCEPTION_FLT_DIVIDE_BY_ZERO),
+    NAMED(EXCEPTION_FLT_INEXACT_RESULT),
+    NAMED(EXCEPTION_FLT_INVALID_OPERATION),
+    NAMED(EXCEPTION_FLT_OVERFLOW),
+    NAMED(EXCEPTION_FLT_STACK_CHECK),
+    NAMED(EXCEPTION_FLT_UNDERFLOW),
+    NAMED(EXCEPTION_GUARD_PAGE),
+    NAMED(EXCEPTION_ILLEGAL_INSTRUCTION),
+    NAMED(EXCEPTION_IN_PAGE_ERROR),
+    NAMED(EXCEPTION_INT_DIVIDE_BY_ZERO),
+    NAMED(EXCEPTION_INT_OVERFLOW),
+    NAMED(EXCEPTION_INVALID_DISPOSITION),
+    NAMED(EXCEPTION_INVALID_HANDLE),
+    NAMED(EXCEPTION_NONCONTINUABLE_EXCEPTION),
+    NAMED(EXCEPTION_PRIV_INSTRUCTION),
+    NAMED(EXCEPTION_SINGLE_STEP),
+    NAMED(EXCEPTION_STACK_OVERFLOW),
+    NAMED(STATUS_NO_MEMORY),
+    NAMED(STATUS_CONTROL_C_EXIT),
+    {PureVirtualCall, "Pure Virtual Function Call"},
+    {0xC0000135, "STATUS_DLL_NOT_FOUND"},
+    {0xC0000139, "STATUS_ENTRYPOINT_NOT_FOUND"},
+    {0xC0000374, "STATUS_HEAP_CORRUPTION"},
+    {0xC0000409, "STATUS_STACK_BUFFER_OVERRUN"},
+    {0xC06D007E, "Delay-Loaded Library Not Found"},
+    {0xC06D007F, "Delay-Loaded Function Not Found"},
+    {0xE06D7363, "C++ Exception"},
+    {0x20474343, "C++ Exception"},
+};
+#undef NAMED
+
+const char *NameOfException(DWORD dwCode)
+{
+    for (const CExceptionName &entry : s_names) {
+        if (entry.dwCode == dwCode)
+            return entry.name;
+    }
+    return "Unknown Exception";
+}
 
 const DWORD LongestReport = 30000;  // milliseconds that others wait for one
 
@@ -34,7 +93,7 @@ void WriteWhatHappened(FILE *file, const CCrash &crash)
     if (!CUIsAtThreadEnd())
         GetModuleFileNameA(nullptr, szProgram, MAX_PATH - 1);
     fprintf(file, "Exception:%s  Code:%08lx  Address:%08lx  Thread:%lx  Last Error:%lx\n",
-            CUGetExceptionName(record.ExceptionCode), record.ExceptionCode,
+            NameOfException(record.ExceptionCode), record.ExceptionCode,
             reinterpret_cast<DWORD>(record.ExceptionAddress), crash.dwThreadId, crash.dwLastError);
     const bool bAccess = record.ExceptionCode == static_cast<DWORD>(EXCEPTION_ACCESS_VIOLATION) ||
                          record.ExceptionCode == static_cast<DWORD>(EXCEPTION_IN_PAGE_ERROR);
@@ -158,5 +217,5 @@ void CUShutdownAfterCrash(bool bShutdown)
 extern "C" void __cxa_pure_virtual()  // NOLINT(readability-identifier-naming)
 {
     CUStartExceptionHandler();
-    RaiseException(CUExceptionPureVirtual, EXCEPTION_NONCONTINUABLE, 0, nullptr);
+    RaiseException(PureVirtualCall, EXCEPTION_NONCONTINUABLE, 0, nullptr);
 }

@@ -8,7 +8,7 @@
 #include "Base/LazyLock.h"
 #include "Report/DebugHelp.h"
 #include "Report/Demangle.h"
-#include "Report/StackWalk.h"
+#include "Report/StackTrace.h"
 #include "Process/ThreadEnd.h"
 
 namespace {

@@ -10,7 +10,7 @@
 #include "CU/Assert.h"
 #include "CU/File.h"
 #include "CU/Time.h"
-#include "Report/TraceFile.h"
+#include "Report/ReportFile.h"
 
 #define CU_SOURCE "Dump"
 

@@ -1,4 +1,4 @@
-#include "Report/TraceFile.h"
+#include "Report/ReportFile.h"
 
 #include <stdlib.h>
 
