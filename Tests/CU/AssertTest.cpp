@@ -2,6 +2,7 @@
 
 #include <string>
 
+#include "../../CU/Src/Report/ReportFile.h"
 #include "CU/Assert.h"
 #include "Support/FakeTime.h"
 #include "Support/HeapWatch.h"
@@ -122,6 +123,39 @@ TEST(Assert, CallsTheReportHandlersInOrder)
     }
     CUDisplayAssert("a", "Source", 1);
     EXPECT_EQ("F12112", s_calls);
+}
+
+namespace {
+
+decltype(&HeapAlloc) s_heapAlloc;
+SIZE_T s_nLargest = 0;
+
+LPVOID WINAPI NoteSize(HANDLE hHeap, DWORD dwFlags, SIZE_T nSize)
+{
+    s_nLargest = nSize > s_nLargest ? nSize : s_nLargest;
+    return s_heapAlloc(hHeap, dwFlags, nSize);
+}
+
+}  // namespace
+
+// It may be written with a damaged heap. What is left is Wine's fopen, which copies its arguments.
+TEST(Assert, ReportsWithoutTheHeap)
+{
+    const CTemporaryDirectory directory;
+    {
+        const CHeapWatch heap;
+        CUDisplayAssert("a", "Source", 1);
+        EXPECT_EQ(0, CHeapWatch::Made());
+    }
+    const CImportHook hook("HeapAlloc", NoteSize, "msvcrt.dll");
+    s_heapAlloc = hook.Original<decltype(HeapAlloc)>();
+    CCUReportBuffer buffer;
+    FILE *file = CUOpenReport(buffer);
+    ASSERT_TRUE(file);
+    fprintf(file, "text %d\n", 1);
+    CUCloseReport(file);
+    EXPECT_GT(2u * MAX_PATH, s_nLargest);
+    EXPECT_NE(std::string::npos, directory.Contents("*").find("\r\ntext 1\r\n"));
 }
 
 TEST(NoRecur, ReportsARunningFunctionAndTakesTheFlag)

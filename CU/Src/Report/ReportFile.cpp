@@ -1,26 +1,20 @@
 #include "Report/ReportFile.h"
 
+#include <limits.h>
 #include <stdlib.h>
+#include <time.h>
 
 #include "Base/Atomic.h"
-#include "Base/KeepLastError.h"
 #include "Base/Registered.h"
+#include "Base/TempDirectory.h"
 #include "CU/Assert.h"
-#include "CU/CrashReport.h"
-#include "CU/Dump.h"
-#include "CU/String.h"
-#include "CU/Time.h"
+#include "Time/Epoch.h"
+#include "Time/TimeZone.h"
 
 namespace {
 
-// In pieces, or it would hold trigraphs.
-const char TraceFilePattern[] =
-    "\\ZELTrace-????"
-    "-??"
-    "-??.txt";
-const long SecondsOfDay = 24 * 60 * 60;
-
-// A report may come from a crash, whoever holds what lock.
+// What was registered with CURegisterExceptionHandler. Walked without a lock: a report may come
+// from a crash, whoever holds what lock.
 struct CReportHandler : CCURegistered
 {
     void (*volatile handler)(FILE *);
@@ -44,7 +38,7 @@ public:
     CListUse &operator=(const CListUse &) = delete;
 };
 
-// At the end of the process. A thread that is in the list still keeps what it has.
+// At the end of the process. While another thread still walks the list, everything is left to it.
 void DeleteHandlers()
 {
     CCURegistered *item = s_pFirstHandler;
@@ -58,7 +52,8 @@ void DeleteHandlers()
     }
 }
 
-// One that was taken back, or a new one; not ready yet.
+// An item for one more handler: one whose handler was taken back, or a new one. No walk sees it
+// until it gets its number.
 CReportHandler *TakeItem()
 {
     for (CCURegistered *item = s_pFirstHandler; item; item = item->next) {
@@ -70,6 +65,50 @@ CReportHandler *TakeItem()
     if (!item->next)
         atexit(DeleteHandlers);
     return item;
+}
+
+FILETIME FileTimeOf(long nSeconds)
+{
+    const long long nTicks = CUEpochTicks() + CUTicksPerSecond * nSeconds;
+    return {static_cast<DWORD>(nTicks), static_cast<DWORD>(nTicks >> 32)};
+}
+
+// The system's idea of an instant's local time, for when the zone does not tell it.
+FILETIME ToSystemsLocal(const FILETIME &time)
+{
+    FILETIME local;
+    return FileTimeToLocalFileTime(&time, &local) ? local : time;
+}
+
+// The current time with the fields that CCUTime would give it. CCUTime itself may write to the
+// trace, which takes memory and locks.
+SYSTEMTIME LocalNow()
+{
+    const time_t now = time(nullptr);
+    const long nNow = now < 0 ? LONG_MAX : static_cast<long>(now);
+    TIME_ZONE_INFORMATION zone;
+    bool bDaylight;
+    const bool bZone = CUGetCurrentZone(zone) != TIME_ZONE_ID_INVALID;
+    const long nLocal = bZone ? CULocalSeconds(nNow, zone, bDaylight) : -1;
+    const FILETIME time = FileTimeOf(nLocal < 0 ? nNow : nLocal);
+    const FILETIME local = nLocal < 0 ? ToSystemsLocal(time) : time;
+    SYSTEMTIME fields = {};
+    FileTimeToSystemTime(&local, &fields);
+    return fields;
+}
+
+// The time is written as CCUTime's format "%x %X" has it: in the user's own pictures of dates and
+// times.
+void WriteHead(FILE *file, const SYSTEMTIME &time)
+{
+    char szDate[128];
+    char szTime[128];
+    if (!GetDateFormatA(LOCALE_USER_DEFAULT, 0, &time, nullptr, szDate, sizeof szDate))
+        szDate[0] = '\0';
+    if (!GetTimeFormatA(LOCALE_USER_DEFAULT, 0, &time, nullptr, szTime, sizeof szTime))
+        szTime[0] = '\0';
+    fprintf(file, "========================================================\n%s %s\n", szDate,
+            szTime);
 }
 
 }  // namespace
@@ -95,28 +134,19 @@ void CUUnregisterExceptionHandler(void (*handler)(FILE *))
     }
 }
 
-bool CUFindTempDirectory(CCUString &sTempDir)
+FILE *CUOpenReport(CCUReportBuffer &buffer)
 {
-    char szTempDir[MAX_PATH];
-    const DWORD nLength = GetTempPathA(MAX_PATH, szTempDir);
-    if (nLength == 0 || nLength >= MAX_PATH)
-        return false;
-    sTempDir = szTempDir;
-    return true;
-}
-
-FILE *CUOpenReport()
-{
-    CCUString sTempDir;
-    if (!CUFindTempDirectory(sTempDir))
+    char szName[MAX_PATH + 32];
+    const DWORD nLength = CUFindTempDirectory(szName);
+    if (nLength == 0)
         return nullptr;
-    const CCUTime now;
-    FILE *file = fopen(sTempDir + now.Format("/ZELTrace-%Y-%m-%d.txt"), "a");
+    const SYSTEMTIME now = LocalNow();
+    sprintf(szName + nLength, "/ZELTrace-%04d-%02d-%02d.txt", now.wYear, now.wMonth, now.wDay);
+    FILE *file = fopen(szName, "a");
     if (!file)
         return nullptr;
-    fputs("========================================================\n", file);
-    fputs(now.Format("%x %X"), file);
-    fputc('\n', file);
+    setvbuf(file, buffer.text, _IOFBF, sizeof buffer.text);
+    WriteHead(file, now);
     return file;
 }
 
@@ -126,36 +156,9 @@ void CUCloseReport(FILE *file)
     const LONG nLast = s_nLastOrder;
     LONG nOrder = 0;
     while (CReportHandler *item = NextHandler(nOrder, nLast)) {
-        // A handler that crashes takes no more along than its own text.
+        // When a handler crashes, what was written before it is in the file already.
         fflush(file);
         item->handler(file);
     }
     fclose(file);
-}
-
-int CUPurgeTraceFiles(int daysToKeep)
-{
-    const CCUKeepLastError keepLastError;
-    const CCUTime now;
-    // At noon, so that days of 23 and 25 hours do not count for another.
-    const CCUTime noon(now.GetYear(), now.GetMonth(), now.GetDay(), 12, 0, 0);
-    CCUString sTempDir;
-    if (daysToKeep >= now.GetTime() / SecondsOfDay || !CUFindTempDirectory(sTempDir))
-        return 0;
-    const CCUTimeSpan age(daysToKeep > 0 ? daysToKeep * SecondsOfDay : 0);
-    const CCUString sOldestToKeep = (noon - age).Format("ZELTrace-%Y-%m-%d.txt");
-    WIN32_FIND_DATAA data;
-    const HANDLE find = FindFirstFileA(sTempDir + TraceFilePattern, &data);
-    if (find == INVALID_HANDLE_VALUE)
-        return 0;
-    int nDeleted = 0;
-    do {
-        if (sOldestToKeep.CompareNoCase(data.cFileName) <= 0)
-            continue;
-        CUDump("Deleting trace file: %s\n", data.cFileName);
-        if (DeleteFileA(sTempDir + "\\" + data.cFileName))
-            ++nDeleted;
-    } while (FindNextFileA(find, &data));
-    FindClose(find);
-    return nDeleted;
 }
