@@ -4,11 +4,14 @@
 
 #include "../../CU/Src/Report/ReportFile.h"
 #include "CU/Assert.h"
+#include "CU/String.h"
+#include "CU/Time.h"
 #include "Support/FakeTime.h"
 #include "Support/HeapWatch.h"
 #include "Support/ProgramName.h"
 #include "Support/TemporaryDirectory.h"
 #include "Support/Threads.h"
+#include "Support/ZoneHook.h"
 
 #define CU_SOURCE "AssertTest"
 
@@ -137,6 +140,41 @@ LPVOID WINAPI NoteSize(HANDLE hHeap, DWORD dwFlags, SIZE_T nSize)
 }
 
 }  // namespace
+
+namespace {
+
+DWORD WINAPI Eastern(TIME_ZONE_INFORMATION *zone)
+{
+    *zone = {};
+    zone->Bias = 300, zone->DaylightBias = -60;
+    zone->DaylightDate = {0, 3, 0, 2, 2, 0, 0, 0};
+    zone->StandardDate = {0, 11, 0, 1, 2, 0, 0, 0};
+    return TIME_ZONE_ID_STANDARD;
+}
+
+DWORD WINAPI NoZone(TIME_ZONE_INFORMATION *)
+{
+    return TIME_ZONE_ID_INVALID;
+}
+
+}  // namespace
+
+TEST(Assert, DatesAReportAsCCUTimeWouldButWithoutATrace)
+{
+    const CTemporaryDirectory directory;
+    const CFakeTime clock;
+    const time_t times[] = {1594000000, -1, 1600000000};
+    for (int i = 0; i < 3; ++i) {
+        const CZoneHook zone(i == 2 ? NoZone : Eastern);
+        CFakeTime::s_now = times[i];
+        CUDisplayAssert("a", "Source", 1);
+        EXPECT_TRUE(directory.Files("ZELLog-*").empty());
+        const CCUTime now;
+        const std::string text =
+            directory.Contents(std::string(now.Format("ZELTrace-%Y-%m-%d.txt")));
+        EXPECT_EQ(0u, text.find(Separator + std::string(now.Format("%x %X")) + "\r\n")) << text;
+    }
+}
 
 // It may be written with a damaged heap. What is left is Wine's fopen, which copies its arguments.
 TEST(Assert, ReportsWithoutTheHeap)
