@@ -73,13 +73,6 @@ FILETIME FileTimeOf(long nSeconds)
     return {static_cast<DWORD>(nTicks), static_cast<DWORD>(nTicks >> 32)};
 }
 
-// The system's idea of an instant's local time, for when the zone does not tell it.
-FILETIME ToSystemsLocal(const FILETIME &time)
-{
-    FILETIME local;
-    return FileTimeToLocalFileTime(&time, &local) ? local : time;
-}
-
 // The current time with the fields that CCUTime would give it. CCUTime itself may write to the
 // trace, which takes memory and locks.
 SYSTEMTIME LocalNow()
@@ -91,7 +84,9 @@ SYSTEMTIME LocalNow()
     const bool bZone = CUGetCurrentZone(zone) != TIME_ZONE_ID_INVALID;
     const long nLocal = bZone ? CULocalSeconds(nNow, zone, bDaylight) : -1;
     const FILETIME time = FileTimeOf(nLocal < 0 ? nNow : nLocal);
-    const FILETIME local = nLocal < 0 ? ToSystemsLocal(time) : time;
+    FILETIME local = time;
+    if (nLocal < 0)  // the zone cannot tell; maybe the system can
+        FileTimeToLocalFileTime(&time, &local);
     SYSTEMTIME fields = {};
     FileTimeToSystemTime(&local, &fields);
     return fields;
