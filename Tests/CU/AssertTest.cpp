@@ -2,12 +2,16 @@
 
 #include <string>
 
+#include "../../CU/Src/Report/ReportFile.h"
 #include "CU/Assert.h"
+#include "CU/String.h"
+#include "CU/Time.h"
 #include "Support/FakeTime.h"
 #include "Support/HeapWatch.h"
 #include "Support/ProgramName.h"
 #include "Support/TemporaryDirectory.h"
 #include "Support/Threads.h"
+#include "Support/ZoneHook.h"
 
 #define CU_SOURCE "AssertTest"
 
@@ -122,6 +126,74 @@ TEST(Assert, CallsTheReportHandlersInOrder)
     }
     CUDisplayAssert("a", "Source", 1);
     EXPECT_EQ("F12112", s_calls);
+}
+
+namespace {
+
+decltype(&HeapAlloc) s_heapAlloc;
+SIZE_T s_nLargest = 0;
+
+LPVOID WINAPI NoteSize(HANDLE hHeap, DWORD dwFlags, SIZE_T nSize)
+{
+    s_nLargest = nSize > s_nLargest ? nSize : s_nLargest;
+    return s_heapAlloc(hHeap, dwFlags, nSize);
+}
+
+}  // namespace
+
+namespace {
+
+DWORD WINAPI Eastern(TIME_ZONE_INFORMATION *zone)
+{
+    *zone = {};
+    zone->Bias = 300, zone->DaylightBias = -60;
+    zone->DaylightDate = {0, 3, 0, 2, 2, 0, 0, 0};
+    zone->StandardDate = {0, 11, 0, 1, 2, 0, 0, 0};
+    return TIME_ZONE_ID_STANDARD;
+}
+
+DWORD WINAPI NoZone(TIME_ZONE_INFORMATION *)
+{
+    return TIME_ZONE_ID_INVALID;
+}
+
+}  // namespace
+
+TEST(Assert, DatesAReportAsCCUTimeWouldButWithoutATrace)
+{
+    const CTemporaryDirectory directory;
+    const CFakeTime clock;
+    const time_t times[] = {1594000000, -1, 1600000000};
+    for (int i = 0; i < 3; ++i) {
+        const CZoneHook zone(i == 2 ? NoZone : Eastern);
+        CFakeTime::s_now = times[i];
+        CUDisplayAssert("a", "Source", 1);
+        EXPECT_TRUE(directory.Files("ZELLog-*").empty());
+        const CCUTime now;
+        const std::string text =
+            directory.Contents(std::string(now.Format("ZELTrace-%Y-%m-%d.txt")));
+        EXPECT_EQ(0u, text.find(Separator + std::string(now.Format("%x %X")) + "\r\n")) << text;
+    }
+}
+
+// It may be written with a damaged heap. What is left is Wine's fopen, which copies its arguments.
+TEST(Assert, ReportsWithoutTheHeap)
+{
+    const CTemporaryDirectory directory;
+    {
+        const CHeapWatch heap;
+        CUDisplayAssert("a", "Source", 1);
+        EXPECT_EQ(0, CHeapWatch::Made());
+    }
+    const CImportHook hook("HeapAlloc", NoteSize, "msvcrt.dll");
+    s_heapAlloc = hook.Original<decltype(HeapAlloc)>();
+    CCUReportBuffer buffer;
+    FILE *file = CUOpenReport(buffer);
+    ASSERT_TRUE(file);
+    fprintf(file, "text %d\n", 1);
+    CUCloseReport(file);
+    EXPECT_GT(2u * MAX_PATH, s_nLargest);
+    EXPECT_NE(std::string::npos, directory.Contents("*").find("\r\ntext 1\r\n"));
 }
 
 TEST(NoRecur, ReportsARunningFunctionAndTakesTheFlag)

@@ -260,7 +260,7 @@ TEST(StackTrace, LeavesOutWhatDoesNotFitByWholeLines)
     }
 }
 
-TEST(TraceFiles, PurgingKeepsTheLastDays)
+TEST(ReportFiles, PurgingKeepsTheLastDays)
 {
     const CTemporaryDirectory directory;
     const CFakeTime clock;

@@ -81,6 +81,17 @@ void WINAPI OverflowStack()
     Recurse(&first);
 }
 
+// On a system that calls handlers with the direction flag as the fault has left it.
+void WINAPI FaultBackwards()
+{
+    EXCEPTION_REGISTRATION_RECORD *const guard = FirstHandler();
+    EXCEPTION_RECORD record = {};
+    record.ExceptionCode = 0xE1234567;
+    asm volatile("std");
+    reinterpret_cast<EXCEPTION_DISPOSITION(__cdecl *)(EXCEPTION_RECORD *, void *, void *, void *)>(
+        reinterpret_cast<void *>(guard->Handler))(&record, guard, nullptr, nullptr);
+}
+
 // As a function that gives its locks back on the way out.
 EXCEPTION_DISPOSITION __cdecl CountUnwinding(EXCEPTION_RECORD *record, void *, CONTEXT *, void *)
 {
@@ -101,9 +112,10 @@ const struct CFault
 {
     const char *function;
     void(WINAPI *fault)();
-} s_faults[] = {{"StackWalk", WriteToNull},         {"StackWalk", FaultWithHandler},
-                {"StackWalk", OverflowStack},       {"SymInitialize", Raise},
-                {"SymGetSymFromAddr", WriteToNull}, {"SymGetLineFromAddr", Raise}};
+} s_faults[] = {{"StackWalk", WriteToNull},   {"StackWalk", FaultWithHandler},
+                {"StackWalk", OverflowStack}, {"StackWalk", FaultBackwards},
+                {"SymInitialize", Raise},     {"SymGetSymFromAddr", WriteToNull},
+                {"SymGetLineFromAddr", Raise}};
 
 const CFault &Fault()
 {
@@ -112,9 +124,12 @@ const CFault &Fault()
 
 decltype(&RtlUnwind) s_unwind = nullptr;
 
-// As a system that does not return from the unwinding but jumps to where it is told.
+// As a system that does not return from the unwinding but jumps to where it is told. As every
+// function, it counts on the direction flag being clear.
 void WINAPI UnwindAndJump(void *frame, void *target, EXCEPTION_RECORD *record, void *value)
 {
+    if (__builtin_ia32_readeflags_u32() & 0x400)
+        exit(1);
     s_unwind(frame, target, record, value);
     static_cast<void *volatile *>(__builtin_frame_address(0))[1] = target;
 }
@@ -175,6 +190,21 @@ CHILD_PROCESS(CrashWithFaultyHelp)
     s_unwind = unwind.Original<decltype(RtlUnwind)>();
     StartReports();
     WriteToNull();
+}
+
+CHILD_PROCESS(OverflowAfterFaultyHelp)
+{
+    const CHelpHook hook("StackWalk", OverflowStack);
+    StartReports();
+    CUDisplayAssert("reported", "Source", 1);
+    OverflowStack();
+}
+
+TEST(DebugHelp, AStackOverflowLeavesTheStackUsable)
+{
+    const CTemporaryDirectory directory;
+    EXPECT_EQ(0xC00000FD, CChildProcess("OverflowAfterFaultyHelp").ExitCode());
+    EXPECT_EQ(1, Count(directory.Contents("ZELTrace-*"), "Exception:EXCEPTION_STACK_OVERFLOW "));
 }
 
 TEST(DebugHelp, AFaultCostsTheStackAtMost)

@@ -5,15 +5,18 @@
 
 #include "CU/Platform.h"
 
-// Puts a function of the test in the place of one that this program imports, for as long as the
-// object lives: a clock that stands where the test wants it, a system call that fails. The code
-// under test pays nothing for it. The name is the system's, such as "GetTickCount"; a name that
-// the program does not import ends the test.
+// Puts a function of the test in the place of one that this program, or the library named, imports,
+// for as long as the object lives: a clock that stands where the test wants it, a system call that
+// fails. The code under test pays nothing for it. The name is the system's, such as "GetTickCount";
+// a name that the program does not import ends the test.
 class CImportHook
 {
 public:
     template <typename F>
-    CImportHook(const char *name, F *function) : m_slot(Find(name)), m_old(nullptr)
+    CImportHook(const char *name, F *function, const char *module = nullptr)
+        : m_base(reinterpret_cast<char *>(GetModuleHandleA(module))),
+          m_slot(Find(name)),
+          m_old(nullptr)
     {
         if (!m_slot)
             abort();
@@ -33,11 +36,11 @@ public:
 
 private:
     template <typename T>
-    static T *At(DWORD nOffset)
+    T *At(DWORD nOffset) const
     {
-        return reinterpret_cast<T *>(reinterpret_cast<char *>(GetModuleHandleA(nullptr)) + nOffset);
+        return reinterpret_cast<T *>(m_base + nOffset);
     }
-    static void **Find(const char *name)
+    void **Find(const char *name) const
     {
         const IMAGE_NT_HEADERS *headers =
             At<IMAGE_NT_HEADERS>(static_cast<DWORD>(At<IMAGE_DOS_HEADER>(0)->e_lfanew));
@@ -66,6 +69,7 @@ private:
         VirtualProtect(m_slot, sizeof *m_slot, old, &old);
     }
 
+    char *m_base;
     void **m_slot;
     void *m_old;
 };

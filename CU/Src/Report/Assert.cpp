@@ -2,7 +2,7 @@
 
 #include "Base/KeepLastError.h"
 #include "CU/StackTrace.h"
-#include "Report/TraceFile.h"
+#include "Report/ReportFile.h"
 
 #define CU_SOURCE "Assert"
 
@@ -25,10 +25,12 @@ int CUDisplayAssert(const char *expression, const char *file, int line)
     const CCUKeepLastError keepLastError;
     if (!CountReport())
         return 0;
-    // First what takes long, then the file at one go: other reports of the day go there too.
+    // The stack takes long, so it comes before the file is opened: other threads and processes
+    // report there too.
     char szStack[4096];
     CUGetStackTrace(GetCurrentThread(), szStack, sizeof szStack);
-    FILE *report = CUOpenReport();
+    CCUReportBuffer buffer;
+    FILE *report = CUOpenReport(buffer);
     if (!report)
         return 0;
     fprintf(report, "Assert:%s  File:%s  Line:%d  Last Error:%lx\n\n%s\n", expression, file, line,

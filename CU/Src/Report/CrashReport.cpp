@@ -4,14 +4,73 @@
 
 #include "Base/KeepLastError.h"
 #include "Base/Unload.h"
-#include "Report/ExceptionName.h"
-#include "Report/StackWalk.h"
 #include "Process/ThreadEnd.h"
-#include "Report/TraceFile.h"
+#include "Report/ReportFile.h"
+#include "Report/StackTrace.h"
 
 namespace {
 
-const DWORD LongestReport = 30000;  // milliseconds that others wait for one
+// Raised where a virtual function is called that its class does not have yet, or no longer.
+const DWORD PureVirtualCall = 0xE0505643;
+
+struct CExceptionName
+{
+    DWORD dwCode;
+    const char *name;
+};
+
+#define NAMED(code)                     \
+    {                                   \
+        static_cast<DWORD>(code), #code \
+    }
+
+const CExceptionName s_names[] = {
+    NAMED(EXCEPTION_ACCESS_VIOLATION),
+    NAMED(EXCEPTION_ARRAY_BOUNDS_EXCEEDED),
+    NAMED(EXCEPTION_BREAKPOINT),
+    NAMED(EXCEPTION_DATATYPE_MISALIGNMENT),
+    NAMED(EXCEPTION_FLT_DENORMAL_OPERAND),
+    NAMED(EXCEPTION_FLT_DIVIDE_BY_ZERO),
+    NAMED(EXCEPTION_FLT_INEXACT_RESULT),
+    NAMED(EXCEPTION_FLT_INVALID_OPERATION),
+    NAMED(EXCEPTION_FLT_OVERFLOW),
+    NAMED(EXCEPTION_FLT_STACK_CHECK),
+    NAMED(EXCEPTION_FLT_UNDERFLOW),
+    NAMED(EXCEPTION_GUARD_PAGE),
+    NAMED(EXCEPTION_ILLEGAL_INSTRUCTION),
+    NAMED(EXCEPTION_IN_PAGE_ERROR),
+    NAMED(EXCEPTION_INT_DIVIDE_BY_ZERO),
+    NAMED(EXCEPTION_INT_OVERFLOW),
+    NAMED(EXCEPTION_INVALID_DISPOSITION),
+    NAMED(EXCEPTION_INVALID_HANDLE),
+    NAMED(EXCEPTION_NONCONTINUABLE_EXCEPTION),
+    NAMED(EXCEPTION_PRIV_INSTRUCTION),
+    NAMED(EXCEPTION_SINGLE_STEP),
+    NAMED(EXCEPTION_STACK_OVERFLOW),
+    NAMED(STATUS_NO_MEMORY),
+    NAMED(STATUS_CONTROL_C_EXIT),
+    {PureVirtualCall, "Pure Virtual Function Call"},
+    {0xC0000135, "STATUS_DLL_NOT_FOUND"},
+    {0xC0000139, "STATUS_ENTRYPOINT_NOT_FOUND"},
+    {0xC0000374, "STATUS_HEAP_CORRUPTION"},
+    {0xC0000409, "STATUS_STACK_BUFFER_OVERRUN"},
+    {0xC06D007E, "Delay-Loaded Library Not Found"},
+    {0xC06D007F, "Delay-Loaded Function Not Found"},
+    {0xE06D7363, "C++ Exception"},
+    {0x20474343, "C++ Exception"},
+};
+#undef NAMED
+
+const char *NameOfException(DWORD dwCode)
+{
+    for (const CExceptionName &entry : s_names) {
+        if (entry.dwCode == dwCode)
+            return entry.name;
+    }
+    return "Unknown Exception";
+}
+
+const DWORD LongestReport = 30000;  // ms that a crashed thread waits for a report to end
 
 LONG s_bStarted = 0;
 LONG s_bShutdown = 0;
@@ -34,7 +93,7 @@ void WriteWhatHappened(FILE *file, const CCrash &crash)
     if (!CUIsAtThreadEnd())
         GetModuleFileNameA(nullptr, szProgram, MAX_PATH - 1);
     fprintf(file, "Exception:%s  Code:%08lx  Address:%08lx  Thread:%lx  Last Error:%lx\n",
-            CUGetExceptionName(record.ExceptionCode), record.ExceptionCode,
+            NameOfException(record.ExceptionCode), record.ExceptionCode,
             reinterpret_cast<DWORD>(record.ExceptionAddress), crash.dwThreadId, crash.dwLastError);
     const bool bAccess = record.ExceptionCode == static_cast<DWORD>(EXCEPTION_ACCESS_VIOLATION) ||
                          record.ExceptionCode == static_cast<DWORD>(EXCEPTION_IN_PAGE_ERROR);
@@ -49,12 +108,13 @@ void WriteWhatHappened(FILE *file, const CCrash &crash)
 
 void WriteRegisters(FILE *file, const CONTEXT &context)
 {
-    fprintf(file, "\nEAX:%08lx  EBX:%08lx  ECX:%08lx  EDX:%08lx  ESI:%08lx  EDI:%08lx\n",
-            context.Eax, context.Ebx, context.Ecx, context.Edx, context.Esi, context.Edi);
-    fprintf(file, "EIP:%08lx  ESP:%08lx  EBP:%08lx  Flags:%08lx\n", context.Eip, context.Esp,
-            context.Ebp, context.EFlags);
-    fprintf(file, "CS:%04lx  DS:%04lx  SS:%04lx  ES:%04lx  FS:%04lx  GS:%04lx\n", context.SegCs,
-            context.SegDs, context.SegSs, context.SegEs, context.SegFs, context.SegGs);
+    fprintf(file,
+            "\nEAX:%08lx  EBX:%08lx  ECX:%08lx  EDX:%08lx  ESI:%08lx  EDI:%08lx\n"
+            "EIP:%08lx  ESP:%08lx  EBP:%08lx  Flags:%08lx\n"
+            "CS:%04lx  DS:%04lx  SS:%04lx  ES:%04lx  FS:%04lx  GS:%04lx\n",
+            context.Eax, context.Ebx, context.Ecx, context.Edx, context.Esi, context.Edi,
+            context.Eip, context.Esp, context.Ebp, context.EFlags, context.SegCs, context.SegDs,
+            context.SegSs, context.SegEs, context.SegFs, context.SegGs);
 }
 
 void WriteStack(FILE *file, const CCrash &crash)
@@ -70,22 +130,24 @@ void WriteStack(FILE *file, const CCrash &crash)
 DWORD WINAPI WriteReport(void *parameter)
 {
     const CCrash &crash = *static_cast<const CCrash *>(parameter);
-    // Whose own crash must not wait for the report.
+    // If writing the report crashes too, ReportFirst must know this thread: it would wait for a
+    // report that it keeps from going on.
     InterlockedExchange(&s_nReportingThread, static_cast<LONG>(GetCurrentThreadId()));
-    FILE *file = CUOpenReport();
+    CCUReportBuffer buffer;
+    FILE *file = CUOpenReport(buffer);
     if (!file)
         return 0;
     WriteWhatHappened(file, crash);
     WriteRegisters(file, *crash.pointers->ContextRecord);
-    // What follows reads what the crash may have damaged.
+    // Reading the stack may crash again, if this crash has damaged it.
     fflush(file);
     WriteStack(file, crash);
     CUCloseReport(file);
     return 0;
 }
 
-// A stack that has run over has no room left for a report.
-void WriteReportOnOwnStack(CCrash &crash)
+// After a stack overflow the thread has no room left for a report: another one writes it.
+void WriteReportOnNewThread(CCrash &crash)
 {
     HANDLE hCrashed = nullptr;
     DuplicateHandle(GetCurrentProcess(), GetCurrentThread(), GetCurrentProcess(), &hCrashed, 0,
@@ -101,20 +163,28 @@ void WriteReportOnOwnStack(CCrash &crash)
         CloseHandle(hCrashed);
 }
 
-// One crash a process is reported: the first. A thread that crashes meanwhile waits, for the
-// process would end before the report does; a crash of the report itself does not.
+// Lets the report of another thread's crash come to its end, which the end of the process would cut
+// off.
+void WaitForReport()
+{
+    for (DWORD n = 0; !s_bReported && n < LongestReport; n += 10)
+        Sleep(10);
+}
+
+// Only the first crash of a process is reported.
 void ReportFirst(CCrash &crash)
 {
     const LONG nThread = static_cast<LONG>(crash.dwThreadId);
-    const LONG nFirst = InterlockedCompareExchange(&s_nReportingThread, nThread, 0);
-    if (nFirst != 0) {
-        for (DWORD n = 0; nFirst != nThread && !s_bReported && n < LongestReport; n += 10)
-            Sleep(10);
+    const LONG nReporting = InterlockedCompareExchange(&s_nReportingThread, nThread, 0);
+    if (nReporting == nThread)
+        return;  // the report itself has crashed
+    if (nReporting != 0) {
+        WaitForReport();
         return;
     }
     if (crash.pointers->ExceptionRecord->ExceptionCode ==
         static_cast<DWORD>(EXCEPTION_STACK_OVERFLOW))
-        WriteReportOnOwnStack(crash);
+        WriteReportOnNewThread(crash);
     else
         WriteReport(&crash);
     InterlockedExchange(&s_bReported, 1);
@@ -138,7 +208,7 @@ void CUStartExceptionHandler()
         s_previousFilter = SetUnhandledExceptionFilter(OnUnhandledException);
 }
 
-// Who has put a filter on top of ours keeps ours in its chain; that cannot be mended from here.
+// A filter that somebody has set after ours may still call ours; that cannot be mended from here.
 void CUUnloadCrashReport()
 {
     if (!s_bStarted)
@@ -153,10 +223,11 @@ void CUShutdownAfterCrash(bool bShutdown)
     InterlockedExchange(&s_bShutdown, bShutdown);
 }
 
-// Called through the empty places of a virtual table, by the compiler's rule. The library's own
-// ends the process without a word. The report is written even where nobody has asked for reports.
+// The compiler puts this function where a virtual table has none yet. It takes the place of the C++
+// library's, which ends the process without a word, and reports even where nobody has called
+// CUStartExceptionHandler.
 extern "C" void __cxa_pure_virtual()  // NOLINT(readability-identifier-naming)
 {
     CUStartExceptionHandler();
-    RaiseException(CUExceptionPureVirtual, EXCEPTION_NONCONTINUABLE, 0, nullptr);
+    RaiseException(PureVirtualCall, EXCEPTION_NONCONTINUABLE, 0, nullptr);
 }

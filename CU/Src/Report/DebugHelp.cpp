@@ -3,12 +3,12 @@
 #include <string.h>
 
 #include "Base/LazyLock.h"
-#include "Report/FaultGuard.h"
 #include "Process/SystemLibrary.h"
+#include "Report/FaultGuard.h"
 
 namespace {
 
-// The library's functions: where they are kept, and their names in that order.
+// The library's functions, their names in the same order, and their addresses.
 enum EFunction
 {
     fnStackWalk,
@@ -18,7 +18,7 @@ enum EFunction
     fnSymGetSymFromAddr,
     fnSymInitialize,
     fnSymSetOptions,
-    fnSymGetLineFromAddr,  // the only one that may be missing: before Windows 98 and 2000
+    fnSymGetLineFromAddr,  // missing on Windows 95 and NT 4; without the others there is no help
     fnCount
 };
 const char *const FunctionNames =
@@ -36,7 +36,7 @@ FARPROC s_functions[fnCount];
 CCULazyLock s_lock;
 bool s_bTried = false;
 bool s_bAvailable = false;
-// Some 12 KiB are what Wine's library takes to read a program's symbols.
+// The library of Wine 8 uses some 12 KiB to read a program's symbols; others may use more.
 const int StackForLibrary = 0x10000;
 
 void LoadDebugHelp()
@@ -53,34 +53,28 @@ void LoadDebugHelp()
             return;
     }
     HELP(SymSetOptions)(SYMOPT_UNDNAME | SYMOPT_LOAD_LINES);
-    // Fails when the program uses the library itself, which serves as well.
+    // Fails when the program has initialised the library for itself; then it works for us too.
     HELP(SymInitialize)(GetCurrentProcess(), nullptr, FALSE);
     s_bAvailable = true;
 }
 
-// Modules are announced one by one as a walk meets them, so that those loaded later count too and
-// nobody waits for the symbols of all the others.
+// Tells the library of each module when a walk meets it. So modules that were loaded later count
+// too, and nobody waits for the symbols of modules that the walk does not meet.
 DWORD WINAPI FindModule(HANDLE hProcess, DWORD dwAddress)
 {
-    const DWORD dwBase = HELP(SymGetModuleBase)(hProcess, dwAddress);
-    if (dwBase)
-        return dwBase;
-    MEMORY_BASIC_INFORMATION memory;
-    if (!VirtualQuery(reinterpret_cast<void *>(dwAddress), &memory, sizeof memory))
-        return 0;
+    const DWORD dwKnown = HELP(SymGetModuleBase)(hProcess, dwAddress);
+    if (dwKnown)
+        return dwKnown;
     char szPath[MAX_PATH];
-    const DWORD nLength =
-        GetModuleFileNameA(static_cast<HMODULE>(memory.AllocationBase), szPath, MAX_PATH);
-    // A longer one is cut, without a NUL on some systems.
-    if (nLength == 0 || nLength >= MAX_PATH)
+    const DWORD dwModule = CUFindModule(dwAddress, szPath);
+    // A path of the buffer's length may have been cut, and then means no file or another one.
+    if (!dwModule || strlen(szPath) == sizeof szPath - 1)
         return 0;
-    return HELP(SymLoadModule)(hProcess, nullptr, szPath, nullptr,
-                               reinterpret_cast<DWORD>(memory.AllocationBase), 0);
+    return HELP(SymLoadModule)(hProcess, nullptr, szPath, nullptr, dwModule, 0);
 }
 
-// On Windows 95 and 98 the walk asks for an address of the thread's 16-bit stack, if only to learn
-// that no call here comes from there, and calls even a null routine. In flat segments, the only
-// ones that such a walk meets, the offset is the address.
+// Windows 95 and 98 also walk the thread's 16-bit stack, and call this for its addresses even when
+// no routine is given. All code here has flat segments, in which the offset is the address.
 DWORD WINAPI TranslateAddress(HANDLE, HANDLE, LPADDRESS address)
 {
     return address->Offset;
@@ -112,6 +106,19 @@ void Ask(void *parameter)
 }
 
 }  // namespace
+
+DWORD CUFindModule(DWORD dwAddress, char (&szPath)[MAX_PATH])
+{
+    MEMORY_BASIC_INFORMATION memory;
+    // Free memory has no base, and for no module the system would name the program.
+    if (!VirtualQuery(reinterpret_cast<void *>(dwAddress), &memory, sizeof memory) ||
+        !memory.AllocationBase ||
+        !GetModuleFileNameA(static_cast<HMODULE>(memory.AllocationBase), szPath, sizeof szPath))
+        return 0;
+    // Windows XP and before leave the NUL out when they cut a path.
+    szPath[sizeof szPath - 1] = '\0';
+    return reinterpret_cast<DWORD>(memory.AllocationBase);
+}
 
 void CUAskDebugHelp(void (*ask)(void *), void *argument)
 {

@@ -7,52 +7,60 @@
 
 namespace {
 
-// The written parts of a name, "Scope" or "Scope::Run". False when it holds anything else.
+bool IsDigit(char c)
+{
+    return c >= '0' && c <= '9';
+}
+
+// Reads the written parts of a compiled name: "_ZN5Scope3RunEi" gives "Scope::Run". What follows
+// them, the types of the arguments, is left out.
 class CDemangler
 {
 public:
     CDemangler(char *name, unsigned int size) : m_name(name), m_nSize(size), m_nLength(0) {}
 
+    // False when there is anything else among the parts, such as a template's arguments.
     bool Run(const char *mangled)
     {
         if (strncmp(mangled, "_ZN", 3) != 0)
-            return strncmp(mangled, "_Z", 2) == 0 && AddPart(mangled + 2, "", "");
+            return strncmp(mangled, "_Z", 2) == 0 && AddPart(mangled + 2, "");
         const char *rest = mangled + 3;
-        if (*rest == 'K')
+        if (*rest == 'K')  // a const function
             ++rest;
-        while (rest && *rest != 'E')
-            rest =
-                *rest == 'C' || *rest == 'D' ? AddStructor(rest) : AddPart(rest, Separator(), "");
+        while (rest && *rest != 'E') {
+            if (*rest == 'C' || *rest == 'D')
+                rest = AddStructor(rest);
+            else
+                rest = AddPart(rest, m_nLength ? "::" : "");
+        }
         return rest && m_nLength > 0;
     }
 
 private:
-    const char *Separator() const { return m_nLength ? "::" : ""; }
-
     void Add(const char *text, unsigned int nLength)
     {
         for (unsigned int i = 0; i < nLength && m_nLength + 1 < m_nSize; ++i)
             m_name[m_nLength++] = text[i];
         m_name[m_nLength] = '\0';
     }
-    // Returns what follows "3Run"; null when it does not begin so.
-    const char *AddPart(const char *part, const char *separator, const char *mark)
+    // Adds what the part names, its length and then its text, such as "3Run". Returns what follows
+    // it, null when it is no such part.
+    const char *AddPart(const char *part, const char *separator)
     {
         char *text = nullptr;
-        const unsigned long nLength = *part >= '0' && *part <= '9' ? strtoul(part, &text, 10) : 0;
+        const unsigned long nLength = IsDigit(*part) ? strtoul(part, &text, 10) : 0;
         if (nLength == 0 || nLength > strlen(text))
             return nullptr;
         m_pLast = part;
         Add(separator, static_cast<unsigned int>(strlen(separator)));
-        Add(mark, static_cast<unsigned int>(strlen(mark)));
         Add(text, nLength);
         return text + nLength;
     }
-    // "C1" and "D1" repeat the name of the class before them.
+    // A constructor ("C1") or destructor ("D1") has the name of its class, the part before it.
     const char *AddStructor(const char *rest)
     {
         const bool bKnown = m_pLast && rest[1] >= '0' && rest[1] <= '5';
-        return bKnown && AddPart(m_pLast, "::", *rest == 'D' ? "~" : "") ? rest + 2 : nullptr;
+        return bKnown && AddPart(m_pLast, *rest == 'D' ? "::~" : "::") ? rest + 2 : nullptr;
     }
 
     char *m_name;

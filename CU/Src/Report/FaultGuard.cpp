@@ -4,15 +4,16 @@
 
 namespace {
 
-// The compiler has no __try. What it would make of one is a record on the stack, in the list of the
-// thread's handlers, which every system knows since Windows 95.
+// GCC has no __try. What other compilers make of one is a record on the stack, in a list of the
+// thread's handlers that every system knows since Windows 95.
 struct CGuard
 {
     EXCEPTION_REGISTRATION_RECORD record;  // the first member: its place is the guard's
     void *state[5];                        // where to go on
+    DWORD dwCode;                          // of the exception that ended the call
 };
 
-// The head of that list is the first word of what the register shows.
+// The list's head is the first word of the segment that the register shows.
 EXCEPTION_REGISTRATION_RECORD *FirstHandler()
 {
     EXCEPTION_REGISTRATION_RECORD *record;
@@ -25,15 +26,11 @@ void SetFirstHandler(EXCEPTION_REGISTRATION_RECORD *record)
     asm volatile("movl %0, %%fs:0" : : "r"(record) : "memory");
 }
 
-EXCEPTION_DISPOSITION __cdecl OnException(EXCEPTION_RECORD *record, void *frame, CONTEXT *, void *)
+// Lets all calls down to the guard's clean up. RtlUnwind keeps no register but ebp and esp, and it
+// either returns or jumps to the address given, which differs between systems: here both come to
+// the same label. GCC would move a label of C's away from behind the call.
+void UnwindTo(void *frame, EXCEPTION_RECORD *record)
 {
-    const DWORD Unwinding = 6;  // by somebody further up, who goes on elsewhere
-    if (record->ExceptionFlags & Unwinding)
-        return ExceptionContinueSearch;
-    // RtlUnwind gives back no register but the stack's two. It returns, or jumps to where it is
-    // told, whichever the system does: both come to the label. GCC would put one of C's before the
-    // call.
-    CGuard *volatile guard = static_cast<CGuard *>(frame);
     decltype(&RtlUnwind) unwind = RtlUnwind;
     asm volatile(
         "pushl $0\n\t"
@@ -45,7 +42,29 @@ EXCEPTION_DISPOSITION __cdecl OnException(EXCEPTION_RECORD *record, void *frame,
         : [frame] "+a"(frame), [record] "+d"(record), [unwind] "+c"(unwind)
         :
         : "ebx", "esi", "edi", "cc", "memory");
+}
+
+EXCEPTION_DISPOSITION __cdecl OnException(EXCEPTION_RECORD *record, void *frame, CONTEXT *, void *)
+{
+    const DWORD Unwinding = 6;  // by somebody further up, who goes on elsewhere
+    if (record->ExceptionFlags & Unwinding)
+        return ExceptionContinueSearch;
+    // Not every system clears the direction flag, which the fault may have left set.
+    asm volatile("cld");
+    CGuard *volatile guard = static_cast<CGuard *>(frame);
+    guard->dwCode = record->ExceptionCode;
+    UnwindTo(frame, record);
     __builtin_longjmp(guard->state, 1);
+}
+
+// A stack overflow uses up the guard page that tells of it; another one would end the process at
+// once. Systems before Windows XP have no function that puts the page back.
+void RestoreStackGuard()
+{
+    typedef int __cdecl ResetFunction();
+    const HMODULE hLibrary = GetModuleHandleA("msvcrt.dll");
+    if (const FARPROC reset = GetProcAddress(hLibrary, "_resetstkoflw"))
+        reinterpret_cast<ResetFunction *>(reset)();
 }
 
 }  // namespace
@@ -54,15 +73,17 @@ __attribute__((noinline)) bool CUCallGuarded(void (*call)(void *), void *argumen
 {
     CGuard guard;
     guard.record.Next = FirstHandler();
-    // The header says stdcall; compilers have always made it the other.
+    // The header says stdcall; the system calls it as compilers have always made it, cdecl.
     guard.record.Handler =
         reinterpret_cast<PEXCEPTION_ROUTINE>(reinterpret_cast<void *>(OnException));
-    volatile bool bDone = false;
     if (__builtin_setjmp(guard.state) == 0) {
         SetFirstHandler(&guard.record);
         call(argument);
-        bDone = true;
+        SetFirstHandler(guard.record.Next);
+        return true;
     }
     SetFirstHandler(guard.record.Next);
-    return bDone;
+    if (guard.dwCode == static_cast<DWORD>(EXCEPTION_STACK_OVERFLOW))
+        RestoreStackGuard();
+    return false;
 }

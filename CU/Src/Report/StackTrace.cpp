@@ -6,16 +6,16 @@
 
 #include "Base/KeepLastError.h"
 #include "Base/LazyLock.h"
+#include "Process/ThreadEnd.h"
 #include "Report/DebugHelp.h"
 #include "Report/Demangle.h"
-#include "Report/StackWalk.h"
-#include "Process/ThreadEnd.h"
+#include "Report/StackTrace.h"
 
 namespace {
 
 struct CLine
 {
-    char text[1024];  // more than all its parts at their longest
+    char text[1024];  // its parts at their longest take some 800
     int nLength;
 };
 
@@ -34,7 +34,8 @@ void Add(CCUStackAddresses &stack, DWORD dwAddress)
         stack.address[stack.nCount++] = dwAddress;
 }
 
-// Where the stack that holds the address ends: everything between can be read.
+// The end of the stack that holds the address. All from the address up to there can be read. 0
+// when the address itself cannot be.
 DWORD EndOfStack(DWORD dwAddress)
 {
     MEMORY_BASIC_INFORMATION memory;
@@ -44,13 +45,12 @@ DWORD EndOfStack(DWORD dwAddress)
     return reinterpret_cast<DWORD>(memory.BaseAddress) + memory.RegionSize;
 }
 
-// Follows the frame pointers. Needs nothing of the thread's and takes no lock, so that it works on
-// a thread that is held anywhere.
+// Follows the frame pointers. Takes no lock, so the thread may be suspended wherever it is.
 void WalkFramePointers(const CONTEXT &context, CCUStackAddresses &stack)
 {
     const DWORD FrameSize = 2 * sizeof(DWORD);
     Add(stack, context.Eip);
-    // A call through a bad pointer has just left its return address.
+    // The thread has called through a bad pointer: its caller is the return address on the stack.
     if (!IsCode(context.Eip) && context.Esp % 4 == 0 && EndOfStack(context.Esp))
         Add(stack, *reinterpret_cast<const DWORD *>(context.Esp));
     const DWORD dwEnd = EndOfStack(context.Ebp);
@@ -113,22 +113,18 @@ void Append(CLine &line, const char *format, ...)
     line.text[line.nLength] = '\0';
 }
 
-// `dwInside` lies within the instruction that is meant: a return address may belong to the next
-// line, or even to the next function.
+// `dwInside` is an address in the instruction that is told. A return address is the one behind the
+// call, which may belong to the next line or even to the next function.
 void FormatLine(DWORD dwAddress, DWORD dwInside, CLine &line)
 {
     line.nLength = 0;
     Append(line, "%08lx", dwAddress);
     if (CUIsAtThreadEnd())
         return;
-    MEMORY_BASIC_INFORMATION memory;
     char szPath[MAX_PATH];
-    // No base means free memory, and would mean the program itself.
-    if (!VirtualQuery(reinterpret_cast<void *>(dwInside), &memory, sizeof memory) ||
-        !memory.AllocationBase ||
-        !GetModuleFileNameA(static_cast<HMODULE>(memory.AllocationBase), szPath, MAX_PATH))
+    const DWORD dwModule = CUFindModule(dwInside, szPath);
+    if (!dwModule)
         return;
-    szPath[MAX_PATH - 1] = '\0';
     Append(line, " %s", NameOfPath(szPath));
 
     CCUPlace place;
@@ -136,7 +132,7 @@ void FormatLine(DWORD dwAddress, DWORD dwInside, CLine &line)
     place.szFunction[0] = place.szFile[0] = '\0';
     CUAskDebugHelp(CUDebugHelpFindPlace, &place);
     if (!place.szFunction[0]) {
-        Append(line, "+0x%lx", dwAddress - reinterpret_cast<DWORD>(memory.AllocationBase));
+        Append(line, "+0x%lx", dwAddress - dwModule);
         return;
     }
     char szFunction[256];
@@ -146,8 +142,8 @@ void FormatLine(DWORD dwAddress, DWORD dwInside, CLine &line)
         Append(line, " %s(%lu)", NameOfPath(place.szFile), place.nLine);
 }
 
-// Two threads that held each other would stand for ever.
-CCULazyLock s_holdLock;
+// For the thread that suspends another: two that suspended each other would stand for ever.
+CCULazyLock s_suspendLock;
 
 bool IsCallingThread(HANDLE hThread)
 {
@@ -159,21 +155,18 @@ bool IsCallingThread(HANDLE hThread)
     return getThreadId && getThreadId(hThread) == GetCurrentThreadId();
 }
 
-// A thread that is held may hold the very locks that the debug-help library wants; its frame
-// pointers want none.
-bool WalkOtherThread(HANDLE hThread, CCUStackAddresses &stack)
+// By its frame pointers alone: a suspended thread may hold locks that the debug-help library needs.
+void WalkOtherThread(HANDLE hThread, CCUStackAddresses &stack)
 {
     CONTEXT context = {};
     context.ContextFlags = CONTEXT_FULL;
-    const CCULockGuard hold(s_holdLock);
+    const CCULockGuard lock(s_suspendLock);
     if (SuspendThread(hThread) == static_cast<DWORD>(-1))
-        return false;
-    const bool bKnown = GetThreadContext(hThread, &context) != 0;
-    if (bKnown)
+        return;
+    if (GetThreadContext(hThread, &context))
         WalkFramePointers(context, stack);
     ResumeThread(hThread);
     stack.bFirstIsExact = true;
-    return bKnown;
 }
 
 }  // namespace
@@ -184,7 +177,7 @@ void CUWalkStack(HANDLE hThread, const CONTEXT &context, CCUStackAddresses &stac
     CWalk walk = {hThread, context, &stack};
     if (!CUIsAtThreadEnd())
         CUAskDebugHelp(WalkDebugHelp, &walk);
-    // Without the library, or where it knows no further than the first call.
+    // There is no library, or it did not get beyond the first address.
     if (stack.nCount < 2) {
         stack.nCount = 0;
         WalkFramePointers(context, stack);
@@ -216,19 +209,19 @@ __attribute__((noinline)) int CUGetStackTrace(HANDLE hThread, char *buffer, unsi
 {
     const CCUKeepLastError keepLastError;
     CCUStackAddresses stack = {};
-    // Any other handle may be the thread's own too, which only the loader could tell.
+    // At a thread's end the loader must not be asked for GetThreadId, so nobody knows whether any
+    // other handle is the thread's own, which must not suspend itself. Such a stack stays empty.
     const bool bUnknown = hThread != GetCurrentThread() && CUIsAtThreadEnd();
-    if (bUnknown || !IsCallingThread(hThread)) {
-        if (!bUnknown)
-            WalkOtherThread(hThread, stack);
-        return CUFormatStack(stack, buffer, size);
+    if (!bUnknown && IsCallingThread(hThread)) {
+        // From where the thread will stand when this function has returned.
+        CONTEXT context = {};
+        const DWORD dwFrame = reinterpret_cast<DWORD>(__builtin_frame_address(0));
+        context.Eip = reinterpret_cast<DWORD>(__builtin_return_address(0));
+        context.Ebp = *reinterpret_cast<const DWORD *>(dwFrame);
+        context.Esp = dwFrame + 2 * sizeof(DWORD);
+        CUWalkStack(hThread, context, stack);
+    } else if (!bUnknown) {
+        WalkOtherThread(hThread, stack);
     }
-    // As the thread will stand when this function has returned.
-    CONTEXT context = {};
-    const DWORD dwFrame = reinterpret_cast<DWORD>(__builtin_frame_address(0));
-    context.Eip = reinterpret_cast<DWORD>(__builtin_return_address(0));
-    context.Ebp = *reinterpret_cast<const DWORD *>(dwFrame);
-    context.Esp = dwFrame + 2 * sizeof(DWORD);
-    CUWalkStack(hThread, context, stack);
     return CUFormatStack(stack, buffer, size);
 }

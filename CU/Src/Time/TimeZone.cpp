@@ -4,8 +4,6 @@
 
 #include "Base/TryLock.h"
 #include "Base/Wrap.h"
-#include "CU/Dump.h"
-#include "CU/Time.h"
 
 namespace {
 
@@ -93,19 +91,6 @@ bool IsMonth(WORD wMonth)
     return wMonth >= 1 && wMonth <= 12;
 }
 
-// localtime's record, in a zone that the system cannot tell us.
-tm *RuntimeLocal(long nTime)
-{
-    const time_t time = nTime;
-    return localtime(&time);
-}
-
-tm *RuntimeGmt(long nTime)
-{
-    const time_t time = nTime;
-    return gmtime(&time);
-}
-
 // Cheaper than gmtime, whose other fields no rule asks for. From 1970 to 2038 every year divisible
 // by 4 is a leap year, and four years from a leap year on have 1461 days; 1968 is one.
 CUTimeOfYear ToTimeOfYear(long nTime)
@@ -115,36 +100,6 @@ CUTimeOfYear ToTimeOfYear(long nTime)
     const long nYearInFour = nDayInFour < 366 ? 0 : (nDayInFour - 1) / 365;
     const long nDay = nYearInFour == 0 ? nDayInFour : nDayInFour - 1 - nYearInFour * 365;
     return {68 + nDays / 1461 * 4 + nYearInFour, nDay, nTime % 86400 * 1000};
-}
-
-tm *BreakDown(long nTime, const TIME_ZONE_INFORMATION &zone)
-{
-    const long nStandard = CUWrapSub(nTime, CUWrapMul(zone.Bias, 60));
-    // gmtime knows no time before 1970.
-    const bool bDaylight = nStandard >= 0 && CUIsDaylightTime(zone, ToTimeOfYear(nStandard));
-    const LONG nBias = bDaylight ? zone.DaylightBias : zone.StandardBias;
-    tm *record = RuntimeGmt(CUWrapSub(nStandard, CUWrapMul(nBias, 60)));
-    if (!record)
-        return RuntimeLocal(nTime);
-    record->tm_isdst = bDaylight;
-    return record;
-}
-
-// The trace's own time stamps come here, too: told from inside the trace it would never end.
-void TraceInvalidZone()
-{
-    static volatile LONG s_nTracing;
-    const CCUTryLock lock(s_nTracing);
-    if (lock.IsTaken())
-        CUDump("CCUTime - invalid time zone\n");
-}
-
-tm *CopyOut(tm *record, tm *out)
-{
-    if (!record || !out)
-        return record;
-    *out = *record;
-    return out;
 }
 
 }  // namespace
@@ -200,19 +155,11 @@ long CUMilliseconds(long nHour, long nMinute, long nSecond, long nMilliseconds)
     return CUWrapAdd(CUWrapMul(nSeconds, 1000), nMilliseconds);
 }
 
-tm *CCUTime::GetGmtTm(tm *out) const
+long CULocalSeconds(long nTime, const TIME_ZONE_INFORMATION &zone, bool &bDaylight)
 {
-    return CopyOut(RuntimeGmt(m_nTime), out);
-}
-
-tm *CCUTime::GetLocalTm(tm *out, const _TIME_ZONE_INFORMATION *tzi) const
-{
-    if (tzi)
-        return CopyOut(BreakDown(m_nTime, *tzi), out);
-    TIME_ZONE_INFORMATION current;
-    if (CUGetCurrentZone(current) == TIME_ZONE_ID_INVALID) {
-        TraceInvalidZone();
-        return CopyOut(RuntimeLocal(m_nTime), out);
-    }
-    return CopyOut(BreakDown(m_nTime, current), out);
+    const long nStandard = CUWrapSub(nTime, CUWrapMul(zone.Bias, 60));
+    // No calendar here knows times before 1970.
+    bDaylight = nStandard >= 0 && CUIsDaylightTime(zone, ToTimeOfYear(nStandard));
+    const LONG nBias = bDaylight ? zone.DaylightBias : zone.StandardBias;
+    return CUWrapSub(nStandard, CUWrapMul(nBias, 60));
 }

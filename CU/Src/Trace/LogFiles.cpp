@@ -7,10 +7,10 @@
 #include <stdlib.h>
 #include <string.h>
 
+#include "Base/TempDirectory.h"
 #include "CU/Assert.h"
 #include "CU/File.h"
 #include "CU/Time.h"
-#include "Report/TraceFile.h"
 
 #define CU_SOURCE "Dump"
 
@@ -33,8 +33,11 @@ const int MostNames = 86400;
 
 bool FindTempDirectory(CCUString &sTempDir)
 {
-    const bool bFound = CUFindTempDirectory(sTempDir);
+    char szTempDir[MAX_PATH];
+    const bool bFound = CUFindTempDirectory(szTempDir) != 0;
     CU_ASSERT_TEXT(bFound, "GetTempPath(_MAX_PATH, sTempDir.GetBuffer(_MAX_PATH))");
+    if (bFound)
+        sTempDir = szTempDir;
     return bFound;
 }
 

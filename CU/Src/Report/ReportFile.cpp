@@ -1,0 +1,159 @@
+#include "Report/ReportFile.h"
+
+#include <limits.h>
+#include <stdlib.h>
+#include <time.h>
+
+#include "Base/Atomic.h"
+#include "Base/Registered.h"
+#include "Base/TempDirectory.h"
+#include "CU/Assert.h"
+#include "Time/Epoch.h"
+#include "Time/TimeZone.h"
+
+namespace {
+
+// What was registered with CURegisterExceptionHandler. Walked without a lock: a report may come
+// from a crash, whoever holds what lock.
+struct CReportHandler : CCURegistered
+{
+    void (*volatile handler)(FILE *);
+};
+
+CCURegistered *volatile s_pFirstHandler = nullptr;
+volatile LONG s_nLastOrder = 0;
+LONG s_nListUsers = 0;  // threads that look at items
+
+CReportHandler *NextHandler(LONG &nOrder, LONG nLast)
+{
+    return static_cast<CReportHandler *>(CUNextRegistered(s_pFirstHandler, nOrder, nLast));
+}
+
+class CListUse
+{
+public:
+    CListUse() { InterlockedIncrement(&s_nListUsers); }
+    ~CListUse() { InterlockedDecrement(&s_nListUsers); }
+    CListUse(const CListUse &) = delete;
+    CListUse &operator=(const CListUse &) = delete;
+};
+
+// At the end of the process. While another thread still walks the list, everything is left to it.
+void DeleteHandlers()
+{
+    CCURegistered *item = s_pFirstHandler;
+    s_pFirstHandler = nullptr;
+    if (InterlockedExchangeAdd(&s_nListUsers, 0) != 0)
+        return;
+    while (item) {
+        CCURegistered *const next = item->next;
+        delete static_cast<CReportHandler *>(item);
+        item = next;
+    }
+}
+
+// An item for one more handler: one whose handler was taken back, or a new one. No walk sees it
+// until it gets its number.
+CReportHandler *TakeItem()
+{
+    for (CCURegistered *item = s_pFirstHandler; item; item = item->next) {
+        if (InterlockedCompareExchange(&item->nOrder, -1, 0) == 0)
+            return static_cast<CReportHandler *>(item);
+    }
+    CReportHandler *const item = new CReportHandler{{nullptr, -1}, nullptr};
+    CUPushFront<CCURegistered>(s_pFirstHandler, item, &CCURegistered::next);
+    if (!item->next)
+        atexit(DeleteHandlers);
+    return item;
+}
+
+FILETIME FileTimeOf(long nSeconds)
+{
+    const long long nTicks = CUEpochTicks() + CUTicksPerSecond * nSeconds;
+    return {static_cast<DWORD>(nTicks), static_cast<DWORD>(nTicks >> 32)};
+}
+
+// The current time with the fields that CCUTime would give it. CCUTime itself may write to the
+// trace, which takes memory and locks.
+SYSTEMTIME LocalNow()
+{
+    const time_t now = time(nullptr);
+    const long nNow = now < 0 ? LONG_MAX : static_cast<long>(now);
+    TIME_ZONE_INFORMATION zone;
+    bool bDaylight;
+    const bool bZone = CUGetCurrentZone(zone) != TIME_ZONE_ID_INVALID;
+    const long nLocal = bZone ? CULocalSeconds(nNow, zone, bDaylight) : -1;
+    const FILETIME time = FileTimeOf(nLocal < 0 ? nNow : nLocal);
+    FILETIME local = time;
+    if (nLocal < 0)  // the zone cannot tell; maybe the system can
+        FileTimeToLocalFileTime(&time, &local);
+    SYSTEMTIME fields = {};
+    FileTimeToSystemTime(&local, &fields);
+    return fields;
+}
+
+// The time is written as CCUTime's format "%x %X" has it: in the user's own pictures of dates and
+// times.
+void WriteHead(FILE *file, const SYSTEMTIME &time)
+{
+    char szDate[128];
+    char szTime[128];
+    if (!GetDateFormatA(LOCALE_USER_DEFAULT, 0, &time, nullptr, szDate, sizeof szDate))
+        szDate[0] = '\0';
+    if (!GetTimeFormatA(LOCALE_USER_DEFAULT, 0, &time, nullptr, szTime, sizeof szTime))
+        szTime[0] = '\0';
+    fprintf(file, "========================================================\n%s %s\n", szDate,
+            szTime);
+}
+
+}  // namespace
+
+void CURegisterExceptionHandler(void (*handler)(FILE *))
+{
+    if (!handler)
+        return;
+    const CListUse use;
+    CReportHandler *const item = TakeItem();
+    item->handler = handler;
+    InterlockedExchange(&item->nOrder, InterlockedIncrement(&s_nLastOrder));
+}
+
+void CUUnregisterExceptionHandler(void (*handler)(FILE *))
+{
+    const CListUse use;
+    LONG nOrder = 0;
+    while (CReportHandler *item = NextHandler(nOrder, s_nLastOrder)) {
+        if (item->handler == handler &&
+            InterlockedCompareExchange(&item->nOrder, 0, nOrder) == nOrder)
+            return;
+    }
+}
+
+FILE *CUOpenReport(CCUReportBuffer &buffer)
+{
+    char szName[MAX_PATH + 32];
+    const DWORD nLength = CUFindTempDirectory(szName);
+    if (nLength == 0)
+        return nullptr;
+    const SYSTEMTIME now = LocalNow();
+    sprintf(szName + nLength, "/ZELTrace-%04d-%02d-%02d.txt", now.wYear, now.wMonth, now.wDay);
+    FILE *file = fopen(szName, "a");
+    if (!file)
+        return nullptr;
+    setvbuf(file, buffer.text, _IOFBF, sizeof buffer.text);
+    WriteHead(file, now);
+    return file;
+}
+
+void CUCloseReport(FILE *file)
+{
+    const CListUse use;
+    const LONG nLast = s_nLastOrder;
+    LONG nOrder = 0;
+    while (CReportHandler *item = NextHandler(nOrder, nLast)) {
+        // When a handler crashes, what was written before it is in the file already.
+        fflush(file);
+        item->handler(file);
+    }
+    fclose(file);
+}

@@ -1,0 +1,47 @@
+#include "Base/KeepLastError.h"
+#include "Base/TempDirectory.h"
+#include "CU/CrashReport.h"
+#include "CU/Dump.h"
+#include "CU/String.h"
+#include "CU/Time.h"
+
+namespace {
+
+// In pieces, or it would hold trigraphs.
+const char Pattern[] =
+    "\\ZELTrace-????"
+    "-??"
+    "-??.txt";
+const long SecondsOfDay = 24 * 60 * 60;
+
+}  // namespace
+
+int CUPurgeTraceFiles(int daysToKeep)
+{
+    const CCUKeepLastError keepLastError;
+    const CCUTime now;
+    char szPath[2 * MAX_PATH];
+    char *const name = szPath + CUFindTempDirectory(szPath);
+    if (daysToKeep >= now.GetTime() / SecondsOfDay || name == szPath)
+        return 0;
+    // At noon, so that days of 23 and 25 hours do not count for another.
+    const CCUTime noon(now.GetYear(), now.GetMonth(), now.GetDay(), 12, 0, 0);
+    const CCUTimeSpan age(daysToKeep > 0 ? daysToKeep * SecondsOfDay : 0);
+    const CCUString sOldestToKeep = (noon - age).Format("ZELTrace-%Y-%m-%d.txt");
+    lstrcpynA(name, Pattern, MAX_PATH);
+    WIN32_FIND_DATAA data;
+    const HANDLE find = FindFirstFileA(szPath, &data);
+    if (find == INVALID_HANDLE_VALUE)
+        return 0;
+    int nDeleted = 0;
+    do {
+        if (sOldestToKeep.CompareNoCase(data.cFileName) <= 0)
+            continue;
+        CUDump("Deleting trace file: %s\n", data.cFileName);
+        lstrcpynA(name, data.cFileName, MAX_PATH);
+        if (DeleteFileA(szPath))
+            ++nDeleted;
+    } while (FindNextFileA(find, &data));
+    FindClose(find);
+    return nDeleted;
+}
