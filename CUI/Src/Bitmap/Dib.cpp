@@ -1,4 +1,4 @@
-#include "Drawing/PackedDib.h"
+#include "Bitmap/Dib.h"
 
 #include <limits.h>
 

@@ -9,7 +9,7 @@
 #include "CUI/BmpBlt.h"
 #include "CUI/BmpLoad.h"
 #include "Drawing/BmpSharedDC.h"
-#include "Drawing/PackedDib.h"
+#include "Bitmap/Dib.h"
 
 #define CU_SOURCE "Bmp"
 

@@ -7,8 +7,8 @@
 #include "CU/Assert.h"
 #include "CU/Dump.h"
 #include "CUI/Data.h"
-#include "Drawing/DibCheck.h"
-#include "Drawing/PackedDib.h"
+#include "Bitmap/DibCheck.h"
+#include "Bitmap/Dib.h"
 
 #define CU_SOURCE "Bmp"
 

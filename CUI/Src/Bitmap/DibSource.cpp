@@ -5,7 +5,7 @@
 #include "CU/Dump.h"
 #include "CU/File.h"
 #include "CUI/BmpLoad.h"
-#include "Drawing/PackedDib.h"
+#include "Bitmap/Dib.h"
 
 namespace {
 

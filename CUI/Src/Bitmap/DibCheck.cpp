@@ -1,8 +1,8 @@
-#include "Drawing/DibCheck.h"
+#include "Bitmap/DibCheck.h"
 
 #include <string.h>
 
-#include "Drawing/PackedDib.h"
+#include "Bitmap/Dib.h"
 
 namespace {
 

@@ -2,7 +2,7 @@
 
 #include "CU/Dump.h"
 #include "CUI/BmpLoad.h"
-#include "Drawing/PackedDib.h"
+#include "Bitmap/Dib.h"
 
 namespace {
 

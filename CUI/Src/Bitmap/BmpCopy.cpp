@@ -4,7 +4,7 @@
 #include "Base/GdiGuards.h"
 #include "CUI/BmpBlt.h"
 #include "CUI/BmpLoad.h"
-#include "Drawing/PackedDib.h"
+#include "Bitmap/Dib.h"
 
 namespace {
 
