@@ -1,10 +1,11 @@
+#include "CUI/BmpLoad.h"
+
 #include <stdlib.h>
 #include <string.h>
 
 #include "Base/GdiGuards.h"
-#include "CUI/BmpBlt.h"
-#include "CUI/BmpLoad.h"
 #include "Bitmap/Dib.h"
+#include "CUI/BmpBlt.h"
 
 namespace {
 

@@ -1,155 +1,83 @@
-// Bitmaps of packed DIBs whose size is known: whole files, whole resources.
+// Small pictures of up to 8 bits, such as those on buttons, in the system's button colours.
+
+#include "CUI/BmpLoad.h"
 
 #include <stdlib.h>
 #include <string.h>
 
 #include "Base/GdiGuards.h"
-#include "CU/Assert.h"
+#include "Bitmap/Dib.h"
+#include "Bitmap/DibSource.h"
 #include "CU/String.h"
 #include "CUI/BmpBlt.h"
-#include "CUI/BmpLoad.h"
 #include "Drawing/BmpSharedDC.h"
-#include "Bitmap/Dib.h"
-
-#define CU_SOURCE "Bmp"
 
 namespace {
 
-// A bitmap resource in memory, until the end of the block.
-class CResource
-{
-public:
-    CResource(HINSTANCE hInst, HRSRC hRsrc)
-        : m_hGlobal(LoadResource(hInst, hRsrc)),
-          m_nSize(m_hGlobal ? SizeofResource(hInst, hRsrc) : 0)
-    {
-    }
-    ~CResource() { FreeResource(m_hGlobal); }
-    CResource(const CResource &) = delete;
-    CResource &operator=(const CResource &) = delete;
+// Pictures of this many colours are what the replacing is for; later colours stay.
+const DWORD MAPPED_COLORS = 16;
 
-    // Null when there is not even a header.
-    const BITMAPINFOHEADER *Dib() const
-    {
-        return m_nSize < sizeof(BITMAPINFOHEADER)
-                   ? nullptr
-                   : static_cast<const BITMAPINFOHEADER *>(LockResource(m_hGlobal));
-    }
-    DWORD Size() const { return m_nSize; }
-
-private:
-    HGLOBAL m_hGlobal;
-    DWORD m_nSize;
-};
-
-HRSRC FindBitmap(HINSTANCE hInst, const char *pszName)
-{
-    const HRSRC hRsrcImage =
-        FindResourceA(hInst, pszName, reinterpret_cast<const char *>(RT_BITMAP));
-    CU_ASSERT(hRsrcImage);
-    return hRsrcImage;
-}
-
-// nTable: where what counts as the colours starts.
-HBITMAP PaletteBitmap(const BITMAPINFOHEADER *pbih, DWORD nSize, ULONGLONG nTable, HPALETTE &hPal)
-{
-    const CCUIWindowDC hScreen(nullptr);
-    const DWORD nColors = CUIDibColorCount(*pbih);
-    const ULONGLONG nHeader = CUIDibHeaderSize(*pbih);
-    const ULONGLONG nPixels = nTable + CUIDibTableSize(nColors);
-    if (nPixels < nHeader || CUIDibExtent(*pbih, nPixels) > nSize)
-        return nullptr;
-    // Palettes are made of what is 40 bytes from the header's start: here that may be none of it.
-    if (nHeader == sizeof *pbih)
-        hPal = CUIPaletteFromTable(reinterpret_cast<const RGBQUAD *>(pbih + 1), nColors);
-    CUIRealizeForLoad(hScreen, hPal);
-    return CUIDibToBitmap(hScreen, pbih, reinterpret_cast<const char *>(pbih) + nPixels);
-}
-
-// The header of a DIB with its colours, to be changed without the DIB.
+// A copy of the header and the colours, to be changed without the DIB.
 struct CDibHead
 {
-    CDibHead(const BITMAPINFOHEADER *pbih, DWORD nSize) : m_bytes()
-    {
-        memcpy(m_bytes, pbih, nSize < sizeof m_bytes ? nSize : sizeof m_bytes);
-    }
-    BITMAPINFOHEADER *Header() { return reinterpret_cast<BITMAPINFOHEADER *>(m_bytes); }
-    // Those of the first 16 colours that are a button's in the usual scheme become the present
-    // ones. Colours beyond them stay: pictures of 16 colours are what this is for.
-    void MapSysColors();
-
-    alignas(4) char m_bytes[sizeof(BITMAPV5HEADER) + CUI_DIB_MAX_COLORS * sizeof(RGBQUAD)];
+    BITMAPINFOHEADER m_header;
+    RGBQUAD m_colors[CUI_DIB_MAX_COLORS];
 };
 
-void CDibHead::MapSysColors()
+// Button colours of the usual scheme become the present ones.
+void MapSysColors(CDibHead &head)
 {
     const DWORD buttons[CUI_BUTTON_COLORS] = {
         GetSysColor(COLOR_BTNTEXT), GetSysColor(COLOR_BTNSHADOW), GetSysColor(COLOR_BTNFACE),
         GetSysColor(COLOR_BTNHIGHLIGHT)};
-    CUIReplaceColors(reinterpret_cast<RGBQUAD *>(m_bytes + Header()->biSize), 16,
-                     {CUIButtonGreys, buttons, CUI_BUTTON_COLORS});
+    CUIReplaceColors(head.m_colors, MAPPED_COLORS, {CUI_BUTTON_GREYS, buttons, CUI_BUTTON_COLORS});
+}
+
+// Whether the pixels of a DIB of nSize bytes stand nPixels bytes from its start, right after a full
+// table. With room for more colours than the depth has, they stand after those.
+bool HasPixelsAt(ULONGLONG nPixels, const BITMAPINFOHEADER &header, DWORD nSize)
+{
+    if (CUIDibExtent(header, nPixels) > nSize)
+        return false;
+    const ULONGLONG nClaimed = sizeof header + CUIDibTableSize(header.biClrUsed);
+    return nClaimed <= nPixels || CUIDibExtent(header, nClaimed) > nSize;
+}
+
+// False when the system cannot draw it.
+bool DrawDib(HDC hScreen, HBITMAP hBitmap, const CDibHead &head, const void *pPixels)
+{
+    const int cx = head.m_header.biWidth;
+    const int cy = abs(head.m_header.biHeight);
+    const HDC hMemory = g_bmpImageDC.For(hScreen);
+    const CCUISelect select(hMemory, hBitmap);
+    return StretchDIBits(hMemory, 0, 0, cx, cy, 0, 0, cx, cy, pPixels,
+                         reinterpret_cast<const BITMAPINFO *>(&head.m_header), DIB_RGB_COLORS,
+                         SRCCOPY) > 0;
 }
 
 HBITMAP SysColorBitmap(const BITMAPINFOHEADER *pbih, DWORD nSize, bool bMapColors)
 {
-    // A full table after a header of 40 bytes is assumed, whatever the header says of the colours
-    // in use. Where the pixels cannot be there, none are shown.
+    // The pixels are looked for after a header of 40 bytes and a full table, however many colours
+    // the header says are in use.
     if (CUIDibHeaderSize(*pbih) != sizeof *pbih || pbih->biBitCount > 8)
         return nullptr;
     const ULONGLONG nPixels = sizeof *pbih + CUIDibTableSize(1U << pbih->biBitCount);
-    const ULONGLONG nClaimed = sizeof *pbih + CUIDibTableSize(pbih->biClrUsed);
-    // With room for more colours than the depth has, the pixels come after those.
-    if (CUIDibExtent(*pbih, nPixels) > nSize ||
-        (nClaimed > nPixels && CUIDibExtent(*pbih, nClaimed) <= nSize))
+    if (!HasPixelsAt(nPixels, *pbih, nSize))
         return nullptr;
-    CDibHead head(pbih, nSize);
+    CDibHead head = {};
+    memcpy(&head, pbih, nSize < sizeof head ? nSize : sizeof head);
     if (bMapColors)
-        head.MapSysColors();
+        MapSysColors(head);
 
-    const int nWidth = pbih->biWidth;
-    const int nHeight = abs(pbih->biHeight);
     const CCUIWindowDC hScreen(nullptr);
-    HBITMAP hBitmap = CreateCompatibleBitmap(hScreen, nWidth, nHeight);
-    if (!hBitmap)
-        return nullptr;
-    const HDC hMemory = g_bmpImageDC.For(hScreen);
-    const int nDrawn = [&] {
-        const CCUISelect select(hMemory, hBitmap);
-        return StretchDIBits(hMemory, 0, 0, nWidth, nHeight, 0, 0, nWidth, nHeight,
-                             reinterpret_cast<const char *>(pbih) + nPixels,
-                             reinterpret_cast<const BITMAPINFO *>(head.Header()), DIB_RGB_COLORS,
-                             SRCCOPY);
-    }();
-    if (nDrawn <= 0)
+    HBITMAP hBitmap = CreateCompatibleBitmap(hScreen, pbih->biWidth, abs(pbih->biHeight));
+    const void *pPixels = reinterpret_cast<const char *>(pbih) + nPixels;
+    if (hBitmap && !DrawDib(hScreen, hBitmap, head, pPixels))
         CUIBmpDeleteObject(&hBitmap);
     return hBitmap;
 }
 
 }  // namespace
-
-HBITMAP CUIBmpLoadBitmapFilePalette(const CCUString &sFile, HPALETTE &hPal)
-{
-    hPal = nullptr;
-    DWORD nSize = 0;
-    BITMAPINFOHEADER *pbih = CUIReadDib(sFile, nSize);
-    if (!pbih)
-        return nullptr;
-    // Nothing is read for colour masks: they are there when they were taken for colours.
-    const HBITMAP hBitmap = PaletteBitmap(pbih, nSize, sizeof *pbih, hPal);
-    free(pbih);
-    return hBitmap;
-}
-
-HBITMAP CUIBmpLoadBitmapPalette(HINSTANCE hInst, const char *pszName, HPALETTE &hPal)
-{
-    hPal = nullptr;
-    const HRSRC hRsrcImage = FindBitmap(hInst, pszName);
-    if (!hRsrcImage)
-        return nullptr;
-    const CResource resource(hInst, hRsrcImage);
-    const BITMAPINFOHEADER *pbih = resource.Dib();
-    return pbih ? PaletteBitmap(pbih, resource.Size(), CUIDibHeaderSize(*pbih), hPal) : nullptr;
-}
 
 HBITMAP CUIBmpLoadBitmapFile(const CCUString &sFile, int bSysColors)
 {
@@ -164,13 +92,13 @@ HBITMAP CUIBmpLoadBitmapFile(const CCUString &sFile, int bSysColors)
 
 HBITMAP CUIBmpLoadSysColorBitmap(HINSTANCE hInst, HRSRC hRsrc)
 {
-    const CResource resource(hInst, hRsrc);
+    const CCUIBitmapResource resource(hInst, hRsrc);
     const BITMAPINFOHEADER *pbih = resource.Dib();
     return pbih ? SysColorBitmap(pbih, resource.Size(), true) : nullptr;
 }
 
 HBITMAP CUIBmpLoadBitmap(HINSTANCE hInst, const char *pszName)
 {
-    const HRSRC hRsrcImage = FindBitmap(hInst, pszName);
+    const HRSRC hRsrcImage = CUIFindBitmap(hInst, pszName);
     return hRsrcImage ? CUIBmpLoadSysColorBitmap(hInst, hRsrcImage) : nullptr;
 }

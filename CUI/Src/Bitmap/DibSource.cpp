@@ -1,16 +1,21 @@
+#include "Bitmap/DibSource.h"
+
 #include <limits.h>
 #include <stdlib.h>
 #include <string.h>
 
-#include "CU/Dump.h"
-#include "CU/File.h"
-#include "CUI/BmpLoad.h"
 #include "Bitmap/Dib.h"
+#include "CU/Assert.h"
+#include "CU/Dump.h"
+#include "CUI/BmpLoad.h"
+
+#define CU_SOURCE "Bmp"
 
 namespace {
 
-const DWORD nHeaders = sizeof(BITMAPFILEHEADER) + sizeof(BITMAPINFOHEADER);
-const WORD wBitmapType = 0x4D42;  // "BM"
+const DWORD HEADERS_SIZE = sizeof(BITMAPFILEHEADER) + sizeof(BITMAPINFOHEADER);
+const WORD BMP_TYPE = 0x4D42;  // "BM"
+const UINT READ_MODE = CCUFile::modeRead | CCUFile::shareDenyWrite | CCUFile::modeNoInherit;
 
 // The parts of a file that follow its headers, in bytes.
 struct CFileParts
@@ -21,14 +26,22 @@ struct CFileParts
     DWORD m_nPixelRoom;   // that the block has for them
 };
 
-// Rows are taken for word-aligned, but GDI reads them aligned to double words, as most files have
-// them. So the block holds as many bytes as GDI reads where the file has them, or nearly: what is
-// missing is black then. Rows of no bytes at all are not made up.
+// The bytes of a row in a file: here rows are taken for aligned to words. Negative for a negative
+// width.
+LONGLONG WordAlignedRow(const BITMAPINFOHEADER &header)
+{
+    return ((static_cast<LONGLONG>(header.biBitCount) * header.biWidth >> 3) + 1) & ~1;
+}
+
+// GDI reads rows aligned to double words, and most files have them so. The block gets room for
+// those if the file has that many bytes, or if at least half of them are sure to be there: the rest
+// is black then.
 void AddRoomForGdi(CFileParts &parts, const BITMAPINFOHEADER &header, ULONGLONG nAvailable)
 {
     const ULONGLONG nWanted = CUIDibImageSize(header);
+    const bool bMostlyThere = nWanted <= nAvailable || nWanted / 2 <= parts.m_nPixels;
     parts.m_nPixelRoom = parts.m_nPixels;
-    if (nWanted > parts.m_nPixels && (nWanted <= nAvailable || nWanted / 2 <= parts.m_nPixels))
+    if (nWanted > parts.m_nPixels && bMostlyThere)
         parts.m_nPixelRoom = static_cast<DWORD>(nWanted);
     parts.m_nPixelsRead =
         parts.m_nPixelRoom < nAvailable ? parts.m_nPixelRoom : static_cast<DWORD>(nAvailable);
@@ -37,15 +50,16 @@ void AddRoomForGdi(CFileParts &parts, const BITMAPINFOHEADER &header, ULONGLONG 
 // False when the file does not have what its headers claim.
 bool FindParts(CFileParts &parts, const BITMAPINFOHEADER &header, DWORD nOffset, DWORD nFile)
 {
-    const ULONGLONG nTable = CUIDibTableSize(CUIDibColorCount(header));
-    const LONGLONG nRow =
-        ((static_cast<LONGLONG>(header.biBitCount) * header.biWidth >> 3) + 1) & ~1;
-    const LONGLONG nHeight = header.biHeight;
-    // The headers were read, whatever a length that is no length says.
-    if (nFile < nHeaders || nFile == INVALID_FILE_SIZE)
+    // Both headers were read: a length that says otherwise is none.
+    if (nFile < HEADERS_SIZE || nFile == INVALID_FILE_SIZE)
         return false;
-    const DWORD nBehind = nFile - nHeaders;
-    if (nTable > nBehind || nRow < 0 || (nRow > nFile && nHeight != 0))
+    const ULONGLONG nTable = CUIDibTableSize(CUIDibColorCount(header));
+    if (nTable > nFile - HEADERS_SIZE)
+        return false;
+    const LONGLONG nRow = WordAlignedRow(header);
+    const LONGLONG nHeight = header.biHeight;
+    // With longer rows the product could overflow.
+    if (nRow < 0 || (nRow > nFile && nHeight != 0))
         return false;
     const ULONGLONG nPixels = static_cast<ULONGLONG>(nRow * (nHeight < 0 ? -nHeight : nHeight));
     // Files are not sought beyond what a long holds.
@@ -80,7 +94,7 @@ BITMAPINFOHEADER *ReadDib(CCUFile &file, const char *pszFile, DWORD &nSize)
         CUDump("CUIBmpDIBFromFile: error reading header for %s.\n", pszFile);
         return nullptr;
     }
-    if (fileHeader.bfType != wBitmapType) {
+    if (fileHeader.bfType != BMP_TYPE) {
         CUDump("CUIBmpDIBFromFile: %s is not a bitmap.\n", pszFile);
         return nullptr;
     }
@@ -107,13 +121,63 @@ BITMAPINFOHEADER *ReadDib(CCUFile &file, const char *pszFile, DWORD &nSize)
     return reinterpret_cast<BITMAPINFOHEADER *>(pBlock);
 }
 
+// The start of a DIB. Every kind of header begins with its size; the OS/2 one has nothing else in
+// common with the others.
+union CDibStart
+{
+    BITMAPINFOHEADER m_info;
+    BITMAPCOREHEADER m_core;
+};
+
+// Turns any header into one of 40 bytes or more. Returns the bytes before pixels that follow the
+// colours.
+ULONGLONG ReadHeader(const CDibStart &start, BITMAPINFOHEADER &header)
+{
+    const BITMAPCOREHEADER &core = start.m_core;
+    if (core.bcSize != sizeof core) {
+        header = start.m_info;
+        return CUIDibHeaderSize(header) + CUIDibTableSize(CUIDibTableColors(header));
+    }
+    header = {};
+    header.biSize = sizeof header;
+    header.biPlanes = core.bcPlanes;
+    header.biWidth = core.bcWidth;
+    header.biHeight = core.bcHeight;
+    header.biBitCount = core.bcBitCount;
+    return sizeof core + CUIDibColorCount(header) * static_cast<ULONGLONG>(sizeof(RGBTRIPLE));
+}
+
+// Whether all that the header claims lies within the nSize bytes that begin with it. nPixels is
+// where the pixels are said to start; 0: right after the colours.
+bool IsSound(const CDibStart &start, ULONGLONG nPixels, ULONGLONG nSize, bool &bBottomUp)
+{
+    BITMAPINFOHEADER header;
+    const ULONGLONG nHead = ReadHeader(start, header);
+    const ULONGLONG nImage = CUIDibImageSize(header);
+    bBottomUp = header.biHeight > 0;
+    // In a file, which tells where its pixels are, colours may be claimed that are not there.
+    // Reading them is safe: LoadImage maps the file, and no header with its colours reaches beyond
+    // the first page.
+    if (nPixels != 0)
+        return nPixels + nImage <= nSize;
+    // Without pixels LoadImage still looks at the first byte after the colours.
+    return nHead < nSize && nHead + nImage <= nSize;
+}
+
+HRSRC FindBitmap(HINSTANCE hInst, const char *pszName)
+{
+    return FindResourceA(hInst, pszName, reinterpret_cast<const char *>(RT_BITMAP));
+}
+
 }  // namespace
+
+// --- Files ---
 
 BITMAPINFOHEADER *CUIReadDib(const CCUString &sFile, DWORD &nSize)
 {
     const char *pszFile = sFile;
     CCUFile file;
-    if (!file.Open(pszFile, CCUFile::modeRead | CCUFile::shareDenyWrite | CCUFile::modeNoInherit)) {
+    if (!file.Open(pszFile, READ_MODE)) {
         CUDump("CUIBmpDIBFromFile: error opening %s.\n", pszFile);
         return nullptr;
     }
@@ -124,4 +188,54 @@ BITMAPINFOHEADER *CUIBmpDIBFromFile(const CCUString &sFile)
 {
     DWORD nSize = 0;
     return CUIReadDib(sFile, nSize);
+}
+
+bool CUIBmpFileIsSound(CCUFile &file, const char *pszName, bool &bBottomUp)
+{
+    BITMAPFILEHEADER fileHeader;
+    CDibStart start = {};
+    if (!file.Open(pszName, READ_MODE) ||
+        file.Read(&fileHeader, sizeof fileHeader) != sizeof fileHeader ||
+        file.Read(&start, sizeof start) < sizeof start.m_core)
+        return false;
+    const DWORD nOffset = fileHeader.bfOffBits;
+    if (nOffset != 0 && nOffset < sizeof fileHeader)
+        return false;
+    const DWORD nPixels = nOffset != 0 ? nOffset - sizeof fileHeader : 0;
+    const ULONGLONG nSize = static_cast<ULONGLONG>(file.GetLength()) - sizeof fileHeader;
+    return IsSound(start, nPixels, nSize, bBottomUp);
+}
+
+// --- Resources ---
+
+HRSRC CUIFindBitmap(HINSTANCE hInst, const char *pszName)
+{
+    const HRSRC hRsrcImage = FindBitmap(hInst, pszName);
+    CU_ASSERT(hRsrcImage);
+    return hRsrcImage;
+}
+
+CCUIBitmapResource::CCUIBitmapResource(HINSTANCE hInst, HRSRC hRsrc)
+    : m_hGlobal(LoadResource(hInst, hRsrc)), m_nSize(m_hGlobal ? SizeofResource(hInst, hRsrc) : 0)
+{
+}
+
+const BITMAPINFOHEADER *CCUIBitmapResource::Dib() const
+{
+    return m_nSize < sizeof(BITMAPINFOHEADER)
+               ? nullptr
+               : static_cast<const BITMAPINFOHEADER *>(LockResource(m_hGlobal));
+}
+
+bool CUIBmpResourceIsSound(HINSTANCE hInst, const char *pszName, bool &bBottomUp)
+{
+    const HRSRC hRsrc = FindBitmap(hInst, pszName);
+    const HGLOBAL hGlobal = hRsrc ? LoadResource(hInst, hRsrc) : nullptr;
+    const void *pData = hGlobal ? LockResource(hGlobal) : nullptr;
+    if (!pData)
+        return false;
+    const DWORD nSize = SizeofResource(hInst, hRsrc);
+    CDibStart start = {};
+    memcpy(&start, pData, nSize < sizeof start ? nSize : sizeof start);
+    return IsSound(start, 0, nSize, bBottomUp);
 }
