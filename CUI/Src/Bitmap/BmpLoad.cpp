@@ -19,9 +19,6 @@ namespace {
 // the depth.
 const DWORD FULL_TABLE = CUI_DIB_MAX_COLORS * sizeof(RGBQUAD);
 
-// What comes before the pixels in a DIB that is made here.
-const DWORD PLAIN_HEAD = sizeof(BITMAPINFOHEADER) + FULL_TABLE;
-
 const WORD PALETTE_VERSION = 0x300;
 
 // A palette that a display can have.
@@ -143,20 +140,19 @@ const void *PlainRows(HBITMAP hSection)
     return bPlain ? section.dsBm.bmBits : nullptr;
 }
 
-// The section's colours and its first nRows rows, nRowBytes each, behind the header. The caller
-// frees the block; null when there is no memory or the system does not give the rows.
-BITMAPINFOHEADER *ReadSection(HDC hScreen, HBITMAP hSection, const BITMAPINFOHEADER &header,
-                              DWORD nRows, DWORD nRowBytes)
+// A DIB of the header, the section's colours and its first nRows rows, nRowBytes each. The caller
+// frees it; null when there is no memory or the system does not give the rows.
+CUIDibHead *ReadSection(HDC hScreen, HBITMAP hSection, const BITMAPINFOHEADER &header, DWORD nRows,
+                        DWORD nRowBytes)
 {
-    char *pBlock = static_cast<char *>(malloc(PLAIN_HEAD + nRows * nRowBytes));
-    if (!pBlock)
+    CUIDibHead *pDib = static_cast<CUIDibHead *>(malloc(sizeof(CUIDibHead) + nRows * nRowBytes));
+    if (!pDib)
         return nullptr;
-    memset(pBlock, 0, PLAIN_HEAD);
-    BITMAPINFO *pInfo = reinterpret_cast<BITMAPINFO *>(pBlock);
-    pInfo->bmiHeader = header;
-    if (GetDIBits(hScreen, hSection, 0, nRows, pBlock + PLAIN_HEAD, pInfo, DIB_RGB_COLORS))
-        return &pInfo->bmiHeader;
-    free(pBlock);
+    memset(pDib, 0, sizeof *pDib);
+    pDib->m_header = header;
+    if (GetDIBits(hScreen, hSection, 0, nRows, pDib + 1, pDib->Info(), DIB_RGB_COLORS))
+        return pDib;
+    free(pDib);
     return nullptr;
 }
 
@@ -170,7 +166,7 @@ HBITMAP ConvertSection(HDC hScreen, CCUIOwned<HBITMAP> &section, bool bBottomUp,
 
     BITMAPINFOHEADER header = PlainHeader(bm);
     const ULONGLONG nImage = CUIDibImageSize(header);
-    if (nImage > static_cast<size_t>(-1) - PLAIN_HEAD)
+    if (nImage > static_cast<size_t>(-1) - sizeof(CUIDibHead))
         return nullptr;
     header.biSizeImage = static_cast<DWORD>(nImage);
 
@@ -179,15 +175,15 @@ HBITMAP ConvertSection(HDC hScreen, CCUIOwned<HBITMAP> &section, bool bBottomUp,
     const DWORD nRows = static_cast<DWORD>(labs(bm.bmHeight));
     const DWORD nRowsRead = pOwnRows && nRows > 1 ? 1 : nRows;
     const DWORD nRowBytes = nRows ? header.biSizeImage / nRows : 0;
-    BITMAPINFOHEADER *pbih = ReadSection(hScreen, section, header, nRowsRead, nRowBytes);
-    if (!pbih)
+    CUIDibHead *pDib = ReadSection(hScreen, section, header, nRowsRead, nRowBytes);
+    if (!pDib)
         return nullptr;
     // A large picture need not be in memory three times.
     if (!pOwnRows)
         section.Delete();
-    const void *pRows = pOwnRows ? pOwnRows : reinterpret_cast<char *>(pbih) + PLAIN_HEAD;
-    const HBITMAP hBitmap = Convert(hScreen, pbih, pRows, phPal, pMap);
-    free(pbih);
+    const void *pRows = pOwnRows ? pOwnRows : pDib + 1;
+    const HBITMAP hBitmap = Convert(hScreen, &pDib->m_header, pRows, phPal, pMap);
+    free(pDib);
     return hBitmap;
 }
 

@@ -17,15 +17,8 @@ namespace {
 // Pictures of this many colours are what the replacing is for; later colours stay.
 const DWORD MAPPED_COLORS = 16;
 
-// A copy of the header and the colours, to be changed without the DIB.
-struct CDibHead
-{
-    BITMAPINFOHEADER m_header;
-    RGBQUAD m_colors[CUI_DIB_MAX_COLORS];
-};
-
 // Button colours of the usual scheme become the present ones.
-void MapSysColors(CDibHead &head)
+void MapSysColors(CUIDibHead &head)
 {
     const DWORD buttons[CUI_BUTTON_COLORS] = {
         GetSysColor(COLOR_BTNTEXT), GetSysColor(COLOR_BTNSHADOW), GetSysColor(COLOR_BTNFACE),
@@ -44,14 +37,13 @@ bool HasPixelsAt(ULONGLONG nPixels, const BITMAPINFOHEADER &header, DWORD nSize)
 }
 
 // False when the system cannot draw it.
-bool DrawDib(HDC hScreen, HBITMAP hBitmap, const CDibHead &head, const void *pPixels)
+bool DrawDib(HDC hScreen, HBITMAP hBitmap, const CUIDibHead &head, const void *pPixels)
 {
     const int cx = head.m_header.biWidth;
     const int cy = abs(head.m_header.biHeight);
     const HDC hMemory = g_bmpImageDC.For(hScreen);
     const CCUISelect select(hMemory, hBitmap);
-    return StretchDIBits(hMemory, 0, 0, cx, cy, 0, 0, cx, cy, pPixels,
-                         reinterpret_cast<const BITMAPINFO *>(&head.m_header), DIB_RGB_COLORS,
+    return StretchDIBits(hMemory, 0, 0, cx, cy, 0, 0, cx, cy, pPixels, head.Info(), DIB_RGB_COLORS,
                          SRCCOPY) > 0;
 }
 
@@ -64,7 +56,7 @@ HBITMAP SysColorBitmap(const BITMAPINFOHEADER *pbih, DWORD nSize, bool bMapColor
     const ULONGLONG nPixels = sizeof *pbih + CUIDibTableSize(1U << pbih->biBitCount);
     if (!HasPixelsAt(nPixels, *pbih, nSize))
         return nullptr;
-    CDibHead head = {};
+    CUIDibHead head = {};  // a copy: the DIB's own colours stay
     memcpy(&head, pbih, nSize < sizeof head ? nSize : sizeof head);
     if (bMapColors)
         MapSysColors(head);

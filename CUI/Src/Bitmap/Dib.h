@@ -8,6 +8,16 @@
 // The room for a colour table that no depth outgrows.
 const DWORD CUI_DIB_MAX_COLORS = 256;
 
+// A header of 40 bytes with a full table.
+struct CUIDibHead
+{
+    BITMAPINFOHEADER m_header;
+    RGBQUAD m_colors[CUI_DIB_MAX_COLORS];
+
+    BITMAPINFO *Info() { return reinterpret_cast<BITMAPINFO *>(this); }
+    const BITMAPINFO *Info() const { return reinterpret_cast<const BITMAPINFO *>(this); }
+};
+
 // The number of colours that the header claims.
 DWORD CUIDibColorCount(const BITMAPINFOHEADER &header);
 
