@@ -4,8 +4,7 @@
 #include "Base/Wrap.h"
 #include "CU/Dump.h"
 #include "CUI/Data.h"
-
-#include "Drawing/BmpArgs.h"
+#include "Drawing/RasterOps.h"
 
 namespace {
 
@@ -110,7 +109,8 @@ private:
 CStateDrawing::CStateDrawing(HDC hDC, const CUIBmpStateRects &rects)
     : m_hDC(hDC), m_rects(rects), m_cx(CUIWidth(rects.rcArea)), m_cy(CUIHeight(rects.rcArea))
 {
-    // The 1 is subtracted across only: what cannot be centred leans to the left, never upwards.
+    // An image that cannot be centred exactly stands further left, but never further up: the 1 is
+    // subtracted from the free width only.
     const int cxFree = CUWrapSub(CUIWidth(rects.rcCenter), CUIWidth(rects.rcSource));
     const int cyFree = CUWrapSub(CUIHeight(rects.rcCenter), CUIHeight(rects.rcSource));
     m_x = CUWrapAdd(CUWrapAdd(cxFree, -1) / 2, CUWrapSub(rects.rcCenter.left, rects.rcArea.left));
