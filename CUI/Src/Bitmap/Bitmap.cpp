@@ -41,8 +41,8 @@ void RefreshDimensions(CUIBitmapData &data)
     data.m_nWidth = data.m_nHeight = data.m_nDepth = 0;
     if (!data.m_hBitmap)
         return;
-    // Asked without a buffer, systems tell one or the other size for a DIB section. A BITMAP comes
-    // first in both records.
+    // For a DIB section Wine 8 tells the size of a BITMAP here, other systems that of a DIBSECTION,
+    // which begins with a BITMAP.
     DIBSECTION section = {};
     const int nSize = GetObjectA(data.m_hBitmap, 0, nullptr);
     if (nSize == sizeof(BITMAP) || nSize == sizeof(DIBSECTION))

@@ -39,8 +39,8 @@ bool IsCompressed(const BITMAPINFOHEADER &header)
     return header.biCompression != BI_RGB && header.biCompression != BI_BITFIELDS;
 }
 
-// Of a compressed DIB: whether GDI can read it, that is, it has runs of its depth, tells their size
-// and has the lowest row first. Not every system refuses the others by itself.
+// Of a compressed DIB: whether it has runs of its depth, tells their size and has the lowest row
+// first. GDI can read no others; Wine 8 refuses them by itself, other systems are not trusted to.
 bool HasRuns(const BITMAPINFOHEADER &header)
 {
     const DWORD nDepth = header.biBitCount;

@@ -160,7 +160,8 @@ bool IsSound(const CDibStart &start, ULONGLONG nPixels, ULONGLONG nSize, bool &b
     // the first page.
     if (nPixels != 0)
         return nPixels + nImage <= nSize;
-    // Without pixels LoadImage still looks at the first byte after the colours.
+    // Even for a picture without pixels LoadImage (Wine 8) looks at the first byte after the
+    // colours.
     return nHead < nSize && nHead + nImage <= nSize;
 }
 

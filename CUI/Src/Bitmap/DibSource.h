@@ -31,9 +31,9 @@ private:
     DWORD m_nSize;
 };
 
-// The next two tell whether LoadImage may be given the name: it believes what headers claim, and
-// that of some systems reads beyond the end of the data. bBottomUp receives whether the lowest row
-// comes first, which GetObject does not tell of the section that LoadImage makes.
+// The next two tell whether LoadImage may be given the name: it believes what headers claim, and in
+// Wine 8 it reads beyond the end of the data then. bBottomUp receives whether the lowest row comes
+// first, which GetObject does not tell of the section that LoadImage makes.
 
 // Opens the file and checks it. Nobody can change it as long as it stays open.
 bool CUIBmpFileIsSound(CCUFile &file, const char *pszName, bool &bBottomUp);
