@@ -1,5 +1,7 @@
 #include "AutoRunDlg.h"
 
+#include "Base/GdiGuards.h"
+#include "Base/Wrap.h"
 #include "CUI/BmpBlt.h"
 #include "CUI/OffScreenDC.h"
 #include "CUI/ResourceString.h"
@@ -8,24 +10,19 @@
 
 namespace {
 
-constexpr COLORREF s_crText = RGB(0, 0, 0);
-constexpr COLORREF s_crEmboss = RGB(255, 255, 255);
+const COLORREF TEXT_COLOR = RGB(0, 0, 0);
+const COLORREF EMBOSS_COLOR = RGB(255, 255, 255);
 
-// How long the exit line stays lit before Escape closes the launcher.
-constexpr DWORD s_nEscapePause = 500;
+// How long the exit line stays lit before Escape closes the launcher, in milliseconds.
+const DWORD ESCAPE_PAUSE = 500;
 
-constexpr WORD s_wBitmapFlags = CUIBMP_PALETTE | CUIBMP_RESOURCE;
+const WORD BITMAP_FLAGS = CUIBMP_PALETTE | CUIBMP_RESOURCE;
 
-// Both ends of a text belong to it. The table may hold any numbers, so the sum needs more bits.
+// Both ends of a text belong to it. The string table may hold any number, so the sum is made in 64
+// bits.
 bool IsWithin(LONG n, LONG nFirst, LONG nLength)
 {
     return n >= nFirst && n <= static_cast<long long>(nFirst) + nLength;
-}
-
-// Whatever number the table holds, the text goes up and left of it.
-int Before(LONG n, DWORD nPixels)
-{
-    return static_cast<int>(static_cast<DWORD>(n) - nPixels);
 }
 
 void DrawWhole(HDC hDC, const POINT &at, const CCUIBitmap &bitmap)
@@ -39,8 +36,8 @@ void DrawLine(HDC hDC, int x, int y, const CCUString &sText)
     TextOutA(hDC, x, y, sText, sText.GetLength());
 }
 
-// What has been drawn may wait, in a batch or behind the queue's next message, to be shown; a
-// thread that sleeps looks for none.
+// Drawing may wait to be shown: in a batch of GDI's on NT, and in Wine 8 until the thread looks for
+// messages next, which it does not while it sleeps.
 void ShowDrawing()
 {
     GdiFlush();
@@ -51,9 +48,9 @@ void ShowDrawing()
 
 CAutoRunDlg::CAutoRunDlg(HINSTANCE hInstance)
     : CCUIDialog(hInstance, MAKEINTRESOURCEA(IDD_AUTORUN)),
-      m_bmpBackground(IDB_BACKGROUND, s_wBitmapFlags, hInstance),
-      m_bmpProduct(IDB_PRODUCT, s_wBitmapFlags, hInstance),
-      m_bmpBullet(IDB_BULLET, s_wBitmapFlags, hInstance),
+      m_bmpBackground(IDB_BACKGROUND, BITMAP_FLAGS, hInstance),
+      m_bmpProduct(IDB_PRODUCT, BITMAP_FLAGS, hInstance),
+      m_bmpBullet(IDB_BULLET, BITMAP_FLAGS, hInstance),
       m_ptProductBMP(),
       m_ptProductIcon(),
       m_ptTitleDVR(),
@@ -90,7 +87,7 @@ int CAutoRunDlg::OnInitDialog(HWND hFocus, LPARAM lParam)
 
 void CAutoRunDlg::ReadFonts(CSkinTable &table)
 {
-    // Any program may send the message that leads here once more.
+    // Another program may send the window the message that leads here once more.
     DeleteFonts();
     m_hFontTitle = table.ReadFont(IDS_TITLE_FONT);
     m_hFontItem = table.ReadFont(IDS_ITEM_FONT);
@@ -206,7 +203,7 @@ void CAutoRunDlg::OnLButtonUp(UINT, POINT &point)
         SetHotSpot(HitTest(point));
         if (m_nPressed == m_nHotSpot)
             Activate(m_nHotSpot);
-        // Without a window to name, the whole desktop would be painted again.
+        // Activate may have ended the window. For a null one all windows would be painted again.
         if (m_hWnd) {
             ReleaseCapture();
             InvalidateRect(m_hWnd, nullptr, TRUE);
@@ -232,7 +229,7 @@ int CAutoRunDlg::PreTranslateMessage(MSG *pMsg)
         return CCUIDialog::PreTranslateMessage(pMsg);
     SetHotSpot(HotSpotExit);
     ShowDrawing();
-    Sleep(s_nEscapePause);
+    Sleep(ESCAPE_PAUSE);
     EndDialog(IDCANCEL);
     return 1;
 }
@@ -258,12 +255,11 @@ void CAutoRunDlg::Start(UINT nCommandLineID)
 
 int CAutoRunDlg::OnEraseBkgnd(HDC hDC)
 {
-    const int nSaved = SaveDC(hDC);
+    const CCUISavedDC saved(hDC);
     if (IsIconic(m_hWnd))
         PaintIcon(hDC);
     else
         PaintPicture(hDC);
-    RestoreDC(hDC, nSaved);
     return 1;
 }
 
@@ -306,16 +302,15 @@ void CAutoRunDlg::DrawBitmaps(HDC hDC)
 void CAutoRunDlg::DrawTexts(HDC hDC)
 {
     SetBkMode(hDC, TRANSPARENT);
-    SetTextColor(hDC, s_crText);
-    const HGDIOBJ hOldFont = SelectObject(hDC, m_hFontTitle);
+    SetTextColor(hDC, TEXT_COLOR);
+    // At the end it selects what was there before all three: the DC outlives the fonts.
+    const CCUISelect font(hDC, m_hFontTitle);
     DrawLine(hDC, m_ptTitleDVR.x, m_ptTitleDVR.y, m_strTitle);
     SelectObject(hDC, m_hFontAbout);
     DrawTextA(hDC, m_strAbout, m_strAbout.GetLength(), &m_rectAbout, 0);
     SelectObject(hDC, m_hFontItem);
     MeasureHotSpots(hDC);
     DrawHotSpots(hDC);
-    // The DC is shared and outlives the fonts.
-    SelectObject(hDC, hOldFont);
 }
 
 void CAutoRunDlg::MeasureHotSpots(HDC hDC)
@@ -339,11 +334,11 @@ void CAutoRunDlg::DrawHotSpots(HDC hDC)
         // While another line is held down, the one under the mouse stays dark.
         if (m_nHotSpot != i || (m_nPressed != i && m_nPressed != HotSpotNone))
             continue;
-        SetTextColor(hDC, s_crEmboss);
-        DrawLine(hDC, Before(at.x, 2), Before(at.y, 2), sText);
+        SetTextColor(hDC, EMBOSS_COLOR);
+        DrawLine(hDC, CUWrapSub(at.x, 2), CUWrapSub(at.y, 2), sText);
         SetTextColor(hDC, m_clrHighlight);
-        DrawLine(hDC, Before(at.x, 1), Before(at.y, 1), sText);
-        SetTextColor(hDC, s_crText);
+        DrawLine(hDC, CUWrapSub(at.x, 1), CUWrapSub(at.y, 1), sText);
+        SetTextColor(hDC, TEXT_COLOR);
     }
 }
 
@@ -351,8 +346,8 @@ void CAutoRunDlg::DrawHotSpots(HDC hDC)
 
 long CAutoRunDlg::WindowProc(UINT message, WPARAM wParam, LPARAM lParam)
 {
-    // That lParam is compared, which holds no window here, makes the launcher realise its palette
-    // on its own change too; the second time nothing changes any more.
+    // The window that changed the palette is in wParam. That lParam is compared makes the launcher
+    // realise its palette after a change of its own, too; then nothing changes any more.
     const bool bOther = message == WM_PALETTECHANGED && reinterpret_cast<HWND>(lParam) != m_hWnd;
     if (message != WM_QUERYNEWPALETTE && !bOther)
         return CCUIDialog::WindowProc(message, wParam, lParam);
@@ -365,15 +360,13 @@ long CAutoRunDlg::WindowProc(UINT message, WPARAM wParam, LPARAM lParam)
 // Whether colours of the screen changed.
 bool CAutoRunDlg::RealizeBackground()
 {
-    const HDC hDC = GetDC(m_hWnd);
+    const CCUIWindowDC hDC(m_hWnd);
     const HPALETTE hPalette = m_bmpBackground;
-    bool bChanged = false;
-    if (hPalette) {
-        const HPALETTE hOld = SelectPalette(hDC, hPalette, FALSE);
-        const UINT nChanged = RealizePalette(hDC);
-        bChanged = nChanged > 0 && nChanged != GDI_ERROR;
-        SelectPalette(hDC, hOld, FALSE);
-    }
-    ReleaseDC(m_hWnd, hDC);
-    return bChanged;
+    if (!hPalette)
+        return false;
+    // By hand: the guard for palettes would realise the old one again at its end.
+    const HPALETTE hOld = SelectPalette(hDC, hPalette, FALSE);
+    const UINT nChanged = RealizePalette(hDC);
+    SelectPalette(hDC, hOld, FALSE);
+    return nChanged > 0 && nChanged != GDI_ERROR;
 }

@@ -10,8 +10,8 @@
 namespace {
 
 // Whatever the display's resolution: the pictures around the texts do not grow with it either.
-constexpr int s_nPixelsPerInch = 96;
-constexpr int s_nPointsPerInch = 72;
+const int PIXELS_PER_INCH = 96;
+const int POINTS_PER_INCH = 72;
 
 }  // namespace
 
@@ -65,6 +65,6 @@ HFONT CSkinTable::ReadFont(UINT nID)
         "(PCTSTR)logFont.lfFaceName) == 4");
     m_logFont.lfWeight = m_nBold > 0 ? FW_BOLD : FW_NORMAL;
     m_logFont.lfItalic = m_nItalic != 0;
-    m_logFont.lfHeight = -MulDiv(m_nHeight, s_nPixelsPerInch, s_nPointsPerInch);
+    m_logFont.lfHeight = -MulDiv(m_nHeight, PIXELS_PER_INCH, POINTS_PER_INCH);
     return CreateFontIndirectA(&m_logFont);
 }

@@ -40,6 +40,6 @@ HDC CCUIBmpSharedDC::For(HDC hDC)
     Release();
     m_hDC = CreateCompatibleDC(hDC);
     CU_ASSERT_TEXT(m_hDC, "*pMemDC = CreateCompatibleDC(hDC)");
-    m_nBits = nBits;  // compatible: the same
+    m_nBits = nBits;  // what is compatible has the same
     return m_hDC;
 }

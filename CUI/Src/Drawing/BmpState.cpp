@@ -4,8 +4,7 @@
 #include "Base/Wrap.h"
 #include "CU/Dump.h"
 #include "CUI/Data.h"
-
-#include "Drawing/BmpArgs.h"
+#include "Drawing/RasterOps.h"
 
 namespace {
 
@@ -37,7 +36,7 @@ private:
     HBRUSH m_hbrPattern = nullptr;
 };
 
-// A checkerboard of 8 by 8: highlight where column plus row is odd.
+// A checkerboard of 8 by 8, face and highlight colour.
 HBRUSH MakePattern(DWORD crFace, DWORD crHilite)
 {
     struct
@@ -46,7 +45,7 @@ HBRUSH MakePattern(DWORD crFace, DWORD crHilite)
         RGBQUAD colors[2];
     } info = {{sizeof(BITMAPINFOHEADER), 8, 8, 1, 1, BI_RGB, 0, 0, 0, 0, 0},
               {Quad(crFace), Quad(crHilite)}};
-    DWORD bits[8];
+    DWORD bits[8];  // the lowest row first, each aligned to a double word
     for (int nRow = 0; nRow < 8; ++nRow)
         bits[nRow] = nRow % 2 == 0 ? 0xAA : 0x55;
     const CCUIWindowDC screen(nullptr);
@@ -86,7 +85,8 @@ struct CReleaseAtExit
     ~CReleaseAtExit() { s_cache.Release(); }
 } s_releaseAtExit;
 
-// One drawing: the image is in the bitmap DC, a bitmap of the area's size in the mask DC.
+// One drawing. Meanwhile the image is selected into the cache's bitmap DC, and a monochrome bitmap
+// of the area's size into its mask DC.
 class CStateDrawing
 {
 public:
@@ -110,7 +110,8 @@ private:
 CStateDrawing::CStateDrawing(HDC hDC, const CUIBmpStateRects &rects)
     : m_hDC(hDC), m_rects(rects), m_cx(CUIWidth(rects.rcArea)), m_cy(CUIHeight(rects.rcArea))
 {
-    // The 1 is subtracted across only: what cannot be centred leans to the left, never upwards.
+    // An image that cannot be centred exactly stands further left, but never further up: the 1 is
+    // subtracted from the free width only.
     const int cxFree = CUWrapSub(CUIWidth(rects.rcCenter), CUIWidth(rects.rcSource));
     const int cyFree = CUWrapSub(CUIHeight(rects.rcCenter), CUIHeight(rects.rcSource));
     m_x = CUWrapAdd(CUWrapAdd(cxFree, -1) / 2, CUWrapSub(rects.rcCenter.left, rects.rcArea.left));
@@ -130,8 +131,9 @@ void CStateDrawing::DrawImage() const
               SRCCOPY);
 }
 
-// 1 where nothing is to be seen: outside the image and at its background colours. Shifting takes
-// out the place of the embossed copy as well.
+// Makes the mask 1 where nothing of the image is to be seen: around it and where it has one of its
+// background colours. With bShift it is 0 as well where the embossed look has its second copy, one
+// pixel further right and down.
 void CStateDrawing::MakeMask(DWORD crFace, DWORD crHilite, bool bShift) const
 {
     const HDC hMaskDC = s_cache.MaskDC();

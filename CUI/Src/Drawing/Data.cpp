@@ -2,15 +2,14 @@
 
 #include <string.h>
 
+#include "Base/GdiGuards.h"
 #include "Base/Multimedia.h"
 #include "Base/Unload.h"
 #include "CU/Assert.h"
 
-#include "Base/GdiGuards.h"
-
 #define CU_SOURCE "Data"
 
-// Of later systems; earlier ones answer 0.
+// Of Windows XP; earlier systems answer 0.
 #if !defined(COLOR_MENUHILIGHT)
 #define COLOR_MENUHILIGHT 29
 #define COLOR_MENUBAR 30
@@ -51,8 +50,8 @@ HPEN SolidPen(DWORD cr)
     return CreatePen(PS_SOLID, 0, cr);
 }
 
-// Deletes all before it makes any again. The tags end here: GDI takes those with an odd top byte,
-// button face's and window's, for palette indexes, and would paint black.
+// Deletes all before it makes any again. The tags are taken off: GDI takes a colour with an odd top
+// byte, as those of button face and window have, for a palette index, and would paint black.
 template <typename Handle, size_t N>
 void Renew(const CColored<Handle> (&fields)[N], Handle (*make)(DWORD))
 {
@@ -71,7 +70,7 @@ HFONT BoldFont(const LOGFONTA &font)
     return CreateFontIndirectA(&bold);
 }
 
-// What a newer system calls by a name of its own, or the older colour in its place.
+// A colour that only newer systems have; on others the older colour in its place.
 DWORD NewerColor(int nIndex, DWORD crOlder)
 {
     const DWORD cr = GetSysColor(nIndex);

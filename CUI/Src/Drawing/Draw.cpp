@@ -20,8 +20,8 @@ void Order(LONG &a, LONG &b)
     b = old;
 }
 
-// A negative width or height goes back from x or y. Systems differ in the pixel where it starts, so
-// PatBlt gets to see the strip from its near end.
+// A negative width or height goes back from x or y, without the pixel there. PatBlt of Wine 8 takes
+// that one in and leaves out the last, so it gets positive sizes only.
 void Invert(HDC hDC, int x, int y, int cx, int cy)
 {
     if (cx < 0) {
@@ -95,7 +95,8 @@ void CUIDCDraw3dRect(HDC hDC, int x, int y, int cx, int cy, DWORD crTopLeft, DWO
     const int bottom = CUWrapAdd(y, cy);
     const int right1 = CUWrapAdd(right, -1);
     const int bottom1 = CUWrapAdd(bottom, -1);
-    // The column and the row at the far sides start at the edge and go back by one.
+    // The rectangles of the right column and the bottom row have their edges reversed: they go back
+    // from the far edge by one pixel.
     if (!bTrim) {
         const CCUIBkColor color(hDC, crTopLeft);
         Fill(hDC, {x, y, right1, y1});

@@ -60,11 +60,11 @@ void CCUIOffScreenDC::Grow(HDC hDC, int cx, int cy)
         // Text drawn on a picture does not bring a box along.
         SetBkMode(m_memDC, TRANSPARENT);
     }
-    CCUIBitmap bitmap;
-    bitmap =
-        CreateCompatibleBitmap(hDC, Larger(cx, m_bitmap.Width()), Larger(cy, m_bitmap.Height()));
-    // The old bitmap is let go only when another one has taken its place in the DC: it cannot be
-    // deleted before, and what could not be made leaves the old one in use.
+    const CCUIBitmap bitmap(
+        CreateCompatibleBitmap(hDC, Larger(cx, m_bitmap.Width()), Larger(cy, m_bitmap.Height())),
+        nullptr);
+    // The old bitmap goes when the new one has taken its place in the DC: before that it cannot be
+    // deleted. Without a new one it stays in use.
     if (SelectObject(m_memDC, static_cast<HBITMAP>(bitmap)))
         m_bitmap = bitmap;
 }

@@ -10,29 +10,30 @@
 
 namespace {
 
-const int SYSTEM_COLORS = 31;  // of the newest systems; others say 0 for what they don't have
-const int METRICS = SM_CYFRAME + 1;
+// Those of Windows XP. Earlier systems answer 0 for the ones that they do not have.
+const int WATCHED_COLORS = 31;
+const int WATCHED_METRICS = SM_CYFRAME + 1;
 
 struct CColors
 {
-    DWORD cr[SYSTEM_COLORS];
+    DWORD cr[WATCHED_COLORS];
 
     void Read()
     {
-        for (int i = 0; i < SYSTEM_COLORS; ++i)
+        for (int i = 0; i < WATCHED_COLORS; ++i)
             cr[i] = GetSysColor(i);
     }
 };
 
 struct CMetrics
 {
-    int n[METRICS];
+    int n[WATCHED_METRICS];
     NONCLIENTMETRICSA nonClient;
     ICONMETRICSA icons;
 
     void Read()
     {
-        for (int i = 0; i < METRICS; ++i)
+        for (int i = 0; i < WATCHED_METRICS; ++i)
             n[i] = GetSystemMetrics(i);
         nonClient.cbSize = sizeof nonClient;
         SystemParametersInfoA(SPI_GETNONCLIENTMETRICS, sizeof nonClient, &nonClient, 0);

@@ -41,7 +41,8 @@ void RefreshDimensions(CUIBitmapData &data)
     data.m_nWidth = data.m_nHeight = data.m_nDepth = 0;
     if (!data.m_hBitmap)
         return;
-    // What GetObject wants for a DIB section differs between systems; a BITMAP comes first in both.
+    // For a DIB section Wine 8 tells the size of a BITMAP here, other systems that of a DIBSECTION,
+    // which begins with a BITMAP.
     DIBSECTION section = {};
     const int nSize = GetObjectA(data.m_hBitmap, 0, nullptr);
     if (nSize == sizeof(BITMAP) || nSize == sizeof(DIBSECTION))
@@ -53,8 +54,8 @@ void RefreshDimensions(CUIBitmapData &data)
                    "m_nWidth > 0 && m_nHeight > 0 && m_nDepth > 0");
 }
 
-// What to try when the resource's own name finds nothing: the number that a text is, or the id as
-// it was given, which may have been looked for too early.
+// What to try when the first name finds nothing: the id that a text tells in decimal digits; an id
+// or name that was given as such once more.
 const char *SecondID(const CUIBitmapSource &source)
 {
     if (source.m_sBitmap.IsEmpty())
@@ -92,7 +93,8 @@ HBITMAP LoadResourceBitmap(CUIBitmapSource &source, const CSubstitution &map)
     const HBITMAP hBitmap = LoadNamed(source, source.m_hInst, pszName, map);
     if (hBitmap)
         return hBitmap;
-    CUIBmpDeleteObject(&source.m_hPalette);  // made before the bitmap was found impossible
+    // The palette is made before the bitmap, which failed.
+    CUIBmpDeleteObject(&source.m_hPalette);
     return LoadNamed(source, source.m_hInst, SecondID(source), map);
 }
 
@@ -103,7 +105,7 @@ HBITMAP LoadFileBitmap(CUIBitmapSource &source, const CSubstitution &map)
     return LoadNamed(source, nullptr, source.m_sBitmap, map);
 }
 
-// A trace may call code that lets go of the bitmap: the caller holds the record meanwhile.
+// The caller holds the record: code that a trace calls may let go of the bitmap.
 void LoadFromSource(CUIBitmapData &data, const CSubstitution &map)
 {
     if (!data.m_pSource)
@@ -200,11 +202,13 @@ void CCUIBitmap::Load(const char *pszName, WORD wFlags, HINSTANCE hInst)
 
 void CCUIBitmap::ReLoad(DWORD *pFrom, DWORD *pTo, int nCount)
 {
+    // What the other copies show stays: this one goes on with a record of its own.
     const CUIBitmapSource *pSource = m_pchData->m_pSource;
-    const CCUIBitmap hold = m_pchData->m_nRefs >= 2 && pSource
-                                ? LoadNew(pSource->m_pszID ? CCUString() : pSource->m_sBitmap,
-                                          pSource->m_pszID, pSource->m_wFlags, pSource->m_hInst)
-                                : *this;
+    const bool bDetach = pSource && m_pchData->m_nRefs >= 2;
+    // Another owner of the record, since code that a trace calls may delete this object.
+    const CCUIBitmap hold =
+        bDetach ? LoadNew(pSource->m_sBitmap, pSource->m_pszID, pSource->m_wFlags, pSource->m_hInst)
+                : *this;
     // NOLINTNEXTLINE(clang-analyzer-cplusplus.NewDelete): the count keeps the record.
     LoadFromSource(*hold.m_pchData, {pFrom, pTo, nCount});
 }
@@ -255,7 +259,8 @@ const CUIBitmapData *CCUIBitmap::GetData() const
     return m_pchData;
 }
 
-// The end of copying an empty bitmap, or one whose record nobody holds any more.
+// Ends a copy of an empty bitmap, or of one whose record nobody holds any more: that copy becomes
+// empty.
 void CCUIBitmap::ShareNothing(const CCUIBitmap &bitmapSrc)
 {
     if (m_pchData == &nilData) {
@@ -280,7 +285,7 @@ void CCUIBitmap::Adopt(HBITMAP hBitmap, HPALETTE hPalette)
     RefreshDimensions(*m_pchData);
 }
 
-// The record's owner beside this object, which code that a trace calls may delete.
+// Returns another owner of the record, since code that a trace calls may delete this object.
 CCUIBitmap CCUIBitmap::LoadNew(const CCUString &sName, const char *pszID, WORD wFlags,
                                HINSTANCE hInst)
 {

@@ -1,11 +1,17 @@
-#include "Drawing/PackedDib.h"
+#include "Bitmap/Dib.h"
 
 #include <limits.h>
 
 namespace {
 
-// More than any block can have, and still far from the end of 64 bits.
-const ULONGLONG nImpossible = 1ULL << 62;
+// More than any block has. Sums with other sizes still fit into 64 bits.
+const ULONGLONG IMPOSSIBLE_SIZE = 1ULL << 62;
+
+const ULONGLONG MAX_ROW_SIZE = 1ULL << 31;
+
+const DWORD WRITABLE_PAGE =
+    PAGE_READWRITE | PAGE_WRITECOPY | PAGE_EXECUTE_READWRITE | PAGE_EXECUTE_WRITECOPY;
+const DWORD READABLE_PAGE = WRITABLE_PAGE | PAGE_READONLY | PAGE_EXECUTE_READ;
 
 RGBQUAD ToQuad(DWORD cr)
 {
@@ -18,19 +24,29 @@ bool IsColor(const RGBQUAD &color, DWORD cr)
            color.rgbRed == GetRValue(cr) && color.rgbReserved == 0;
 }
 
+bool IsTakenByGdi(const BITMAPINFOHEADER &header)
+{
+    const bool bHeaderSize = header.biSize >= sizeof(BITMAPINFOHEADER) &&
+                             header.biSize <= sizeof(BITMAPV5HEADER) &&
+                             header.biSize % sizeof(DWORD) == 0;
+    const bool bMasks = header.biCompression != BI_BITFIELDS || header.biBitCount % 16 == 0;
+    return bHeaderSize && bMasks && header.biPlanes == 1 && header.biBitCount <= 32 &&
+           header.biWidth >= 0 && header.biHeight != LONG_MIN;
+}
+
 bool IsCompressed(const BITMAPINFOHEADER &header)
 {
     return header.biCompression != BI_RGB && header.biCompression != BI_BITFIELDS;
 }
 
-// Whether there is a picture of runs, the lowest row first; of others not every system tells that
-// it cannot read them.
+// Of a compressed DIB: whether it has runs of its depth, tells their size and has the lowest row
+// first. GDI can read no others; Wine 8 refuses them by itself, other systems are not trusted to.
 bool HasRuns(const BITMAPINFOHEADER &header)
 {
-    return header.biCompression == (header.biBitCount == 8   ? BI_RLE8
-                                    : header.biBitCount == 4 ? BI_RLE4
-                                                             : BI_RGB) &&
-           header.biHeight > 0 && header.biSizeImage != 0;
+    const DWORD nDepth = header.biBitCount;
+    const bool bOfDepth = (header.biCompression == BI_RLE8 && nDepth == 8) ||
+                          (header.biCompression == BI_RLE4 && nDepth == 4);
+    return bOfDepth && header.biSizeImage != 0 && header.biHeight > 0;
 }
 
 // The bytes in which GDI looks for colours.
@@ -43,9 +59,15 @@ ULONGLONG TableSize(const BITMAPINFOHEADER &header)
     return CUIDibTableSize(nColors < nMost ? nColors : nMost);
 }
 
+bool IsAccessible(const MEMORY_BASIC_INFORMATION &region, bool bWrite)
+{
+    return region.State == MEM_COMMIT && !(region.Protect & PAGE_GUARD) &&
+           (region.Protect & (bWrite ? WRITABLE_PAGE : READABLE_PAGE));
+}
+
 }  // namespace
 
-const DWORD CUIButtonGreys[CUI_BUTTON_COLORS] = {0x000000, 0x808080, 0xC0C0C0, 0xFFFFFF};
+const DWORD CUI_BUTTON_GREYS[CUI_BUTTON_COLORS] = {0x000000, 0x808080, 0xC0C0C0, 0xFFFFFF};
 
 void CUIReplaceColors(RGBQUAD *pTable, DWORD nColors, const CUIColorMap &map)
 {
@@ -80,18 +102,15 @@ ULONGLONG CUIDibHeaderSize(const BITMAPINFOHEADER &header)
 
 ULONGLONG CUIDibImageSize(const BITMAPINFOHEADER &header)
 {
-    if (header.biSize < sizeof(BITMAPINFOHEADER) || header.biSize > sizeof(BITMAPV5HEADER) ||
-        header.biSize % sizeof(DWORD) != 0 || header.biPlanes != 1 || header.biWidth < 0 ||
-        header.biHeight == LONG_MIN || header.biBitCount > 32 ||
-        (header.biCompression == BI_BITFIELDS && header.biBitCount % 16 != 0))
-        return nImpossible;
+    if (!IsTakenByGdi(header))
+        return IMPOSSIBLE_SIZE;
     if (IsCompressed(header))
-        return HasRuns(header) ? header.biSizeImage : nImpossible;
+        return HasRuns(header) ? header.biSizeImage : IMPOSSIBLE_SIZE;
     const ULONGLONG nWidth = static_cast<ULONGLONG>(header.biWidth);
     const LONGLONG nHeight = header.biHeight;
     const ULONGLONG nRow = ((header.biBitCount * nWidth + 31) >> 5) * 4;
-    return nRow >= 1ULL << 31 ? nImpossible
-                              : nRow * static_cast<ULONGLONG>(nHeight < 0 ? -nHeight : nHeight);
+    return nRow >= MAX_ROW_SIZE ? IMPOSSIBLE_SIZE
+                                : nRow * static_cast<ULONGLONG>(nHeight < 0 ? -nHeight : nHeight);
 }
 
 ULONGLONG CUIDibExtent(const BITMAPINFOHEADER &header, ULONGLONG nPixels)
@@ -103,35 +122,18 @@ ULONGLONG CUIDibExtent(const BITMAPINFOHEADER &header, ULONGLONG nPixels)
 
 bool CUIMemoryHolds(const void *p, ULONGLONG nSize, bool bWrite)
 {
-    const DWORD nWritable =
-        PAGE_READWRITE | PAGE_WRITECOPY | PAGE_EXECUTE_READWRITE | PAGE_EXECUTE_WRITECOPY;
-    const DWORD nReadable = nWritable | PAGE_READONLY | PAGE_EXECUTE_READ;
-    const ULONGLONG nEnd = reinterpret_cast<ULONG_PTR>(p) + nSize;
+    const ULONG_PTR nLastAddress = ~static_cast<ULONG_PTR>(0);
     ULONGLONG nAt = reinterpret_cast<ULONG_PTR>(p);
+    const ULONGLONG nEnd = nAt + nSize;
     while (nAt < nEnd) {
         MEMORY_BASIC_INFORMATION region;
-        if (nAt > ~static_cast<ULONG_PTR>(0) ||
+        if (nAt > nLastAddress ||
             !VirtualQuery(reinterpret_cast<void *>(static_cast<ULONG_PTR>(nAt)), &region,
                           sizeof region) ||
-            region.State != MEM_COMMIT || (region.Protect & PAGE_GUARD) ||
-            !(region.Protect & (bWrite ? nWritable : nReadable)))
+            !IsAccessible(region, bWrite))
             return false;
         nAt = reinterpret_cast<ULONG_PTR>(region.BaseAddress) +
               static_cast<ULONGLONG>(region.RegionSize);
     }
     return true;
-}
-
-void CUIRealizeForLoad(HDC hDC, HPALETTE hPal)
-{
-    if (!hPal)
-        return;
-    SelectPalette(hDC, hPal, FALSE);
-    RealizePalette(hDC);
-}
-
-HBITMAP CUIDibToBitmap(HDC hDC, const BITMAPINFOHEADER *pbih, const void *pPixels)
-{
-    return CreateDIBitmap(hDC, pbih, CBM_INIT, pPixels, reinterpret_cast<const BITMAPINFO *>(pbih),
-                          DIB_RGB_COLORS);
 }

@@ -1,28 +1,22 @@
+#include "CUI/BmpLoad.h"
+
 #include <stdlib.h>
 #include <string.h>
 
 #include "Base/GdiGuards.h"
+#include "Bitmap/Dib.h"
 #include "CUI/BmpBlt.h"
-#include "CUI/BmpLoad.h"
-#include "Drawing/PackedDib.h"
 
 namespace {
 
-// The largest header that GDI fills in.
-struct CDibHeader
-{
-    BITMAPINFO m_info;
-    RGBQUAD m_more[CUI_DIB_MAX_COLORS - 1];
-};
-
+// The bytes before the pixels. Other depths than these have no table here.
 DWORD HeaderSize(const BITMAPINFOHEADER &header)
 {
     DWORD nColors = header.biClrUsed;
     if (nColors == 0 &&
         (header.biBitCount == 1 || header.biBitCount == 4 || header.biBitCount == 8))
         nColors = 1U << header.biBitCount;
-    const bool bCore = header.biSize == sizeof(BITMAPCOREHEADER);
-    return header.biSize + nColors * (bCore ? sizeof(RGBTRIPLE) : sizeof(RGBQUAD));
+    return sizeof header + nColors * sizeof(RGBQUAD);
 }
 
 BITMAPINFOHEADER *ToDib(HDC hDC, HBITMAP hbm, DWORD &dwHeaderSize)
@@ -30,8 +24,8 @@ BITMAPINFOHEADER *ToDib(HDC hDC, HBITMAP hbm, DWORD &dwHeaderSize)
     BITMAP bm;
     if (GetObjectA(hbm, sizeof bm, &bm) != sizeof bm)
         return nullptr;
-    CDibHeader filled = {};
-    BITMAPINFOHEADER &header = filled.m_info.bmiHeader;
+    CUIDibHead head = {};
+    BITMAPINFOHEADER &header = head.m_header;
     header.biSize = sizeof header;
     header.biWidth = bm.bmWidth;
     header.biHeight = bm.bmHeight;
@@ -39,19 +33,19 @@ BITMAPINFOHEADER *ToDib(HDC hDC, HBITMAP hbm, DWORD &dwHeaderSize)
     header.biBitCount = static_cast<WORD>(bm.bmPlanes * bm.bmBitsPixel);
     header.biCompression = BI_RGB;
     const UINT nRows = static_cast<UINT>(bm.bmHeight);
-    GetDIBits(hDC, hbm, 0, nRows, nullptr, &filled.m_info, DIB_RGB_COLORS);
+    GetDIBits(hDC, hbm, 0, nRows, nullptr, head.Info(), DIB_RGB_COLORS);
     const ULONGLONG nImage = header.biSizeImage ? header.biSizeImage : CUIDibImageSize(header);
     dwHeaderSize = HeaderSize(header);
     const ULONGLONG nBlock = dwHeaderSize + nImage;
-    if (dwHeaderSize > sizeof filled || nBlock > static_cast<size_t>(-1))
+    if (dwHeaderSize > sizeof head || nBlock > static_cast<size_t>(-1))
         return nullptr;
     header.biSizeImage = static_cast<DWORD>(nImage);
-    // Never smaller than what GDI may write as a header.
+    // GDI may write a full table, however many colours there are.
     char *pBlock = static_cast<char *>(
-        malloc(nBlock > sizeof filled ? static_cast<size_t>(nBlock) : sizeof filled));
+        malloc(nBlock > sizeof head ? static_cast<size_t>(nBlock) : sizeof head));
     if (!pBlock)
         return nullptr;
-    memcpy(pBlock, &filled, dwHeaderSize);
+    memcpy(pBlock, &head, dwHeaderSize);
     BITMAPINFO *pInfo = reinterpret_cast<BITMAPINFO *>(pBlock);
     if (!GetDIBits(hDC, hbm, 0, nRows, pBlock + dwHeaderSize, pInfo, DIB_RGB_COLORS)) {
         free(pBlock);
