@@ -10,7 +10,7 @@
 /// Reports one failed check into the day's trace file, "/ZELTrace-%Y-%m-%d.txt" in the temporary
 /// directory: time, expression, source, line, the thread's last error and stack, and what the
 /// report handlers add. Shows nothing and stops nothing. Only the first 10 failed checks of a
-/// process are reported; one whose report cannot be written, and is dropped, counts among them. The
+/// process are reported; a report that cannot be written is dropped, but counts among the 10. The
 /// last error is kept. Returns 0: go on.
 CU_API int CUDisplayAssert(const char *expression, const char *file, int line);
 

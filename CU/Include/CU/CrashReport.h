@@ -11,12 +11,12 @@
 /// effect.
 CU_API void CUStartExceptionHandler();
 
-/// Whether the process ends after a crash report, at once and with the exception's code as exit
-/// code, instead of going on to the system's own handling, which may wait in a dialog. False at
-/// first.
+/// Sets whether the process ends after a crash report, at once and with the exception's code as
+/// exit code, instead of going on to the system's own handling, which may wait in a dialog. At
+/// first it does not.
 CU_API void CUShutdownAfterCrash(bool bShutdown);
 
 /// Deletes the trace files of the temporary directory, "ZELTrace-YYYY-MM-DD.txt", of days that lie
 /// more than daysToKeep days back, each with the line "Deleting trace file: %s\n" in the trace.
-/// Today's is always kept; below 0 counts as 0. Returns how many were deleted.
+/// Today's is always kept; a number below 0 counts as 0. Returns how many were deleted.
 CU_API int CUPurgeTraceFiles(int daysToKeep = 30);

@@ -4,10 +4,10 @@
 /// The debug trace: one call brings a text to the log file in the temporary directory, to the
 /// registered windows, to the registered callbacks and to the debugger, in this order. Any thread
 /// may call; one critical section serialises everything here, callbacks included, so a callback
-/// must not wait for a thread that dumps. Nothing here fails towards its caller: an output that
-/// does not work is left out. The thread's last error is kept. From the first constructor of a
-/// global object to the last destructor; what comes later at process exit goes to the debugger
-/// only, and settings and registrations do nothing.
+/// must not wait for a thread that dumps. No failure is told to the caller: an output that does not
+/// work is left out. The thread's last error is kept. All this works from the first constructor of
+/// a global object to the last destructor. What is dumped later at process exit goes to the
+/// debugger only, and settings and registrations do nothing then.
 
 #include "CU/Platform.h"
 
@@ -64,11 +64,11 @@ CU_API void CUDumpUnRegisterWindow(HWND hWnd, unsigned int message);
 /// that have files: the files of the daysToKeep newest days stay, and of the day before them the
 /// newest file; with 0 or less, that is the newest file of all. Then by number: of those left, the
 /// oldest go until there are filesToKeep (below 0: 0), a file that is being opened included, though
-/// that one is made in any case. With manageAllFiles false (the default) the second step sees only
-/// as many files as were known: as the pruning before had left in its sight, and the one opened
-/// since. Unless manageAllFiles was true before, these are no more than this process has opened;
-/// which ones they are, only their number tells: the newest, whoever made them. A file that cannot
-/// be deleted is passed over.
+/// that one is made in any case. With manageAllFiles false (the default) the second step looks only
+/// at some of the newest files, whoever made them: at as many as the pruning before left of those
+/// that it looked at, and one more for the file opened since. Unless manageAllFiles was true
+/// before, that is no more than this process has opened. A file that cannot be deleted is passed
+/// over.
 ///
 /// Defaults: 30 days, 50 files, 0 bytes, false. A maxFileSize of 0 or less is no limit. Returns 1.
 CU_API int CUDumpConfigLogFileManagement(int daysToKeep, int filesToKeep, long maxFileSize,
@@ -78,21 +78,21 @@ CU_API int CUDumpConfigLogFileManagement(int daysToKeep, int filesToKeep, long m
 CU_API void CUDumpGetConfigLogFileManagement(int *daysToKeep, int *filesToKeep, long *maxFileSize,
                                              bool *manageAllFiles);
 
-/// Told after the text that followed the size limit has opened a new file and gone into it; also
-/// after each text that has gone into the full one because no new one could be made. What it dumps
-/// itself goes everywhere; where that runs over again it is told from inside itself, up to 8 calls
-/// deep.
+/// Called when a log file has passed its size limit: after the next text has opened a new file and
+/// gone into it, and also after each text that has gone into the full file because no new one could
+/// be made. What the callback dumps goes to all outputs. If that passes the limit again, the
+/// callback is called from inside itself, up to 8 calls deep.
 class CU_API CCUDumpFileOverrunCallback
 {
 public:
-    /// On the thread that dumped the text.
+    /// Called on the thread that dumped the text.
     virtual void OnFileOverrun() = 0;
 
 protected:
     ~CCUDumpFileOverrunCallback() = default;
 };
 
-/// Told when a log file has been opened, before the text goes into it.
+/// Called when a log file has been opened, before the text goes into it.
 class CU_API CCUDumpNewFileCallback
 {
 public:

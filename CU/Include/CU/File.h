@@ -42,24 +42,25 @@ public:
     CCUFile(const CCUFile &) = delete;
     CCUFile &operator=(const CCUFile &) = delete;
 
-    /// 1, or 0 when the file cannot be opened; the name is kept either way. A file that is still
-    /// open is closed first. Access or sharing bits that are not in the list above are reported
-    /// with "0" and fail, typeText is reported with "(nOpenFlags & typeText) == 0".
+    /// Opens a file. Returns 1, or 0 when the file cannot be opened; the name is kept either way. A
+    /// file that is still open is closed first. Access or sharing bits that are not in the list
+    /// above are reported with "0" and fail, typeText is reported with "(nOpenFlags & typeText) ==
+    /// 0".
     int Open(const char *name, unsigned int nOpenFlags);
     /// Whether the last Open succeeded and nothing has closed the file since.
     bool isOpen() const;  // NOLINT(readability-identifier-naming): callers know it so
     /// The name given to Open, empty after Close.
     CCUString GetFileName() const;
 
-    /// Bytes moved; 0 for a count of 0, and when the call fails. No open file is reported with
-    /// "m_hFile != 0", a null buffer with "lpBuf != 0".
+    /// Returns the bytes moved; 0 for a count of 0, and when the call fails. No open file is
+    /// reported with "m_hFile != 0", a null buffer with "lpBuf != 0".
     /// @{
     virtual unsigned int Read(void *lpBuf, unsigned int nCount);
     virtual unsigned int Write(const void *lpBuf, unsigned int nCount);
     /// @}
-    /// The new position in bytes from the start, or -1, reported with "0". No open file is reported
-    /// with "m_hFile != 0" before, an origin that is none with
-    /// "nFrom == begin || nFrom == end || nFrom == current". Files of 2 GiB and more are beyond it.
+    /// Moves the position. Returns the new one in bytes from the start, or -1, reported with "0".
+    /// No open file is reported with "m_hFile != 0" before, an origin that is none with "nFrom ==
+    /// begin || nFrom == end || nFrom == current". Files of 2 GiB and more are beyond it.
     virtual long Seek(long lOff, unsigned int nFrom);
 
     /// In bytes from the start; 0xFFFFFFFF on failure. Goes through Seek and its reports.
@@ -81,9 +82,9 @@ private:
 
 /// Creates the directories of a path that are missing, and where pathEndsInFileName is 0 also the
 /// one it ends with. The path is read as CUTranslateFileName gives it; of a network path the server
-/// is left alone, the share is the first to be looked at. 1, or 0 for an empty path or when one
-/// cannot be created, which is traced as "CreateDirectory %s error\n"; those created before stay. A
-/// file that stands where a directory should counts as present.
+/// is left alone, and the share is the first that is looked at. Returns 1, or 0 for an empty path
+/// or when a directory cannot be created, which is traced as "CreateDirectory %s error\n"; those
+/// created before stay. A file that stands where a directory should counts as present.
 CU_API int CCUFileCreateDirs(CCUString path, int pathEndsInFileName);
 
 /// The name with every "/" turned into "\", cut to 500 characters; empty for null.

@@ -11,6 +11,6 @@
 class CU_API CCUIIDGenerator
 {
 public:
-    /// Any thread.
+    /// The next one. Any thread may call it.
     static unsigned int GetNextID();
 };

@@ -5,9 +5,9 @@
 
 #include "CU/String.h"
 
-/// The process's language, a lower-case name such as "german"; "english" until one is set, and when
-/// an empty name is. Set it during start-up, on the main thread, before the first CUGetLocalizedID.
-/// No locking.
+/// The process's language, a lower-case name such as "german"; "english" until a language is set,
+/// and after an empty name is. Set it during start-up, on the main thread, before the first
+/// CUGetLocalizedID. No locking.
 /// @{
 CU_API void CUSetCurrentLanguage(CCUString language);
 CU_API CCUString CUGetCurrentLanguage();

@@ -29,22 +29,20 @@ public:
     bool Open(HKEY hRoot, const char *pszPath, bool bReadOnly = true);
     /// Without effect when nothing is open.
     void Close();
-    /// Whether a key is open, and whether it must not be written to: true without one.
-    /// @{
+    /// Whether a key is open.
     bool IsOpen() const { return m_hKey != nullptr; }
+    /// Whether the key must not be written to; true when none is open.
     bool IsReadOnly() const { return m_bReadOnly; }
-    /// @}
     /// For calls that are not here; still owned by the object, null when nothing is open.
     HKEY GetKey() const { return m_hKey; }
     /// The path below the root, without a backslash at either end.
     const CCUString &GetPath() const { return m_sPath; }
 
-    /// To the key "d\e" below the open one, by the rules of Open; back to the parent, up to the
-    /// root. On failure the present key stays open.
-    /// @{
+    /// Goes on to the key "d\e" below the open one, by the rules of Open. On failure the present
+    /// key stays open.
     bool Descend(const char *pszPath);
+    /// Goes back to the parent; false at the root. On failure the present key stays open.
     bool Ascend();
-    /// @}
 
     /// Read a value of the fitting type: false, with the output unchanged, when it does not exist
     /// or is of another type. Strings: REG_SZ, or REG_EXPAND_SZ as it stands. Integers: REG_DWORD.
@@ -52,8 +50,9 @@ public:
     bool GetString(const char *pszName, CCUString &sValue) const;
     bool GetInt(const char *pszName, int &nValue) const;
     /// @}
-    /// Any type. nSize: bytes that `data` has room for, then bytes read; false when it is too
-    /// small, with the size that is needed in nSize. A null `data` asks for the size.
+    /// Reads a value of any type. nSize: bytes that `data` has room for, then bytes read; false
+    /// when it is too small, with the size that is needed in nSize. A null `data` asks for the
+    /// size.
     bool GetBinary(const char *pszName, void *data, DWORD &nSize) const;
 
     /// Store a value as REG_SZ, REG_DWORD, REG_BINARY, in place of what was there.
@@ -62,7 +61,7 @@ public:
     bool SetInt(const char *pszName, int nValue);
     bool SetBinary(const char *pszName, const void *data, DWORD nSize);
     /// @}
-    /// False when there is no such value.
+    /// Deletes a value; false when there is no such value.
     bool DeleteValue(const char *pszName);
     /// Removes the key "d\e" below the open one with all that is in it. A link to another key goes
     /// itself, and what it points to stays.

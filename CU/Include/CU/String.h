@@ -36,14 +36,14 @@ extern CU_API const char *const CUPchNil;
 /// characters one by one: some 60 times a growing buffer's time), where it moves the block each
 /// time all of the text is copied each time (some 180 times). Build long texts with GetBuffer.
 ///
-/// Blocks of up to 128 bytes are for the thread that started the program nearly free: it keeps a
+/// Blocks of up to 128 bytes cost the thread that started the program next to nothing: it keeps a
 /// few of each size for its next strings.
 ///
 /// One object is for one thread at a time; objects that share a block may be copied, changed and
 /// destroyed on different threads. Contract breaches are reported with the source "String" and the
-/// operation goes on, with a length that can be: a negative one counts as 0, one past the capacity
-/// is cut to it, and one beyond 2147483646 leaves the empty string. So nothing but SetAt ever
-/// writes outside the block. Running out of memory is not reported to the caller.
+/// operation goes on, with a length that is possible: a negative one counts as 0, one past the
+/// capacity is cut to it, and one beyond 2147483646 leaves the empty string. So nothing but SetAt
+/// ever writes outside the block. Running out of memory is not reported to the caller.
 class CU_API CCUString
 {
 public:
@@ -63,8 +63,8 @@ public:
     CCUString(const char *psz);
     CCUString(const unsigned char *psz);
     /// @}
-    /// Exactly nLength characters, NULs among them too; null is empty whatever the length. A length
-    /// that cannot be is reported and gives the empty string.
+    /// Exactly nLength characters, NULs among them too; null is empty whatever the length. An
+    /// impossible length is reported and gives the empty string.
     CCUString(const char *pch, int nLength);
     /// nRepeat times ch; empty when nRepeat is below 1.
     CCUString(char ch, int nRepeat);
@@ -105,7 +105,8 @@ public:
     /// Valid until the next call that changes or destroys this string.
     operator const char *() const { return m_pchData; }
 
-    /// 0 to GetLength(), where the terminating NUL is. Asserted, not stopped, outside.
+    /// The character at an index from 0 to GetLength(), where the terminating NUL is. An index
+    /// outside is reported, and read all the same.
     /// @{
     char GetAt(int nIndex) const
     {
@@ -116,8 +117,8 @@ public:
     }
     char operator[](int nIndex) const { return GetAt(nIndex); }
     /// @}
-    /// 0 to GetLength() - 1. Asserted outside, and stored all the same: on the empty string into
-    /// the NUL that all empty strings share.
+    /// Stores a character at an index from 0 to GetLength() - 1. An index outside is reported, and
+    /// stored to all the same: on the empty string, into the NUL that all empty strings share.
     void SetAt(int nIndex, char ch);
 
     /// Append; the text may be this string's own.
@@ -167,8 +168,8 @@ public:
     void TrimLeft();     ///< white space by the C library's isspace
     /// @}
 
-    /// Replaces the text by a formatted one. Makes room for what the format lets expect (each
-    /// number 32 characters, each float 512, each `%c` 2, each text its length or width, cut to its
+    /// Replaces the text by a formatted one. Makes room for what the format suggests (each number
+    /// 32 characters, each float 512, each `%c` 2, each text its length or width, cut to its
     /// precision) unless this string alone has a block with as much, and never grows: output beyond
     /// the capacity, such as "%10.3s" or "%.600f" in a string without room, is reported and cut.
     ///
@@ -197,8 +198,8 @@ public:
     /// Until UnlockBuffer the block belongs to this string alone: copies take blocks of their own,
     /// Empty keeps it, and so does an assignment that fits (one that does not takes a larger block,
     /// locked as well). An empty string without a block has nothing to lock. Returns the
-    /// characters, for writing up to GetAllocLength(); unlocking what is not locked is reported, no
-    /// more.
+    /// characters, for writing up to GetAllocLength(); unlocking what is not locked is reported and
+    /// does nothing else.
     /// @{
     char *LockBuffer();
     void UnlockBuffer();
@@ -213,8 +214,8 @@ public:
     CCUString ConvertToANSI() const;
     /// Base64 of all bytes, with "=" padding, without line breaks.
     CCUString Encode64() const;
-    /// The bytes that the characters of the alphabet give; all others are skipped, left-over bits
-    /// dropped. Never fails.
+    /// The bytes that the characters of the Base64 alphabet stand for; all other characters are
+    /// skipped, left-over bits dropped. Never fails.
     CCUString Decode64() const;
 
 protected:

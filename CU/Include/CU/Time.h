@@ -81,14 +81,16 @@ class CU_API CCUTime
 public:
     /// The current time.
     CCUTime();
-    /// That many seconds after 1970-01-01 00:00:00 UTC; a negative number as said above.
+    /// That many seconds after 1970-01-01 00:00:00 UTC; a negative number becomes the greatest
+    /// instant.
     CCUTime(long nSeconds) : m_nTime(Clamp(nSeconds)) {}
     /// The same instant; the greatest one for a negative one.
     CCUTime(const CCUTime &other) : m_nTime(Clamp(other.m_nTime)) {}
     /// Calendar fields in the zone `tzi`: full year, month 1..12. isDst: 1, the fields are daylight
-    /// time; 0, standard time; -1, the zone's rules decide. Fields are not normalised: with a date
-    /// or time of day that does not exist only the zone's offset remains of them. A result before
-    /// 1970 or after 2038-01-19 03:14:07 UTC is traced and becomes the greatest instant.
+    /// time; 0, standard time; -1, the zone's rules decide. Fields are not normalised: a date or
+    /// time of day that does not exist counts as 0, so that only the zone's offset remains. A
+    /// result before 1970 or after 2038-01-19 03:14:07 UTC is traced and becomes the greatest
+    /// instant.
     CCUTime(int nYear, int nMonth, int nDay, int nHour, int nMinute, int nSecond, int isDst = -1,
             const _TIME_ZONE_INFORMATION *tzi = nullptr);
     /// The same from a record in the current zone, milliseconds dropped. A year before 1900 gives
@@ -130,13 +132,14 @@ public:
     tm *GetLocalTm(tm *out, const _TIME_ZONE_INFORMATION *tzi) const;
     /// @}
 
-    /// The difference, which wraps; sums, of which a negative one becomes the greatest instant.
+    /// The difference of two instants, which wraps, and the instant a span later or earlier, where
+    /// a negative result becomes the greatest instant.
     /// @{
     CCUTimeSpan operator-(const CCUTime &other) const;
     CCUTime operator+(CCUTimeSpan span) const;
     CCUTime operator-(CCUTimeSpan span) const;
     /// @}
-    /// In place and without that replacement.
+    /// The same in place; a negative result stays.
     /// @{
     CCUTime &operator+=(CCUTimeSpan span);
     CCUTime &operator-=(CCUTimeSpan span);

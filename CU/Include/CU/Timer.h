@@ -29,7 +29,7 @@ public:
     /// A message loop in here does not serve the thread's other timers: the notification for them
     /// is asked for when this serving ends, when a timer is armed that is due before all others, or
     /// half a second after the thread's first timer was armed, whereupon the loop serves them all.
-    /// Who wants something modal from a timer posts a message, to a window of its own or to
+    /// A timer that wants to run something modal posts a message, to a window of its own or to
     /// CUGetWindow (CU.h), and does it there.
     virtual void TimeOut(long nNow);
 

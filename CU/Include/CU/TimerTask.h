@@ -24,15 +24,16 @@ public:
     /// pending multimedia timer to run out, with a line in the trace.
     void OnThreadExit(bool bKillTimer) override;
 
-    /// Arms the timer in nMilliseconds, in place of an earlier alarm of the same timer. Timers due
-    /// at the same millisecond are served in the order of arming. Nothing after CUShutdown.
+    /// Arms the timer to be due in nMilliseconds, in place of an earlier alarm of the same timer.
+    /// Timers due at the same millisecond are served in the order of arming. Does nothing after
+    /// CUShutdown.
     void SetAlarm(CCUTimer *pTimer, long nMilliseconds);
-    /// Nothing when the timer is not armed, and after CUShutdown. A timer that is armed but not in
-    /// this task's list (armed by another thread) is reported, and disarmed all the same; it is
-    /// counted off this list's length, though it stays in the other list.
+    /// Disarms the timer. Does nothing when it is not armed, and after CUShutdown. A timer that is
+    /// armed but not in this task's list (armed by another thread) is reported, and disarmed all
+    /// the same; it is counted off this list's length, though it stays in the other list.
     void KillAlarm(CCUTimer *pTimer);
     /// Asks the system for one notification when the first timer is due (after 60 s at the latest).
-    /// Nothing after CUShutdown.
+    /// Does nothing after CUShutdown.
     void ResetTimer();
 
     /// The calling thread's task, made by the first call; null when there is no storage for it or

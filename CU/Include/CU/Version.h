@@ -15,8 +15,8 @@ public:
     CCUVersionInfo();
     ~CCUVersionInfo();
 
-    /// Exactly one holds on a system known to us: Win32s, Windows 95 and its successors, Windows
-    /// NT.
+    /// Win32s; Windows 95 and its successors; Windows NT. On a system known to us exactly one
+    /// holds.
     /// @{
     bool IsWin32() const;
     bool IsWin95() const;
@@ -24,12 +24,12 @@ public:
     /// @}
     /// The installed service pack, such as "Service Pack 6"; empty when there is none.
     CCUString GetVerString() const;
-    /// Of version 4.10 major is 4, minor 10.
+    /// The version: of 4.10, major is 4 and minor is 10.
     /// @{
     int GetMajor() const;
     int GetMinor() const;
     /// @}
-    /// On Windows 95 and its successors the upper word repeats major and minor version.
+    /// The build. On Windows 95 and its successors its upper word repeats major and minor version.
     int GetBuildNumber() const;
 
 private:

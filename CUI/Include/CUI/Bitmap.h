@@ -62,7 +62,7 @@ public:
         if (m_pchData == &nilData || InterlockedIncrement(&m_pchData->m_nRefs) <= 1)
             ShareNothing(bitmapSrc);
     }
-    /// Load, as said above; of an id the low 16 bits.
+    /// Load a bitmap, as said above; of an id the low 16 bits count.
     /// @{
     CCUIBitmap(UINT nID, WORD wFlags, HINSTANCE hInst);
     CCUIBitmap(const char *pszName, WORD wFlags, HINSTANCE hInst);
@@ -80,8 +80,8 @@ public:
 
     /// Releases what is held and shares the other one's record.
     CCUIBitmap &operator=(const CCUIBitmap &bitmapSrc);
-    /// Takes the handle over, on the same terms, without palette. Null empties the object; its own
-    /// handle changes nothing.
+    /// Takes the handle over, on the same terms, without palette. Null empties the object; the
+    /// handle that the object has already changes nothing.
     CCUIBitmap &operator=(HBITMAP hBitmap);
 
     /// Release what is held and load as the constructors do.

@@ -7,12 +7,13 @@
 /// that is returned came from malloc and is freed with free; one that is given stays the caller's.
 /// Bitmaps and palettes that are returned are the caller's, to be deleted with DeleteObject. The
 /// number of colours is biClrUsed, or 2^biBitCount when that is 0 and the depth 8 bits or less, or
-/// 0. Failures return null; nothing is reported unless said so. Headers and files are taken for
-/// untrusted: what they claim and do not hold leads to null. For the user-interface thread.
+/// 0. Failures return null; nothing is reported unless said so. Headers and files are not trusted:
+/// what they claim but do not have leads to null. For the user-interface thread.
 ///
-/// The palettes of the functions named so have all colours that the file or resource claims and
-/// has, and more than 65,535 give none; that of CUIBmpLoad has as many as the depth does. Of a DIB
-/// that comes without a size it is the first 256, since nobody vouches for more.
+/// The functions with "Palette" in their names make palettes of all colours that the file or
+/// resource claims and has, and none of more than 65,535 colours. The palette of CUIBmpLoad has as
+/// many as the depth allows, that of a DIB whose size is not known the first 256, since nobody
+/// vouches for more.
 ///
 /// Where a palette is made, it is selected into the screen's DC as a foreground palette and
 /// realised before the bitmap is made.
@@ -29,8 +30,8 @@
 ///                                  40 bytes   1, 4 and 8 bits with a full colour table
 ///     CUIBmpCreateBitmap           not OS/2   all, in a layout of its own (see there)
 ///
-/// Runs (BI_RLE4, BI_RLE8) must tell their size. Of files, all but CUIBmpLoad want as many bytes of
-/// them as the picture would take without.
+/// Runs (BI_RLE4, BI_RLE8) must tell their size. Of files with runs, all functions but CUIBmpLoad
+/// want as many bytes as the picture would take without runs.
 ///
 /// Rows from the top down (a negative biHeight) are shown as they are meant, except by CUIBmpLoad
 /// and so CCUIBitmap::Load, which show what the system's LoadImage makes of them: on some systems
@@ -48,17 +49,16 @@ class CCUString;
 /// file header or no bitmap is traced.
 CUI_API BITMAPINFOHEADER *CUIBmpDIBFromFile(const CCUString &sFile);
 
-/// A palette of the first 256 colours of the table, which is taken to start 40 bytes after the
-/// header's start: for headers of 40 bytes without masks.
-/// *pnColors is the number of colours that the header claims. Null for no colours. Neither pointer
-/// may be null.
+/// A palette of the first 256 colours of the table. The table is taken to start 40 bytes after the
+/// header's start, so this is for headers of 40 bytes without masks. *pnColors is the number of
+/// colours that the header claims. Null for no colours. Neither pointer may be null.
 CUI_API HPALETTE CUIBmpCreateDIBPalette(BITMAPINFO *pbmi, int *pnColors);
 
 /// A DDB of a BMP file, read as CUIBmpDIBFromFile does, and in hPal its palette, or null. The
 /// palette is the caller's, also when the system could make no bitmap and null is returned.
 CUI_API HBITMAP CUIBmpLoadBitmapFilePalette(const CCUString &sFile, HPALETTE &hPal);
 
-/// The same of a bitmap resource. One that is missing is reported with "hRsrcImage".
+/// The same for a bitmap resource. One that is missing is reported with "hRsrcImage".
 CUI_API HBITMAP CUIBmpLoadBitmapPalette(HINSTANCE hInst, const char *pszName, HPALETTE &hPal);
 
 /// A DDB of a bitmap resource, or of a BMP file when hInst is null and pszName a string; a file
@@ -80,12 +80,12 @@ CUI_API HBITMAP CUIBmpLoad(HINSTANCE hInst, const char *pszName, HPALETTE *phPal
 CUI_API HBITMAP CUIBmpCreateBitmap(BITMAPINFOHEADER *pbih, HPALETTE *phPal, bool bMapColors,
                                    DWORD *pFrom, DWORD *pTo, int nCount);
 
-/// DDBs of a BMP file or a bitmap resource of 8 bits or less whose pixels follow a header of 40
-/// bytes and a full colour table (2^biBitCount entries), however many biClrUsed says are in use;
-/// null where there is room for more. Where bSysColors is not 0, and always for resources, those of
-/// the first 16 colours that are black, grey, silver or white become the system's present button
-/// colours: for pictures of 16 colours. CUIBmpLoadBitmap reports a missing resource with
-/// "hRsrcImage".
+/// DDBs of a BMP file or a bitmap resource. They are for 8 bits or less, where the pixels follow a
+/// header of 40 bytes and a full colour table (2^biBitCount entries), however many biClrUsed says
+/// are in use; null where there is room for more. Where bSysColors is not 0, and always for
+/// resources, those of the first 16 colours that are black, grey, silver or white become the
+/// system's present button colours: for pictures of 16 colours. CUIBmpLoadBitmap reports a missing
+/// resource with "hRsrcImage".
 /// @{
 CUI_API HBITMAP CUIBmpLoadBitmapFile(const CCUString &sFile, int bSysColors);
 CUI_API HBITMAP CUIBmpLoadSysColorBitmap(HINSTANCE hInst, HRSRC hRsrc);

@@ -20,7 +20,7 @@ enum CCUICommandState : unsigned short
     /// @}
 };
 
-/// Serves one command, or a block of commands with consecutive identifiers, and stands in the
+/// Serves one command, or a block of commands with consecutive identifiers. It is in the
 /// CCUICommandMap from its construction to its destruction. For the user-interface thread only.
 class CUI_API CCUICommandHandler
 {
@@ -28,14 +28,14 @@ public:
     /// Serves nIDRange identifiers from nID on, none with a range of 0. An nID of 0 draws new
     /// identifiers from CCUIIDGenerator, one at least; a negative one (2^31 and above) makes a
     /// handler that serves no command and is in no map (its range must be 1, or "nIDRange == 1" is
-    /// reported). A failed CCUICommandMap::Add is reported as "CCUICommandMap::Add(this)": so with
-    /// a range of 2^31 and above, which no table can hold. GetID and GetIDRange answer as ever
-    /// then.
+    /// reported). A failed CCUICommandMap::Add is reported as "CCUICommandMap::Add(this)": for
+    /// example with a range of 2^31 and above, which no table can hold. GetID and GetIDRange answer
+    /// all the same.
     CCUICommandHandler(unsigned int nID, unsigned int nIDRange);
     CCUICommandHandler(const CCUICommandHandler &) = delete;
     CCUICommandHandler &operator=(const CCUICommandHandler &) = delete;
-    /// Leaves the map; reports "CCUICommandMap::Remove(this)" when that fails, as it does where Add
-    /// failed. Not virtual: delete a handler as what it was made.
+    /// Leaves the map. It reports "CCUICommandMap::Remove(this)" when that fails, as it does where
+    /// Add failed. Not virtual: delete a handler as what it was made.
     ~CCUICommandHandler();
 
     /// @name Operations

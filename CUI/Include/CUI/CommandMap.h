@@ -33,14 +33,14 @@ public:
     static CCUICommandHandler *Lookup(unsigned int nID) { return s_this._Lookup(nID); }
 
     /// Puts the handler (null: none) into the identifier's slot and returns the one that was there,
-    /// for the caller to put back if that still lives then. Outside the tables' present length:
-    /// null, and nothing changes. A handler of identifier -1, which serves none, does not take
-    /// itself out of the slot when it is destroyed: another one must be put there before.
+    /// for the caller to put back later if it still exists then. Outside the tables' present
+    /// length: null, and nothing changes. A handler of identifier -1, which serves none, does not
+    /// take itself out of the slot when it is destroyed: another one must be put there before.
     static CCUICommandHandler *Override(unsigned int nID, CCUICommandHandler *pCmdHandler);
 
-    /// Refreshes the commands whose state does not ask for something else: HandleUpdate for every
-    /// identifier with a handler whose GetState has no bit of 0x3D, in ascending order. Entries
-    /// that a pass appends by growing the table that it walks are left to the next pass.
+    /// Refreshes the commands: calls HandleUpdate for every identifier with a handler, in ascending
+    /// order, but not where GetState has a bit of 0x3D (all but CUI_COMMAND_ACTIVE). Entries that a
+    /// pass appends by growing the table that it walks are left to the next pass.
     static void IdleUpdate();
 
     /// Writes all entries to the trace.

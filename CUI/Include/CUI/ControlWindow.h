@@ -23,14 +23,14 @@ enum : LPARAM
     CUI_LAYOUT_CHANGED = 6  ///< size or flags
 };
 
-/// A colour that is none: the window has no colour of its own.
+/// In place of a colour: the window has no colour of its own.
 const COLORREF CUI_NO_WINDOW_COLOR = 0x3FFFFFF;
 
 /// The name of the property that leads from a control window to its PropData, and of the window
 /// class that a control window has when its creator names none.
 extern CUI_API const CCUString g_sControlWindowProp;
 
-/// Hears of a window's transitions.
+/// Hears when a window takes the screen or gives it back.
 class CUI_API CCUIWindowEventCallback
 {
 public:
@@ -67,22 +67,23 @@ public:
     /// Tab goes to the parent, whose answer counts; Escape leaves full screen.
     int PreTranslateMessage(MSG *pMsg) override;
 
-    /// Not owned; null: none.
+    /// Sets who hears of the transitions; not owned. Null: nobody.
     void SetWindowEventCallback(CCUIWindowEventCallback *pCallback);
 
-    /// A change of the bits 0xFFFF0F00, or of others while one of them is set, makes the parent lay
-    /// out everything and repaint at once; any other change is a CUI_LAYOUT_CHANGED.
+    /// A change of the bits 0xFFFF0F00, or of other bits while one of these is set, makes the
+    /// parent lay out everything and repaint at once. Any other change is told as
+    /// CUI_LAYOUT_CHANGED.
     virtual void SetLayoutFlags(unsigned long nFlags);
-    /// A change is a CUI_LAYOUT_CHANGED.
+    /// A change is told as CUI_LAYOUT_CHANGED.
     virtual void SetFixedSize(int nSize);
     /// While it is on, the parent hears of changes neither of the flags nor of the size.
     virtual void SetColorChanging(int bChanging);
     /// Repaints the window and what is around it in the parent; ends colour changing.
     virtual void SetWindowColor(unsigned long crWindow);
-    /// Takes the screen, or goes back to the former parent, place, order and focus. A former parent
-    /// that is gone leaves the window on the desktop, as a child of that, with the former place
-    /// taken as screen coordinates. Does nothing without a window. Asked for during a transition,
-    /// the other one follows it.
+    /// Takes the screen, or goes back to the former parent, place, order and focus. If the former
+    /// parent is gone, the window becomes a child of the desktop, and its former place is taken as
+    /// screen coordinates. Does nothing without a window. Asked for during a transition, the other
+    /// one follows it.
     virtual void SetFullScreen(int bFull);
 
     /// @name What was set last

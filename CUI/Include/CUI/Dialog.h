@@ -7,8 +7,8 @@
 #include "CUI/DialogTemplate.h"
 #include "CUI/Window.h"
 
-/// What kind of control a registered control is: which of its notifications mean that the user
-/// changed it.
+/// The kind of a registered control, which decides which notifications mean that the user changed
+/// it.
 enum DialogControlType
 {
     DialogControlNone = 0,        ///< never changed
@@ -71,8 +71,8 @@ public:
     /// disabled.
     virtual HWND DoModeless(CCUIWindow *pParent);
 
-    /// Exchanges data: "ToScreen" or "FromScreen"; any other code is traced. What ExchangeData
-    /// said.
+    /// Exchanges data: "ToScreen" or "FromScreen"; any other code is traced. Returns what
+    /// ExchangeData said.
     virtual int UpdateData(CCUString &sCode);
     /// Something happened that the program may want to know: "Dirty". The base does nothing.
     virtual void OnEvent(CCUString &sEvent);
@@ -97,21 +97,21 @@ public:
     virtual void SetAutoMakeDirty(bool bAuto);
     virtual bool GetAutoMakeDirty();
     /// @}
-    /// One entry an identifier; the later registration counts.
+    /// Registers a control. Each identifier has one entry; the later registration counts.
     virtual void RegisterControl(HWND hControl, unsigned nID, DialogControlType type);
-    /// An identifier that is not registered is ignored.
-    /// @{
+    /// Takes a registration back. An identifier that is not registered is ignored.
     virtual void UnRegisterControl(unsigned nID);
+    /// Takes all registrations back.
     virtual void UnRegisterAllControls();
-    /// @}
     /// The first enabled child, known from OnInitDialog on.
     /// @{
     virtual HWND GetFirstControl();
     virtual void SetFirstControl(HWND hControl);
     /// @}
-    /// 1 and the entry, or 0 when none has the identifier.
+    /// Gives 1 and the entry, or 0 when none has the identifier.
     virtual int GetControlInfo(unsigned nID, CCUIControlInfo &info);
-    /// Nothing when none has the identifier.
+    /// Sets whether changes of that control make the dialog dirty. Does nothing when none has the
+    /// identifier.
     virtual void SetControlAutoMakeDirty(unsigned nID, bool bAuto);
 
 protected:
@@ -126,8 +126,9 @@ public:
     virtual void EndDialog(unsigned nResult);
 
 protected:
-    /// For ExchangeData to call and return: tells the user about a control whose text cannot be
-    /// taken, and the trace which one that is; puts the focus there with its text selected. 0.
+    /// For ExchangeData, which returns the result: tells the user that a control's text cannot be
+    /// taken, and the trace which control that is; puts the focus there, with the text selected.
+    /// Returns 0.
     virtual int ExchangeFail(int nID, CCUString &sMessage);
     /// WM_INITDIALOG. Nonzero: the system sets the focus (to `hFocus`). The base disables the
     /// owner, whose handlers may end the dialog, or delete it.
@@ -150,7 +151,7 @@ public:
     bool IsDataValid() const { return m_bDataValid; }
     /// Whether something has changed since the last exchange that succeeded.
     bool IsDirty() const { return m_bDirty; }
-    /// OnEvent "Dirty" when it becomes dirty.
+    /// Calls OnEvent with "Dirty" when the dialog becomes dirty.
     void SetDirty(bool bDirty);
 
 protected:

@@ -9,14 +9,14 @@
 /// A dialog template resource, in either form (DLGTEMPLATE, DLGTEMPLATEEX). It stays in its module:
 /// an object is a reference that copies freely and is good while the module is loaded.
 ///
-/// A resource that is missing, cut short or of an unknown kind is an empty template as far as it
-/// cannot be read: the operations answer 0 and empty what they were to fill. Nothing reads behind
-/// the resource's end.
+/// Of a resource that is missing, cut short or of an unknown kind, whatever cannot be read counts
+/// as absent: the operations answer 0 and empty what they were to fill. Nothing reads behind the
+/// resource's end.
 class CUI_API CCUIDialogTemplate
 {
 public:
-    /// Locates the template by name, or by MAKEINTRESOURCE(id), here and once: what is there later
-    /// only is not seen. A null instance is the program.
+    /// Locates the template by name, or by MAKEINTRESOURCE(id), here and only once: a template that
+    /// appears later is not seen. A null instance is the program.
     CCUIDialogTemplate(HINSTANCE hInstance, const char *pszName);
 
     /// The template as the system wants it (an extended one too), or null unless all of it, down to

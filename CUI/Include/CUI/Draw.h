@@ -7,7 +7,8 @@
 
 #include "CUI/Platform.h"
 
-/// A negative width or height fills to the other side of x or y: x - 1 is the first column then.
+/// Fills a rectangle. A negative width or height fills to the other side of x or y: x - 1 is the
+/// first column then.
 /// @{
 CUI_API void CUIDCFillSolidRect(HDC hDC, const RECT *prc, DWORD cr);
 CUI_API void CUIDCFillSolidRect(HDC hDC, int x, int y, int cx, int cy, DWORD cr);
@@ -22,8 +23,8 @@ CUI_API void CUIDCFillSolidRect(HDC hDC, int x, int y, int cx, int cy, DWORD cr)
 ///      T...B            T...B               T...B
 ///      BBBBB            BBBB.               TBBB.
 ///
-/// In a rectangle too small for that later fills cover earlier ones, in the order left and top,
-/// right, bottom; with both trims left, right, top, bottom.
+/// In a rectangle that is too small for that, later fills cover earlier ones, in the order left and
+/// top, right, bottom; with both trims left, right, top, bottom.
 /// @{
 CUI_API void CUIDCDraw3dRect(HDC hDC, const RECT *prc, DWORD crTopLeft, DWORD crBottomRight,
                              int bTrim, int bTrimBoth);

@@ -20,9 +20,9 @@ public:
 
     /// Waits until no other thread has the DC and returns it, compatible with hDC and at least cx
     /// by cy pixels (as large as before when there is no memory for more; null, and reported, when
-    /// there is no DC). Every call is paired with one of ReleaseDC, on the same thread, which may
-    /// nest them: an inner call that needs a larger picture or another depth puts an empty one in
-    /// the place of the outer one's. Which depth a handle has is remembered for 100 ms.
+    /// there is no DC). Each call of GetDC is paired with one of ReleaseDC on the same thread. A
+    /// thread may nest them: an inner call that needs a larger picture or another depth replaces
+    /// the outer call's picture by an empty one. Which depth a handle has is remembered for 100 ms.
     /// @{
     HDC GetDC(HDC hDC, int cx, int cy);
     void ReleaseDC();
@@ -37,6 +37,6 @@ private:
     CRITICAL_SECTION m_lock;
 };
 
-/// The process's one, for any thread; but the other threads must be done with it before the process
-/// exits, which releases it.
+/// The one object of the process, for any thread. All other threads must be done with it before the
+/// process exits, which releases it.
 CUI_API CCUIOffScreenDC *CUIGetOSDC();

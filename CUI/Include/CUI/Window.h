@@ -61,10 +61,11 @@ public:
     virtual int PreCreate(CREATESTRUCTA *pCreate);
 
     /// Creates a window and binds it before its first message. `rect` is in the coordinates that
-    /// CreateWindow takes; `nID` is the identifier of a WS_CHILD window, else ignored.
-    /// 1 on success, 0 on failure (the object has no window then, unless a handler gave it
-    /// another). An object that has a window keeps it: 0, reported as "m_hWnd == 0". So in its own
-    /// handlers while it is being created, and where its PreCreate created one.
+    /// CreateWindow takes; `nID` is the identifier of a WS_CHILD window, else ignored. 1 on
+    /// success, 0 on failure (the object has no window then, unless a handler gave it another). An
+    /// object that has a window keeps it: 0, reported as "m_hWnd == 0". The same goes for a call
+    /// from its own handlers while the window is being created, and for an object whose PreCreate
+    /// created a window.
     /// @{
     virtual int Create(const char *className, const char *windowName, DWORD style, const RECT &rect,
                        HWND hParent, UINT nID);
@@ -81,16 +82,16 @@ public:
     virtual int Destroy();
 
 protected:
-    /// Cracks the message and calls its handler.
+    /// Takes the message's arguments apart and calls its handler.
     virtual long WindowProc(UINT message, WPARAM wParam, LPARAM lParam);
 
     /// Every message without a handler of its own.
     virtual long OnMessage(UINT message, WPARAM wParam, LPARAM lParam);
 
-    /// What this window, as a child, sent its parent, given back by the parent before it looks
-    /// itself: a WM_NOTIFY, and any other reflected message (WM_COMMAND, WM_CTLCOLOR…, WM_DRAWITEM,
-    /// WM_MEASUREITEM, WM_COMPAREITEM, WM_DELETEITEM, WM_HSCROLL, WM_VSCROLL, WM_CHARTOITEM,
-    /// WM_VKEYTOITEM). Nonzero: handled, `result` is the answer.
+    /// What this window, as a child, sent to its parent, and the parent gives back before it looks
+    /// at it itself: a WM_NOTIFY, and any other reflected message (WM_COMMAND, WM_CTLCOLOR…,
+    /// WM_DRAWITEM, WM_MEASUREITEM, WM_COMPAREITEM, WM_DELETEITEM, WM_HSCROLL, WM_VSCROLL,
+    /// WM_CHARTOITEM, WM_VKEYTOITEM). Nonzero: handled, `result` is the answer.
     /// @{
     virtual int OnReflectedNotification(UINT nID, NMHDR *pHeader, long &result);
     virtual int OnReflectedMessage(UINT message, WPARAM wParam, LPARAM lParam, long &result);
@@ -129,9 +130,9 @@ protected:
     virtual void OnContextMenu(HWND hWnd, POINT &point);
     /// Signed client pixels.
     virtual void OnMouseMove(UINT nFlags, POINT &point);
-    /// This one and OnWinIniChange, of a top-level window: the base refreshes the shared GDI data
-    /// (CUIGetWinData), once a change for all windows, and passes the message on to all windows
-    /// inside.
+    /// For a top-level window the base of this one and of OnWinIniChange refreshes the shared GDI
+    /// data (CUIGetWinData), once a change for all windows, and passes the message on to all
+    /// windows inside.
     virtual void OnSysColorChange();
     /// The message of that name, as the system documents it.
     /// @{
@@ -198,10 +199,10 @@ public:
     /// @}
 
     /// Message hooks are asked in the order of insertion. They are not owned; they may be inserted
-    /// and removed while a message passes through them: one that is inserted then sees messages
-    /// from the next one on. One that is inserted twice is asked twice and removed at once; null is
-    /// ignored. Where a hook takes WM_DESTROY there is no OnDestroy, and the object is unbound at
-    /// WM_NCDESTROY, whether or not a hook takes that too.
+    /// and removed while a message passes through them; a hook that is inserted meanwhile sees
+    /// messages from the next one on. One that is inserted twice is asked twice and removed at
+    /// once; null is ignored. Where a hook takes WM_DESTROY there is no OnDestroy, and the object
+    /// is unbound at WM_NCDESTROY, whether or not a hook takes that too.
     /// @{
     void InsertMessageHook(CCUIWindowHook *pHook);
     void RemoveMessageHook(CCUIWindowHook *pHook);
@@ -214,10 +215,10 @@ public:
     HWND GetHandle() const { return m_hWnd; }
     operator HWND() const { return m_hWnd; }  // NOLINT: windows are passed to Win32 all the time
     /// @}
-    /// Whether the window exists (1 or 0). A handle alone does not tell: it may have come back for
-    /// another window.
+    /// Whether the window exists (1 or 0). A handle alone does not tell: the system may have given
+    /// it to another window meanwhile.
     int Exist() const;
-    /// Whether a dialog's run is on (1 or 0).
+    /// Whether a run of the dialog is under way (1 or 0).
     int IsActive() const { return m_bActive; }
 
     /// Where PerformPreTranslation goes on from this window when its parent is no framework window;
@@ -229,9 +230,9 @@ public:
     /// @}
 
     /// The window that a dialog of this window must have as its owner: this one or, for a child,
-    /// the nearest ancestor that is none. Where the chain of parents goes on to another, enabled
-    /// top-level window, that one is disabled and stored in *phDisabled (else null), to be enabled
-    /// again by the caller; with a null phDisabled none is.
+    /// the nearest ancestor that is not a child. Where the chain of parents goes on to another,
+    /// enabled top-level window, that one is disabled and stored in *phDisabled (else null), to be
+    /// enabled again by the caller; with a null phDisabled none is.
     HWND GetSafeOwner(HWND *phDisabled);
     /// The end of the chain of parents and owners.
     HWND GetTopLevelWindow() const;
@@ -289,19 +290,19 @@ public:
     /// Fetches one message, waiting for it, and handles it. 0 for WM_QUIT, else 1.
     static int PumpMessage(MSG *pMsg);
     /// Offers the message to the framework windows from its target up, each parent in turn, after a
-    /// popup its owner; nonzero when one took it. From a framework window whose parent is none the
-    /// way leads to GetOwner instead. A key that nobody took, going down or up, sets the cursor
-    /// where it is, so that the window under it hears WM_SETCURSOR.
+    /// popup its owner; nonzero when one took it. From a framework window whose parent is not one,
+    /// the way leads to GetOwner instead. After a key message (down or up) that nobody took, the
+    /// cursor is set to where it is, so that the window under it gets WM_SETCURSOR.
     static int PerformPreTranslation(MSG *pMsg);
-    /// Handles what is waiting for |nMilliseconds| at the most: with 0 one message; a negative
-    /// number also waits for more until then. Restricted: timers, multimedia notifications and the
-    /// first three messages of the framework's message window, if there is one, only. WM_QUIT ends
-    /// it and is posted again.
+    /// Handles waiting messages for |nMilliseconds| at the most; with 0 it handles one message. A
+    /// negative number also waits for further messages until that time has passed. Restricted, it
+    /// handles only timers, multimedia notifications and the first three messages of the
+    /// framework's message window, if there is one. WM_QUIT ends it and is posted again.
     static void IdleLoop(long nMilliseconds, int bRestricted);
     /// Cancels all dialogs that the window owns, the deepest first: presses the control with the
     /// identifier IDCANCEL, then, if the dialog still exists, IDNO. Tooltips are left alone.
     static void AbortDialog(HWND hWnd);
-    /// Null: none. Not owned.
+    /// Sets who is called at the end of each idle pass; not owned. Null: nobody.
     static void SetIdleCallback(CCUIIdleCallback *pCallback);
     /// A number of milliseconds that a program keeps here for its idle work; 0 at first.
     /// @{
@@ -317,11 +318,12 @@ public:
 protected:
     class CWatch;
 
-    /// To be called with the result of a creation that the hook was armed for: 1 when the object is
-    /// bound to that window; else nothing is left of either, 0. A window that a handler gave the
-    /// object meanwhile stays.
+    /// To be called with the result of a creation that the hook was armed for. Returns 1 when the
+    /// object is bound to that window. Otherwise it undoes the creation and the hook, and returns
+    /// 0; a window that a handler gave the object meanwhile stays.
     int FinishCreation(HWND hWnd);
-    /// Whether the object has a window. One that has gone unheard is let go of.
+    /// Whether the object has a window. A window that has gone without the object's hearing of it
+    /// is let go of.
     bool HasWindow();
 
     /// A number that no message has.

@@ -30,10 +30,9 @@ extern CUI_API unsigned short g_nRegisteredClasses;
 /// CUI_CLASS_WINDOW.
 CUI_API const CCUString &CUIWindowClassName(unsigned short id);
 
-/// Sets the instance to that of the program, or of the module, that has the framework inside and
-/// registers the class unless it is registered already.
-/// Returns 1; or 0 after a line in the trace, where a name given as an atom reads "#" and its
-/// number.
+/// Sets the class's instance to the program, or the module, that has the framework inside, and
+/// registers the class unless it is registered already. Returns 1; or 0 after a line in the trace,
+/// where a name given as an atom reads "#" and its number.
 CUI_API int CUIRegisterWindowClass(WNDCLASSA *pClass);
 
 /// Registers the classes whose bits are set. Returns 1, or 0 when any of them failed.
