@@ -29,7 +29,7 @@ function(autorun_check_exports)
   set(to ${CMAKE_CURRENT_BINARY_DIR})
   set(files ${to}/keep.rsp ${to}/export.def ${to}/import.def)
   add_custom_command(OUTPUT ${files}
-    COMMAND ${AUTORUN_PYTHON} ${AUTORUN_EXPORTS_TOOL} check ${AUTORUN_EXPORTS_LIST} ${names} --to ${to}
+    COMMAND ${AUTORUN_PYTHON} ${AUTORUN_EXPORTS_TOOL} check ${AUTORUN_EXPORTS_LIST} ${to} ${names}
     DEPENDS ${AUTORUN_EXPORTS_TOOL} ${AUTORUN_EXPORTS_LIST} ${names}
     VERBATIM)
   add_custom_target(exports DEPENDS ${files})

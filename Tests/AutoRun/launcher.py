@@ -2,6 +2,8 @@
 
 import glob
 import os
+import pathlib
+import re
 import shutil
 import subprocess
 import tempfile
@@ -12,6 +14,8 @@ from PIL import Image, ImageChops, ImageGrab
 DEPTH = int(os.environ.get("SCREEN_DEPTH", 24))  # bits a pixel of the screen
 PATIENCE = 60  # seconds until a wait is given up
 SETUP, EXIT, RUN, HELP, NONE = range(5)
+ROOT = pathlib.Path(__file__).resolve().parents[2]
+RESOURCES = dict(re.findall(r"#define (ID\w+) (\d+)", (ROOT / "AutoRun/Resource.h").read_text()))
 
 
 def wait_for(condition, what):
@@ -55,7 +59,7 @@ class Build:
         self.folder = os.path.abspath(folder)
 
     def launcher(self, name):
-        for place in ("Tests", "Disc", "Tests/AutoRun"):
+        for place in ("Tests", "Disc"):
             path = os.path.join(self.folder, place, name + ".exe")
             if os.path.exists(path):
                 return path
@@ -82,9 +86,21 @@ class Disc:
         self.folder = tempfile.mkdtemp(prefix="disc")
         self.log = os.path.join(tempfile.mkdtemp(prefix="log"), "probe.log")
         self.launcher = os.path.join(self.folder, "AutoRun.exe")
+        self.reskin = build.tool("Reskin")
         shutil.copy(build.launcher(launcher), self.launcher)
         for program in programs:
             shutil.copy(build.tool("Probe"), os.path.join(self.folder, program))
+
+    def change_resources(self, changes):
+        """Of the launcher: a text for each string by its name, a file for each bitmap; "" takes the
+        resource out."""
+        words = []
+        for name, value in changes.items():
+            if name.startswith("IDB_"):
+                words += ["bitmap", RESOURCES[name], value and windows_path(value)]
+            else:
+                words += ["string", RESOURCES[name], value]
+        output_of("wine", self.reskin, windows_path(self.launcher), *words)
 
     def remove(self):
         os.chmod(self.folder, 0o755)

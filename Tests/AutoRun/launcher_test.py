@@ -14,8 +14,8 @@ import unittest
 
 from PIL import ImageChops
 
-from launcher import (EXIT, HELP, NONE, RUN, SETUP, Build, Disc, Launcher, is_same, wait_for,
-                      xdotool)
+from launcher import (EXIT, HELP, NONE, RESOURCES, RUN, SETUP, Build, Disc, Launcher, is_same,
+                      wait_for, xdotool)
 
 ROOT = os.path.dirname(os.path.dirname(os.path.dirname(os.path.abspath(__file__))))
 LINES = (SETUP, EXIT, RUN, HELP)
@@ -253,16 +253,17 @@ FIRST_TEN = [FONT] * 3 + [point("m_pt" + name) for name in (
 
 
 class BadInput(LauncherTest):
-    def check(self, skin, reports, has_picture=True):
-        """Runs the launcher with a skin; it shows and reports what it must, and closes."""
-        disc = Disc(BUILD, skin)
+    def check(self, changes, reports, has_picture=True):
+        """Runs the launcher with other resources; it shows and reports what it must, and closes."""
+        disc = Disc(BUILD)
         self.addCleanup(disc.remove)
+        disc.change_resources(changes)
         launcher = Launcher(BUILD, disc)
         self.addCleanup(launcher.stop)
         if has_picture:
-            expected = BUILD.reference(BUILD.launcher(skin))[0]
+            expected = BUILD.reference(disc.launcher)[0]
             launcher.wait_until_shown(expected.size)
-            launcher.wait_for_picture(expected, "the picture of " + skin)
+            launcher.wait_for_picture(expected, f"the picture with {changes}")
         wait_for(lambda: self.answers(launcher), "an answer from the window")
         launcher.remote("send", WM_COMMAND, 2, 0)  # Cancel, in place of an Exit line that may be lost
         self.assertEqual(0, launcher.wait_until_ended())
@@ -275,16 +276,33 @@ class BadInput(LauncherTest):
         except subprocess.CalledProcessError:
             return None
 
-    def test_entries(self):
-        self.check("CaptionOnly", FIRST_TEN)
-        self.check("LongFace", [])
-        self.check("Unparsable", FIRST_TEN)
-        self.check("UnparsableLater", [point("m_ptSetup"), point("m_ptRun"), point("m_ptHelp"),
-                                       RECTANGLE, COLOUR, COLOUR])
+    def test_every_text_but_the_caption_is_missing(self):
+        self.check({name: "" for name in RESOURCES
+                    if name.startswith("IDS_") and name != "IDS_CAPTION"}, FIRST_TEN)
+
+    def test_a_long_name_of_a_font(self):
+        self.check({"IDS_ITEM_FONT": "15,0,0," + "F" * 60}, [])
+
+    def test_more_entries_that_do_not_parse_than_a_process_reports(self):
+        self.check({
+            "IDS_TITLE_FONT": "26,1,0", "IDS_ITEM_FONT": "fifteen,0,0,Arial",
+            "IDS_ABOUT_FONT": "11,,0,Arial", "IDS_PRODUCT_POS": "302",
+            "IDS_PRODUCT_ICON_POS": "x,98", "IDS_SETUP_ICON_POS": "15:208",
+            "IDS_EXIT_ICON_POS": ",240", "IDS_RUN_ICON_POS": "15,", "IDS_HELP_ICON_POS": "-",
+            "IDS_TITLE_POS": "13,y", "IDS_SETUP_POS": "46", "IDS_EXIT_POS": "a,b"}, FIRST_TEN)
+
+    def test_entries_read_last_that_do_not_parse_and_odd_ones_that_do(self):
+        self.check({
+            "IDS_PRODUCT_POS": "-2147483648,2147483647", "IDS_TITLE_POS": "13,93,7",
+            "IDS_SETUP_POS": "46", "IDS_EXIT_POS": "99999999999999999999,1",
+            "IDS_RUN_POS": "46 172", "IDS_HELP_POS": "%d,%d", "IDS_ABOUT_RECT": "13,280,500",
+            "IDS_HIGHLIGHT_COLOR": "212,0", "IDS_SPARE_COLOR": "red"},
+            [point("m_ptSetup"), point("m_ptRun"), point("m_ptHelp"), RECTANGLE, COLOUR, COLOUR])
 
     def test_pictures_that_are_missing_or_empty(self):
-        self.check("NoPictures", [], has_picture=False)
-        self.check("ZeroPictures", [], has_picture=False)
+        for file in ("", os.path.join(ROOT, "Tests/AutoRun/Nothing.bmp")):
+            self.check(dict.fromkeys(("IDB_BACKGROUND", "IDB_PRODUCT", "IDB_BULLET"), file), [],
+                       has_picture=False)
 
 
 class Screens(unittest.TestCase):

@@ -20,7 +20,7 @@ sys.path.append(str(ROOT / "Tests/AutoRun"))
 from launcher import wait_for, xdotool  # noqa: E402
 
 GCC = "i686-w64-mingw32-g++-win32"
-BUILD = None  # of the build under test
+BUILD = VERSION = None  # of the build under test
 
 
 def output_of(*words, **options):
@@ -41,7 +41,7 @@ class Folder(unittest.TestCase):
     def install(self):
         """Installs, and moves the tree away from where it was installed."""
         output_of("cmake", "--install", BUILD, "--prefix", self.folder / "first")
-        return (self.folder / "first").rename(self.folder / "AutoRun-4.1.0")
+        return (self.folder / "first").rename(self.folder / f"AutoRun-{VERSION}")
 
 
 class Program(Folder):
@@ -157,7 +157,7 @@ class Archive(Folder):
             first = output_of("Tools/make-package", cwd=ROOT, env=dated)
         first = ROOT / first.splitlines()[-1]
         second = copy / output_of("Tools/make-package", cwd=copy, env=dated).strip()
-        self.assertEqual("AutoRun-4.1.0.zip", first.name)
+        self.assertEqual(f"AutoRun-{VERSION}.zip", first.name)
 
         with zipfile.ZipFile(first) as one, zipfile.ZipFile(second) as other:
             crcs = [{entry.filename: entry.CRC for entry in packed.infolist()}
@@ -174,6 +174,7 @@ class Archive(Folder):
 if __name__ == "__main__":
     parser = argparse.ArgumentParser()
     parser.add_argument("--build", type=pathlib.Path, required=True)
+    parser.add_argument("--version", required=True)
     arguments, rest = parser.parse_known_args()
-    BUILD = arguments.build
+    BUILD, VERSION = arguments.build, arguments.version
     unittest.main(argv=[sys.argv[0], *rest])

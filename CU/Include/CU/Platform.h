@@ -1,7 +1,8 @@
 #pragma once
 
-// Win32 as the whole framework sees it: the records of Windows 95 and NT 4, without the parts of
-// windows.h that nobody here uses. Every header that needs Win32 includes this one.
+/// @file
+/// Win32 as the whole framework sees it: the records of Windows 95 and NT 4, without the parts of
+/// windows.h that nobody here uses. Every header that needs Win32 includes this one.
 
 #if !defined(WINVER)
 #define WINVER 0x0400
@@ -17,8 +18,8 @@
 #endif
 #include <windows.h>
 
-// CU_API marks what the layer exports: CU_EXPORTS is defined when the exporting executable is
-// built, CU_IMPORTS by programs that link against it, neither in a static build.
+/// CU_API marks what the layer exports: CU_EXPORTS is defined when the exporting executable is
+/// built, CU_IMPORTS by programs that link against it, neither in a static build.
 #if defined(CU_EXPORTS)
 #define CU_API __declspec(dllexport)
 #elif defined(CU_IMPORTS)
@@ -27,8 +28,8 @@
 #define CU_API
 #endif
 
-// Lets the compiler hold the arguments of a function against its format, which is the system
-// runtime's.
+/// Lets the compiler hold the arguments of a function against its format, which is the system
+/// runtime's.
 #if defined(__clang__)
 #define CU_PRINTF(nFormat, nFirst) __attribute__((format(printf, nFormat, nFirst)))
 #elif defined(__GNUC__)

@@ -1,57 +1,64 @@
 #pragma once
 
+/// @file
+/// Puts device-dependent bitmaps onto a device context. None of these functions takes ownership of
+/// its arguments; a null bitmap draws nothing. What is drawn of a bitmap that is selected into a DC
+/// elsewhere, or that is given as image and mask at once, is undefined. All work in the user's
+/// logical coordinates of `hDC`. A form without source rectangle draws the whole bitmap; in the
+/// forms that have one, a width or height of 0 means the bitmap's own width and height, both of
+/// them. For the user-interface thread only: the memory DCs in use are shared by all calls. The
+/// depth of a target is remembered for 100 ms, as long as the same bitmap is selected into it;
+/// drawing between depths converts.
+
 #include "CUI/Platform.h"
 
-// Puts device-dependent bitmaps onto a device context. None of these functions takes ownership of
-// its arguments; a null bitmap draws nothing. What is drawn of a bitmap that is selected into a DC
-// elsewhere, or that is given as image and mask at once, is undefined. All work in the user's
-// logical coordinates of `hDC`. A form without source rectangle draws the whole bitmap; in the
-// forms that have one, a width or height of 0 means the bitmap's own width and height, both of
-// them. For the user-interface thread only: the memory DCs in use are shared by all calls. The
-// depth of a target is remembered for 100 ms, as long as the same bitmap is selected into it;
-// drawing between depths converts.
-
-// Copies the rectangle at (xSrc, ySrc) to (x, y). A palette is selected into the memory DC (never
-// into hDC) for the time of the copy, in the background when bForceBkgd is not 0.
+/// Copies the rectangle at (xSrc, ySrc) to (x, y). A palette is selected into the memory DC (never
+/// into hDC) for the time of the copy, in the background when bForceBkgd is not 0.
 CUI_API void CUIBmpBitBlt(HDC hDC, UINT x, UINT y, HBITMAP hBmp, UINT xSrc, UINT ySrc, UINT cx,
                           UINT cy, HPALETTE hPal, int bForceBkgd);
 
-// The same, stretched from cxSrc by cySrc to cx by cy in hDC's stretching mode. Only the source's
-// size has a default. A failure is traced.
+/// The same, stretched from cxSrc by cySrc to cx by cy in hDC's stretching mode. Only the source's
+/// size has a default. A failure is traced.
 CUI_API void CUIBmpStretchBlt(HDC hDC, UINT x, UINT y, UINT cx, UINT cy, HBITMAP hBmp, UINT xSrc,
                               UINT ySrc, UINT cxSrc, UINT cySrc, HPALETTE hPal, int bForceBkgd);
 
-// Copies the bitmap with every pixel of colour crKey replaced by hDC's background colour.
+/// Copies the bitmap with every pixel of colour crKey replaced by hDC's background colour.
+/// @{
 CUI_API void CUIBmpBgBlt(HDC hDC, UINT x, UINT y, HBITMAP hBmp, DWORD crKey);
 CUI_API void CUIBmpBgBltFull(HDC hDC, UINT x, UINT y, HBITMAP hBmp, DWORD crKey, UINT xSrc,
                              UINT ySrc, UINT cx, UINT cy);
+/// @}
 
-// Draws the image where the monochrome mask is 0 and leaves hDC as it is where the mask is 1; image
-// and mask are read at the same place. hDC keeps a white background colour and a black text colour
-// afterwards, unless one of the bitmaps is null.
+/// Draws the image where the monochrome mask is 0 and leaves hDC as it is where the mask is 1;
+/// image and mask are read at the same place. hDC keeps a white background colour and a black text
+/// colour afterwards, unless one of the bitmaps is null.
+/// @{
 CUI_API void CUIBmpTransparentBlt(HDC hDC, UINT x, UINT y, HBITMAP hImage, HBITMAP hMask);
 CUI_API void CUIBmpTransparentBltFull(HDC hDC, UINT x, UINT y, HBITMAP hImage, HBITMAP hMask,
                                       UINT xSrc, UINT ySrc, UINT cx, UINT cy);
 CUI_API void CUIBmpTransparentStretchBltFull(HDC hDC, UINT x, UINT y, UINT cx, UINT cy,
                                              HBITMAP hImage, HBITMAP hMask, UINT xSrc, UINT ySrc,
                                              UINT cxSrc, UINT cySrc);
+/// @}
 
-// Makes a monochrome mask of the bitmap: 1 where a pixel equals crKey, else 0. The caller owns it.
-// Null for a null bitmap and when the mask cannot be made; a mask without its picture when only the
-// memory for the work in between is missing. x and y are not used.
+/// Makes a monochrome mask of the bitmap: 1 where a pixel equals crKey, else 0. The caller owns it.
+/// Null for a null bitmap and when the mask cannot be made; a mask without its picture when only
+/// the memory for the work in between is missing. x and y are not used.
+/// @{
 CUI_API HBITMAP CUIBmpMakeMask(HDC hDC, UINT x, UINT y, HBITMAP hBmp, DWORD crKey);
 CUI_API HBITMAP CUIBmpMakeMaskFull(HDC hDC, UINT x, UINT y, HBITMAP hBmp, DWORD crKey, UINT xSrc,
                                    UINT ySrc, UINT cx, UINT cy);
+/// @}
 
-// Stores into *phResult a new bitmap of hDC's depth, which the caller owns: hBmp with every pixel
-// of its top-left pixel's colour replaced by crFill. Always TRUE; *phResult is null when it could
-// not be made.
+/// Stores into *phResult a new bitmap of hDC's depth, which the caller owns: hBmp with every pixel
+/// of its top-left pixel's colour replaced by crFill. Always TRUE; *phResult is null when it could
+/// not be made.
 CUI_API int CUIBmpTransparentCreate(HBITMAP hBmp, HBITMAP *phResult, HDC hDC, DWORD crFill);
 
-// Deletes the GDI object that *ph holds, if any, and sets *ph to null.
+/// Deletes the GDI object that *ph holds, if any, and sets *ph to null.
 CUI_API void CUIBmpDeleteObject(void **ph);
 
-// The same for a handle of its own type, such as HBITMAP.
+/// The same for a handle of its own type, such as HBITMAP.
 template <typename Handle>
 inline void CUIBmpDeleteObject(Handle **ph)
 {

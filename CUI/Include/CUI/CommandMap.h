@@ -1,46 +1,49 @@
 #pragma once
 
+/// @file
+/// The way from a command's identifier to its handler.
+
 #include "CUI/Platform.h"
 
 class CCUICommandHandler;
 
-// The process's map from command identifiers to their handlers: two dense tables, one for
-// 1,000 to 9,999 and one for 10,000 and above. It is made by its first use and deleted when the
-// process exits; it owns no handler. Identifier 0 is never mapped; one from 1 to 999 belongs to no
-// table and is reported as "0". For the user-interface thread only.
-//
-// Handlers may add, remove, override and delete handlers, themselves included, from any of their
-// operations that the map calls.
+/// The process's map from command identifiers to their handlers: two dense tables, one for
+/// 1,000 to 9,999 and one for 10,000 and above. It is made by its first use and deleted when the
+/// process exits; it owns no handler. Identifier 0 is never mapped; one from 1 to 999 belongs to no
+/// table and is reported as "0". For the user-interface thread only.
+///
+/// Handlers may add, remove, override and delete handlers, themselves included, from any of their
+/// operations that the map calls.
 class CUI_API CCUICommandMap
 {
 public:
-    // Enters the handler for every identifier of its range; the table that holds the first one
-    // takes them all and grows in steps of 64. A slot in use is reported as
-    // "m_pMap[nMap][nIndex + nI] == NULL" and overwritten. Returns 1; or 0 for null (reported as
-    // "pCmdHandler"), for a first identifier in no table (reported as "nIndex >= 0"), and when
-    // there is no memory.
+    /// Enters the handler for every identifier of its range; the table that holds the first one
+    /// takes them all and grows in steps of 64. A slot in use is reported as
+    /// "m_pMap[nMap][nIndex + nI] == NULL" and overwritten. Returns 1; or 0 for null (reported as
+    /// "pCmdHandler"), for a first identifier in no table (reported as "nIndex >= 0"), and when
+    /// there is no memory.
     static int Add(CCUICommandHandler *pCmdHandler);
 
-    // Empties the slots of the handler's range, whoever is in them, and every other slot that the
-    // handler is in. Returns 1; or 0 for null (reported as "pCmdHandler") and when the range does
-    // not lie within a table. Once the map is deleted there is nothing to remove: 1.
+    /// Empties the slots of the handler's range, whoever is in them, and every other slot that the
+    /// handler is in. Returns 1; or 0 for null (reported as "pCmdHandler") and when the range does
+    /// not lie within a table. Once the map is deleted there is nothing to remove: 1.
     static int Remove(CCUICommandHandler *pCmdHandler);
 
-    // The identifier's handler, or null.
+    /// The identifier's handler, or null.
     static CCUICommandHandler *Lookup(unsigned int nID) { return s_this._Lookup(nID); }
 
-    // Puts the handler (null: none) into the identifier's slot and returns the one that was there,
-    // for the caller to put back if that still lives then. Outside the tables' present length:
-    // null, and nothing changes. A handler of identifier -1, which serves none, does not take
-    // itself out of the slot when it is destroyed: another one must be put there before.
+    /// Puts the handler (null: none) into the identifier's slot and returns the one that was there,
+    /// for the caller to put back later if it still exists then. Outside the tables' present
+    /// length: null, and nothing changes. A handler of identifier -1, which serves none, does not
+    /// take itself out of the slot when it is destroyed: another one must be put there before.
     static CCUICommandHandler *Override(unsigned int nID, CCUICommandHandler *pCmdHandler);
 
-    // Refreshes the commands whose state does not ask for something else: HandleUpdate for every
-    // identifier with a handler whose GetState has no bit of 0x3D, in ascending order. Entries that
-    // a pass appends by growing the table that it walks are left to the next pass.
+    /// Refreshes the commands: calls HandleUpdate for every identifier with a handler, in ascending
+    /// order, but not where GetState has a bit of 0x3D (all but CUI_COMMAND_ACTIVE). Entries that a
+    /// pass appends by growing the table that it walks are left to the next pass.
     static void IdleUpdate();
 
-    // Writes all entries to the trace.
+    /// Writes all entries to the trace.
     static void Dump();
 
 private:

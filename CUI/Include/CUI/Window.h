@@ -1,5 +1,8 @@
 #pragma once
 
+/// @file
+/// Windows: objects, messages, loops.
+
 #include "CU/Timer.h"
 #include "CUI/Platform.h"
 
@@ -7,300 +10,336 @@ class CCUIMenu;
 class CCUIWindow;
 class CCUIWindowHookList;
 
-// Sees a window's messages before the window does; see CCUIWindow::InsertMessageHook. It must be
-// removed before it dies.
+/// Sees a window's messages before the window does; see CCUIWindow::InsertMessageHook. It must be
+/// removed before it dies.
 class CUI_API CCUIWindowHook
 {
 public:
-    // Answers nonzero when it handled the message and wrote `result`: nobody else sees it then.
+    /// Answers nonzero when it handled the message and wrote `result`: nobody else sees it then.
     virtual int OnHookMessage(UINT message, WPARAM wParam, LPARAM lParam, long &result) = 0;
 
 protected:
     ~CCUIWindowHook() = default;
 };
 
-// Called at the end of every idle pass of a message loop; see CCUIWindow::SetIdleCallback.
+/// Called at the end of every idle pass of a message loop; see CCUIWindow::SetIdleCallback.
 class CUI_API CCUIIdleCallback
 {
 public:
-    // Runs on the thread of the loop, which waits for it.
+    /// Runs on the thread of the loop, which waits for it.
     virtual void OnIdle() = 0;
 
 protected:
     ~CCUIIdleCallback() = default;
 };
 
-// One object bound to one window. The window is subclassed: each of its messages reaches the
-// message hooks and then one virtual handler of the object. The object may exist before its window
-// and outlive it; destroyed first, it destroys the window.
-//
-// Every base handler passes its message to default processing: a handler that is overridden and
-// does not call its base swallows the message. A handler may destroy its own object; once it has
-// called Destroy or Detach, it must not call its base any more: there is no window left for default
-// processing, which reports "Exist()" and goes to the system without one.
-// A window's object is used on the thread of the window only; FromHandle may be called anywhere.
-// Each thread may create windows, at the same time as others.
+/// One object bound to one window. The window is subclassed: each of its messages reaches the
+/// message hooks and then one virtual handler of the object. The object may exist before its window
+/// and outlive it; destroyed first, it destroys the window.
+///
+/// Every base handler passes its message to default processing: a handler that is overridden and
+/// does not call its base swallows the message. A handler may destroy its own object; once it has
+/// called Destroy or Detach, it must not call its base any more: there is no window left for
+/// default processing, which reports "Exist()" and goes to the system without one. A window's
+/// object is used on the thread of the window only; FromHandle may be called anywhere. Each thread
+/// may create windows, at the same time as others.
 class CUI_API CCUIWindow : public CCUTimer
 {
 public:
-    // Bound to no window.
+    /// Bound to no window.
     CCUIWindow();
     CCUIWindow(const CCUIWindow &) = delete;
     CCUIWindow &operator=(const CCUIWindow &) = delete;
 
-    // Destroys the window if there still is one, and traces that.
+    /// Destroys the window if there still is one, and traces that.
     ~CCUIWindow() override;
 
     // --- The virtual operations, in slot order; the handlers among them are protected, below. ---
 
-    // Called before a creation with what is about to be created, to be changed at will; 0 cancels.
-    // The base turns a null class name into the framework's plain window class, registered here.
+    /// Called before a creation with what is about to be created, to be changed at will; 0 cancels.
+    /// The base turns a null class name into the framework's plain window class, registered here.
     virtual int PreCreate(CREATESTRUCTA *pCreate);
 
-    // Creates a window and binds it before its first message. `rect` is in the coordinates that
-    // CreateWindow takes; `nID` is the identifier of a WS_CHILD window, else ignored.
-    // 1 on success, 0 on failure (the object has no window then, unless a handler gave it another).
-    // An object that has a window keeps it: 0, reported as "m_hWnd == 0". So in its own handlers
-    // while it is being created, and where its PreCreate created one.
+    /// Creates a window and binds it before its first message. `rect` is in the coordinates that
+    /// CreateWindow takes; `nID` is the identifier of a WS_CHILD window, else ignored. 1 on
+    /// success, 0 on failure (the object has no window then, unless a handler gave it another). An
+    /// object that has a window keeps it: 0, reported as "m_hWnd == 0". The same goes for a call
+    /// from its own handlers while the window is being created, and for an object whose PreCreate
+    /// created a window.
+    /// @{
     virtual int Create(const char *className, const char *windowName, DWORD style, const RECT &rect,
                        HWND hParent, UINT nID);
     virtual int CreateEx(DWORD exStyle, const char *className, const char *windowName, DWORD style,
                          int x, int y, int cx, int cy, HWND hParent, HMENU hMenuOrID,
                          void *param = nullptr);
+    /// @}
 
-    // Called after a successful creation, when CreateWindow has returned.
+    /// Called after a successful creation, when CreateWindow has returned.
     virtual void PostCreate();
 
-    // Destroys the window. 1 on success, 0 when there is none (any more) or it belongs to another
-    // thread.
+    /// Destroys the window. 1 on success, 0 when there is none (any more) or it belongs to another
+    /// thread.
     virtual int Destroy();
 
 protected:
-    // Cracks the message and calls its handler.
+    /// Takes the message's arguments apart and calls its handler.
     virtual long WindowProc(UINT message, WPARAM wParam, LPARAM lParam);
 
-    // Every message without a handler of its own.
+    /// Every message without a handler of its own.
     virtual long OnMessage(UINT message, WPARAM wParam, LPARAM lParam);
 
-    // What this window, as a child, sent its parent, given back by the parent before it looks
-    // itself: a WM_NOTIFY, and any other reflected message (WM_COMMAND, WM_CTLCOLOR…, WM_DRAWITEM,
-    // WM_MEASUREITEM, WM_COMPAREITEM, WM_DELETEITEM, WM_HSCROLL, WM_VSCROLL, WM_CHARTOITEM,
-    // WM_VKEYTOITEM). Nonzero: handled, `result` is the answer.
+    /// What this window, as a child, sent to its parent, and the parent gives back before it looks
+    /// at it itself: a WM_NOTIFY, and any other reflected message (WM_COMMAND, WM_CTLCOLOR…,
+    /// WM_DRAWITEM, WM_MEASUREITEM, WM_COMPAREITEM, WM_DELETEITEM, WM_HSCROLL, WM_VSCROLL,
+    /// WM_CHARTOITEM, WM_VKEYTOITEM). Nonzero: handled, `result` is the answer.
+    /// @{
     virtual int OnReflectedNotification(UINT nID, NMHDR *pHeader, long &result);
     virtual int OnReflectedMessage(UINT message, WPARAM wParam, LPARAM lParam, long &result);
+    /// @}
 
-    // WM_CREATE; -1 ends the creation.
+    /// WM_CREATE; -1 ends the creation.
     virtual int OnCreate(CREATESTRUCTA *pCreate);
-    // The base unbinds the object and then lets the window's own procedure have the message.
+    /// The base unbinds the object and then lets the window's own procedure have the message.
     virtual void OnDestroy();
-    // The message of that name, as the system documents it.
+    /// The message of that name, as the system documents it.
+    /// @{
     virtual void OnClose();
     virtual void OnActivate(UINT nState, UINT nMinimized, HWND hOther);
     virtual void OnSize(UINT nType, int cx, int cy);
-    // The base gives the message back to the child that sent it, before default processing.
+    /// @}
+    /// The base gives the message back to the child that sent it, before default processing.
+    /// @{
     virtual long OnNotify(UINT nID, NMHDR *pHeader);
     virtual void OnCommand(UINT nCode, UINT nID, HWND hControl);
-    // hDC is what the sender of WM_PAINT gave, null from the system: a handler paints between
-    // BeginPaint and EndPaint.
+    /// @}
+    /// hDC is what the sender of WM_PAINT gave, null from the system: a handler paints between
+    /// BeginPaint and EndPaint.
     virtual void OnPaint(HDC hDC);
-    // The message of that name, as the system documents it.
+    /// The message of that name, as the system documents it.
     virtual int OnEraseBkgnd(HDC hDC);
-    // Mouse positions are signed client pixels.
+    /// Mouse positions are signed client pixels.
+    /// @{
     virtual void OnLButtonDown(UINT nFlags, POINT &point);
     virtual void OnLButtonUp(UINT nFlags, POINT &point);
     virtual void OnLButtonDblClk(UINT nFlags, POINT &point);
     virtual void OnRButtonDown(UINT nFlags, POINT &point);
     virtual void OnRButtonUp(UINT nFlags, POINT &point);
     virtual void OnRButtonDblClk(UINT nFlags, POINT &point);
-    // Screen pixels; (-1, -1) when asked for by the keyboard. The base shows the context menu.
+    /// @}
+    /// Screen pixels; (-1, -1) when asked for by the keyboard. The base shows the context menu.
     virtual void OnContextMenu(HWND hWnd, POINT &point);
-    // Signed client pixels.
+    /// Signed client pixels.
     virtual void OnMouseMove(UINT nFlags, POINT &point);
-    // This one and OnWinIniChange, of a top-level window: the base refreshes the shared GDI data
-    // (CUIGetWinData), once a change for all windows, and passes the message on to all windows
-    // inside.
+    /// For a top-level window the base of this one and of OnWinIniChange refreshes the shared GDI
+    /// data (CUIGetWinData), once a change for all windows, and passes the message on to all
+    /// windows inside.
     virtual void OnSysColorChange();
-    // The message of that name, as the system documents it.
+    /// The message of that name, as the system documents it.
+    /// @{
     virtual void OnShowWindow(int bShow, int nStatus);
     virtual int OnSetCursor(HWND hWnd, UINT nHitTest, UINT nMessage);
-    // As OnSysColorChange; `section` may be null.
+    /// @}
+    /// As OnSysColorChange; `section` may be null.
     virtual void OnWinIniChange(WPARAM nAction, const char *section);
-    // The message of that name, as the system documents it; another window may be null.
+    /// The message of that name, as the system documents it; another window may be null.
+    /// @{
     virtual void OnSetFocus(HWND hOld);
     virtual void OnKillFocus(HWND hNew);
     virtual void OnParentNotify(UINT nEvent, UINT nID, LPARAM lParam);
-    // The framework's WM_USER + 0x38: keeps the flag that GetShowToolTips answers.
+    /// @}
+    /// The framework's WM_USER + 0x38: keeps the flag that GetShowToolTips answers.
     virtual void OnShowToolTips(int bShow);
-    // The base gives the message back to the control that it is about, but not that of a menu.
+    /// The base gives the message back to the control that it is about, but not that of a menu.
+    /// @{
     virtual int OnMeasureItem(UINT nID, MEASUREITEMSTRUCT *pMeasure);
     virtual int OnDrawItem(UINT nID, DRAWITEMSTRUCT *pDraw);
-    // The message of that name, as the system documents it.
+    /// @}
+    /// The message of that name, as the system documents it.
+    /// @{
     virtual void OnMenuSelect(UINT nItem, UINT nFlags, HMENU hMenu);
     virtual void OnInitMenuPopup(HMENU hMenu, UINT nIndex, int bSystemMenu);
     virtual long OnMenuChar(UINT nChar, UINT nFlags, HMENU hMenu);
     virtual void OnCancelMode();
     virtual void OnCaptureChanged(HWND hNew);
-    // The framework's window-state notification, WM_USER + 0x35.
+    /// @}
+    /// The framework's window-state notification, WM_USER + 0x35.
     virtual void OnSetWindowState(UINT nState);
 
 public:
-    // Sees a queued message of this window, of its children and of the popups that it owns, with
-    // all in them, before it is translated and dispatched. Nonzero: consumed. The base tries the
-    // accelerators.
+    /// Sees a queued message of this window, of its children and of the popups that it owns, with
+    /// all in them, before it is translated and dispatched. Nonzero: consumed. The base tries the
+    /// accelerators.
     virtual int PreTranslateMessage(MSG *pMsg);
 
     // --- Binding ---
 
-    // Binds the object to an existing window of this process. An object that was bound to it
-    // before loses it. Asserts "!m_pOldProc" and "!m_hWnd". Stays unbound when the window cannot
-    // carry a property (no window, or another process's).
+    /// Binds the object to an existing window of this process. An object that was bound to it
+    /// before loses it. Asserts "!m_pOldProc" and "!m_hWnd". Stays unbound when the window cannot
+    /// carry a property (no window, or another process's).
     void Attach(HWND hWnd);
 
-    // Unbinds and returns the window, which lives on with the procedure that it had. A procedure
-    // that somebody installed after Attach stays; what it passes on reaches the former procedure.
+    /// Unbinds and returns the window, which lives on with the procedure that it had. A procedure
+    /// that somebody installed after Attach stays; what it passes on reaches the former procedure.
     HWND Detach();
 
-    // The object that is bound to the window, or null. No call to the system, unless somebody has
-    // begun to destroy the window: a procedure that was installed later may keep the end of it to
-    // itself, and then only the system knows.
+    /// The object that is bound to the window, or null. No call to the system, unless somebody has
+    /// begun to destroy the window: a procedure that was installed later may keep the end of it to
+    /// itself, and then only the system knows.
     static CCUIWindow *FromHandle(HWND hWnd);
 
-    // Arms and disarms the creation hook: the next window that this thread creates is bound to this
-    // object before its first message. The windows of the input method (classes "IME" and
-    // "MSCTFIME UI"), which the system makes on the way, are passed over, also when one is what is
-    // meant. One object of a thread may wait at a time; asserts "!s_pHookWin", "!s_hNextHook",
-    // "m_hWnd == 0" and "s_hNextHook" (Hook), "s_pHookWin" and "s_hNextHook" (UnHook). The wait
-    // also ends with the object, on whichever thread it is destroyed, and with the thread.
+    /// Arms and disarms the creation hook: the next window that this thread creates is bound to
+    /// this object before its first message. The windows of the input method (classes "IME" and
+    /// "MSCTFIME UI"), which the system makes on the way, are passed over, also when one is what is
+    /// meant. One object of a thread may wait at a time; asserts "!s_pHookWin", "!s_hNextHook",
+    /// "m_hWnd == 0" and "s_hNextHook" (Hook), "s_pHookWin" and "s_hNextHook" (UnHook). The wait
+    /// also ends with the object, on whichever thread it is destroyed, and with the thread.
+    /// @{
     void Hook();
     void UnHook();
+    /// @}
 
-    // Message hooks are asked in the order of insertion. They are not owned; they may be inserted
-    // and removed while a message passes through them: one that is inserted then sees messages from
-    // the next one on. One that is inserted twice is asked twice and removed at once; null is
-    // ignored. Where a hook takes WM_DESTROY there is no OnDestroy, and the object is unbound at
-    // WM_NCDESTROY, whether or not a hook takes that too.
+    /// Message hooks are asked in the order of insertion. They are not owned; they may be inserted
+    /// and removed while a message passes through them; a hook that is inserted meanwhile sees
+    /// messages from the next one on. One that is inserted twice is asked twice and removed at
+    /// once; null is ignored. Where a hook takes WM_DESTROY there is no OnDestroy, and the object
+    /// is unbound at WM_NCDESTROY, whether or not a hook takes that too.
+    /// @{
     void InsertMessageHook(CCUIWindowHook *pHook);
     void RemoveMessageHook(CCUIWindowHook *pHook);
+    /// @}
 
     // --- State ---
 
-    // The window; null when the object is not bound to one.
+    /// The window; null when the object is not bound to one.
+    /// @{
     HWND GetHandle() const { return m_hWnd; }
     operator HWND() const { return m_hWnd; }  // NOLINT: windows are passed to Win32 all the time
-    // Whether the window exists (1 or 0). A handle alone does not tell: it may have come back for
-    // another window.
+    /// @}
+    /// Whether the window exists (1 or 0). A handle alone does not tell: the system may have given
+    /// it to another window meanwhile.
     int Exist() const;
-    // Whether a dialog's run is on (1 or 0).
+    /// Whether a run of the dialog is under way (1 or 0).
     int IsActive() const { return m_bActive; }
 
-    // Where PerformPreTranslation goes on from this window when its parent is no framework window;
-    // null: nowhere. The program alone sets it: without it Tab in a control that is a framework
-    // window, in a panel that is none, does not reach the dialog around the panel.
+    /// Where PerformPreTranslation goes on from this window when its parent is no framework window;
+    /// null: nowhere. The program alone sets it: without it Tab in a control that is a framework
+    /// window, in a panel that is none, does not reach the dialog around the panel.
+    /// @{
     HWND GetOwner() const { return m_hWndOwner; }
     void SetOwner(HWND hOwner) { m_hWndOwner = hOwner; }
+    /// @}
 
-    // The window that a dialog of this window must have as its owner: this one or, for a child,
-    // the nearest ancestor that is none. Where the chain of parents goes on to another, enabled
-    // top-level window, that one is disabled and stored in *phDisabled (else null), to be enabled
-    // again by the caller; with a null phDisabled none is.
+    /// The window that a dialog of this window must have as its owner: this one or, for a child,
+    /// the nearest ancestor that is not a child. Where the chain of parents goes on to another,
+    /// enabled top-level window, that one is disabled and stored in *phDisabled (else null), to be
+    /// enabled again by the caller; with a null phDisabled none is.
     HWND GetSafeOwner(HWND *phDisabled);
-    // The end of the chain of parents and owners.
+    /// The end of the chain of parents and owners.
     HWND GetTopLevelWindow() const;
 
-    // Copies the table; a count of 0 removes it. 1, or 0 on failure: the former table is gone then
-    // as well.
+    /// Copies the table; a count of 0 removes it. 1, or 0 on failure: the former table is gone then
+    /// as well.
     int SetAccelerators(ACCEL *pAccelerators, int nCount);
 
-    // The menu that the base OnContextMenu shows; not owned. The base OnDestroy drops it.
+    /// The menu that the base OnContextMenu shows; not owned. The base OnDestroy drops it.
+    /// @{
     void SetContextMenu(CCUIMenu *pMenu) { m_pContextMenu = pMenu; }
     CCUIMenu *GetContextMenu() const { return m_pContextMenu; }
-    // Shows a menu at a screen position with TrackPopupMenu's flags and waits; its commands come to
-    // this window. Clicks inside pExclude (null: none) do not close it where the system has that.
-    // With TPM_RETURNCMD the chosen identifier, else nonzero on success.
+    /// @}
+    /// Shows a menu at a screen position with TrackPopupMenu's flags and waits; its commands come
+    /// to this window. Clicks inside pExclude (null: none) do not close it where the system has
+    /// that. With TPM_RETURNCMD the chosen identifier, else nonzero on success.
     int DisplayPopupMenu(CCUIMenu *pMenu, unsigned nFlags, POINT &point, const RECT *pExclude);
 
-    // What the last OnShowToolTips said; 1 at first.
+    /// What the last OnShowToolTips said; 1 at first.
     int GetShowToolTips() const { return m_bShowToolTips; }
 
     // --- Messages ---
 
-    // Default processing: the procedure that was replaced when the object was bound, or
-    // DefWindowProc. Asserts "Exist()".
+    /// Default processing: the procedure that was replaced when the object was bound, or
+    /// DefWindowProc. Asserts "Exist()".
     long DefProc(UINT message, WPARAM wParam, LPARAM lParam);
-    // Default processing of the message that is being handled; 0 outside of a message.
+    /// Default processing of the message that is being handled; 0 outside of a message.
     long Default();
 
-    // Sends the message to all children and their children, parents first. *pnSent (may be null)
-    // grows by the number of windows that got it. 1, or 0 when the window is none.
+    /// Sends the message to all children and their children, parents first. *pnSent (may be null)
+    /// grows by the number of windows that got it. 1, or 0 when the window is none.
     static int SendMessageToDescendants(HWND hWnd, UINT message, WPARAM wParam, LPARAM lParam,
                                         int *pnSent);
-    // Gives the message that is being handled back to the child that sent it; 1 when the child is
-    // a framework window and handled it: *pResult is its answer.
+    /// Gives the message that is being handled back to the child that sent it; 1 when the child is
+    /// a framework window and handled it: *pResult is its answer.
     int ReflectLastMessage(HWND hChild, long *pResult);
 
     // --- The message loop ---
-    //
-    // When the queue goes empty after a message that counts as activity, one idle pass refreshes
-    // the commands (CCUICommandMap::IdleUpdate) and calls the idle callback. Mouse moves, timers,
-    // paints, multimedia notifications, messages from WM_USER up and the framework's own do not
-    // count. With the debug switch "MessageDebug" ("\Debug\Window") at 1 or above, messages and
-    // idle passes that take more than a second are traced.
 
-    // Runs the thread's loop until WM_QUIT; returns its exit code.
+    /// Runs the thread's loop until WM_QUIT; returns its exit code.
+    ///
+    /// In this loop and in ModalLoop, when the queue goes empty after a message that counts as
+    /// activity, one idle pass refreshes the commands (CCUICommandMap::IdleUpdate) and calls the
+    /// idle callback. Mouse moves, timers, paints, multimedia notifications, messages from WM_USER
+    /// up and the framework's own do not count. With the debug switch "MessageDebug"
+    /// ("\Debug\Window") at 1 or above, messages and idle passes that take more than a second are
+    /// traced.
     static int RunLoop();
-    // Runs the loop until m_bEnded is set, the window has gone without that, the object goes to
-    // another window or it is destroyed, which is reported as "!m_bDead". WM_QUIT ends it too and
-    // is posted again, with exit code 0, for the loop around it. Only CCUIDialog sets m_bEnded by
-    // itself, and clears it for its next run: the loop neither sets nor clears it. A class with
-    // modal runs of its own clears it before the loop and sets it in OnDestroy.
+    /// Runs the loop until m_bEnded is set, the window has gone without that, the object goes to
+    /// another window or it is destroyed, which is reported as "!m_bDead". WM_QUIT ends it too and
+    /// is posted again, with exit code 0, for the loop around it. Only CCUIDialog sets m_bEnded by
+    /// itself, and clears it for its next run: the loop neither sets nor clears it. A class with
+    /// modal runs of its own clears it before the loop and sets it in OnDestroy.
     void ModalLoop();
-    // Fetches one message, waiting for it, and handles it. 0 for WM_QUIT, else 1.
+    /// Fetches one message, waiting for it, and handles it. 0 for WM_QUIT, else 1.
     static int PumpMessage(MSG *pMsg);
-    // Offers the message to the framework windows from its target up, each parent in turn, after a
-    // popup its owner; nonzero when one took it. From a framework window whose parent is none the
-    // way leads to GetOwner instead. A key that nobody took, going down or up, sets the cursor
-    // where it is, so that the window under it hears WM_SETCURSOR.
+    /// Offers the message to the framework windows from its target up, each parent in turn, after a
+    /// popup its owner; nonzero when one took it. From a framework window whose parent is not one,
+    /// the way leads to GetOwner instead. After a key message (down or up) that nobody took, the
+    /// cursor is set to where it is, so that the window under it gets WM_SETCURSOR.
     static int PerformPreTranslation(MSG *pMsg);
-    // Handles what is waiting for |nMilliseconds| at the most: with 0 one message; a negative
-    // number also waits for more until then. Restricted: timers, multimedia notifications and the
-    // first three messages of the framework's message window, if there is one, only. WM_QUIT ends
-    // it and is posted again.
+    /// Handles waiting messages for |nMilliseconds| at the most; with 0 it handles one message. A
+    /// negative number also waits for further messages until that time has passed. Restricted, it
+    /// handles only timers, multimedia notifications and the first three messages of the
+    /// framework's message window, if there is one. WM_QUIT ends it and is posted again.
     static void IdleLoop(long nMilliseconds, int bRestricted);
-    // Cancels all dialogs that the window owns, the deepest first: presses the control with the
-    // identifier IDCANCEL, then, if the dialog still exists, IDNO. Tooltips are left alone.
+    /// Cancels all dialogs that the window owns, the deepest first: presses the control with the
+    /// identifier IDCANCEL, then, if the dialog still exists, IDNO. Tooltips are left alone.
     static void AbortDialog(HWND hWnd);
-    // Null: none. Not owned.
+    /// Sets who is called at the end of each idle pass; not owned. Null: nobody.
     static void SetIdleCallback(CCUIIdleCallback *pCallback);
-    // A number of milliseconds that a program keeps here for its idle work; 0 at first.
+    /// A number of milliseconds that a program keeps here for its idle work; 0 at first.
+    /// @{
     static void SetIdleTime(long nMilliseconds);
     static long GetIdleTime();
-    // CUGetTime at the start of RunLoop and at the last idle pass; 0 before.
+    /// @}
+    /// CUGetTime at the start of RunLoop and at the last idle pass; 0 before.
+    /// @{
     static unsigned long GetLoopStartTime();
     static unsigned long GetLastIdleTime();
+    /// @}
 
 protected:
     class CWatch;
 
-    // To be called with the result of a creation that the hook was armed for: 1 when the object is
-    // bound to that window; else nothing is left of either, 0. A window that a handler gave the
-    // object meanwhile stays.
+    /// To be called with the result of a creation that the hook was armed for. Returns 1 when the
+    /// object is bound to that window. Otherwise it undoes the creation and the hook, and returns
+    /// 0; a window that a handler gave the object meanwhile stays.
     int FinishCreation(HWND hWnd);
-    // Whether the object has a window. One that has gone unheard is let go of.
+    /// Whether the object has a window. A window that has gone without the object's hearing of it
+    /// is let go of.
     bool HasWindow();
 
+    /// A number that no message has.
     enum : UINT
     {
-        NoMessage = 0xFFFFFFFF  // the number in a MSG that the system has not written yet
+        NoMessage = 0xFFFFFFFF  ///< the number in a MSG that the system has not written yet
     };
 
-    HWND m_hWnd;         // null: bound to none
-    WNDPROC m_pOldProc;  // the procedure that the binding replaced
-    HWND m_hWndOwner;    // what GetOwner answers
-    int m_bActive;       // in a run of a dialog
-    int m_bEnded;        // the modal run must stop; see ModalLoop
-    // What its modal loop is about to fetch (NoMessage in it), or handles; null: neither.
+    HWND m_hWnd;         ///< null: bound to none
+    WNDPROC m_pOldProc;  ///< the procedure that the binding replaced
+    HWND m_hWndOwner;    ///< what GetOwner answers
+    int m_bActive;       ///< in a run of a dialog
+    int m_bEnded;        ///< the modal run must stop; see ModalLoop
+    /// What its modal loop is about to fetch (NoMessage in it), or handles; null: neither.
     const MSG *m_pAwaited;
-    int m_bDead;  // the destructor has begun
+    int m_bDead;  ///< the destructor has begun
 
 private:
     class CMessage;
@@ -324,16 +363,16 @@ private:
     CCUIWindowHookList *m_pHooks;
 };
 
-// Tells, on the stack of a function that calls user code, whether the object still stands.
+/// Tells, on the stack of a function that calls user code, whether the object still stands.
 class CUI_API CCUIWindow::CWatch
 {
 public:
-    // The object must stand, and is watched until one of the two goes.
+    /// The object must stand, and is watched until one of the two goes.
     explicit CWatch(CCUIWindow *pWindow);
     ~CWatch();
     CWatch(const CWatch &) = delete;
     CWatch &operator=(const CWatch &) = delete;
-    // Whether the object's destructor has run.
+    /// Whether the object's destructor has run.
     bool IsGone() const { return !m_pWindow; }
 
 private:
