@@ -9,7 +9,8 @@
 class CCULazyLock
 {
 public:
-    constexpr CCULazyLock() : m_nState(Untouched), m_bListed(false), m_pNext(nullptr), m_section()
+    constexpr CCULazyLock()
+        : m_nState(CUOnceUntouched), m_bListed(false), m_pNext(nullptr), m_section()
     {
     }
     CCULazyLock(const CCULazyLock &) = delete;
@@ -17,51 +18,32 @@ public:
 
     void Enter()
     {
-        if (InterlockedExchangeAdd(&m_nState, 0) != Ready)
-            Initialize();
+        CUOnce(m_nState, [this] { Make(); });
         EnterCriticalSection(&m_section);
     }
     void Leave() { LeaveCriticalSection(&m_section); }
-    // Only when no thread can be inside, or come again.
-    void Delete()
-    {
-        if (InterlockedExchange(&m_nState, Untouched) == Ready)
-            DeleteCriticalSection(&m_section);
-    }
-    // All of the module: for its end.
+    // Every one of the program or module. Only when there is no other thread that may be inside, or
+    // come again. A lock that is entered later makes itself anew.
     static void DeleteAll()
     {
-        for (CCULazyLock *pLock = s_pFirst; pLock; pLock = pLock->m_pNext)
-            pLock->Delete();
+        for (CCULazyLock *pLock = s_pFirst; pLock; pLock = pLock->m_pNext) {
+            if (InterlockedExchange(&pLock->m_nState, CUOnceUntouched) == CUOnceDone)
+                DeleteCriticalSection(&pLock->m_section);
+        }
     }
 
 private:
-    enum State : LONG
+    __attribute__((noinline)) void Make()
     {
-        Untouched,
-        InWork,
-        Ready
-    };
-
-    void Initialize()
-    {
-        const LONG nState = InterlockedCompareExchange(&m_nState, InWork, Untouched);
-        if (nState == Untouched) {
-            InitializeCriticalSection(&m_section);
-            if (!m_bListed) {
-                m_bListed = true;
-                CUPushFront(s_pFirst, this, &CCULazyLock::m_pNext);
-            }
-            InterlockedExchange(&m_nState, Ready);
-            return;
+        InitializeCriticalSection(&m_section);
+        if (!m_bListed) {
+            m_bListed = true;
+            CUPushFront(s_pFirst, this, &CCULazyLock::m_pNext);
         }
-        // Sleep(0) would not let a thread of lower priority finish its work.
-        while (InterlockedExchangeAdd(&m_nState, 0) != Ready)
-            Sleep(1);
     }
 
     inline static CCULazyLock *volatile s_pFirst = nullptr;  // of those ever used
-    LONG m_nState;
+    volatile LONG m_nState;                                  // CUOnce's
     bool m_bListed;
     CCULazyLock *m_pNext;
     CRITICAL_SECTION m_section;

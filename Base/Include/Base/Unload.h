@@ -4,6 +4,8 @@
 
 #include <mmsystem.h>
 
+#include "Base/Lifetime.h"
+
 // The end of a module (DLL) with the framework inside. A program's ends with its process, where the
 // system takes everything back; FreeLibrary takes the code away and leaves what points to it. Each
 // source that hands something to the system has a function here that takes it back. Module.cpp,
@@ -29,7 +31,6 @@ enum CUUnloadPhase : int
 CU_UNLOAD void CUIUnloadWindows(CUUnloadPhase phase);
 CU_UNLOAD void CUIUnloadClasses();
 CU_UNLOAD void CUIUnloadData();
-CU_UNLOAD void CUIUnloadOffScreenDC();
 CU_UNLOAD void CUModuleThreadEnd();
 CU_UNLOAD void CUUnloadThreadEnd();
 CU_UNLOAD void CUUnloadTimers(CUUnloadPhase phase);
@@ -37,7 +38,6 @@ CU_UNLOAD void CUUnloadMessageWindow(CUUnloadPhase phase);
 CU_UNLOAD void CUUnloadCrashReport();
 CU_UNLOAD void CUUnloadProcessInfo();
 CU_UNLOAD void CUUnloadMultimedia();
-CU_UNLOAD void CUUnloadStringBlocks();
 CU_UNLOAD void CUUnloadSlots();
 
 // For functions that end windows in either phase: whether it is a window's turn.
@@ -58,13 +58,3 @@ __attribute__((weak))
 #endif
 LPTIMECALLBACK
 CUModuleTimerCallback(UINT uMessage);
-
-// How the module ends, once it does. With the process: other threads have been killed, maybe in the
-// middle of something, so nothing may be waited for.
-enum CUModuleEnd
-{
-    CUModuleStays,
-    CUModuleUnloads,
-    CUModuleEndsWithProcess
-};
-extern CUModuleEnd g_moduleEnd;

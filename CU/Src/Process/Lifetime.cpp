@@ -1,9 +1,52 @@
+// The start and the end of what the process shares: see Base/Lifetime.h.
+
+#include "Base/Lifetime.h"
+
 #include <stdlib.h>
 
-#include "Base/Atomic.h"
 #include "CU/CU.h"
 
-static CCUInitializer *volatile s_pFirstInitializer = nullptr;
+CUModuleEnd g_moduleEnd = CUModuleStays;
+
+namespace {
+
+CCULastCall *volatile s_pLastCalls = nullptr;
+CCUInitializer *volatile s_pFirstInitializer = nullptr;
+
+CCULastCall *TakeLastCalls()
+{
+    return static_cast<CCULastCall *>(InterlockedExchangePointer(
+        reinterpret_cast<void *volatile *>(const_cast<CCULastCall **>(&s_pLastCalls)), nullptr));
+}
+
+void RunLastCalls()
+{
+    if (g_moduleEnd == CUModuleEndsWithProcess)
+        return;
+    // A last call may use what an earlier one has given back, which is named again then.
+    while (CCULastCall *pCall = TakeLastCalls()) {
+        while (pCall) {
+            CCULastCall &call = *pCall;
+            pCall = call.next;
+            call.function(call);
+        }
+    }
+}
+
+// Runs before the constructors of all statics: the first function to be registered is called behind
+// the destructors of them all.
+__attribute__((constructor(101))) void RegisterLastCalls()
+{
+    atexit(RunLastCalls);
+}
+
+}  // namespace
+
+void CUAtLast(CCULastCall &call, void (*function)(CCULastCall &call))
+{
+    call.function = function;
+    CUPushFront(s_pLastCalls, &call, &CCULastCall::next);
+}
 
 bool CURegisterTerminationHandler(void (*handler)())
 {

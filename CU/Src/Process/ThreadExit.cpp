@@ -1,11 +1,10 @@
 #include "CU/ThreadExit.h"
 
 #include "Base/Atomic.h"
+#include "Base/LazyLock.h"
 #include "Base/Unload.h"
 #include "CU/CU.h"
 #include "Process/ThreadEnd.h"
-
-CUModuleEnd g_moduleEnd = CUModuleStays;
 
 // The handlers of the calling thread, the latest first; the head is the thread's value in one slot.
 class CCUThreadExitList
@@ -131,16 +130,6 @@ F *SystemFunction(const char *module, const char *name)
     return reinterpret_cast<F *>(GetProcAddress(GetModuleHandleA(module), name));
 }
 
-void (*volatile s_lastThreadCall)() = nullptr;
-
-void RunLastThreadCall()
-{
-    void (*const call)() = s_lastThreadCall;
-    s_lastThreadCall = nullptr;
-    if (call)
-        call();
-}
-
 void WINAPI OnFiberLocalEnd(void *)
 {
     // The slot is being freed, for the value of whatever thread.
@@ -148,9 +137,7 @@ void WINAPI OnFiberLocalEnd(void *)
         return;
     // When the process ends without `exit`, the system has already killed the other threads, maybe
     // in the middle of something; no handler is worth the risk of waiting for what they held.
-    if (s_shutdownInProgress())
-        RunLastThreadCall();
-    else
+    if (!s_shutdownInProgress())
         CCUThreadExitList::RunAtThreadEnd();
 }
 
@@ -159,7 +146,7 @@ void NTAPI OnLoaderNotice(void *, DWORD nReason, void *pProcessEnds)
     if (nReason == DLL_THREAD_DETACH)
         CCUThreadExitList::RunAtThreadEnd();
     else if (nReason == DLL_PROCESS_DETACH && pProcessEnds)
-        RunLastThreadCall();
+        CCULazyLock::DeleteAll();
 }
 
 }  // namespace
@@ -184,12 +171,6 @@ void CUWatchThreadEnd()
     });
     if (s_nFlsIndex != TLS_OUT_OF_INDEXES)
         s_flsSetValue(s_nFlsIndex, &s_nFlsIndex);  // any value but null
-}
-
-void CUSetLastThreadCall(void (*function)())
-{
-    CUWatchThreadEnd();
-    s_lastThreadCall = function;
 }
 
 // Windows XP and before do not tell the loader's callbacks of modules that came after the start.

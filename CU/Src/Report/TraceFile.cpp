@@ -4,6 +4,7 @@
 
 #include "Base/Atomic.h"
 #include "Base/KeepLastError.h"
+#include "Base/Lifetime.h"
 #include "Base/Registered.h"
 #include "CU/Assert.h"
 #include "CU/CrashReport.h"
@@ -45,7 +46,8 @@ public:
 };
 
 // At the end of the process. A thread that is in the list still keeps what it has.
-void DeleteHandlers()
+CCULastCall s_lastCall;
+void DeleteHandlers(CCULastCall &)
 {
     CCURegistered *item = s_pFirstHandler;
     s_pFirstHandler = nullptr;
@@ -68,7 +70,7 @@ CReportHandler *TakeItem()
     CReportHandler *const item = new CReportHandler{{nullptr, -1}, nullptr};
     CUPushFront<CCURegistered>(s_pFirstHandler, item, &CCURegistered::next);
     if (!item->next)
-        atexit(DeleteHandlers);
+        CUAtLast(s_lastCall, DeleteHandlers);
     return item;
 }
 

@@ -13,7 +13,6 @@
 #include "CU/Time.h"
 #include "CU/Timer.h"
 #include "Process/Shutdown.h"
-#include "Process/ThreadEnd.h"
 
 #define CU_SOURCE "TimerTask"
 
@@ -125,11 +124,6 @@ void RegisterTaskClass(WNDPROC windowProc)
     CU_ASSERT(dwError == ERROR_CLASS_ALREADY_EXISTS);
 }
 
-void DeleteLock()
-{
-    s_lock.Delete();
-}
-
 // At process exit, on the thread that leaves: the class goes after that thread's window.
 void EndTimers()
 {
@@ -179,8 +173,6 @@ void CCUTimerTask::Initialize()
         CURegisterProcessInfoHandler("timertask", DumpProcessInfo);
         CURegisterTerminationHandler(EndTimers);
         CCUTimer::s_forget = Forget;
-        // A thread that ends while the process does still takes the lock.
-        CUSetLastThreadCall(DeleteLock);
     }
     if (s_nSlot == -1) {
         RegisterTaskClass(WindowProc);

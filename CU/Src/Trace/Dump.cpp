@@ -2,11 +2,11 @@
 
 #include <stdarg.h>
 #include <stdio.h>
-#include <stdlib.h>
 
 #include "Base/Array.h"
 #include "Base/KeepLastError.h"
 #include "Base/LazyLock.h"
+#include "Base/Lifetime.h"
 #include "CU/Assert.h"
 #include "CU/String.h"
 #include "Trace/LogFiles.h"
@@ -145,10 +145,22 @@ void CDumpOutputs::Remove(const CDumpWindow &window)
 CCULazyLock s_lock;
 CDumpOutputs *s_pOutputs = nullptr;  // made by the first use, under the lock
 LONG s_nUsers = 0;                   // threads in here, the waiting ones too
-LONG s_bGone = 0;                    // the process ends: nothing is made or touched any more
+LONG s_bGone = 0;                    // after the last call: nothing is made or touched any more
+CCULastCall s_lastCall;
 
-// Entry into the trace: the lock and the outputs. After the end of the process has begun there are
-// none, and only the debugger gets texts.
+// A thread that is inside keeps everything for as long as the process lasts; every text has been
+// flushed.
+void DeleteOutputs(CCULastCall &)
+{
+    InterlockedExchange(&s_bGone, 1);
+    if (InterlockedExchangeAdd(&s_nUsers, 0) != 0)
+        return;
+    delete s_pOutputs;
+    s_pOutputs = nullptr;
+}
+
+// Entry into the trace: the lock and the outputs. After the last call there are none, and only the
+// debugger gets texts.
 class CDumpUse
 {
 public:
@@ -158,8 +170,10 @@ public:
         if (InterlockedExchangeAdd(&s_bGone, 0))
             return;
         s_lock.Enter();
-        if (!s_pOutputs)
+        if (!s_pOutputs) {
             s_pOutputs = new CDumpOutputs;
+            CUAtLast(s_lastCall, DeleteOutputs);
+        }
         m_pOutputs = s_pOutputs;
     }
     ~CDumpUse()
@@ -178,25 +192,6 @@ private:
     CCUKeepLastError m_keepLastError;
     CDumpOutputs *m_pOutputs;
 };
-
-// A thread that is inside keeps everything for as long as the process lasts; every text has been
-// flushed.
-void DeleteOutputs()
-{
-    InterlockedExchange(&s_bGone, 1);
-    if (InterlockedExchangeAdd(&s_nUsers, 0) != 0)
-        return;
-    delete s_pOutputs;
-    s_pOutputs = nullptr;
-    s_lock.Delete();
-}
-
-// The first to be registered is the last to be called: behind the destructors of all global
-// objects, which may still dump.
-__attribute__((constructor(101))) void DeleteOutputsAtExit()
-{
-    atexit(DeleteOutputs);
-}
 
 CCUString CopyText(const char *text, int length)
 {
