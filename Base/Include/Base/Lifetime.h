@@ -41,8 +41,8 @@ struct CCULastCall
     CCULastCall *next;
 };
 
-// Has the function called in step 2 above, once. A call that has been made may be named again; one
-// that is still to come may not.
+// Has the function called in step 2 above, once; nothing if that is still to come already. For one
+// thread at a time.
 void CUAtLast(CCULastCall &call, void (*function)(CCULastCall &call));
 
 // How the module ends, once it does. With its process: other threads have been killed, maybe in the

@@ -28,7 +28,9 @@ void RunLastCalls()
         while (pCall) {
             CCULastCall &call = *pCall;
             pCall = call.next;
-            call.function(call);
+            const auto function = call.function;
+            call.function = nullptr;
+            function(call);
         }
     }
 }
@@ -44,6 +46,8 @@ __attribute__((constructor(101))) void RegisterLastCalls()
 
 void CUAtLast(CCULastCall &call, void (*function)(CCULastCall &call))
 {
+    if (call.function)
+        return;
     call.function = function;
     CUPushFront(s_pLastCalls, &call, &CCULastCall::next);
 }

@@ -52,9 +52,7 @@ void CCUICommandMap::Make()
     m_nGrowBy = GROWTH_STEP;
     for (int nMap = 0; nMap < TABLES; ++nMap)
         Cover(nMap, 0, GROWTH_STEP);
-    // A use after the end, by an object that outlives the map, makes a map that nobody deletes.
-    if (!s_bDeleted)
-        CUAtLast(s_lastCall, [](CCULastCall &) { Delete(); });
+    CUAtLast(s_lastCall, [](CCULastCall &) { Delete(); });
 }
 
 void CCUICommandMap::Delete()
