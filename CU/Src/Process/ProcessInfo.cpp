@@ -2,7 +2,7 @@
 #include <string.h>
 
 #include "Base/LazyLock.h"
-#include "Base/Registered.h"
+#include "Base/CallbackList.h"
 #include "Base/Unload.h"
 #include "CU/CU.h"
 

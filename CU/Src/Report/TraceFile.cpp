@@ -5,7 +5,7 @@
 #include "Base/Atomic.h"
 #include "Base/KeepLastError.h"
 #include "Base/Lifetime.h"
-#include "Base/Registered.h"
+#include "Base/CallbackList.h"
 #include "CU/Assert.h"
 #include "CU/CrashReport.h"
 #include "CU/Dump.h"

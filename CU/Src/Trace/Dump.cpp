@@ -4,6 +4,7 @@
 #include <stdio.h>
 
 #include "Base/Array.h"
+#include "Base/CallbackList.h"
 #include "Base/KeepLastError.h"
 #include "Base/LazyLock.h"
 #include "Base/Lifetime.h"
@@ -31,16 +32,6 @@ bool operator==(const CDumpWindow &w1, const CDumpWindow &w2)
     return w1.hWnd == w2.hWnd && w1.uMessage == w2.uMessage;
 }
 
-template <typename T>
-int IndexOf(const CCUArray<T> &list, const T &item)
-{
-    for (int i = 0; i < list.Count(); ++i) {
-        if (list[i] == item)
-            return i;
-    }
-    return -1;
-}
-
 // Everything that a text is brought to. Used under the lock only.
 class CDumpOutputs
 {
@@ -51,36 +42,22 @@ public:
     bool Distribute(const CCUString &sText);
     void TellOverrun();
 
-    void Add(CCUDumpCallback *pCallback) { m_callbacks.Add(pCallback); }
-    void Remove(CCUDumpCallback *pCallback);
     void Add(const CDumpWindow &window) { m_windows.Add(window); }
     void Remove(const CDumpWindow &window);
 
+    CCUCallbackList<CCUDumpCallback> m_callbacks;
     CCULogFiles m_logFiles;
     CCUDumpFileOverrunCallback *m_pOverrunCallback;
 
 private:
     void PostToWindows(const CCUString &sText) const;
-    void CallCallbacks(const CCUString &sText);
 
     CCUArray<CDumpWindow> m_windows;
-    CCUArray<CCUDumpCallback *> m_callbacks;
-    // Where the walk over the callbacks stands, and what it will not go beyond: callbacks come and
-    // go during it.
-    int m_nNextCallback;
-    int m_nEndCallback;
     bool m_bBusy;
     int m_nTellingOverrun;
 };
 
-CDumpOutputs::CDumpOutputs()
-    : m_pOverrunCallback(nullptr),
-      m_nNextCallback(0),
-      m_nEndCallback(0),
-      m_bBusy(false),
-      m_nTellingOverrun(0)
-{
-}
+CDumpOutputs::CDumpOutputs() : m_pOverrunCallback(nullptr), m_bBusy(false), m_nTellingOverrun(0) {}
 
 bool CDumpOutputs::Distribute(const CCUString &sText)
 {
@@ -89,7 +66,9 @@ bool CDumpOutputs::Distribute(const CCUString &sText)
     m_bBusy = true;
     const bool bOverrun = m_logFiles.Write(sText);
     PostToWindows(sText);
-    CallCallbacks(sText);
+    CCUCallbackList<CCUDumpCallback>::CWalk walk(m_callbacks);
+    while (CCUDumpCallback *const pCallback = walk.Next())
+        pCallback->OnDump(sText);
     m_bBusy = false;
     return bOverrun;
 }
@@ -107,13 +86,6 @@ void CDumpOutputs::PostToWindows(const CCUString &sText) const
     }
 }
 
-void CDumpOutputs::CallCallbacks(const CCUString &sText)
-{
-    m_nEndCallback = m_callbacks.Count();
-    for (m_nNextCallback = 0; m_nNextCallback < m_nEndCallback;)
-        m_callbacks[m_nNextCallback++]->OnDump(sText);
-}
-
 void CDumpOutputs::TellOverrun()
 {
     if (!m_pOverrunCallback || m_nTellingOverrun >= MostOverruns)
@@ -123,23 +95,14 @@ void CDumpOutputs::TellOverrun()
     --m_nTellingOverrun;
 }
 
-void CDumpOutputs::Remove(CCUDumpCallback *pCallback)
-{
-    const int nIndex = IndexOf(m_callbacks, pCallback);
-    if (nIndex < 0)
-        return;
-    m_callbacks.Remove(nIndex, 1);
-    if (nIndex < m_nNextCallback)
-        --m_nNextCallback;
-    if (nIndex < m_nEndCallback)
-        --m_nEndCallback;
-}
-
+// One that was added twice stays once.
 void CDumpOutputs::Remove(const CDumpWindow &window)
 {
-    const int nIndex = IndexOf(m_windows, window);
-    if (nIndex >= 0)
-        m_windows.Remove(nIndex, 1);
+    int i = 0;
+    while (i < m_windows.Count() && !(m_windows[i] == window))
+        ++i;
+    if (i < m_windows.Count())
+        m_windows.Remove(i, 1);
 }
 
 CCULazyLock s_lock;
@@ -271,14 +234,14 @@ void CUDumpRegister(CCUDumpCallback *pCallback)
     const CDumpUse dump;
     CU_ASSERT(pCallback != NULL);
     if (dump && pCallback)
-        dump->Add(pCallback);
+        dump->m_callbacks.Add(pCallback);
 }
 
 void CUDumpUnRegister(CCUDumpCallback *pCallback)
 {
     const CDumpUse dump;
     if (dump)
-        dump->Remove(pCallback);
+        dump->m_callbacks.Remove(pCallback);
 }
 
 void CUDumpRegisterWindow(HWND hWnd, unsigned int message)
