@@ -8,7 +8,9 @@
 
 namespace {
 
-volatile LONG s_nFirstTime = 0;  // timeGetTime of the first CUGetTime, 0 before it
+// timeGetTime of the first CUGetTime, 0 before it. Not CUOnce's work: the value tells by itself
+// whether it is known, which saves a look at a second word in every call.
+volatile LONG s_nFirstTime = 0;
 volatile LONG s_bShutdown = FALSE;
 
 // Registered messages are numbered from here to the end of 16 bits. One bit for each tells in no

@@ -7,6 +7,7 @@
 #include <stdlib.h>
 #include <string.h>
 
+#include "Base/Handle.h"
 #include "CU/Assert.h"
 #include "CU/File.h"
 #include "CU/Time.h"
@@ -44,23 +45,24 @@ bool FindTempDirectory(CCUString &sTempDir)
 // processes do not get the handle.
 FILE *CreateNew(const char *name, bool &bTaken)
 {
-    const HANDLE hFile =
-        CreateFileA(name, GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
-                    CREATE_NEW, FILE_ATTRIBUTE_NORMAL, nullptr);
+    CCUFileHandle handle(CreateFileA(name, GENERIC_READ | GENERIC_WRITE,
+                                     FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, CREATE_NEW,
+                                     FILE_ATTRIBUTE_NORMAL, nullptr));
     bTaken = false;
-    if (hFile == INVALID_HANDLE_VALUE) {
+    if (!handle) {
         const DWORD dwError = GetLastError();
         bTaken = dwError == ERROR_FILE_EXISTS || dwError == ERROR_ALREADY_EXISTS;
         return nullptr;
     }
+    const HANDLE hFile = handle;
     const int nFile = _open_osfhandle(reinterpret_cast<intptr_t>(hFile), _O_TEXT | _O_NOINHERIT);
-    FILE *file = nFile < 0 ? nullptr : _fdopen(nFile, "w+");
-    if (file)
-        return file;
-    if (nFile < 0)
-        CloseHandle(hFile);
-    else
+    if (nFile >= 0) {
+        handle.Release();  // the C library's by now
+        if (FILE *const file = _fdopen(nFile, "w+"))
+            return file;
         _close(nFile);
+    }
+    handle.Close();
     DeleteFileA(name);
     return nullptr;
 }
@@ -218,13 +220,9 @@ void CCULogFiles::ListFiles(const CCUString &sTempDir)
 {
     m_knownFiles.Empty();
     WIN32_FIND_DATAA data;
-    const HANDLE find = FindFirstFileA(sTempDir + LogFilePattern, &data);
-    if (find == INVALID_HANDLE_VALUE)
-        return;
-    do {
+    const CCUFindHandle find(FindFirstFileA(sTempDir + LogFilePattern, &data));
+    for (bool bFound = bool(find); bFound; bFound = FindNextFileA(find, &data) != FALSE)
         m_knownFiles.Add(data.cFileName);
-    } while (FindNextFileA(find, &data));
-    FindClose(find);
     m_knownFiles.Sort([](const CCUString &s1, const CCUString &s2) { return s1 < s2; });
 }
 
