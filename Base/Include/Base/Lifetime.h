@@ -30,9 +30,9 @@
 // all.
 //
 // A module (DLL) that FreeLibrary unloads first takes back what it has given to other threads (see
-// Unload.h), then goes through steps 1 and 2. The very last of its last calls takes back all that
-// the system would otherwise keep. When the process of a module ends, only the destructors in step
-// 1 run, after step 3.
+// Base/Module.h), then goes through steps 1 and 2. The very last of its last calls takes back all
+// that the system would otherwise keep. When the process of a module ends, only the destructors in
+// step 1 run, after step 3.
 
 // A last call. Plain static data, all zeros until it is named.
 struct CCULastCall

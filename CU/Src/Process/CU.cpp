@@ -1,9 +1,10 @@
 #include "CU/CU.h"
 
 #include "Base/KeepLastError.h"
-#include "Base/LazyLock.h"
+#include "Base/Lock.h"
 #include "Base/Multimedia.h"
-#include "Base/Unload.h"
+#include "Base/Module.h"
+#include "CU/IDGenerator.h"
 #include "Process/Shutdown.h"
 
 namespace {
@@ -23,6 +24,8 @@ const DWORD s_nMostSlots = 64 + 1024;
 volatile LONG s_slots[s_nMostSlots / 32];
 
 CCULazyLock s_mutex;
+
+volatile LONG s_nLastID = 9999;
 
 }  // namespace
 
@@ -85,6 +88,11 @@ void *CUGetThreadLocalStorage(int nIndex)
 bool CUSetThreadLocalStorage(int nIndex, void *value)
 {
     return TlsSetValue(static_cast<DWORD>(nIndex), value) != FALSE;
+}
+
+unsigned int CCUIIDGenerator::GetNextID()
+{
+    return static_cast<unsigned int>(InterlockedIncrement(&s_nLastID));
 }
 
 void CUEnterMutex()

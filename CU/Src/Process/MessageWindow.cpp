@@ -1,8 +1,7 @@
 #include <new>
 
-#include "Base/Instance.h"
-#include "Base/LazyLock.h"
-#include "Base/Unload.h"
+#include "Base/Module.h"
+#include "Base/Lock.h"
 #include "CU/CU.h"
 #include "CU/ThreadExit.h"
 #include "Process/Shutdown.h"

@@ -1,13 +1,12 @@
-// The ends of a module with the framework inside: see Unload.h. The compiler's start-up code of
-// modules, and no program's, calls DllEntryPoint; the linker takes this source for it.
+// The ends of a module with the framework inside: see Base/Module.h. The compiler's start-up code
+// of modules, and no program's, calls DllEntryPoint; the linker takes this source for it.
 
 #define CU_MODULE
-#include "Base/Unload.h"
+#include "Base/Module.h"
 
 #include <string.h>
 
-#include "Base/Instance.h"
-#include "Base/LazyLock.h"
+#include "Base/Lock.h"
 
 namespace {
 

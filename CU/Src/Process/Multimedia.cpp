@@ -1,8 +1,8 @@
 #include "Base/Multimedia.h"
 
-#include "Base/Unload.h"
+#include "Base/Module.h"
 #include "Process/SystemLibrary.h"
-#include "Process/ThreadEnd.h"
+#include "Process/ThreadExit.h"
 
 namespace {
 

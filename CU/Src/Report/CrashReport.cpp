@@ -3,10 +3,10 @@
 #include <stdio.h>
 
 #include "Base/KeepLastError.h"
-#include "Base/Unload.h"
+#include "Base/Module.h"
 #include "Report/ExceptionName.h"
 #include "Report/StackWalk.h"
-#include "Process/ThreadEnd.h"
+#include "Process/ThreadExit.h"
 #include "Report/TraceFile.h"
 
 namespace {

@@ -5,11 +5,11 @@
 #include <string.h>
 
 #include "Base/KeepLastError.h"
-#include "Base/LazyLock.h"
+#include "Base/Lock.h"
 #include "Report/DebugHelp.h"
 #include "Report/Demangle.h"
 #include "Report/StackWalk.h"
-#include "Process/ThreadEnd.h"
+#include "Process/ThreadExit.h"
 
 namespace {
 

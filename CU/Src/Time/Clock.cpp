@@ -1,7 +1,7 @@
 #include "CU/Clock.h"
 
 #include "Base/Handle.h"
-#include "Base/LazyLock.h"
+#include "Base/Lock.h"
 #include "Time/Epoch.h"
 
 namespace {

@@ -1,10 +1,9 @@
 #include "CU/TimerTask.h"
 
-#include "Base/Instance.h"
+#include "Base/Module.h"
 #include "Base/KeepLastError.h"
-#include "Base/LazyLock.h"
+#include "Base/Lock.h"
 #include "Base/Multimedia.h"
-#include "Base/Unload.h"
 #include "CU/Assert.h"
 #include "CU/CU.h"
 #include "CU/DebugSwitch.h"

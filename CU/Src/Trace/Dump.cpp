@@ -6,7 +6,7 @@
 #include "Base/Array.h"
 #include "Base/CallbackList.h"
 #include "Base/KeepLastError.h"
-#include "Base/LazyLock.h"
+#include "Base/Lock.h"
 #include "Base/Lifetime.h"
 #include "CU/Assert.h"
 #include "CU/String.h"

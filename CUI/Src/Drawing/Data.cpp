@@ -5,7 +5,7 @@
 #include "Base/GdiGuards.h"
 #include "Base/Lifetime.h"
 #include "Base/Multimedia.h"
-#include "Base/Unload.h"
+#include "Base/Module.h"
 #include "CU/Assert.h"
 
 #define CU_SOURCE "Data"

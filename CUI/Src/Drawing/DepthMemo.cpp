@@ -1,6 +1,6 @@
 #include "Drawing/DepthMemo.h"
 
-#include "Base/TryLock.h"
+#include "Base/Lock.h"
 #include "CUI/Data.h"
 
 namespace {

@@ -1,7 +1,6 @@
 #include "CUI/WindowClass.h"
 
-#include "Base/Instance.h"
-#include "Base/Unload.h"
+#include "Base/Module.h"
 #include "CU/Assert.h"
 #include "CU/CU.h"
 #include "CU/Dump.h"

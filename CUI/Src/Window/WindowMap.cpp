@@ -1,8 +1,7 @@
 #include "Window/WindowMap.h"
 
-#include "Base/Instance.h"
-#include "Base/LazyLock.h"
-#include "Base/Unload.h"
+#include "Base/Module.h"
+#include "Base/Lock.h"
 #include "Window/WindowTable.h"
 #include "Window/WindowThread.h"
 

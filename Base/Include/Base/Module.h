@@ -6,6 +6,16 @@
 
 #include "Base/Lifetime.h"
 
+extern "C" IMAGE_DOS_HEADER __ImageBase;  // NOLINT(readability-identifier-naming): the linker's
+
+// The program or module (DLL) that has the framework inside. Classes and windows are made in its
+// name: classes of that of the program, shared with others, could not be taken back. Private to the
+// framework.
+inline HINSTANCE CUInstance()
+{
+    return reinterpret_cast<HINSTANCE>(&__ImageBase);
+}
+
 // The end of a module (DLL) with the framework inside. A program's ends with its process, where the
 // system takes everything back; FreeLibrary takes the code away and leaves what points to it. Each
 // source that hands something to the system has a function here that takes it back. Module.cpp,

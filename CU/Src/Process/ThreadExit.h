@@ -1,8 +1,5 @@
 #pragma once
 
-// Has the system call the framework when the calling thread ends.
-void CUWatchThreadEnd();
-
 // Whether the system is telling the calling thread's end. It holds locks that the holder of the
 // loader's lock may wait for: no call that takes the loader's lock may be made.
 bool CUIsAtThreadEnd();
