@@ -21,13 +21,12 @@
 //   2. The last calls run, the latest named first: each gives back the state of one source. What is
 //      used later than that is made anew, and again given back if it is before the last of these
 //      calls. Only the trace stays closed: from then on CUDump reaches the debugger alone.
-//   3. The system ends all other threads, wherever they are, and tells the last one. That deletes
-//   the
-//      locks, so that nobody waits for a thread that is gone; a lock that is used still later makes
-//      itself anew. Nothing else is touched: it may be half changed.
-// ExitProcess, called by any thread, and the end of a process that has crashed are step 3 alone.
-// What steps 1 and 2 would have given back is the system's to take. TerminateProcess has no step at
-// all.
+//   3. The system ends all other threads, wherever they are, and tells the last one. That one
+//      deletes the locks, so that nobody waits for a thread that is gone; a lock that is used still
+//      later makes itself anew. Nothing else is touched: it may be half changed.
+// ExitProcess, called by any thread, is step 3 alone. TerminateProcess has no step at all. A crash
+// ends in one or the other, as the system and CUShutdownAfterCrash have it. What steps 1 and 2
+// would have given back is then the system's to take.
 //
 // A module (DLL) that FreeLibrary unloads first takes back what it has given to other threads (see
 // Base/Module.h), then goes through steps 1 and 2. The very last of its last calls takes back all
@@ -41,8 +40,8 @@ struct CCULastCall
     CCULastCall *next;
 };
 
-// Has the function called in step 2 above, once; nothing if that is still to come already. For one
-// thread at a time.
+// Has the function called in step 2 above. Nothing where this call has been named and is still to
+// come. One call must not be named by two threads at a time.
 void CUAtLast(CCULastCall &call, void (*function)(CCULastCall &call));
 
 // How the module ends, once it does. With its process: other threads have been killed, maybe in the
