@@ -9,8 +9,8 @@
 extern "C" IMAGE_DOS_HEADER __ImageBase;  // NOLINT(readability-identifier-naming): the linker's
 
 // The program or module (DLL) that has the framework inside. Classes and windows are made in its
-// name: classes of that of the program, shared with others, could not be taken back. Private to the
-// framework.
+// name. In the program's name a module could not take its classes back: other modules may have made
+// classes there with the same names.
 inline HINSTANCE CUInstance()
 {
     return reinterpret_cast<HINSTANCE>(&__ImageBase);
@@ -20,9 +20,8 @@ inline HINSTANCE CUInstance()
 // system takes everything back; FreeLibrary takes the code away and leaves what points to it. Each
 // source that hands something to the system has a function here that takes it back. Module.cpp,
 // which is linked into modules alone, calls those that are linked; in a program nobody calls them,
-// and the linker drops them. They run under the loader's lock: none waits for another thread, but
-// where a window's parent or children are another thread's the system does. Private to the
-// framework.
+// and the linker drops them. They run under the loader's lock, so none of them waits for another
+// thread. (The system does, in DestroyWindow, when the window's parent or children belong to one.)
 
 #if defined(CU_MODULE)
 #define CU_UNLOAD __attribute__((weak))

@@ -30,8 +30,9 @@ void FreeKept(CCULastCall &)
     CUFreeKeptStringBlocks();
 }
 
-// Only now can it be told which thread starts the program. A program with operators of its own is
-// not linked with these, nor with this: it sees each block.
+// The thread that starts the program keeps string blocks; later nobody could tell which one that
+// is. A program that defines its own operators is linked without this source: no block is kept
+// there, and its operators see each one come and go.
 __attribute__((constructor)) void Keep()
 {
     CUKeepStringBlocks();

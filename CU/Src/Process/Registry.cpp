@@ -58,8 +58,9 @@ bool IsLink(HKEY hKey)
            dwType == REG_LINK;
 }
 
-// Links are opened and deleted by their handles: by its name the system would find what one points
-// to, which is no part of the tree. No Win32 call does that; Windows 95 has neither it nor links.
+// A symbolic link among the keys is opened and deleted by its handle. By its name the system would
+// find the key that it points to, which is no part of the tree. No Win32 function deletes a key by
+// its handle, so ntdll's does; Windows 95 has neither that function nor links.
 LONG DeleteTree(HKEY hParent, const char *pszPath)
 {
     typedef LONG NTAPI NtDeleteKeyFunction(HANDLE hKey);

@@ -20,7 +20,7 @@ namespace {
 const DWORD MillisecondsOfDay = 86400000;
 // "ZELLog-2001-12-31": what two files of one day have in common.
 const size_t DayLength = 17;
-// In pieces, or it would hold trigraphs.
+// In pieces, because "??-" within one literal would be a trigraph.
 const char LogFilePattern[] =
     "\\ZELLog-????"
     "-??"
@@ -39,10 +39,10 @@ bool FindTempDirectory(CCUString &sTempDir)
     return bFound;
 }
 
-// Opens a file that did not exist before, which is how two processes never share one. Null when it
-// cannot be made; bTaken tells whether for its name. Made by the system, as the C library does not
-// say for certain why it could not, and may leave a file behind when its own tables are full. Child
-// processes do not get the handle.
+// Makes a file that did not exist before, so that two processes never share one. Null when it
+// cannot be made; bTaken tells whether that is because the name is taken. The system makes it, not
+// the C library: that one does not say for certain why it failed, and may leave a file behind when
+// its own tables are full. Child processes do not inherit the handle.
 FILE *CreateNew(const char *name, bool &bTaken)
 {
     CCUFileHandle handle(CreateFileA(name, GENERIC_READ | GENERIC_WRITE,
