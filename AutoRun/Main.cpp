@@ -1,12 +1,16 @@
-#include "Base/Multimedia.h"
 #include "AutoRunDlg.h"
+#include "Base/Multimedia.h"
+#include "CU/CU.h"
 
 namespace {
 
-// Called when the program attaches to the framework (1) and detaches from it (0): the place for
-// what a process must do for it, which for the launcher is nothing.
-int ModuleHook(HINSTANCE, DWORD, void *)
+// Called when the program attaches to the framework (1) and detaches from it (0). Whatever a source
+// wants done once at start-up is done at the first; nothing waits for the second, for all that the
+// process shares is given back at its end.
+int ModuleHook(HINSTANCE, DWORD nReason, void *)
 {
+    if (nReason == DLL_PROCESS_ATTACH)
+        CUInitialize();
     return 1;
 }
 

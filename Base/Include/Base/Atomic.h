@@ -2,26 +2,38 @@
 
 #include "CU/Platform.h"
 
-// Runs `make` once in the process, whichever threads come first; the others wait for its end.
-// nState is plain static data, 0 at first. (The runtime's own guards for statics are off.)
-template <typename F>
-void CUOnce(volatile LONG &nState, F make)
+enum CUOnceState : LONG
 {
-    enum : LONG
-    {
-        untouched,
-        running,
-        done
-    };
-    if (nState == done)
-        return;
-    if (InterlockedCompareExchange(&nState, running, untouched) == untouched) {
-        make();
-        InterlockedExchange(&nState, done);
-        return;
-    }
-    while (nState != done)
+    CUOnceUntouched,
+    CUOnceRunning,
+    CUOnceDone
+};
+
+// True for the thread that is to do the work; the others come back when it is done.
+__attribute__((noinline)) inline bool CUBeginOnce(volatile LONG &nState)
+{
+    if (InterlockedCompareExchange(&nState, CUOnceRunning, CUOnceUntouched) == CUOnceUntouched)
+        return true;
+    // Sleep(0) would not let a thread of lower priority finish the work.
+    while (nState != CUOnceDone)
         Sleep(1);
+    return false;
+}
+
+// Runs `make` once in the process, whichever threads come first; the others wait for its end.
+// nState is plain static data, 0 at first. (The compiler's own guards of local statics are switched
+// off: see cmake/Options.cmake.)
+//
+// Not for work that a crash report needs, nor where a thread that waits may hold the loader's lock
+// and the one that works needs it. There, all threads that meet do the work, with the same result.
+template <typename F>
+inline void CUOnce(volatile LONG &nState, F make)
+{
+    // What `make` has written is read after this.
+    if (__atomic_load_n(&nState, __ATOMIC_ACQUIRE) == CUOnceDone || !CUBeginOnce(nState))
+        return;
+    make();
+    InterlockedExchange(&nState, CUOnceDone);
 }
 
 // Puts an item at the head of a list that other threads push to and read at the same time.

@@ -1,14 +1,17 @@
 #include "CU/CU.h"
 
 #include "Base/KeepLastError.h"
-#include "Base/LazyLock.h"
+#include "Base/Lock.h"
 #include "Base/Multimedia.h"
-#include "Base/Unload.h"
+#include "Base/Module.h"
+#include "CU/IDGenerator.h"
 #include "Process/Shutdown.h"
 
 namespace {
 
-volatile LONG s_nFirstTime = 0;  // timeGetTime of the first CUGetTime, 0 before it
+// timeGetTime of the first CUGetTime, 0 before it. Not CUOnce's work: the value tells by itself
+// whether it is known, which saves a look at a second word in every call.
+volatile LONG s_nFirstTime = 0;
 volatile LONG s_bShutdown = FALSE;
 
 // Registered messages are numbered from here to the end of 16 bits. One bit for each tells in no
@@ -21,6 +24,8 @@ const DWORD s_nMostSlots = 64 + 1024;
 volatile LONG s_slots[s_nMostSlots / 32];
 
 CCULazyLock s_mutex;
+
+volatile LONG s_nLastID = 9999;
 
 }  // namespace
 
@@ -83,6 +88,11 @@ void *CUGetThreadLocalStorage(int nIndex)
 bool CUSetThreadLocalStorage(int nIndex, void *value)
 {
     return TlsSetValue(static_cast<DWORD>(nIndex), value) != FALSE;
+}
+
+unsigned int CCUIIDGenerator::GetNextID()
+{
+    return static_cast<unsigned int>(InterlockedIncrement(&s_nLastID));
 }
 
 void CUEnterMutex()

@@ -2,24 +2,15 @@
 
 #include "CU/Language.h"
 
-#include <stdlib.h>
+#include "Base/Lifetime.h"
 
 namespace {
 
-CCUString *s_pLanguage = nullptr;  // made by the first use
-
-void DeleteLanguage()
+struct CLanguage
 {
-    delete s_pLanguage;
-    s_pLanguage = nullptr;
-}
-
-// The first to be registered is the last to be called: behind the destructors of all global
-// objects, which may still ask for it.
-__attribute__((constructor(101))) void DeleteLanguageAtExit()
-{
-    atexit(DeleteLanguage);
-}
+    CCUString sName = "english";
+};
+CCUShared<CLanguage> s_language;
 
 struct CLanguageOffset
 {
@@ -48,17 +39,12 @@ void CUSetCurrentLanguage(CCUString language)
     if (language.IsEmpty())
         language = "english";
     language.MakeLower();
-    if (s_pLanguage)
-        *s_pLanguage = language;
-    else
-        s_pLanguage = new CCUString(language);
+    s_language.Get().sName = language;
 }
 
 CCUString CUGetCurrentLanguage()
 {
-    if (!s_pLanguage)
-        s_pLanguage = new CCUString("english");
-    return *s_pLanguage;
+    return s_language.Get().sName;
 }
 
 unsigned int CUGetLocalizedID(unsigned int id)

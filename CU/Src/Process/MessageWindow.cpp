@@ -1,8 +1,7 @@
 #include <new>
 
-#include "Base/Instance.h"
-#include "Base/LazyLock.h"
-#include "Base/Unload.h"
+#include "Base/Module.h"
+#include "Base/Lock.h"
 #include "CU/CU.h"
 #include "CU/ThreadExit.h"
 #include "Process/Shutdown.h"
@@ -14,8 +13,8 @@ const char s_szClass[] = "CUMessageWindow";
 CCULazyLock s_lock;
 volatile HWND s_hWnd = nullptr;
 
-// What the message window does with one message. Entries are never taken off: any thread may be
-// looking.
+// What the message window does with one message. Entries stay in the list until the module ends,
+// because other threads may be walking it.
 struct CMessageEntry
 {
     CMessageEntry *next;
@@ -84,7 +83,7 @@ HWND MakeWindow()
     return hWnd;
 }
 
-// Sees to the window's end; false when that cannot be.
+// Has the window destroyed when its thread ends. False when there is no storage for that.
 bool WatchThreadEnd(HWND hWnd)
 {
     CMessageWindowOwner *const pOwner = new CMessageWindowOwner(hWnd);

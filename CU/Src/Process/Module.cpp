@@ -1,18 +1,18 @@
-// The ends of a module with the framework inside: see Unload.h. The compiler's start-up code of
-// modules, and no program's, calls DllEntryPoint; the linker takes this source for it.
+// The ends of a module with the framework inside: see Base/Module.h. The compiler's start-up code
+// of modules, and no program's, calls DllEntryPoint; the linker takes this source for it.
 
 #define CU_MODULE
-#include "Base/Unload.h"
+#include "Base/Module.h"
 
-#include <stdlib.h>
 #include <string.h>
 
-#include "Base/Instance.h"
-#include "Base/LazyLock.h"
+#include "Base/Lock.h"
 
 namespace {
 
-void TakeBackRest()
+CCULastCall s_takeBackRest;
+
+void TakeBackRest(CCULastCall &)
 {
     if (g_moduleEnd != CUModuleUnloads)
         return;
@@ -26,14 +26,10 @@ void TakeBackRest()
         CUIUnloadClasses();
     if (CUIUnloadData)
         CUIUnloadData();
-    if (CUIUnloadOffScreenDC)
-        CUIUnloadOffScreenDC();
     if (CUUnloadProcessInfo)
         CUUnloadProcessInfo();
     if (CUUnloadMultimedia)
         CUUnloadMultimedia();
-    if (CUUnloadStringBlocks)
-        CUUnloadStringBlocks();
     if (CUUnloadSlots)
         CUUnloadSlots();
     CCULazyLock::DeleteAll();
@@ -60,14 +56,17 @@ void TakeBackOfOthers()
 // Called before all constructors, and between DllMain and the destructors.
 extern "C" BOOL WINAPI DllEntryPoint(HINSTANCE, DWORD nReason, void *pProcessEnds)
 {
-    if (nReason == DLL_PROCESS_ATTACH)
-        atexit(TakeBackRest);  // the first to be registered is the last to be called
-    else if (nReason == DLL_PROCESS_DETACH && pProcessEnds)
+    if (nReason == DLL_PROCESS_ATTACH) {
+        CUAtLast(s_takeBackRest, TakeBackRest);  // the first to be named is the last to be called
+    } else if (nReason == DLL_PROCESS_DETACH && pProcessEnds) {
         g_moduleEnd = CUModuleEndsWithProcess;
-    else if (nReason == DLL_PROCESS_DETACH)
+        // Windows XP and before do not tell the loader's callbacks of modules that came later.
+        CCULazyLock::DeleteAll();
+    } else if (nReason == DLL_PROCESS_DETACH) {
         TakeBackOfOthers();
-    else if (nReason == DLL_THREAD_DETACH && CUModuleThreadEnd)
+    } else if (nReason == DLL_THREAD_DETACH && CUModuleThreadEnd) {
         CUModuleThreadEnd();
+    }
     return TRUE;
 }
 

@@ -1,8 +1,8 @@
 #include "Base/Multimedia.h"
 
-#include "Base/Unload.h"
+#include "Base/Module.h"
 #include "Process/SystemLibrary.h"
-#include "Process/ThreadEnd.h"
+#include "Process/ThreadExit.h"
 
 namespace {
 
@@ -30,8 +30,9 @@ void Find(HMODULE hLibrary, const char *name, F *&function, F *substitute)
     function = found ? found : substitute;
 }
 
-// Threads that meet here find the same. None waits for another, which may need the loader's lock
-// that this one holds. The time comes last: who finds it in place uses the others.
+// Not by CUOnce: a thread that waited here could hold the loader's lock, which the one that loads
+// needs. Threads that meet find the same. The time comes last: who finds it in place uses the
+// others.
 void Load()
 {
     const HMODULE hLibrary = CULoadSystemLibrary("winmm.dll");

@@ -4,7 +4,7 @@
 
 #include <new>
 
-#include "Base/Unload.h"
+#include "Base/Lifetime.h"
 #include "CU/Platform.h"
 #include "Text/StringBlock.h"
 
@@ -20,17 +20,26 @@ void *Allocate(size_t nSize)
     return block;
 }
 
-// A program with operators of its own is not linked with these, nor with this: it sees each block.
-const CUKeepingOfStringBlocks s_keeping;
+CCULastCall s_lastCall;
+
+void FreeKept(CCULastCall &)
+{
+    // The thread that unloads a module may be another one than that which has kept blocks.
+    if (g_moduleEnd == CUModuleUnloads)
+        g_nBlockKeeper = GetCurrentThreadId();
+    CUFreeKeptStringBlocks();
+}
+
+// The thread that starts the program keeps string blocks; later nobody could tell which one that
+// is. A program that defines its own operators is linked without this source: no block is kept
+// there, and its operators see each one come and go.
+__attribute__((constructor)) void Keep()
+{
+    CUKeepStringBlocks();
+    CUAtLast(s_lastCall, FreeKept);
+}
 
 }  // namespace
-
-// The thread that kept blocks may not be the one that unloads, whose destructor left them alone.
-void CUUnloadStringBlocks()
-{
-    g_nBlockKeeper = GetCurrentThreadId();
-    s_keeping.~CUKeepingOfStringBlocks();
-}
 
 void *operator new(size_t nSize)
 {

@@ -1,9 +1,9 @@
 #include <stdlib.h>
 #include <string.h>
 
-#include "Base/LazyLock.h"
-#include "Base/Registered.h"
-#include "Base/Unload.h"
+#include "Base/Lock.h"
+#include "Base/CallbackList.h"
+#include "Base/Module.h"
 #include "CU/CU.h"
 
 namespace {

@@ -2,6 +2,8 @@
 
 #include <string.h>
 
+#include "Base/Handle.h"
+
 namespace {
 
 bool Succeeded(LONG nError)
@@ -36,15 +38,11 @@ HKEY OpenKey(HKEY hRoot, const CCUString &sPath, bool bReadOnly)
 {
     const int nCut =
         sPath.GetLength() > LONGEST_PATH ? sPath.Left(LONGEST_PATH + 1).ReverseFind('\\') : -1;
-    HKEY hKey = nullptr;
     if (nCut > 0) {
-        const HKEY hUpper = OpenKey(hRoot, sPath.Left(nCut), bReadOnly);
-        if (!hUpper)
-            return nullptr;
-        hKey = OpenKey(hUpper, sPath.Mid(nCut + 1), bReadOnly);
-        RegCloseKey(hUpper);
-        return hKey;
+        const CCUKeyHandle upper(OpenKey(hRoot, sPath.Left(nCut), bReadOnly));
+        return upper ? OpenKey(upper, sPath.Mid(nCut + 1), bReadOnly) : nullptr;
     }
+    HKEY hKey = nullptr;
     const LONG nError = bReadOnly
                             ? RegOpenKeyExA(hRoot, sPath, 0, KEY_READ, &hKey)
                             : RegCreateKeyExA(hRoot, sPath, 0, nullptr, REG_OPTION_NON_VOLATILE,
@@ -60,31 +58,32 @@ bool IsLink(HKEY hKey)
            dwType == REG_LINK;
 }
 
-// Links are opened and deleted by their handles: by its name the system would find what one points
-// to, which is no part of the tree. No Win32 call does that; Windows 95 has neither it nor links.
+// A symbolic link among the keys is opened and deleted by its handle. By its name the system would
+// find the key that it points to, which is no part of the tree. No Win32 function deletes a key by
+// its handle, so ntdll's does; Windows 95 has neither that function nor links.
 LONG DeleteTree(HKEY hParent, const char *pszPath)
 {
     typedef LONG NTAPI NtDeleteKeyFunction(HANDLE hKey);
     const auto ntDeleteKey = reinterpret_cast<NtDeleteKeyFunction *>(
         GetProcAddress(GetModuleHandleA("ntdll.dll"), "NtDeleteKey"));
-    HKEY hKey = nullptr;
+    CCUKeyHandle key;
     LONG nError = RegOpenKeyExA(hParent, pszPath, ntDeleteKey ? REG_OPTION_OPEN_LINK : 0,
-                                KEY_READ | KEY_WRITE | DELETE, &hKey);
+                                KEY_READ | KEY_WRITE | DELETE, key.Receive());
     if (nError != ERROR_SUCCESS)
         return nError;
     // Windows NT removes a key only when it has no keys. One that cannot go ends the loop.
     char szName[256];
     DWORD nLength = sizeof szName;
-    while (nError == ERROR_SUCCESS && RegEnumKeyExA(hKey, 0, szName, &nLength, nullptr, nullptr,
+    while (nError == ERROR_SUCCESS && RegEnumKeyExA(key, 0, szName, &nLength, nullptr, nullptr,
                                                     nullptr, nullptr) == ERROR_SUCCESS)
     {
-        nError = DeleteTree(hKey, szName);
+        nError = DeleteTree(key, szName);
         nLength = sizeof szName;
     }
-    const bool bLink = nError == ERROR_SUCCESS && IsLink(hKey);
-    if (bLink && (!ntDeleteKey || ntDeleteKey(hKey) < 0))
+    const bool bLink = nError == ERROR_SUCCESS && IsLink(key);
+    if (bLink && (!ntDeleteKey || ntDeleteKey(key) < 0))
         nError = ERROR_ACCESS_DENIED;
-    RegCloseKey(hKey);
+    key.Close();
     return nError == ERROR_SUCCESS && !bLink ? RegDeleteKeyA(hParent, pszPath) : nError;
 }
 

@@ -1,11 +1,10 @@
 #include "CU/ThreadExit.h"
 
 #include "Base/Atomic.h"
-#include "Base/Unload.h"
+#include "Base/Lock.h"
+#include "Base/Module.h"
 #include "CU/CU.h"
-#include "Process/ThreadEnd.h"
-
-CUModuleEnd g_moduleEnd = CUModuleStays;
+#include "Process/ThreadExit.h"
 
 // The handlers of the calling thread, the latest first; the head is the thread's value in one slot.
 class CCUThreadExitList
@@ -97,22 +96,15 @@ CCUThreadExitHandler::~CCUThreadExitHandler()
     CCUThreadExitList::Remove(this);
 }
 
-bool CURegisterThreadExitHandler(CCUThreadExitHandler *pHandler)
-{
-    if (!pHandler)
-        return false;
-    CUWatchThreadEnd();
-    return CCUThreadExitList::Add(pHandler);
-}
-
 bool CUUnregisterThreadExitHandler(CCUThreadExitHandler *pHandler)
 {
     return pHandler && CCUThreadExitList::Remove(pHandler);
 }
 
-// How the end of a thread is noticed. The loader's callback exists on every system, but on some it
-// comes when the thread's windows are already gone, unseen by their window procedures. The callback
-// of a fiber-local slot, which newer systems have, comes before anything of the thread goes.
+// How the end of a thread is noticed. The loader's callback exists on every system, but on some
+// (Wine 8 is one) it comes when the thread's windows are already gone, unseen by their window
+// procedures. The callback of a fiber-local slot comes before anything of the thread goes; systems
+// have those since Windows Server 2003 and Vista.
 namespace {
 
 typedef void WINAPI FlsCallback(void *value);
@@ -131,16 +123,6 @@ F *SystemFunction(const char *module, const char *name)
     return reinterpret_cast<F *>(GetProcAddress(GetModuleHandleA(module), name));
 }
 
-void (*volatile s_lastThreadCall)() = nullptr;
-
-void RunLastThreadCall()
-{
-    void (*const call)() = s_lastThreadCall;
-    s_lastThreadCall = nullptr;
-    if (call)
-        call();
-}
-
 void WINAPI OnFiberLocalEnd(void *)
 {
     // The slot is being freed, for the value of whatever thread.
@@ -148,9 +130,7 @@ void WINAPI OnFiberLocalEnd(void *)
         return;
     // When the process ends without `exit`, the system has already killed the other threads, maybe
     // in the middle of something; no handler is worth the risk of waiting for what they held.
-    if (s_shutdownInProgress())
-        RunLastThreadCall();
-    else
+    if (!s_shutdownInProgress())
         CCUThreadExitList::RunAtThreadEnd();
 }
 
@@ -159,19 +139,11 @@ void NTAPI OnLoaderNotice(void *, DWORD nReason, void *pProcessEnds)
     if (nReason == DLL_THREAD_DETACH)
         CCUThreadExitList::RunAtThreadEnd();
     else if (nReason == DLL_PROCESS_DETACH && pProcessEnds)
-        RunLastThreadCall();
+        CCULazyLock::DeleteAll();  // this is the last thread
 }
 
-}  // namespace
-
-// The linker collects the loader's callbacks from this section.
-extern "C" {
-extern const PIMAGE_TLS_CALLBACK g_CUThreadEndCallback;
-__attribute__((section(".CRT$XLD"), used)) const PIMAGE_TLS_CALLBACK g_CUThreadEndCallback =
-    OnLoaderNotice;
-}
-
-void CUWatchThreadEnd()
+// Has the system tell the calling thread's end.
+void WatchThreadEnd()
 {
     CUOnce(s_nFlsState, [] {
         FlsAllocFunction *const flsAlloc =
@@ -186,10 +158,21 @@ void CUWatchThreadEnd()
         s_flsSetValue(s_nFlsIndex, &s_nFlsIndex);  // any value but null
 }
 
-void CUSetLastThreadCall(void (*function)())
+}  // namespace
+
+bool CURegisterThreadExitHandler(CCUThreadExitHandler *pHandler)
 {
-    CUWatchThreadEnd();
-    s_lastThreadCall = function;
+    if (!pHandler)
+        return false;
+    WatchThreadEnd();
+    return CCUThreadExitList::Add(pHandler);
+}
+
+// The linker collects the loader's callbacks from this section.
+extern "C" {
+extern const PIMAGE_TLS_CALLBACK g_CUThreadEndCallback;
+__attribute__((section(".CRT$XLD"), used)) const PIMAGE_TLS_CALLBACK g_CUThreadEndCallback =
+    OnLoaderNotice;
 }
 
 // Windows XP and before do not tell the loader's callbacks of modules that came after the start.

@@ -1,5 +1,4 @@
-#include "Base/Instance.h"
-#include "Base/Unload.h"
+#include "Base/Module.h"
 
 void CUUnloadWindow(HWND hWnd)
 {

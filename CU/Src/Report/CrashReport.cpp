@@ -3,8 +3,8 @@
 #include <stdio.h>
 
 #include "Base/KeepLastError.h"
-#include "Base/Unload.h"
-#include "Process/ThreadEnd.h"
+#include "Base/Module.h"
+#include "Process/ThreadExit.h"
 #include "Report/ReportFile.h"
 #include "Report/StackTrace.h"
 

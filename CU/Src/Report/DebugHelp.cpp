@@ -2,7 +2,7 @@
 
 #include <string.h>
 
-#include "Base/LazyLock.h"
+#include "Base/Lock.h"
 #include "Process/SystemLibrary.h"
 #include "Report/FaultGuard.h"
 

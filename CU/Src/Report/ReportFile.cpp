@@ -5,7 +5,8 @@
 #include <time.h>
 
 #include "Base/Atomic.h"
-#include "Base/Registered.h"
+#include "Base/CallbackList.h"
+#include "Base/Lifetime.h"
 #include "Base/TempDirectory.h"
 #include "CU/Assert.h"
 #include "Time/Epoch.h"
@@ -39,7 +40,8 @@ public:
 };
 
 // At the end of the process. While another thread still walks the list, everything is left to it.
-void DeleteHandlers()
+CCULastCall s_lastCall;
+void DeleteHandlers(CCULastCall &)
 {
     CCURegistered *item = s_pFirstHandler;
     s_pFirstHandler = nullptr;
@@ -63,7 +65,7 @@ CReportHandler *TakeItem()
     CReportHandler *const item = new CReportHandler{{nullptr, -1}, nullptr};
     CUPushFront<CCURegistered>(s_pFirstHandler, item, &CCURegistered::next);
     if (!item->next)
-        atexit(DeleteHandlers);
+        CUAtLast(s_lastCall, DeleteHandlers);
     return item;
 }
 

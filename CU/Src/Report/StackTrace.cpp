@@ -5,8 +5,8 @@
 #include <string.h>
 
 #include "Base/KeepLastError.h"
-#include "Base/LazyLock.h"
-#include "Process/ThreadEnd.h"
+#include "Base/Lock.h"
+#include "Process/ThreadExit.h"
 #include "Report/DebugHelp.h"
 #include "Report/Demangle.h"
 #include "Report/StackTrace.h"

@@ -33,12 +33,12 @@ inline CKept *KeptOf(size_t nSize)
 
 }  // namespace
 
-CUKeepingOfStringBlocks::CUKeepingOfStringBlocks()
+void CUKeepStringBlocks()
 {
     g_nBlockKeeper = GetCurrentThreadId();
 }
 
-CUKeepingOfStringBlocks::~CUKeepingOfStringBlocks()
+void CUFreeKeptStringBlocks()
 {
     // A program that another thread ends may have its keeper at work in here.
     if (GetCurrentThreadId() != g_nBlockKeeper)

@@ -29,11 +29,9 @@ inline size_t CUHeapSize(size_t nSize)
     return nSize ? (nSize + CU_HEAP_STEP - 1) & ~(CU_HEAP_STEP - 1) : CU_HEAP_STEP;
 }
 
-// While the object lives, the thread that made it keeps blocks.
-struct CUKeepingOfStringBlocks
-{
-    CUKeepingOfStringBlocks();
-    ~CUKeepingOfStringBlocks();
-};
-// That thread. While it is 0, operator new and delete see each block come and go.
+// From the first call on, until the second, the calling thread keeps blocks. The second one does
+// nothing on another thread.
+void CUKeepStringBlocks();
+void CUFreeKeptStringBlocks();
+// The thread that keeps. While it is 0, operator new and delete see each block come and go.
 extern DWORD g_nBlockKeeper;

@@ -1,6 +1,7 @@
 #include "CU/Clock.h"
 
-#include "Base/LazyLock.h"
+#include "Base/Handle.h"
+#include "Base/Lock.h"
 #include "Time/Epoch.h"
 
 namespace {
@@ -16,39 +17,18 @@ F *FindInKernel(const char *name)
 typedef BOOL WINAPI GetAdjustmentCall(PDWORD, PDWORD, PBOOL);
 typedef BOOL WINAPI SetAdjustmentCall(DWORD, BOOL);
 
-// The token of this process, closed at the end.
-class CProcessToken
+// Opens this process's token. Whether the calls went well; AdjustTokenPrivileges calls it success
+// when the user has no such privilege.
+bool EnableSystemTime(CCUObjectHandle &token, DWORD dwAccess)
 {
-public:
-    explicit CProcessToken(DWORD dwAccess) : m_hToken(nullptr)
-    {
-        if (!OpenProcessToken(GetCurrentProcess(), dwAccess, &m_hToken))
-            m_hToken = nullptr;
-    }
-    ~CProcessToken()
-    {
-        if (m_hToken)
-            CloseHandle(m_hToken);
-    }
-    CProcessToken(const CProcessToken &) = delete;
-    CProcessToken &operator=(const CProcessToken &) = delete;
-
-    // Whether the calls went well; AdjustTokenPrivileges calls it success when the user has no such
-    // privilege.
-    bool EnableSystemTime() const
-    {
-        TOKEN_PRIVILEGES privileges = {};
-        privileges.PrivilegeCount = 1;
-        privileges.Privileges[0].Attributes = SE_PRIVILEGE_ENABLED;
-        return m_hToken &&
-               LookupPrivilegeValueA(nullptr, "SeSystemtimePrivilege",
-                                     &privileges.Privileges[0].Luid) &&
-               AdjustTokenPrivileges(m_hToken, FALSE, &privileges, 0, nullptr, nullptr);
-    }
-
-private:
-    HANDLE m_hToken;
-};
+    TOKEN_PRIVILEGES privileges = {};
+    privileges.PrivilegeCount = 1;
+    privileges.Privileges[0].Attributes = SE_PRIVILEGE_ENABLED;
+    return OpenProcessToken(GetCurrentProcess(), dwAccess, token.Receive()) &&
+           LookupPrivilegeValueA(nullptr, "SeSystemtimePrivilege",
+                                 &privileges.Privileges[0].Luid) &&
+           AdjustTokenPrivileges(token, FALSE, &privileges, 0, nullptr, nullptr);
+}
 
 // The value truncated to an integer within the limits; what is no number becomes the lowest.
 template <typename T>
@@ -89,7 +69,9 @@ long long CUEpochTicks()
         epoch.wDay = 1;
         FILETIME file = {};
         SystemTimeToFileTime(&epoch, &file);
-        // Threads that meet here write the same; none reads before it is whole.
+        // Not by CUOnce: a crash report asks for the time, and must not wait for a thread that
+        // stands still in here. Threads that meet write the same, and none reads before it is
+        // whole.
         s_nEpoch = CUFileTimeToTicks(file);
         InterlockedExchange(&s_bKnown, 1);
     }
@@ -148,8 +130,8 @@ bool CUGetSystemTimeAdjustment(double &increment, double &adjustment)
 
 bool CUSetSystemTimeAdjustment(double adjustment)
 {
-    const CProcessToken token(TOKEN_ADJUST_PRIVILEGES);
-    if (!token.EnableSystemTime())
+    CCUObjectHandle token;
+    if (!EnableSystemTime(token, TOKEN_ADJUST_PRIVILEGES))
         return false;
     SetAdjustmentCall *const pSet = FindInKernel<SetAdjustmentCall>("SetSystemTimeAdjustment");
     if (pSet)
@@ -170,7 +152,9 @@ bool CUSetSystemTime(double seconds)
     // A time that the system does not know stays a record of zeros, which SetSystemTime refuses.
     FileTimeToSystemTime(&file, &time);
     // Asked for all the same where the privilege cannot be had: not every system wants it.
-    CProcessToken(TOKEN_ALL_ACCESS).EnableSystemTime();
+    CCUObjectHandle token;
+    EnableSystemTime(token, TOKEN_ALL_ACCESS);
+    token.Close();
     if (!SetSystemTime(&time))
         return false;
     SendNotifyMessageA(HWND_BROADCAST, WM_TIMECHANGE, 0, 0);

@@ -1,4 +1,4 @@
-#include "Base/TryLock.h"
+#include "Base/Lock.h"
 #include "CU/Dump.h"
 #include "CU/Time.h"
 #include "Time/TimeZone.h"

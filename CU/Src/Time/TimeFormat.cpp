@@ -2,7 +2,7 @@
 #include <stddef.h>
 #include <string.h>
 
-#include "Base/LazyLock.h"
+#include "Base/Lock.h"
 #include "CU/Registry.h"
 #include "CU/Time.h"
 #include "CU/Version.h"

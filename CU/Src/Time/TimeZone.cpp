@@ -2,7 +2,7 @@
 
 #include <string.h>
 
-#include "Base/TryLock.h"
+#include "Base/Lock.h"
 #include "Base/Wrap.h"
 
 namespace {

@@ -1,10 +1,9 @@
 #include "CU/TimerTask.h"
 
-#include "Base/Instance.h"
+#include "Base/Module.h"
 #include "Base/KeepLastError.h"
-#include "Base/LazyLock.h"
+#include "Base/Lock.h"
 #include "Base/Multimedia.h"
-#include "Base/Unload.h"
 #include "CU/Assert.h"
 #include "CU/CU.h"
 #include "CU/DebugSwitch.h"
@@ -13,7 +12,6 @@
 #include "CU/Time.h"
 #include "CU/Timer.h"
 #include "Process/Shutdown.h"
-#include "Process/ThreadEnd.h"
 
 #define CU_SOURCE "TimerTask"
 
@@ -125,11 +123,6 @@ void RegisterTaskClass(WNDPROC windowProc)
     CU_ASSERT(dwError == ERROR_CLASS_ALREADY_EXISTS);
 }
 
-void DeleteLock()
-{
-    s_lock.Delete();
-}
-
 // At process exit, on the thread that leaves: the class goes after that thread's window.
 void EndTimers()
 {
@@ -179,8 +172,6 @@ void CCUTimerTask::Initialize()
         CURegisterProcessInfoHandler("timertask", DumpProcessInfo);
         CURegisterTerminationHandler(EndTimers);
         CCUTimer::s_forget = Forget;
-        // A thread that ends while the process does still takes the lock.
-        CUSetLastThreadCall(DeleteLock);
     }
     if (s_nSlot == -1) {
         RegisterTaskClass(WindowProc);

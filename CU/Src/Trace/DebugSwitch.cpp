@@ -4,7 +4,7 @@
 #include <string.h>
 
 #include "Base/Atomic.h"
-#include "Base/LazyLock.h"
+#include "Base/Lock.h"
 
 namespace {
 

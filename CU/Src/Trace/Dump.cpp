@@ -2,11 +2,12 @@
 
 #include <stdarg.h>
 #include <stdio.h>
-#include <stdlib.h>
 
 #include "Base/Array.h"
+#include "Base/CallbackList.h"
 #include "Base/KeepLastError.h"
-#include "Base/LazyLock.h"
+#include "Base/Lock.h"
+#include "Base/Lifetime.h"
 #include "CU/Assert.h"
 #include "CU/String.h"
 #include "Trace/LogFiles.h"
@@ -31,16 +32,6 @@ bool operator==(const CDumpWindow &w1, const CDumpWindow &w2)
     return w1.hWnd == w2.hWnd && w1.uMessage == w2.uMessage;
 }
 
-template <typename T>
-int IndexOf(const CCUArray<T> &list, const T &item)
-{
-    for (int i = 0; i < list.Count(); ++i) {
-        if (list[i] == item)
-            return i;
-    }
-    return -1;
-}
-
 // Everything that a text is brought to. Used under the lock only.
 class CDumpOutputs
 {
@@ -51,36 +42,22 @@ public:
     bool Distribute(const CCUString &sText);
     void TellOverrun();
 
-    void Add(CCUDumpCallback *pCallback) { m_callbacks.Add(pCallback); }
-    void Remove(CCUDumpCallback *pCallback);
     void Add(const CDumpWindow &window) { m_windows.Add(window); }
     void Remove(const CDumpWindow &window);
 
+    CCUCallbackList<CCUDumpCallback> m_callbacks;
     CCULogFiles m_logFiles;
     CCUDumpFileOverrunCallback *m_pOverrunCallback;
 
 private:
     void PostToWindows(const CCUString &sText) const;
-    void CallCallbacks(const CCUString &sText);
 
     CCUArray<CDumpWindow> m_windows;
-    CCUArray<CCUDumpCallback *> m_callbacks;
-    // Where the walk over the callbacks stands, and what it will not go beyond: callbacks come and
-    // go during it.
-    int m_nNextCallback;
-    int m_nEndCallback;
     bool m_bBusy;
     int m_nTellingOverrun;
 };
 
-CDumpOutputs::CDumpOutputs()
-    : m_pOverrunCallback(nullptr),
-      m_nNextCallback(0),
-      m_nEndCallback(0),
-      m_bBusy(false),
-      m_nTellingOverrun(0)
-{
-}
+CDumpOutputs::CDumpOutputs() : m_pOverrunCallback(nullptr), m_bBusy(false), m_nTellingOverrun(0) {}
 
 bool CDumpOutputs::Distribute(const CCUString &sText)
 {
@@ -89,7 +66,9 @@ bool CDumpOutputs::Distribute(const CCUString &sText)
     m_bBusy = true;
     const bool bOverrun = m_logFiles.Write(sText);
     PostToWindows(sText);
-    CallCallbacks(sText);
+    CCUCallbackList<CCUDumpCallback>::CWalk walk(m_callbacks);
+    while (CCUDumpCallback *const pCallback = walk.Next())
+        pCallback->OnDump(sText);
     m_bBusy = false;
     return bOverrun;
 }
@@ -107,13 +86,6 @@ void CDumpOutputs::PostToWindows(const CCUString &sText) const
     }
 }
 
-void CDumpOutputs::CallCallbacks(const CCUString &sText)
-{
-    m_nEndCallback = m_callbacks.Count();
-    for (m_nNextCallback = 0; m_nNextCallback < m_nEndCallback;)
-        m_callbacks[m_nNextCallback++]->OnDump(sText);
-}
-
 void CDumpOutputs::TellOverrun()
 {
     if (!m_pOverrunCallback || m_nTellingOverrun >= MostOverruns)
@@ -123,32 +95,35 @@ void CDumpOutputs::TellOverrun()
     --m_nTellingOverrun;
 }
 
-void CDumpOutputs::Remove(CCUDumpCallback *pCallback)
-{
-    const int nIndex = IndexOf(m_callbacks, pCallback);
-    if (nIndex < 0)
-        return;
-    m_callbacks.Remove(nIndex, 1);
-    if (nIndex < m_nNextCallback)
-        --m_nNextCallback;
-    if (nIndex < m_nEndCallback)
-        --m_nEndCallback;
-}
-
+// One that was added twice stays once.
 void CDumpOutputs::Remove(const CDumpWindow &window)
 {
-    const int nIndex = IndexOf(m_windows, window);
-    if (nIndex >= 0)
-        m_windows.Remove(nIndex, 1);
+    int i = 0;
+    while (i < m_windows.Count() && !(m_windows[i] == window))
+        ++i;
+    if (i < m_windows.Count())
+        m_windows.Remove(i, 1);
 }
 
 CCULazyLock s_lock;
 CDumpOutputs *s_pOutputs = nullptr;  // made by the first use, under the lock
 LONG s_nUsers = 0;                   // threads in here, the waiting ones too
-LONG s_bGone = 0;                    // the process ends: nothing is made or touched any more
+LONG s_bGone = 0;                    // after the last call: nothing is made or touched any more
+CCULastCall s_lastCall;
 
-// Entry into the trace: the lock and the outputs. After the end of the process has begun there are
-// none, and only the debugger gets texts.
+// A thread that is inside keeps everything for as long as the process lasts; every text has been
+// flushed.
+void DeleteOutputs(CCULastCall &)
+{
+    InterlockedExchange(&s_bGone, 1);
+    if (InterlockedExchangeAdd(&s_nUsers, 0) != 0)
+        return;
+    delete s_pOutputs;
+    s_pOutputs = nullptr;
+}
+
+// Entry into the trace: the lock and the outputs. After the last call there are none, and only the
+// debugger gets texts.
 class CDumpUse
 {
 public:
@@ -158,8 +133,10 @@ public:
         if (InterlockedExchangeAdd(&s_bGone, 0))
             return;
         s_lock.Enter();
-        if (!s_pOutputs)
+        if (!s_pOutputs) {
             s_pOutputs = new CDumpOutputs;
+            CUAtLast(s_lastCall, DeleteOutputs);
+        }
         m_pOutputs = s_pOutputs;
     }
     ~CDumpUse()
@@ -178,25 +155,6 @@ private:
     CCUKeepLastError m_keepLastError;
     CDumpOutputs *m_pOutputs;
 };
-
-// A thread that is inside keeps everything for as long as the process lasts; every text has been
-// flushed.
-void DeleteOutputs()
-{
-    InterlockedExchange(&s_bGone, 1);
-    if (InterlockedExchangeAdd(&s_nUsers, 0) != 0)
-        return;
-    delete s_pOutputs;
-    s_pOutputs = nullptr;
-    s_lock.Delete();
-}
-
-// The first to be registered is the last to be called: behind the destructors of all global
-// objects, which may still dump.
-__attribute__((constructor(101))) void DeleteOutputsAtExit()
-{
-    atexit(DeleteOutputs);
-}
 
 CCUString CopyText(const char *text, int length)
 {
@@ -276,14 +234,14 @@ void CUDumpRegister(CCUDumpCallback *pCallback)
     const CDumpUse dump;
     CU_ASSERT(pCallback != NULL);
     if (dump && pCallback)
-        dump->Add(pCallback);
+        dump->m_callbacks.Add(pCallback);
 }
 
 void CUDumpUnRegister(CCUDumpCallback *pCallback)
 {
     const CDumpUse dump;
     if (dump)
-        dump->Remove(pCallback);
+        dump->m_callbacks.Remove(pCallback);
 }
 
 void CUDumpRegisterWindow(HWND hWnd, unsigned int message)

@@ -7,6 +7,7 @@
 #include <stdlib.h>
 #include <string.h>
 
+#include "Base/Handle.h"
 #include "Base/TempDirectory.h"
 #include "CU/Assert.h"
 #include "CU/File.h"
@@ -19,7 +20,7 @@ namespace {
 const DWORD MillisecondsOfDay = 86400000;
 // "ZELLog-2001-12-31": what two files of one day have in common.
 const size_t DayLength = 17;
-// In pieces, or it would hold trigraphs.
+// In pieces, because "??-" within one literal would be a trigraph.
 const char LogFilePattern[] =
     "\\ZELLog-????"
     "-??"
@@ -41,29 +42,30 @@ bool FindTempDirectory(CCUString &sTempDir)
     return bFound;
 }
 
-// Opens a file that did not exist before, which is how two processes never share one. Null when it
-// cannot be made; bTaken tells whether for its name. Made by the system, as the C library does not
-// say for certain why it could not, and may leave a file behind when its own tables are full. Child
-// processes do not get the handle.
+// Makes a file that did not exist before, so that two processes never share one. Null when it
+// cannot be made; bTaken tells whether that is because the name is taken. The system makes it, not
+// the C library: that one does not say for certain why it failed, and may leave a file behind when
+// its own tables are full. Child processes do not inherit the handle.
 FILE *CreateNew(const char *name, bool &bTaken)
 {
-    const HANDLE hFile =
-        CreateFileA(name, GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
-                    CREATE_NEW, FILE_ATTRIBUTE_NORMAL, nullptr);
+    CCUFileHandle handle(CreateFileA(name, GENERIC_READ | GENERIC_WRITE,
+                                     FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, CREATE_NEW,
+                                     FILE_ATTRIBUTE_NORMAL, nullptr));
     bTaken = false;
-    if (hFile == INVALID_HANDLE_VALUE) {
+    if (!handle) {
         const DWORD dwError = GetLastError();
         bTaken = dwError == ERROR_FILE_EXISTS || dwError == ERROR_ALREADY_EXISTS;
         return nullptr;
     }
+    const HANDLE hFile = handle;
     const int nFile = _open_osfhandle(reinterpret_cast<intptr_t>(hFile), _O_TEXT | _O_NOINHERIT);
-    FILE *file = nFile < 0 ? nullptr : _fdopen(nFile, "w+");
-    if (file)
-        return file;
-    if (nFile < 0)
-        CloseHandle(hFile);
-    else
+    if (nFile >= 0) {
+        handle.Release();  // the C library's by now
+        if (FILE *const file = _fdopen(nFile, "w+"))
+            return file;
         _close(nFile);
+    }
+    handle.Close();
     DeleteFileA(name);
     return nullptr;
 }
@@ -221,13 +223,9 @@ void CCULogFiles::ListFiles(const CCUString &sTempDir)
 {
     m_knownFiles.Empty();
     WIN32_FIND_DATAA data;
-    const HANDLE find = FindFirstFileA(sTempDir + LogFilePattern, &data);
-    if (find == INVALID_HANDLE_VALUE)
-        return;
-    do {
+    const CCUFindHandle find(FindFirstFileA(sTempDir + LogFilePattern, &data));
+    for (bool bFound = bool(find); bFound; bFound = FindNextFileA(find, &data) != FALSE)
         m_knownFiles.Add(data.cFileName);
-    } while (FindNextFileA(find, &data));
-    FindClose(find);
     m_knownFiles.Sort([](const CCUString &s1, const CCUString &s2) { return s1 < s2; });
 }
 

@@ -3,6 +3,7 @@
 #include <stdlib.h>
 #include <string.h>
 
+#include "Base/Lifetime.h"
 #include "CU/Assert.h"
 #include "CU/Dump.h"
 #include "CU/String.h"
@@ -35,6 +36,7 @@ const CStateName STATE_NAMES[] = {
 
 }  // namespace
 
+static CCULastCall s_lastCall;
 CCUICommandMap CCUICommandMap::s_this;
 bool CCUICommandMap::s_bDeleted;
 
@@ -50,9 +52,7 @@ void CCUICommandMap::Make()
     m_nGrowBy = GROWTH_STEP;
     for (int nMap = 0; nMap < TABLES; ++nMap)
         Cover(nMap, 0, GROWTH_STEP);
-    // A use after the end, by an object that outlives the map, makes a map that nobody deletes.
-    if (!s_bDeleted)
-        atexit(Delete);
+    CUAtLast(s_lastCall, [](CCULastCall &) { Delete(); });
 }
 
 void CCUICommandMap::Delete()

@@ -13,16 +13,6 @@ namespace {
 
 CCUIDepthMemo s_depth;
 
-struct CReleaseAtExit
-{
-    ~CReleaseAtExit()
-    {
-        g_bmpImageDC.Release();
-        g_bmpMaskDC.Release();
-        g_bmpWorkDC.Release();
-    }
-} s_releaseAtExit;
-
 }  // namespace
 
 void CCUIBmpSharedDC::Release()
@@ -41,5 +31,6 @@ HDC CCUIBmpSharedDC::For(HDC hDC)
     m_hDC = CreateCompatibleDC(hDC);
     CU_ASSERT_TEXT(m_hDC, "*pMemDC = CreateCompatibleDC(hDC)");
     m_nBits = nBits;  // what is compatible has the same
+    CUAtLast(*this, [](CCULastCall &call) { static_cast<CCUIBmpSharedDC &>(call).Release(); });
     return m_hDC;
 }

@@ -1,13 +1,14 @@
 #pragma once
 
+#include "Base/Lifetime.h"
 #include "CUI/Platform.h"
 
 // A memory DC that is kept between calls and made again only when the target's depth changes. Who
 // selects something into it or changes a colour puts the old one back.
-class CCUIBmpSharedDC
+class CCUIBmpSharedDC : private CCULastCall
 {
 public:
-    constexpr CCUIBmpSharedDC() : m_hDC(nullptr), m_nBits(0) {}
+    constexpr CCUIBmpSharedDC() : CCULastCall(), m_hDC(nullptr), m_nBits(0) {}
     CCUIBmpSharedDC(const CCUIBmpSharedDC &) = delete;
     CCUIBmpSharedDC &operator=(const CCUIBmpSharedDC &) = delete;
 

@@ -1,6 +1,7 @@
 #include "CUI/BmpState.h"
 
 #include "Base/GdiGuards.h"
+#include "Base/Lifetime.h"
 #include "Base/Wrap.h"
 #include "CU/Dump.h"
 #include "CUI/Data.h"
@@ -15,10 +16,10 @@ RGBQUAD Quad(DWORD cr)
 
 // What is kept from one drawing to the next, released at exit; who draws still later makes it
 // again.
-class CStateCache
+class CStateCache : private CCULastCall
 {
 public:
-    CStateCache() = default;
+    constexpr CStateCache() : CCULastCall() {}
     CStateCache(const CStateCache &) = delete;
     CStateCache &operator=(const CStateCache &) = delete;
 
@@ -76,14 +77,10 @@ void CStateCache::Prepare(DWORD crFace, DWORD crHilite)
     m_crHilite = crHilite;
     DeleteObject(m_hbrPattern);
     m_hbrPattern = MakePattern(crFace, crHilite);
+    CUAtLast(*this, [](CCULastCall &call) { static_cast<CStateCache &>(call).Release(); });
 }
 
 CStateCache s_cache;
-
-struct CReleaseAtExit
-{
-    ~CReleaseAtExit() { s_cache.Release(); }
-} s_releaseAtExit;
 
 // One drawing. Meanwhile the image is selected into the cache's bitmap DC, and a monochrome bitmap
 // of the area's size into its mask DC.

@@ -3,8 +3,9 @@
 #include <string.h>
 
 #include "Base/GdiGuards.h"
+#include "Base/Lifetime.h"
+#include "Base/Module.h"
 #include "Base/Multimedia.h"
-#include "Base/Unload.h"
 #include "CU/Assert.h"
 
 #define CU_SOURCE "Data"
@@ -214,19 +215,32 @@ DWORD CUIData::ResolveColor(DWORD cr) const
     return nIndex < SYSTEM_COLORS ? crSys[nIndex] & COLOR_MASK : GetSysColor(nIndex);
 }
 
-CUIData *CUIGetWinData()
+namespace {
+
+struct CProcessData : CUIData
 {
-    static CUIData s_data;
-    return &s_data;
+};
+CCUShared<CProcessData> s_data;
+
+// With the colours and settings of the program's start.
+__attribute__((constructor)) void MakeAtStart()
+{
+    s_data.Get();
 }
 
-// Made at start-up, when there is one thread only.
-static CUIData *const s_pAtStart = CUIGetWinData();
+}  // namespace
+
+CUIData *CUIGetWinData()
+{
+    return &s_data.Get();
+}
 
 // The objects stand one after the other in the record.
 void CUIUnloadData()
 {
-    CUIData &data = *CUIGetWinData();
+    if (!s_data.IfMade())
+        return;
+    CUIData &data = *s_data.IfMade();
     for (HBRUSH *pBrush = &data.hbrLtGray; pBrush <= &data.hbrWindow; ++pBrush)
         DeleteField(pBrush);
     for (HPEN *pPen = &data.hpenLtGray; pPen <= &data.hpenBtnText; ++pPen)

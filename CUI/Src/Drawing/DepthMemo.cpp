@@ -1,5 +1,6 @@
 #include "Drawing/DepthMemo.h"
 
+#include "Base/Lock.h"
 #include "CUI/Data.h"
 
 namespace {
@@ -10,8 +11,8 @@ const DWORD nKept = 100;  // milliseconds
 
 int CCUIDepthMemo::Of(HDC hDC)
 {
-    // Another thread is at it: ask.
-    if (InterlockedExchange(&m_bBusy, 1))
+    const CCUTryLock lock(m_nLock);
+    if (!lock.IsTaken())
         return GetDeviceCaps(hDC, BITSPIXEL);
     const DWORD dwNow = GetTickCount();
     const HGDIOBJ hBitmap = GetCurrentObject(hDC, OBJ_BITMAP);
@@ -22,7 +23,5 @@ int CCUIDepthMemo::Of(HDC hDC)
         m_dwAsked = dwNow;
         m_nBits = GetDeviceCaps(hDC, BITSPIXEL);
     }
-    const int nBits = m_nBits;
-    InterlockedExchange(&m_bBusy, 0);
-    return nBits;
+    return m_nBits;
 }

@@ -13,7 +13,7 @@ public:
     int Of(HDC hDC);
 
 private:
-    LONG m_bBusy = 0;
+    volatile LONG m_nLock = 0;
     HDC m_hDC = nullptr;
     HGDIOBJ m_hBitmap = nullptr;  // in m_hDC
     DWORD m_dwAsked = 0;          // GetTickCount

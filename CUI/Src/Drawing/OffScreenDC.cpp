@@ -1,8 +1,6 @@
 #include "CUI/OffScreenDC.h"
 
-#include <new>
-
-#include "Base/Unload.h"
+#include "Base/Lifetime.h"
 #include "CU/Assert.h"
 #include "Drawing/DepthMemo.h"
 
@@ -69,28 +67,8 @@ void CCUIOffScreenDC::Grow(HDC hDC, int cx, int cy)
         m_bitmap = bitmap;
 }
 
-// Made at the first call and released at exit, whereupon another one takes its place: what still
-// paints then finds one that is whole.
-alignas(CCUIOffScreenDC) static char s_dc[sizeof(CCUIOffScreenDC)];
-
 CCUIOffScreenDC *CUIGetOSDC()
 {
-    static const struct CProcessDC
-    {
-        CProcessDC() { new (s_dc) CCUIOffScreenDC; }
-        ~CProcessDC()
-        {
-            reinterpret_cast<CCUIOffScreenDC *>(s_dc)->~CCUIOffScreenDC();
-            new (s_dc) CCUIOffScreenDC;
-        }
-    } s_made;
-    return reinterpret_cast<CCUIOffScreenDC *>(s_dc);
-}
-
-// Made at start-up, when there is one thread only.
-static CCUIOffScreenDC *const s_pAtStart = CUIGetOSDC();
-
-void CUIUnloadOffScreenDC()
-{
-    reinterpret_cast<CCUIOffScreenDC *>(s_dc)->~CCUIOffScreenDC();
+    static CCUShared<CCUIOffScreenDC> s_dc;
+    return &s_dc.Get();
 }

@@ -187,13 +187,13 @@ void CCUIWindow::InsertMessageHook(CCUIWindowHook *pHook)
         return;
     if (!m_pHooks)
         m_pHooks = new CCUIWindowHookList;
-    m_pHooks->Insert(pHook);
+    m_pHooks->Add(pHook);
 }
 
 void CCUIWindow::RemoveMessageHook(CCUIWindowHook *pHook)
 {
-    if (m_pHooks)
-        m_pHooks->Remove(pHook);
+    while (m_pHooks && m_pHooks->Remove(pHook)) {
+    }
 }
 
 // The base OnDestroy: the object lets go first, so the message needs the handle and the procedure

@@ -1,7 +1,6 @@
 #include "CUI/WindowClass.h"
 
-#include "Base/Instance.h"
-#include "Base/Unload.h"
+#include "Base/Module.h"
 #include "CU/Assert.h"
 #include "CU/CU.h"
 #include "CU/Dump.h"
@@ -19,13 +18,7 @@ struct CClassNames
     CCUString frameWindow = "pzl-FrameWindow";
 };
 
-// Made at start-up, or by a global of another source that asks even earlier.
-const CClassNames &ClassNames()
-{
-    static const CClassNames s_names;
-    return s_names;
-}
-[[maybe_unused]] const CClassNames &s_madeAtStartup = ClassNames();
+CCUShared<CClassNames> s_classNames;
 
 HICON LoadClassIcon()
 {
@@ -66,7 +59,7 @@ unsigned short g_nRegisteredClasses;
 
 const CCUString &CUIWindowClassName(unsigned short id)
 {
-    const CClassNames &names = ClassNames();
+    const CClassNames &names = s_classNames.Get();
     switch (id) {
     case CUI_CLASS_WINDOW: return names.window;
     case CUI_CLASS_MDIWINDOW: return names.mdiWindow;

@@ -1,6 +1,6 @@
 // How windows come into being and get bound to their objects.
 
-#include "Base/Instance.h"
+#include "Base/Module.h"
 #include "Base/Wrap.h"
 #include "CU/Assert.h"
 #include "CU/String.h"

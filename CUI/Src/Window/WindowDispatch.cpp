@@ -99,20 +99,12 @@ long CCUIWindow::Default()
 // True when the message is done with: a hook handled it, or the object is gone.
 bool CCUIWindow::CallHooks(const CMessage &message, long &result)
 {
-    CCUIWindowHookList &hooks = *m_pHooks;
-    hooks.BeginWalk();
     // A hook that is inserted on the way sees the next message first.
-    const int nCount = hooks.GetCount();
-    bool bHandled = false;
-    for (int i = 0; i < nCount && !bHandled; ++i) {
-        CCUIWindowHook *const pHook = hooks.GetAt(i);
-        if (!pHook)
-            continue;
-        bHandled = pHook->OnHookMessage(message.m_message, message.m_wParam, message.m_lParam,
-                                        result) != 0;
-        if (message.IsGone())
+    CCUIWindowHookList::CWalk walk(*m_pHooks);
+    while (CCUIWindowHook *const pHook = walk.Next()) {
+        if (pHook->OnHookMessage(message.m_message, message.m_wParam, message.m_lParam, result) ||
+            message.IsGone())
             return true;
     }
-    hooks.EndWalk();
-    return bHandled;
+    return false;
 }

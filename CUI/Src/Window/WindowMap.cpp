@@ -1,7 +1,7 @@
 #include "Window/WindowMap.h"
 
-#include "Base/Instance.h"
-#include "Base/Unload.h"
+#include "Base/Module.h"
+#include "Base/Lock.h"
 #include "Window/WindowTable.h"
 #include "Window/WindowThread.h"
 
@@ -13,7 +13,7 @@ CUIWindowSlot s_firstSlots[1u << s_nFirstBits];
 CUIWindowTable s_first = {(1u << s_nFirstBits) - 1, 32 - s_nFirstBits, s_firstSlots, nullptr};
 
 unsigned s_nUsed;  // slots; under the lock
-std::atomic<int> s_nLock;
+CCULazyLock s_lock;
 
 class CChange
 {
@@ -104,17 +104,12 @@ std::atomic<unsigned> CUIWindowTable::s_nChanges;
 
 CUIWindowMapLock::CUIWindowMapLock()
 {
-    // Sleep(0) lets nobody of a lower priority run, and that may be who has it. At the end of a
-    // process who has it has been killed.
-    for (int i = 0;
-         s_nLock.exchange(1, std::memory_order_acquire) && g_moduleEnd != CUModuleEndsWithProcess;
-         ++i)
-        Sleep(i < 100 ? 0 : 1);
+    s_lock.Enter();
 }
 
 CUIWindowMapLock::~CUIWindowMapLock()
 {
-    s_nLock.store(0, std::memory_order_release);
+    s_lock.Leave();
 }
 
 bool CUIWindowMapGet(HWND hWnd, CUIWindowBinding &binding)

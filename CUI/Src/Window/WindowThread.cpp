@@ -1,6 +1,6 @@
 #include "Window/WindowThread.h"
 
-#include "Base/Unload.h"
+#include "Base/Module.h"
 #include "Window/WindowMap.h"
 
 namespace {

@@ -4,13 +4,24 @@
 
 #include <mmsystem.h>
 
+#include "Base/Lifetime.h"
+
+extern "C" IMAGE_DOS_HEADER __ImageBase;  // NOLINT(readability-identifier-naming): the linker's
+
+// The program or module (DLL) that has the framework inside. Classes and windows are made in its
+// name. In the program's name a module could not take its classes back: other modules may have made
+// classes there with the same names.
+inline HINSTANCE CUInstance()
+{
+    return reinterpret_cast<HINSTANCE>(&__ImageBase);
+}
+
 // The end of a module (DLL) with the framework inside. A program's ends with its process, where the
 // system takes everything back; FreeLibrary takes the code away and leaves what points to it. Each
 // source that hands something to the system has a function here that takes it back. Module.cpp,
 // which is linked into modules alone, calls those that are linked; in a program nobody calls them,
-// and the linker drops them. They run under the loader's lock: none waits for another thread, but
-// where a window's parent or children are another thread's the system does. Private to the
-// framework.
+// and the linker drops them. They run under the loader's lock, so none of them waits for another
+// thread. (The system does, in DestroyWindow, when the window's parent or children belong to one.)
 
 #if defined(CU_MODULE)
 #define CU_UNLOAD __attribute__((weak))
@@ -29,7 +40,6 @@ enum CUUnloadPhase : int
 CU_UNLOAD void CUIUnloadWindows(CUUnloadPhase phase);
 CU_UNLOAD void CUIUnloadClasses();
 CU_UNLOAD void CUIUnloadData();
-CU_UNLOAD void CUIUnloadOffScreenDC();
 CU_UNLOAD void CUModuleThreadEnd();
 CU_UNLOAD void CUUnloadThreadEnd();
 CU_UNLOAD void CUUnloadTimers(CUUnloadPhase phase);
@@ -37,7 +47,6 @@ CU_UNLOAD void CUUnloadMessageWindow(CUUnloadPhase phase);
 CU_UNLOAD void CUUnloadCrashReport();
 CU_UNLOAD void CUUnloadProcessInfo();
 CU_UNLOAD void CUUnloadMultimedia();
-CU_UNLOAD void CUUnloadStringBlocks();
 CU_UNLOAD void CUUnloadSlots();
 
 // For functions that end windows in either phase: whether it is a window's turn.
@@ -58,13 +67,3 @@ __attribute__((weak))
 #endif
 LPTIMECALLBACK
 CUModuleTimerCallback(UINT uMessage);
-
-// How the module ends, once it does. With the process: other threads have been killed, maybe in the
-// middle of something, so nothing may be waited for.
-enum CUModuleEnd
-{
-    CUModuleStays,
-    CUModuleUnloads,
-    CUModuleEndsWithProcess
-};
-extern CUModuleEnd g_moduleEnd;
