@@ -5,9 +5,8 @@
 #include <limits.h>
 #include <string.h>
 
+#include "Text/Characters.h"
 #include "Text/StringBlock.h"
-#include "Text/StringLength.h"
-#include "Text/StringScan.h"
 
 #define CU_SOURCE "String"
 

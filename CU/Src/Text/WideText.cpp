@@ -4,7 +4,7 @@
 #include <wchar.h>
 
 #include "CU/String.h"
-#include "Text/StringLength.h"
+#include "Text/Characters.h"
 
 #define CU_SOURCE "String"
 

@@ -1,7 +1,7 @@
 #include "CU/Clock.h"
 
 #include "Base/LazyLock.h"
-#include "Time/Epoch.h"
+#include "Time/Clock.h"
 
 namespace {
 

@@ -5,7 +5,7 @@
 
 #include "Base/Wrap.h"
 #include "CU/Dump.h"
-#include "Time/Epoch.h"
+#include "Time/Clock.h"
 #include "Time/TimeZone.h"
 
 namespace {
