@@ -26,8 +26,8 @@ bool AreSame(const char *p1, const char *p2, int nLength)
 
 int CompareBytes(const char *p1, const char *p2)
 {
-    // A word at an address that its size divides lies in one page: where its first byte may be
-    // read, the rest may, beyond the text's end too.
+    // By words where both texts begin at a multiple of 4. Such a word never reaches into another
+    // page of memory, so it may be read even where the text ends within it.
     if (((reinterpret_cast<size_t>(p1) | reinterpret_cast<size_t>(p2)) & 3) == 0) {
         for (; CUWord(p1) == CUWord(p2); p1 += 4, p2 += 4) {
             if (CUHasNul(CUWord(p1)))
@@ -41,7 +41,7 @@ int CompareBytes(const char *p1, const char *p2)
     return static_cast<unsigned char>(*p1) - static_cast<unsigned char>(*p2);
 }
 
-// What two strings mostly are asked for is whether they are equal.
+// Mostly two strings are compared to see whether they are equal: so that is looked at first.
 inline int CompareStrings(const CCUString &s1, const CCUString &s2)
 {
     if (s1.GetLength() == s2.GetLength() && AreSame(s1, s2, s1.GetLength()))
@@ -60,7 +60,7 @@ public:
             m_bits[Byte(*set) / 32] |= 1U << Byte(*set) % 32;
     }
     bool Has(char ch) const { return m_bits[Byte(ch) / 32] >> Byte(ch) % 32 & 1; }
-    // The first index from 0 to nLength at which being in the set is not bIn.
+    // How many of the first characters of a text are (bIn) or are not (!bIn) in the set.
     int Span(const char *pch, int nLength, bool bIn) const
     {
         int n = 0;
@@ -169,7 +169,7 @@ int CCUString::FindOneOf(const char *set) const
 
 CCUString CCUString::Mid(int nFirst) const
 {
-    // From a negative index on it is the whole text, however far away the index is.
+    // A negative index stands for 0. (GetLength() - nFirst would wrap for one far below.)
     return Mid(nFirst, nFirst < 0 ? GetLength() : GetLength() - nFirst);
 }
 
