@@ -167,7 +167,7 @@ void DeleteLock()
     s_lock.Delete();
 }
 
-// At process exit, on the thread that leaves. Its window goes first: a class in use cannot go.
+// At process exit, on the thread that leaves: the class goes after that thread's window.
 void EndTimers()
 {
     if (g_moduleEnd == CUModuleEndsWithProcess)
