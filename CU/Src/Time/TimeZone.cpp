@@ -1,5 +1,5 @@
-// Time zones: when daylight time begins and ends, and breaking an instant down in a zone. Every
-// year divisible by 4 is a leap year here. Years are counted since 1900, as in tm.
+// Time zones: when daylight time begins and ends, and what a zone's clocks show. Every year
+// divisible by 4 is a leap year here. Years are counted since 1900, as in tm.
 
 #include "Time/TimeZone.h"
 
@@ -111,7 +111,7 @@ bool IsMonth(WORD wMonth)
     return wMonth >= 1 && wMonth <= 12;
 }
 
-// In the zone that the C library believes in.
+// localtime's record, in a zone that the system cannot tell us.
 tm *RuntimeLocal(long nTime)
 {
     const time_t time = nTime;
@@ -141,7 +141,7 @@ CUTimeOfYear ToTimeOfYear(long nTime)
 tm *BreakDown(long nTime, const TIME_ZONE_INFORMATION &zone)
 {
     const long nStandard = CUWrapSub(nTime, CUWrapMul(zone.Bias, 60));
-    // An instant before 1970 has no fields, and so is in standard time.
+    // gmtime knows no time before 1970.
     const bool bDaylight = nStandard >= 0 && CUIsDaylightTime(zone, ToTimeOfYear(nStandard));
     const LONG nBias = bDaylight ? zone.DaylightBias : zone.StandardBias;
     tm *record = RuntimeGmt(CUWrapSub(nStandard, CUWrapMul(nBias, 60)));
@@ -151,7 +151,7 @@ tm *BreakDown(long nTime, const TIME_ZONE_INFORMATION &zone)
     return record;
 }
 
-// The trace formats its time stamps with this source: without the lock it would trace for ever.
+// The trace's own time stamps come here, too: told from inside the trace it would never end.
 void TraceInvalidZone()
 {
     static volatile LONG s_nTracing;
