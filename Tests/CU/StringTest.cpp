@@ -314,6 +314,7 @@ TEST(String, FirstThreadKeepsSomeOfItsSmallBlocksForTheNextStrings)
     };
     const int nAll = makeAndFree(17);  // 30 to 32 bytes: one step of the heap
     g_nBlockKeeper = GetCurrentThreadId();
+    g_bBlocksAreMalloced = true;
     makeAndFree(17);
     const int nLive = heap.Live(), nKept = nAll - makeAndFree(17);
     EXPECT_TRUE(nKept > 0 && nKept <= 16) << nKept;

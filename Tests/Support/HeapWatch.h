@@ -18,6 +18,7 @@ public:
     CHeapWatch() : m_malloc("malloc", Malloc), m_realloc("realloc", Realloc), m_free("free", Free)
     {
         g_nBlockKeeper = 0;
+        g_bBlocksAreMalloced = false;
         s_malloc = m_malloc.Original<void *__cdecl(size_t)>();
         s_free = m_free.Original<void __cdecl(void *)>();
         s_nMade = s_nFreed = 0;
@@ -31,7 +32,11 @@ public:
             VirtualAlloc(Slot(i), SLOT_SIZE, MEM_COMMIT, PAGE_READWRITE);
     }
 
-    ~CHeapWatch() { g_nBlockKeeper = GetCurrentThreadId(); }
+    ~CHeapWatch()
+    {
+        g_nBlockKeeper = GetCurrentThreadId();
+        g_bBlocksAreMalloced = true;
+    }
     CHeapWatch(const CHeapWatch &) = delete;
     CHeapWatch &operator=(const CHeapWatch &) = delete;
 

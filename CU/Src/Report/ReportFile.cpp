@@ -9,7 +9,7 @@
 #include "Base/Lifetime.h"
 #include "Base/TempDirectory.h"
 #include "CU/Assert.h"
-#include "Time/Epoch.h"
+#include "Time/Clock.h"
 #include "Time/TimeZone.h"
 
 namespace {
@@ -71,7 +71,7 @@ CReportHandler *TakeItem()
 
 FILETIME FileTimeOf(long nSeconds)
 {
-    const long long nTicks = CUEpochTicks() + CUTicksPerSecond * nSeconds;
+    const long long nTicks = CUEpochTicks() + CU_TICKS_PER_SECOND * nSeconds;
     return {static_cast<DWORD>(nTicks), static_cast<DWORD>(nTicks >> 32)};
 }
 

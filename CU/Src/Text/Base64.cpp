@@ -7,7 +7,7 @@
 
 namespace {
 
-constexpr char s_alphabet[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
+constexpr char ALPHABET[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
 
 unsigned int Byte(const char *pch)
 {
@@ -16,7 +16,7 @@ unsigned int Byte(const char *pch)
 
 char Letter(unsigned int nGroup, int nShift)
 {
-    return s_alphabet[nGroup >> nShift & 63];
+    return ALPHABET[nGroup >> nShift & 63];
 }
 
 // The four characters of a group of 24 bits, the top six first.
@@ -28,11 +28,12 @@ void PutGroup(char *pch, unsigned int nGroup)
     pch[3] = Letter(nGroup, 0);
 }
 
-// Two characters for each 12 bits. Made when a long text first needs it, not kept in the program's
-// file; threads that make it at the same time write the same.
+// The two characters for each 12 bits. Made when a long text first needs them, to keep the
+// program's file small. Threads that do so at the same time write the same.
 unsigned short s_pairs[4096];
 volatile LONG s_bPairsMade = 0;
 
+// From this length on the pairs are worth making.
 const int LONG_TEXT = 256;
 
 void MakePairs()
@@ -46,7 +47,7 @@ void MakePairs()
     InterlockedExchange(&s_bPairsMade, 1);
 }
 
-// One group, which a byte must follow. Two stores are faster here than one of a word.
+// One group, of which a fourth byte is read as well. Two stores are faster here than one of a word.
 inline void PutGroupByPairs(char *pOut, const char *p)
 {
     unsigned int nWord;
@@ -56,7 +57,7 @@ inline void PutGroupByPairs(char *pOut, const char *p)
     memcpy(pOut + 2, &s_pairs[nWord >> 8 & 4095], sizeof *s_pairs);
 }
 
-// Whole groups, four at a time and some bytes left; moves both places on. For long texts.
+// Whole groups, four at a time, as long as a byte is left behind them; moves both places on.
 void PutGroupsByPairs(char *&pOut, const char *&p, const char *pEnd)
 {
     for (; p < pEnd - 12; p += 12, pOut += 16) {
@@ -67,9 +68,10 @@ void PutGroupsByPairs(char *&pOut, const char *&p, const char *pEnd)
     }
 }
 
-// What a character gives at each of the four places of a group: its bits where they stand in the
-// group's three bytes as a word holds them, so that a group is decoded by or-ing four words;
-// SKIPPED outside the alphabet. Made when first needed, as the pairs are.
+// For each of the four places in a group and each character: its six bits where they belong in a
+// word whose first three bytes are those of the group. The bitwise "or" of four such words decodes
+// a group. SKIPPED for characters outside of the alphabet. Made when first needed, as the pairs
+// are.
 unsigned int s_values[4][256];
 volatile LONG s_bValuesMade = 0;
 
@@ -79,16 +81,30 @@ void MakeValues()
 {
     if (s_bValuesMade)
         return;
-    // Each word is written once: other threads may be reading already.
+    // Each word is written just once, with its final value: another thread may have made them all
+    // and be reading.
     for (unsigned int ch = 0; ch < 256; ++ch) {
         unsigned int nValue = 0;
-        while (nValue < 64 && static_cast<unsigned char>(s_alphabet[nValue]) != ch)
+        while (nValue < 64 && static_cast<unsigned char>(ALPHABET[nValue]) != ch)
             ++nValue;
         for (int nPlace = 0; nPlace < 4; ++nPlace)
             s_values[nPlace][ch] =
                 nValue < 64 ? __builtin_bswap32(nValue << (26 - 6 * nPlace)) : SKIPPED;
     }
     InterlockedExchange(&s_bValuesMade, 1);
+}
+
+// Whole groups of four, up to the first one with a character that is skipped; moves both places on.
+// Each store writes a fourth byte: where the next group's first byte comes to stand, or the NUL.
+inline void DecodeGroups(char *&pOut, const unsigned char *&p, const unsigned char *pEnd)
+{
+    for (; pEnd - p >= 4; p += 4, pOut += 3) {
+        const unsigned int nGroup =
+            s_values[0][p[0]] | s_values[1][p[1]] | s_values[2][p[2]] | s_values[3][p[3]];
+        if (nGroup >= SKIPPED)
+            break;
+        memcpy(pOut, &nGroup, sizeof nGroup);
+    }
 }
 
 }  // namespace
@@ -138,22 +154,14 @@ CCUString CCUString::Decode64() const
     MakeValues();
     while (p != pEnd) {
         if (nBitCount == 0) {
-            // Whole groups of four, up to the next character that is skipped. The fourth byte
-            // written is the next group's first one, or where the NUL comes to stand.
-            for (; pEnd - p >= 4; p += 4, pOut += 3) {
-                const unsigned int nGroup =
-                    s_values[0][p[0]] | s_values[1][p[1]] | s_values[2][p[2]] | s_values[3][p[3]];
-                if (nGroup >= SKIPPED)
-                    break;
-                memcpy(pOut, &nGroup, sizeof nGroup);
-            }
+            DecodeGroups(pOut, p, pEnd);
             if (p == pEnd)
                 break;
         }
         const unsigned int nValue = s_values[3][*p++];
         if (nValue == SKIPPED)
             continue;
-        // At the last place the value is the third byte.
+        // At the last place in a group, the six bits are the lowest of the third byte.
         nBits = nBits << 6 | nValue >> 16;
         nBitCount += 6;
         if (nBitCount >= 8) {

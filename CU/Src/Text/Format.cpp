@@ -1,4 +1,5 @@
-// Formatting in two passes: what the format lets expect is reserved, then written, never grown.
+// Formatting, in two passes over the format: the first estimates the length of the text, for which
+// room is made; the second writes, and cuts what exceeds that room.
 
 #include <stdarg.h>
 #include <stdio.h>
@@ -7,15 +8,16 @@
 #include <wchar.h>
 
 #include "CU/String.h"
-#include "Text/StringLength.h"
+#include "Text/Characters.h"
 
 #define CU_SOURCE "String"
 
 namespace {
 
+// What an integer and a floating-point number are expected to take, in characters.
 const int NUMBER_LENGTH = 32;
 const int FLOAT_LENGTH = 512;
-// The largest width or precision that is taken from an argument that may be part of another.
+// The largest width or precision that is believed of an argument after an unknown conversion.
 const int MOST_UNSURE = 1 << 24;
 
 int Max(int n1, int n2)
@@ -45,11 +47,11 @@ int TextLength(const Char *psz, int nMost)
 
 // NOLINTBEGIN(clang-analyzer-valist.Uninitialized): it does not follow a list through a pointer.
 
-// Walks a format and its arguments and sums up the longest text they are expected to give.
+// Sums up the longest text that a format and its arguments are expected to give.
 class CFormatEstimate
 {
 public:
-    // Uses the arguments up. Texts between pOwn and pOwnEnd are the target's own.
+    // Uses the arguments up. The buffer of the string to be written is from pOwn to pOwnEnd.
     CFormatEstimate(const char *pszFormat, va_list *pArgs, const char *pOwn, const char *pOwnEnd)
         : m_p(pszFormat),
           m_pArgs(pArgs),
@@ -63,9 +65,10 @@ public:
         Walk();
     }
     int MaxLen() const { return m_nMaxLen; }
-    // An argument is a part of the target, or may be.
+    // Whether an argument points into that buffer, or may do so.
     bool ReadsOwn() const { return m_bReadsOwn || m_bUnsure; }
-    // There is nothing in the format but text, "%%" and bare %c %d %i %u %x %s of a text.
+    // Whether the format has nothing but text, "%%" and %c %d %i %u %x %s without flags, width and
+    // so on, and no text is null.
     bool IsPlain() const { return m_bPlain; }
 
 private:
@@ -92,7 +95,9 @@ private:
     const char *m_pOwnEnd;
     int m_nMaxLen;
     bool m_bReadsOwn;
-    bool m_bUnsure;  // after an unknown conversion, whose argument may still be to come
+    // Met an unknown conversion. It is not known whether it has taken an argument, so each further
+    // argument may be a part of another one.
+    bool m_bUnsure;
     bool m_bPlain;
 };
 
@@ -166,7 +171,7 @@ bool CFormatEstimate::ReadFlags(int &nWidth)
 // Reads as atoi does, without its undefined result for a number that is too large.
 int CFormatEstimate::ReadNumber()
 {
-    // Neither a digit nor what atoi passes over before one.
+    // A letter, as mostly, starts no number: saves the call.
     if (*m_p >= 'A')
         return 0;
     const int nNumber = static_cast<int>(strtol(m_p, nullptr, 10));
@@ -178,7 +183,7 @@ int CFormatEstimate::ReadNumber()
 int CFormatEstimate::ReadStar()
 {
     const int nNumber = va_arg(*m_pArgs, int);
-    // Half of a double, say, must not make the heap run out.
+    // It may be half of a double: a nonsense width must not exhaust the heap.
     return m_bUnsure && nNumber > MOST_UNSURE ? 0 : nNumber;
 }
 
@@ -223,18 +228,19 @@ int CFormatEstimate::StringLength(const CItem &item)
     const char *psz = ReadPointer();
     if (!psz)
         m_bPlain = false;
-    // A text that a precision cuts needs no NUL.
+    // With a precision the text may lack its NUL, so no more than that is read.
     const int nMost = item.nPrecision > 0 ? item.nPrecision : INT_MAX;
     const bool bWide = item.chModifier == 'l' || (*m_p == 'S' && item.chModifier != 'h');
     const wchar_t *pwsz = reinterpret_cast<const wchar_t *>(psz);
-    // What cannot be read is no text. Capacity and output stay right where it is one.
+    // After an unknown conversion this may be no pointer at all, and must not be followed blindly.
     const UINT nSeen = static_cast<UINT>(nMost);
     if (m_bUnsure && (bWide ? IsBadStringPtrW(pwsz, nSeen) : IsBadStringPtrA(psz, nSeen)))
         return 0;
     return bWide ? TextLength(pwsz, nMost) : TextLength(psz, nMost);
 }
 
-// The width first, then the precision: a width beyond the precision is cut as well.
+// The width first, then the precision, which so cuts a larger width as well: "%10.3s" is expected
+// to give 3 characters, though it gives 10.
 int CFormatEstimate::FitString(const CItem &item, int nItemLen)
 {
     nItemLen = Max(nItemLen, item.nWidth);
@@ -245,12 +251,13 @@ int CFormatEstimate::FitString(const CItem &item, int nItemLen)
 
 // NOLINTEND(clang-analyzer-valist.Uninitialized)
 
-// Writes plain formats, which most are: the C library's formatter takes several times as long.
+// Writes plain formats (CFormatEstimate::IsPlain), several times as fast as the C library's
+// formatter. Most formats are plain.
 class CPlainWriter
 {
 public:
     CPlainWriter(char *pch, int nRoom) : m_pch(pch), m_nRoom(nRoom), m_nLength(0) {}
-    // The length of the text, of which as much as there is room for is written.
+    // Returns the length of the whole text. What of it exceeds the room is not written, nor a NUL.
     int Write(const char *pszFormat, va_list args);
 
 private:
@@ -312,6 +319,29 @@ void CPlainWriter::PutSigned(int n)
     PutNumber<10>(n < 0 ? 0 - static_cast<unsigned int>(n) : static_cast<unsigned int>(n));
 }
 
+// Both functions write as much of the text as nRoom characters hold, and a NUL at pch[nRoom] at the
+// latest. They return whether that was all of it.
+
+bool PrintPlain(char *pch, int nRoom, const char *pszFormat, va_list args)
+{
+    const int nLength = CPlainWriter(pch, nRoom).Write(pszFormat, args);
+    const bool bCut = nLength > nRoom;
+    pch[bCut ? nRoom : nLength] = '\0';
+    return !bCut;
+}
+
+// By the system's runtime: the language's vsnprintf brings a formatter of its own along.
+bool PrintByRuntime(char *pch, int nRoom, const char *pszFormat, va_list args)
+{
+    pch[nRoom] = '\0';
+    const int nWritten = _vsnprintf(pch, static_cast<size_t>(nRoom) + 1, pszFormat, args);
+    // Negative for a text that is cut and for one that cannot be written, as when a wide character
+    // is not in the code page. Only the first fills the buffer, over the NUL at its end.
+    const bool bCut = nWritten < 0 ? pch[nRoom] != '\0' : nWritten > nRoom;
+    pch[nRoom] = '\0';
+    return !bCut;
+}
+
 }  // namespace
 
 void CCUString::Format(const char *pszFormat, ...)
@@ -330,46 +360,38 @@ void CCUString::FormatV(const char *pszFormat, va_list args)
     va_copy(estimated, args);
     const CFormatEstimate estimate(pszFormat, &estimated, m_pchData, m_pchData + GetAllocLength());
     va_end(estimated);
-    if (estimate.ReadsOwn() || PointsInto(pszFormat)) {
-        // Writing would change what is still to be read. The other string gets the room that
-        // GetBuffer would leave to this one, so that both ways cut at the same length.
-        const bool bKept = GetData()->nRefs <= 1 && estimate.MaxLen() <= GetAllocLength();
-        const int nRoom = bKept ? GetAllocLength() : GetLength();
-        CCUString text;
-        if (nRoom > estimate.MaxLen())
-            text.AllocBuffer(nRoom);
-        text.PrintV(estimate.MaxLen(), estimate.IsPlain(), pszFormat, args);
-        if (bKept) {
-            AssignCopy(text.GetLength(), text.m_pchData);
-            return;
-        }
-        CCUStringData *pOldData = GetData();
-        m_pchData = text.m_pchData;
-        text.Init();
-        ReleaseOld(pOldData);
+    const bool bReadsOwn = estimate.ReadsOwn() || PointsInto(pszFormat);
+    if (!bReadsOwn) {
+        PrintV(estimate.MaxLen(), estimate.IsPlain(), pszFormat, args);
         return;
     }
-    PrintV(estimate.MaxLen(), estimate.IsPlain(), pszFormat, args);
+    // Writing here would change what is still to be read, so another string is written. It gets the
+    // room that GetBuffer would make in this one: the text is cut at the same length either way.
+    const bool bKeepsBlock = GetData()->nRefs <= 1 && estimate.MaxLen() <= GetAllocLength();
+    const int nRoom = bKeepsBlock ? GetAllocLength() : GetLength();
+    CCUString text;
+    if (nRoom > estimate.MaxLen())
+        text.AllocBuffer(nRoom);
+    text.PrintV(estimate.MaxLen(), estimate.IsPlain(), pszFormat, args);
+    if (bKeepsBlock) {
+        AssignCopy(text.GetLength(), text.m_pchData);
+        return;
+    }
+    CCUStringData *pOldData = GetData();
+    m_pchData = text.m_pchData;
+    text.Init();
+    ReleaseOld(pOldData);
 }
 
-// Writes the text into a buffer of nMaxLen characters.
+// Writes the text, with room for nMaxLen characters or for what the block has.
 void CCUString::PrintV(int nMaxLen, bool bPlain, const char *pszFormat, va_list argListSave)
 {
     GetBuffer(nMaxLen);
-    // The block of all empty strings is not for writing.
+    // All empty strings share one block, which nobody may write to.
     char chNone = '\0';
     char *pch = GetData() == CUDataNil ? &chNone : m_pchData;
-    const int nLast = GetAllocLength();
-    pch[nLast] = '\0';
-    // The system's, not the language's vsnprintf, which brings a formatter of its own along.
-    const int nWritten =
-        bPlain ? CPlainWriter(pch, nLast).Write(pszFormat, argListSave)
-               : _vsnprintf(pch, static_cast<size_t>(nLast) + 1, pszFormat, argListSave);
-    if (bPlain)
-        pch[nWritten < nLast ? nWritten : nLast] = '\0';
-    // Cut output gives a negative result as an error in it does, but fills the buffer.
-    const bool bFits = nWritten < 0 ? pch[nLast] == '\0' : nWritten <= nLast;
-    pch[nLast] = '\0';
+    const bool bFits = bPlain ? PrintPlain(pch, GetAllocLength(), pszFormat, argListSave)
+                              : PrintByRuntime(pch, GetAllocLength(), pszFormat, argListSave);
     CU_ASSERT_TEXT(bFits, "_vstprintf(m_pchData, pszFormat, argListSave) <= GetAllocLength()");
     ReleaseBuffer(-1);
 }

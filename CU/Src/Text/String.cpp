@@ -1,13 +1,14 @@
-// The string's block: its making, sharing, locking and growing, and what assigns and appends.
+// The owning of a block: making, sharing, locking and freeing it, assigning, appending, writing
+// into it. What is done with the text is in StringText.cpp, where blocks come from in
+// StringBlock.cpp.
 
 #include "CU/String.h"
 
 #include <limits.h>
 #include <string.h>
 
+#include "Text/Characters.h"
 #include "Text/StringBlock.h"
-#include "Text/StringLength.h"
-#include "Text/StringScan.h"
 
 #define CU_SOURCE "String"
 
@@ -19,11 +20,11 @@ struct CNilBlock
     char chNul;
 };
 
-CNilBlock g_nilBlock = {{-1, 0, 0}, '\0'};
+CNilBlock s_nilBlock = {{-1, 0, 0}, '\0'};
 
 bool IsNil(const CCUStringData *pData)
 {
-    return pData == &g_nilBlock.data;
+    return pData == &s_nilBlock.data;
 }
 
 bool IsPossible(int nLength)
@@ -33,8 +34,8 @@ bool IsPossible(int nLength)
 
 }  // namespace
 
-CCUStringData *const CUDataNil = &g_nilBlock.data;
-const char *const CUPchNil = &g_nilBlock.chNul;
+CCUStringData *const CUDataNil = &s_nilBlock.data;
+const char *const CUPchNil = &s_nilBlock.chNul;
 
 // Making and letting go of blocks.
 
@@ -54,8 +55,8 @@ void CCUString::AllocBuffer(int nLen)
     Init();
 }
 
-// A locked block's count has gone from -1 to -2, that of a block nobody owned from 0 to -1: not to
-// read it before saves a tenth of the time of a copy.
+// After LetGo has counted down. The count was 1, or -1 for a locked block. It must not have been 0:
+// that shows as -1 here, since to look before counting down costs a tenth of the time of a copy.
 void CCUString::FreeData()
 {
     CU_ASSERT_TEXT(GetData()->nRefs != -1, "GetData()->nRefs != 0");
@@ -89,7 +90,7 @@ void CCUString::ReleaseOld(CCUStringData *pOldData)
 void CCUString::SetLength(int nLength)
 {
     if (IsNil(GetData()))
-        return;  // its length can only be 0, and threads share it
+        return;  // its length is 0 already, and not to be written: all threads share it
     GetData()->nDataLength = nLength;
     m_pchData[nLength] = '\0';
 }
@@ -103,7 +104,7 @@ bool CCUString::PointsInto(const void *p) const
 void CCUString::CopyBeforeWrite()
 {
     if (GetData()->nRefs > 1) {
-        // The other owners may let go of the old block meanwhile: this string does so last.
+        // Let go of only after the copying: the other owners may do so at any time.
         CCUStringData *pOldData = GetData();
         const char *pchOld = m_pchData;
         AllocBuffer(pOldData->nDataLength);
@@ -171,13 +172,15 @@ CCUString::CCUString(char ch, int nRepeat)
 }
 
 #if defined(CU_EXPORTS)
-// Inline in the header, where the compiler exports nothing: for programs that were linked before.
+// operator= is inline in the header, and the compiler (GCC 12, clang 14) exports no such function.
+// Programs that were linked with an earlier version, where it was not inline, import it: so it is
+// compiled here once more, and exported by hand.
 __attribute__((used)) static CCUString &(CCUString::*const s_pAssign)(const CCUString &) =
     &CCUString::operator=;
 asm(".section .drectve\n.ascii \" -export:\\\"_ZN9CCUStringaSERKS_\\\"\"\n.text");
 #endif
 
-// Assignment of other characters than this string's own.
+// Assignment of a string that does not share this one's block.
 void CCUString::AssignOther(const CCUString &stringSrc)
 {
     CU_ASSERT(stringSrc.GetData()->nRefs != 0);
@@ -204,7 +207,7 @@ CCUString &CCUString::operator=(const unsigned char *psz)
 
 void CCUString::AssignCopy(int nSrcLen, const char *src)
 {
-    // A text inside this string's own shared block must outlive the other owners of the block.
+    // AllocBeforeWrite lets go of a shared block. Where src lies in it, `keep` holds it meanwhile.
     CCUString keep;
     if (GetData()->nRefs > 1 && PointsInto(src))
         keep = *this;
@@ -252,8 +255,8 @@ void CCUString::ConcatCopy(int nSrc1Len, const char *src1, int nSrc2Len, const c
         memcpy(m_pchData + nSrc1Len, src2, static_cast<size_t>(nSrc2Len));
 }
 
-// Has the heap lengthen the block, which it often does on the spot. Only for a block that is this
-// string's alone, and a text to append that does not move with it.
+// Has the heap make the block longer, which it often does without moving it. Not for a shared
+// block, nor for one in which src lies: src would be lost when the block moves.
 bool CCUString::GrowAlone(int nLength, const char *src)
 {
     const bool bOwn = GetData()->nRefs == 1 || IsLocked();
@@ -276,11 +279,11 @@ void CCUString::ConcatInPlace(int nSrcLen, const char *src)
     if (!bFits && !GrowAlone(CUAddLengths(nOldLen, nSrcLen), src)) {
         ConcatCopy(nOldLen, m_pchData, nSrcLen, src);
         CU_ASSERT(pOldData != 0);
-        // Only now: the text may come from the old block.
+        // Only now: src may lie in the old block.
         ReleaseOld(pOldData);
         return;
     }
-    // It may be left over behind this string's own text.
+    // memmove: src may lie in this block, behind the text.
     memmove(m_pchData + nOldLen, src, static_cast<size_t>(nSrcLen));
     SetLength(nOldLen + nSrcLen);
     CU_ASSERT(GetData()->nDataLength <= GetData()->nAllocLength);
@@ -349,9 +352,9 @@ char *CCUString::GetBuffer(int nMinBufLength)
         const char *pchOld = m_pchData;
         const int nOldLen = pOldData->nDataLength;
         AllocBuffer(nMinBufLength > nOldLen ? nMinBufLength : nOldLen);
-        const int nKept = CUCutLength(nOldLen, GetAllocLength());
-        memcpy(m_pchData, pchOld, static_cast<size_t>(nKept));
-        SetLength(nKept);
+        const int nCopied = CUCutLength(nOldLen, GetAllocLength());
+        memcpy(m_pchData, pchOld, static_cast<size_t>(nCopied));
+        SetLength(nCopied);
         ReleaseOld(pOldData);
     }
     CU_ASSERT(GetData()->nRefs <= 1);
@@ -363,7 +366,7 @@ void CCUString::ReleaseBuffer(int nNewLength)
 {
     CopyBeforeWrite();
     if (nNewLength == -1) {
-        // Past the capacity and its NUL there is nothing to read: one more means too long.
+        // Where the block has no NUL, the text counts as one character longer than the capacity.
         const int nRoom = GetAllocLength() + 1;
         const char *pNul = CUFindByte(m_pchData, m_pchData + nRoom, '\0');
         nNewLength = pNul ? static_cast<int>(pNul - m_pchData) : nRoom;
@@ -405,7 +408,7 @@ char *CCUString::LockBuffer()
 void CCUString::UnlockBuffer()
 {
     CU_ASSERT(GetData()->nRefs == -1);
-    // A block that others share keeps its count: they would free it under each other's hands.
+    // Not for a block that was not locked: with a count of 1 a shared one would be freed too early.
     if (IsLocked())
         GetData()->nRefs = 1;
 }

@@ -5,17 +5,19 @@
 #include <new>
 
 DWORD g_nBlockKeeper = 0;
+bool g_bBlocksAreMalloced = false;
 
 namespace {
 
-const int KEPT_OF_A_SIZE = 16;
+const int MOST_KEPT_OF_A_SIZE = 16;
 
 struct CKept
 {
     int nCount;
-    void *blocks[KEPT_OF_A_SIZE];
+    void *blocks[MOST_KEPT_OF_A_SIZE];
 };
 
+// Indexed by the size in steps of the heap.
 CKept s_kept[CU_LARGEST_SMALL_BLOCK / CU_HEAP_STEP + 1];
 
 inline size_t BlockSize(int nLength)
@@ -23,7 +25,7 @@ inline size_t BlockSize(int nLength)
     return sizeof(CCUStringData) + static_cast<size_t>(nLength) + 1;
 }
 
-// Where blocks of that size are kept; null: not at all, or not by this thread.
+// Where this thread keeps blocks of nSize bytes; null where it keeps none.
 inline CKept *KeptOf(size_t nSize)
 {
     if (nSize > CU_LARGEST_SMALL_BLOCK || GetCurrentThreadId() != g_nBlockKeeper)
@@ -36,11 +38,12 @@ inline CKept *KeptOf(size_t nSize)
 void CUKeepStringBlocks()
 {
     g_nBlockKeeper = GetCurrentThreadId();
+    g_bBlocksAreMalloced = true;
 }
 
 void CUFreeKeptStringBlocks()
 {
-    // A program that another thread ends may have its keeper at work in here.
+    // Where another thread ends the program, the keeper may be just using what it keeps.
     if (GetCurrentThreadId() != g_nBlockKeeper)
         return;
     g_nBlockKeeper = 0;
@@ -66,25 +69,23 @@ CCUStringData *CUNewStringBlock(int nLength)
 
 CCUStringData *CUGrowStringBlock(CCUStringData *pData, int nLength)
 {
-    // Only our own operator new is known to be over malloc.
-    if (g_nBlockKeeper == 0)
+    if (!g_bBlocksAreMalloced)
         return nullptr;
     const size_t nSize = CUHeapSize(BlockSize(nLength));
-    if (nSize != CUHeapSize(BlockSize(pData->nAllocLength))) {
-        void *block = realloc(pData, nSize);
-        if (!block)
-            return nullptr;
-        pData = static_cast<CCUStringData *>(block);
-    }
-    pData->nAllocLength = nLength;
-    return pData;
+    const bool bHasRoom = nSize == CUHeapSize(BlockSize(pData->nAllocLength));
+    CCUStringData *const pGrown =
+        bHasRoom ? pData : static_cast<CCUStringData *>(realloc(pData, nSize));
+    if (pGrown)
+        pGrown->nAllocLength = nLength;
+    return pGrown;
 }
 
 void CUFreeStringBlock(CCUStringData *pData)
 {
-    // A block that was let go of once too often would be kept twice.
+    // The count is below 0 when more strings let go of the block than shared it: kept again, it
+    // would be given to two strings.
     CKept *kept = pData->nRefs == 0 ? KeptOf(BlockSize(pData->nAllocLength)) : nullptr;
-    if (kept && kept->nCount < KEPT_OF_A_SIZE)
+    if (kept && kept->nCount < MOST_KEPT_OF_A_SIZE)
         kept->blocks[kept->nCount++] = pData;
     else
         operator delete(pData);

@@ -4,22 +4,25 @@
 
 #include "CU/String.h"
 
-// The heap blocks of strings, by the global operator new: the header, the characters and a NUL.
+// The heap blocks of strings: the header (CCUStringData), the characters and a NUL. They come from
+// the global operator new.
 //
 // Most strings are short and soon gone, and most of them belong to the thread that started the
-// program. Over our own operator new that thread keeps, of each small size, some of the blocks that
-// it lets go of, for its next strings: without a lock, and without a call of the heap.
+// program. In a program with our own operator new (New.cpp) that thread keeps some blocks of each
+// small size that its strings let go of, for its next strings: no lock, no call of the heap.
 
 // A block of one owner with nLength characters, of which only the NUL is written.
 CCUStringData *CUNewStringBlock(int nLength);
-// The block, with its text and its locking, at another place where there is no room behind it. Its
-// length is not touched. Null, and nothing done: the operators are not ours.
+// Gives the block a capacity of nLength, more than it has, with its text, its length and its count
+// as they are. The block may move. Null, and nothing done, when there is no memory or the program's
+// operator new is not ours.
 CCUStringData *CUGrowStringBlock(CCUStringData *pData, int nLength);
-// After the last owner has let go. Only a block whose count has come to 0 is kept.
+// After the last owner has let go: frees the block, or keeps it where its count is 0.
 void CUFreeStringBlock(CCUStringData *pData);
 
-// What our operator new asks the heap for. Small blocks come in the heap's own steps, which takes
-// no byte that the heap would not take by itself, and a kept one serves all lengths of its step.
+// What our operator new asks the heap for when nSize bytes are wanted. The heap itself rounds up to
+// steps of CU_HEAP_STEP bytes. Small blocks are rounded here, so that a kept one serves all lengths
+// of its step.
 const size_t CU_HEAP_STEP = 8;
 const size_t CU_LARGEST_SMALL_BLOCK = 128;
 inline size_t CUHeapSize(size_t nSize)
@@ -35,3 +38,5 @@ void CUKeepStringBlocks();
 void CUFreeKeptStringBlocks();
 // The thread that keeps. While it is 0, operator new and delete see each block come and go.
 extern DWORD g_nBlockKeeper;
+// Whether operator new is ours, over malloc, so that a block can grow by realloc.
+extern bool g_bBlocksAreMalloced;

@@ -1,16 +1,53 @@
-// What a string does with its text: taking parts, searching, changing in place.
+// What is done with a string's text: comparing, searching, taking parts, changing in place.
 
 #include "CU/String.h"
 
 #include <ctype.h>
 #include <string.h>
 
-#include "Text/StringScan.h"
-#include "Text/StringLength.h"
+#include "Text/Characters.h"
 
 #define CU_SOURCE "String"
 
 namespace {
+
+bool AreSame(const char *p1, const char *p2, int nLength)
+{
+    for (; nLength >= 8; nLength -= 8, p1 += 8, p2 += 8) {
+        if (((CUWord(p1) ^ CUWord(p2)) | (CUWord(p1 + 4) ^ CUWord(p2 + 4))) != 0)
+            return false;
+    }
+    for (; nLength > 0; --nLength) {
+        if (*p1++ != *p2++)
+            return false;
+    }
+    return true;
+}
+
+int CompareBytes(const char *p1, const char *p2)
+{
+    // By words where both texts begin at a multiple of 4. Such a word never reaches into another
+    // page of memory, so it may be read even where the text ends within it.
+    if (((reinterpret_cast<size_t>(p1) | reinterpret_cast<size_t>(p2)) & 3) == 0) {
+        for (; CUWord(p1) == CUWord(p2); p1 += 4, p2 += 4) {
+            if (CUHasNul(CUWord(p1)))
+                return 0;
+        }
+    }
+    for (; *p1 == *p2; ++p1, ++p2) {
+        if (*p1 == '\0')
+            return 0;
+    }
+    return static_cast<unsigned char>(*p1) - static_cast<unsigned char>(*p2);
+}
+
+// Mostly two strings are compared to see whether they are equal: so that is looked at first.
+inline int CompareStrings(const CCUString &s1, const CCUString &s2)
+{
+    if (s1.GetLength() == s2.GetLength() && AreSame(s1, s2, s1.GetLength()))
+        return 0;
+    return CompareBytes(s1, s2);
+}
 
 // Which of the 256 characters are in a set; the NUL that ends the set never is.
 class CCharSet
@@ -23,7 +60,7 @@ public:
             m_bits[Byte(*set) / 32] |= 1U << Byte(*set) % 32;
     }
     bool Has(char ch) const { return m_bits[Byte(ch) / 32] >> Byte(ch) % 32 & 1; }
-    // The first index from 0 to nLength at which being in the set is not bIn.
+    // How many of the first characters of a text are (bIn) or are not (!bIn) in the set.
     int Span(const char *pch, int nLength, bool bIn) const
     {
         int n = 0;
@@ -44,9 +81,95 @@ bool IsSpace(char ch)
 
 }  // namespace
 
+// Comparing. In one source with the operators, which so need no second call.
+
+int CCUString::Compare(const char *psz) const
+{
+    return CompareBytes(m_pchData, CUOrEmpty(psz));
+}
+
+int CCUString::Compare(const CCUString &string) const
+{
+    return CompareStrings(*this, string);
+}
+
+int CCUString::CompareNoCase(const char *psz) const
+{
+    return _stricmp(m_pchData, CUOrEmpty(psz));
+}
+
+int CCUString::Collate(const char *psz) const
+{
+    return strcoll(m_pchData, CUOrEmpty(psz));
+}
+
+// NOLINTBEGIN(bugprone-macro-parentheses): an operator cannot stand in them.
+#define CU_COMPARISON(op)                                      \
+    bool operator op(const CCUString &s1, const CCUString &s2) \
+    {                                                          \
+        return CompareStrings(s1, s2) op 0;                    \
+    }                                                          \
+    bool operator op(const CCUString &s1, const char *s2)      \
+    {                                                          \
+        return s1.Compare(s2) op 0;                            \
+    }                                                          \
+    bool operator op(const char *s1, const CCUString &s2)      \
+    {                                                          \
+        return 0 op s2.Compare(s1);                            \
+    }
+// NOLINTEND(bugprone-macro-parentheses)
+
+CU_COMPARISON(==)
+CU_COMPARISON(!=)
+CU_COMPARISON(<)
+CU_COMPARISON(>)
+CU_COMPARISON(<=)
+CU_COMPARISON(>=)
+
+// Searching.
+
+int CCUString::Find(char ch) const
+{
+    const char *p = CUFindByte(m_pchData, m_pchData + GetLength(), ch);
+    return p ? static_cast<int>(p - m_pchData) : -1;
+}
+
+int CCUString::Find(const char *pszSub) const
+{
+    if (!pszSub)
+        return -1;
+    const size_t nSub = strlen(pszSub);
+    if (nSub == 0)
+        return 0;
+    if (nSub > static_cast<size_t>(GetLength()))
+        return -1;
+    const char *pEnd = m_pchData + GetLength() - nSub + 1;
+    for (const char *p = m_pchData; (p = CUFindByte(p, pEnd, *pszSub)) != nullptr; ++p) {
+        if (memcmp(p, pszSub, nSub) == 0)
+            return static_cast<int>(p - m_pchData);
+    }
+    return -1;
+}
+
+int CCUString::ReverseFind(char ch) const
+{
+    int nIndex = GetLength() - 1;
+    while (nIndex >= 0 && m_pchData[nIndex] != ch)
+        --nIndex;
+    return nIndex;
+}
+
+int CCUString::FindOneOf(const char *set) const
+{
+    const int nIndex = CCharSet(CUOrEmpty(set)).Span(m_pchData, GetLength(), false);
+    return nIndex < GetLength() ? nIndex : -1;
+}
+
+// Taking parts.
+
 CCUString CCUString::Mid(int nFirst) const
 {
-    // From a negative index on it is the whole text, however far away the index is.
+    // A negative index stands for 0. (GetLength() - nFirst would wrap for one far below.)
     return Mid(nFirst, nFirst < 0 ? GetLength() : GetLength() - nFirst);
 }
 
@@ -90,42 +213,7 @@ CCUString CCUString::SpanExcluding(const char *set) const
     return Left(CCharSet(CUOrEmpty(set)).Span(m_pchData, GetLength(), false));
 }
 
-int CCUString::Find(char ch) const
-{
-    const char *p = CUFindByte(m_pchData, m_pchData + GetLength(), ch);
-    return p ? static_cast<int>(p - m_pchData) : -1;
-}
-
-int CCUString::Find(const char *pszSub) const
-{
-    if (!pszSub)
-        return -1;
-    const size_t nSub = strlen(pszSub);
-    if (nSub == 0)
-        return 0;
-    if (nSub > static_cast<size_t>(GetLength()))
-        return -1;
-    const char *pEnd = m_pchData + GetLength() - nSub + 1;
-    for (const char *p = m_pchData; (p = CUFindByte(p, pEnd, *pszSub)) != nullptr; ++p) {
-        if (memcmp(p, pszSub, nSub) == 0)
-            return static_cast<int>(p - m_pchData);
-    }
-    return -1;
-}
-
-int CCUString::ReverseFind(char ch) const
-{
-    int nIndex = GetLength() - 1;
-    while (nIndex >= 0 && m_pchData[nIndex] != ch)
-        --nIndex;
-    return nIndex;
-}
-
-int CCUString::FindOneOf(const char *set) const
-{
-    const int nIndex = CCharSet(CUOrEmpty(set)).Span(m_pchData, GetLength(), false);
-    return nIndex < GetLength() ? nIndex : -1;
-}
+// Changing in place.
 
 void CCUString::MakeUpper()
 {

@@ -1,10 +1,10 @@
-// Between the ANSI code page and UTF-16.
+// Converting between the ANSI code page and UTF-16.
 
 #include <string.h>
 #include <wchar.h>
 
 #include "CU/String.h"
-#include "Text/StringLength.h"
+#include "Text/Characters.h"
 
 #define CU_SOURCE "String"
 
@@ -15,7 +15,7 @@ const wchar_t *Wide(const unsigned short *pszWide)
     return reinterpret_cast<const wchar_t *>(pszWide);
 }
 
-// Two bytes for each wide character are what the double-byte code pages need.
+// Room for the converted text: double-byte code pages need two bytes for a wide character.
 int ConvertedLength(const unsigned short *pszWide)
 {
     return pszWide ? CUToLength(2LL * static_cast<long long>(wcslen(Wide(pszWide)))) : 0;
@@ -49,14 +49,16 @@ int CUMultiByteToWideString(unsigned short *wcstr, const char *mbstr, unsigned i
     return result;
 }
 
-// Fills this string, which has room for nCapacity characters that are its own.
+// Sets the text. The caller has made room for nCapacity characters in a block that is not shared;
+// less room means that the length was impossible, which was reported.
 void CCUString::ConvertFromWide(const unsigned short *pszWide, int nCapacity)
 {
     if (GetAllocLength() < nCapacity)
         return;
     const int nRoom = GetAllocLength() + 1;
     if (CUWideToMultiByteString(m_pchData, pszWide, static_cast<unsigned int>(nRoom)) <= 0) {
-        // Only where the system's ANSI code page takes more than two bytes, as UTF-8 does.
+        // The room was too small: the system's ANSI code page is UTF-8, which takes up to three
+        // bytes (possible from Windows 10 1903 on).
         m_pchData[0] = '\0';
         const int nNeeded = CUWideToMultiByteString(nullptr, pszWide, 0);
         if (nNeeded > nRoom) {
@@ -85,7 +87,7 @@ CCUString &CCUString::operator=(const unsigned short *pszWide)
     const int nCapacity = ConvertedLength(pszWide);
     if (nCapacity == 0)
         return *this = "";
-    // What ConvertToWide left in this very string would be overwritten while it is read.
+    // The source may be what ConvertToWide has left in this very string.
     if (PointsInto(pszWide))
         return *this = CCUString(pszWide);
     AllocBeforeWrite(nCapacity);

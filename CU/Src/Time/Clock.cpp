@@ -2,11 +2,11 @@
 
 #include "Base/Handle.h"
 #include "Base/Lock.h"
-#include "Time/Epoch.h"
+#include "Time/Clock.h"
 
 namespace {
 
-// Windows 95 has no call for the adjustment, so the clock's functions are looked for.
+// For functions that Windows 95 lacks: those of the clock's adjustment.
 template <typename F>
 F *FindInKernel(const char *name)
 {
@@ -43,7 +43,7 @@ double SystemTick()
 {
     double increment = 0;
     double adjustment = 0;
-    // Windows 95 advances its clock with the timer interrupt.
+    // Windows 95 has no such call. Its clock advances with the timer interrupt, every 55 ms.
     return CUGetSystemTimeAdjustment(increment, adjustment) ? increment * 1e-7 : 0.055;
 }
 
@@ -84,7 +84,8 @@ double CUFileTimeToSeconds(const FILETIME &time)
     const long long nTicks =
         static_cast<long long>(static_cast<unsigned long long>(CUFileTimeToTicks(time)) -
                                static_cast<unsigned long long>(CUEpochTicks()));
-    // By way of memory: the register's bits beyond a double would show in comparisons.
+    // By way of memory, which rounds to a double: the x87 register's further bits would make equal
+    // times differ.
     const volatile double seconds = static_cast<double>(nTicks) * 1e-7;
     return seconds;
 }
@@ -107,11 +108,13 @@ double CUDoubleTime()
         s_tick = SystemTick();
     const double system = CUGetSystemTimeSeconds();
     const double counter = CounterSeconds();
-    // Counter and clock drift apart: the base follows as soon as the sum leaves the present tick.
-    if (s_base + counter < system)
-        s_base = system - counter;
-    else if (s_base + counter > system + s_tick)
-        s_base = system + s_tick - counter;
+    // Counter and clock drift apart. The sum must lie within the clock's present tick.
+    const double earliest = system;
+    const double latest = system + s_tick;
+    if (s_base + counter < earliest)
+        s_base = earliest - counter;
+    else if (s_base + counter > latest)
+        s_base = latest - counter;
     return s_base + counter;
 }
 
@@ -141,7 +144,7 @@ bool CUSetSystemTimeAdjustment(double adjustment)
 
 bool CUSetSystemTime(double seconds)
 {
-    // Either limit gives a time with the highest bit set, which the system does not know.
+    // Both limits give a time with the highest bit set, which FileTimeToSystemTime refuses.
     const unsigned long long nTicks =
         static_cast<unsigned long long>(CUEpochTicks()) +
         static_cast<unsigned long long>(Truncated<long long>(seconds * 1e7, -9.2e18, 9.2e18));
@@ -149,7 +152,7 @@ bool CUSetSystemTime(double seconds)
     file.dwLowDateTime = static_cast<DWORD>(nTicks);
     file.dwHighDateTime = static_cast<DWORD>(nTicks >> 32);
     SYSTEMTIME time = {};
-    // A time that the system does not know stays a record of zeros, which SetSystemTime refuses.
+    // The record of a time that is refused stays all zeros, which SetSystemTime refuses.
     FileTimeToSystemTime(&file, &time);
     // Asked for all the same where the privilege cannot be had: not every system wants it.
     CCUObjectHandle token;

@@ -5,12 +5,13 @@
 
 #include "Base/Wrap.h"
 #include "CU/Dump.h"
-#include "Time/Epoch.h"
+#include "Time/Clock.h"
 #include "Time/TimeZone.h"
 
 namespace {
 
-const long s_nMaximum = 0x7FFFFFFF;
+// The greatest instant, which also stands for an invalid one.
+const long MAXIMUM_TIME = 0x7FFFFFFF;
 
 struct CFields
 {
@@ -22,7 +23,7 @@ long long SecondsOfFields(const CFields &fields)
 {
     const int values[] = {fields.nYear, fields.nMonth,  fields.nDay,
                           fields.nHour, fields.nMinute, fields.nSecond};
-    // The record's words would drop what is above 65535 and so make a date of it.
+    // The fields of a SYSTEMTIME have 16 bits: what does not fit would be cut to some other date.
     for (const int nValue : values) {
         if (nValue < 0 || nValue > 0xFFFF)
             return 0;
@@ -37,7 +38,7 @@ long long SecondsOfFields(const CFields &fields)
     FILETIME file;
     if (!SystemTimeToFileTime(&time, &file))
         return 0;
-    return (CUFileTimeToTicks(file) - CUEpochTicks()) / CUTicksPerSecond;
+    return (CUFileTimeToTicks(file) - CUEpochTicks()) / CU_TICKS_PER_SECOND;
 }
 
 bool IsDaylight(const CFields &fields, int isDst, const TIME_ZONE_INFORMATION &zone)
@@ -58,16 +59,16 @@ long InstantOfFields(const CFields &fields, int isDst, const TIME_ZONE_INFORMATI
         tzi = &current;
     }
     const LONG nBias = IsDaylight(fields, isDst, *tzi) ? tzi->DaylightBias : tzi->StandardBias;
-    // In 64 bits, so that what lies past the range never comes around into it again.
+    // In 64 bits: a sum that is out of range must not wrap into it.
     const long long nSeconds =
         SecondsOfFields(fields) + (static_cast<long long>(tzi->Bias) + nBias) * 60;
-    if (nSeconds >= 0 && nSeconds <= s_nMaximum)
+    if (nSeconds >= 0 && nSeconds <= MAXIMUM_TIME)
         return static_cast<long>(nSeconds);
     CUDump(
         "CCUTime invalid data: Y(%d), M(%d), D(%d), H(%d), M(%d), S(%d) - using the maximum time "
         "instead\n",
         fields.nYear, fields.nMonth, fields.nDay, fields.nHour, fields.nMinute, fields.nSecond);
-    return s_nMaximum;
+    return MAXIMUM_TIME;
 }
 
 long InstantOfSystemTime(const SYSTEMTIME &time, int isDst)
@@ -84,7 +85,7 @@ long InstantOfFileTime(const FILETIME &time, int isDst)
     FILETIME local;
     SYSTEMTIME fields;
     if (!FileTimeToLocalFileTime(&time, &local) || !FileTimeToSystemTime(&local, &fields))
-        return s_nMaximum;
+        return MAXIMUM_TIME;
     return InstantOfSystemTime(fields, isDst);
 }
 

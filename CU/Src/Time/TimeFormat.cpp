@@ -1,3 +1,6 @@
+// Formatting an instant: first the codes of ours are replaced by their texts, in the format, then
+// the C library's strftime does the rest.
+
 #include <limits.h>
 #include <stddef.h>
 #include <string.h>
@@ -9,6 +12,11 @@
 #include "Time/TimeZone.h"
 
 namespace {
+
+// Room for the whole text, its NUL included: a longer one gives the empty string.
+const int TEXT_SIZE = 128;
+// What the system asks for of the long date's picture, and its default.
+const int PICTURE_SIZE = 80;
 
 volatile LONG s_nTimeFormatChanged = 1;
 
@@ -50,24 +58,24 @@ CCUString LongDate(const CSource &source)
     return DateText(source, DATE_LONGDATE, nullptr);
 }
 
-// One more for a value that does not end in a NUL.
-typedef char CPicture[80 + 1];
+// One more, for a value in the registry that does not end in a NUL.
+typedef char CPicture[PICTURE_SIZE + 1];
 
 void ReadLongDatePicture(CPicture &szPicture)
 {
     memset(szPicture, 0, sizeof szPicture);
     const CCUVersionInfo version;
     if (version.IsWin95()) {
-        GetProfileStringA("Intl", "sLongDate", "MMM d',' yyyy", szPicture, 80);
+        GetProfileStringA("Intl", "sLongDate", "MMM d',' yyyy", szPicture, PICTURE_SIZE);
         return;
     }
     const CCURegistry registry(HKEY_CURRENT_USER, "Control Panel\\International");
-    DWORD nSize = 80;
+    DWORD nSize = PICTURE_SIZE;
     if (!version.IsWinNT() || !registry.GetBinary("sLongDate", szPicture, nSize))
         strncpy(szPicture, "MMM d, yyyy", sizeof szPicture);
 }
 
-// Takes one letter from the first place where the name stands in full.
+// Shortens the first `name` ("MMMM" or "dddd") in a picture by one letter.
 CCUString Abbreviated(const CCUString &sPicture, const char *name)
 {
     const int nAt = sPicture.Find(name);
@@ -78,7 +86,7 @@ CCUString LongDatePicture()
 {
     static CCULazyLock s_lock;
     const CCULockGuard guard(s_lock);
-    // Plain characters: destructors of global objects format times, too.
+    // Plain characters, not a string: destructors of global objects format times, too.
     static CPicture s_szPicture;
     if (InterlockedExchange(&s_nTimeFormatChanged, 0))
         ReadLongDatePicture(s_szPicture);
@@ -105,7 +113,8 @@ CCUString ZoneName(const CSource &source)
     if (!source.tzi)
         CUGetCurrentZone(current);
     const TIME_ZONE_INFORMATION &zone = source.tzi ? *source.tzi : current;
-    // The record's names fill 32 characters, and one that is not ours need not end there.
+    // The names in the record have room for 32 characters, and a caller's may fill it without a
+    // NUL.
     WCHAR szName[33] = L"";
     memcpy(szName, source.record->tm_isdst ? zone.DaylightName : zone.StandardName,
            sizeof zone.StandardName);
@@ -121,9 +130,9 @@ struct CCode
     CCUString (*Text)(const CSource &source);
 };
 
-// In the order of expansion.
-const CCode s_codes[] = {{"%x", ShortDate}, {"%lx", LongDate}, {"%sx", AbbreviatedLongDate},
-                         {"%X", TimeOfDay}, {"%Z", ZoneName},  {"%z", ZoneName}};
+// In the order in which they are replaced.
+const CCode CODES[] = {{"%x", ShortDate}, {"%lx", LongDate}, {"%sx", AbbreviatedLongDate},
+                       {"%X", TimeOfDay}, {"%Z", ZoneName},  {"%z", ZoneName}};
 
 bool HasCodes(const char *format)
 {
@@ -152,8 +161,8 @@ char *Append(char *out, const char *text, ptrdiff_t nLength)
     return out + nLength;
 }
 
-// Replaces every `code` that is there now. A text too long to exist becomes empty.
-CCUString ReplaceOnce(const CCUString &sFormat, const char *code, const CCUString &sText)
+// Replaces every `code` that is there now. A result longer than a string can be becomes empty.
+CCUString ReplacePresent(const CCUString &sFormat, const char *code, const CCUString &sText)
 {
     const int nCode = static_cast<int>(strlen(code));
     long long nLength = sFormat.GetLength();
@@ -174,21 +183,24 @@ CCUString ReplaceOnce(const CCUString &sFormat, const char *code, const CCUStrin
     return sResult;
 }
 
-// A percent sign left of a text can make a new code with it, which is replaced in turn. Not where
-// the text has a percent sign of its own: that might never end. Elsewhere 128 rounds are more than
-// strftime's buffer can hold the traces of.
+// Replaces `code` until there is none left: a text may make a new one with the percent sign before
+// it, as "%%Z" does when the zone's name begins with a Z.
 CCUString Replace(CCUString sFormat, const char *code, const CCUString &sText)
 {
-    const int nRounds = sText.Find('%') < 0 ? 128 : 1;
-    for (int i = 0; i < nRounds && sFormat.Find(code) >= 0; ++i)
-        sFormat = ReplaceOnce(sFormat, code, sText);
+    // With a percent sign in the text there might always be a new one, so that is replaced once.
+    const bool bEnds = sText.Find('%') < 0;
+    // Without one, each round leaves fewer percent signs. Formats with thousands of them would take
+    // long, so it stops when the texts that the rounds have put in fill the room for the result.
+    const int nMostRounds = bEnds ? TEXT_SIZE : 1;
+    for (int i = 0; i < nMostRounds && sFormat.Find(code) >= 0; ++i)
+        sFormat = ReplacePresent(sFormat, code, sText);
     return sFormat;
 }
 
 CCUString Expand(const char *format, const CSource &source)
 {
     CCUString sFormat(format);
-    for (const CCode &code : s_codes) {
+    for (const CCode &code : CODES) {
         if (sFormat.Find(code.code) >= 0)
             sFormat = Replace(sFormat, code.code, code.Text(source));
     }
@@ -197,7 +209,7 @@ CCUString Expand(const char *format, const CSource &source)
 
 CCUString RuntimeText(const char *format, const tm &record)
 {
-    char szText[128];
+    char szText[TEXT_SIZE];
     const size_t nLength = strftime(szText, sizeof szText, format, &record);
     return CCUString(szText, static_cast<int>(nLength));
 }

@@ -8,7 +8,7 @@
 
 namespace {
 
-// Where the text of a span grows; what does not fit is dropped.
+// The text of a span while it is put together. What does not fit into its buffer is dropped.
 class CSpanText
 {
 public:
@@ -26,7 +26,8 @@ public:
         for (const char *digit = szNumber; *digit; ++digit)
             Put(*digit);
     }
-    // Checked before each character of the format. 0: go on.
+    // To be called before each character of the format. Reports a full buffer; returns the report's
+    // answer, 0 to go on.
     int CheckRoom()
     {
         m_bReported = m_bReported || pch == &szBuffer[128];
@@ -34,14 +35,14 @@ public:
     }
     CCUString Text()
     {
-        // Cut within the last code's text, after the last check.
+        // Where the last code's text did not fit, no check has come after it.
         if (m_bCut && !m_bReported)
             CheckRoom();
         return CCUString(szBuffer, static_cast<int>(pch - szBuffer));
     }
 
 private:
-    // Named as in the reported text.
+    // These two are named so because the report quotes them.
     char szBuffer[128];
     char *pch = szBuffer;
     bool m_bCut = false;

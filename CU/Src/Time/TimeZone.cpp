@@ -1,3 +1,6 @@
+// Time zones: when daylight time begins and ends, and what a zone's clocks show. Every year
+// divisible by 4 is a leap year here. Years are counted since 1900, as in tm.
+
 #include "Time/TimeZone.h"
 
 #include <string.h>
@@ -7,16 +10,20 @@
 
 namespace {
 
-// Days before each month, less one: plus a day of the month, the day of the year from 0. Entry n is
-// also the last day of the n-th month, counted from 1.
-typedef short CDaysOfYear[13];
-const CDaysOfYear s_commonYear = {-1, 30, 58, 89, 119, 150, 180, 211, 242, 272, 303, 333, 364};
-const CDaysOfYear s_leapYear = {-1, 30, 59, 90, 120, 151, 181, 212, 243, 273, 304, 334, 365};
+const long SECONDS_PER_DAY = 86400;
+const long MILLISECONDS_PER_DAY = 86400000;
+const long DAYS_IN_FOUR_YEARS = 1461;
+const WORD LAST_OF_MONTH = 5;  // in a rule's wDay: the fifth such weekday, or the last
 
-// Years are counted since 1900 here, as in tm.
+// For months from 0: the day of the year, from 0, of the last day before the month. So entry n is
+// also that of the last day of month n counted from 1, and a day of the month is added to an entry.
+typedef short CDaysOfYear[13];
+const CDaysOfYear COMMON_YEAR = {-1, 30, 58, 89, 119, 150, 180, 211, 242, 272, 303, 333, 364};
+const CDaysOfYear LEAP_YEAR = {-1, 30, 59, 90, 120, 151, 181, 212, 243, 273, 304, 334, 365};
+
 const CDaysOfYear &DaysOfYear(long nYear)
 {
-    return (nYear & 3) == 0 ? s_leapYear : s_commonYear;
+    return (nYear & 3) == 0 ? LEAP_YEAR : COMMON_YEAR;
 }
 
 struct CTransitions
@@ -25,20 +32,31 @@ struct CTransitions
     CUTimeOfYear end;    // out of it, expressed in standard time
 };
 
-// The day of a rule whose month is 1..12. Nonsense in its other fields only makes a nonsense day.
+// The weekday (0 is Sunday) of a day of the year, by the number of days since 1900. Number 25563 is
+// a Sunday, 28 December 1969. Before it the result is negative or 0: transitions depend on that.
+long Weekday(long nYear, long nDay)
+{
+    const long nLeapDays = CUWrapSub(nYear, 1) >> 2;
+    const long nDaysSince1900 = CUWrapAdd(CUWrapMul(365, nYear), nDay + nLeapDays);
+    return CUWrapSub(nDaysSince1900, 25563) % 7;
+}
+
+// The day of the year on which a rule applies. Its month is 1..12; nonsense in its other fields
+// only makes a nonsense day.
 long TransitionDay(long nYear, const SYSTEMTIME &rule)
 {
     const CDaysOfYear &days = DaysOfYear(nYear);
-    if (rule.wYear != 0)
+    const bool bIsDate = rule.wYear != 0;
+    if (bIsDate)
         return days[rule.wMonth - 1] + rule.wDay;
+    // Otherwise it is the n-th of a weekday in its month, with n in wDay.
     const long nFirst = days[rule.wMonth - 1] + 1;
-    const long nDaysBefore = CUWrapAdd(CUWrapMul(365, nYear), nFirst + (CUWrapSub(nYear, 1) >> 2));
-    const long nFirstWeekday = CUWrapSub(nDaysBefore, 25563) % 7;
+    const long nLast = days[rule.wMonth];
+    const long nFirstWeekday = Weekday(nYear, nFirst);
     long nDay = nFirst + 7 * rule.wDay + rule.wDayOfWeek - nFirstWeekday;
     if (nFirstWeekday <= rule.wDayOfWeek)
         nDay -= 7;
-    // The fifth one means the last.
-    if (rule.wDay == 5 && nDay > days[rule.wMonth])
+    if (rule.wDay == LAST_OF_MONTH && nDay > nLast)
         nDay -= 7;
     return nDay;
 }
@@ -53,12 +71,12 @@ CUTimeOfYear EndOfDaylight(long nYear, const SYSTEMTIME &rule, LONG nDaylightBia
 {
     long nMilliseconds = CUMilliseconds(rule.wHour, CUWrapAdd(rule.wMinute, nDaylightBias),
                                         rule.wSecond, rule.wMilliseconds);
-    // The day does not follow when the time moves over midnight, and the step is a day less one
-    // millisecond: results depend on both.
+    // Over midnight the time comes back into the day by one millisecond less than a day, and the
+    // day stays: results depend on both.
     if (nMilliseconds < 0)
-        nMilliseconds += 86399999;
-    else if (nMilliseconds >= 86400000)
-        nMilliseconds -= 86399999;
+        nMilliseconds += MILLISECONDS_PER_DAY - 1;
+    else if (nMilliseconds >= MILLISECONDS_PER_DAY)
+        nMilliseconds -= MILLISECONDS_PER_DAY - 1;
     return {nYear, TransitionDay(nYear, rule), nMilliseconds};
 }
 
@@ -68,7 +86,7 @@ CTransitions ComputeTransitions(const TIME_ZONE_INFORMATION &zone, long nYear)
             EndOfDaylight(nYear, zone.StandardDate, zone.DaylightBias)};
 }
 
-// The transitions of the zone and year asked for last.
+// Keeps the transitions of the zone and year asked for last.
 CTransitions GetTransitions(const TIME_ZONE_INFORMATION &zone, long nYear)
 {
     static volatile LONG s_nLock;
@@ -91,15 +109,18 @@ bool IsMonth(WORD wMonth)
     return wMonth >= 1 && wMonth <= 12;
 }
 
-// Cheaper than gmtime, whose other fields no rule asks for. From 1970 to 2038 every year divisible
-// by 4 is a leap year, and four years from a leap year on have 1461 days; 1968 is one.
+// In UTC, for nTime from 0 on. Cheaper than gmtime, which breaks down the month and weekday, too.
+// Days are counted from 1 January 1968 on, a leap year as is every fourth year up to 2038.
 CUTimeOfYear ToTimeOfYear(long nTime)
 {
-    const long nDays = nTime / 86400 + 731;
-    const long nDayInFour = nDays % 1461;
-    const long nYearInFour = nDayInFour < 366 ? 0 : (nDayInFour - 1) / 365;
-    const long nDay = nYearInFour == 0 ? nDayInFour : nDayInFour - 1 - nYearInFour * 365;
-    return {68 + nDays / 1461 * 4 + nYearInFour, nDay, nTime % 86400 * 1000};
+    const long nDaysSince1968 = nTime / SECONDS_PER_DAY + 366 + 365;
+    const long nLeapYear = 68 + nDaysSince1968 / DAYS_IN_FOUR_YEARS * 4;
+    const long nDay = nDaysSince1968 % DAYS_IN_FOUR_YEARS;
+    const long nMilliseconds = nTime % SECONDS_PER_DAY * 1000;
+    if (nDay < 366)
+        return {nLeapYear, nDay, nMilliseconds};
+    const long nLaterDay = nDay - 366;
+    return {nLeapYear + 1 + nLaterDay / 365, nLaterDay % 365, nMilliseconds};
 }
 
 }  // namespace
@@ -126,8 +147,7 @@ DWORD CUGetCurrentZone(TIME_ZONE_INFORMATION &zone)
 
 bool CUIsDaylightTime(const TIME_ZONE_INFORMATION &zone, const CUTimeOfYear &time)
 {
-    // A month of 0 is how a zone says that it has no daylight time; a rule in a month that does
-    // not exist never comes into force either.
+    // A zone without daylight time has a month of 0; a month that does not exist is taken alike.
     if (!IsMonth(zone.DaylightDate.wMonth) || !IsMonth(zone.StandardDate.wMonth))
         return false;
     const CTransitions transitions = GetTransitions(zone, time.nYear);

@@ -2,11 +2,11 @@
 
 #include "CU/Platform.h"
 
-// The answer of GetTimeZoneInformation, which costs several times a conversion and is therefore
-// asked for once in a tick of GetTickCount.
+// As GetTimeZoneInformation, which takes several times as long as a conversion and is therefore
+// called at most once in a tick of GetTickCount.
 DWORD CUGetCurrentZone(TIME_ZONE_INFORMATION &zone);
 
-// A time of the year as zones' rules see it.
+// A moment in a year, as the rules of zones have it.
 struct CUTimeOfYear
 {
     long nYear;          // since 1900

@@ -1,7 +1,9 @@
+// What every timer needs. Every window is one, and most never arm: the rest is in TimerTask.cpp,
+// which is only linked into programs that arm a timer.
+
 #include "CU/Timer.h"
 
-// Every window is a timer, and most never arm: set by the first arming, this keeps the timer task
-// out of programs that have none.
+// Set by the first arming.
 void (*CCUTimer::s_forget)(CCUTimer *pTimer) = nullptr;
 
 CCUTimer::~CCUTimer()

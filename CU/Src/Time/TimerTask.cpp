@@ -17,12 +17,28 @@
 
 namespace {
 
-const char s_szClass[] = "CCUTimerTask";
-const UINT s_uStartTimer = 1;
-const UINT s_nStartTick = 500;                 // ms
-const long s_nLongestWait = 60000;             // ms
-const long s_nPassTime = 100;                  // ms, so that input stays responsive
-const unsigned long s_uFurthest = 0x3FFFFFFF;  // ms, some 12 days
+// How a task hears that its first timer is due. It is always in one of four states:
+//
+// none           Nothing comes: no timer is armed, or the system had no notification to give.
+// start-up tick  The window's WM_TIMER comes, once, half a second after the window was made
+//                (m_uStartTick). A first timer that is due later waits for it, and only then asks.
+// real           A multimedia timer runs until the first timer is due (m_uTimerID); its callback
+//                posts the message "TimerTaskReal".
+// mock           The first timer is due already: the message "TimerTaskMock" is posted at once
+//                (m_bMockTimerSet).
+//
+// A message that comes too early, or for a timer that was disarmed, does no harm: it serves what is
+// due and asks for the next.
+
+const char CLASS_NAME[] = "CCUTimerTask";
+const UINT START_TIMER = 1;
+const UINT START_TICK = 500;                     // ms
+const long LONGEST_WAIT = 60000;                 // ms
+const UINT RESOLUTION = 2;                       // ms
+const long PASS_TIME = 100;                      // ms, so that input stays responsive
+const unsigned long LONGEST_ALARM = 0x3FFFFFFF;  // ms, some 12 days
+const long MOST_SERVED = 200;                    // the debug switches' values where they are 0
+const long MOST_TIME = 1000;                     // ms
 
 CCULazyLock s_lock;
 CCUTimerTask *s_pFirstTask = nullptr;  // guarded by the lock
@@ -45,9 +61,29 @@ long Difference(unsigned long a, unsigned long b)
     return static_cast<long>(a - b);
 }
 
+bool IsLater(unsigned long uTime, unsigned long uThan)
+{
+    return Difference(uTime, uThan) > 0;
+}
+
+// A time for a member in which 0 means that there is none.
 unsigned long Stamp(unsigned long uTime)
 {
-    return uTime ? uTime : 1;  // 0 has another meaning
+    return uTime ? uTime : 1;
+}
+
+// When a timer that is armed at uNow is due. pPassStart: when the pass began from within which it
+// is armed, null outside of one.
+unsigned long DueTime(unsigned long uNow, long nDelay, const unsigned long *pPassStart)
+{
+    unsigned long uDue = uNow + static_cast<unsigned long>(nDelay);
+    // A pass serves all that is due when it begins. What is armed in it waits for a later one: a
+    // timer that keeps arming itself with 0 would otherwise be served until the clock ticks.
+    const bool bDueInThisPass = pPassStart && !IsLater(uDue, *pPassStart);
+    // With a delay above 0 the clock has come around: that is meant for "never".
+    if (bDueInThisPass)
+        uDue = *pPassStart + (nDelay > 0 ? LONGEST_ALARM : 1);
+    return Stamp(uDue);
 }
 
 long Threshold(CCUDebugSwitch &debugSwitch, long nDefault)
@@ -94,14 +130,15 @@ void DumpProcessInfo()
            reinterpret_cast<unsigned long>(pClass));
 }
 
-// Runs on the system's timer thread, which owns nothing here: the message does the rest.
+// Runs on the system's timer thread: all else is done where the message arrives.
 void CALLBACK OnMultimediaTimer(UINT uTimerID, UINT, DWORD_PTR hWnd, DWORD_PTR, DWORD_PTR)
 {
     if (uTimerID != 0)
         PostMessageA(reinterpret_cast<HWND>(hWnd), s_uReal, uTimerID, 0);
 }
 
-// The window is ours alone: where the system has no number left, one of its class's will do.
+// Where the system has no number left to register, one that is private to the window's class will
+// do: nobody else sends to this window.
 UINT MessageId(const char *name, UINT uPrivate)
 {
     const UINT uMessage = CURegisterMessageId(name);
@@ -116,7 +153,7 @@ void RegisterTaskClass(WNDPROC windowProc)
     wndClass.hInstance = CUInstance();
     wndClass.hCursor = LoadCursorA(nullptr, IDC_ARROW);
     wndClass.hbrBackground = static_cast<HBRUSH>(GetStockObject(WHITE_BRUSH));
-    wndClass.lpszClassName = s_szClass;
+    wndClass.lpszClassName = CLASS_NAME;
     if (RegisterClassA(&wndClass))
         return;
     const DWORD dwError = GetLastError();
@@ -131,15 +168,39 @@ void EndTimers()
     if (CCUTimerTask *pTask = CurrentTask())
         pTask->OnThreadExit(true);
     CUShutdown();
-    if (UnregisterClassA(s_szClass, CUInstance()))
+    if (UnregisterClassA(CLASS_NAME, CUInstance()))
         return;
     char szText[128];
-    wsprintfA(szText, "CCUTimerTask unable to unregister class %s - gle: %d\n", s_szClass,
+    wsprintfA(szText, "CCUTimerTask unable to unregister class %s - gle: %d\n", CLASS_NAME,
               GetLastError());
     OutputDebugStringA(szText);
 }
 
 }  // namespace
+
+// The arming of a timer stands here, so that a program which arms none is linked without all this:
+// that saves it 1,000 bytes and the making of three debug switches at its start.
+
+void CCUTimer::SetAlarm(long nMilliseconds)
+{
+    if (CCUTimerTask *pTask = CCUTimerTask::GetThreadTimerTask())
+        pTask->SetAlarm(this, nMilliseconds);
+}
+
+void CCUTimer::SetAlarmIfEarlier(long nMilliseconds)
+{
+    const bool bDueByThen = m_uAlarm != 0 && Difference(m_uAlarm, CUGetTime()) <= nMilliseconds;
+    if (!bDueByThen)
+        SetAlarm(nMilliseconds);
+}
+
+void CCUTimer::KillAlarm()
+{
+    if (m_uAlarm == 0)
+        return;
+    if (CCUTimerTask *pTask = CCUTimerTask::GetThreadTimerTask())
+        pTask->KillAlarm(this);
+}
 
 CCUTimerTask *CCUTimerTask::GetThreadTimerTask()
 {
@@ -148,7 +209,7 @@ CCUTimerTask *CCUTimerTask::GetThreadTimerTask()
     CCUTimerTask *pTask = CurrentTask();
     if (!pTask) {
         pTask = new CCUTimerTask;
-        // Nobody would find it again, to serve it or to take a dead timer out of it, or to end it.
+        // Without a slot nobody would find the task again; without the notice it would never end.
         if (!CUSetThreadLocalStorage(s_nSlot, pTask) || !CURegisterThreadExitHandler(pTask)) {
             delete pTask;
             return nullptr;
@@ -188,24 +249,21 @@ void CCUTimerTask::SetAlarm(CCUTimer *pTimer, long nMilliseconds)
     const unsigned long uNow = CUGetTime();
     if (pTimer->m_uAlarm != 0)
         KillAlarm(pTimer);
-    unsigned long uAlarm = uNow + static_cast<unsigned long>(nMilliseconds);
-    // Armed from within TimeOut, it is for a later pass: one that keeps arming itself with 0 would
-    // otherwise be served until the clock ticks, and one that arms itself for "never" without end.
-    if (m_pPassStart && Difference(uAlarm, *m_pPassStart) <= 0)
-        uAlarm = *m_pPassStart + (nMilliseconds > 0 ? s_uFurthest : 1);
-    uAlarm = Stamp(uAlarm);
+    const unsigned long uAlarm = DueTime(uNow, nMilliseconds, m_pPassStart);
     pTimer->m_uAlarm = uAlarm;
 
+    // Behind all timers that are due no later.
     CCUTimer **link = &m_pFirst;
     unsigned long uCounter = 0;
-    while (*link && Difference((*link)->m_uAlarm, uAlarm) <= 0) {
+    while (*link && !IsLater((*link)->m_uAlarm, uAlarm)) {
         CU_ASSERT(++uCounter <= m_uListLength);
         link = &(*link)->m_pNext;
     }
     pTimer->m_pNext = *link;
     *link = pTimer;
     ++m_uListLength;
-    if (link == &m_pFirst)
+    const bool bFirst = link == &m_pFirst;
+    if (bFirst)
         ResetTimer();
 }
 
@@ -222,7 +280,7 @@ void CCUTimerTask::KillAlarm(CCUTimer *pTimer)
     pTimer->m_uAlarm = 0;
 }
 
-// The notification stays: when it comes for a timer that is gone, the pass asks for the next.
+// Does not ask for another notification: the one for a timer that is gone does no harm.
 bool CCUTimerTask::Unlink(const CCUTimer *pTimer)
 {
     CCUTimer **link = &m_pFirst;
@@ -247,27 +305,29 @@ void CCUTimerTask::Forget(CCUTimer *pTimer)
         --pTask->m_uListLength;
 }
 
+// Leaves the state "real" for none, then goes to the state that the first timer asks for.
 void CCUTimerTask::ResetTimer()
 {
     if (CUIsShutdown() || !m_hWnd)
         return;
     if (m_uTimerID != 0)
         CancelNotification();
-    // Already pending, or asked for by a handler that the cancelling has let in: it will come.
-    if (m_uTimerID != 0 || m_bMockTimerSet)
+    // Real only where a handler that the cancelling has let in has asked anew.
+    const bool bRealOrMock = m_uTimerID != 0 || m_bMockTimerSet;
+    if (bRealOrMock || !m_pFirst)
         return;
-    if (!m_pFirst)
+    const bool bStartTickIsSooner = m_uStartTick != 0 && IsLater(m_pFirst->m_uAlarm, m_uStartTick);
+    if (bStartTickIsSooner)
         return;
-    if (m_uStartTick != 0 && Difference(m_pFirst->m_uAlarm, m_uStartTick) > 0)
-        return;  // window timer 1 will ask
     const long nDelay = Difference(m_pFirst->m_uAlarm, CUGetTime());
     CU_ASSERT_TEXT(!m_bMockTimerSet && m_uTimerID == 0, "! m_bMockTimerSet && m_uTimerID == 0");
     if (nDelay > 0)
-        StartMultimediaTimer(nDelay < s_nLongestWait ? nDelay : s_nLongestWait);
+        StartMultimediaTimer(nDelay < LONGEST_WAIT ? nDelay : LONGEST_WAIT);
     else
         PostMock();
 }
 
+// From real to none, the message that may be in the queue already included.
 void CCUTimerTask::CancelNotification()
 {
     const bool bKilled = g_multimedia.killEvent(m_uTimerID) == TIMERR_NOERROR;
@@ -278,19 +338,19 @@ void CCUTimerTask::CancelNotification()
         CUDump(">>> CCUTimerTask::ResetTimer Failed to remove pending timer message.\n");
 }
 
-// Messages that other threads have sent are served in here.
+// PeekMessage serves messages that other threads have sent: their handlers may arm timers.
 bool CCUTimerTask::RemoveRealMessage()
 {
     MSG msg;
     if (!PeekMessageA(&msg, m_hWnd, s_uReal, s_uReal, PM_REMOVE))
         return false;
     if (msg.message != WM_QUIT) {
-        // It may be that of a notification which such a message has asked for.
+        // The message removed may belong to a multimedia timer that such a handler has started.
         if (msg.wParam == m_uTimerID)
             m_uTimerID = 0;
         return true;
     }
-    // No filter keeps WM_QUIT out; it is the message loop's.
+    // PeekMessage gives WM_QUIT whatever the filter. It is for the message loop.
     PostQuitMessage(static_cast<int>(msg.wParam));
     return false;
 }
@@ -300,7 +360,7 @@ void CCUTimerTask::StartMultimediaTimer(long nDelay)
     g_bMultimediaInUse = true;
     const LPTIMECALLBACK callback =
         CUModuleTimerCallback ? CUModuleTimerCallback(s_uReal) : OnMultimediaTimer;
-    m_uTimerID = g_multimedia.setEvent(static_cast<UINT>(nDelay), 2, callback,
+    m_uTimerID = g_multimedia.setEvent(static_cast<UINT>(nDelay), RESOLUTION, callback,
                                        reinterpret_cast<DWORD_PTR>(m_hWnd), TIME_ONESHOT);
     if (m_uTimerID != 0)
         ++m_nPending;
@@ -319,20 +379,20 @@ void CCUTimerTask::PostMock()
 
 void CCUTimerTask::MakeWindow()
 {
-    m_hWnd = CreateWindowExA(0, s_szClass, s_szClass, 0, 0, 0, 32, 32, nullptr, nullptr,
+    m_hWnd = CreateWindowExA(0, CLASS_NAME, CLASS_NAME, 0, 0, 0, 32, 32, nullptr, nullptr,
                              CUInstance(), nullptr);
     CU_ASSERT(m_hWnd);
     if (!m_hWnd)
         return;  // the next arming tries again
     // The class may be from an earlier load of a module, without that one's procedure.
     SetWindowLongA(m_hWnd, GWL_WNDPROC, reinterpret_cast<LONG>(WindowProc));
-    // What an earlier window, destroyed by somebody else, was to receive died with it.
+    // Where somebody else has destroyed an earlier window, its mock message is gone with it.
     if (m_bMockTimerSet) {
         m_bMockTimerSet = FALSE;
         --m_nPending;
     }
-    const UINT_PTR nTimer = SetTimer(m_hWnd, s_uStartTimer, s_nStartTick, nullptr);
-    m_uStartTick = nTimer ? Stamp(CUGetTime() + s_nStartTick) : 0;
+    const UINT_PTR nTimer = SetTimer(m_hWnd, START_TIMER, START_TICK, nullptr);
+    m_uStartTick = nTimer ? Stamp(CUGetTime() + START_TICK) : 0;
 }
 
 LRESULT CALLBACK CCUTimerTask::WindowProc(HWND hWnd, UINT uMessage, WPARAM wParam, LPARAM lParam)
@@ -362,7 +422,7 @@ bool CCUTimerTask::OnMessage(UINT uMessage)
     }
     if (uMessage == WM_TIMER) {
         m_uStartTick = 0;
-        KillTimer(m_hWnd, s_uStartTimer);
+        KillTimer(m_hWnd, START_TIMER);
         ResetTimer();
         return true;
     }
@@ -374,14 +434,14 @@ bool CCUTimerTask::OnMessage(UINT uMessage)
 void CCUTimerTask::ServeTimers()
 {
     const unsigned long uStart = CUGetTime();
-    const long nCountLimit = Threshold(s_countThreshold, 200);
-    const long nTimeLimit = Threshold(s_timeThreshold, 1000);
-    // A modal loop in a TimeOut runs passes within this one.
+    const long nCountLimit = Threshold(s_countThreshold, MOST_SERVED);
+    const long nTimeLimit = Threshold(s_timeThreshold, MOST_TIME);
+    // A modal loop in a TimeOut may run another pass within this one.
     const unsigned long *const pOuterStart = m_pPassStart;
     m_pPassStart = &uStart;
     long nServed = 0;
     long nElapsed = 0;
-    while (m_pFirst && Difference(m_pFirst->m_uAlarm, uStart) <= 0 && nElapsed < s_nPassTime) {
+    while (m_pFirst && !IsLater(m_pFirst->m_uAlarm, uStart) && nElapsed < PASS_TIME) {
         CCUTimer *const pTimer = m_pFirst;
         m_pFirst = pTimer->m_pNext;
         --m_uListLength;
@@ -389,7 +449,7 @@ void CCUTimerTask::ServeTimers()
         pTimer->m_pNext = nullptr;
         ++nServed;
 
-        // The object may delete itself, so its class is asked for before.
+        // TimeOut may delete the timer, so its class is read before.
         const void *const pClass = ClassOf(pTimer);
         const unsigned long uBefore = CUGetTime();
         pTimer->TimeOut(static_cast<long>(uStart));
@@ -399,7 +459,7 @@ void CCUTimerTask::ServeTimers()
         if (s_debug.Get() > 0 && (nServed > nCountLimit || nTook > nTimeLimit))
             TraceTimeOut(pTimer, uBefore, uAfter);
         if (CurrentTask() != this)
-            return;  // it has ended this task, and with it this object
+            return;  // TimeOut has ended this task: the object is deleted
         nElapsed = Difference(uAfter, uStart);
     }
     m_pPassStart = pOuterStart;
@@ -442,7 +502,7 @@ CCUTimerTask::~CCUTimerTask()
         pTimer->m_uAlarm = 0;
     }
     if (m_hWnd) {
-        KillTimer(m_hWnd, s_uStartTimer);
+        KillTimer(m_hWnd, START_TIMER);
         DestroyWindow(m_hWnd);
         if (m_hWnd) {
             CUDump("Failed to destroy CCUTimerTask window for thread %lx\n", GetCurrentThreadId());
@@ -472,5 +532,5 @@ void CUUnloadTimers(CUUnloadPhase phase)
         CUSetThreadLocalStorage(s_nSlot, pOwn == pTask ? nullptr : pOwn);
     }
     if (phase == CUUnloadRest)
-        UnregisterClassA(s_szClass, CUInstance());
+        UnregisterClassA(CLASS_NAME, CUInstance());
 }
