@@ -2,7 +2,7 @@
 
 #include "CU/Assert.h"
 #include "CUI/Data.h"
-#include "Control/ControlList.h"
+#include "Dialog/ControlList.h"
 
 #define CU_SOURCE "Dialog"
 

@@ -2,7 +2,7 @@
 
 #include "CU/Dump.h"
 #include "CUI/Dialog.h"
-#include "Control/ControlList.h"
+#include "Dialog/ControlList.h"
 
 #include <commctrl.h>  // needs windows.h before it
 
