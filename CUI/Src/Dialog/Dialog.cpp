@@ -270,7 +270,7 @@ bool CCUIDialog::DisableOwner()
     m_bOwnerDisabled = true;
     EnableWindow(hOwner, FALSE);
     if (watch.IsGone() || m_hRunOwner != hOwner) {
-        // It was given back before it was quite disabled.
+        // A handler of its own ended the run, which gave it back before it was disabled.
         EnableWindow(hOwner, TRUE);
         return false;
     }
@@ -278,8 +278,8 @@ bool CCUIDialog::DisableOwner()
     return true;
 }
 
-// Enabled before the dialog goes: the system activates the next window, and must be able to choose
-// the owner.
+// The owner is enabled while the dialog still has its window: when that goes, the system activates
+// the next window that is enabled, which is to be the owner.
 void CCUIDialog::GiveOwnerBack()
 {
     const HWND hOwner = m_hRunOwner;
@@ -301,7 +301,7 @@ void CCUIDialog::GiveOwnerBack()
 
 // --- Messages ---
 
-// Every message goes through the object; nothing is left for the procedure that Win32 asks for.
+// Win32 wants one, but every message goes to the object, which leaves nothing for it.
 INT_PTR CALLBACK CCUIDialog::DialogProc(HWND, UINT, WPARAM, LPARAM)
 {
     return FALSE;
@@ -349,7 +349,7 @@ BOOL CALLBACK CCUIDialog::VisitChild(HWND hChild, LPARAM lParam)
     const int nID = GetDlgCtrlID(hChild);
     if (dialog.GetAutoMakeDirty() && nID > 0)
         dialog.RegisterControl(hChild, static_cast<unsigned>(nID), DialogControlAuto);
-    // To visit a child costs a call to the system.
+    // Every further child costs calls to the system: the walk ends when nothing is left to find.
     return dialog.GetAutoMakeDirty() || !dialog.m_hFirstControl;
 }
 
@@ -376,9 +376,10 @@ void CCUIDialog::OnDestroy()
     CCUIWindow::OnDestroy();
 }
 
-// The end may come to a loop that waits, sent by another thread: what is posted to the window is
-// lost with it, so the thread itself is woken. A loop that handles a message looks by itself, but
-// inside a message that was sent it may have taken what was to wake the loop around it.
+// The run is over; makes its loop notice. A loop that handles a message looks by itself afterwards.
+// But one that waits does not, when the end comes in a message that another thread sent. Nor does
+// one around a message that was sent, when a loop inside has taken what was posted to wake it. What
+// is posted to the window is lost with the window, so the message goes to the thread.
 void CCUIDialog::WakeLoop() const
 {
     if ((m_pAwaited && m_pAwaited->message == NoMessage) || InSendMessage())

@@ -56,7 +56,7 @@ CCUIWindow::CCUIWindow()
 CCUIWindow::~CCUIWindow()
 {
     m_bDead = 1;
-    // A window made later must not be bound to what is gone.
+    // The thread's next window must not be bound to an object that is gone.
     CUIWindowThread::StopWaiting(this);
     if (Exist() && CUILeadsTo(m_hWnd, this)) {
         CUDump("Destroying Window in ~CCUIWindow.\n");
@@ -143,7 +143,7 @@ int CCUIWindow::SendMessageToDescendants(HWND hWnd, UINT message, WPARAM wParam,
 {
     if (!IsWindow(hWnd))
         return 0;
-    // The system's own list: a walk from sibling to sibling has no end when they change places.
+    // Not a walk from sibling to sibling: it may have no end where windows change places meanwhile.
     const CSending sending = {message, wParam, lParam, pnSent};
     EnumChildWindows(hWnd, SendToDescendant, reinterpret_cast<LPARAM>(&sending));
     return 1;

@@ -12,8 +12,8 @@
 
 namespace {
 
-// A property of windows that are bound no more but have our procedure below somebody else's. It
-// goes with its window: another window that gets the same handle later does not have it.
+// A property of windows to which no object is bound any more but which have our procedure below
+// somebody else's. It goes with the window: another one that gets the same handle does not have it.
 const char IN_CHAIN[] = "kvxCCUIWindow-chain";
 
 // The property that holds a window's object, with the process in its name: a window's properties
@@ -21,7 +21,8 @@ const char IN_CHAIN[] = "kvxCCUIWindow-chain";
 const char *PropertyName()
 {
     const CCUMutexGuard guard;
-    // The characters alone: windows that are globals ask for it on their way out.
+    // Not a CCUString: windows that are globals ask for it in their destructors, and by then it
+    // might be destroyed.
     static char s_szName[32];
     if (!*s_szName)
         wsprintfA(s_szName, "kvxCCUIWindow-%d", GetCurrentProcessId());

@@ -11,7 +11,7 @@ const unsigned FIRST_BITS = 6;
 CUIWindowSlot s_firstSlots[1u << FIRST_BITS];
 CUIWindowTable s_first = {(1u << FIRST_BITS) - 1, 32 - FIRST_BITS, s_firstSlots, nullptr};
 
-unsigned s_nUsed;  // slots; under the lock
+unsigned s_nUsed;  // slots with a handle; under the lock
 std::atomic<int> s_nLock;
 
 // A change: has the lock, and tells readers that they cannot trust what they see.
@@ -55,8 +55,8 @@ CUIWindowTable *NewTable(unsigned nBits)
     return pTable;
 }
 
-// Twice the slots. The old table stays for readers that are still in it: all the old tables of a
-// process together are smaller than its last one.
+// A table of twice the size takes over. The old one stays, for readers that are still in it: all
+// old tables together are smaller than the new one.
 void Grow(const CUIWindowTable &old)
 {
     CUIWindowTable *const pNew = NewTable(32 - old.nShift + 1);
