@@ -168,15 +168,10 @@ private:
         ModeModal,
         ModeModeless
     };
+    class CRun;
 
     static INT_PTR CALLBACK DialogProc(HWND hWnd, UINT message, WPARAM wParam, LPARAM lParam);
     static BOOL CALLBACK VisitChild(HWND hChild, LPARAM lParam);
-    void BeginRun(Mode mode);
-    bool RefusesRun();
-    bool TakeOwner(CCUIWindow *pParent);
-    HWND FindOwner(CCUIWindow *pParent);
-    HWND Start(const DLGTEMPLATE *pTemplate, HWND hOwner);
-    void Abandon();
     void MakeBrush();
     bool DisableOwner();
     void GiveOwnerBack();
@@ -194,7 +189,7 @@ protected:
 private:
     const char *m_templateName;
     Mode m_mode;
-    int m_nResult;
+    CRun *m_pRun;  // the innermost that a function is busy with; null: none
     bool m_bDataValid;
     bool m_bAutoMakeDirty;
     bool m_bDirty;

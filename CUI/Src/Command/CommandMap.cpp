@@ -14,7 +14,7 @@
 namespace {
 
 const size_t ENTRY_SIZE = sizeof(void *);
-// Tables of half the address space are not to be had.
+// No block of memory is as large as half the address space.
 const unsigned long long MOST_ENTRIES = 0x7FFF0000 / ENTRY_SIZE;
 
 // The states whose commands are refreshed by somebody else, or not at all.
@@ -81,7 +81,7 @@ CCUICommandHandler *CCUICommandMap::Override(unsigned int nID, CCUICommandHandle
 
 void CCUICommandMap::IdleUpdate()
 {
-    // Not This: a program without commands needs no tables to find that out.
+    // Not This(), which makes the tables: a program without commands needs none.
     s_this._IdleUpdate();
 }
 
@@ -115,7 +115,8 @@ bool CCUICommandMap::Cover(int nMap, int nIndex, unsigned int nRange)
         return false;
     const int nSteps = (static_cast<int>(nEntries) + m_nGrowBy - 1) / m_nGrowBy;
     const int nLength = nSteps * m_nGrowBy;
-    // Not with operator new, which does not come back without memory: odd identifiers ask for much.
+    // Not with operator new, which ends the program where there is no memory: a handler with a very
+    // high identifier asks for gigabytes.
     void *pNew = calloc(static_cast<size_t>(nLength), ENTRY_SIZE);
     if (!pNew)
         return false;
@@ -181,8 +182,9 @@ CCUICommandHandler *CCUICommandMap::_Override(unsigned int nID, CCUICommandHandl
     return pPrevious;
 }
 
-// Here rather than with the other defaults: where the compiler sees it, the pass below compares
-// pointers to find out that a handler does not override it, and makes no call.
+// Here, and not in CommandHandler.cpp with the other defaults, so that the compiler knows it in the
+// pass below: where a handler does not override it, the pass compares two pointers and calls
+// nothing.
 unsigned short CCUICommandHandler::GetState(unsigned int)
 {
     return CUI_COMMAND_ACTIVE;

@@ -8,7 +8,7 @@
 
 namespace {
 
-// The characters alone: the string dies before control windows that are globals.
+// Not g_sControlWindowProp, which may be destroyed before control windows that are globals.
 const char PROPERTY[] = "pzl-ControlWindow";
 
 const int DEFAULT_FIXED_SIZE = 20;
@@ -51,8 +51,8 @@ CCUIControlWindow::CCUIControlWindow()
 {
 }
 
-// The window may go on without the object: after Detach, and in the base's destructor, where
-// OnDestroy is no longer the one above.
+// The property must not lead to an object that is gone. OnDestroy takes it away, but not from a
+// window that was detached, nor when the base's destructor destroys the window.
 CCUIControlWindow::~CCUIControlWindow()
 {
     if (GetPropA(m_hPropertyOwner, PROPERTY) == &m_propData)
@@ -159,7 +159,9 @@ void CCUIControlWindow::SetFullScreen(int bFull)
     if (bFull == m_propData.bFullScreen || !Exist())
         return;
     m_propData.bFullScreen = bFull;
-    // Half a transition leaves no placement to go back to: the one under way is finished first.
+    // Asked for by a handler during a transition: that is finished first, since the placement to go
+    // back to is not complete before. The loop below, further up on the stack, then goes on with
+    // the other one.
     if (m_bSwitching)
         return;
     CWatch watch(this);
@@ -171,13 +173,14 @@ void CCUIControlWindow::SetFullScreen(int bFull)
         ShowWindow(hWnd, SW_HIDE);
         if (watch.IsGone())
             return;
-        if (bReached ? !EnterFullScreen(hWnd) : !LeaveFullScreen(hWnd))
+        const bool bStands = bReached ? EnterFullScreen(hWnd) : LeaveFullScreen(hWnd);
+        if (!bStands)
             return;
     }
     m_bSwitching = 0;
 }
 
-// Both transitions answer false when the object did not survive them.
+// Both transitions answer false when a handler has deleted the object.
 bool CCUIControlWindow::EnterFullScreen(HWND hWnd)
 {
     CWatch watch(this);
@@ -215,8 +218,8 @@ bool CCUIControlWindow::LeaveFullScreen(HWND hWnd)
     SetParent(hWnd, hParent);
     if (watch.IsGone() || !TellCallback("OutOfFullScreen"))
         return false;
-    // A window that was the uppermost, or whose predecessor has gone, becomes the uppermost. Only
-    // this call takes WS_EX_TOPMOST off; behind a predecessor the system does it by itself.
+    // A window that was the uppermost, or whose predecessor has gone elsewhere, becomes the
+    // uppermost, but no longer a topmost one. Behind a predecessor the system sees to that itself.
     HWND hFocus = m_hSavedFocus;
     HWND hAfter = GetParent(m_hSavedPredecessor) == hParent ? m_hSavedPredecessor : HWND_NOTOPMOST;
     SetWindowPos(hWnd, hAfter, m_rcSaved.left, m_rcSaved.top, m_rcSaved.right - m_rcSaved.left,

@@ -2,27 +2,27 @@
 
 #include "CU/Assert.h"
 #include "CUI/Data.h"
-#include "Control/ControlList.h"
+#include "Dialog/ControlList.h"
 
 #define CU_SOURCE "Dialog"
 
 namespace {
 
-// No colour of the user's, so that the first SetColor makes the brush.
-constexpr COLORREF s_crNone = 0x010101;
+// A colour that nobody chooses, so that the first SetColor makes the brush.
+const COLORREF NO_COLOR = 0x010101;
 
 }  // namespace
 
 CCUIDialog::CCUIDialog(HINSTANCE hInstance, const char *templateName)
     : m_template(hInstance, templateName),
       m_pControls(new CCUIControlList),
-      m_color(s_crNone),
+      m_color(NO_COLOR),
       m_hBrush(nullptr),
       m_hFirstControl(nullptr),
       m_hInstance(hInstance),
       m_templateName(templateName),
       m_mode(ModeNone),
-      m_nResult(IDCANCEL),
+      m_pRun(nullptr),
       m_bDataValid(false),
       m_bAutoMakeDirty(false),
       m_bDirty(false),
@@ -36,7 +36,8 @@ CCUIDialog::CCUIDialog(HINSTANCE hInstance, const char *templateName)
 
 CCUIDialog::~CCUIDialog()
 {
-    // The window goes while its handlers are still those of a dialog: the owner is given back.
+    // The base's destructor destroys the window, but OnDestroy below is no longer called then: what
+    // others must hear of the end is told here.
     m_bDead = 1;
     GiveOwnerBack();
     if (Exist())
@@ -49,136 +50,188 @@ CCUIDialog::~CCUIDialog()
 
 // --- Runs ---
 
-int CCUIDialog::DoModal(CCUIWindow *pParent)
+// A run, on the stack of the function that begins it: until its window is there or, when it is
+// modal, until it is over. Handlers of the windows that it touches may delete the dialog, end the
+// run or begin another one.
+class CCUIDialog::CRun : public CWatch
 {
-    if (!m_hInstance || !m_templateName)
-        return 0;
-    if (RefusesRun())
-        return IDCANCEL;
-    CWatch watch(this);
-    BeginRun(ModeModal);
-    if (!TakeOwner(pParent))
-        return IDCANCEL;
-    m_nResult = IDCANCEL;
-    if (Start(nullptr, m_hRunOwner))
-        ModalLoop();
-    // Its window has gone without OnDestroy, which somebody kept from it.
-    if (!watch.IsGone() && !m_bEnded && !HasWindow())
-        Abandon();
-    return watch.IsGone() ? static_cast<int>(IDCANCEL) : m_nResult;
+public:
+    CRun(CCUIDialog &dialog, Mode mode);
+    ~CRun();
+
+    // Whether no run may begin, since the dialog has a window, which is reported.
+    static bool IsRefused(CCUIDialog &dialog);
+    // A modal run: finds the owner, disables the window above it and restores the parent. False:
+    // the dialog is deleted, or another run is on.
+    bool TakeOwner(CCUIWindow *pParent);
+    // A modeless run: the same, but nothing is disabled.
+    bool FindOwner(CCUIWindow *pParent);
+    void SetOwner(HWND hOwner) { m_hOwner = hOwner; }
+    // Makes the window from the template or, without one, from the resource, and shows that one.
+    // Null on failure, which ends the run, and when the run is over already.
+    HWND Start(const DLGTEMPLATE *pTemplate);
+    // Ends the run without a window. Handlers of the owner may delete the dialog.
+    void Abandon();
+
+    void SetResult(unsigned nResult) { m_nResult = static_cast<int>(nResult); }
+    int GetResult() const { return IsGone() ? static_cast<int>(IDCANCEL) : m_nResult; }
+
+private:
+    void MarkBegun();
+    HWND MakeWindow(const DLGTEMPLATE *pTemplate);
+
+    CCUIDialog &m_dialog;
+    const Mode m_mode;
+    CRun *const m_pOuter;
+    HWND m_hOwner;
+    int m_nResult;
+};
+
+CCUIDialog::CRun::CRun(CCUIDialog &dialog, Mode mode)
+    : CWatch(&dialog),
+      m_dialog(dialog),
+      m_mode(mode),
+      m_pOuter(dialog.m_pRun),
+      m_hOwner(nullptr),
+      m_nResult(IDCANCEL)
+{
+    dialog.m_pRun = this;
+    dialog.m_hRunOwner = nullptr;
+    MarkBegun();
 }
 
-// Finds the owner of a modal run and makes the parent ready for it. False: handlers of the windows
-// that this touches have deleted the dialog, or it runs already.
-bool CCUIDialog::TakeOwner(CCUIWindow *pParent)
+CCUIDialog::CRun::~CRun()
 {
-    CWatch watch(this);
-    HWND hOwner = nullptr, hDisabledTop = nullptr;
-    if (pParent && pParent->Exist()) {
-        CWatch parent(pParent);
-        hOwner = pParent->GetSafeOwner(&hDisabledTop);
-        if (parent.IsGone())
-            pParent = nullptr;
-    }
-    if (!watch.IsGone())
-        RestoreParent(pParent);
-    // They may also have begun another run.
-    if (watch.IsGone() || RefusesRun()) {
-        if (hDisabledTop)
-            EnableWindow(hDisabledTop, TRUE);
-        return false;
-    }
-    m_hRunOwner = hOwner;
-    m_hDisabledTop = hDisabledTop;
-    return true;
+    if (!IsGone())
+        m_dialog.m_pRun = m_pOuter;
 }
 
-HWND CCUIDialog::DoModeless(CCUIWindow *pParent)
+bool CCUIDialog::CRun::IsRefused(CCUIDialog &dialog)
 {
-    if (!m_hInstance || !m_templateName || RefusesRun())
-        return nullptr;
-    CWatch watch(this);
-    BeginRun(ModeModeless);
-    const HWND hOwner = FindOwner(pParent);
-    return watch.IsGone() || RefusesRun() ? nullptr : Start(nullptr, hOwner);
-}
-
-// The owner of a modeless run. Handlers of the windows that this touches may delete the dialog, the
-// parent or both.
-HWND CCUIDialog::FindOwner(CCUIWindow *pParent)
-{
-    const bool bChild = (GetWindowStyle() & WS_CHILD) != 0;
-    if (!pParent) {
-        RestoreParent(nullptr);
-        return nullptr;
-    }
-    CWatch parent(pParent);
-    RestoreParent(pParent);
-    if (parent.IsGone() || !pParent->Exist())
-        return nullptr;
-    return bChild ? pParent->GetHandle() : pParent->GetSafeOwner(nullptr);
-}
-
-HWND CCUIDialog::Create(HWND hParent)
-{
-    if (RefusesRun())
-        return nullptr;
-    const DLGTEMPLATE *pTemplate = GetTemplate();
-    if (!pTemplate)
-        return nullptr;
-    BeginRun(ModeModeless);
-    return Start(pTemplate, hParent);
-}
-
-// Whether no run may begin, which is reported.
-bool CCUIDialog::RefusesRun()
-{
-    const bool bHasWindow = HasWindow();
+    const bool bHasWindow = dialog.HasWindow();
     CU_ASSERT_TEXT(!bHasWindow, "m_hWnd == 0");
     return bHasWindow;
 }
 
-void CCUIDialog::BeginRun(Mode mode)
+void CCUIDialog::CRun::MarkBegun()
 {
-    m_bActive = 1;
-    m_mode = mode;
-    m_hRunOwner = nullptr;
+    m_dialog.m_bActive = 1;
+    m_dialog.m_mode = m_mode;
 }
 
-// Makes the window from the given template or, without one, from the resource, which is shown at
-// once. On failure the object is as it was before the run. Null, too, when that is over already.
-HWND CCUIDialog::Start(const DLGTEMPLATE *pTemplate, HWND hOwner)
+bool CCUIDialog::CRun::TakeOwner(CCUIWindow *pParent)
 {
-    CWatch watch(this);
-    m_bEnded = 0;
-    Hook();
-    HWND hWnd = nullptr;
-    if (pTemplate)
-        hWnd = CreateDialogIndirectParamA(m_hInstance, pTemplate, hOwner, DialogProc, 0);
-    else if (m_template.GetTemplate())  // the system would read past one that is cut short
-        hWnd = CreateDialogParamA(m_hInstance, m_templateName, hOwner, DialogProc, 0);
-    if (watch.IsGone())
+    HWND hDisabledTop = nullptr;
+    if (pParent && pParent->Exist()) {
+        CWatch parent(pParent);
+        m_hOwner = pParent->GetSafeOwner(&hDisabledTop);
+        if (parent.IsGone())
+            pParent = nullptr;
+    }
+    if (!IsGone())
+        m_dialog.RestoreParent(pParent);
+    if (IsGone() || IsRefused(m_dialog)) {
+        if (hDisabledTop)
+            EnableWindow(hDisabledTop, TRUE);
+        return false;
+    }
+    m_dialog.m_hRunOwner = m_hOwner;
+    m_dialog.m_hDisabledTop = hDisabledTop;
+    return true;
+}
+
+bool CCUIDialog::CRun::FindOwner(CCUIWindow *pParent)
+{
+    const bool bChild = (m_dialog.GetWindowStyle() & WS_CHILD) != 0;
+    if (pParent) {
+        CWatch parent(pParent);
+        m_dialog.RestoreParent(pParent);
+        if (!parent.IsGone() && pParent->Exist())
+            m_hOwner = bChild ? pParent->GetHandle() : pParent->GetSafeOwner(nullptr);
+    } else {
+        m_dialog.RestoreParent(nullptr);
+    }
+    return !IsGone() && !IsRefused(m_dialog);
+}
+
+HWND CCUIDialog::CRun::Start(const DLGTEMPLATE *pTemplate)
+{
+    // Once more, and the result too: another run may have come and gone meanwhile.
+    MarkBegun();
+    m_nResult = IDCANCEL;
+    m_dialog.m_bEnded = 0;
+    m_dialog.Hook();
+    const HWND hWnd = MakeWindow(pTemplate);
+    if (IsGone())
         return nullptr;
-    if (!FinishCreation(hWnd)) {
-        if (m_hWnd)  // of another run, begun by a handler that had ended this one
-            return nullptr;
-        Abandon();
+    if (!m_dialog.FinishCreation(hWnd)) {
+        const bool bOtherRun = m_dialog.m_hWnd != nullptr;
+        if (!bOtherRun)
+            Abandon();
         return nullptr;
     }
     if (!pTemplate) {
         ShowWindow(hWnd, SW_SHOW);
         SetForegroundWindow(hWnd);
     }
-    return watch.IsGone() || m_hWnd != hWnd ? nullptr : hWnd;
+    const bool bOver = IsGone() || m_dialog.m_hWnd != hWnd;
+    return bOver ? nullptr : hWnd;
 }
 
-// Ends a run that has no window. Handlers of the owner may delete the dialog.
-void CCUIDialog::Abandon()
+HWND CCUIDialog::CRun::MakeWindow(const DLGTEMPLATE *pTemplate)
 {
-    m_mode = ModeNone;
-    m_bActive = 0;
-    m_bEnded = 1;
-    GiveOwnerBack();
+    const HINSTANCE hInstance = m_dialog.m_hInstance;
+    if (pTemplate)
+        return CreateDialogIndirectParamA(hInstance, pTemplate, m_hOwner, DialogProc, 0);
+    // The system would read on behind the end of a template that is cut short.
+    if (!m_dialog.m_template.GetTemplate())
+        return nullptr;
+    return CreateDialogParamA(hInstance, m_dialog.m_templateName, m_hOwner, DialogProc, 0);
+}
+
+void CCUIDialog::CRun::Abandon()
+{
+    m_dialog.m_mode = ModeNone;
+    m_dialog.m_bActive = 0;
+    m_dialog.m_bEnded = 1;
+    m_dialog.GiveOwnerBack();
+}
+
+int CCUIDialog::DoModal(CCUIWindow *pParent)
+{
+    if (!m_hInstance || !m_templateName)
+        return 0;
+    if (CRun::IsRefused(*this))
+        return IDCANCEL;
+    CRun run(*this, ModeModal);
+    if (!run.TakeOwner(pParent))
+        return IDCANCEL;
+    if (run.Start(nullptr))
+        ModalLoop();
+    // Without OnDestroy, which somebody kept from the dialog, the run is not ended yet.
+    if (!run.IsGone() && !m_bEnded && !HasWindow())
+        run.Abandon();
+    return run.GetResult();
+}
+
+HWND CCUIDialog::DoModeless(CCUIWindow *pParent)
+{
+    if (!m_hInstance || !m_templateName || CRun::IsRefused(*this))
+        return nullptr;
+    CRun run(*this, ModeModeless);
+    return run.FindOwner(pParent) ? run.Start(nullptr) : nullptr;
+}
+
+HWND CCUIDialog::Create(HWND hParent)
+{
+    if (CRun::IsRefused(*this))
+        return nullptr;
+    const DLGTEMPLATE *pTemplate = GetTemplate();
+    if (!pTemplate)
+        return nullptr;
+    CRun run(*this, ModeModeless);
+    run.SetOwner(hParent);
+    return run.Start(pTemplate);
 }
 
 void CCUIDialog::RestoreParent(CCUIWindow *pParent)
@@ -198,10 +251,11 @@ void CCUIDialog::EndDialog(unsigned nResult)
     GiveOwnerBack();
     if (watch.IsGone())
         return;
-    m_nResult = static_cast<int>(nResult);
+    if (m_pRun)
+        m_pRun->SetResult(nResult);
     if (!HasWindow())
         return;
-    // Wakes the loop of the run even if the window stays.
+    // Wakes the loop of the run, even if Destroy fails.
     PostMessageA(m_hWnd, WM_NULL, 0, 0);
     Destroy();
 }
@@ -216,7 +270,7 @@ bool CCUIDialog::DisableOwner()
     m_bOwnerDisabled = true;
     EnableWindow(hOwner, FALSE);
     if (watch.IsGone() || m_hRunOwner != hOwner) {
-        // It was given back before it was quite disabled.
+        // A handler of its own ended the run, which gave it back before it was disabled.
         EnableWindow(hOwner, TRUE);
         return false;
     }
@@ -224,8 +278,8 @@ bool CCUIDialog::DisableOwner()
     return true;
 }
 
-// Enabled before the dialog goes: the system activates the next window, and must be able to choose
-// the owner.
+// The owner is enabled while the dialog still has its window: when that goes, the system activates
+// the next window that is enabled, which is to be the owner.
 void CCUIDialog::GiveOwnerBack()
 {
     const HWND hOwner = m_hRunOwner;
@@ -247,7 +301,7 @@ void CCUIDialog::GiveOwnerBack()
 
 // --- Messages ---
 
-// Every message goes through the object; nothing is left for the procedure that Win32 asks for.
+// Win32 wants one, but every message goes to the object, which leaves nothing for it.
 INT_PTR CALLBACK CCUIDialog::DialogProc(HWND, UINT, WPARAM, LPARAM)
 {
     return FALSE;
@@ -295,7 +349,7 @@ BOOL CALLBACK CCUIDialog::VisitChild(HWND hChild, LPARAM lParam)
     const int nID = GetDlgCtrlID(hChild);
     if (dialog.GetAutoMakeDirty() && nID > 0)
         dialog.RegisterControl(hChild, static_cast<unsigned>(nID), DialogControlAuto);
-    // To visit a child costs a call to the system.
+    // Every further child costs calls to the system: the walk ends when nothing is left to find.
     return dialog.GetAutoMakeDirty() || !dialog.m_hFirstControl;
 }
 
@@ -322,9 +376,10 @@ void CCUIDialog::OnDestroy()
     CCUIWindow::OnDestroy();
 }
 
-// The end may come to a loop that waits, sent by another thread: what is posted to the window is
-// lost with it, so the thread itself is woken. A loop that handles a message looks by itself, but
-// inside a message that was sent it may have taken what was to wake the loop around it.
+// The run is over; makes its loop notice. A loop that handles a message looks by itself afterwards.
+// But one that waits does not, when the end comes in a message that another thread sent. Nor does
+// one around a message that was sent, when a loop inside has taken what was posted to wake it. What
+// is posted to the window is lost with the window, so the message goes to the thread.
 void CCUIDialog::WakeLoop() const
 {
     if ((m_pAwaited && m_pAwaited->message == NoMessage) || InSendMessage())

@@ -2,7 +2,7 @@
 
 #include "CU/Dump.h"
 #include "CUI/Dialog.h"
-#include "Control/ControlList.h"
+#include "Dialog/ControlList.h"
 
 #include <commctrl.h>  // needs windows.h before it
 
@@ -16,7 +16,7 @@ struct CClassType
 
 DialogControlType TypeOfClass(HWND hControl)
 {
-    static const CClassType s_types[] = {
+    static const CClassType TYPES[] = {
         {"Edit", DialogControlEdit},
         {"RichEdit", DialogControlEdit},
         {"RichEdit20A", DialogControlEdit},
@@ -31,7 +31,7 @@ DialogControlType TypeOfClass(HWND hControl)
     };
     char szClass[64] = "";
     GetClassNameA(hControl, szClass, sizeof szClass);
-    for (const CClassType &type : s_types) {
+    for (const CClassType &type : TYPES) {
         if (lstrcmpiA(szClass, type.className) == 0)
             return type.type;
     }

@@ -14,19 +14,20 @@
 namespace {
 
 // What the multimedia system posts: input and output of data, and the end of a command.
-constexpr UINT s_nWaveInput = 0x03C0;
-constexpr UINT s_nMciNotify = 0x03B9;
-constexpr UINT s_nMidiInput = 0x03C3;
-constexpr UINT s_nDriverData = 0x03D2;
-// The timer of the system's own caret blinking and menu delays.
-constexpr UINT s_nSystemTimer = 0x0118;
+const UINT WAVE_INPUT = 0x03C0;
+const UINT MCI_NOTIFY = 0x03B9;
+const UINT MIDI_INPUT = 0x03C3;
+const UINT DRIVER_DATA = 0x03D2;
+// The timer with which the system blinks the caret and delays menus.
+const UINT SYSTEM_TIMER = 0x0118;
 
-constexpr LPARAM s_nPreviousKeyState = 1L << 30;
-constexpr long s_nSlow = 1000;
+const LPARAM PREVIOUS_KEY_STATE = 1L << 30;
+// Milliseconds; what takes longer is traced.
+const long SLOW = 1000;
 
-// Ownership is set by the program and may run in a circle.
-constexpr int s_nMostOwners = 1000;
-constexpr int s_nMostRestarts = 100;
+// The program sets who owns whom, and may do so in a circle.
+const int MOST_OWNERS = 1000;
+const int MOST_RESTARTS = 100;
 
 CCUDebugSwitch s_messageDebug("\\Debug\\Window", "MessageDebug");
 
@@ -37,10 +38,11 @@ CCUIIdleCallback *s_pIdleCallback;
 
 bool IsMultimedia(UINT message)
 {
-    return message == s_nMciNotify || message == s_nWaveInput || message == s_nMidiInput ||
-           message == s_nDriverData;
+    return message == MCI_NOTIFY || message == WAVE_INPUT || message == MIDI_INPUT ||
+           message == DRIVER_DATA;
 }
 
+// Whether the message may have changed what the commands show, so that an idle pass is due.
 bool IsActivity(UINT message)
 {
     switch (message) {
@@ -48,7 +50,7 @@ bool IsActivity(UINT message)
     case WM_NCMOUSEMOVE:
     case WM_TIMER:
     case WM_PAINT:
-    case s_nSystemTimer: return false;
+    case SYSTEM_TIMER: return false;
     default: return message < WM_USER && !IsMultimedia(message) && !CUIsYourMessage(message);
     }
 }
@@ -58,11 +60,12 @@ int TraceArg(unsigned long nValue)
     return static_cast<int>(nValue);
 }
 
-// True when what began at nFrom took so long that it is traced. `end` follows the last number.
+// Traces what began at nFrom if it took too long, and answers whether. `end` follows the last
+// number.
 bool TraceSlow(const char *what, unsigned long nFrom, const char *end)
 {
     const unsigned long nTo = CUGetTime();
-    if (static_cast<long>(nTo - nFrom) <= s_nSlow || s_messageDebug.Get() < 1)
+    if (static_cast<long>(nTo - nFrom) <= SLOW || s_messageDebug.Get() < 1)
         return false;
     const CCUString sNow = CCUTime().Format("%c");
     CUDump("%s\n", static_cast<const char *>(sNow));
@@ -71,7 +74,8 @@ bool TraceSlow(const char *what, unsigned long nFrom, const char *end)
     return true;
 }
 
-// One pass is enough until something happens again, so the answer is always no.
+// The idle pass number nCount since the last activity. Answers whether it wants to be called again:
+// never, for one is enough until something happens.
 bool IdlePass(long nCount)
 {
     if (nCount <= 0) {
@@ -88,6 +92,7 @@ bool IdlePass(long nCount)
     return false;
 }
 
+// Offers the message to those who want it first, else dispatches it.
 void HandleMessage(MSG *pMsg)
 {
     const MSG copy = *pMsg;
@@ -102,17 +107,45 @@ void HandleMessage(MSG *pMsg)
                static_cast<UINT>(copy.lParam), TraceArg(copy.time));
 }
 
+// Also serves what other threads have sent, so handlers may run.
 bool IsMessageWaiting(MSG &msg)
 {
     return PeekMessageA(&msg, nullptr, 0, 0, PM_NOREMOVE) != 0;
 }
 
+// The loop of a thread. It has two ends: WM_QUIT, where it answers false, and isOver. When the
+// queue goes empty after some activity there is one idle pass, which beforeIdle is told of.
+template <typename IsOver, typename BeforeIdle, typename Pump>
+bool Loop(MSG &msg, IsOver isOver, BeforeIdle beforeIdle, Pump pump)
+{
+    long nCount = 0;
+    bool bIdle = true;
+    while (!isOver()) {
+        while (bIdle && !IsMessageWaiting(msg) && !isOver()) {
+            beforeIdle(nCount);
+            bIdle = IdlePass(nCount++);
+        }
+        do {
+            if (isOver())
+                return true;
+            if (!pump())
+                return false;
+            if (isOver())
+                return true;
+            if (IsActivity(msg.message)) {
+                nCount = 0;
+                bIdle = true;
+            }
+        } while (IsMessageWaiting(msg));
+    }
+    return true;
+}
+
 // Takes a message that even a restricted idle loop serves.
 bool TakeRestricted(MSG &msg)
 {
-    static const UINT s_nServed[] = {s_nWaveInput, s_nMciNotify, s_nMidiInput, s_nDriverData,
-                                     WM_TIMER};
-    for (const UINT message : s_nServed) {
+    static const UINT SERVED[] = {WAVE_INPUT, MCI_NOTIFY, MIDI_INPUT, DRIVER_DATA, WM_TIMER};
+    for (const UINT message : SERVED) {
         if (PeekMessageA(&msg, nullptr, message, message, PM_REMOVE))
             return true;
     }
@@ -120,25 +153,32 @@ bool TakeRestricted(MSG &msg)
     return hWnd && PeekMessageA(&msg, hWnd, WM_USER, WM_USER + 2, PM_REMOVE);
 }
 
-// One message of an idle loop: 1 handled, 0 nothing there, -1 the thread is to quit.
-int IdleStep(int bRestricted)
+enum IdleStep
+{
+    StepNothing,  // no message was there
+    StepHandled,
+    StepQuit  // it was WM_QUIT
+};
+
+// One message of an idle loop.
+IdleStep Step(int bRestricted)
 {
     MSG msg;
     if (!bRestricted) {
         if (!IsMessageWaiting(msg))
-            return 0;
-        return CCUIWindow::PumpMessage(&msg) ? 1 : -1;
+            return StepNothing;
+        return CCUIWindow::PumpMessage(&msg) ? StepHandled : StepQuit;
     }
     if (!TakeRestricted(msg))
-        return 0;
-    // WM_QUIT passes every filter.
+        return StepNothing;
+    // PeekMessage gives WM_QUIT whatever range it is asked for.
     if (msg.message == WM_QUIT)
-        return -1;
+        return StepQuit;
     HandleMessage(&msg);
-    return 1;
+    return StepHandled;
 }
 
-// Presses the control, where there is one.
+// Presses the dialog's button of that identifier, if there is one.
 void SendCommand(HWND hWnd, int nID)
 {
     const HWND hControl = GetDlgItem(hWnd, nID);
@@ -167,7 +207,7 @@ int CCUIWindow::PumpMessage(MSG *pMsg)
 int CCUIWindow::PerformPreTranslation(MSG *pMsg)
 {
     HWND hWnd = pMsg->hwnd;
-    for (int i = 0; hWnd && i < s_nMostOwners; ++i) {
+    for (int i = 0; hWnd && i < MOST_OWNERS; ++i) {
         CCUIWindow *const pWindow = FromHandle(hWnd);
         const HWND hOwner = pWindow ? pWindow->GetOwner() : nullptr;
         if (pWindow && pWindow->PreTranslateMessage(pMsg))
@@ -175,9 +215,9 @@ int CCUIWindow::PerformPreTranslation(MSG *pMsg)
         const HWND hParent = GetParent(hWnd);
         hWnd = pWindow && !FromHandle(hParent) ? hOwner : hParent;
     }
-    // A window may show another cursor while a key is down: a cursor that is set where it is makes
-    // the system ask again.
-    const bool bFirstDown = pMsg->message == WM_KEYDOWN && !(pMsg->lParam & s_nPreviousKeyState);
+    // A window may show another cursor while a key is down. To set the cursor where it is makes the
+    // system ask the window again.
+    const bool bFirstDown = pMsg->message == WM_KEYDOWN && !(pMsg->lParam & PREVIOUS_KEY_STATE);
     if (bFirstDown || pMsg->message == WM_KEYUP) {
         POINT point;
         if (GetCursorPos(&point))
@@ -190,91 +230,69 @@ int CCUIWindow::RunLoop()
 {
     MSG msg;
     s_nStartTime = CUGetTime();
-    long nCount = 0;
-    bool bIdle = true;
-    for (;;) {
-        while (bIdle && !IsMessageWaiting(msg))
-            bIdle = IdlePass(nCount++);
-        do {
-            if (!PumpMessage(&msg))
-                return static_cast<int>(msg.wParam);
-            if (IsActivity(msg.message)) {
-                nCount = 0;
-                bIdle = true;
-            }
-        } while (IsMessageWaiting(msg));
-    }
+    Loop(
+        msg, [] { return false; }, [](long) {}, [&] { return PumpMessage(&msg); });
+    return static_cast<int>(msg.wParam);
 }
 
 void CCUIWindow::ModalLoop()
 {
     MSG msg;
     CWatch watch(this);
-    // A look at the queue serves what other threads sent, and that may end the run.
-    // The object may have gone on to another run with another window, or its window may have gone
-    // unheard.
     const HWND hWnd = m_hWnd;
-    const auto isOver = [&] {
-        return watch.IsGone() || m_bEnded || m_hWnd != hWnd || (hWnd && FromHandle(hWnd) != this);
-    };
     const HWND hParent = GetParent(hWnd);
-    long nCount = 0;
-    bool bIdle = true;
-    while (!isOver()) {
-        while (bIdle && !IsMessageWaiting(msg) && !isOver()) {
-            if (hParent && nCount == 0)
-                SendMessageA(hParent, WM_ENTERIDLE, MSGF_DIALOGBOX, reinterpret_cast<LPARAM>(hWnd));
-            bIdle = IdlePass(nCount++);
-        }
-        do {
-            if (isOver())
-                return;
-            // The system writes the message when it has one: until then the loop waits.
-            msg.message = NoMessage;
-            m_pAwaited = &msg;
-            const int bGoOn = PumpMessage(&msg);
-            if (!watch.IsGone())
-                m_pAwaited = nullptr;
-            if (!bGoOn) {
-                PostQuitMessage(0);
-                return;
-            }
+    const auto isOver = [&] {
+        if (watch.IsGone() || m_bEnded)
+            return true;
+        const bool bOtherRun = m_hWnd != hWnd;
+        return bOtherRun || (hWnd && FromHandle(hWnd) != this);  // its window has gone unheard
+    };
+    const auto tellParent = [=](long nCount) {
+        if (hParent && nCount == 0)
+            SendMessageA(hParent, WM_ENTERIDLE, MSGF_DIALOGBOX, reinterpret_cast<LPARAM>(hWnd));
+    };
+    const auto pump = [&] {
+        // The system writes the number when it has a message: until then the loop waits.
+        msg.message = NoMessage;
+        m_pAwaited = &msg;
+        const int bGoOn = PumpMessage(&msg);
+        if (!watch.IsGone())
+            m_pAwaited = nullptr;
+        if (bGoOn)
             CU_ASSERT_TEXT(!watch.IsGone() && !m_bDead, "!m_bDead");
-            if (isOver())
-                return;
-            if (IsActivity(msg.message)) {
-                nCount = 0;
-                bIdle = true;
-            }
-        } while (IsMessageWaiting(msg));
-    }
+        return bGoOn;
+    };
+    const bool bQuit = !Loop(msg, isOver, tellParent, pump);
+    if (bQuit)
+        PostQuitMessage(0);
 }
 
 void CCUIWindow::IdleLoop(long nMilliseconds, int bRestricted)
 {
+    const bool bWaits = nMilliseconds < 0;
     const auto nGiven = static_cast<unsigned long>(nMilliseconds);
-    const unsigned long nDeadline = CUGetTime() + (nMilliseconds < 0 ? 0 - nGiven : nGiven);
+    const unsigned long nDeadline = CUGetTime() + (bWaits ? 0 - nGiven : nGiven);
     for (;;) {
-        const int nStep = IdleStep(bRestricted);
-        if (nStep < 0) {
+        const IdleStep step = Step(bRestricted);
+        if (step == StepQuit) {
             PostQuitMessage(0);
             return;
         }
         const bool bOver = nMilliseconds == 0 || static_cast<long>(CUGetTime() - nDeadline) >= 0;
-        if (bOver || (nStep == 0 && nMilliseconds > 0))
+        if (bOver || (step == StepNothing && !bWaits))
             return;
-        if (nStep == 0)
+        if (step == StepNothing)
             Sleep(10);
     }
 }
 
 void CCUIWindow::AbortDialog(HWND hWnd)
 {
-    // Closing a dialog may close others, and with them the way to the next one. Only where it is
-    // closed itself all start again: one that stays open is asked once.
+    // Closing a dialog may close the next one as well. The way goes on from the dialog if that
+    // stays open, so that it is asked once, else from the first window again.
     int nRestarts = 0;
     HWND hDialog = GetWindow(hWnd, GW_HWNDFIRST);
-    while (hDialog && nRestarts < s_nMostRestarts) {
+    while (hDialog && nRestarts < MOST_RESTARTS) {
         HWND hNext = GetWindow(hDialog, GW_HWNDNEXT);
         if (IsDialogOf(hDialog, hWnd)) {
             AbortDialog(hDialog);
@@ -283,9 +301,10 @@ void CCUIWindow::AbortDialog(HWND hWnd)
             SendCommand(hDialog, IDCANCEL);
             SendCommand(hDialog, IDNO);
         }
-        if (hNext && !IsWindow(hNext)) {
-            hNext =
-                IsWindow(hDialog) ? GetWindow(hDialog, GW_HWNDNEXT) : GetWindow(hWnd, GW_HWNDFIRST);
+        const bool bNextIsGone = hNext && !IsWindow(hNext);
+        if (bNextIsGone) {
+            const bool bStays = IsWindow(hDialog) != 0;
+            hNext = bStays ? GetWindow(hDialog, GW_HWNDNEXT) : GetWindow(hWnd, GW_HWNDFIRST);
             ++nRestarts;
         }
         hDialog = hNext;

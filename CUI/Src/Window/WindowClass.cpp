@@ -38,10 +38,11 @@ int RegisterAs(WNDCLASSA &windowClass, unsigned short id)
     return CUIRegisterWindowClass(&windowClass);
 }
 
-// What is to be unregistered with a module.
+// The classes that CUIUnloadClasses takes back.
 ATOM s_classes[64];
 
-// Whether it is a class at all.
+// Puts a class down there. 0 stands for a class that could not be registered, and is the answer
+// then.
 int NoteClass(ATOM atom)
 {
     for (ATOM &noted : s_classes) {
@@ -75,7 +76,8 @@ int CUIRegisterWindowClass(WNDCLASSA *pClass)
     // One thread at a time: Wine 8 tells the second that the class exists before it can be used.
     const CCUMutexGuard guard;
     WNDCLASSA present;
-    // One without its procedure is from an earlier load of a module, whose windows had to stay.
+    // A class that has DefWindowProcA in the place of its own procedure was left by an earlier load
+    // of this module, some window of which had to stay. It is registered anew.
     const auto atom =
         static_cast<ATOM>(GetClassInfoA(pClass->hInstance, pClass->lpszClassName, &present));
     if (atom &&

@@ -12,8 +12,8 @@
 
 namespace {
 
-// The system's input-method windows come along with the first window of a thread, and not always
-// after it.
+// With the first window of a thread the system makes windows of the input method, which may come
+// first.
 bool IsHelperWindow(HWND hWnd)
 {
     char szClass[16] = "";
@@ -49,7 +49,8 @@ LRESULT CALLBACK CCUIWindow::CreationHookProc(int nCode, WPARAM wParam, LPARAM l
     const auto hWnd = reinterpret_cast<HWND>(wParam);
     CUIWindowThread &thread = CUIWindowThread::Current();
     CCUIWindow *pWaiting = nCode == HCBT_CREATEWND ? thread.m_pHookWin.load() : nullptr;
-    // One that is bound already waits no more: this window is made by another hook, further down.
+    // An object that has got its window waits no more, though the hook is still armed: this window
+    // is made by another hook, to which CallNextHookEx below has passed the creation on.
     if (pWaiting && (pWaiting->m_hCreated || IsHelperWindow(hWnd)))
         pWaiting = nullptr;
     if (pWaiting) {
@@ -122,12 +123,14 @@ int CCUIWindow::FinishCreation(HWND hWnd)
 {
     if (CUIWindowThread::Current().m_pHookWin == this)
         UnHook();
-    if (hWnd && m_hWnd == hWnd) {
+    const bool bBound = hWnd && m_hWnd == hWnd;
+    if (bBound) {
         m_hCreated = nullptr;
         return 1;
     }
-    // Not what another creation bound, begun by a handler that had ended this one.
-    if (m_hWnd == m_hCreated)
+    // A handler may have ended this creation and begun another, whose window stays.
+    const bool bOtherCreation = m_hWnd != m_hCreated;
+    if (!bOtherCreation)
         Detach();
     m_bMissedDetach = 0;
     if (hWnd)

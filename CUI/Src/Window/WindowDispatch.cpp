@@ -1,13 +1,17 @@
-// What every message passes: its object, the object's hooks, default processing.
+// The way of a message, from top to bottom: the window procedure, the window's object, the object's
+// hooks, the message table, the base handlers, default processing.
 
 #include "CU/Assert.h"
+#include "CUI/Menu.h"
 #include "CUI/Window.h"
+#include "Window/WindowBinding.h"
 #include "Window/WindowHookList.h"
 #include "Window/WindowMap.h"
-#include "Window/WindowMessage.h"
-#include "Window/WindowTable.h"
 
 #define CU_SOURCE "Window"
+
+// What all the base handlers call: a copy in each would only make the program larger.
+#define CUI_OUT_OF_LINE __attribute__((noinline))
 
 CCUIWindow::CWatch::CWatch(CCUIWindow *pWindow) : m_pWindow(pWindow), m_pNext(pWindow->m_pWatch)
 {
@@ -20,25 +24,37 @@ CCUIWindow::CWatch::~CWatch()
         m_pWindow->m_pWatch = m_pNext;
 }
 
-CCUIWindow *CUIWindowMapFind(HWND hWnd, bool &bDoubted)
+// The message that a window is handling, on the stack of the window procedure. Messages nest: the
+// one before comes back when the inner one is done.
+class CCUIWindow::CMessage : public CCUIWindow::CWatch
 {
-    bDoubted = false;
-    if (!hWnd)
-        return nullptr;
-    const unsigned nChanges = CUIWindowTable::s_nChanges.load(std::memory_order_acquire);
-    uintptr_t nWindow =
-        CUIWindowTable::Current().FindSlot(hWnd).nWindow.load(std::memory_order_acquire);
-    if (nChanges % 2 != 0 || nChanges != CUIWindowTable::s_nChanges.load(std::memory_order_acquire))
+public:
+    CMessage(CCUIWindow *pWindow, UINT message, WPARAM wParam, LPARAM lParam)
+        : CWatch(pWindow),
+          m_message(message),
+          m_wParam(wParam),
+          m_lParam(lParam),
+          m_pOuter(pWindow->m_pMessage),
+          m_pOwner(pWindow)
     {
-        // Another thread has been at the table meanwhile.
-        const CUIWindowMapLock lock;
-        nWindow = CUIWindowTable::Current().FindSlot(hWnd).nWindow;
+        pWindow->m_pMessage = this;
     }
-    bDoubted = (nWindow & CUIWindowSlot::DOUBTED) != 0;
-    return reinterpret_cast<CCUIWindow *>(nWindow & ~CUIWindowSlot::DOUBTED);
-}
+    ~CMessage()
+    {
+        if (!IsGone())
+            m_pOwner->m_pMessage = m_pOuter;
+    }
 
-CCUIWindow *CCUIWindow::FromHandle(HWND hWnd)
+    const UINT m_message;
+    const WPARAM m_wParam;
+    const LPARAM m_lParam;
+
+private:
+    CMessage *const m_pOuter;
+    CCUIWindow *const m_pOwner;
+};
+
+CUI_OUT_OF_LINE CCUIWindow *CCUIWindow::FromHandle(HWND hWnd)
 {
     bool bDoubted = false;
     CCUIWindow *const pWindow = CUIWindowMapFind(hWnd, bDoubted);
@@ -47,7 +63,7 @@ CCUIWindow *CCUIWindow::FromHandle(HWND hWnd)
 
 LRESULT CALLBACK CCUIWindow::StaticWindowProc(HWND hWnd, UINT message, WPARAM wParam, LPARAM lParam)
 {
-    // A window with a message lives, whatever is to come: no doubt about its binding.
+    // A window with a message lives: a binding that is doubted is not asked about.
     bool bDoubted = false;
     CCUIWindow *const pWindow = CUIWindowMapFind(hWnd, bDoubted);
     if (!pWindow)
@@ -55,11 +71,13 @@ LRESULT CALLBACK CCUIWindow::StaticWindowProc(HWND hWnd, UINT message, WPARAM wP
     CMessage current(pWindow, message, wParam, lParam);
     long result = 0;
     if (!pWindow->m_pHooks || !pWindow->CallHooks(current, result)) {
-        if (pWindow->m_hWnd != hWnd)
+        if (pWindow->m_hWnd != hWnd)  // a hook has detached it
             return ForwardUnbound(hWnd, message, wParam, lParam);
         result = pWindow->WindowProc(message, wParam, lParam);
     }
-    if (message == WM_NCDESTROY && !current.IsGone() && pWindow->m_hWnd == hWnd) {
+    const bool bLast = message == WM_NCDESTROY;
+    if (bLast && !current.IsGone() && pWindow->m_hWnd == hWnd) {
+        // The base OnDestroy, which lets go of the window, was not reached.
         pWindow->m_bMissedDetach = 1;
         pWindow->Detach();
         CUIWindowMapRemove(hWnd);
@@ -67,33 +85,13 @@ LRESULT CALLBACK CCUIWindow::StaticWindowProc(HWND hWnd, UINT message, WPARAM wP
     return result;
 }
 
+// A message for a window without an object whose chain of procedures still has ours.
 LRESULT CCUIWindow::ForwardUnbound(HWND hWnd, UINT message, WPARAM wParam, LPARAM lParam)
 {
     CUIWindowBinding binding = {nullptr, nullptr};
     if (CUIWindowMapGet(hWnd, binding) && message == WM_NCDESTROY)
         CUIWindowMapRemove(hWnd);
     return CallProcedure(binding.pOldProc, hWnd, message, wParam, lParam);
-}
-
-long CCUIWindow::CallProcedure(WNDPROC pProc, HWND hWnd, UINT message, WPARAM wParam, LPARAM lParam)
-{
-    return pProc ? CallWindowProcA(pProc, hWnd, message, wParam, lParam)
-                 : DefWindowProcA(hWnd, message, wParam, lParam);
-}
-
-long CCUIWindow::DefProc(UINT message, WPARAM wParam, LPARAM lParam)
-{
-    // A window with a message lives. Of any other the handle may be another window's by now.
-    if (!m_pMessage)
-        HasWindow();
-    CU_ASSERT_TEXT(m_hWnd && IsWindow(m_hWnd), "Exist()");
-    return CallProcedure(m_pOldProc, m_hWnd, message, wParam, lParam);
-}
-
-long CCUIWindow::Default()
-{
-    return m_pMessage ? DefProc(m_pMessage->m_message, m_pMessage->m_wParam, m_pMessage->m_lParam)
-                      : 0;
 }
 
 // True when the message is done with: a hook handled it, or the object is gone.
@@ -107,4 +105,273 @@ bool CCUIWindow::CallHooks(const CMessage &message, long &result)
             return true;
     }
     return false;
+}
+
+// --- The message table ---
+
+namespace {
+
+// The framework's own messages.
+const UINT SET_WINDOW_STATE = WM_USER + 0x35;
+const UINT SHOW_TOOL_TIPS = WM_USER + 0x38;
+
+// A position in signed 16-bit halves: while a window has captured the mouse, positions to the left
+// of it and above it come too.
+class CPointArg : public POINT
+{
+public:
+    explicit CPointArg(LPARAM lParam)
+    {
+        x = static_cast<SHORT>(LOWORD(lParam));
+        y = static_cast<SHORT>(HIWORD(lParam));
+    }
+};
+
+inline UINT LowArg(WPARAM param)
+{
+    return LOWORD(param);
+}
+
+inline UINT LowArg(LPARAM param)
+{
+    return LOWORD(param);
+}
+
+inline UINT HighArg(WPARAM param)
+{
+    return HIWORD(param);
+}
+
+inline UINT HighArg(LPARAM param)
+{
+    return HIWORD(param);
+}
+
+template <typename T>
+inline T HandleArg(WPARAM wParam)
+{
+    return reinterpret_cast<T>(wParam);
+}
+
+template <typename T>
+inline T HandleArg(LPARAM lParam)
+{
+    return reinterpret_cast<T>(lParam);
+}
+
+}  // namespace
+
+long CCUIWindow::WindowProc(UINT message, WPARAM wParam, LPARAM lParam)
+{
+    CPointArg point(lParam);
+    const auto w = static_cast<UINT>(wParam);
+
+    // clang-format off
+    switch (message) {
+    case WM_CREATE:         return OnCreate(HandleArg<CREATESTRUCTA *>(lParam));
+    case WM_DESTROY:        OnDestroy(); return 0;
+    case WM_SIZE:           OnSize(w, static_cast<int>(LowArg(lParam)), static_cast<int>(HighArg(lParam))); return 0;
+    case WM_ACTIVATE:       OnActivate(LowArg(wParam), HighArg(wParam), HandleArg<HWND>(lParam)); return 0;
+    case WM_SETFOCUS:       OnSetFocus(HandleArg<HWND>(wParam)); return 0;
+    case WM_KILLFOCUS:      OnKillFocus(HandleArg<HWND>(wParam)); return 0;
+    case WM_PAINT:          OnPaint(HandleArg<HDC>(wParam)); return 0;
+    case WM_CLOSE:          OnClose(); return 0;
+    case WM_ERASEBKGND:     return OnEraseBkgnd(HandleArg<HDC>(wParam));
+    case WM_SYSCOLORCHANGE: OnSysColorChange(); return 0;
+    case WM_SHOWWINDOW:     OnShowWindow(static_cast<int>(wParam), lParam); return 0;
+    case WM_WININICHANGE:   OnWinIniChange(wParam, HandleArg<const char *>(lParam)); return 0;
+    case WM_CANCELMODE:     OnCancelMode(); return 0;
+    case WM_SETCURSOR:      return OnSetCursor(HandleArg<HWND>(wParam), LowArg(lParam), HighArg(lParam));
+    case WM_DRAWITEM:       return OnDrawItem(w, HandleArg<DRAWITEMSTRUCT *>(lParam));
+    case WM_MEASUREITEM:    return OnMeasureItem(w, HandleArg<MEASUREITEMSTRUCT *>(lParam));
+    case WM_NOTIFY:         return OnNotify(w, HandleArg<NMHDR *>(lParam));
+    case WM_CONTEXTMENU:    OnContextMenu(HandleArg<HWND>(wParam), point); return 0;
+    case WM_COMMAND:        OnCommand(HighArg(wParam), LowArg(wParam), HandleArg<HWND>(lParam)); return 0;
+    case WM_INITMENUPOPUP:  OnInitMenuPopup(HandleArg<HMENU>(wParam), LowArg(lParam), static_cast<int>(HighArg(lParam))); return 0;
+    case WM_MENUSELECT:     OnMenuSelect(LowArg(wParam), HighArg(wParam), HandleArg<HMENU>(lParam)); return 0;
+    case WM_MENUCHAR:       return OnMenuChar(LowArg(wParam) & 0xFF, HighArg(wParam), HandleArg<HMENU>(lParam));
+    case WM_MOUSEMOVE:      OnMouseMove(w, point); return 0;
+    case WM_LBUTTONDOWN:    OnLButtonDown(w, point); return 0;
+    case WM_LBUTTONUP:      OnLButtonUp(w, point); return 0;
+    case WM_LBUTTONDBLCLK:  OnLButtonDblClk(w, point); return 0;
+    case WM_RBUTTONDOWN:    OnRButtonDown(w, point); return 0;
+    case WM_RBUTTONUP:      OnRButtonUp(w, point); return 0;
+    case WM_RBUTTONDBLCLK:  OnRButtonDblClk(w, point); return 0;
+    case WM_PARENTNOTIFY:   OnParentNotify(LowArg(wParam), HighArg(wParam), lParam); return 0;
+    case WM_CAPTURECHANGED: OnCaptureChanged(HandleArg<HWND>(lParam)); return 0;
+    case SET_WINDOW_STATE:  OnSetWindowState(w); return 0;
+    case SHOW_TOOL_TIPS:     OnShowToolTips(static_cast<int>(wParam)); return 0;
+    default:                return OnMessage(message, wParam, lParam);
+    }
+    // clang-format on
+}
+
+// --- Handlers that leave the message to default processing ---
+
+// clang-format off
+int CCUIWindow::OnCreate(CREATESTRUCTA *) { return Default(); }
+void CCUIWindow::OnClose() { Default(); }
+void CCUIWindow::OnActivate(UINT, UINT, HWND) { Default(); }
+void CCUIWindow::OnSize(UINT, int, int) { Default(); }
+void CCUIWindow::OnPaint(HDC) { Default(); }
+int CCUIWindow::OnEraseBkgnd(HDC) { return Default(); }
+void CCUIWindow::OnLButtonDown(UINT, POINT &) { Default(); }
+void CCUIWindow::OnLButtonUp(UINT, POINT &) { Default(); }
+void CCUIWindow::OnLButtonDblClk(UINT, POINT &) { Default(); }
+void CCUIWindow::OnRButtonDown(UINT, POINT &) { Default(); }
+void CCUIWindow::OnRButtonUp(UINT, POINT &) { Default(); }
+void CCUIWindow::OnRButtonDblClk(UINT, POINT &) { Default(); }
+void CCUIWindow::OnMouseMove(UINT, POINT &) { Default(); }
+void CCUIWindow::OnShowWindow(int, int) { Default(); }
+int CCUIWindow::OnSetCursor(HWND, UINT, UINT) { return Default(); }
+void CCUIWindow::OnSetFocus(HWND) { Default(); }
+void CCUIWindow::OnKillFocus(HWND) { Default(); }
+void CCUIWindow::OnParentNotify(UINT, UINT, LPARAM) { Default(); }
+void CCUIWindow::OnMenuSelect(UINT, UINT, HMENU) { Default(); }
+void CCUIWindow::OnInitMenuPopup(HMENU, UINT, int) { Default(); }
+long CCUIWindow::OnMenuChar(UINT, UINT, HMENU) { return Default(); }
+void CCUIWindow::OnCancelMode() { Default(); }
+void CCUIWindow::OnCaptureChanged(HWND) { Default(); }
+void CCUIWindow::OnSetWindowState(UINT) { Default(); }
+// clang-format on
+
+// --- Handlers with something of their own to do ---
+
+void CCUIWindow::OnContextMenu(HWND, POINT &point)
+{
+    if (!m_pContextMenu) {
+        Default();
+        return;
+    }
+    POINT at = point;
+    if (at.x == -1 && at.y == -1) {
+        // Asked for by the keyboard: nowhere in particular.
+        at.x = at.y = 0;
+        ClientToScreen(m_hWnd, &at);
+    }
+    DisplayPopupMenu(m_pContextMenu, TPM_LEFTALIGN | TPM_RIGHTBUTTON, at, nullptr);
+}
+
+void CCUIWindow::OnShowToolTips(int bShow)
+{
+    m_bShowToolTips = bShow;
+    Default();
+}
+
+int CCUIWindow::PreTranslateMessage(MSG *pMsg)
+{
+    return m_hAccelerators && TranslateAcceleratorA(m_hWnd, m_hAccelerators, pMsg);
+}
+
+// --- Messages that a child sent come back to the child first ---
+
+long CCUIWindow::OnMessage(UINT message, WPARAM wParam, LPARAM lParam)
+{
+    return ReflectOrDefault(FindReflectChild(message, wParam, lParam));
+}
+
+long CCUIWindow::OnNotify(UINT, NMHDR *pHeader)
+{
+    return ReflectOrDefault(pHeader ? pHeader->hwndFrom : nullptr);
+}
+
+void CCUIWindow::OnCommand(UINT, UINT, HWND hControl)
+{
+    ReflectOrDefault(hControl);
+}
+
+int CCUIWindow::OnDrawItem(UINT, DRAWITEMSTRUCT *pDraw)
+{
+    return ReflectOrDefault(pDraw && pDraw->CtlType != ODT_MENU ? pDraw->hwndItem : nullptr);
+}
+
+int CCUIWindow::OnMeasureItem(UINT nID, MEASUREITEMSTRUCT *pMeasure)
+{
+    const bool bControl = pMeasure && pMeasure->CtlType != ODT_MENU;
+    return ReflectOrDefault(bControl ? GetDlgItem(m_hWnd, static_cast<int>(nID)) : nullptr);
+}
+
+// The child that sent one of the messages without a handler of their own; null for all others.
+HWND CCUIWindow::FindReflectChild(UINT message, WPARAM, LPARAM lParam) const
+{
+    switch (message) {
+    case WM_CTLCOLORMSGBOX:
+    case WM_CTLCOLOREDIT:
+    case WM_CTLCOLORLISTBOX:
+    case WM_CTLCOLORBTN:
+    case WM_CTLCOLORDLG:
+    case WM_CTLCOLORSCROLLBAR:
+    case WM_CTLCOLORSTATIC:
+    case WM_HSCROLL:
+    case WM_VSCROLL:
+    case WM_CHARTOITEM:
+    case WM_VKEYTOITEM: return HandleArg<HWND>(lParam);
+    case WM_COMPAREITEM: return lParam ? HandleArg<COMPAREITEMSTRUCT *>(lParam)->hwndItem : nullptr;
+    case WM_DELETEITEM: return lParam ? HandleArg<DELETEITEMSTRUCT *>(lParam)->hwndItem : nullptr;
+    default: return nullptr;
+    }
+}
+
+CUI_OUT_OF_LINE long CCUIWindow::ReflectOrDefault(HWND hChild)
+{
+    // The child may delete this object; the message, on the stack, then tells.
+    const CMessage *const pMessage = m_pMessage;
+    long result = 0;
+    if (hChild && ReflectLastMessage(hChild, &result))
+        return result;
+    return pMessage && pMessage->IsGone() ? 0 : Default();
+}
+
+int CCUIWindow::ReflectLastMessage(HWND hChild, long *pResult)
+{
+    CCUIWindow *const pChild = FromHandle(hChild);
+    // WM_CTLCOLORDLG asks a dialog about itself, with its own handle.
+    if (!m_pMessage || !pChild || pChild == this)
+        return 0;
+    const CMessage &message = *m_pMessage;
+    long result = 0;
+    int bHandled = 0;
+    if (message.m_message == WM_NOTIFY)
+        bHandled = pChild->OnReflectedNotification(static_cast<UINT>(message.m_wParam),
+                                                   HandleArg<NMHDR *>(message.m_lParam), result);
+    else
+        bHandled = pChild->OnReflectedMessage(message.m_message, message.m_wParam, message.m_lParam,
+                                              result);
+    if (bHandled && pResult)
+        *pResult = result;
+    return bHandled;
+}
+
+int CCUIWindow::OnReflectedNotification(UINT, NMHDR *, long &)
+{
+    return 0;
+}
+
+int CCUIWindow::OnReflectedMessage(UINT, WPARAM, LPARAM, long &)
+{
+    return 0;
+}
+
+// --- Default processing ---
+
+long CCUIWindow::CallProcedure(WNDPROC pProc, HWND hWnd, UINT message, WPARAM wParam, LPARAM lParam)
+{
+    return pProc ? CallWindowProcA(pProc, hWnd, message, wParam, lParam)
+                 : DefWindowProcA(hWnd, message, wParam, lParam);
+}
+
+long CCUIWindow::DefProc(UINT message, WPARAM wParam, LPARAM lParam)
+{
+    // While it handles a message the window lives. At other times its handle may have become
+    // another window's.
+    if (!m_pMessage)
+        HasWindow();
+    CU_ASSERT_TEXT(m_hWnd && IsWindow(m_hWnd), "Exist()");
+    return CallProcedure(m_pOldProc, m_hWnd, message, wParam, lParam);
+}
+
+CUI_OUT_OF_LINE long CCUIWindow::Default()
+{
+    return m_pMessage ? DefProc(m_pMessage->m_message, m_pMessage->m_wParam, m_pMessage->m_lParam)
+                      : 0;
 }

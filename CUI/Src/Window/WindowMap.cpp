@@ -1,20 +1,20 @@
 #include "Window/WindowMap.h"
 
-#include "Base/Module.h"
 #include "Base/Lock.h"
-#include "Window/WindowTable.h"
+#include "Base/Module.h"
 #include "Window/WindowThread.h"
 
 namespace {
 
 // Most programs have a handful of windows and never leave this table.
-constexpr unsigned s_nFirstBits = 6;
-CUIWindowSlot s_firstSlots[1u << s_nFirstBits];
-CUIWindowTable s_first = {(1u << s_nFirstBits) - 1, 32 - s_nFirstBits, s_firstSlots, nullptr};
+const unsigned FIRST_BITS = 6;
+CUIWindowSlot s_firstSlots[1u << FIRST_BITS];
+CUIWindowTable s_first = {(1u << FIRST_BITS) - 1, 32 - FIRST_BITS, s_firstSlots, nullptr};
 
-unsigned s_nUsed;  // slots; under the lock
+unsigned s_nUsed;  // slots with a handle; under the lock
 CCULazyLock s_lock;
 
+// A change: has the lock, and tells readers that they cannot trust what they see.
 class CChange
 {
 public:
@@ -55,8 +55,8 @@ CUIWindowTable *NewTable(unsigned nBits)
     return pTable;
 }
 
-// Twice the slots. The old table stays for readers that are still in it: all the old tables of a
-// process together are smaller than its last one.
+// A table of twice the size takes over. The old one stays, for readers that are still in it: all
+// old tables together are smaller than the new one.
 void Grow(const CUIWindowTable &old)
 {
     CUIWindowTable *const pNew = NewTable(32 - old.nShift + 1);
@@ -68,14 +68,17 @@ void Grow(const CUIWindowTable &old)
     CUIWindowTable::s_pCurrent.store(pNew, std::memory_order_release);
 }
 
-// Frees the slot and closes the gap with what further down the run may stand there.
+// Frees the slot. Searches end at a free slot, so each slot further down the run that is found by
+// way of the gap moves up into it, and leaves the next gap.
 void Free(const CUIWindowTable &table, CUIWindowSlot &slot)
 {
     slot.pThread.load()->Unbind();
     auto nGap = static_cast<unsigned>(&slot - table.pSlots);
     for (unsigned i = nGap + 1; table.SlotAt(i).hWnd; ++i) {
         const unsigned nFirst = table.FirstIndex(table.SlotAt(i).hWnd);
-        if (((i - nFirst) & table.nMask) < i - nGap)
+        const unsigned nFromFirst = (i - nFirst) & table.nMask;
+        const bool bSearchPassesGap = nFromFirst >= i - nGap;
+        if (!bSearchPassesGap)
             continue;
         Copy(table.SlotAt(nGap), table.SlotAt(i));
         nGap = i;
@@ -86,12 +89,12 @@ void Free(const CUIWindowTable &table, CUIWindowSlot &slot)
 
 // Frees all slots for which `isGone` says so.
 template <typename IsGone>
-void FreeThose(IsGone isGone)
+void FreeIf(IsGone isGone)
 {
     const CUIWindowTable &table = CUIWindowTable::Current();
     for (unsigned i = 0; i <= table.nMask; ++i) {
         CUIWindowSlot &slot = table.pSlots[i];
-        // What closes the gap may be one of them as well.
+        // What moved up into the slot may be one of them as well.
         while (slot.hWnd && isGone(slot))
             Free(table, slot);
     }
@@ -112,14 +115,19 @@ CUIWindowMapLock::~CUIWindowMapLock()
     s_lock.Leave();
 }
 
+uintptr_t CUIWindowMapReadLocked(HWND hWnd)
+{
+    const CUIWindowMapLock lock;
+    return FindSlot(hWnd).nWindow;
+}
+
 bool CUIWindowMapGet(HWND hWnd, CUIWindowBinding &binding)
 {
     const CUIWindowMapLock lock;
     const CUIWindowSlot &slot = FindSlot(hWnd);
     if (!slot.hWnd)
         return false;
-    binding = {reinterpret_cast<CCUIWindow *>(slot.nWindow & ~CUIWindowSlot::DOUBTED),
-               slot.pOldProc};
+    binding = {CUIWindowSlot::Object(slot.nWindow), slot.pOldProc};
     return true;
 }
 
@@ -138,7 +146,9 @@ void CUIWindowMapSet(HWND hWnd, const CUIWindowBinding &binding)
         Store(FindSlot(hWnd), hWnd, nWindow ? nWindow : CUIWindowSlot::DOUBTED, binding.pOldProc,
               &thread);
     }
-    thread.Watch();  // now that nobody takes the thread's last binding away any more
+    // Only now: another thread may have removed this thread's last binding until here, and with it
+    // the watch.
+    thread.Watch();
 }
 
 void CUIWindowMapRemove(HWND hWnd)
@@ -168,13 +178,13 @@ static BOOL CALLBACK DoubtChild(HWND hWnd, LPARAM)
 
 void CUIWindowMapDoubt(HWND hWnd)
 {
-    // The windows inside: of a few windows, each is asked whether it is one; the system's list of
-    // them, which costs a call to it, is shorter than many.
+    // While the map has few windows, each is asked whether it is inside. When it has many, the
+    // system's list of the windows inside, which costs a call to it, is shorter.
     const bool bFew = &CUIWindowTable::Current() == &s_first;
     if (!bFew)
         EnumChildWindows(hWnd, DoubtChild, 0);
     const CChange change;
-    FreeThose([=](CUIWindowSlot &slot) {
+    FreeIf([=](CUIWindowSlot &slot) {
         if (slot.hWnd == hWnd || (bFew && IsChild(hWnd, slot.hWnd)))
             slot.nWindow |= CUIWindowSlot::DOUBTED;
         return (slot.nWindow & CUIWindowSlot::DOUBTED) && !IsWindow(slot.hWnd);
@@ -184,25 +194,31 @@ void CUIWindowMapDoubt(HWND hWnd)
 void CUIWindowMapRemoveThread(const CUIWindowThread *pThread)
 {
     const CChange change;
-    FreeThose([=](const CUIWindowSlot &slot) { return slot.pThread == pThread; });
+    FreeIf([=](const CUIWindowSlot &slot) { return slot.pThread == pThread; });
 }
 
 namespace {
 
-bool IsOfModule(HWND hWnd)
+// The atom of the system's class of dialogs.
+const DWORD DIALOG_CLASS = 32770;
+
+bool IsCodeOfModule(LONG pCode)
 {
-    if (reinterpret_cast<HINSTANCE>(GetWindowLongA(hWnd, GWL_HINSTANCE)) == CUInstance())
-        return true;
-    // A dialog box has the instance that its maker named, and the procedure of our dialogs.
-    const DWORD nDialogClass = 32770;
     MEMORY_BASIC_INFORMATION memory = {};
-    return GetClassLongA(hWnd, GCW_ATOM) == nDialogClass &&
-           VirtualQuery(reinterpret_cast<void *>(GetWindowLongA(hWnd, DWL_DLGPROC)), &memory,
-                        sizeof memory) &&
+    return VirtualQuery(reinterpret_cast<void *>(pCode), &memory, sizeof memory) &&
            memory.AllocationBase == CUInstance();
 }
 
-// Those of the map whose turn it is, for the caller to delete.
+// Whether the module made the window. A dialog does not tell by its instance, which the program
+// names, but by its dialog procedure, which is ours.
+bool IsOfModule(HWND hWnd)
+{
+    return reinterpret_cast<HINSTANCE>(GetWindowLongA(hWnd, GWL_HINSTANCE)) == CUInstance() ||
+           (GetClassLongA(hWnd, GCW_ATOM) == DIALOG_CLASS &&
+            IsCodeOfModule(GetWindowLongA(hWnd, DWL_DLGPROC)));
+}
+
+// The windows of the map whose turn it is, in an array for the caller to delete.
 HWND *WindowsToUnload(CUUnloadPhase phase, unsigned &nWindows)
 {
     const CUIWindowMapLock lock;
@@ -219,7 +235,7 @@ HWND *WindowsToUnload(CUUnloadPhase phase, unsigned &nWindows)
 
 }  // namespace
 
-// Objects let go of all windows before the first of them goes: none is told anything any more.
+// All objects let go before the first window goes, so that no handler runs any more.
 void CUIUnloadWindows(CUUnloadPhase phase)
 {
     unsigned nWindows = 0;

@@ -45,11 +45,11 @@ void CUIWindowThread::StopWaiting(const CCUIWindow *pWindow)
     }
 }
 
-// A thread that ends takes its windows along without a message to them, and their handles may come
-// back for others. So may its own number.
+// With a thread the system destroys its windows, without a message to them. Their handles may come
+// back for other windows, and its number for another thread.
 void CUIWindowThread::OnThreadExit(bool)
 {
-    // A module that is unloaded has yet to let go of them, and deletes all records then.
+    // A module that is unloaded needs the records until CUIUnloadWindows deletes them all.
     if (g_moduleEnd == CUModuleUnloads)
         return;
     CUIWindowMapRemoveThread(this);

@@ -5,15 +5,16 @@
 #include "CU/ThreadExit.h"
 #include "CUI/Window.h"
 
-// What is kept for a thread with windows, from its first one to its end: who waits for a window,
-// and the hook that hears of windows that are destroyed. The threads' records are a list, searched
-// by number: that needs no storage slot, of which a process may have no more.
+// What is kept for a thread with windows, from its first one to its end: the object that waits for
+// its window, and the hook that hears of windows that are destroyed. The other half of the window
+// map, under the same lock. The records are a list that is searched by the thread's number: of
+// thread-local slots, the other way, NT 4 has 64 a process, and they may be used up.
 class CUIWindowThread : public CCUThreadExitHandler
 {
 public:
     // The calling thread's.
     static CUIWindowThread &Current();
-    // All threads', when a module goes.
+    // Deletes all threads' records, when a module is unloaded.
     static void DeleteAll();
     // Ends the wait of an object, on whichever thread that is.
     static void StopWaiting(const CCUIWindow *pWindow);
@@ -22,8 +23,8 @@ public:
 
     // Takes the creation hook away.
     void Disarm();
-    // The map calls these, the last two while it has the lock: they count the thread's bindings.
-    // The windows are watched while there are any.
+    // For the map: a thread's windows are watched while any of them is bound. Bind and Unbind count
+    // them, under the lock.
     void Watch();
     void Bind() { ++m_nBound; }
     void Unbind();
@@ -38,5 +39,5 @@ private:
     const DWORD m_nThread;
     CUIWindowThread *m_pNext;
     int m_nBound;
-    HHOOK m_hWatch;  // null: none, or the system has refused it
+    HHOOK m_hWatch;  // null: no window is bound, or the system has refused the hook
 };

@@ -7,7 +7,8 @@ namespace {
 
 const int BLOCK = 256;
 
-// A text of that many characters may have been cut to the buffer.
+// Whether a text of that length may have been cut to the size of the buffer: beside the NUL one
+// byte stays free where the next character has two.
 bool IsCut(int nLength, int nSize)
 {
     return nSize - nLength <= 2;
