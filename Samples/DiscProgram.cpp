@@ -11,8 +11,8 @@
 
 namespace {
 
-const char *const g_programs[] = {"Fennick.exe", "RunFennick.exe", "tutorial.exe"};
-const int g_nIconSide = 48;
+const char *const PROGRAMS[] = {"Fennick.exe", "RunFennick.exe", "tutorial.exe"};
+const int ICON_SIDE = 48;
 
 CCUString ModulePath()
 {
@@ -28,12 +28,12 @@ CCUString CurrentDirectory()
     return path;
 }
 
-// The place in g_programs, or the one behind the last for any other name.
+// The place in PROGRAMS, or the one behind the last for any other name.
 UINT ProgramIndex(const CCUString &sPath)
 {
     const CCUString sName = sPath.Mid(sPath.ReverseFind('\\') + 1);
     UINT nIndex = 0;
-    for (const char *name : g_programs) {
+    for (const char *name : PROGRAMS) {
         if (sName.CompareNoCase(name) == 0)
             break;
         ++nIndex;
@@ -76,7 +76,7 @@ CDiscProgramDlg::CDiscProgramDlg(HINSTANCE hInstance)
     m_hFontHeading = CreateFontIndirectA(&font);
     // A shared icon is the system's to free.
     m_hIcon = static_cast<HICON>(LoadImageA(hInstance, MAKEINTRESOURCEA(IDI_PROGRAM), IMAGE_ICON,
-                                            g_nIconSide, g_nIconSide, LR_SHARED));
+                                            ICON_SIDE, ICON_SIDE, LR_SHARED));
 }
 
 CDiscProgramDlg::~CDiscProgramDlg()
@@ -112,14 +112,14 @@ int CDiscProgramDlg::OnEraseBkgnd(HDC hDC)
 
 void CDiscProgramDlg::DrawHeader(HDC hDC, const RECT &rectHeader)
 {
-    const int nMargin = (rectHeader.bottom - g_nIconSide) / 2;
+    const int nMargin = (rectHeader.bottom - ICON_SIDE) / 2;
     const int nState = SaveDC(hDC);
     CUIDCFillSolidRect(hDC, &rectHeader, RGB(255, 255, 255));
     RECT rectEdge = rectHeader;
     DrawEdge(hDC, &rectEdge, EDGE_ETCHED, BF_BOTTOM);
-    DrawIconEx(hDC, nMargin, nMargin, m_hIcon, g_nIconSide, g_nIconSide, 0, nullptr, DI_NORMAL);
+    DrawIconEx(hDC, nMargin, nMargin, m_hIcon, ICON_SIDE, ICON_SIDE, 0, nullptr, DI_NORMAL);
 
-    const int x = g_nIconSide + 2 * nMargin;
+    const int x = ICON_SIDE + 2 * nMargin;
     SetBkMode(hDC, TRANSPARENT);
     SetTextColor(hDC, RGB(0, 0, 0));
     SelectObject(hDC, m_hFontHeading);

@@ -16,12 +16,12 @@ volatile LONG s_bShutdown = FALSE;
 
 // Registered messages are numbered from here to the end of 16 bits. One bit for each tells in no
 // time whether it is ours.
-const unsigned int s_nFirstMessage = 0xC000;
-volatile LONG s_ourMessages[(0x10000 - s_nFirstMessage) / 32];
+const unsigned int FIRST_MESSAGE = 0xC000;
+volatile LONG s_ourMessages[(0x10000 - FIRST_MESSAGE) / 32];
 
 // The slots that have been allocated, a bit for each.
-const DWORD s_nMostSlots = 64 + 1024;
-volatile LONG s_slots[s_nMostSlots / 32];
+const DWORD MOST_SLOTS = 64 + 1024;
+volatile LONG s_slots[MOST_SLOTS / 32];
 
 CCULazyLock s_mutex;
 
@@ -55,8 +55,8 @@ unsigned int CURegisterMessageId(const char *name)
     if (!name)
         return 0;
     const unsigned int uMessage = RegisterWindowMessageA(name);
-    if (uMessage >= s_nFirstMessage) {
-        const unsigned int nBit = uMessage - s_nFirstMessage;
+    if (uMessage >= FIRST_MESSAGE) {
+        const unsigned int nBit = uMessage - FIRST_MESSAGE;
         InterlockedOr(&s_ourMessages[nBit / 32], static_cast<LONG>(1UL << nBit % 32));
     }
     return uMessage;
@@ -64,16 +64,16 @@ unsigned int CURegisterMessageId(const char *name)
 
 bool CUIsYourMessage(unsigned int uMessage)
 {
-    if (uMessage < s_nFirstMessage || uMessage > 0xFFFF)
+    if (uMessage < FIRST_MESSAGE || uMessage > 0xFFFF)
         return false;
-    const unsigned int nBit = uMessage - s_nFirstMessage;
+    const unsigned int nBit = uMessage - FIRST_MESSAGE;
     return (static_cast<DWORD>(s_ourMessages[nBit / 32]) >> nBit % 32 & 1) != 0;
 }
 
 int CUAllocateThreadLocalStorageIndex()
 {
     const DWORD nIndex = TlsAlloc();
-    if (nIndex < s_nMostSlots)
+    if (nIndex < MOST_SLOTS)
         InterlockedOr(&s_slots[nIndex / 32], static_cast<LONG>(1UL << nIndex % 32));
     return static_cast<int>(nIndex);  // TLS_OUT_OF_INDEXES is -1
 }
@@ -107,7 +107,7 @@ void CULeaveMutex()
 
 void CUUnloadSlots()
 {
-    for (DWORD nIndex = 0; nIndex < s_nMostSlots; ++nIndex) {
+    for (DWORD nIndex = 0; nIndex < MOST_SLOTS; ++nIndex) {
         if (static_cast<DWORD>(s_slots[nIndex / 32]) >> nIndex % 32 & 1)
             TlsFree(nIndex);
     }

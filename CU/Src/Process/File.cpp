@@ -7,13 +7,13 @@
 
 namespace {
 
-const unsigned int AccessMask = 0x3;
-const unsigned int ShareMask = 0x70;
-const int MostNameLength = 500;
+const unsigned int ACCESS_MASK = 0x3;
+const unsigned int SHARE_MASK = 0x70;
+const int LONGEST_NAME = 500;
 
 bool MapAccess(unsigned int nOpenFlags, DWORD &dwAccess)
 {
-    switch (nOpenFlags & AccessMask) {
+    switch (nOpenFlags & ACCESS_MASK) {
     case CCUFile::modeRead: dwAccess = GENERIC_READ; return true;
     case CCUFile::modeWrite: dwAccess = GENERIC_WRITE; return true;
     case CCUFile::modeReadWrite: dwAccess = GENERIC_READ | GENERIC_WRITE; return true;
@@ -23,7 +23,7 @@ bool MapAccess(unsigned int nOpenFlags, DWORD &dwAccess)
 
 bool MapSharing(unsigned int nOpenFlags, DWORD &dwShare)
 {
-    switch (nOpenFlags & ShareMask) {
+    switch (nOpenFlags & SHARE_MASK) {
     case 0:
     case CCUFile::shareExclusive: dwShare = 0; return true;
     case CCUFile::shareDenyWrite: dwShare = FILE_SHARE_READ; return true;
@@ -151,9 +151,9 @@ void CCUFile::Close()
 
 CCUString CUTranslateFileName(const char *name)
 {
-    char szName[MostNameLength];
+    char szName[LONGEST_NAME];
     int nLength = 0;
-    for (; name && nLength < MostNameLength && name[nLength]; ++nLength)
+    for (; name && nLength < LONGEST_NAME && name[nLength]; ++nLength)
         szName[nLength] = name[nLength] == '/' ? '\\' : name[nLength];
     return CCUString(szName, nLength);
 }

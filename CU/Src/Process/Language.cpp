@@ -18,14 +18,14 @@ struct CLanguageOffset
     unsigned int nOffset;
 };
 
-const CLanguageOffset s_offsets[] = {
+const CLanguageOffset OFFSETS[] = {
     {"english", 0},    {"french", 1000}, {"spanish", 2000},    {"german", 3000},
     {"italian", 4000}, {"dutch", 5000},  {"portuguese", 6000},
 };
 
 unsigned int OffsetOf(const CCUString &sLanguage)
 {
-    for (const CLanguageOffset &offset : s_offsets) {
+    for (const CLanguageOffset &offset : OFFSETS) {
         if (sLanguage == offset.pszName)
             return offset.nOffset;
     }

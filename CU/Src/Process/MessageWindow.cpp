@@ -8,7 +8,7 @@
 
 namespace {
 
-const char s_szClass[] = "CUMessageWindow";
+const char CLASS_NAME[] = "CUMessageWindow";
 
 CCULazyLock s_lock;
 volatile HWND s_hWnd = nullptr;
@@ -73,9 +73,9 @@ HWND MakeWindow()
     WNDCLASSA wndClass = {};
     wndClass.lpfnWndProc = MessageWindowProc;
     wndClass.hInstance = CUInstance();
-    wndClass.lpszClassName = s_szClass;
+    wndClass.lpszClassName = CLASS_NAME;
     RegisterClassA(&wndClass);  // fails when another window was there before
-    const HWND hWnd = CreateWindowExA(0, s_szClass, s_szClass, WS_POPUP, 0, 0, 0, 0, nullptr,
+    const HWND hWnd = CreateWindowExA(0, CLASS_NAME, CLASS_NAME, WS_POPUP, 0, 0, 0, 0, nullptr,
                                       nullptr, CUInstance(), nullptr);
     // The class may be from an earlier load of a module, without that one's procedure.
     if (hWnd)
@@ -141,7 +141,7 @@ void CUUnloadMessageWindow(CUUnloadPhase phase)
     }
     if (phase == CUUnloadOthers)
         return;
-    UnregisterClassA(s_szClass, CUInstance());
+    UnregisterClassA(CLASS_NAME, CUInstance());
     while (CMessageEntry *const entry = s_firstEntry) {
         s_firstEntry = entry->next;
         delete entry;

@@ -84,28 +84,28 @@ struct CTimerCode
 };
 #pragma pack(pop)
 
-const CTimerCode s_timerCode = {{0x58,              // pop  eax       return address
-                                 0x59,              // pop  ecx       timer
-                                 0x5A, 0x5A,        // pop  edx       user data
-                                 0x83, 0xC4, 0x08,  // add  esp, 8
-                                 0xE3, 0x0F,        // jecxz end      no timer: return
-                                 0x6A, 0x00,        // push 0
-                                 0x51,              // push ecx
-                                 0x68},             // push uMessage
-                                0,
-                                {0x52,   // push edx
-                                 0x50,   // push eax
-                                 0xB8},  // mov  eax, post
-                                nullptr,
-                                {0xFF, 0xE0}};  // end: jmp eax
+const CTimerCode TIMER_CODE = {{0x58,              // pop  eax       return address
+                                0x59,              // pop  ecx       timer
+                                0x5A, 0x5A,        // pop  edx       user data
+                                0x83, 0xC4, 0x08,  // add  esp, 8
+                                0xE3, 0x0F,        // jecxz end      no timer: return
+                                0x6A, 0x00,        // push 0
+                                0x51,              // push ecx
+                                0x68},             // push uMessage
+                               0,
+                               {0x52,   // push edx
+                                0x50,   // push eax
+                                0xB8},  // mov  eax, post
+                               nullptr,
+                               {0xFF, 0xE0}};  // end: jmp eax
 
 WNDPROC MakeTimerCode(UINT uMessage)
 {
     void *const place =
-        VirtualAlloc(nullptr, sizeof s_timerCode, MEM_COMMIT, PAGE_EXECUTE_READWRITE);
+        VirtualAlloc(nullptr, sizeof TIMER_CODE, MEM_COMMIT, PAGE_EXECUTE_READWRITE);
     if (!place)
         return nullptr;
-    CTimerCode code = s_timerCode;
+    CTimerCode code = TIMER_CODE;
     code.uMessage = uMessage;
     code.post = PostMessageA;
     memcpy(place, &code, sizeof code);

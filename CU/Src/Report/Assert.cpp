@@ -9,13 +9,13 @@
 namespace {
 
 // A check that fails in a loop must not fill the disk.
-const LONG MostReports = 10;
+const LONG MOST_REPORTS = 10;
 
 LONG s_nReports = 0;
 
 bool CountReport()
 {
-    return s_nReports < MostReports && InterlockedIncrement(&s_nReports) <= MostReports;
+    return s_nReports < MOST_REPORTS && InterlockedIncrement(&s_nReports) <= MOST_REPORTS;
 }
 
 }  // namespace

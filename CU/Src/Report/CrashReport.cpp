@@ -11,7 +11,7 @@
 namespace {
 
 // Raised where a virtual function is called that its class does not have yet, or no longer.
-const DWORD PureVirtualCall = 0xE0505643;
+const DWORD PURE_VIRTUAL_CALL = 0xE0505643;
 
 struct CExceptionName
 {
@@ -24,7 +24,7 @@ struct CExceptionName
         static_cast<DWORD>(code), #code \
     }
 
-const CExceptionName s_names[] = {
+const CExceptionName EXCEPTION_NAMES[] = {
     NAMED(EXCEPTION_ACCESS_VIOLATION),
     NAMED(EXCEPTION_ARRAY_BOUNDS_EXCEEDED),
     NAMED(EXCEPTION_BREAKPOINT),
@@ -49,7 +49,7 @@ const CExceptionName s_names[] = {
     NAMED(EXCEPTION_STACK_OVERFLOW),
     NAMED(STATUS_NO_MEMORY),
     NAMED(STATUS_CONTROL_C_EXIT),
-    {PureVirtualCall, "Pure Virtual Function Call"},
+    {PURE_VIRTUAL_CALL, "Pure Virtual Function Call"},
     {0xC0000135, "STATUS_DLL_NOT_FOUND"},
     {0xC0000139, "STATUS_ENTRYPOINT_NOT_FOUND"},
     {0xC0000374, "STATUS_HEAP_CORRUPTION"},
@@ -63,14 +63,14 @@ const CExceptionName s_names[] = {
 
 const char *NameOfException(DWORD dwCode)
 {
-    for (const CExceptionName &entry : s_names) {
+    for (const CExceptionName &entry : EXCEPTION_NAMES) {
         if (entry.dwCode == dwCode)
             return entry.name;
     }
     return "Unknown Exception";
 }
 
-const DWORD LongestReport = 30000;  // ms that a crashed thread waits for a report to end
+const DWORD LONGEST_REPORT = 30000;  // ms that a crashed thread waits for a report to end
 
 LONG s_bStarted = 0;
 LONG s_bShutdown = 0;
@@ -156,7 +156,7 @@ void WriteReportOnNewThread(CCrash &crash)
     DWORD dwWriter = 0;
     const HANDLE hWriter = CreateThread(nullptr, 0, WriteReport, &crash, 0, &dwWriter);
     if (hWriter) {
-        WaitForSingleObject(hWriter, LongestReport);
+        WaitForSingleObject(hWriter, LONGEST_REPORT);
         CloseHandle(hWriter);
     }
     if (hCrashed)
@@ -167,7 +167,7 @@ void WriteReportOnNewThread(CCrash &crash)
 // off.
 void WaitForReport()
 {
-    for (DWORD n = 0; !s_bReported && n < LongestReport; n += 10)
+    for (DWORD n = 0; !s_bReported && n < LONGEST_REPORT; n += 10)
         Sleep(10);
 }
 
@@ -229,5 +229,5 @@ void CUShutdownAfterCrash(bool bShutdown)
 extern "C" void __cxa_pure_virtual()  // NOLINT(readability-identifier-naming)
 {
     CUStartExceptionHandler();
-    RaiseException(PureVirtualCall, EXCEPTION_NONCONTINUABLE, 0, nullptr);
+    RaiseException(PURE_VIRTUAL_CALL, EXCEPTION_NONCONTINUABLE, 0, nullptr);
 }

@@ -21,7 +21,7 @@ enum EFunction
     fnSymGetLineFromAddr,  // missing on Windows 95 and NT 4; without the others there is no help
     fnCount
 };
-const char *const FunctionNames =
+const char *const FUNCTION_NAMES =
     "StackWalk\0"
     "SymFunctionTableAccess\0"
     "SymGetModuleBase\0"
@@ -37,7 +37,7 @@ CCULazyLock s_lock;
 bool s_bTried = false;
 bool s_bAvailable = false;
 // The library of Wine 8 uses some 12 KiB to read a program's symbols; others may use more.
-const int StackForLibrary = 0x10000;
+const int STACK_FOR_LIBRARY = 0x10000;
 
 void LoadDebugHelp()
 {
@@ -46,7 +46,7 @@ void LoadDebugHelp()
         hLibrary = CULoadSystemLibrary("imagehlp.dll");
     if (!hLibrary)
         return;
-    const char *name = FunctionNames;
+    const char *name = FUNCTION_NAMES;
     for (int i = 0; i < fnCount; ++i, name += strlen(name) + 1) {
         s_functions[i] = GetProcAddress(hLibrary, name);
         if (!s_functions[i] && i != fnSymGetLineFromAddr)
@@ -85,7 +85,7 @@ bool HasEnoughStack()
     const char *const here = static_cast<const char *>(__builtin_frame_address(0));
     MEMORY_BASIC_INFORMATION memory;
     return VirtualQuery(here, &memory, sizeof memory) &&
-           here - static_cast<const char *>(memory.AllocationBase) >= StackForLibrary;
+           here - static_cast<const char *>(memory.AllocationBase) >= STACK_FOR_LIBRARY;
 }
 
 struct CQuestion

@@ -8,11 +8,11 @@
 namespace {
 
 // In pieces, or it would hold trigraphs.
-const char Pattern[] =
+const char REPORT_PATTERN[] =
     "\\ZELTrace-????"
     "-??"
     "-??.txt";
-const long SecondsOfDay = 24 * 60 * 60;
+const long SECONDS_PER_DAY = 24 * 60 * 60;
 
 }  // namespace
 
@@ -22,13 +22,13 @@ int CUPurgeTraceFiles(int daysToKeep)
     const CCUTime now;
     char szPath[2 * MAX_PATH];
     char *const name = szPath + CUFindTempDirectory(szPath);
-    if (daysToKeep >= now.GetTime() / SecondsOfDay || name == szPath)
+    if (daysToKeep >= now.GetTime() / SECONDS_PER_DAY || name == szPath)
         return 0;
     // At noon, so that days of 23 and 25 hours do not count for another.
     const CCUTime noon(now.GetYear(), now.GetMonth(), now.GetDay(), 12, 0, 0);
-    const CCUTimeSpan age(daysToKeep > 0 ? daysToKeep * SecondsOfDay : 0);
+    const CCUTimeSpan age(daysToKeep > 0 ? daysToKeep * SECONDS_PER_DAY : 0);
     const CCUString sOldestToKeep = (noon - age).Format("ZELTrace-%Y-%m-%d.txt");
-    lstrcpynA(name, Pattern, MAX_PATH);
+    lstrcpynA(name, REPORT_PATTERN, MAX_PATH);
     WIN32_FIND_DATAA data;
     const HANDLE find = FindFirstFileA(szPath, &data);
     if (find == INVALID_HANDLE_VALUE)

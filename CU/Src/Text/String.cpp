@@ -175,7 +175,7 @@ CCUString::CCUString(char ch, int nRepeat)
 // operator= is inline in the header, and the compiler (GCC 12, clang 14) exports no such function.
 // Programs that were linked with an earlier version, where it was not inline, import it: so it is
 // compiled here once more, and exported by hand.
-__attribute__((used)) static CCUString &(CCUString::*const s_pAssign)(const CCUString &) =
+__attribute__((used)) static CCUString &(CCUString::*const ASSIGN)(const CCUString &) =
     &CCUString::operator=;
 asm(".section .drectve\n.ascii \" -export:\\\"_ZN9CCUStringaSERKS_\\\"\"\n.text");
 #endif

@@ -42,9 +42,10 @@ public:
     }
 
 private:
-    // These two are named so because the report quotes them.
+    // NOLINTBEGIN(readability-identifier-naming): the report quotes these two
     char szBuffer[128];
     char *pch = szBuffer;
+    // NOLINTEND(readability-identifier-naming)
     bool m_bCut = false;
     bool m_bReported = false;
 };

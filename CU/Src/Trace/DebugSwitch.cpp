@@ -8,7 +8,7 @@
 
 namespace {
 
-const char s_szVariable[] = "CU_DEBUG";
+const char VARIABLE[] = "CU_DEBUG";
 CCULazyLock s_lock;  // the first reading and the setting of a value
 CCUDebugSwitch *volatile s_pFirst = nullptr;
 
@@ -63,12 +63,12 @@ void ReadSetting(const char *text, const char *path, const char *name, long *val
 long ReadEnvironment(const char *path, const char *name)
 {
     long nValue = 0;
-    const DWORD nSize = GetEnvironmentVariableA(s_szVariable, nullptr, 0);
+    const DWORD nSize = GetEnvironmentVariableA(VARIABLE, nullptr, 0);
     char *const settings = nSize ? static_cast<char *>(malloc(nSize)) : nullptr;
     if (!settings)
         return 0;
     // Another thread may have made it longer since; then it does not count.
-    if (GetEnvironmentVariableA(s_szVariable, settings, nSize) < nSize) {
+    if (GetEnvironmentVariableA(VARIABLE, settings, nSize) < nSize) {
         settings[nSize - 1] = '\0';
         for (const char *text = settings; text; text = strchr(text, ';')) {
             text += *text == ';';

@@ -16,10 +16,10 @@
 
 namespace {
 
-const int DumpBufferSize = 2048;
+const int DUMP_BUFFER_SIZE = 2048;
 // How deep the overrun callback is told of files that its own texts have filled; one that always
 // dumps more than a file may hold would have no end.
-const int MostOverruns = 8;
+const int MOST_OVERRUNS = 8;
 
 struct CDumpWindow
 {
@@ -88,7 +88,7 @@ void CDumpOutputs::PostToWindows(const CCUString &sText) const
 
 void CDumpOutputs::TellOverrun()
 {
-    if (!m_pOverrunCallback || m_nTellingOverrun >= MostOverruns)
+    if (!m_pOverrunCallback || m_nTellingOverrun >= MOST_OVERRUNS)
         return;
     ++m_nTellingOverrun;
     m_pOverrunCallback->OnFileOverrun();
@@ -169,10 +169,10 @@ void CUDump(const char *format, ...)
 {
     const CCUKeepLastError keepLastError;
     // Filled with zeros: a conversion that the C library gives up leaves no NUL behind.
-    char szBuffer[DumpBufferSize] = "";
+    char szBuffer[DUMP_BUFFER_SIZE] = "";
     va_list args;
     va_start(args, format);
-    const int nLength = _vsnprintf(szBuffer, DumpBufferSize - 1, format, args);
+    const int nLength = _vsnprintf(szBuffer, DUMP_BUFFER_SIZE - 1, format, args);
     va_end(args);
     CU_ASSERT_TEXT(nLength >= 0, "nLength < DumpBufferSize");
     CUDumpString(szBuffer, -1);

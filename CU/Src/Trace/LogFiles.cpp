@@ -17,11 +17,11 @@
 
 namespace {
 
-const DWORD MillisecondsOfDay = 86400000;
+const DWORD MILLISECONDS_PER_DAY = 86400000;
 // "ZELLog-2001-12-31": what two files of one day have in common.
-const size_t DayLength = 17;
+const size_t DAY_LENGTH = 17;
 // In pieces, because "??-" within one literal would be a trigraph.
-const char LogFilePattern[] =
+const char LOG_FILE_PATTERN[] =
     "\\ZELLog-????"
     "-??"
     "-??"
@@ -30,7 +30,7 @@ const char LogFilePattern[] =
     "-??.txt";
 // Enough names for every process that may start within a second; an end for a file system that
 // claims to hold each of them.
-const int MostNames = 86400;
+const int MOST_NAMES = 86400;
 
 bool FindTempDirectory(CCUString &sTempDir)
 {
@@ -74,7 +74,7 @@ FILE *CreateNew(const char *name, bool &bTaken)
 // `time` is then.
 FILE *CreateNamedByTime(const CCUString &sTempDir, CCUTime &time, CCUString &sName)
 {
-    for (int i = 0; i < MostNames; ++i, time += CCUTimeSpan(1)) {
+    for (int i = 0; i < MOST_NAMES; ++i, time += CCUTimeSpan(1)) {
         const CCUString sTimed = time.Format("\\ZELLog-%Y-%m-%d-%H-%M-%S.txt");
         // Past the last second that a time can hold.
         if (sTimed.IsEmpty())
@@ -150,7 +150,7 @@ bool CCULogFiles::Write(const CCUString &sText)
 bool CCULogFiles::NeedsNewFile(bool &bOverrun) const
 {
     // Unsigned, so that a process that was silent for weeks counts as old too.
-    if (!m_file || GetTickCount() - m_nStartTime > MillisecondsOfDay)
+    if (!m_file || GetTickCount() - m_nStartTime > MILLISECONDS_PER_DAY)
         return true;
     bOverrun = m_settings.nMaxFileSize > 0 &&
                m_nWritten > static_cast<unsigned long>(m_settings.nMaxFileSize);
@@ -223,7 +223,7 @@ void CCULogFiles::ListFiles(const CCUString &sTempDir)
 {
     m_knownFiles.Empty();
     WIN32_FIND_DATAA data;
-    const CCUFindHandle find(FindFirstFileA(sTempDir + LogFilePattern, &data));
+    const CCUFindHandle find(FindFirstFileA(sTempDir + LOG_FILE_PATTERN, &data));
     for (bool bFound = bool(find); bFound; bFound = FindNextFileA(find, &data) != FALSE)
         m_knownFiles.Add(data.cFileName);
     m_knownFiles.Sort([](const CCUString &s1, const CCUString &s2) { return s1 < s2; });
@@ -235,7 +235,7 @@ int CCULogFiles::CountOlderThanDaysToKeep() const
     const char *day = "";
     for (int i = m_knownFiles.Count() - 1; i >= 0; --i) {
         const char *name = m_knownFiles[i];
-        if (strncmp(name, day, DayLength) == 0)
+        if (strncmp(name, day, DAY_LENGTH) == 0)
             continue;
         day = name;
         if (++nDays > m_settings.nDaysToKeep)

@@ -5,7 +5,7 @@
 
 namespace {
 
-const DWORD nKept = 100;  // milliseconds
+const DWORD KEPT_FOR = 100;  // milliseconds
 
 }  // namespace
 
@@ -16,7 +16,7 @@ int CCUIDepthMemo::Of(HDC hDC)
         return GetDeviceCaps(hDC, BITSPIXEL);
     const DWORD dwNow = GetTickCount();
     const HGDIOBJ hBitmap = GetCurrentObject(hDC, OBJ_BITMAP);
-    if (hDC != m_hDC || hBitmap != m_hBitmap || dwNow - m_dwAsked > nKept ||
+    if (hDC != m_hDC || hBitmap != m_hBitmap || dwNow - m_dwAsked > KEPT_FOR ||
         CUIGetWinData()->bWin9x) {
         m_hDC = hDC;
         m_hBitmap = hBitmap;
