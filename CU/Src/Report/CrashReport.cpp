@@ -2,6 +2,7 @@
 
 #include <stdio.h>
 
+#include "Base/Handle.h"
 #include "Base/KeepLastError.h"
 #include "Base/Module.h"
 #include "Process/ThreadExit.h"
@@ -149,18 +150,14 @@ DWORD WINAPI WriteReport(void *parameter)
 // After a stack overflow the thread has no room left for a report: another one writes it.
 void WriteReportOnNewThread(CCrash &crash)
 {
-    HANDLE hCrashed = nullptr;
-    DuplicateHandle(GetCurrentProcess(), GetCurrentThread(), GetCurrentProcess(), &hCrashed, 0,
-                    FALSE, DUPLICATE_SAME_ACCESS);
+    CCUObjectHandle hCrashed;
+    DuplicateHandle(GetCurrentProcess(), GetCurrentThread(), GetCurrentProcess(),
+                    hCrashed.Receive(), 0, FALSE, DUPLICATE_SAME_ACCESS);
     crash.hThread = hCrashed;
     DWORD dwWriter = 0;
-    const HANDLE hWriter = CreateThread(nullptr, 0, WriteReport, &crash, 0, &dwWriter);
-    if (hWriter) {
+    const CCUObjectHandle hWriter(CreateThread(nullptr, 0, WriteReport, &crash, 0, &dwWriter));
+    if (hWriter)
         WaitForSingleObject(hWriter, LONGEST_REPORT);
-        CloseHandle(hWriter);
-    }
-    if (hCrashed)
-        CloseHandle(hCrashed);
 }
 
 // Lets the report of another thread's crash come to its end, which the end of the process would cut

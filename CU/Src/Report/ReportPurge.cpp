@@ -1,3 +1,4 @@
+#include "Base/Handle.h"
 #include "Base/KeepLastError.h"
 #include "Base/TempDirectory.h"
 #include "CU/CrashReport.h"
@@ -30,8 +31,8 @@ int CUPurgeTraceFiles(int daysToKeep)
     const CCUString sOldestToKeep = (noon - age).Format("ZELTrace-%Y-%m-%d.txt");
     lstrcpynA(name, REPORT_PATTERN, MAX_PATH);
     WIN32_FIND_DATAA data;
-    const HANDLE find = FindFirstFileA(szPath, &data);
-    if (find == INVALID_HANDLE_VALUE)
+    const CCUFindHandle find(FindFirstFileA(szPath, &data));
+    if (!find)
         return 0;
     int nDeleted = 0;
     do {
@@ -42,6 +43,5 @@ int CUPurgeTraceFiles(int daysToKeep)
         if (DeleteFileA(szPath))
             ++nDeleted;
     } while (FindNextFileA(find, &data));
-    FindClose(find);
     return nDeleted;
 }
