@@ -1,6 +1,8 @@
 #pragma once
 
 #include <functional>
+#include <utility>
+#include <vector>
 
 #include "CU/Platform.h"
 
@@ -8,33 +10,24 @@
 class CThreads
 {
 public:
-    enum
-    {
-        Most = 32
-    };
     static void Run(int nThreads, const std::function<void(int nThread)> &work)
     {
-        CStart starts[Most];
-        HANDLE threads[Most] = {};
-        for (int i = 0; i < nThreads; ++i) {
-            starts[i] = {&work, i};
-            DWORD nId = 0;
-            threads[i] = CreateThread(nullptr, 0, Start, &starts[i], 0, &nId);
-        }
-        WaitForMultipleObjects(static_cast<DWORD>(nThreads), threads, TRUE, INFINITE);
+        std::vector<std::pair<std::function<void(int)>, int>> starts;
         for (int i = 0; i < nThreads; ++i)
-            CloseHandle(threads[i]);
+            starts.emplace_back(work, i);
+        std::vector<HANDLE> threads;
+        for (auto &start : starts)
+            threads.push_back(CreateThread(nullptr, 0, Start, &start, 0, nullptr));
+        WaitForMultipleObjects(threads.size(), threads.data(), TRUE, INFINITE);
+        for (const HANDLE hThread : threads)
+            CloseHandle(hThread);
     }
 
 private:
-    struct CStart
+    static DWORD WINAPI Start(void *p)
     {
-        const std::function<void(int)> *work;
-        int nThread;
-    };
-    static DWORD WINAPI Start(void *start)
-    {
-        (*static_cast<CStart *>(start)->work)(static_cast<CStart *>(start)->nThread);
+        const auto &start = *static_cast<std::pair<std::function<void(int)>, int> *>(p);
+        start.first(start.second);
         return 0;
     }
 };
