@@ -66,21 +66,8 @@ void Start()
     SetLastError(0x5A5A);
 }
 
-decltype(&GetProcAddress) s_find;
-
-// A debug-help library that faults, as the system's did on Windows 95.
-FARPROC WINAPI FindFaulty(HMODULE hLibrary, const char *name)
-{
-    const bool bWalk = !IS_INTRESOURCE(name) && strcmp(name, "StackWalk") == 0;
-    return bWalk ? reinterpret_cast<FARPROC>(WriteToNull) : s_find(hLibrary, name);
-}
-
 }  // namespace
 
-CHILD_PROCESS(WriteToNull)
-{
-    Start(), WriteToNull();
-}
 CHILD_PROCESS(CallNull)
 {
     Start(), CallNull();
@@ -110,10 +97,14 @@ CHILD_PROCESS(CrashAgain)
     CURegisterExceptionHandler([](FILE *) { RaiseUnknown(); });
     WriteToNull();
 }
+// With a debug-help library that faults, as the system's did on Windows 95.
 CHILD_PROCESS(FaultyHelp)
 {
-    const CImportHook hook("GetProcAddress", FindFaulty);
-    s_find = hook.Original<decltype(GetProcAddress)>();
+    const CFakeCall<FARPROC(HMODULE, LPCSTR)> find(
+        "GetProcAddress", [&](HMODULE hLibrary, LPCSTR name) {
+            const bool bWalk = !IS_INTRESOURCE(name) && strcmp(name, "StackWalk") == 0;
+            return bWalk ? reinterpret_cast<FARPROC>(WriteToNull) : find.Original(hLibrary, name);
+        });
     Start();
     CUDisplayAssert("reported", "Source", 1);
     WriteToNull();
@@ -140,28 +131,24 @@ TEST_P(CrashReport, NamesWhatEscapedAndLeavesTheEndToWhoeverIsToMakeIt)
     // Free memory belongs to nobody.
     EXPECT_EQ(std::string::npos, text.find("\n00000000 ")) << text;
     size_t n = 0;
-    const std::string function = GetParam().function, name = GetParam().name;
-    for (const std::string &part :
-         {"Exception:" + name + "  Code:", std::string("Last Error:5a5a\r\n"),
-          std::string("\r\nEAX:"), std::string("\r\nEIP:"), "CUTests.exe" + function + "+0x",
-          std::string("\r\nthe handler's line\r\n")})
+    for (const char *part : {GetParam().name, "  Code:", "Last Error:5a5a\r\n", "\r\nEAX:",
+                             "\r\nEIP:", GetParam().function, "\r\nthe handler's line\r\n"})
     {
         n = text.find(part, n);
         ASSERT_NE(std::string::npos, n) << part << "\n" << text;
     }
 }
 
-#define ACCESS "EXCEPTION_ACCESS_VIOLATION"
-INSTANTIATE_TEST_SUITE_P(
-    , CrashReport,
-    testing::Values(CCase{"WriteToNull", 0xC0000005, ACCESS, " WriteToNull"},
-                    CCase{"CallNull", 0xC0000005, ACCESS, " CallNull"},
-                    CCase{"OverflowStack", 0xC00000FD, "EXCEPTION_STACK_OVERFLOW", " Recurse"},
-                    CCase{"CallIt", 77, "Pure Virtual Function Call", " CAbstract::CallIt"},
-                    CCase{"Shutdown", 0xE1234567, "Unknown Exception", " RaiseUnknown"},
-                    CCase{"CrashAgain", 0xE1234567, ACCESS, " WriteToNull"},
-                    CCase{"FaultyHelp", 0xC0000005, ACCESS, ""}),
-    [](const auto &crash) { return crash.param.part; });
+const char *const ACCESS = "Exception:EXCEPTION_ACCESS_VIOLATION";
+const CCase s_cases[] = {
+    {"CallNull", 0xC0000005, ACCESS, "CUTests.exe CallNull+0x"},
+    {"OverflowStack", 0xC00000FD, "Exception:EXCEPTION_STACK_OVERFLOW", "CUTests.exe Recurse+0x"},
+    {"CallIt", 77, "Exception:Pure Virtual Function Call", "CUTests.exe CAbstract::CallIt+0x"},
+    {"Shutdown", 0xE1234567, "Exception:Unknown Exception", "CUTests.exe RaiseUnknown+0x"},
+    {"CrashAgain", 0xE1234567, ACCESS, "CUTests.exe WriteToNull+0x"},
+    {"FaultyHelp", 0xC0000005, ACCESS, "CUTests.exe+0x"}};
+INSTANTIATE_TEST_SUITE_P(, CrashReport, testing::ValuesIn(s_cases),
+                         [](const auto &crash) { return crash.param.part; });
 
 static HANDLE s_inPlace, s_goOn;
 
@@ -188,40 +175,18 @@ TEST(StackTrace, WalksAnotherThreadAndLetsItGoOn)
     EXPECT_STREQ("", szStack);
 }
 
-// Whoever held itself, or two that held each other, would hang.
-TEST(StackTrace, ThreadsMayWalkThemselvesAndEachOther)
-{
-    static HANDLE s_threads[2];
-    static LONG s_nReady = 0;
-    CThreads::Run(2, [](int nThread) {
-        char szStack[4096];
-        DuplicateHandle(GetCurrentProcess(), GetCurrentThread(), GetCurrentProcess(),
-                        &s_threads[nThread], 0, FALSE, DUPLICATE_SAME_ACCESS);
-        CUGetStackTrace(s_threads[nThread], szStack, sizeof szStack);
-        EXPECT_NE(nullptr, strstr(szStack, "CThreads::Start"));
-        InterlockedIncrement(&s_nReady);
-        while (InterlockedExchangeAdd(&s_nReady, 0) < 2)
-            Sleep(0);
-        for (int i = 0; i < 100; ++i)
-            CUGetStackTrace(s_threads[1 - nThread], szStack, i ? 1 : sizeof szStack);
-    });
-}
-
 TEST(StackTrace, LeavesOutWhatDoesNotFitByWholeLines)
 {
     char szAll[4096];
     SetLastError(17);
     const int nAll = CUGetStackTrace(GetCurrentThread(), szAll, sizeof szAll);
     EXPECT_EQ(17u, GetLastError());
-    EXPECT_NE(nullptr, strstr(szAll, "CrashReportTest.cpp("));
     EXPECT_EQ(nAll, std::count(szAll, szAll + strlen(szAll), '\n'));
     // Around what the first line takes, which differs by the call's place in this function.
     const size_t nLine = strcspn(szAll, "\n") + 1;
-    for (const size_t nSize : {0u, 1u, nLine - 1, nLine, nLine + 1}) {
+    for (const size_t nSize : {1u, nLine - 1, nLine, nLine + 1, nLine + 2}) {
         CGuardedBuffer buffer(nSize);
         const int nLines = CUGetStackTrace(GetCurrentThread(), buffer.Data(), nSize);
-        if (nSize == 0)
-            continue;
         const std::string text = buffer.Data();
         EXPECT_EQ(nLines, std::count(text.begin(), text.end(), '\n'));
         EXPECT_TRUE(text.empty() || text.back() == '\n');

@@ -13,13 +13,6 @@ namespace {
 
 typedef std::vector<std::string> CNames;
 
-DWORD s_nTicks;
-
-DWORD WINAPI FakeTicks()
-{
-    return s_nTicks;
-}
-
 std::string NameOf(time_t time)
 {
     char szName[64];
@@ -31,21 +24,17 @@ std::string NameOf(time_t time)
 class LogFiles : public testing::Test
 {
 protected:
-    LogFiles() { s_nTicks = 1000000; }
-
     const CTemporaryDirectory m_directory;
     const CFakeTime m_clock;
-    const CImportHook m_ticks{"GetTickCount", FakeTicks};
+    DWORD m_nTicks = 1000000;
+    const CFakeCall<DWORD()> m_ticking{"GetTickCount", [this] { return m_nTicks; }};
+    std::string m_names;
     const time_t m_noon = CFakeTime::s_now = CFakeTime::Local(2020, 6, 15, 12);
 };
 
 struct CCallbacks : CCUDumpNewFileCallback, CCUDumpFileOverrunCallback
 {
-    void OnNewFile() override
-    {
-        m_calls += 'n';
-        CUDump("from the new-file callback");
-    }
+    void OnNewFile() override { m_calls += 'n'; }
     void OnFileOverrun() override
     {
         m_calls += 'o';
@@ -81,14 +70,13 @@ TEST_F(LogFiles, NamesGoOnInOrderWhileTheClockDoes)
 {
     // Each text makes a file, beside which pruning leaves the newest one.
     CUDumpConfigLogFileManagement(30, 2, 1, true);
-    CUDump("text");
-    const int steps[][3] = {{0, 1, 0}, {1, 2, 0}, {2, 3, 2}, {3, 9, 9}, {2, 9, 2}};
-    for (const auto &step : steps) {
-        CFakeTime::s_now = m_noon + step[2];
+    for (const int nClock : {0, 0, 0, 2, 9, 2}) {
+        CFakeTime::s_now = m_noon + nClock;
         CUDump("text");
-        EXPECT_EQ((CNames{NameOf(m_noon + step[0]), NameOf(m_noon + step[1])}),
-                  m_directory.Files("*"));
+        for (const std::string &name : m_directory.Files("*"))
+            m_names += name.substr(24, 2) + (name == m_directory.Files("*").back() ? " " : ",");
     }
+    EXPECT_EQ("00 00,01 01,02 02,03 03,09 02,09 ", m_names);
 }
 
 TEST_F(LogFiles, AFullFileIsContinuedByTheNextText)
@@ -115,30 +103,26 @@ TEST_F(LogFiles, AFullFileIsContinuedByTheNextText)
     CUDumpConfigLogFileManagement(30, 50, 1, false);
     CUDump("next");
     EXPECT_EQ("nonononononononon", callbacks.m_calls);
-    CUDumpSetFileOverrunCallback(nullptr);
-    CUDumpSetNewFileCallback(nullptr);
-    CUDump("next");
-    EXPECT_EQ(17u, callbacks.m_calls.size());
 }
 
 TEST_F(LogFiles, AFileIsReplacedWhenItIsOlderThanADay)
 {
     CCallbacks callbacks;
     CUDumpSetFileOverrunCallback(&callbacks);
-    s_nTicks = 0xFFFFFFFF - 1000;
+    m_nTicks = 0xFFFFFFFF - 1000;
     CUDump("a");
     CUDumpConfigLogFileManagement(30, 50, 1, false);  // old and full: replaced for its age
     CFakeTime::s_now += 86400;
-    s_nTicks += 86400001;
+    m_nTicks += 86400001;
     CUDump("b");
     EXPECT_EQ((CNames{NameOf(m_noon), NameOf(m_noon + 86400)}), m_directory.Files("*"));
     EXPECT_EQ("", callbacks.m_calls);
     CUDumpConfigLogFileManagement(30, 50, 0, false);
-    s_nTicks += 86400000;
+    m_nTicks += 86400000;
     CUDump("c");
     EXPECT_EQ(2u, m_directory.Files("*").size());
     // Without a directory the old file stays and the next text tries again.
-    ++s_nTicks;
+    ++m_nTicks;
     CTemporaryDirectory::Set(m_directory.Path() + "\\missing");
     CUDump("d");
     CTemporaryDirectory::Set(m_directory.Path());
@@ -150,30 +134,26 @@ TEST_F(LogFiles, AFileIsReplacedWhenItIsOlderThanADay)
 
 TEST_F(LogFiles, PruningKeepsTheNewestDaysAndFiles)
 {
-    const struct
-    {
-        int nDays, nFilesADay;  // what is there
-        int nDaysToKeep, nFilesToKeep;
-        bool bManageAll;
-        int nAfterConfig, nAfterDump;  // what is left, the new file not counted
-    } cases[] = {{1, 60, 30, 50, true, 50, 49},  {1, 60, 30, 50, false, 60, 60},
-                 {1, 49, 30, 50, true, 49, 49},  {33, 3, 30, 500, false, 91, 91},
-                 {30, 3, 30, 500, true, 90, 90}, {5, 2, -1, 50, true, 1, 1},
-                 {5, 2, 9, -7, true, 0, 0}};
+    // Days and files a day that are there, days and files to keep, whether to manage all; what is
+    // left then, and after the next text, its file not counted.
+    const int cases[][7] = {{1, 60, 30, 50, 1, 50, 49},  {1, 60, 30, 50, 0, 60, 60},
+                            {1, 49, 30, 50, 1, 49, 49},  {33, 3, 30, 500, 0, 91, 91},
+                            {30, 3, 30, 500, 1, 90, 90}, {5, 2, -1, 50, 1, 1, 1},
+                            {5, 2, 9, -7, 1, 0, 0}};
     for (const auto &c : cases) {
         const CTemporaryDirectory directory;
         CUDumpConfigLogFileManagement(30, 50, 0, false);  // nothing is known
         CNames all;
-        for (int i = c.nDays * c.nFilesADay; i-- > 0;) {
-            all.push_back(NameOf(m_noon - (i / c.nFilesADay + 1) * 86400 - i % c.nFilesADay));
+        for (int i = c[0] * c[1]; i-- > 0;) {
+            all.push_back(NameOf(m_noon - (i / c[1] + 1) * 86400 - i % c[1]));
             directory.Make(all.back());
         }
-        CUDumpConfigLogFileManagement(c.nDaysToKeep, c.nFilesToKeep, 0, c.bManageAll);
-        EXPECT_EQ(CNames(all.end() - c.nAfterConfig, all.end()), directory.Files("*"));
-        s_nTicks += 86400001;
+        CUDumpConfigLogFileManagement(c[2], c[3], 0, c[4] != 0);
+        EXPECT_EQ(CNames(all.end() - c[5], all.end()), directory.Files("*"));
+        m_nTicks += 86400001;
         CUDump("opens another file, in this directory");
         all.push_back(NameOf(m_noon));
-        EXPECT_EQ(CNames(all.end() - c.nAfterDump - 1, all.end()), directory.Files("*"));
+        EXPECT_EQ(CNames(all.end() - c[6] - 1, all.end()), directory.Files("*"));
     }
     // A process that manages its own files alone deletes those that it has made.
     CUDumpConfigLogFileManagement(30, 2, 1, false);
@@ -186,8 +166,7 @@ TEST_F(LogFiles, PruningKeepsTheNewestDaysAndFiles)
     int nDays = 0, nFiles = 0;
     long nSize = 0;
     bool bManageAll = true;
-    CUDumpGetConfigLogFileManagement(&nDays, &nFiles, nullptr, nullptr);
-    CUDumpGetConfigLogFileManagement(nullptr, nullptr, &nSize, &bManageAll);
+    CUDumpGetConfigLogFileManagement(&nDays, &nFiles, &nSize, &bManageAll);
     EXPECT_EQ(30 + 2 + 1, nDays + nFiles + nSize);
     EXPECT_FALSE(bManageAll);
 }

@@ -34,20 +34,18 @@ TEST(Time, NegativeValuesBecomeTheMaximumExceptInCompoundOperators)
     // Neither the difference nor comparisons look at the replaced value.
     EXPECT_EQ(101, (CCUTime(100L) - time).GetSpan());
     EXPECT_LT(time, CCUTime(0L));
-    // What has no fields answers 0 for all of them.
-    EXPECT_EQ(0, time.GetYear() + time.GetMonth() + time.GetDayOfWeek());
     EXPECT_EQ(s_nMaximum - 1, (time -= CCUTimeSpan(-s_nMaximum)).GetTime());
 }
 
 TEST(Time, NowIsTheSystemsNow)
 {
-    const long nBefore = static_cast<long>(time(nullptr));
     SYSTEMTIME local;
     GetLocalTime(&local);
     FILETIME file;
     GetSystemTimeAsFileTime(&file);
+    const long nNow = static_cast<long>(time(nullptr));
     for (const CCUTime &now : {CCUTime(), CCUTime::GetTickCount(), CCUTime(local), CCUTime(file)})
-        EXPECT_LE(static_cast<unsigned long>(now.GetTime() - nBefore), 60u);
+        EXPECT_LE(abs(now.GetTime() - nNow), 60);
     local.wYear = 1899;
     EXPECT_EQ(0, CCUTime(local).GetTime());
     file.dwHighDateTime = 0xFFFFFFFF;
@@ -105,16 +103,15 @@ TEST(TimeSpan, SplitsFormatsAndParses)
 {
     CReports reports;
     const CCUTimeSpan negative(-1, 0, 0, 30);
-    EXPECT_EQ(-86370 - 1439 - 23,
-              negative.GetSpan() + negative.GetTotalMinutes() + negative.GetTotalHours());
+    EXPECT_EQ(-23, negative.GetTotalHours());
     // 128 characters fit; of more only the first do.
-    const CCUString sLine('x', 128), sShort = sLine.Left(127);
-    const CCUString cases[][3] = {{"%D %H:%M:%S", "0 -23:-59:-30", ""},
-                                  {"%%1 %D,%%", "%1 0,%", ""},
-                                  {"a%x%", "ax", "0; 0"},
-                                  {sLine, sLine, ""},
-                                  {sLine + 'y', sLine, "pch < &szBuffer[128]"},
-                                  {sShort + "%H", sShort + '-', "pch < &szBuffer[128]"}};
+    const CCUString sLine('x', 128);
+    const CCUString cases[][3] = {
+        {"%%1 %D %H:%M:%S%%", "%1 0 -23:-59:-30%", ""},
+        {"a%x%", "ax", "0; 0"},
+        {sLine, sLine, ""},
+        {sLine + 'y', sLine, "pch < &szBuffer[128]"},
+        {sLine.Left(127) + "%H", sLine.Left(127) + '-', "pch < &szBuffer[128]"}};
     for (const auto &item : cases) {
         const auto format = [&] { EXPECT_STREQ(item[1], negative.Format(item[0])); };
         EXPECT_STREQ(item[2], reports.Of("Time", format).c_str());
@@ -126,7 +123,6 @@ TEST(TimeSpan, SplitsFormatsAndParses)
     EXPECT_TRUE(span.Parse("1:-2:3:400 more"));
     EXPECT_EQ(86400 - 7200 + 180 + 400, span.GetSpan());
     EXPECT_EQ(79779 + 79781, (span - 1L).GetSpan() + (span + 1L).GetSpan());
-    EXPECT_LT(span -= 1L, CCUTimeSpan(79780));
 }
 
 TEST(Time, GeneratedTextsAreSafe)

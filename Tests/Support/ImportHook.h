@@ -3,6 +3,9 @@
 #include <stdlib.h>
 #include <string.h>
 
+#include <functional>
+#include <utility>
+
 #include "CU/Platform.h"
 
 // Puts a function of the test in the place of the one that a pointer of the program leads to, for
@@ -71,4 +74,29 @@ private:
         }
         abort();
     }
+};
+
+// Has a function of the test answer the calls of an imported one. The type is the function's
+// without its calling convention; no two of one type at a time.
+template <typename Function>
+class CFakeCall;
+template <typename Result, typename... Arguments>
+class CFakeCall<Result(Arguments...)>
+{
+public:
+    CFakeCall(const char *name, std::function<Result(Arguments...)> answer) : m_hook(name, Call)
+    {
+        s_answer = std::move(answer);
+    }
+    // What the system answers.
+    Result Original(Arguments... arguments) const
+    {
+        return m_hook.template Original<Result WINAPI(Arguments...)>()(arguments...);
+    }
+
+private:
+    static Result WINAPI Call(Arguments... arguments) { return s_answer(arguments...); }
+
+    inline static std::function<Result(Arguments...)> s_answer;
+    CImportHook m_hook;
 };
