@@ -5,36 +5,23 @@
 #include <string>
 
 #include "CU/File.h"
-#include "Support/ImportHook.h"
+#include "Support/FailingCall.h"
 #include "Support/Reports.h"
-
-namespace {
-
-// Access, sharing, creation and inheritance that the system was asked for last.
-typedef std::array<DWORD, 4> COpening;
-COpening s_opening;
-
-BOOL WINAPI Fail(HANDLE)
-{
-    SetLastError(ERROR_DISK_FULL);
-    return FALSE;
-}
-
-}  // namespace
 
 TEST(File, OpenHandsItsFlagsToTheSystem)
 {
+    // Access, sharing, creation and inheritance that the system was asked for last.
+    typedef std::array<DWORD, 4> COpening;
+    COpening opening;
     const CReports reports;
     const CFakeCall<HANDLE(const char *, DWORD, DWORD, SECURITY_ATTRIBUTES *, DWORD, DWORD, HANDLE)>
-        createFile("CreateFileA",
-                   [](const char *name, DWORD dwAccess, DWORD dwShare,
-                      SECURITY_ATTRIBUTES *security, DWORD dwCreation, DWORD, HANDLE) {
-                       EXPECT_STREQ("name", name);
-                       s_opening = {dwAccess, dwShare, dwCreation,
-                                    static_cast<DWORD>(security->bInheritHandle)};
-                       SetLastError(ERROR_SHARING_VIOLATION);
-                       return INVALID_HANDLE_VALUE;
-                   });
+        createFile("CreateFileA", [&](const char *, DWORD dwAccess, DWORD dwShare,
+                                      SECURITY_ATTRIBUTES *security, DWORD dwCreation, DWORD,
+                                      HANDLE) {
+            opening = {dwAccess, dwShare, dwCreation, static_cast<DWORD>(security->bInheritHandle)};
+            SetLastError(ERROR_SHARING_VIOLATION);
+            return INVALID_HANDLE_VALUE;
+        });
     const DWORD R = GENERIC_READ, W = GENERIC_WRITE, SR = FILE_SHARE_READ, SW = FILE_SHARE_WRITE;
     const std::pair<unsigned int, COpening> cases[] = {
         {0x0, {R, 0, OPEN_EXISTING, 1}},    {0x11, {W, 0, OPEN_EXISTING, 1}},
@@ -48,14 +35,14 @@ TEST(File, OpenHandsItsFlagsToTheSystem)
         EXPECT_EQ(static_cast<DWORD>(ERROR_SHARING_VIOLATION), GetLastError());
         EXPECT_FALSE(file.isOpen());
         EXPECT_STREQ("name", file.GetFileName());
-        EXPECT_EQ(c.second, s_opening) << c.first;
+        EXPECT_EQ(c.second, opening) << c.first;
     }
     EXPECT_EQ(1, reports.Count("(nOpenFlags & typeText) == 0", "File"));
-    s_opening = {};
+    opening = {};
     for (const unsigned int nFlags : {0x3u, 0x50u, 0x60u, 0x1070u})
         EXPECT_EQ(0, CCUFile().Open("name", nFlags));
     EXPECT_EQ(4, reports.Count("0", "File"));
-    EXPECT_EQ(COpening(), s_opening);
+    EXPECT_EQ(COpening(), opening);
 }
 
 TEST(File, ReadsWritesAndSeeks)
@@ -104,8 +91,9 @@ TEST(File, ReportsMisuseAndGoesOn)
     EXPECT_EQ("lpBuf != 0", reported([&] { EXPECT_EQ(0u, file.Write(nullptr, 1)); }));
     EXPECT_EQ("nFrom == begin || nFrom == end || nFrom == current; 0",
               reported([&] { EXPECT_EQ(-1, file.Seek(0, 3)); }));
-    const CImportHook flush("FlushFileBuffers", Fail), close("CloseHandle", Fail);
-    EXPECT_EQ("0; 0", reported([&] { file.Flush(), file.Close(); }));
+    const CFailingCall<BOOL(HANDLE)> noClose("CloseHandle");
+    CFailPlan::Start(CFailPlan::ALL);
+    EXPECT_EQ("0", reported([&] { file.Close(); }));
     EXPECT_FALSE(file.isOpen());
 }
 
@@ -125,12 +113,11 @@ TEST(File, MakesTheDirectoriesThatAreMissing)
         return CCUFileCreateDirs((base + path).c_str(), nEndsInFileName);
     };
     EXPECT_EQ(0, CCUFileCreateDirs("", 0));
-    EXPECT_EQ(1, make("/a/b/file.txt", 1));
-    EXPECT_TRUE(std::filesystem::is_directory(base + "\\a\\b"));
-    EXPECT_FALSE(std::filesystem::exists(base + "\\a\\b\\file.txt"));
-    EXPECT_EQ(1, make("/a/b/file.txt", 0));
-    EXPECT_TRUE(std::filesystem::is_directory(base + "\\a\\b\\file.txt"));
     EXPECT_EQ(1, CCUFileCreateDirs("no directory in it", 1));
+    EXPECT_EQ(1, make("/a/b/name", 1));
+    EXPECT_FALSE(std::filesystem::exists(base + "\\a\\b\\name"));
+    EXPECT_EQ(1, make("/a/b/name", 0));
+    EXPECT_TRUE(std::filesystem::is_directory(base + "\\a\\b\\name"));
     // A file in the way counts as present; what would lie under it cannot be made.
     directory.Make("plain");
     EXPECT_EQ(1, make("\\plain\\x", 1));
@@ -141,26 +128,17 @@ TEST(File, MakesTheDirectoriesThatAreMissing)
     // Of a network path the share comes first.
     std::string tested, made;
     const CFakeCall<DWORD(const char *)> nothingExists("GetFileAttributesA", [&](std::string path) {
-        tested += path + ";";
-        return INVALID_FILE_ATTRIBUTES;
+        return tested += path + ";", INVALID_FILE_ATTRIBUTES;
     });
-    const CFakeCall<BOOL(const char *, void *)> makeAll("CreateDirectoryA",
-                                                        [&](std::string path, void *) {
-                                                            made += path + ";";
-                                                            return TRUE;
-                                                        });
-    const struct
-    {
-        const char *path;
-        int nEndsInFileName;
-        const char *prefixes;
-    } cases[] = {{"//server/share/dir/name", 1, "\\\\server\\share\\;\\\\server\\share\\dir\\;"},
-                 {"C:\\a\\b", 0, "C:\\;C:\\a\\;C:\\a\\b\\;"},
-                 {"C:\\a\\b", 1, "C:\\;C:\\a\\;"}};
+    const CFakeCall<BOOL(const char *, void *)> makeAll(
+        "CreateDirectoryA", [&](std::string path, void *) { return made += path + ";", TRUE; });
+    const char *const cases[][2] = {
+        {"//server/share/dir/name", "\\\\server\\share\\;\\\\server\\share\\dir\\;"},
+        {"C:\\a\\b", "C:\\;C:\\a\\;"}};
     for (const auto &c : cases) {
         tested = made = "";
-        EXPECT_EQ(1, CCUFileCreateDirs(c.path, c.nEndsInFileName));
-        EXPECT_EQ(c.prefixes, tested);
-        EXPECT_EQ(c.prefixes, made);
+        EXPECT_EQ(1, CCUFileCreateDirs(c[0], 1));
+        EXPECT_EQ(c[1], tested);
+        EXPECT_EQ(c[1], made);
     }
 }

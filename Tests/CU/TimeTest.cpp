@@ -1,10 +1,6 @@
 #include <gtest/gtest.h>
 
-#include <random>
-
 #include "CU/Time.h"
-#include "Support/Fuzz.h"
-#include "Support/GuardedBuffer.h"
 #include "Support/Reports.h"
 
 namespace {
@@ -123,25 +119,4 @@ TEST(TimeSpan, SplitsFormatsAndParses)
     EXPECT_TRUE(span.Parse("1:-2:3:400 more"));
     EXPECT_EQ(86400 - 7200 + 180 + 400, span.GetSpan());
     EXPECT_EQ(79779 + 79781, (span - 1L).GetSpan() + (span + 1L).GetSpan());
-}
-
-TEST(Time, GeneratedTextsAreSafe)
-{
-    const CTemporaryDirectory directory;
-    std::mt19937 random(7);
-    const char alphabet[] = "0123456789012345::://// -+%%DHMSaApPxXlsZz#\x80\xFF";
-    CGuardedBuffer buffer(400);
-    for (int i = 0; i < FuzzInputs(10000); ++i) {
-        const unsigned nLength = random() % (i % 16 ? 24 : 400);
-        char *text = buffer.Data() + 399 - nLength;
-        for (unsigned n = 0; n < nLength; ++n)
-            text[n] = alphabet[random() % (sizeof alphabet - 1)];
-        text[nLength] = '\0';
-        const CCUTime start(static_cast<long>(random() >> 1));
-        ASSERT_NE("changed", Parsed(start, text)) << text;
-        CCUTimeSpan span(static_cast<long>(random()));
-        span.Parse(text);
-        ASSERT_LE(span.Format(text).GetLength(), 128) << text;
-        ASSERT_LT(start.FormatGmt(text).GetLength(), 128) << text;
-    }
 }

@@ -1,10 +1,7 @@
 #include <gtest/gtest.h>
 
-#include <random>
-
 #include "CU/Clock.h"
 #include "CU/Time.h"
-#include "Support/Fuzz.h"
 #include "Support/ImportHook.h"
 #include "Support/Reports.h"
 
@@ -97,24 +94,6 @@ TEST(TimeZone, EndOfDaylightTimeMovedOverMidnightStaysOnItsDay)
     zone.DaylightBias = 60;
     EXPECT_TRUE(isDaylight(0, 30, 0));
     EXPECT_FALSE(isDaylight(0, 30, 1));
-}
-
-TEST(TimeZone, RecordsOfNonsenseAreSafe)
-{
-    std::mt19937 random(1);
-    for (int i = 0; i < FuzzInputs(20000); ++i) {
-        TIME_ZONE_INFORMATION zone;
-        for (WORD *p = reinterpret_cast<WORD *>(&zone); p != reinterpret_cast<WORD *>(&zone + 1);)
-            *p++ = static_cast<WORD>(random());
-        zone.StandardDate.wMonth = static_cast<WORD>(random() % (i % 2 ? 14 : 0xFFFF));
-        zone.DaylightDate.wMonth = static_cast<WORD>(random() % (i % 2 ? 14 : 0xFFFF));
-        tm record;
-        const CCUTime time(static_cast<long>(random() >> 1));
-        const tm *result = time.GetLocalTm(&record, &zone);
-        ASSERT_LT(time.FormatTZI("%Z%%Z%z", &zone).GetLength(), 128) << i;
-        // Standard time of a month that does not exist.
-        ASSERT_TRUE(!result || zone.DaylightDate.wMonth <= 12 || result->tm_isdst == 0) << i;
-    }
 }
 
 TEST(TimeZone, NullStandsForTheCurrentZone)

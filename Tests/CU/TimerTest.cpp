@@ -40,18 +40,6 @@ protected:
     std::unique_ptr<CTestTimer> a = Make('a'), b = Make('b'), c = Make('c'), d = Make('d');
 };
 
-// Serves the thread's messages until the condition holds; gives up after half a minute.
-template <typename F>
-void PumpUntil(F condition)
-{
-    const DWORD nStart = GetTickCount();
-    while (!condition() && GetTickCount() - nStart < 30000) {
-        MsgWaitForMultipleObjects(0, nullptr, FALSE, 1000, QS_ALLINPUT);
-        CFakeClock::Pump();
-    }
-    EXPECT_TRUE(condition());
-}
-
 }  // namespace
 
 // Against a list that is kept in order, while the clock wraps.
@@ -152,19 +140,18 @@ TEST_F(Timer, AfterShutdownNothingIsArmedOrKilledAndNoDeadObjectIsServed)
 
 TEST_F(Timer, SlowAndCrowdedPassesAreTracedOnRequest)
 {
-    CCUDebugSwitch &debug = *CCUDebugSwitch::Find("\\Debug\\Timer", "TimerDebug");
     char szExpected[200];
     const int cases[][4] = {{0, 1, 5000, 0}, {1, 200, 1000, 0}, {1, 201, 0, 1}, {1, 1, 1001, 1}};
     for (const auto &test : cases) {
-        debug.Set(test[0]);
+        CCUDebugSwitch::Find("\\Debug\\Timer", "TimerDebug")->Set(test[0]);
         std::vector<CTestTimer> timers(static_cast<size_t>(test[1]));
         timers.back().m_action = [&] { m_clock.Jump(static_cast<DWORD>(test[2])); };
         for (CTestTimer &timer : timers)
             timer.SetAlarm(0);
         m_dumped.m_text.clear();
         m_clock.Pump();
-        sprintf(szExpected, " TimeOut took %d (called at %d, finished at %d\n)\nFor object ",
-                test[2], static_cast<int>(CUGetTime()) - test[2], static_cast<int>(CUGetTime()));
+        sprintf(szExpected, " TimeOut took %d (called at %lu, finished at %lu\n)\nFor object ",
+                test[2], CUGetTime() - static_cast<unsigned long>(test[2]), CUGetTime());
         EXPECT_EQ(test[3], m_dumped.m_text.find(szExpected) != std::string::npos);
         EXPECT_EQ(test[3], !m_dumped.m_text.empty());
     }
@@ -221,7 +208,8 @@ TEST(TimerTask, FirstHalfSecondAsksForNoTimerBehindTheStartTick)
     soon.SetAlarm(500);
     soon.KillAlarm();
     clock.Jump(300);
-    PumpUntil([&] { return clock.m_delays.size() > 1; });  // the window timer, in real time
+    while (clock.m_delays.size() < 2)  // the window timer, in real time
+        Sleep(1), clock.Pump();
     EXPECT_EQ((std::vector<UINT>{500, 201}), clock.m_delays);
     EXPECT_FALSE(KillTimer(TimerTaskWindow(), 1));  // it fires once
     // A thread that ends kills its timer or lets it run out.
@@ -241,7 +229,8 @@ static void ServeOnThreads()
         CTestTimer &timer = timers[static_cast<size_t>(nThread)];
         timers[static_cast<size_t>(nThread) + 8].SetAlarm(3600000);
         timer.SetAlarm(20);
-        PumpUntil([&] { return timer.m_nCalls > 0; });
+        while (timer.m_nCalls == 0)
+            Sleep(1), CFakeClock::Pump();
         timer.SetAlarm(0);
     });
     EXPECT_EQ(nullptr, TimerTaskWindow());

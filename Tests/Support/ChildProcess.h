@@ -18,7 +18,8 @@ public:
     {
         SetEnvironmentVariableA("TEST_PART", nullptr);
     }
-    static bool Play(const char *part, void (*play)())
+    template <typename F>
+    static bool Play(const char *part, F play)
     {
         const char *wanted = getenv("TEST_PART");
         if (!wanted || strcmp(wanted, part) != 0)
