@@ -100,8 +100,7 @@ TEST(File, ReportsMisuseAndGoesOn)
 TEST(File, TranslatesNamesUpTo500Characters)
 {
     EXPECT_STREQ("\\\\a\\b c\\d\\", CUTranslateFileName("\\/a/b c\\d/"));
-    EXPECT_STREQ("", CUTranslateFileName(nullptr));
-    for (const int nLength : {499, 500, 501, 32000})
+    for (const int nLength : {0, 499, 500, 501, 32000})
         EXPECT_EQ(CCUString('\\', nLength).Left(500), CUTranslateFileName(CCUString('/', nLength)));
 }
 

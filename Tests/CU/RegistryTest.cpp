@@ -6,18 +6,16 @@ namespace {
 
 const CCUString s_root = "Software\\CURegistryTest";
 
-// A key of the test alone, without what a run that did not come to its end has left.
-class Registry : public testing::Test
+bool IsThere(const char *pszKey)
 {
-protected:
-    Registry() { DeleteAll(); }
-    ~Registry() override { DeleteAll(); }
-    static void DeleteAll() { CCURegistry(HKEY_CURRENT_USER, nullptr, false).DeleteKey(s_root); }
-    static bool IsThere(const char *pszKey)
-    {
-        return CCURegistry(HKEY_CURRENT_USER, s_root + pszKey).IsOpen();
-    }
-    CCUString m_sText = "unchanged";
+    return CCURegistry(HKEY_CURRENT_USER, s_root + pszKey).IsOpen();
+}
+
+// A key of the test alone, without what a run that did not come to its end has left.
+struct Registry : testing::Test
+{
+    Registry() { CCURegistry(HKEY_CURRENT_USER, nullptr, false).DeleteKey(s_root); }
+    CCUString m_sText;
 };
 
 }  // namespace

@@ -194,11 +194,10 @@ TEST(String, AgreesWithTheStandardStringOnRandomTexts)
 TEST(String, ChangesCaseAsTheSystemDoesAndSpaceAsTheLibraryDoes)
 {
     for (int i = 1; i < 256; ++i) {
-        char text[] = {static_cast<char>(i), static_cast<char>(i), '\0'};
+        char text[] = {static_cast<char>(i), '\0'};
         CCUString left(text), right(text), upper(text), lower(text);
         left.TrimLeft(), right.TrimRight(), upper.MakeUpper(), lower.MakeLower();
-        EXPECT_EQ(left.IsEmpty(), isspace(i) != 0) << i;
-        EXPECT_EQ(right, left) << i;
+        EXPECT_EQ(left.GetLength() + right.GetLength(), isspace(i) ? 0 : 2) << i;
         EXPECT_STREQ(upper, CharUpperA(text));
         EXPECT_STREQ(lower, CharLowerA(text));
     }

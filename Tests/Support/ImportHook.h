@@ -11,17 +11,17 @@
 // Puts a function of the test in the place of the one that a pointer of the program leads to, for
 // as long as the object lives: a clock that stands where the test wants it, a system call that
 // fails. The code under test pays nothing for it.
-class CHook
+class CFunctionHook
 {
 public:
     template <typename F>
-    CHook(void **slot, F *function) : m_slot(slot), m_old(*slot)
+    CFunctionHook(void **slot, F *function) : m_slot(slot), m_old(*slot)
     {
         Set(reinterpret_cast<void *>(function));
     }
-    ~CHook() { Set(m_old); }
-    CHook(const CHook &) = delete;
-    CHook &operator=(const CHook &) = delete;
+    ~CFunctionHook() { Set(m_old); }
+    CFunctionHook(const CFunctionHook &) = delete;
+    CFunctionHook &operator=(const CFunctionHook &) = delete;
 
     // What really stands there, for the test's function to go on to.
     template <typename F>
@@ -44,11 +44,11 @@ private:
 
 // The same for a function that the program imports. The name is the system's, such as
 // "GetTickCount"; a name that the program does not import ends the test.
-class CImportHook : public CHook
+class CImportHook : public CFunctionHook
 {
 public:
     template <typename F>
-    CImportHook(const char *name, F *function) : CHook(Find(name), function)
+    CImportHook(const char *name, F *function) : CFunctionHook(Find(name), function)
     {
     }
 

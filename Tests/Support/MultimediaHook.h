@@ -11,10 +11,10 @@ inline DWORD MultimediaTime()
 
 // Puts a function of the test in the place of one of winmm.dll, for as long as the object lives.
 template <typename F>
-class CMultimediaHook : public CHook
+class CMultimediaHook : public CFunctionHook
 {
 public:
-    CMultimediaHook(F &slot, F function) : CHook(Loaded(slot), function) {}
+    CMultimediaHook(F &slot, F function) : CFunctionHook(Loaded(slot), function) {}
 
 private:
     // The library writes over what stands there when it is loaded.
