@@ -44,8 +44,10 @@ protected:
     {
         CTexts lines;
         std::istringstream text(m_directory.Contents("ZELLog-*"));
-        for (std::string line; std::getline(text, line);)
-            line[0] == '*' || line[0] == 'S' ? void() : lines.push_back(line);
+        for (std::string line; std::getline(text, line);) {
+            if (line[0] != '*' && line[0] != 'S')
+                lines.push_back(line);
+        }
         std::sort(lines.begin(), lines.end());
         return lines;
     }

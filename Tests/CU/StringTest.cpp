@@ -124,8 +124,12 @@ static void PlayAtRandom()
             a.ReleaseBuffer(n), text.assign(static_cast<size_t>(n), ' ');
             break;
         case 9: a.Format("<%s>", Chars(a)), text = "<" + std::string(text.c_str()) + ">"; break;
-        case 10: text.empty() ? void() : (a.SetAt(0, 'X'), void(text[0] = 'X')); break;
-        default: CProbe::DataOf(a)->nRefs < 0 ? a.UnlockBuffer() : void(a.LockBuffer());
+        case 10: a.LockBuffer(); break;
+        default:
+            if (CProbe::DataOf(a)->nRefs < 0)
+                a.UnlockBuffer();
+            if (a.GetLength() > 0)
+                a.SetAt(0, 'X'), text[0] = 'X';
         }
         for (int k = 0; k < 4; ++k) {
             ASSERT_EQ(Text(strings[k]), texts[k]) << i << " operation " << nOp;
