@@ -7,6 +7,7 @@
 // The C library's clock standing where the test sets it.
 struct CFakeTime
 {
+    CFakeTime() : m_hook("time", Now) {}
     // A time of the current zone.
     static time_t Local(int nYear, int nMonth, int nDay, int nHour = 0)
     {
@@ -16,5 +17,5 @@ struct CFakeTime
     static time_t Now(time_t *) { return s_now; }
 
     inline static time_t s_now;
-    const CImportHook m_hook{"time", Now};
+    const CImportHook m_hook;
 };
