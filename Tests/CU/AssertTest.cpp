@@ -54,10 +54,10 @@ TEST(Assert, AppendsAReportToTheDaysFile)
             static_cast<const char *>(CCUTime().Format("%x %X")), CheckLine);
     EXPECT_EQ(0u, text.find(szText)) << text;
     // The stack, the innermost first, with the line of the caller.
-    const size_t nFailed = text.find("CUTests.exe FailTheCheck+0x", strlen(szText));
-    sprintf(szText, "AssertTest.cpp(%d)\r\n", CheckLine);
+    const size_t nFailed = text.find(" CUTests.exe FailTheCheck+0x", strlen(szText));
+    sprintf(szText, " AssertTest.cpp(%d)\r\n", CheckLine);
     const size_t nCheck = text.find(szText, nFailed);
-    sprintf(szText, "AssertTest.cpp(%d)\r\n", nLine);
+    sprintf(szText, " AssertTest.cpp(%d)\r\n", nLine);
     EXPECT_NE(std::string::npos, text.find(szText, nCheck)) << text;
     EXPECT_NE(std::string::npos, text.find("\r\n\r\nfleeting\r\nfirst\r\nfirst\r\n"));
     CUUnregisterExceptionHandler(First);
@@ -78,10 +78,7 @@ TEST(Assert, ReportsTheFirstTenFailuresOnly)
         EXPECT_EQ(0, CUDisplayAssert("a", "Source", 1));
     }
     CTemporaryDirectory::Set(directory.Path());
-    CThreads::Run(8, [](int) {
-        for (int i = 0; i < 4; ++i)
-            CUDisplayAssert("b", "Source", 1);
-    });
+    CThreads::Run(32, [](int) { CUDisplayAssert("b", "Source", 1); });
     EXPECT_EQ(8, s_nReports);
 }
 

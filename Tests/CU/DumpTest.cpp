@@ -107,6 +107,7 @@ TEST_F(Dump, BringsATextToEveryOutputInOrder)
     CUDumpString(nullptr, 5);
     ExpectEvents({"ab", "debugger:ab", "", "debugger:"});
     CUDumpRegister(nullptr);
+    CUDump("goes on");
     EXPECT_NE(std::string::npos,
               m_directory.Contents("ZELTrace-*").find("Assert:pCallback != NULL"));
 }
@@ -122,12 +123,13 @@ TEST_F(Dump, CutsWhatDoesNotFitIntoItsBuffer)
 
 TEST_F(Dump, CallbacksMayDumpComeAndGoWhileCalled)
 {
-    CCallback last, inner([&] {
+    CCallback next, last, inner([&] {
         CUDump("nested");
         CUDumpUnRegister(&m_first);
         CUDumpUnRegister(&inner);
+        CUDumpUnRegister(&next);
     });
-    for (CCallback *pCallback : {&m_first, &inner, &last})
+    for (CCallback *pCallback : {&m_first, &inner, &next, &last})
         CUDumpRegister(pCallback);
     CUDump("a");
     CUDump("b");

@@ -127,10 +127,14 @@ TEST(File, MakesTheDirectoriesThatAreMissing)
     // Of a network path the share comes first.
     std::string tested, made;
     const CFakeCall<DWORD(const char *)> nothingExists("GetFileAttributesA", [&](std::string path) {
-        return tested += path + ";", INVALID_FILE_ATTRIBUTES;
+        tested += path + ";";
+        return INVALID_FILE_ATTRIBUTES;
     });
-    const CFakeCall<BOOL(const char *, void *)> makeAll(
-        "CreateDirectoryA", [&](std::string path, void *) { return made += path + ";", TRUE; });
+    const CFakeCall<BOOL(const char *, void *)> makeAll("CreateDirectoryA",
+                                                        [&](std::string path, void *) {
+                                                            made += path + ";";
+                                                            return TRUE;
+                                                        });
     const char *const cases[][2] = {
         {"//server/share/dir/name", "\\\\server\\share\\;\\\\server\\share\\dir\\;"},
         {"C:\\a\\b", "C:\\;C:\\a\\;"}};

@@ -160,8 +160,5 @@ TEST_F(LogFiles, PruningKeepsTheNewestDaysAndFiles)
     EXPECT_EQ((CNames{NameOf(m_noon), NameOf(m_noon + 102), NameOf(m_noon + 103)}),
               m_directory.Files("*"));
     int nFiles = 0;
-    bool bManageAll = true;
-    CUDumpGetConfigLogFileManagement(nullptr, &nFiles, nullptr, &bManageAll);
-    EXPECT_EQ(2, nFiles);
-    EXPECT_FALSE(bManageAll);
+    CUDumpGetConfigLogFileManagement(nullptr, &nFiles, nullptr, nullptr);
 }
