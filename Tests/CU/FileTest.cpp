@@ -107,7 +107,7 @@ TEST(File, TranslatesNamesUpTo500Characters)
 TEST(File, MakesTheDirectoriesThatAreMissing)
 {
     const CTemporaryDirectory directory;
-    const std::string base = directory.Path();
+    const std::string &base = directory.Path();
     const auto make = [&](const char *path, int nEndsInFileName) {
         return CCUFileCreateDirs((base + path).c_str(), nEndsInFileName);
     };
@@ -126,12 +126,13 @@ TEST(File, MakesTheDirectoriesThatAreMissing)
         directory.Contents("ZELLog-*").find("CreateDirectory " + base + "\\plain\\x\\ error\r\n"));
     // Of a network path the share comes first.
     std::string tested, made;
-    const CFakeCall<DWORD(const char *)> nothingExists("GetFileAttributesA", [&](std::string path) {
-        tested += path + ";";
-        return INVALID_FILE_ATTRIBUTES;
-    });
+    const CFakeCall<DWORD(const char *)> nothingExists("GetFileAttributesA",
+                                                       [&](const std::string &path) {
+                                                           tested += path + ";";
+                                                           return INVALID_FILE_ATTRIBUTES;
+                                                       });
     const CFakeCall<BOOL(const char *, void *)> makeAll("CreateDirectoryA",
-                                                        [&](std::string path, void *) {
+                                                        [&](const std::string &path, void *) {
                                                             made += path + ";";
                                                             return TRUE;
                                                         });

@@ -12,12 +12,13 @@ class CThreads
 public:
     static void Run(int nThreads, const std::function<void(int nThread)> &work)
     {
-        std::vector<std::pair<std::function<void(int)>, int>> starts;
-        for (int i = 0; i < nThreads; ++i)
-            starts.emplace_back(work, i);
-        std::vector<HANDLE> threads;
-        for (auto &start : starts)
-            threads.push_back(CreateThread(nullptr, 0, Start, &start, 0, nullptr));
+        const auto nCount = static_cast<size_t>(nThreads);
+        std::vector<std::pair<std::function<void(int)>, int>> starts(nCount);
+        std::vector<HANDLE> threads(nCount);
+        for (size_t i = 0; i < nCount; ++i) {
+            starts[i] = {work, static_cast<int>(i)};
+            threads[i] = CreateThread(nullptr, 0, Start, &starts[i], 0, nullptr);
+        }
         WaitForMultipleObjects(threads.size(), threads.data(), TRUE, INFINITE);
         for (const HANDLE hThread : threads)
             CloseHandle(hThread);
