@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <random>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "Support/GuardedBuffer.h"
@@ -104,6 +105,7 @@ static void PlayAtRandom()
 {
     CCUString strings[4];
     std::string texts[4];
+    bool locked[4] = {};
     for (int i = 0; i < 30000; ++i) {
         const int nA = Number(4), nB = Number(4), n = Number(strings[nB].GetLength() + 1);
         CCUString &a = strings[nA];
@@ -124,14 +126,17 @@ static void PlayAtRandom()
             a.ReleaseBuffer(n), text.assign(static_cast<size_t>(n), ' ');
             break;
         case 9: a.Format("<%s>", Chars(a)), text = "<" + std::string(text.c_str()) + ">"; break;
-        case 10: a.LockBuffer(); break;
+        case 10: a.LockBuffer(), locked[nA] = true; break;
         default:
-            if (CProbe::DataOf(a)->nRefs < 0)
+            if (std::exchange(locked[nA], false))
                 a.UnlockBuffer();
             if (a.GetLength() > 0)
                 a.SetAt(0, 'X'), text[0] = 'X';
         }
+        locked[nA] = locked[nA] && Chars(a) != CUPchNil;
         for (int k = 0; k < 4; ++k) {
+            const bool bAlone = locked[k] || Chars(strings[k]) == CUPchNil;
+            ASSERT_EQ(CProbe::DataOf(strings[k])->nRefs < 0, bAlone) << i << " operation " << nOp;
             ASSERT_EQ(Text(strings[k]), texts[k]) << i << " operation " << nOp;
             ASSERT_EQ(Chars(strings[k])[texts[k].size()], '\0') << i << " operation " << nOp;
         }
@@ -146,7 +151,12 @@ TEST(String, CopiesAreIndependent)
         PlayAtRandom();
         EXPECT_EQ(heap.Live(), 0);
     }
-    PlayAtRandom();  // with the blocks that the first thread keeps
+    // With the blocks that the first thread keeps, some of each size.
+    std::vector<CCUString> many;
+    for (int i = 0; i < 100; ++i)
+        many.push_back(CCUString('x', 17 + i % 4));
+    many.clear();
+    PlayAtRandom();
     EXPECT_EQ(reports.Total(), 0);
 }
 
