@@ -9,13 +9,9 @@ class CStartedProgram : public CProcess
 {
 public:
     // Returns when the program shows a window, or has ended without.
-    explicit CStartedProgram(std::string commandLine, const std::string &folder = ".")
+    explicit CStartedProgram(const std::string &commandLine, const std::string &folder = ".")
+        : CProcess(commandLine, folder.c_str())
     {
-        STARTUPINFOA startup = {};
-        startup.cb = sizeof startup;
-        if (!CreateProcessA(nullptr, &commandLine[0], nullptr, nullptr, FALSE, 0, nullptr,
-                            folder.c_str(), &startup, &m_process))
-            return;
         while (!m_hWnd && WaitForSingleObject(m_process.hProcess, 20) == WAIT_TIMEOUT)
             EnumWindows(Find, reinterpret_cast<LPARAM>(this));
     }
@@ -33,7 +29,7 @@ private:
         auto &self = *reinterpret_cast<CStartedProgram *>(lParam);
         DWORD nProcess = 0;
         GetWindowThreadProcessId(hWnd, &nProcess);
-        if (nProcess == self.m_process.dwProcessId && IsWindowVisible(hWnd))
+        if (nProcess == self.Id() && IsWindowVisible(hWnd))
             self.m_hWnd = hWnd;
         return !self.m_hWnd;
     }
