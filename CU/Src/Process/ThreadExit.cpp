@@ -128,18 +128,27 @@ void WINAPI OnFiberLocalEnd(void *)
     // The slot is being freed, for the value of whatever thread.
     if (s_nFlsIndex == TLS_OUT_OF_INDEXES)
         return;
-    // When the process ends without `exit`, the system has already killed the other threads, maybe
-    // in the middle of something; no handler is worth the risk of waiting for what they held.
-    if (!s_shutdownInProgress())
+    // When the process ends, the system has already killed the other threads, maybe in the middle
+    // of something; no handler is worth the risk of waiting for what they held.
+    if (s_shutdownInProgress())
+        CCULazyLock::DeleteAll();
+    else
         CCUThreadExitList::RunAtThreadEnd();
 }
 
-void NTAPI OnLoaderNotice(void *, DWORD nReason, void *pProcessEnds)
+bool IsProgram()
+{
+    return CUInstance() == GetModuleHandleA(nullptr);
+}
+
+// Windows calls a program's callback at the end of the process, too. Wine 8 does not; there the
+// slot above tells it, if the last thread has one. A module's end is told to Module.cpp.
+void NTAPI OnLoaderNotice(void *, DWORD nReason, void *)
 {
     if (nReason == DLL_THREAD_DETACH)
         CCUThreadExitList::RunAtThreadEnd();
-    else if (nReason == DLL_PROCESS_DETACH && pProcessEnds)
-        CCULazyLock::DeleteAll();  // this is the last thread
+    else if (nReason == DLL_PROCESS_DETACH && IsProgram())
+        CCULazyLock::DeleteAll();
 }
 
 // Has the system tell the calling thread's end.
