@@ -114,6 +114,7 @@ typedef BOOLEAN WINAPI ShutdownInProgressFunction();
 
 volatile LONG s_nFlsState = 0;
 DWORD s_nFlsIndex = TLS_OUT_OF_INDEXES;
+FlsAllocFunction *s_flsAlloc = nullptr;
 FlsSetValueFunction *s_flsSetValue = nullptr;
 ShutdownInProgressFunction *s_shutdownInProgress = nullptr;
 
@@ -151,17 +152,24 @@ void NTAPI OnLoaderNotice(void *, DWORD nReason, void *)
         CCULazyLock::DeleteAll();
 }
 
+void FindSystemFunctions()
+{
+    s_flsAlloc = SystemFunction<FlsAllocFunction>("kernel32.dll", "FlsAlloc");
+    s_flsSetValue = SystemFunction<FlsSetValueFunction>("kernel32.dll", "FlsSetValue");
+    s_shutdownInProgress =
+        SystemFunction<ShutdownInProgressFunction>("ntdll.dll", "RtlDllShutdownInProgress");
+}
+
 // Has the system tell the calling thread's end.
 void WatchThreadEnd()
 {
+    // Not within CUOnce: it takes the loader's lock, which a thread that waits there may hold.
+    // Threads that meet find the same.
+    if (s_nFlsState != CUOnceDone)
+        FindSystemFunctions();
     CUOnce(s_nFlsState, [] {
-        FlsAllocFunction *const flsAlloc =
-            SystemFunction<FlsAllocFunction>("kernel32.dll", "FlsAlloc");
-        s_flsSetValue = SystemFunction<FlsSetValueFunction>("kernel32.dll", "FlsSetValue");
-        s_shutdownInProgress =
-            SystemFunction<ShutdownInProgressFunction>("ntdll.dll", "RtlDllShutdownInProgress");
-        if (flsAlloc && s_flsSetValue && s_shutdownInProgress)
-            s_nFlsIndex = flsAlloc(OnFiberLocalEnd);
+        if (s_flsAlloc && s_flsSetValue && s_shutdownInProgress)
+            s_nFlsIndex = s_flsAlloc(OnFiberLocalEnd);
     });
     if (s_nFlsIndex != TLS_OUT_OF_INDEXES)
         s_flsSetValue(s_nFlsIndex, &s_nFlsIndex);  // any value but null
