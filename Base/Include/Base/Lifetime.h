@@ -76,7 +76,7 @@ public:
         return Object();
     }
     // Null when there is none.
-    T *IfMade() { return m_nState ? &Object() : nullptr; }
+    T *IfMade() { return m_nState == CUOnceDone ? &Object() : nullptr; }
 
 private:
     T &Object() { return *reinterpret_cast<T *>(m_memory); }
