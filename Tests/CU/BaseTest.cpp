@@ -9,7 +9,10 @@
 
 #include "Base/CallbackList.h"
 #include "Base/Lifetime.h"
+#include "Base/Lock.h"
+#include "CU/ThreadExit.h"
 #include "Support/ChildProcess.h"
+#include "Support/ImportHook.h"
 
 namespace {
 
@@ -93,6 +96,44 @@ CHILD_PROCESS(LastCalls)
 TEST(Lifetime, LastCallsComeBehindTheDestructorsTheLatestFirst)
 {
     EXPECT_EQ(7u, CChildProcess("LastCalls").ExitCode());
+}
+
+CCULazyLock g_lock;
+bool g_bDeleted = false;
+
+struct CHandler : CCUThreadExitHandler
+{
+    void OnThreadExit(bool) override {}
+} g_handler;
+
+void WINAPI NoteDeleted(CRITICAL_SECTION *section)
+{
+    g_bDeleted = g_bDeleted || section->OwningThread != nullptr;
+}
+
+// The system calls slots in their order, so this one's comes behind the framework's.
+void WINAPI AtTheVeryEnd(void *)
+{
+    TerminateProcess(GetCurrentProcess(), g_bDeleted ? 7 : 1);
+}
+
+CHILD_PROCESS(LockedEnd)
+{
+    typedef void WINAPI FlsCallback(void *);
+    const HMODULE hKernel = GetModuleHandleA("kernel32.dll");
+    CURegisterThreadExitHandler(&g_handler);
+    const DWORD nSlot = reinterpret_cast<DWORD(WINAPI *)(FlsCallback *)>(
+        GetProcAddress(hKernel, "FlsAlloc"))(AtTheVeryEnd);
+    reinterpret_cast<BOOL(WINAPI *)(DWORD, void *)>(GetProcAddress(hKernel, "FlsSetValue"))(
+        nSlot, &g_lock);
+    const CImportHook hook("DeleteCriticalSection", NoteDeleted);
+    g_lock.Enter();
+    ExitProcess(2);
+}
+
+TEST(Lifetime, LastThreadDeletesTheLocks)
+{
+    EXPECT_EQ(7u, CChildProcess("LockedEnd").ExitCode());
 }
 
 }  // namespace

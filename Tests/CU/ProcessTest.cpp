@@ -122,6 +122,45 @@ TEST(Process, ThreadsHaveSlotsAndExitHandlersOfTheirOwn)
     EXPECT_EQ(10, reports.Count("at the end", "Source"));
 }
 
+struct CIdleHandler : CCUThreadExitHandler
+{
+    void OnThreadExit(bool) override {}
+};
+
+DWORD WINAPI Register(void *)
+{
+    CURegisterThreadExitHandler(new CIdleHandler);
+    return 0;
+}
+
+decltype(&GetProcAddress) s_getProcAddress;
+
+// Stands for a thread that waits for the loader's lock, while another one, which has it, registers.
+FARPROC WINAPI LetAnotherThreadRegister(HMODULE hLibrary, const char *name)
+{
+    static bool s_bFirst = true;
+    if (s_bFirst) {
+        s_bFirst = false;
+        const HANDLE hOther = CreateThread(nullptr, 0, Register, nullptr, 0, nullptr);
+        if (WaitForSingleObject(hOther, 5000) != WAIT_OBJECT_0)
+            _exit(1);
+    }
+    return s_getProcAddress(hLibrary, name);
+}
+
+CHILD_PROCESS(FirstHandlers)
+{
+    const CImportHook hook("GetProcAddress", LetAnotherThreadRegister);
+    s_getProcAddress = hook.Original<decltype(GetProcAddress)>();
+    Register(nullptr);
+    _exit(7);
+}
+
+TEST(Process, FirstExitHandlersDoNotWaitForEachOthersLoader)
+{
+    EXPECT_EQ(7u, CChildProcess("FirstHandlers").ExitCode());
+}
+
 std::string g_info;
 
 TEST(Process, InfoHandlersRunByNameOrAll)

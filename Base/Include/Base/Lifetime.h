@@ -21,9 +21,10 @@
 //   2. The last calls run, the latest named first: each gives back the state of one source. What is
 //      used later than that is made anew, and again given back if it is before the last of these
 //      calls. Only the trace stays closed: from then on CUDump reaches the debugger alone.
-//   3. The system ends all other threads, wherever they are, and tells the last one. That one
-//      deletes the locks, so that nobody waits for a thread that is gone; a lock that is used still
-//      later makes itself anew. Nothing else is touched: it may be half changed.
+//   3. The system ends all other threads, wherever they are, and tells the last one (ThreadExit.cpp
+//      says how). That one deletes the locks, so that nobody waits for a thread that is gone; a
+//      lock that is used still later makes itself anew. Nothing else is touched: it may be half
+//      changed.
 // ExitProcess, called by any thread, is step 3 alone. TerminateProcess has no step at all. A crash
 // ends in one or the other, as the system and CUShutdownAfterCrash have it. What steps 1 and 2
 // would have given back is then the system's to take.
@@ -75,7 +76,7 @@ public:
         return Object();
     }
     // Null when there is none.
-    T *IfMade() { return m_nState ? &Object() : nullptr; }
+    T *IfMade() { return m_nState == CUOnceDone ? &Object() : nullptr; }
 
 private:
     T &Object() { return *reinterpret_cast<T *>(m_memory); }

@@ -1,9 +1,7 @@
 #include "CU/CU.h"
 
-#include "Base/KeepLastError.h"
 #include "Base/Lock.h"
 #include "Base/Multimedia.h"
-#include "Base/Module.h"
 #include "CU/IDGenerator.h"
 #include "Process/Shutdown.h"
 
@@ -18,10 +16,6 @@ volatile LONG s_bShutdown = FALSE;
 // time whether it is ours.
 const unsigned int FIRST_MESSAGE = 0xC000;
 volatile LONG s_ourMessages[(0x10000 - FIRST_MESSAGE) / 32];
-
-// The slots that have been allocated, a bit for each.
-const DWORD MOST_SLOTS = 64 + 1024;
-volatile LONG s_slots[MOST_SLOTS / 32];
 
 CCULazyLock s_mutex;
 
@@ -70,26 +64,6 @@ bool CUIsYourMessage(unsigned int uMessage)
     return (static_cast<DWORD>(s_ourMessages[nBit / 32]) >> nBit % 32 & 1) != 0;
 }
 
-int CUAllocateThreadLocalStorageIndex()
-{
-    const DWORD nIndex = TlsAlloc();
-    if (nIndex < MOST_SLOTS)
-        InterlockedOr(&s_slots[nIndex / 32], static_cast<LONG>(1UL << nIndex % 32));
-    return static_cast<int>(nIndex);  // TLS_OUT_OF_INDEXES is -1
-}
-
-void *CUGetThreadLocalStorage(int nIndex)
-{
-    // TlsGetValue clears the last error, which belongs to whoever is about to report it.
-    const CCUKeepLastError keepLastError;
-    return TlsGetValue(static_cast<DWORD>(nIndex));
-}
-
-bool CUSetThreadLocalStorage(int nIndex, void *value)
-{
-    return TlsSetValue(static_cast<DWORD>(nIndex), value) != FALSE;
-}
-
 unsigned int CCUIIDGenerator::GetNextID()
 {
     return static_cast<unsigned int>(InterlockedIncrement(&s_nLastID));
@@ -103,12 +77,4 @@ void CUEnterMutex()
 void CULeaveMutex()
 {
     s_mutex.Leave();
-}
-
-void CUUnloadSlots()
-{
-    for (DWORD nIndex = 0; nIndex < MOST_SLOTS; ++nIndex) {
-        if (static_cast<DWORD>(s_slots[nIndex / 32]) >> nIndex % 32 & 1)
-            TlsFree(nIndex);
-    }
 }

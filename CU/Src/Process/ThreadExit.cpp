@@ -114,6 +114,7 @@ typedef BOOLEAN WINAPI ShutdownInProgressFunction();
 
 volatile LONG s_nFlsState = 0;
 DWORD s_nFlsIndex = TLS_OUT_OF_INDEXES;
+FlsAllocFunction *s_flsAlloc = nullptr;
 FlsSetValueFunction *s_flsSetValue = nullptr;
 ShutdownInProgressFunction *s_shutdownInProgress = nullptr;
 
@@ -128,31 +129,47 @@ void WINAPI OnFiberLocalEnd(void *)
     // The slot is being freed, for the value of whatever thread.
     if (s_nFlsIndex == TLS_OUT_OF_INDEXES)
         return;
-    // When the process ends without `exit`, the system has already killed the other threads, maybe
-    // in the middle of something; no handler is worth the risk of waiting for what they held.
-    if (!s_shutdownInProgress())
+    // When the process ends, the system has already killed the other threads, maybe in the middle
+    // of something; no handler is worth the risk of waiting for what they held.
+    if (s_shutdownInProgress())
+        CCULazyLock::DeleteAll();
+    else
         CCUThreadExitList::RunAtThreadEnd();
 }
 
-void NTAPI OnLoaderNotice(void *, DWORD nReason, void *pProcessEnds)
+bool IsProgram()
+{
+    return CUInstance() == GetModuleHandleA(nullptr);
+}
+
+// Windows calls a program's callback at the end of the process, too. Wine 8 does not; there the
+// slot above tells it, if the last thread has one. A module's end is told to Module.cpp.
+void NTAPI OnLoaderNotice(void *, DWORD nReason, void *)
 {
     if (nReason == DLL_THREAD_DETACH)
         CCUThreadExitList::RunAtThreadEnd();
-    else if (nReason == DLL_PROCESS_DETACH && pProcessEnds)
-        CCULazyLock::DeleteAll();  // this is the last thread
+    else if (nReason == DLL_PROCESS_DETACH && IsProgram())
+        CCULazyLock::DeleteAll();
+}
+
+void FindSystemFunctions()
+{
+    s_flsAlloc = SystemFunction<FlsAllocFunction>("kernel32.dll", "FlsAlloc");
+    s_flsSetValue = SystemFunction<FlsSetValueFunction>("kernel32.dll", "FlsSetValue");
+    s_shutdownInProgress =
+        SystemFunction<ShutdownInProgressFunction>("ntdll.dll", "RtlDllShutdownInProgress");
 }
 
 // Has the system tell the calling thread's end.
 void WatchThreadEnd()
 {
+    // Not within CUOnce: it takes the loader's lock, which a thread that waits there may hold.
+    // Threads that meet find the same.
+    if (s_nFlsState != CUOnceDone)
+        FindSystemFunctions();
     CUOnce(s_nFlsState, [] {
-        FlsAllocFunction *const flsAlloc =
-            SystemFunction<FlsAllocFunction>("kernel32.dll", "FlsAlloc");
-        s_flsSetValue = SystemFunction<FlsSetValueFunction>("kernel32.dll", "FlsSetValue");
-        s_shutdownInProgress =
-            SystemFunction<ShutdownInProgressFunction>("ntdll.dll", "RtlDllShutdownInProgress");
-        if (flsAlloc && s_flsSetValue && s_shutdownInProgress)
-            s_nFlsIndex = flsAlloc(OnFiberLocalEnd);
+        if (s_flsAlloc && s_flsSetValue && s_shutdownInProgress)
+            s_nFlsIndex = s_flsAlloc(OnFiberLocalEnd);
     });
     if (s_nFlsIndex != TLS_OUT_OF_INDEXES)
         s_flsSetValue(s_nFlsIndex, &s_nFlsIndex);  // any value but null
