@@ -9,8 +9,8 @@
 
 namespace {
 
-// The bytes before the pixels. Other depths than these have no table here.
-DWORD HeaderSize(const BITMAPINFOHEADER &header)
+// The bytes of header and table. Other depths than these have no table here.
+DWORD SizeBeforePixels(const BITMAPINFOHEADER &header)
 {
     DWORD nColors = header.biClrUsed;
     if (nColors == 0 &&
@@ -35,7 +35,7 @@ BITMAPINFOHEADER *ToDib(HDC hDC, HBITMAP hbm, DWORD &dwHeaderSize)
     const UINT nRows = static_cast<UINT>(bm.bmHeight);
     GetDIBits(hDC, hbm, 0, nRows, nullptr, head.Info(), DIB_RGB_COLORS);
     const ULONGLONG nImage = header.biSizeImage ? header.biSizeImage : CUIDibImageSize(header);
-    dwHeaderSize = HeaderSize(header);
+    dwHeaderSize = SizeBeforePixels(header);
     const ULONGLONG nBlock = dwHeaderSize + nImage;
     if (dwHeaderSize > sizeof head || nBlock > static_cast<size_t>(-1))
         return nullptr;

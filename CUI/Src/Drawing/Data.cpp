@@ -217,6 +217,7 @@ DWORD CUIData::ResolveColor(DWORD cr) const
 
 namespace {
 
+// CUIData lets nobody else make one.
 struct CProcessData : CUIData
 {
 };

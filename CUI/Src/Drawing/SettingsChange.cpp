@@ -10,8 +10,9 @@
 
 namespace {
 
-// Those of Windows XP. Earlier systems answer 0 for the ones that they do not have.
+// All of Windows XP; earlier systems answer 0 for those that they do not have.
 const int WATCHED_COLORS = 31;
+// SM_CYFRAME has the highest number of those that CUIData keeps.
 const int WATCHED_METRICS = SM_CYFRAME + 1;
 
 struct CColors

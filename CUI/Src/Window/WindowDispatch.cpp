@@ -200,7 +200,7 @@ long CCUIWindow::WindowProc(UINT message, WPARAM wParam, LPARAM lParam)
     case WM_PARENTNOTIFY:   OnParentNotify(LowArg(wParam), HighArg(wParam), lParam); return 0;
     case WM_CAPTURECHANGED: OnCaptureChanged(HandleArg<HWND>(lParam)); return 0;
     case SET_WINDOW_STATE:  OnSetWindowState(w); return 0;
-    case SHOW_TOOL_TIPS:     OnShowToolTips(static_cast<int>(wParam)); return 0;
+    case SHOW_TOOL_TIPS:    OnShowToolTips(static_cast<int>(wParam)); return 0;
     default:                return OnMessage(message, wParam, lParam);
     }
     // clang-format on
