@@ -124,6 +124,8 @@ public:
             n = text.find(part, n);
             ASSERT_NE(std::string::npos, n) << part << "\n" << text;
         }
+        // From the crash to main.
+        EXPECT_LT(4, std::count(text.begin() + text.find("\r\nEIP:"), text.end(), '+')) << text;
     }
 
 private:
@@ -147,6 +149,7 @@ TEST(StackTrace, WalksAnotherThreadAndLetsItGoOn)
     const HANDLE hThread = CreateThread(nullptr, 0, start, nullptr, CREATE_SUSPENDED, nullptr);
     char szStack[4096];
     EXPECT_LT(0, CUGetStackTrace(hThread, szStack, sizeof szStack));
+    EXPECT_EQ(nullptr, strstr(szStack, "TestBody")) << "this thread's: " << szStack;
     EXPECT_EQ(1u, SuspendThread(hThread));
     TerminateThread(hThread, 0);
 }

@@ -74,6 +74,14 @@ TEST(TimeZone, AgreesWithTheSystemBothWays)
             ASSERT_TRUE(AgreesAt(zone, nTime - 1)) << zone.Bias << " before " << nTime;
         }
     }
+    // The clocks changed in every month.
+    for (WORD wMonth = 1; wMonth <= 12; ++wMonth) {
+        const WORD wNext = wMonth % 12 + 1;
+        const TIME_ZONE_INFORMATION zone =
+            Zone(0, {0, wMonth, 0, 5, 2, 0, 0, 0}, {0, wNext, 0, 1, 2, 0, 0, 0});
+        for (long nTime = 2 * 86400; nTime < 0x7FFFFFFF - 12 * 86400; nTime += 500009)
+            ASSERT_TRUE(AgreesAt(zone, nTime)) << "month " << wMonth << " at " << nTime;
+    }
 }
 
 TEST(TimeZone, EndOfDaylightTimeMovedOverMidnightStaysOnItsDay)

@@ -80,6 +80,15 @@ TEST(Window, BindsAnExistingWindowAndLetsGoOfIt)
               }));
 }
 
+TEST(Window, LetsGoWhileItsWindowIsDestroyed)
+{
+    CScripted<> window;
+    window.m_on[WM_NCDESTROY] = [] { return ADD_FAILURE(), 0; };
+    ASSERT_TRUE(CreateTestWindow(window));
+    DestroyWindow(window.GetHandle());
+    EXPECT_EQ(nullptr, window.GetHandle());
+}
+
 // Whoever subclassed after us keeps calling our procedure; what it passes on must go where it went
 // before, and no procedure may come back to life.
 TEST(Window, LeavesALaterSubclassInPlaceWhenItLetsGo)
