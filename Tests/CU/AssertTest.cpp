@@ -65,7 +65,7 @@ TEST(Assert, AppendsAReportToTheDaysFile)
             static_cast<const char *>(CCUTime().Format("%x %X")), CheckLine);
     EXPECT_EQ(0u, text.find(szText)) << text;
     // The stack, the innermost first, with the line of the caller.
-    const size_t nFailed = text.find(" CUTests.exe FailTheCheck+0x", strlen(szText));
+    const size_t nFailed = text.find(".exe FailTheCheck+0x", strlen(szText));
     sprintf(szText, " AssertTest.cpp(%d)\r\n", CheckLine);
     const size_t nCheck = text.find(szText, nFailed);
     sprintf(szText, " AssertTest.cpp(%d)\r\n", nLine);
