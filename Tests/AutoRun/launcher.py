@@ -1,37 +1,43 @@
-"""Runs a launcher under Wine, moves the real pointer over it and looks at the screen."""
+"""Runs launchers under Wine, moves the real pointer over them and looks at the screen."""
 
-import glob
+import functools
+import io
 import os
 import pathlib
-import re
 import shutil
 import subprocess
 import tempfile
 import time
+import unittest
 
 from PIL import Image, ImageChops, ImageGrab
 
-DEPTH = int(os.environ.get("SCREEN_DEPTH", 24))  # bits a pixel of the screen
-PATIENCE = 60  # seconds until a wait is given up
-SETUP, EXIT, RUN, HELP, NONE = range(5)
+BUILD = pathlib.Path(os.environ["AUTORUN_BUILD"])  # the folder of the build under test
 ROOT = pathlib.Path(__file__).resolve().parents[2]
-RESOURCES = dict(re.findall(r"#define (ID\w+) (\d+)", (ROOT / "AutoRun/Resource.h").read_text()))
+DEPTH = int(os.environ.get("SCREEN_DEPTH", 24))  # bits a pixel of the screen
+SETUP, EXIT, RUN, HELP, NONE = range(5)
 
 
 def wait_for(condition, what):
-    """Polls until the condition holds and returns what it answered."""
-    end = time.monotonic() + PATIENCE
-    while True:
-        answer = condition()
-        if answer:
-            return answer
+    """Polls until the condition holds, for a minute, and returns what it answered."""
+    end = time.monotonic() + 60
+    while not (answer := condition()):
         if time.monotonic() > end:
-            raise AssertionError("waited in vain for " + what)
+            raise AssertionError(f"waited in vain for {what}")
         time.sleep(0.02)
+    return answer
 
 
 def windows_path(path):
-    return "Z:" + os.path.abspath(path).replace("/", "\\")
+    return "Z:" + str(path).replace("/", "\\")
+
+
+def output_of(*words, **options):
+    done = subprocess.run(list(map(str, words)), stdout=subprocess.PIPE, stderr=subprocess.STDOUT,
+                          check=False, **{"text": True, **options})
+    if done.returncode:
+        raise AssertionError(f"{words}: {done.returncode}\n{done.stdout}")
+    return done.stdout
 
 
 def xdotool(*words):
@@ -39,154 +45,91 @@ def xdotool(*words):
                           check=False).stdout
 
 
-def output_of(*words):
-    """What a program writes. To a file: a pipe would end only with the desktop's own process, which
-    the program may have started, and which stays as long as any window."""
-    with tempfile.TemporaryFile("w+") as output:
-        subprocess.run(list(map(str, words)), stdout=output, check=True)
-        output.seek(0)
-        return output.read()
+def windows(caption):
+    return set(xdotool("search", "--onlyvisible", "--name", f"^{caption}$").split())
 
 
 def is_same(left, right):
-    return left.size == right.size and ImageChops.difference(left, right).getbbox() is None
+    """Whether two pictures are the same in the colours that the screen has."""
+    steps = [high for _, high in ImageChops.difference(left, right).getextrema()]
+    return max(steps) < (1 if DEPTH == 24 else 9)
 
 
-class Build:
-    """What the build made."""
-
-    def __init__(self, folder):
-        self.folder = os.path.abspath(folder)
-
-    def launcher(self, name):
-        for place in ("Tests", "Disc"):
-            path = os.path.join(self.folder, place, name + ".exe")
-            if os.path.exists(path):
-                return path
-        raise FileNotFoundError(name)
-
-    def tool(self, name):
-        return os.path.join(self.folder, "Tests/AutoRun", name + ".exe")
-
-    def reference(self, launcher, lit=NONE):
-        """The picture that the launcher must show, and the rectangles of its lines' texts."""
-        with tempfile.TemporaryDirectory() as folder:
-            picture = os.path.join(folder, "picture.bmp")
-            text = output_of("wine", self.tool("Reference"), windows_path(launcher),
-                             windows_path(picture), lit)
-            spots = [tuple(map(int, line.split())) for line in text.splitlines()]
-            return Image.open(picture).convert("RGB"), spots
+@functools.lru_cache
+def reference(launcher):
+    """What it must show with each line lit and with none, and the rectangles of its lines."""
+    with tempfile.NamedTemporaryFile() as pixels:
+        text = output_of("wine", BUILD / "Tests/AutoRun/Reference.exe", windows_path(launcher),
+                         windows_path(pixels.name))
+        size, *spots = (tuple(map(int, line.split())) for line in text.splitlines())
+        shots = zip(*[iter(pixels.read())] * (4 * size[0] * size[1])) if all(size) else ()
+        return [Image.frombytes("RGB", size, bytes(shot), "raw", "BGRX") for shot in shots], spots
 
 
-class Disc:
-    """A folder with a launcher and probes under the names of the programs that it starts."""
+class LauncherTest(unittest.TestCase):
+    """A launcher in a folder with the programs that its lines start."""
 
-    def __init__(self, build, launcher="ShippedLauncher",
-                 programs=("Fennick.exe", "RunFennick.exe", "tutorial.exe")):
-        self.folder = tempfile.mkdtemp(prefix="disc")
-        self.log = os.path.join(tempfile.mkdtemp(prefix="log"), "probe.log")
-        self.launcher = os.path.join(self.folder, "AutoRun.exe")
-        self.reskin = build.tool("Reskin")
-        shutil.copy(build.launcher(launcher), self.launcher)
-        for program in programs:
-            shutil.copy(build.tool("Probe"), os.path.join(self.folder, program))
+    launcher = "Tests/AutoRun/ShippedLauncher.exe"
+    caption = "Fennick Setup"
+    commands = {SETUP: "Fennick.exe", RUN: "RunFennick.exe", HELP: "tutorial.exe"}
+    left = top = moves = 0
 
-    def change_resources(self, changes):
-        """Of the launcher: a text for each string by its name, a file for each bitmap; "" takes the
-        resource out."""
-        words = []
-        for name, value in changes.items():
-            if name.startswith("IDB_"):
-                words += ["bitmap", RESOURCES[name], value and windows_path(value)]
-            else:
-                words += ["string", RESOURCES[name], value]
-        output_of("wine", self.reskin, windows_path(self.launcher), *words)
+    def setUp(self):
+        self.disc = pathlib.Path(tempfile.mkdtemp(prefix="disc"))
+        self.addCleanup(shutil.rmtree, self.disc)
+        for command in self.commands.values():
+            shutil.copy(BUILD / "Disc/Fennick.exe", self.disc / command.split()[0])
+        xdotool("mousemove", 0, 0)
 
-    def remove(self):
-        os.chmod(self.folder, 0o755)
-        shutil.rmtree(self.folder)
-        shutil.rmtree(os.path.dirname(self.log))
+    def start(self, *arguments, launcher=None, **options):
+        """Returns when the window is there, which begins at (left, top) of the screen."""
+        path = BUILD / (launcher or self.launcher)
+        (self.disc / "AutoRun.exe").unlink(missing_ok=True)  # one that runs keeps its file
+        shutil.copy(path, self.disc / "AutoRun.exe")
+        self.pictures, self.spots = reference(path)
+        before = windows(self.caption)
+        process = subprocess.Popen(["wine", windows_path(self.disc / "AutoRun.exe"), *arguments],
+                                   **options)
+        self.addCleanup(process.wait)
+        self.addCleanup(process.kill)
+        self.addCleanup(xdotool, "mouseup", 1)  # no test begins with the button held down
+        if self.pictures:
+            self.window = wait_for(lambda: windows(self.caption) - before, "the window").pop()
+            wait_for(lambda: self.has_size(*self.pictures[NONE].size), "its size")
+        return process
 
-    def started(self):
-        """One (path, arguments, current directory) for each program started so far."""
-        if not os.path.exists(self.log):
-            return []
-        with open(self.log, encoding="latin1") as file:
-            return [tuple(line.rstrip("\r\n").split("|")) for line in file]
+    def has_size(self, *size):
+        lines = xdotool("getwindowgeometry", "--shell", self.window).split()
+        values = {name: int(value) for name, value in (line.split("=") for line in lines)}
+        self.left, self.top = values.get("X"), values.get("Y")
+        return size == (values.get("WIDTH"), values.get("HEIGHT"))
 
+    def picture(self):
+        if DEPTH < 24:
+            return Image.open(io.BytesIO(output_of("import", "-silent", "-window", self.window,
+                                                   "png:-", text=False))).convert("RGB")
+        cx, cy = self.pictures[NONE].size
+        return ImageGrab.grab(xdisplay="").convert("RGB").crop(
+            (self.left, self.top, self.left + cx, self.top + cy))
 
-class Launcher:
-    """A running launcher. Its client area begins at (left, top) of the screen."""
-
-    def __init__(self, build, disc, path=None, arguments=(), caption="Fennick Setup", cwd="/"):
-        self.build = build
-        self.caption = caption
-        self.temporary = tempfile.mkdtemp(prefix="temporary")
-        environment = dict(os.environ, PROBE_LOG=windows_path(disc.log))
-        self.before = self.windows()
-        command = " ".join((path or windows_path(disc.launcher), *arguments))
-        self.process = subprocess.Popen(
-            ["wine", build.tool("Remote"), "run", windows_path(self.temporary), command],
-            env=environment, cwd=cwd)
-
-    def stop(self):
-        if self.process.poll() is None:
-            self.process.kill()
-            self.process.wait()
-        shutil.rmtree(self.temporary)
-
-    def windows(self):
-        return set(xdotool("search", "--onlyvisible", "--name", "^" + self.caption + "$").split())
-
-    def wait_until_shown(self, size):
-        """Finds the window that has come, and where."""
-        window = wait_for(lambda: self.windows() - self.before, "the window").pop()
-
-        def geometry():
-            lines = xdotool("getwindowgeometry", "--shell", window).split()
-            values = dict(line.split("=") for line in lines)
-            found = values.get("WIDTH") == str(size[0]) and values.get("HEIGHT") == str(size[1])
-            return (int(values["X"]), int(values["Y"])) if found else None
-
-        self.left, self.top = wait_for(geometry, "a window of %d x %d" % size)
-
-    def picture(self, size):
-        if DEPTH < 24:  # in the colours that the screen gives it
-            path = os.path.join(self.temporary, "shot.bmp")
-            self.remote("shot", windows_path(path))
-            return Image.open(path).convert("RGB")
-        screen = ImageGrab.grab(xdisplay="").convert("RGB")
-        return screen.crop((self.left, self.top, self.left + size[0], self.top + size[1]))
-
-    def wait_for_picture(self, expected, what):
-        wait_for(lambda: is_same(self.picture(expected.size), expected), what)
+    def expect(self, lit):
+        wait_for(lambda: is_same(self.picture(), self.pictures[lit]), f"line {lit} to be lit")
 
     def move(self, x, y):
         xdotool("mousemove", self.left + x, self.top + y)
 
-    @staticmethod
-    def press():
-        xdotool("mousedown", 1)
+    def over(self, line, lit=None):
+        """Moves onto a line, or onto none, and waits until that one, or `lit`, is lit."""
+        x, y, cx, cy = self.spots[line] if line != NONE else (5, 5, 200, 0)
+        # Never twice to the same place: a second press there would be a double click.
+        self.moves += 1
+        self.move(x + self.moves * 9 % cx, y + cy // 2)
+        self.expect(line if lit is None else lit)
 
-    @staticmethod
-    def release():
-        xdotool("mouseup", 1)
+    def click(self, line):
+        self.over(line)
+        xdotool("click", 1)
 
-    def click(self):
-        self.press()
-        self.release()
-
-    def wait_until_ended(self):
-        return self.process.wait(PATIENCE)
-
-    def remote(self, *words):
-        return output_of("wine", self.build.tool("Remote"), words[0], self.caption, *words[1:])
-
-    def reports(self):
-        """The expressions of the failed checks that were reported, in order."""
-        expressions = []
-        for path in glob.glob(os.path.join(self.temporary, "ZELTrace-*.txt")):
-            with open(path, encoding="latin1") as file:
-                expressions += [line[len("Assert:"):line.index("  File:")] for line in file
-                                if line.startswith("Assert:")]
-        return expressions
+    def close(self, process):
+        self.click(EXIT)
+        self.assertEqual(0, process.wait(60))

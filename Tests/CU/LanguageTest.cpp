@@ -2,38 +2,26 @@
 
 #include <gtest/gtest.h>
 
-#include <utility>
-
-// Each test is a process of its own; what was looked up first holds in it.
-
-TEST(Language, IsEnglishUntilSetAndForAnEmptyName)
+// Each case is a process of its own; what was looked up first holds in it.
+struct Language : testing::TestWithParam<const char *>
 {
+};
+
+TEST_P(Language, HasTheOffsetOfTheFirstLookUp)
+{
+    const CCUString sName = CCUString(GetParam()).SpanExcluding(" ");
+    const unsigned int nOffset = strtoul(GetParam() + sName.GetLength(), nullptr, 10);
     EXPECT_STREQ(CUGetCurrentLanguage(), "english");
-    EXPECT_EQ(CUGetLocalizedID(120), 120U);
-    CUSetCurrentLanguage("Spanish");
-    EXPECT_STREQ(CUGetCurrentLanguage(), "spanish");
-    EXPECT_EQ(CUGetLocalizedID(120), 120U);
+    CUSetCurrentLanguage(sName);
+    EXPECT_EQ(CUGetLocalizedID(120), 120 + nOffset);
+    CUSetCurrentLanguage("FRENCH");
+    EXPECT_STREQ(CUGetCurrentLanguage(), "french");
+    EXPECT_EQ(CUGetLocalizedID(120), 120 + nOffset);
     CUSetCurrentLanguage("");
     EXPECT_STREQ(CUGetCurrentLanguage(), "english");
 }
 
-// One process for each language.
-using LanguageOffset = testing::TestWithParam<std::pair<const char *, unsigned int>>;
-
-TEST_P(LanguageOffset, IsTheOneOfTheFirstLookUp)
-{
-    CUSetCurrentLanguage(GetParam().first);
-    EXPECT_EQ(CUGetLocalizedID(120), 120 + GetParam().second);
-    CUSetCurrentLanguage("french");
-    EXPECT_EQ(CUGetLocalizedID(0xFFFFFFFF), 0xFFFFFFFF + GetParam().second);
-}
-
-INSTANTIATE_TEST_SUITE_P(Language, LanguageOffset,
-                         testing::ValuesIn<LanguageOffset::ParamType>({{"FRENCH", 1000},
-                                                                       {"spanish", 2000},
-                                                                       {"German", 3000},
-                                                                       {"italian", 4000},
-                                                                       {"dutch", 5000},
-                                                                       {"portuguese", 6000},
-                                                                       {"portuguese-brazilian",
-                                                                        0}}));
+INSTANTIATE_TEST_SUITE_P(, Language,
+                         testing::Values("English 0", "FRENCH 1000", "spanish 2000", "German 3000",
+                                         "italian 4000", "dutch 5000", "portuguese 6000",
+                                         "portuguese-brazilian 0"));

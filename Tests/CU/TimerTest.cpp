@@ -1,12 +1,17 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <map>
 #include <memory>
-#include <sstream>
+#include <random>
 #include <string>
 
+#include "CU/DebugSwitch.h"
 #include "CU/TimerTask.h"
-#include "Support/FakeClock.h"
+#include "Support/FailingCall.h"
+#include "Support/Reports.h"
 #include "Support/TestTimer.h"
+#include "Support/Threads.h"
 
 namespace {
 
@@ -26,70 +31,60 @@ protected:
             [this, name] { m_log += name + ("@" + std::to_string(CUGetTime() - m_uStart)) + " "; });
     }
 
-    // Steps: "a10" arms, "a?10" arms if earlier, "a!" kills, "+10" lets the clock run, "w" sets it
-    // half a second before it wraps.
-    void Play(const char *script)
-    {
-        std::istringstream steps(script);
-        for (std::string step; steps >> step;) {
-            const long n = atol(step.c_str() + strcspn(step.c_str(), "-0123456789"));
-            if (step == "w") {
-                m_clock.Jump(0UL - 500 - CUGetTime());
-                m_uStart = CUGetTime();
-            } else if (step[0] == '+') {
-                m_clock.Run(static_cast<DWORD>(n));
-            } else {
-                CTestTimer &timer = **m_timers[step[0] - 'a'];
-                step[1] == '!'   ? timer.KillAlarm()
-                : step[1] == '?' ? timer.SetAlarmIfEarlier(n)
-                                 : timer.SetAlarm(n);
-            }
-        }
-    }
-
+    CReports m_reports;
+    CDumped m_dumped;
     CFakeClock m_clock;
     unsigned long m_uStart;
     std::string m_log;
     CCUTimerTask *const m_pTask = CCUTimerTask::GetThreadTimerTask();
     std::unique_ptr<CTestTimer> a = Make('a'), b = Make('b'), c = Make('c'), d = Make('d');
-    const std::unique_ptr<CTestTimer> *const m_timers[4] = {&a, &b, &c, &d};
 };
 
+}  // namespace
+
+// Against a list that is kept in order, while the clock wraps.
 TEST_F(Timer, ServesEachOnceByAlarmAndEqualOnesInTheOrderOfArming)
 {
-    const struct
-    {
-        const char *script, *log;
-        unsigned long nLeft;  // in the list at the end
-        std::vector<UINT> delays;
-    } cases[] = {
-        // Armed again b is behind d; the old alarm of a and the killed c are never called.
-        {"a300 b100 c50 d100 b100 a200 c! +1000", "d@100 b@100 a@200 ", 0, {300, 100, 50, 50, 100}},
-        // What is due already needs no timer, only a turn of the message loop.
-        {"a0 b-5 +10", "b@0 a@0 ", 0, {}},
-        // The same moment is not earlier and keeps its place.
-        {"a100 b100 c100 +40 a?60 b?61 c?59 d?70 +200",
-         "c@99 a@100 b@100 d@110 ",
-         0,
-         {100, 59, 1, 10}},
-        {"a600000 +700000", "a@600000 ", 0, std::vector<UINT>(10, 60000)},
-        // The clock wraps half a second on; b is due at 0, which would mean not armed.
-        {"w c700 a499 b500 d2147483647 c?800 +1000",
-         "a@499 b@501 c@700 ",
-         1,
-         {700, 499, 2, 199, 60000}},
-    };
-    for (const auto &test : cases) {
-        SCOPED_TRACE(test.script);
-        m_log.clear();
-        m_clock.m_delays.clear();
-        m_uStart = CUGetTime();
-        Play(test.script);
-        EXPECT_EQ(test.log, m_log);
-        EXPECT_EQ(test.nLeft, m_pTask->GetListLength());
-        EXPECT_EQ(m_clock.IsPending() ? 1 : 0, m_pTask->GetPendingCount());
-        EXPECT_EQ(test.delays, m_clock.m_delays);
+    std::mt19937 random(3);
+    m_clock.Jump(0UL - 5000 - CUGetTime());
+    m_uStart = CUGetTime();
+    std::multimap<long, CTestTimer *> armed;  // by when they are due; equal ones as inserted
+    CTestTimer *const timers[] = {a.get(), b.get(), c.get(), d.get()};
+    std::string expected;
+    long nNow = 0;
+    for (int i = 0; i < 3000; ++i) {
+        CTestTimer *const pTimer = timers[random() % 4];
+        const auto nAct = random() % 4;
+        const long nDelay = static_cast<long>(random() % (random() % 16 ? 60 : 200000)) - 10;
+        auto found = armed.begin();
+        while (found != armed.end() && found->second != pTimer)
+            ++found;
+        const bool bArmed = found != armed.end();
+        const bool bKept = nAct == 1 && bArmed && found->first - nNow <= nDelay;
+        if (nAct < 3 && bArmed && !bKept)
+            armed.erase(found);
+        if (nAct == 0) {
+            pTimer->KillAlarm();
+        } else if (nAct < 3) {
+            nAct == 1 ? pTimer->SetAlarmIfEarlier(nDelay) : pTimer->SetAlarm(nDelay);
+            if (!bKept)  // at 0 it would mean "not armed"
+                armed.emplace(nNow + nDelay + (nNow + nDelay == 5000), pTimer);
+        } else {
+            m_clock.Run(static_cast<DWORD>(nDelay + 10));
+            const long nEnd = nNow + nDelay + 10;
+            for (; !armed.empty() && armed.begin()->first <= nEnd; armed.erase(armed.begin())) {
+                nNow = std::max(nNow, armed.begin()->first);
+                const auto nTimer = std::find(timers, timers + 4, armed.begin()->second) - timers;
+                expected += "abcd"[nTimer] + ("@" + std::to_string(nNow)) + " ";
+            }
+            nNow = nEnd;
+            ASSERT_EQ(expected, m_log) << i;
+            ASSERT_EQ(m_clock.IsPending(), m_pTask->GetPendingCount() == 1) << i;
+        }
+        ASSERT_EQ(armed.size(), m_pTask->GetListLength()) << i;
     }
+    EXPECT_EQ(60000u, *std::max_element(m_clock.m_delays.begin(), m_clock.m_delays.end()));
+    EXPECT_EQ(0, m_reports.Total());
 }
 
 TEST_F(Timer, TimeOutMayArmKillDeleteAndRunALoop)
@@ -99,18 +94,12 @@ TEST_F(Timer, TimeOutMayArmKillDeleteAndRunALoop)
         a->SetAlarm(0);  // in a following one
     });
     c->m_action = [&] { c.reset(); };
-    CTestTimer again([&] { again.SetAlarm(again.m_nCalls < 3 ? 0 : 500); });
-    for (CTestTimer *pTimer : {c.get(), &killer, b.get(), &again})
+    for (CTestTimer *pTimer : {c.get(), &killer, b.get()})
         pTimer->SetAlarm(10);
-    m_clock.Jump(10);
-    m_clock.Fire();
-    EXPECT_EQ(1, m_clock.Pump(1));
-    EXPECT_EQ(nullptr, c);
+    m_clock.Run(10);
     EXPECT_EQ("", m_log);
-    EXPECT_EQ(1, again.m_nCalls);
     m_clock.Run(5);
     EXPECT_EQ("a@11 ", m_log);
-    EXPECT_EQ(3, again.m_nCalls);
     d->m_action = [&] {
         a->SetAlarm(20);
         m_clock.Run(50);       // a loop of its own serves alarms that are armed there
@@ -122,68 +111,134 @@ TEST_F(Timer, TimeOutMayArmKillDeleteAndRunALoop)
     EXPECT_EQ(1, d->m_nCalls);
 }
 
-TEST_F(Timer, LoopInATimeOutServesNoOtherUntilOneIsArmedBeforeAll)
-{
-    d->m_action = [&] {
-        m_clock.Run(50);
-        EXPECT_EQ("", m_log);
-        a->SetAlarm(1000);  // not before all
-        m_clock.Run(50);
-        EXPECT_EQ("", m_log);
-        a->SetAlarm(-100);
-        m_clock.Run(100);
-        EXPECT_EQ("a@100 b@100 c@150 ", m_log);
-    };
-    b->SetAlarm(20);
-    c->SetAlarm(150);
-    d->SetAlarm(0);
-    m_clock.Run(0);
-    EXPECT_EQ(1, d->m_nCalls);
-    // The same work, asked for by a message.
-    m_log.clear();
-    d->m_action = [] { PostMessageA(CUGetWindow(), WM_USER, 0, 0); };
-    static CFakeClock *s_pClock;
-    s_pClock = &m_clock;
-    CUSetMessageHandler(WM_USER, [](unsigned int, WPARAM, LPARAM) { s_pClock->Run(50); });
-    m_uStart = CUGetTime();
-    b->SetAlarm(20);
-    d->SetAlarm(0);
-    m_clock.Run(0);
-    EXPECT_EQ("b@20 ", m_log);
-}
-
 TEST_F(Timer, PassStopsAfterATenthOfASecond)
 {
     for (CTestTimer *pTimer : {a.get(), b.get(), c.get()}) {
         pTimer->m_action = [this] { m_clock.Jump(50); };
-        pTimer->SetAlarm(10);
+        pTimer->SetAlarm(0);
     }
-    m_clock.Jump(10);
-    m_clock.Fire();
     EXPECT_EQ(1, m_clock.Pump(1));
-    EXPECT_EQ(static_cast<long>(m_uStart + 10), b->m_nNow);  // when the pass began
+    EXPECT_EQ(static_cast<long>(m_uStart), b->m_nNow);  // when the pass began
     EXPECT_EQ(0, c->m_nCalls);
     EXPECT_EQ(1, m_clock.Pump());  // the next pass, without waiting
     EXPECT_EQ(1, c->m_nCalls);
-    EXPECT_EQ(std::vector<UINT>{10}, m_clock.m_delays);
 }
 
 TEST_F(Timer, AfterShutdownNothingIsArmedOrKilledAndNoDeadObjectIsServed)
 {
-    // Memory that nobody may touch once the object is destroyed.
-    void *memory = VirtualAlloc(nullptr, sizeof(CTestTimer), MEM_COMMIT, PAGE_READWRITE);
-    CTestTimer *pDead = new (memory) CTestTimer;
-    for (CTestTimer *pTimer : {a.get(), pDead, b.get()})
+    for (CTestTimer *pTimer : {a.get(), b.get(), d.get()})
         pTimer->SetAlarm(0);
     CUShutdown();
     b->KillAlarm();
     c->SetAlarm(0);
     SetLastError(4711);
-    pDead->~CTestTimer();
+    d.reset();
     EXPECT_EQ(4711u, GetLastError());
-    VirtualFree(memory, 0, MEM_RELEASE);
     m_clock.Run(1000);
     EXPECT_EQ("a@0 b@0 ", m_log);
 }
 
-}  // namespace
+TEST_F(Timer, SlowAndCrowdedPassesAreTracedOnRequest)
+{
+    char szExpected[200];
+    const int cases[][4] = {{0, 1, 5000, 0}, {1, 200, 1000, 0}, {1, 201, 0, 1}, {1, 1, 1001, 1}};
+    for (const auto &test : cases) {
+        CCUDebugSwitch::Find("\\Debug\\Timer", "TimerDebug")->Set(test[0]);
+        std::vector<CTestTimer> timers(static_cast<size_t>(test[1]));
+        timers.back().m_action = [&] { m_clock.Jump(static_cast<DWORD>(test[2])); };
+        for (CTestTimer &timer : timers)
+            timer.SetAlarm(0);
+        m_dumped.m_text.clear();
+        m_clock.Pump();
+        sprintf(szExpected, " TimeOut took %d (called at %lu, finished at %lu\n)\nFor object ",
+                test[2], CUGetTime() - static_cast<unsigned long>(test[2]), CUGetTime());
+        EXPECT_EQ(test[3], m_dumped.m_text.find(szExpected) != std::string::npos);
+        EXPECT_EQ(test[3], !m_dumped.m_text.empty());
+    }
+    m_dumped.m_text.clear();
+    EXPECT_EQ(2, CURunProcessInfoHandlers("timertask") + CURunProcessInfoHandlers("timertask"));
+    sprintf(szExpected, "#timers:404  max:5000  vtbl:%08x\n#timers:0  max:0  vtbl:00000000\n",
+            *reinterpret_cast<unsigned *>(a.get()));
+    EXPECT_EQ(szExpected, m_dumped.m_text);
+}
+
+TEST_F(Timer, OutlivesLostMessagesAndForeignHands)
+{
+    // It has fired but its message has not been served: the message goes.
+    a->SetAlarm(100);
+    m_clock.Jump(100);
+    m_clock.Fire();
+    a->SetAlarm(200);
+    EXPECT_EQ(0, m_clock.Pump());
+    // No timer is to be had, or the window is destroyed: the next arming tries again.
+    m_clock.m_bFailing = true;
+    a->SetAlarm(100);
+    EXPECT_EQ("CUTimerTask: >>>> Failed to set timer (100) <<<<\n", m_dumped.m_text);
+    DestroyWindow(TimerTaskWindow());
+    m_clock.m_bFailing = false;
+    a->SetAlarm(10);
+    m_clock.Run(1000);
+    EXPECT_EQ("a@110 ", m_log);
+    // Armed on a thread that ends before its list is used again; reported and counted down.
+    b->SetAlarm(1000);
+    CThreads::Run(1, [&](int) {
+        c->SetAlarm(1000);
+        m_pTask->KillAlarm(c.get());
+    });
+    EXPECT_EQ(0u, m_pTask->GetListLength());  // b is in the list all the same
+    EXPECT_EQ(1, m_reports.Count("0", "TimerTask"));
+}
+
+TEST(TimerTask, FirstHalfSecondAsksForNoTimerBehindTheStartTick)
+{
+    CFakeClock clock;
+    CTestTimer late, soon;
+    late.SetAlarm(501);
+    EXPECT_TRUE(clock.m_delays.empty());
+    soon.SetAlarm(500);
+    soon.KillAlarm();
+    clock.Jump(300);
+    while (clock.m_delays.size() < 2)  // the window timer, in real time
+        Sleep(1), clock.Pump();
+    EXPECT_EQ((std::vector<UINT>{500, 201}), clock.m_delays);
+    EXPECT_FALSE(KillTimer(TimerTaskWindow(), 1));  // it fires once
+    // A thread that ends kills its timer or lets it run out.
+    CCUTimerTask::GetThreadTimerTask()->OnThreadExit(false);
+    EXPECT_TRUE(clock.IsPending());
+    EXPECT_EQ(nullptr, TimerTaskWindow());
+    clock.Run(1000);
+    EXPECT_EQ(0, late.m_nCalls);
+}
+
+// Threads serve their timers side by side and end with timers armed, which are then free for
+// others.
+static void ServeOnThreads()
+{
+    std::vector<CTestTimer> timers(16);
+    CThreads::Run(8, [&](int nThread) {
+        CTestTimer &timer = timers[static_cast<size_t>(nThread)];
+        timers[static_cast<size_t>(nThread) + 8].SetAlarm(3600000);
+        timer.SetAlarm(20);
+        while (timer.m_nCalls == 0)
+            Sleep(1), CFakeClock::Pump();
+        timer.SetAlarm(0);
+    });
+    EXPECT_EQ(nullptr, TimerTaskWindow());
+    for (CTestTimer &timer : timers)
+        timer.SetAlarm(10000);
+    EXPECT_EQ(timers.size(), CCUTimerTask::GetThreadTimerTask()->GetListLength());
+}
+
+TEST(TimerTask, ThreadsEndWithTimersArmed)
+{
+    ServeOnThreads();
+}
+
+// Without fiber-local storage.
+TEST(TimerTask, ThreadsEndOnOldSystems)
+{
+    MultimediaTime();  // which every system has
+    const CFailingCall<FARPROC(HMODULE, const char *)> oldSystem("GetProcAddress");
+    CFailPlan::Start(CFailPlan::ALL);
+    ServeOnThreads();
+}

@@ -1,325 +1,363 @@
+// All that loads bitmaps: the right picture or none, whatever the bytes; and the object that holds
+// one.
 #include "CUI/BmpLoad.h"
 
-#include <gtest/gtest.h>
-
-#include "CU/String.h"
+#include "CUI/Bitmap.h"
 #include "CUI/Data.h"
 #include "Support/BmpBytes.h"
-#include "Support/GuardedBuffer.h"
+#include "Support/FakeResource.h"
 #include "Support/HeapWatch.h"
+#include "Support/MemoryFile.h"
 #include "Support/Reports.h"
 #include "Support/SysColors.h"
+#include "Support/Threads.h"
 
 namespace {
 
 const HINSTANCE hModule = GetModuleHandleA(nullptr);
 const char *const pszColors = MAKEINTRESOURCEA(200);  // 16 colours, each once
-const char *const pszShort = MAKEINTRESOURCEA(201);
-const char *const pszNoHeader = MAKEINTRESOURCEA(202);
-const char *const pszLongHeader = MAKEINTRESOURCEA(203);
 const CPixelMap none;
 
 class BmpLoad : public testing::Test
 {
 protected:
-    void Write(const std::vector<BYTE> &bytes) { EXPECT_TRUE(WriteBytes(m_path, bytes)); }
-    // A file's picture with its palette.
-    CPixelMap FilePicture()
-    {
-        HPALETTE hPal = nullptr;
-        CPixelMap picture = TakePixels(CUIBmpLoadBitmapFilePalette(m_path.c_str(), hPal));
-        m_palette = TakeEntries(hPal);
-        return picture;
-    }
-    CPixelMap File() const
-    {
-        return TakePixels(CUIBmpLoad(nullptr, m_path.c_str(), nullptr, false, nullptr, nullptr, 0));
-    }
-    static CPixelMap Resource(const char *pszName, bool bMap = false, DWORD *pFrom = nullptr,
-                              DWORD *pTo = nullptr, int nCount = 0)
-    {
-        return TakePixels(CUIBmpLoad(hModule, pszName, nullptr, bMap, pFrom, pTo, nCount));
-    }
-
     CReports m_reports;
     CDumped m_trace;
     const std::string m_path = m_reports.Directory().Path() + "\\test.bmp";
-    std::vector<COLORREF> m_palette;
 };
 
-// A packed DIB that ends where nobody may read.
-class CGuardedDib
+// As much of each colour as a picture of 5 bits a channel keeps.
+CPixelMap Coarse(CPixelMap map)
 {
-public:
-    explicit CGuardedDib(const std::vector<BYTE> &bytes) : m_buffer(bytes.size())
-    {
-        memcpy(m_buffer.Data(), bytes.data(), bytes.size());
-    }
-    BITMAPINFO *operator->() { return reinterpret_cast<BITMAPINFO *>(m_buffer.Data()); }
-    HPALETTE Palette(int &nColors) { return CUIBmpCreateDIBPalette(operator->(), &nColors); }
-    CPixelMap Create(HPALETTE *phPal = nullptr, DWORD *pFrom = nullptr, DWORD *pTo = nullptr,
-                     int nCount = 0)
-    {
-        return TakePixels(
-            CUIBmpCreateBitmap(&operator->()->bmiHeader, phPal, nCount > 0, pFrom, pTo, nCount));
-    }
-
-private:
-    CGuardedBuffer m_buffer;
-};
-
-CPixelMap Replaced(CPixelMap map, const COLORREF *pFrom, const COLORREF *pTo, int nCount)
-{
-    for (COLORREF &cr : map.pixels) {
-        const COLORREF *pFound = std::find(pFrom, pFrom + nCount, cr);
-        cr = pFound == pFrom + nCount ? cr : pTo[pFound - pFrom];
-    }
-    return OnScreen(map);
-}
-
-// Resource 200, on a screen of any depth.
-CPixelMap Colors()
-{
-    CPixelMap map(8, 2);
-    map.pixels = {0x000080, 0x008000, 0x800000, 0x008080, 0x302010, 0x605040, 0x908070, 0xD0B0A0,
-                  0x000000, 0x808080, 0xC0C0C0, 0xFFFFFF, 0x0000FF, 0x00FF00, 0xFF0000, 0x00FFFF};
+    for (COLORREF &cr : map.pixels)
+        cr &= 0xF8F8F8;
     return map;
 }
 
-// A bitmap as a packed DIB again, and its corner.
-void ExpectCopies(const CBmpBytes &bmp)
+// The colours of a palette that nobody needs any more.
+std::vector<COLORREF> TakeEntries(HPALETTE hPal)
 {
-    const std::vector<BYTE> packed = bmp.Packed(bmp.m_table.size());
-    void *pBits = nullptr;
-    const HBITMAP hSection =
-        CreateDIBSection(nullptr, reinterpret_cast<const BITMAPINFO *>(packed.data()),
-                         DIB_RGB_COLORS, &pBits, nullptr, 0);
-    memcpy(pBits, bmp.m_pixels.data(), bmp.m_pixels.size());
-    DWORD dwHeaderSize = 0;
-    BITMAPINFOHEADER *pbih = CUIBitmapToDib(hSection, nullptr, dwHeaderSize);
-    EXPECT_EQ(packed.size() - bmp.m_pixels.size(), dwHeaderSize);
-    EXPECT_TRUE(pbih->biBitCount == bmp.m_info.biBitCount);
-    EXPECT_EQ(0, memcmp(pbih + 1, &packed[sizeof *pbih], packed.size() - sizeof *pbih));
-    free(pbih);
-    const CPixelMap corner = TakePixels(CUICopyBitmap(hSection, 1, 2, nullptr));
-    EXPECT_EQ(1, corner.cx);
-    EXPECT_EQ(OnScreen(bmp.Picture()).At(0, 1), corner.At(0, 1));
-    DeleteObject(hSection);
+    std::vector<COLORREF> colors(GetPaletteEntries(hPal, 0, 0, nullptr));
+    GetPaletteEntries(hPal, 0, colors.size(), reinterpret_cast<PALETTEENTRY *>(colors.data()));
+    DeleteObject(hPal);
+    return colors;
+}
+
+COLORREF ColorOf(const RGBQUAD &color)
+{
+    return RGB(color.rgbRed, color.rgbGreen, color.rgbBlue);
+}
+
+// A packed DIB that ends where nobody may read.
+struct CGuardedDib : CGuardedBuffer
+{
+    explicit CGuardedDib(const std::vector<BYTE> &bytes) : CGuardedBuffer((bytes.size() + 3) & ~3U)
+    {
+        memcpy(Data(), bytes.data(), bytes.size());
+    }
+    BITMAPINFO *Info() { return reinterpret_cast<BITMAPINFO *>(Data()); }
+    HBITMAP Create(HPALETTE *phPal, DWORD *pFrom, DWORD *pTo, int nCount)
+    {
+        return CUIBmpCreateBitmap(&Info()->bmiHeader, phPal, true, pFrom, pTo, nCount);
+    }
+};
+
+CPixelMap Replaced(CPixelMap map, const COLORREF *pFrom, const COLORREF *pTo)
+{
+    for (COLORREF &cr : map.pixels) {
+        const COLORREF *const pFound = std::find(pFrom, pFrom + 4, cr);
+        cr = pFound == pFrom + 4 ? cr : pTo[pFound - pFrom];
+    }
+    return map;
+}
+
+HBITMAP NewBitmap()
+{
+    return CreateBitmap(3, 2, 1, 1, nullptr);
 }
 
 }  // namespace
 
 TEST_F(BmpLoad, GivesThePictureThatTheBytesShow)
 {
+    // Who shows it: a resource with Palette and in System colours; the same of a file, p and s;
+    // Load; Create. The others give nothing.
     const struct
     {
-        int m_nWidth, m_nHeight, m_nBits;
-        DWORD m_nHeader, m_nCompression;
-        size_t m_nImage;  // what the file's reader takes the pixels for
-    } cases[] = {{33, 5, 1, 40, BI_RGB, 20},       {7, -5, 1, 40, BI_RGB, 0},
-                 {1, 5, 4, 40, BI_RGB, 0},         {9, -5, 4, 40, BI_RGB, 20},
-                 {6, 5, 8, 40, BI_RGB, 30},        {3, 5, 24, 40, BI_RGB, 50},
-                 {6, -5, 24, 40, BI_RGB, 90},      {7, 5, 32, 40, BI_RGB, 140},
-                 {7, 1, 8, 124, BI_RGB, 0},        {1, 1, 32, 40, BI_BITFIELDS, 0},
-                 {1, 1, 32, 108, BI_BITFIELDS, 0}, {3, 3, 8, 40, BI_RGB, 12}};
-    for (const auto &c : cases) {
-        SCOPED_TRACE(&c - cases);
-        CBmpBytes bmp(c.m_nWidth, c.m_nHeight, c.m_nBits);
-        bmp.SetHeader(c.m_nHeader, c.m_nCompression);
-        Write(bmp.File());
-        const CPixelMap shown = OnScreen(bmp.Picture());
-        if (c.m_nHeight > 0) {  // what LoadImage makes of others differs between systems
-            EXPECT_EQ(shown, File());
+        const char *pszWho;
+        int cx, cy, nBits;
+        DWORD nHeader, nCompression, nUsed;
+    } kinds[] = {{"PSpsLC", 33, 5, 1, 40, BI_RGB, 0},      {"PSpsC", 7, -5, 1, 40, BI_RGB, 0},
+                 {"PSpsLC", 1, 5, 4, 40, BI_RGB, 0},       {"PSpsLC", 6, 5, 8, 40, BI_RGB, 0},
+                 {"PpLC", 13, 6, 8, 40, BI_RGB, 100},      {"PpLC", 13, 6, 8, 40, BI_RGB, 300},
+                 {"PpLC", 13, 6, 16, 40, BI_RGB, 0},       {"PpLC", 3, 5, 24, 40, BI_RGB, 0},
+                 {"PpC", 6, -5, 24, 40, BI_RGB, 0},        {"PpLC", 13, 6, 24, 40, BI_RGB, 5},
+                 {"PpLC", 7, 5, 32, 40, BI_RGB, 0},        {"PLC", 13, 6, 16, 40, BI_BITFIELDS, 0},
+                 {"PLC", 13, 6, 32, 40, BI_BITFIELDS, 0},  {"PSpsLC", 13, 6, 8, 40, BI_RLE8, 0},
+                 {"PLC", 13, 6, 1, 108, BI_RGB, 0},        {"PLC", 13, 6, 8, 124, BI_RGB, 0},
+                 {"PLC", 13, 6, 24, 124, BI_RGB, 0},       {"PLC", 13, 6, 8, 124, BI_RLE8, 0},
+                 {"PLC", 13, 6, 16, 108, BI_BITFIELDS, 0}, {"PLC", 13, 6, 32, 124, BI_BITFIELDS, 0},
+                 {"", 13, 6, 8, 40, BI_BITFIELDS, 0},      {"", 13, 6, 24, 40, BI_BITFIELDS, 0},
+                 {"", 13, 6, 4, 40, BI_RLE8, 0},           {"", 13, 6, 8, 40, 4, 0}};
+    for (const auto &kind : kinds) {
+        const CBmpBytes bmp(kind.cx, kind.cy, kind.nBits, kind.nHeader, kind.nCompression,
+                            kind.nUsed);
+        const CPixelMap picture = Coarse(bmp.Picture());
+        WriteBytes(m_path, bmp.File());
+        HPALETTE hPal = nullptr;
+        DWORD from[] = {0x0000FF}, to[] = {0x123456};  // that are not there
+        const CFakeResource resource(bmp.Packed(0));
+        const std::pair<char, HBITMAP> loaded[] = {
+            {'P', CUIBmpLoadBitmapPalette(nullptr, "", hPal)},
+            {'S', CUIBmpLoadBitmap(nullptr, "")},
+            {'s', CUIBmpLoadBitmapFile(m_path.c_str(), FALSE)},
+            {'L', CUIBmpLoad(nullptr, m_path.c_str(), nullptr, false, nullptr, nullptr, 0)},
+            {'C', CGuardedDib(bmp.Packed(256)).Create(nullptr, from, to, 1)},
+            {'p', CUIBmpLoadBitmapFilePalette(m_path.c_str(), hPal)}};
+        for (const auto &[who, hBitmap] : loaded) {
+            const CPixelMap shown = Coarse(TakePixels(hBitmap));
+            if (who == 'L' && kind.cy < 0)
+                continue;  // what LoadImage makes of these differs between systems
+            EXPECT_EQ(strchr(kind.pszWho, who) ? picture : none, shown) << &kind - kinds << who;
         }
-        const bool bPlain = c.m_nHeader == 40 && c.m_nCompression == BI_RGB;
-        EXPECT_EQ(bPlain ? shown : none, FilePicture());
-        EXPECT_EQ(bPlain ? bmp.m_table.size() : 0, m_palette.size());
-        // 2^24 colours do not precede the pixels.
-        EXPECT_EQ(bPlain && c.m_nBits <= 8 ? shown : none,
-                  TakePixels(CUIBmpLoadBitmapFile(m_path.c_str(), FALSE)));
-        BITMAPINFOHEADER *pbih = CUIBmpDIBFromFile(m_path.c_str());
-        ASSERT_EQ(c.m_nHeader == 40, pbih != nullptr);
-        if (bPlain) {
-            EXPECT_EQ(0, memcmp(pbih, &bmp.File()[14], 40 + 4 * bmp.m_table.size() + c.m_nImage));
-        }
-        free(pbih);
-        if (!bPlain)
-            continue;
-        EXPECT_EQ(shown, CGuardedDib(bmp.Packed(256)).Create());
-        if (c.m_nHeight > 0)
-            ExpectCopies(bmp);
+        std::vector<COLORREF> colors;
+        for (const RGBQUAD &color : bmp.m_table)
+            colors.push_back(ColorOf(color));
+        colors.resize(strchr(kind.pszWho, 'p') ? colors.size() : 0);
+        EXPECT_EQ(colors, TakeEntries(hPal)) << &kind - kinds;
     }
-    EXPECT_EQ("", m_trace.m_text);
-    DWORD dwHeaderSize = 0;
-    for (const HGDIOBJ hNone : {HGDIOBJ(nullptr), GetStockObject(WHITE_BRUSH)})
-        EXPECT_FALSE(CUIBitmapToDib(static_cast<HBITMAP>(hNone), nullptr, dwHeaderSize));
-}
-
-TEST_F(BmpLoad, OfFilesWithoutAllRowsShowsWhatThereIs)
-{
-    // Aligned to words, the rows run into each other; all but the last bytes are there.
-    const CHeapWatch heap;
-    const CBmpBytes words(2, 2, 24, 2);
-    CPixelMap expected = words.Picture();
-    // Its red as blue, then nothing.
-    expected.Set(1, 0, RGB(0, 0, GetRValue(expected.At(1, 0))));
-    Write(words.File());
-    const CPixelMap picture = FilePicture();
-    ASSERT_EQ(2, picture.cy);
-    for (const int y : {0, 1})
-        EXPECT_EQ(OnScreen(expected).At(1, y), picture.At(1, y));
-    // No rows; rows of no pixels; rows of no bytes, as many as the header likes.
-    CBmpBytes hollow(7, 3, 1);
-    hollow.m_info.biHeight = 1000000;
-    for (const CBmpBytes &empty : {CBmpBytes(1 << 26, 0, 24), CBmpBytes(0, 5, 8), hollow}) {
-        Write(empty.File());
-        BITMAPINFOHEADER *pbih = CUIBmpDIBFromFile(m_path.c_str());
-        EXPECT_TRUE(pbih);
-        free(pbih);
-    }
-    EXPECT_EQ(none, FilePicture());
-    // More colours claimed than the depth can use and the file has.
-    const std::pair<int, DWORD> claims[] = {{1, 200}, {4, 256}, {24, 16}, {24, 1 << 24}};
-    for (const auto &claim : claims) {
-        CBmpBytes claiming(3, 2, claim.first);
-        claiming.m_info.biClrUsed = claim.second;
-        Write(claiming.File());
-        EXPECT_EQ(OnScreen(claiming.Picture()), File()) << claim.second;
-    }
-    // A byte short, LoadImage would read beyond the end.
-    std::vector<BYTE> cut = CBmpBytes(7, 5, 32).File();
-    cut.pop_back();
-    Write(cut);
-    EXPECT_EQ(none, File());
-    EXPECT_EQ("Error loading bitmap " + m_path + ".\n", m_trace.m_text);
 }
 
 TEST_F(BmpLoad, ReplacesColoursOnlyWhenAsked)
 {
     const CSysColors colors;
     CUIGetWinData()->UpdateSysColors();
+    const auto load = [](bool bMap, DWORD *pFrom, DWORD *pTo, int nCount) {
+        return TakePixels(CUIBmpLoad(hModule, pszColors, nullptr, bMap, pFrom, pTo, nCount));
+    };
     // The first match counts, and the caller's values are not resolved.
     DWORD from[] = {0xFF0000, 0x0000FF, 0xFF0000, 0x00FF00};
-    DWORD to[] = {RGB(1, 2, 3), RGB(94, 5, 6), RGB(7, 88, 9), 0x0A000000 | RGB(10, 11, 112)};
-    const CPixelMap plain = OnScreen(Colors());
-    EXPECT_EQ(plain, Resource(pszColors, false, from, to, 4));
-    EXPECT_EQ(plain, Resource(pszColors, true, from, to, -1));
-    EXPECT_EQ(plain, Resource(pszColors, true, nullptr, nullptr, 1));
-    const CPixelMap replaced = Resource(pszColors, true, from, to, 4);
+    DWORD to[] = {0x030201, 0x06055E, 0x095807, 0x0A700B0A};
+    const CPixelMap plain = TakePixels(LoadBitmapA(hModule, pszColors));
+    EXPECT_EQ(plain, load(false, from, to, 4));
+    const CPixelMap replaced = load(true, from, to, 4);
     to[3] &= 0xFFFFFF;
-    EXPECT_EQ(Replaced(Colors(), from, to, 4), replaced);
+    EXPECT_EQ(Replaced(plain, from, to), replaced);
     // CUIData's colours here, the system's present ones there.
     const COLORREF greys[] = {0x000000, 0x808080, 0xC0C0C0, 0xFFFFFF};
     const CSysColors others(0x10);
-    EXPECT_EQ(Replaced(Colors(), greys, colors.m_new, 4), Resource(pszColors, true));
-    EXPECT_EQ(Replaced(Colors(), greys, others.m_new, 4),
+    EXPECT_EQ(Replaced(plain, greys, colors.m_new), load(true, nullptr, nullptr, 0));
+    EXPECT_EQ(Replaced(plain, greys, others.m_new),
               TakePixels(CUIBmpLoadBitmap(hModule, pszColors)));
-
-    // In a packed DIB the table itself is rewritten.
-    for (const DWORD nHeader : {40U, 108U, 124U}) {
-        CBmpBytes bmp(9, -3, 4);
-        bmp.SetHeader(nHeader, BI_RGB);
-        CGuardedDib dib(bmp.Packed(256));
-        RGBQUAD *pTable = dib->bmiColors + (nHeader - 40) / 4;
-        pTable[1].rgbReserved = 1;  // no plain colour
-        DWORD first[] = {bmp.TableColor(0), bmp.TableColor(1)};
-        HPALETTE hPal = nullptr;
-        EXPECT_EQ(Replaced(bmp.Picture(), first, to, 1), dib.Create(&hPal, first, to, 2));
-        EXPECT_EQ(nHeader == 40 ? to[0] : 0, TakeEntries(hPal)[0]);
-        EXPECT_EQ(1, pTable[0].rgbRed);
-    }
-}
-
-TEST_F(BmpLoad, OfLyingDibsStaysInTheMemoryThatThereIs)
-{
-    int nColors = 0;
-    DWORD black[] = {0};
-    DWORD white[] = {0xFFFFFF};
-    // More colours than the table has room for: what follows is not colours.
-    CBmpBytes bmp(4, 4, 8);
-    bmp.m_info.biClrUsed = 1000;
-    bmp.m_pixels.assign(bmp.m_pixels.size(), 0);
-    CGuardedDib many(bmp.Packed(256));
+    // In a packed DIB the table itself is rewritten, and the palette made of it.
+    CGuardedDib dib(CBmpBytes(9, -3, 4).Packed(256));
+    from[0] = ColorOf(dib.Info()->bmiColors[5]);
     HPALETTE hPal = nullptr;
-    many.Create(&hPal, black, white, 1);
-    EXPECT_EQ(0, many->bmiColors[256].rgbRed);
-    EXPECT_EQ(256u, TakeEntries(hPal).size());
-    EXPECT_EQ(256u, TakeEntries(many.Palette(nColors)).size());
-    EXPECT_EQ(1000, nColors);
-    // A table that ends early, and none.
-    const CBmpBytes good(4, 4, 8);
-    std::vector<BYTE> bytes = good.Packed(255);
-    bytes.resize(sizeof(BITMAPINFOHEADER) + 255 * 4);
-    CGuardedDib cut(bytes);
-    EXPECT_FALSE(cut.Palette(nColors));
-    EXPECT_EQ(256, nColors);
-    EXPECT_EQ(none, cut.Create());
-    EXPECT_FALSE(CGuardedDib(CBmpBytes(4, 4, 24).Packed(0)).Palette(nColors));
-    EXPECT_EQ(0, nColors);
-
-    CGuardedDib dib(good.Packed(256));
-    // Header size, width, height, depth, compression.
-    const long lies[][5] = {{40, 4, 5, 8, 0},  {40, 4, LONG_MIN, 8, 0},  {40, 5, 4, 8, 0},
-                            {40, -4, 4, 8, 0}, {40, 65536, 65536, 8, 0}, {40, 4, 4, 32, 0},
-                            {44, 4, 4, 8, 0},  {40, 4, 4, 0xFFFF, 0},    {40, 4, 4, 8, BI_RLE8},
-                            {-4, 4, 4, 8, 0}};
-    for (const auto &lie : lies) {
-        dib->bmiHeader = {static_cast<DWORD>(lie[0]),
-                          lie[1],
-                          lie[2],
-                          1,
-                          static_cast<WORD>(lie[3]),
-                          static_cast<DWORD>(lie[4]),
-                          17,
-                          0,
-                          0,
-                          0,
-                          0};
-        EXPECT_EQ(none, dib.Create()) << &lie - lies;
-    }
-    dib->bmiHeader = good.m_info;
-    dib->bmiHeader.biPlanes = 2;
-    EXPECT_EQ(none, dib.Create());
-    dib->bmiHeader.biPlanes = 1;
-    // A table that cannot be written to.
-    DWORD old = 0;
-    VirtualProtect(&dib->bmiHeader, sizeof(BITMAPINFOHEADER) + 1024, PAGE_READONLY, &old);
-    EXPECT_EQ(none, dib.Create(nullptr, black, white, 1));
-    EXPECT_EQ(OnScreen(good.Picture()), dib.Create());
-    EXPECT_FALSE(CUIBmpCreateBitmap(nullptr, nullptr, false, nullptr, nullptr, 0));
+    DeleteObject(dib.Create(&hPal, from, to, 1));
+    EXPECT_EQ(to[0], ColorOf(dib.Info()->bmiColors[5]));
+    EXPECT_EQ(to[0], TakeEntries(hPal)[5]);
 }
 
-TEST_F(BmpLoad, ReportsMissingResourcesAndRefusesBrokenOnes)
+TEST_F(BmpLoad, SaysWhatIsMissing)
 {
     HPALETTE hPal = reinterpret_cast<HPALETTE>(1);
     EXPECT_EQ("hRsrcImage; hRsrcImage", m_reports.Of("Bmp", [&] {
         EXPECT_FALSE(CUIBmpLoadBitmapPalette(hModule, "none", hPal) || hPal);
         EXPECT_FALSE(CUIBmpLoadBitmap(hModule, "none"));
     }));
-    EXPECT_EQ(none, Resource("none"));
-    for (const char *pszBroken : {pszShort, pszNoHeader}) {
-        EXPECT_FALSE(CUIBmpLoadBitmap(hModule, pszBroken));
-        EXPECT_FALSE(CUIBmpLoadBitmapPalette(hModule, pszBroken, hPal));
-        EXPECT_EQ(none, Resource(pszBroken));
-    }
-    EXPECT_FALSE(CUIBmpLoadSysColorBitmap(hModule, nullptr));
-    EXPECT_EQ(OnScreen(Colors()), TakePixels(CUIBmpLoadBitmapPalette(hModule, pszColors, hPal)));
-    EXPECT_EQ(16u, TakeEntries(hPal).size());
-    const CPixelMap pixel = OnScreen(CPixelMap(1, 1, 0x563412));
-    EXPECT_EQ(pixel, Resource(pszLongHeader));
-    EXPECT_EQ(pixel, TakePixels(CUIBmpLoadBitmapPalette(hModule, pszLongHeader, hPal)));
-    EXPECT_EQ(2, m_reports.Total());
-    EXPECT_EQ(std::string::npos, m_trace.m_text.find("Error loading"));
+    EXPECT_FALSE(CUIBmpLoad(hModule, "none", nullptr, false, nullptr, nullptr, 0));
+    std::vector<BYTE> bytes = CBmpBytes(5, 4, 8).File();
+    const auto read = [&](size_t nSize) {
+        WriteBytes(m_path, std::vector<BYTE>(bytes.begin(), bytes.begin() + int(nSize)));
+        BITMAPINFOHEADER *const pbih = CUIBmpDIBFromFile(m_path.c_str());
+        free(pbih);
+        return pbih != nullptr;
+    };
+    const size_t nWords = 54 + 1024 + 4 * 6;  // rows aligned to words
+    EXPECT_TRUE(read(nWords));
+    EXPECT_FALSE(read(nWords - 1));
+    EXPECT_FALSE(read(13));
+    bytes[0] = 'C';
+    EXPECT_FALSE(read(nWords));
+    EXPECT_FALSE(CUIBmpDIBFromFile("no such"));
+    EXPECT_FALSE(CUIBmpLoad(nullptr, "no such", nullptr, false, nullptr, nullptr, 0));
+    const std::string head = "CUIBmpDIBFromFile: ";
+    EXPECT_EQ(head + "error reading header for " + m_path + ".\n" + head + m_path +
+                  " is not a bitmap.\n" + head +
+                  "error opening no such.\nError loading bitmap no such.\n",
+              m_trace.m_text);
 }
 
-TEST_F(BmpLoad, CopiesPalettesAndTracesThem)
+TEST_F(BmpLoad, CopiesBitmapsAndPalettes)
 {
-    int nColors = 0;
-    const HPALETTE hPal = CGuardedDib(CBmpBytes(1, 1, 1).Packed(2)).Palette(nColors);
-    const HPALETTE hCopy = CUICopyPalette(hPal);
-    DeleteObject(hPal);
+    const HBITMAP hLoaded = LoadBitmapA(hModule, pszColors);
+    DWORD dwHeaderSize = 0;
+    BITMAPINFOHEADER *const pbih = CUIBitmapToDib(hLoaded, nullptr, dwHeaderSize);
+    CTestSurface surface(CPixelMap(8, 2));
+    StretchDIBits(surface, 0, 0, 8, 2, 0, 0, 8, 2, reinterpret_cast<char *>(pbih) + dwHeaderSize,
+                  reinterpret_cast<BITMAPINFO *>(pbih), DIB_RGB_COLORS, SRCCOPY);
+    free(pbih);
+    EXPECT_EQ(PixelsOf(hLoaded), surface.Read());
+    const CPixelMap corner = TakePixels(CUICopyBitmap(hLoaded, 1, 2, nullptr));
+    EXPECT_EQ(1, corner.cx);
+    EXPECT_EQ(TakePixels(hLoaded).At(0, 1), corner.At(0, 1));
+    const HPALETTE hPal = CreateHalftonePalette(nullptr), hCopy = CUICopyPalette(hPal);
+    const std::vector<COLORREF> colors = TakeEntries(hPal);
     CUIDumpPalette(hCopy);
-    DeleteObject(hCopy);
-    EXPECT_EQ("Palette (2 entries)\n000: (1, 5, 255)\n001: (92, 42, 0)\n\n", m_trace.m_text);
-    EXPECT_FALSE(CUICopyPalette(nullptr));
+    EXPECT_EQ(colors, TakeEntries(hCopy));
+    EXPECT_EQ(0u, m_trace.m_text.find("Palette (256 entries)\n000: (0, 0, 0)\n001: (128, 0, 0)\n"));
+}
+
+namespace {
+
+// A file that lies in one to three bytes of its headers, or ends too early.
+std::vector<BYTE> Mutant(std::mt19937 &random)
+{
+    const int depths[] = {1, 4, 8, 16, 24, 32};
+    const CBmpBytes bmp(13, random() % 4 ? 5 : -5, depths[random() % 6], random() % 2 ? 40 : 124,
+                        random() % 4);
+    std::vector<BYTE> bytes = bmp.File();
+    const BYTE values[] = {0, 1, 4, 12, 40, 0x7F, 0x80, 0xFF};
+    for (unsigned n = random() % 3 + 1; n; --n)
+        bytes[random() % 54] = values[random() % 8];
+    bytes.resize(random() % 4 ? bytes.size() : random() % bytes.size());
+    return bytes;
+}
+
+}  // namespace
+
+TEST_F(BmpLoad, OfAnyBytesStaysWithinTheirBounds)
+{
+    std::mt19937 random(1);
+    const CHeapWatch heap;
+    int nRead = 0;
+    for (int i = 0; i < 3000; ++i) {
+        const std::vector<BYTE> bytes = Mutant(random);
+        CHeapWatch::TakeLargest();
+        {
+            const CMemoryFile file(bytes);
+            BITMAPINFOHEADER *const pbih = CUIBmpDIBFromFile("");
+            nRead += pbih != nullptr;
+            free(pbih);
+        }
+        // Twice the pixels at most, and what a trace line takes.
+        ASSERT_LE(CHeapWatch::TakeLargest(), 2 * bytes.size() + 4096) << i;
+        HPALETTE hPal = nullptr;
+        if (i % 8 == 0 && bytes.size() >= 54) {
+            const std::vector<BYTE> dib(bytes.begin() + 14, bytes.end());
+            int nColors = 0;
+            CGuardedDib guarded(dib);
+            DeleteObject(CUIBmpCreateDIBPalette(guarded.Info(), &nColors));
+            DeleteObject(guarded.Create(&hPal, nullptr, nullptr, 0));
+            DeleteObject(hPal);
+            const CFakeResource resource(dib);
+            DeleteObject(CUIBmpLoadBitmapPalette(nullptr, "", hPal));
+            DeleteObject(hPal);
+            DeleteObject(CUIBmpLoadBitmap(nullptr, ""));
+        }
+        if (i % 32 == 0) {  // LoadImage looks at real files only
+            WriteBytes(m_path, bytes);
+            DeleteObject(CUIBmpLoad(nullptr, m_path.c_str(), nullptr, true, nullptr, nullptr, 0));
+        }
+        m_trace.m_text.clear();
+    }
+    EXPECT_GT(nRead, 300);
+}
+
+TEST(Bitmap, LivesAsLongAsItsLastCopyOnWhateverThread)
+{
+    const HBITMAP hBitmap = NewBitmap();
+    const HPALETTE hPalette = CreateHalftonePalette(nullptr);
+    CCUIBitmap last;
+    {
+        CCUIBitmap first(hBitmap, hPalette), copy(first);
+        copy = *&copy;
+        copy = first;
+        EXPECT_EQ(2, first.GetData()->m_nRefs);
+        last = copy;
+        first = NewBitmap();
+        EXPECT_EQ(nullptr, static_cast<HPALETTE>(first));
+    }
+    CThreads::Run(4, [&](int) {
+        for (int i = 0; i < 100000; ++i) {
+            CCUIBitmap copy(last), assigned;
+            assigned = copy;
+            copy.Empty();
+        }
+    });
+    EXPECT_EQ(1, last.GetData()->m_nRefs);
+    EXPECT_EQ(hPalette, static_cast<HPALETTE>(last));
+    last = hBitmap;  // its own: taken over long ago
+    EXPECT_EQ(3 * 2 * 1, last.Width() * last.Height() * last.Depth());
+    last = static_cast<HBITMAP>(nullptr);
+    EXPECT_FALSE(GetObjectType(hBitmap) || GetObjectType(hPalette));
+    EXPECT_EQ(CCUIBitmap().GetData(), last.GetData());  // the record of all that are empty
+}
+
+TEST(Bitmap, IsLoadedByIdNameAndDecimalTextAndReportsWhatItIsNot)
+{
+    CReports reports;
+    const CPixelMap colors = TakePixels(LoadBitmapA(hModule, pszColors));
+    const CPixelMap named = TakePixels(LoadBitmapA(hModule, "NAMED"));
+    const std::string path = reports.Directory().Path() + "\\load.bmp";
+    const CBmpBytes bmp(5, 4, 8);
+    WriteBytes(path, bmp.File());
+    CCUIBitmap bitmap;
+    const auto expect = [&](const CPixelMap &pixels, UINT nPalette, const char *text, int nFlags) {
+        bitmap.Load(CCUString(text), static_cast<WORD>(nFlags), hModule);
+        EXPECT_EQ(pixels, PixelsOf(bitmap)) << text;
+        EXPECT_EQ(pixels.cx, bitmap.Width()) << text;
+        EXPECT_EQ(nPalette, GetPaletteEntries(bitmap, 0, 0, nullptr)) << text;
+        EXPECT_EQ(nFlags, bitmap.GetData()->m_pSource->m_wFlags);
+    };
+    expect(named, 2, "NAMED", CUIBMP_RESOURCE | CUIBMP_PALETTE);
+    expect(colors, 0, "65736", CUIBMP_RESOURCE);  // 200 in the low 16 bits
+    expect(none, 0, "200x", CUIBMP_RESOURCE);
+    expect(none, 0, "201", CUIBMP_RESOURCE | CUIBMP_PALETTE);      // broken
+    expect(CPixelMap(1, 1, 0x563412), 0, "203", CUIBMP_RESOURCE);  // of the longest header
+    expect(none, 0, "200", CUIBMP_PALETTE);                        // nothing says what it names
+    expect(bmp.Picture(), 256, path.c_str(), CUIBMP_FILE | CUIBMP_PALETTE);
+    EXPECT_EQ(named, PixelsOf(CCUIBitmap("NAMED", 0, hModule)));
+    EXPECT_TRUE(CCUIBitmap("200", 0, hModule).IsNull());  // a caller's name is no number
+    const CCUIBitmap byId(0x10000 + 200, 0, hModule);
+    EXPECT_EQ(colors, PixelsOf(byId));
+    EXPECT_EQ(CUIBMP_RESOURCE, byId.GetData()->m_pSource->m_wFlags);
+    EXPECT_EQ(CUIGetWinData()->dwColorStamp, byId.GetData()->m_pSource->m_dwColorStamp);
+    EXPECT_EQ("m_sBitmap.GetLength() > 0; m_sBitmap.GetLength() > 0 || m_pszID != 0",
+              reports.Of("Bitmap", [&] {
+                  bitmap.Load(CCUString(), CUIBMP_FILE, nullptr);
+                  bitmap.Load(0u, 0, hModule);
+              }));
+}
+
+TEST(Bitmap, LoadedAgainTakesOtherColoursAndLeavesItsCopiesAlone)
+{
+    const CSysColors colors;
+    CUIGetWinData()->UpdateSysColors();
+    DWORD from[] = {0x0000FF}, to[] = {0x00FF00};
+    const WORD wFlags = CUIBMP_SYSCOLORS | CUIBMP_PALETTE;
+    const CCUIBitmap sources[] = {CCUIBitmap(200, wFlags, hModule),
+                                  CCUIBitmap(CCUString("200"), wFlags | CUIBMP_RESOURCE, hModule)};
+    CPixelMap expected = TakePixels(LoadBitmapA(hModule, pszColors));
+    expected.Set(4, 1, to[0]);
+    for (const CCUIBitmap &source : sources) {
+        const CPixelMap before = PixelsOf(source);
+        EXPECT_EQ(colors.m_new[2], before.At(2, 1));
+        CCUIBitmap copy(source);
+        copy.ReLoad(from, to, 1);
+        EXPECT_EQ(1, copy.GetData()->m_nRefs);
+        EXPECT_EQ(before, PixelsOf(source));
+        EXPECT_EQ(expected, PixelsOf(copy));
+        EXPECT_NE(static_cast<HPALETTE>(source), static_cast<HPALETTE>(copy));
+    }
+    // Without a source there is nothing to load again.
+    const CBmpBytes bmp(6, 3, 4);
+    CGuardedDib dib(bmp.Packed(256));
+    CCUIBitmap ofDib(&dib.Info()->bmiHeader, CUIBMP_PALETTE), bare(NewBitmap(), nullptr);
+    EXPECT_EQ(bmp.Picture(), PixelsOf(ofDib));
+    EXPECT_EQ(16u, GetPaletteEntries(ofDib, 0, 0, nullptr));
+    ofDib.ReLoad(nullptr, nullptr, 0);
+    bare.ReLoad(nullptr, nullptr, 0);
+    EXPECT_TRUE(ofDib.IsNull());
+    EXPECT_EQ(3, bare.Width());
 }

@@ -1,93 +1,274 @@
+// What is drawn, pixel by pixel, against rules worked out on a map of pixels.
 #include "CUI/Draw.h"
 
-#include <gtest/gtest.h>
-#include <string.h>
+#include <functional>
+#include <map>
+#include <random>
 
+#include "CUI/BmpBlt.h"
+#include "CUI/BmpState.h"
+#include "Support/FailingCall.h"
 #include "Support/PixelMap.h"
+#include "Support/Reports.h"
 
 namespace {
 
-const COLORREF TL = 0xFFFFFF, BR = 0x0000FF;
+const COLORREF WHITE = 0xFFFFFF, KEY = 0x0000FF, BKGND = 0xFFFF00, BLUE = 0xFF0000;
 enum
 {
-    SOLID,
-    FRAME,
-    BEVEL,
-    BEVEL_TRIM_BOTH,
-    BEVEL_TRIM,
-    RUBBER
+    PLAIN,
+    KEYED,
+    MASKED,
+    STRETCHED,
+    MASKED_STRETCHED,
+    BLITS
 };
 
-// The picture of 8 by 6 that each drawing leaves on black: T the one colour, B the other.
-const struct CDrawing
+std::vector<HGDIOBJ> Selected(HDC hDC)
 {
-    int nKind;
-    RECT rect;
-    const char *picture;
-} DRAWINGS[] = {
-    {SOLID, {1, 1, 6, 5}, "........|.TTTTT..|.TTTTT..|.TTTTT..|.TTTTT..|........"},
-    {SOLID, {5, 3, 2, 1}, "........|..TTT...|..TTT...|........|........|........"},
-    {SOLID, {-2, -2, 9, 2}, "TTTTTTTT|TTTTTTTT|........|........|........|........"},
-    {FRAME, {1, 1, 6, 5}, "........|.TTTTT..|.T...T..|.T...T..|.TTTTT..|........"},
-    {FRAME, {2, 2, 3, 3}, "........|........|..T.....|........|........|........"},
-    {FRAME, {2, 2, 2, 2}, "........|........|........|........|........|........"},
-    {FRAME, {-1, -1, 7, 9}, "......T.|......T.|......T.|......T.|......T.|......T."},
-    {BEVEL, {1, 1, 6, 5}, "........|.TTTTB..|.T...B..|.T...B..|.BBBBB..|........"},
-    {BEVEL, {1, 1, 2, 2}, "........|.B......|........|........|........|........"},
-    {BEVEL, {1, 1, 3, 3}, "........|.TB.....|.BB.....|........|........|........"},
-    {BEVEL_TRIM_BOTH, {1, 1, 6, 5}, "........|..TTTT..|.T...B..|.T...B..|.BBBB...|........"},
-    {BEVEL_TRIM_BOTH, {1, 1, 3, 3}, "........|..T.....|.B......|........|........|........"},
-    {BEVEL_TRIM, {1, 1, 6, 5}, "........|..TTTB..|.T...B..|.T...B..|.TBBB...|........"},
-    {BEVEL_TRIM, {1, 1, 3, 3}, "........|..B.....|.T......|........|........|........"},
-    {RUBBER, {1, 1, 6, 5}, "........|.TTTTT..|.T...T..|.T...T..|.TTTTT..|........"},
-    {RUBBER, {6, 5, 1, 1}, "........|.TTTTT..|.T...T..|.T...T..|.TTTTT..|........"},
-    {RUBBER, {-1, 2, 7, 9}, "........|........|TTTTTTT.|......T.|......T.|......T."},
-    {RUBBER, {1, 1, 3, 2}, "........|.TT.....|........|........|........|........"},
+    std::vector<HGDIOBJ> objects;
+    for (const int nType : {OBJ_BITMAP, OBJ_BRUSH, OBJ_PEN, OBJ_FONT, OBJ_PAL})
+        objects.push_back(GetCurrentObject(hDC, static_cast<UINT>(nType)));
+    return objects;
+}
+
+// Draws on a picture, and finds there what the rule makes of it. Nothing changes on the DC, but for
+// the colours of text and background where the drawing says so.
+template <typename Draw, typename Rule>
+void ExpectDrawn(Draw draw, Rule rule, bool bMono = false, bool bColors = false)
+{
+    CTestSurface target(TestPicture(24, 20, 7), bMono);
+    SetBkColor(target, bMono ? WHITE : BKGND);
+    SetTextColor(target, KEY);
+    const COLORREF crBkgnd = bColors ? WHITE : GetBkColor(target);
+    const std::vector<HGDIOBJ> selected = Selected(target);
+    CPixelMap expected = target.Read();
+    rule(expected);
+    draw(target);
+    EXPECT_EQ(expected, target.Read());
+    EXPECT_EQ(selected, Selected(target));
+    EXPECT_EQ(crBkgnd, GetBkColor(target));
+    EXPECT_EQ(bColors ? 0 : KEY, GetTextColor(target));
+}
+
+struct CPlace
+{
+    UINT x, y, xSrc, ySrc, cx, cy;
 };
 
-void Draw(HDC hDC, const CDrawing &drawing)
+void Blit(int nBlit, HDC hDC, const CPlace &p, HBITMAP hBmp, HBITMAP hMask)
 {
-    const RECT *prc = &drawing.rect;
-    switch (drawing.nKind) {
-    case SOLID: return CUIDCFillSolidRect(hDC, prc, TL);
-    case FRAME: return CUIDCDrawRect(hDC, prc, TL);
-    case BEVEL: return CUIDCDraw3dRect(hDC, prc, TL, BR, 0, 1);
-    case BEVEL_TRIM_BOTH: return CUIDCDraw3dRect(hDC, prc, TL, BR, 2, 4);
-    case BEVEL_TRIM: return CUIDCDraw3dRect(hDC, prc, TL, BR, -1, 0);
-    default: return CUIDCRubberRect(hDC, nullptr, prc);
+    const auto &[x, y, xSrc, ySrc, cx, cy] = p;
+    const UINT cx3 = cx && cy ? 3 * cx : 36, cy3 = cx && cy ? 3 * cy : 30;
+    switch (nBlit) {
+    case PLAIN: return CUIBmpBitBlt(hDC, x, y, hBmp, xSrc, ySrc, cx, cy, nullptr, 0);
+    case KEYED: return CUIBmpBgBltFull(hDC, x, y, hBmp, KEY, xSrc, ySrc, cx, cy);
+    case MASKED: return CUIBmpTransparentBltFull(hDC, x, y, hBmp, hMask, xSrc, ySrc, cx, cy);
+    case STRETCHED:
+        return CUIBmpStretchBlt(hDC, x, y, cx3, cy3, hBmp, xSrc, ySrc, cx, cy, nullptr, 0);
+    default:
+        return CUIBmpTransparentStretchBltFull(hDC, x, y, cx3, cy3, hBmp, hMask, xSrc, ySrc, cx,
+                                               cy);
     }
+}
+
+CPixelMap MaskPicture()
+{
+    CPixelMap map = TestPicture(12, 10, 5);
+    for (COLORREF &cr : map.pixels)
+        cr = cr > 0x8000 ? WHITE : 0;
+    return map;
+}
+
+const CPixelMap PICTURE = TestPicture(12, 10, 2), MASK = MaskPicture();
+
+// What a blit makes of the target.
+void ExpectBlit(int nBlit, CPixelMap &map, const CPlace &p, bool bMono = false)
+{
+    const UINT nScale = nBlit >= STRETCHED ? 3 : 1, cx = nScale * (p.cx && p.cy ? p.cx : 12);
+    const UINT cy = nScale * (p.cx && p.cy ? p.cy : 10);
+    for (UINT i = 0; i < cx * cy; ++i) {
+        const int xSrc = int(p.xSrc + i % cx / nScale), ySrc = int(p.ySrc + i / cx / nScale);
+        const bool bMasked = nBlit == MASKED || nBlit == MASKED_STRETCHED;
+        if (bMasked && MASK.At(xSrc, ySrc))
+            continue;
+        COLORREF cr = PICTURE.At(xSrc, ySrc);
+        if (nBlit == KEYED && cr == KEY)
+            cr = bMono ? WHITE : BKGND;
+        // On a monochrome target only white is 1.
+        map.Set(int(p.x + i % cx), int(p.y + i / cx), bMono && cr != WHITE ? 0 : cr);
+    }
+}
+
+// What a state makes of the target.
+void ExpectState(CPixelMap &map, const CUIBmpStateRects &rects, DWORD dwFlags)
+{
+    const RECT &area = rects.rcArea, &center = rects.rcCenter, &source = rects.rcSource;
+    const int cx = source.right - source.left, cy = source.bottom - source.top;
+    const int left = (center.right - center.left - cx - 1) / 2 + center.left;
+    const int top = (center.bottom - center.top - cy) / 2 + center.top;
+    const auto isImage = [&](int x, int y) {
+        if (x < left || y < top || x >= left + cx || y >= top + cy)
+            return false;
+        const COLORREF cr = PICTURE.At(source.left + x - left, source.top + y - top);
+        return cr != BKGND && cr != WHITE;
+    };
+    const bool bEmbossed = (dwFlags & CUIBMPSTATE_DISABLED) != 0;
+    for (int i = 0; !bEmbossed && i < cx * cy; ++i)
+        map.Set(left + i % cx, top + i / cx, PICTURE.At(source.left + i % cx, source.top + i / cx));
+    for (int nOffset = 1; bEmbossed && nOffset >= 0; --nOffset)
+        for (int x = area.left; x < area.right - 2; ++x)
+            for (int y = area.top; y < area.bottom - 2; ++y)
+                if (isImage(x, y))
+                    map.Set(x + nOffset, y + nOffset, nOffset ? WHITE : BLUE);
+    for (int x = area.left; dwFlags & CUIBMPSTATE_OVERLAY && x < area.right; ++x)
+        for (int y = area.top; y < area.bottom; ++y)
+            if (!isImage(x, y) &&
+                !(bEmbossed && x > area.left && y > area.top && isImage(x - 1, y - 1)))
+                map.Set(x, y, (x + y) % 2 ? WHITE : BKGND);
 }
 
 }  // namespace
 
-TEST(Draw, SetsTheTablesPixelsOnEveryDepthAndKeepsTheDC)
+TEST(Draw, BlitsAsTheRulesSay)
 {
-    for (const int nBits : {0, 32, 24, 16, 8, 1}) {
-        for (const CDrawing &drawing : DRAWINGS) {
-            if (nBits == 1 && strchr(drawing.picture, 'B'))
-                continue;  // which of two colours is white there differs between systems
-            SCOPED_TRACE(testing::Message() << nBits << " bits, drawing " << &drawing - DRAWINGS);
-            ExpectDrawn(
-                nBits, CPixelMap(8, 6), [&](HDC hDC) { Draw(hDC, drawing); },
-                [&](CPixelMap &map) {
-                    for (int i = 0; i < 48; ++i) {
-                        const char c = drawing.picture[i / 8 * 9 + i % 8];
-                        map.Set(i % 8, i / 8, c == '.' ? 0 : c == 'T' ? TL : BR);
-                    }
-                });
+    CTestSurface image(PICTURE), mask(MASK, true);
+    std::mt19937 random(1);
+    for (int i = 0; i < 200; ++i) {
+        const int nBlit = i % BLITS;
+        const bool bMono = i % 4 == 3;
+        CPlace p = {random() % 30 - 6, random() % 26 - 6, 0, 0, random() % 2 * 50, 0};
+        if (random() % 3) {  // a part; otherwise it has no size, and that is the bitmap's
+            p.xSrc = random() % 11;
+            p.ySrc = random() % 9;
+            p.cx = random() % (12 - p.xSrc) + 1;
+            p.cy = random() % (10 - p.ySrc) + 1;
         }
+        SCOPED_TRACE(i);
+        ExpectDrawn([&](HDC hDC) { Blit(nBlit, hDC, p, image.Bitmap(), mask.Bitmap()); },
+                    [&](CPixelMap &map) { ExpectBlit(nBlit, map, p, bMono); }, bMono,
+                    nBlit == MASKED || nBlit == MASKED_STRETCHED);
+        ASSERT_EQ(PICTURE, image.Read());
     }
+    // The short forms.
+    const CPlace whole = {3, 2, 0, 0, 0, 0}, beside = {5, 2, 0, 0, 0, 0};
+    const auto drawShort = [&](HDC hDC) {
+        CUIBmpBgBlt(hDC, 3, 2, image.Bitmap(), KEY);
+        CUIBmpTransparentBlt(hDC, 5, 2, image.Bitmap(), mask.Bitmap());
+        CUIBmpTransparentBlt(hDC, 9, 2, image.Bitmap(), nullptr);
+    };
+    const auto expectShort = [&](CPixelMap &map) {
+        ExpectBlit(KEYED, map, whole);
+        ExpectBlit(MASKED, map, beside);
+    };
+    ExpectDrawn(drawShort, expectShort, false, true);
 }
 
-TEST(Draw, TakesTheRubberFrameBack)
+TEST(Draw, MakesMasksAndBakesABitmapOntoAColour)
 {
-    const RECT frames[] = {{4, 3, 13, 10}, {9, 8, 5, 11}, {-2, -3, 7, 5}, {4, 3, 4, 3}};
-    for (const RECT &frame : frames) {
-        const RECT *pLast = nullptr;
-        ExpectDrawn(0, TestPicture(20, 16, 3), [&](HDC hDC) {
-            for (const RECT *pNext : {&frame, &frames[0], static_cast<const RECT *>(nullptr)}) {
-                CUIDCRubberRect(hDC, pLast, pNext);
-                pLast = pNext;
+    CPixelMap expected[] = {CPixelMap(12, 10), CPixelMap(5, 6), PICTURE};
+    for (int i = 0; i < 120; ++i) {
+        const COLORREF cr = PICTURE.At(i % 12, i / 12);
+        expected[0].Set(i % 12, i / 12, cr == KEY ? WHITE : 0);
+        expected[1].Set(i % 12 - 3, i / 12 - 2, cr == KEY ? WHITE : 0);
+        expected[2].Set(i % 12, i / 12, cr == PICTURE.At(0, 0) ? BKGND : cr);
+    }
+    CTestSurface image(PICTURE), target(PICTURE);
+    HBITMAP made[3] = {CUIBmpMakeMask(target, 9, 9, image.Bitmap(), KEY),
+                       CUIBmpMakeMaskFull(target, 9, 9, image.Bitmap(), KEY, 3, 2, 5, 6)};
+    EXPECT_EQ(TRUE, CUIBmpTransparentCreate(image.Bitmap(), &made[2], target, BKGND));
+    for (int i = 0; i < 3; ++i) {
+        EXPECT_EQ(expected[i], PixelsOf(made[i])) << i;
+        CUIBmpDeleteObject(&made[i]);
+        EXPECT_EQ(nullptr, made[i]);
+    }
+    EXPECT_EQ(TRUE, CUIBmpTransparentCreate(nullptr, &made[2], target, KEY));
+    EXPECT_EQ(nullptr, CUIBmpMakeMask(target, 0, 0, nullptr, KEY));
+}
+
+TEST(Draw, KeepsPalettesOffTheTarget)
+{
+    CTestSurface image(PICTURE), target(PICTURE);
+    // Palette 5 is the test's, 7 the one that every DC has.
+    const HPALETTE hPalette = reinterpret_cast<HPALETTE>(5);
+    std::string calls;
+    const CFakeCall<HPALETTE(HDC, HPALETTE, BOOL)> select(
+        "SelectPalette", [&](HDC hDC, HPALETTE hPal, BOOL bForce) {
+            EXPECT_NE(static_cast<HDC>(target), hDC);
+            calls +=
+                std::to_string(reinterpret_cast<int>(hPal)) + (bForce ? " back, " : " front, ");
+            return reinterpret_cast<HPALETTE>(7);
+        });
+    CUIBmpBitBlt(target, 0, 0, image.Bitmap(), 0, 0, 0, 0, hPalette, 0);
+    CUIBmpStretchBlt(target, 0, 0, 9, 9, image.Bitmap(), 0, 0, 0, 0, hPalette, 1);
+    EXPECT_EQ("5 front, 7 front, 5 back, 7 back, ", calls);
+}
+
+TEST(Draw, DrawsEveryStateAndTracesWhatCannotBeDrawn)
+{
+    CTestSurface image(PICTURE), target(PICTURE);
+    // An image of 10 by 10 centred in 15 and in 16; a part, off centre; larger than all around it.
+    CUIBmpStateRects places[] = {{{3, 2, 20, 19}, {4, 3, 19, 18}, {0, 0, 10, 10}},
+                                 {{3, 2, 20, 19}, {4, 3, 20, 19}, {0, 0, 10, 10}},
+                                 {{0, 0, 24, 20}, {9, 1, 13, 20}, {3, 2, 9, 9}},
+                                 {{7, 6, 14, 12}, {8, 7, 11, 10}, {1, 1, 12, 10}}};
+    const auto draw = [&](HDC hDC, DWORD n, COLORREF crFace) {
+        CUIBmpDrawState(hDC, &places[n / 4].rcArea, image.Bitmap(), n % 4, crFace, WHITE, BLUE);
+    };
+    for (DWORD n = 0; n < 16; ++n) {
+        SCOPED_TRACE(n);
+        ExpectDrawn([&](HDC hDC) { draw(hDC, n, BKGND); },
+                    [&](CPixelMap &map) { ExpectState(map, places[n / 4], n % 4); });
+    }
+    ASSERT_EQ(PICTURE, image.Read());
+    // The brush is made anew for new colours only.
+    const CFailingCall<HBRUSH(HBITMAP)> createPattern("CreatePatternBrush");
+    CFailPlan::Start(0);
+    for (const COLORREF crFace : {1u, 1u, 2u, 1u})
+        draw(target, CUIBMPSTATE_OVERLAY, crFace);
+    EXPECT_EQ(3, CFailPlan::s_nCalls);
+    const CDumped dumped;
+    CUIBmpDrawState(target, &places[0].rcArea, nullptr, 0, 0, 0, 0);
+    CUIBmpStretchBlt(nullptr, 0, 0, 9, 9, image.Bitmap(), 0, 0, 0, 0, nullptr, 0);
+    EXPECT_EQ(0U,
+              dumped.m_text.find("CUIBmpDraw error drawing bitmap.\nStretchBlt failed - gle: "));
+}
+
+// What each drawing sets: W is white, K the other colour, I the inverse of what was there.
+TEST(Draw, SetsTheTablesPixelsAndKeepsTheDC)
+{
+    const RECT rect = {1, 1, 6, 5}, backwards = {6, 5, 1, 1}, tiny = {1, 1, 3, 3};
+    const std::pair<std::function<void(HDC)>, const char *> drawings[] = {
+        {[&](HDC hDC) { CUIDCFillSolidRect(hDC, &backwards, WHITE); },
+         "........|.WWWWW..|.WWWWW..|.WWWWW..|.WWWWW..|........"},
+        {[&](HDC hDC) { CUIDCDrawRect(hDC, &rect, WHITE); },
+         "........|.WWWWW..|.W...W..|.W...W..|.WWWWW..|........"},
+        {[&](HDC hDC) { CUIDCDraw3dRect(hDC, &rect, WHITE, KEY, 0, 1); },
+         "........|.WWWWK..|.W...K..|.W...K..|.KKKKK..|........"},
+        {[&](HDC hDC) { CUIDCDraw3dRect(hDC, &rect, WHITE, KEY, 2, 4); },
+         "........|..WWWW..|.W...K..|.W...K..|.KKKK...|........"},
+        {[&](HDC hDC) { CUIDCDraw3dRect(hDC, &rect, WHITE, KEY, -1, 0); },
+         "........|..WWWK..|.W...K..|.W...K..|.WKKK...|........"},
+        {[&](HDC hDC) { CUIDCDraw3dRect(hDC, &tiny, WHITE, KEY, -1, 0); },
+         "........|..K.....|.W......|........|........|........"},
+        {[&](HDC hDC) { CUIDCRubberRect(hDC, nullptr, &backwards); },
+         "........|.IIIII..|.I...I..|.I...I..|.IIIII..|........"},
+        {[&](HDC hDC) {
+             CUIDCRubberRect(hDC, nullptr, &rect);
+             CUIDCRubberRect(hDC, &rect, &tiny);
+             CUIDCRubberRect(hDC, &tiny, nullptr);
+         },
+         "........|........|........|........|........|........"}};
+    for (const auto &drawing : drawings) {
+        const char *const picture = drawing.second;
+        SCOPED_TRACE(picture);
+        ExpectDrawn(drawing.first, [&](CPixelMap &map) {
+            for (int i = 0; i < 48; ++i) {
+                const char c = picture[i / 8 * 9 + i % 8];
+                const COLORREF crOld = map.At(i % 8, i / 8);
+                const std::map<char, COLORREF> colors = {
+                    {'.', crOld}, {'I', crOld ^ WHITE}, {'W', WHITE}, {'K', KEY}};
+                map.Set(i % 8, i / 8, colors.at(c));
             }
         });
     }

@@ -1,6 +1,4 @@
 // Every message of the table, sent to a real window, against what its handler got.
-#include <gtest/gtest.h>
-
 #include <type_traits>
 
 #include "Support/TestWindow.h"
@@ -14,34 +12,21 @@ constexpr WPARAM Words(WORD low, WORD high)
     return static_cast<WPARAM>(high) << 16 | low;
 }
 
-std::string Word(const POINT &point)
-{
-    return Text(" %ld,%ld", point.x, point.y);
-}
-
-std::string Word(const char *text)
-{
-    return Text(" %s", text);
-}
-
 template <typename T>
 std::string Word(const T &value)
 {
-    if constexpr (std::is_pointer_v<T>)
+    if constexpr (std::is_same_v<T, POINT>)
+        return Text(" %ld,%ld", value.x, value.y);
+    else if constexpr (std::is_pointer_v<T>)
         return Text(" %x", reinterpret_cast<unsigned>(value));
     else
         return Text(" %x", static_cast<unsigned>(value));
 }
 
 // Writes down which handler was called with what; calls no base.
-class CRecorder : public CCUIWindow
+struct CRecorder : CCUIWindow
 {
-public:
-    ~CRecorder() override { m_bReady = false; }
     std::string m_record;
-    bool m_bReady = false;
-
-protected:
     template <typename... Args>
     long Record(const char *name, const Args &...args)
     {
@@ -50,7 +35,6 @@ protected:
     }
 
     // clang-format off
-    long WindowProc(UINT message, WPARAM w, LPARAM l) override { return m_bReady ? CCUIWindow::WindowProc(message, w, l) : DefProc(message, w, l); }
     long OnMessage(UINT message, WPARAM w, LPARAM l) override { return Record("OnMessage", message, w, l); }
     int OnCreate(CREATESTRUCTA *p) override { return Record("OnCreate", p); }
     void OnDestroy() override { Record("OnDestroy"); }
@@ -97,8 +81,6 @@ struct CRow
     long result;
 };
 
-const char s_szSection[] = "intl";
-
 const CRow s_rows[] = {
     {0x0001, 0, 0x5678, "OnCreate 5678", s_nAnswer},
     {0x0005, 2, MAKELONG(300, 0xFFFE), "OnSize 2 12c fffe", 0},
@@ -110,7 +92,7 @@ const CRow s_rows[] = {
     {0x0014, 0x44, 9, "OnEraseBkgnd 44", s_nAnswer},
     {0x0015, 1, 9, "OnSysColorChange", 0},
     {0x0018, 1, 3, "OnShowWindow 1 3", 0},
-    {0x001A, 5, reinterpret_cast<LPARAM>(s_szSection), "OnWinIniChange 5 intl", 0},
+    {0x001A, 5, 0x53, "OnWinIniChange 5 53", 0},
     {0x001F, 1, 9, "OnCancelMode", 0},
     {0x0020, 0x45, MAKELONG(0xFFFF, 0x201), "OnSetCursor 45 ffff 201", s_nAnswer},
     {0x002B, 6, 0x46, "OnDrawItem 6 46", s_nAnswer},
@@ -146,52 +128,36 @@ LRESULT CALLBACK DefaultProc(HWND, UINT message, WPARAM wParam, LPARAM lParam)
     return s_nAnswer;
 }
 
-// Answers what comes back from the parent, and says what it was.
-class CChild : public CTestWindow
+// Answers what comes back from the parent.
+struct CChild : CTestWindow
 {
-public:
     using CTestWindow::CTestWindow;
-    std::string m_record;
-    bool m_bHandle = true;
-
-protected:
+    UINT m_nSeen = 0;
     int OnReflectedMessage(UINT message, WPARAM, LPARAM, long &result) override
     {
-        m_record = Text("message %x", message);
+        m_nSeen = message;
         result = 0x77;
-        return m_bHandle;
+        return 1;
     }
-    int OnReflectedNotification(UINT nID, NMHDR *pHeader, long &result) override
+    int OnReflectedNotification(UINT, NMHDR *pHeader, long &result) override
     {
-        m_record = Text("notification %x %x", nID, pHeader->code);
-        result = 0x78;
-        return m_bHandle;
+        return OnReflectedMessage(pHeader->code, 0, 0, result);
     }
 };
 
 }  // namespace
 
-TEST(MessageTable, HandsEveryMessageToItsHandler)
+TEST(MessageTable, HandsEveryMessageToItsHandlerAndPassesOnWhatNoHandlerTakes)
 {
-    CRecorder window;
-    ASSERT_TRUE(CreateTestWindow(window));
-    window.m_bReady = true;
+    const HWND hWnd = MakePlain();
+    SetWindowLongA(hWnd, GWL_WNDPROC, reinterpret_cast<LONG>(DefaultProc));
     for (const CRow &row : s_rows) {
-        window.m_record.clear();
-        EXPECT_EQ(row.result, SendMessageA(window, row.message, row.wParam, row.lParam))
-            << row.record;
-        EXPECT_EQ(row.record, window.m_record);
-    }
-}
-
-TEST(MessageTable, PassesOnWhatNoHandlerTakesAsItCame)
-{
-    CTestWindow outer;
-    const HWND hWnd = outer.Detach();
-    const LONG oldProc = SetWindowLongA(hWnd, GWL_WNDPROC, reinterpret_cast<LONG>(DefaultProc));
-    CCUIWindow window;
-    window.Attach(hWnd);
-    for (const CRow &row : s_rows) {
+        CRecorder recorder;
+        recorder.Attach(hWnd);
+        EXPECT_EQ(row.result, SendMessageA(hWnd, row.message, row.wParam, row.lParam));
+        EXPECT_EQ(row.record, recorder.m_record);
+        CCUIWindow window;
+        window.Attach(hWnd);
         const UINT message = row.message;
         const bool bStructure =
             message == WM_DRAWITEM || message == WM_MEASUREITEM || message == WM_NOTIFY;
@@ -199,10 +165,8 @@ TEST(MessageTable, PassesOnWhatNoHandlerTakesAsItCame)
         EXPECT_EQ(row.result, SendMessageA(hWnd, message, row.wParam, lParam)) << row.record;
         EXPECT_EQ(message == WM_DESTROY ? "2 0 0" : Text("%x %x %lx", message, row.wParam, lParam),
                   s_default);
+        window.Detach();
     }
-    EXPECT_EQ(nullptr, window.GetHandle());
-    SetWindowLongA(hWnd, GWL_WNDPROC, oldProc);
-    DestroyWindow(hWnd);
 }
 
 TEST(MessageTable, GivesWhatAChildSentBackToTheChildFirst)
@@ -210,41 +174,25 @@ TEST(MessageTable, GivesWhatAChildSentBackToTheChildFirst)
     CTestWindow parent;
     CChild child(parent, WS_CHILD);
     const HWND hChild = child;
-    NMHDR header = {hChild, 7, 0x99};
+    NMHDR header = {hChild, 7, WM_NOTIFY};
     DRAWITEMSTRUCT draw = {ODT_BUTTON, 7, 0, 0, 0, hChild, nullptr, {}, 0};
     MEASUREITEMSTRUCT measure = {ODT_LISTBOX, 7, 0, 0, 0, 0};
     COMPAREITEMSTRUCT compare = {ODT_LISTBOX, 7, hChild, 0, 0, 0, 0, 0};
-    DELETEITEMSTRUCT remove = {ODT_LISTBOX, 7, 0, hChild, 0};
-    const struct
-    {
-        UINT message;
-        const void *pParam;
-        long result;
-    } rows[] = {
-        {WM_NOTIFY, &header, 0x78},        {WM_COMMAND, hChild, 0},
-        {WM_DRAWITEM, &draw, 0x77},        {WM_MEASUREITEM, &measure, 0x77},
-        {WM_COMPAREITEM, &compare, 0x77},  {WM_DELETEITEM, &remove, 0x77},
-        {WM_CTLCOLOREDIT, hChild, 0x77},   {WM_CTLCOLORLISTBOX, hChild, 0x77},
-        {WM_CTLCOLORBTN, hChild, 0x77},    {WM_CTLCOLORSCROLLBAR, hChild, 0x77},
-        {WM_CTLCOLORSTATIC, hChild, 0x77}, {WM_HSCROLL, hChild, 0x77},
-        {WM_VSCROLL, hChild, 0x77},        {WM_CHARTOITEM, hChild, 0x77},
-        {WM_VKEYTOITEM, hChild, 0x77},
-    };
-    for (const auto &row : rows) {
-        child.m_record.clear();
-        const auto lParam = reinterpret_cast<LPARAM>(row.pParam);
-        EXPECT_EQ(row.result, SendMessageA(parent, row.message, 7, lParam)) << row.message;
-        EXPECT_EQ(row.message == WM_NOTIFY ? "notification 7 99" : Text("message %x", row.message),
-                  child.m_record);
-        // Nor does a null stop it, where there should be a structure or a child.
-        SendMessageA(parent, row.message, 7, 0);
+    const std::pair<UINT, const void *> sent[] = {
+        {WM_NOTIFY, &header},           {WM_DRAWITEM, &draw},     {WM_MEASUREITEM, &measure},
+        {WM_COMPAREITEM, &compare},     {WM_COMMAND, hChild},     {WM_CTLCOLOREDIT, hChild},
+        {WM_CTLCOLORLISTBOX, hChild},   {WM_CTLCOLORBTN, hChild}, {WM_CTLCOLORSTATIC, hChild},
+        {WM_CTLCOLORSCROLLBAR, hChild}, {WM_HSCROLL, hChild},     {WM_VSCROLL, hChild},
+        {WM_CHARTOITEM, hChild},        {WM_VKEYTOITEM, hChild}};
+    for (const auto &[message, p] : sent) {
+        const LRESULT result = SendMessageA(parent, message, 7, reinterpret_cast<LPARAM>(p));
+        EXPECT_EQ(message == WM_COMMAND ? 0 : 0x77, result) << message;
+        EXPECT_EQ(message, child.m_nSeen);
+        SendMessageA(parent, message, 7, 0);  // names no child
     }
-    // What the child does not take goes on to the system: a scroll message is nothing to it.
-    child.m_bHandle = false;
-    EXPECT_EQ(0, SendMessageA(parent, WM_HSCROLL, 1, reinterpret_cast<LPARAM>(hChild)));
     // What a menu wants drawn is no child's, whatever the handle says.
     draw.CtlType = ODT_MENU;
-    child.m_record.clear();
+    child.m_nSeen = 0;
     SendMessageA(parent, WM_DRAWITEM, 0, reinterpret_cast<LPARAM>(&draw));
-    EXPECT_EQ("", child.m_record);
+    EXPECT_EQ(0U, child.m_nSeen);
 }

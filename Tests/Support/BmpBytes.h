@@ -1,118 +1,88 @@
 #pragma once
 
-#include <stdio.h>
-#include <stdlib.h>
-#include <string.h>
+#include <fstream>
+#include <random>
 #include <string>
-#include <vector>
 
 #include "Support/PixelMap.h"
 
-// A BMP file in memory, every field open, so that a test can lie in any of them. The picture is
-// made of the size and depth.
+// A BMP file in memory with random pixels.
 struct CBmpBytes
 {
     BITMAPFILEHEADER m_file = {0x4D42, 0, 0, 0, 0};
     BITMAPINFOHEADER m_info;
-    std::vector<BYTE> m_rest;  // what follows the first 40 bytes of a longer header, or masks
+    std::vector<DWORD> m_rest;  // what follows the first 40 bytes of a longer header, or masks
     std::vector<RGBQUAD> m_table;
     std::vector<BYTE> m_pixels;
 
-    CBmpBytes(int nWidth, int nHeight, int nBits, int nRowAlign = 4)
-        : m_info{sizeof m_info, nWidth, nHeight, 1, static_cast<WORD>(nBits), 0, 0, 0, 0, 0, 0}
+    CBmpBytes(int cx, int cy, int nBits, DWORD nHeader = 40, DWORD nCompression = BI_RGB,
+              DWORD nUsed = 0)
+        : m_info{nHeader, cx, cy, 1, WORD(nBits), nCompression, 0, 0, 0, nUsed, 0},
+          m_rest((nHeader > 40                   ? nHeader - 40
+                  : nCompression == BI_BITFIELDS ? 12
+                                                 : 0) /
+                 4),
+          m_table(nUsed        ? nUsed
+                  : nBits <= 8 ? 1U << nBits
+                               : 0)
     {
-        const int nColors = nBits <= 8 ? 1 << nBits : 0;
-        for (int i = 0; i < nColors; ++i)
-            m_table.push_back({static_cast<BYTE>(255 - i * 255 / (nColors - 1)),
-                               static_cast<BYTE>(i * 37 + 5), static_cast<BYTE>(i * 91 + 1), 0});
-        m_file.bfOffBits = 54 + static_cast<DWORD>(nColors) * 4;
-        const int nRow = ((nWidth * nBits + 7) / 8 + nRowAlign - 1) / nRowAlign * nRowAlign;
-        const int nRows = abs(nHeight);
-        // Values may be stored whole at the end of the last row.
-        m_pixels.resize(static_cast<size_t>(nRow * nRows + 4));
-        for (int y = 0; y < nRows; ++y)
-            for (int x = 0; x < nWidth; ++x)
-                Store(&m_pixels[static_cast<size_t>(nRow * (nHeight < 0 ? y : nRows - 1 - y))], x,
-                      ValueAt(x, y));
-        m_pixels.resize(m_pixels.size() - 4);
-    }
-
-    // A header of that size. The masks of BI_BITFIELDS are in a longer one and follow one of 40.
-    void SetHeader(DWORD nSize, DWORD nCompression)
-    {
-        const DWORD masks16[] = {0xF800, 0x07E0, 0x001F}, masks32[] = {0xFF0000, 0xFF00, 0xFF};
-        m_info.biSize = nSize;
-        m_info.biCompression = nCompression;
-        m_rest.resize(nSize > 40 ? nSize - 40 : nCompression == BI_BITFIELDS ? 12 : 0);
+        std::mt19937 random(static_cast<unsigned>(cx * 1000 + nBits));
+        for (RGBQUAD &color : m_table)
+            color = {BYTE(random()), BYTE(random()), BYTE(random()), 0};
+        const DWORD masks[] = {0xF800, 0x07E0, 0x001F, 0xFF, 0xFF00, 0xFF0000};
         if (nCompression == BI_BITFIELDS)
-            memcpy(m_rest.data(), m_info.biBitCount == 16 ? masks16 : masks32, 12);
-        m_file.bfOffBits += static_cast<DWORD>(m_rest.size());
+            std::copy_n(nBits == 16 ? masks : masks + 3, 3, m_rest.begin());
+        const bool bRuns = nCompression == BI_RLE8;
+        const int nRow = bRuns ? 2 * cx + 2 : (cx * nBits + 31) / 32 * 4;
+        for (int i = 0; i < nRow * abs(cy); ++i)
+            m_pixels.push_back(static_cast<BYTE>(random() % (nUsed ? nUsed : 256)));
+        for (size_t i = 0; bRuns && i < m_pixels.size(); i += 2)
+        {  // counts of 1, and 0 0 at the end
+            m_pixels[i] = int(i) % nRow < 2 * cx;
+            m_pixels[i + 1] = m_pixels[i] ? m_pixels[i + 1] : BYTE(0);
+        }
+        m_info.biSizeImage = bRuns ? m_pixels.size() : 0;
+        m_file.bfOffBits = sizeof m_file + Packed(0).size() - m_pixels.size();
     }
 
-    COLORREF TableColor(size_t i) const
-    {
-        return RGB(m_table[i].rgbRed, m_table[i].rgbGreen, m_table[i].rgbBlue);
-    }
-    // What it shows, on a screen of any depth.
+    // What the system itself shows of it.
     CPixelMap Picture() const
     {
-        CPixelMap picture(m_info.biWidth, abs(m_info.biHeight));
-        for (int i = 0; i < picture.cx * picture.cy; ++i) {
-            const DWORD n = ValueAt(i % picture.cx, i / picture.cx);
-            picture.pixels[static_cast<size_t>(i)] =
-                m_info.biBitCount <= 8 ? TableColor(n) : RGB(n >> 16, n >> 8 & 0xFF, n & 0xFF);
-        }
-        return picture;
+        const std::vector<BYTE> dib = Packed(0);
+        const int cx = m_info.biWidth, cy = abs(m_info.biHeight);
+        CTestSurface surface(CPixelMap(cx, cy));
+        StretchDIBits(surface, 0, 0, cx, cy, 0, 0, cx, cy, &dib[dib.size() - m_pixels.size()],
+                      reinterpret_cast<const BITMAPINFO *>(dib.data()), DIB_RGB_COLORS, SRCCOPY);
+        return surface.Read();
     }
-    // Header, a table with room for that many entries, pixels.
+    // Header, colours, with room for that many if not 0, pixels.
     std::vector<BYTE> Packed(size_t nRoom) const
     {
-        std::vector<BYTE> bytes(sizeof m_info + nRoom * sizeof(RGBQUAD));
-        memcpy(bytes.data(), &m_info, sizeof m_info);
-        if (!m_table.empty())
-            memcpy(&bytes[sizeof m_info], m_table.data(), m_table.size() * sizeof(RGBQUAD));
-        bytes.insert(bytes.begin() + sizeof m_info, m_rest.begin(), m_rest.end());
-        bytes.insert(bytes.end(), m_pixels.begin(), m_pixels.end());
+        std::vector<BYTE> bytes;
+        Append(bytes, &m_info, sizeof m_info);
+        Append(bytes, m_rest.data(), m_rest.size() * 4);
+        Append(bytes, m_table.data(), m_table.size() * 4);
+        bytes.resize(nRoom ? m_info.biSize + nRoom * 4 : bytes.size());
+        Append(bytes, m_pixels.data(), m_pixels.size());
         return bytes;
     }
     std::vector<BYTE> File() const
     {
-        std::vector<BYTE> bytes = Packed(m_table.size());
-        const BYTE *pHeader = reinterpret_cast<const BYTE *>(&m_file);
-        bytes.insert(bytes.begin(), pHeader, pHeader + sizeof m_file);
+        std::vector<BYTE> bytes;
+        Append(bytes, &m_file, sizeof m_file);
+        Append(bytes, Packed(0).data(), Packed(0).size());
         return bytes;
     }
 
 private:
-    DWORD ValueAt(int x, int y) const
+    static void Append(std::vector<BYTE> &bytes, const void *p, size_t nSize)
     {
-        const DWORD n = static_cast<DWORD>(x * 2 + y * 7) * 0x010305 + 0x123456;
-        return n & ((1U << (m_info.biBitCount < 24 ? m_info.biBitCount : 24)) - 1);
-    }
-    void Store(BYTE *pRow, int x, DWORD nValue) const
-    {
-        const int nBits = m_info.biBitCount;
-        BYTE *pAt = pRow + x * nBits / 8;
-        if (nBits < 8)
-            *pAt = static_cast<BYTE>(*pAt | nValue << (8 - nBits - x * nBits % 8));
-        else
-            memcpy(pAt, &nValue, static_cast<size_t>(nBits) / 8);
+        const BYTE *const pBytes = static_cast<const BYTE *>(p);
+        bytes.insert(bytes.end(), pBytes, pBytes + nSize);
     }
 };
 
-inline bool WriteBytes(const std::string &path, const std::vector<BYTE> &bytes)
+inline void WriteBytes(const std::string &path, const std::vector<BYTE> &bytes)
 {
-    FILE *file = fopen(path.c_str(), "wb");
-    const bool bWritten = file && fwrite(bytes.data(), 1, bytes.size(), file) == bytes.size();
-    return file && fclose(file) == 0 && bWritten;
-}
-
-// The colours of a palette that nobody needs any more.
-inline std::vector<COLORREF> TakeEntries(HPALETTE hPal)
-{
-    std::vector<COLORREF> colors(GetPaletteEntries(hPal, 0, 0, nullptr));
-    GetPaletteEntries(hPal, 0, static_cast<UINT>(colors.size()),
-                      reinterpret_cast<PALETTEENTRY *>(colors.data()));
-    DeleteObject(hPal);
-    return colors;
+    std::ofstream(path, std::ios::binary) << std::string(bytes.begin(), bytes.end());
 }

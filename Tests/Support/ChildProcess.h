@@ -14,30 +14,33 @@
 class CChildProcess : public CProcess
 {
 public:
-    explicit CChildProcess(const char *part)
+    explicit CChildProcess(const char *part) : CProcess(CommandLine(part))
     {
-        char szProgram[MAX_PATH];
-        GetModuleFileNameA(nullptr, szProgram, MAX_PATH);
-        STARTUPINFOA startup = {};
-        startup.cb = sizeof startup;
-        SetEnvironmentVariableA("TEST_PART", part);
-        CreateProcessA(szProgram, nullptr, nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup,
-                       &m_process);
         SetEnvironmentVariableA("TEST_PART", nullptr);
     }
-    static void Play(const char *part, void (*play)())
+    template <typename F>
+    static bool Play(const char *part, F play)
     {
         const char *wanted = getenv("TEST_PART");
         if (!wanted || strcmp(wanted, part) != 0)
-            return;
+            return false;
         SetErrorMode(SEM_FAILCRITICALERRORS | SEM_NOGPFAULTERRORBOX | SEM_NOOPENFILEERRORBOX);
         atexit(WaitForThreadBirths);
         play();
         exit(0);
     }
+
+private:
+    static std::string CommandLine(const char *part)
+    {
+        SetEnvironmentVariableA("TEST_PART", part);
+        char szProgram[MAX_PATH];
+        GetModuleFileNameA(nullptr, szProgram, MAX_PATH);
+        return std::string("\"") + szProgram + "\"";
+    }
 };
 
-#define CHILD_PROCESS(part)                                                       \
-    static void Play##part();                                                     \
-    static const bool s_b##part = (CChildProcess::Play(#part, Play##part), true); \
+#define CHILD_PROCESS(part)                                               \
+    static void Play##part();                                             \
+    static const bool s_b##part = CChildProcess::Play(#part, Play##part); \
     static void Play##part()

@@ -29,24 +29,18 @@ struct CFailPlan
     inline static int s_nCalls = 0;
 };
 
-// Makes an imported function answer 0 when it is its turn. The type is the function's without its
-// calling convention; no two of one type at a time.
+// Makes an imported function answer 0 when it is its turn.
 template <typename Function>
 class CFailingCall;
 template <typename Result, typename... Arguments>
-class CFailingCall<Result(Arguments...)>
+class CFailingCall<Result(Arguments...)> : public CFakeCall<Result(Arguments...)>
 {
 public:
-    explicit CFailingCall(const char *name) : m_hook(name, Call)
+    explicit CFailingCall(const char *name)
+        : CFakeCall<Result(Arguments...)>(name, [this](Arguments... arguments) {
+              return CFailPlan::Fails() ? Result() : this->Original(arguments...);
+          })
     {
-        s_original = m_hook.template Original<Result WINAPI(Arguments...)>();
     }
-
-private:
-    static Result WINAPI Call(Arguments... arguments)
-    {
-        return CFailPlan::Fails() ? Result() : s_original(arguments...);
-    }
-    inline static Result(WINAPI *s_original)(Arguments...);
-    CImportHook m_hook;
+    CFailingCall(const CFailingCall &) = delete;
 };

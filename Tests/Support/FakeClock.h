@@ -48,9 +48,8 @@ private:
     // Before the hooks, of which each reads the time that those before it have changed.
     static DWORD Begin(CFakeClock *pClock)
     {
-        const DWORD nNow = MultimediaTime();
         s_pClock = pClock;
-        return nNow;
+        return MultimediaTime();
     }
     static DWORD WINAPI GetTime() { return s_pClock->m_nNow; }
     static MMRESULT WINAPI SetEvent(UINT nDelay, UINT, LPTIMECALLBACK callback, DWORD_PTR user,

@@ -12,29 +12,21 @@ class CFakeResource
 {
 public:
     // Resources begin at even words, so up to three bytes stand between the end and the guard.
-    explicit CFakeResource(const std::vector<BYTE> &bytes) : m_buffer((bytes.size() + 3) & ~3U)
+    explicit CFakeResource(const std::vector<BYTE> &bytes)
+        : m_buffer((bytes.size() + 3) & ~3U), m_nSize(static_cast<DWORD>(bytes.size()))
     {
         memcpy(m_buffer.Data(), bytes.data(), bytes.size());
-        s_data = m_buffer.Data();
-        s_nSize = static_cast<DWORD>(bytes.size());
     }
 
 private:
-    static HRSRC WINAPI Find(HINSTANCE, const char *, const char *)
-    {
-        return reinterpret_cast<HRSRC>(s_data);
-    }
-    static HGLOBAL WINAPI Load(HINSTANCE, HRSRC) { return s_data; }
-    static DWORD WINAPI Size(HINSTANCE, HRSRC) { return s_nSize; }
-    static void *WINAPI Lock(HGLOBAL hGlobal) { return hGlobal; }
-    static BOOL WINAPI Free(HGLOBAL) { return FALSE; }
-
-    inline static char *s_data;
-    inline static DWORD s_nSize;
     CGuardedBuffer m_buffer;
-    CImportHook m_find{"FindResourceA", Find};
-    CImportHook m_load{"LoadResource", Load};
-    CImportHook m_size{"SizeofResource", Size};
-    CImportHook m_lock{"LockResource", Lock};
-    CImportHook m_free{"FreeResource", Free};
+    DWORD m_nSize;
+    CFakeCall<HRSRC(HINSTANCE, const char *, const char *)> m_find{
+        "FindResourceA", [this](auto...) { return reinterpret_cast<HRSRC>(m_buffer.Data()); }};
+    CFakeCall<HGLOBAL(HINSTANCE, HRSRC)> m_load{"LoadResource",
+                                                [this](auto...) { return m_buffer.Data(); }};
+    CFakeCall<DWORD(HINSTANCE, HRSRC)> m_size{"SizeofResource",
+                                              [this](auto...) { return m_nSize; }};
+    CFakeCall<void *(HGLOBAL)> m_lock{"LockResource", [](HGLOBAL hGlobal) { return hGlobal; }};
+    CFakeCall<BOOL(HGLOBAL)> m_free{"FreeResource", [](auto...) { return FALSE; }};
 };

@@ -5,20 +5,17 @@
 #include "Support/ImportHook.h"
 
 // The C library's clock standing where the test sets it.
-class CFakeTime
+struct CFakeTime
 {
-public:
+    CFakeTime() : m_hook("time", Now) {}
     // A time of the current zone.
     static time_t Local(int nYear, int nMonth, int nDay, int nHour = 0)
     {
-        tm local = {};
-        local.tm_year = nYear - 1900, local.tm_mon = nMonth - 1, local.tm_mday = nDay;
-        local.tm_hour = nHour, local.tm_isdst = -1;
+        tm local = {0, 0, nHour, nDay, nMonth - 1, nYear - 1900, 0, 0, -1};
         return mktime(&local);
     }
-    inline static time_t s_now;
-
-private:
     static time_t Now(time_t *) { return s_now; }
-    const CImportHook m_hook{"time", Now};
+
+    inline static time_t s_now;
+    const CImportHook m_hook;
 };

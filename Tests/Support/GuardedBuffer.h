@@ -10,13 +10,11 @@ class CGuardedBuffer
 public:
     explicit CGuardedBuffer(size_t nSize)
     {
-        const size_t nPage = 4096;
-        const size_t nPages = (nSize + nPage - 1) / nPage;
-        m_base = static_cast<char *>(
-            VirtualAlloc(nullptr, (nPages + 1) * nPage, MEM_RESERVE | MEM_COMMIT, PAGE_READWRITE));
-        DWORD old = 0;
-        VirtualProtect(m_base + nPages * nPage, nPage, PAGE_NOACCESS, &old);
-        m_data = m_base + nPages * nPage - nSize;
+        const size_t nPage = 4096, nRoom = (nSize + nPage - 1) / nPage * nPage;
+        m_base =
+            static_cast<char *>(VirtualAlloc(nullptr, nRoom + nPage, MEM_RESERVE, PAGE_NOACCESS));
+        VirtualAlloc(m_base, nRoom, MEM_COMMIT, PAGE_READWRITE);
+        m_data = m_base + nRoom - nSize;
     }
     ~CGuardedBuffer() { VirtualFree(m_base, 0, MEM_RELEASE); }
     CGuardedBuffer(const CGuardedBuffer &) = delete;
@@ -25,6 +23,5 @@ public:
     char *Data() { return m_data; }
 
 private:
-    char *m_base;
-    char *m_data;
+    char *m_base, *m_data;
 };

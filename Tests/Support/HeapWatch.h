@@ -15,7 +15,7 @@
 class CHeapWatch
 {
 public:
-    CHeapWatch() : m_malloc("malloc", Malloc), m_realloc("realloc", Realloc), m_free("free", Free)
+    CHeapWatch()
     {
         g_nBlockKeeper = 0;
         g_bBlocksAreMalloced = false;
@@ -26,30 +26,22 @@ public:
         // What earlier tests of this process left in a slot may come back later: slots stay.
         if (s_base)
             return;
-        s_base = static_cast<char *>(
-            VirtualAlloc(nullptr, SLOTS * (SLOT_SIZE + PAGE), MEM_RESERVE, PAGE_NOACCESS));
+        const size_t nAll = SLOTS * (SLOT_SIZE + PAGE);
+        s_base = static_cast<char *>(VirtualAlloc(nullptr, nAll, MEM_RESERVE, PAGE_NOACCESS));
         for (int i = 0; i < SLOTS; ++i)
             VirtualAlloc(Slot(i), SLOT_SIZE, MEM_COMMIT, PAGE_READWRITE);
     }
-
     ~CHeapWatch()
     {
         g_nBlockKeeper = GetCurrentThreadId();
         g_bBlocksAreMalloced = true;
     }
-    CHeapWatch(const CHeapWatch &) = delete;
-    CHeapWatch &operator=(const CHeapWatch &) = delete;
 
     // Blocks taken, and taken but not given back, since the object was made.
     static int Made() { return s_nMade; }
     static int Live() { return s_nMade - s_nFreed; }
     // The largest block asked for since the last call. For one thread.
-    static size_t TakeLargest()
-    {
-        const size_t nLargest = s_nLargest;
-        s_nLargest = 0;
-        return nLargest;
-    }
+    static size_t TakeLargest() { return std::exchange(s_nLargest, 0); }
 
 private:
     enum
@@ -61,24 +53,20 @@ private:
     };
 
     static char *Slot(int i) { return s_base + i * (SLOT_SIZE + PAGE); }
+    static size_t Rounded(size_t nSize) { return (nSize + 3) & ~3U; }
     static int SlotOf(const void *p)
     {
         const char *block = static_cast<const char *>(p);
         return block < s_base || block >= Slot(SLOTS) ? -1 : (block - s_base) / (SLOT_SIZE + PAGE);
     }
-    static LONG Rounded(LONG nSize) { return (nSize + 3) & ~3; }
     static void *__cdecl Malloc(size_t nSize)
     {
         InterlockedIncrement(&s_nMade);
-        if (nSize > s_nLargest)
-            s_nLargest = nSize;
+        s_nLargest = nSize > s_nLargest ? nSize : s_nLargest;
         for (int i = 0; i < SLOTS && nSize <= SLOT_SIZE; ++i) {
             const LONG nLength = static_cast<LONG>(nSize);
-            if (InterlockedCompareExchange(&s_nSizes[i], nLength, 0) != 0)
-                continue;
-            char *block = Slot(i) + SLOT_SIZE - Rounded(nLength);
-            memset(block, SLACK, static_cast<size_t>(Rounded(nLength)));
-            return block;
+            if (InterlockedCompareExchange(&s_nSizes[i], nLength, 0) == 0)
+                return memset(Slot(i) + SLOT_SIZE - Rounded(nSize), SLACK, Rounded(nSize));
         }
         return s_malloc(nSize);
     }
@@ -96,29 +84,22 @@ private:
         if (!p)
             return;
         InterlockedIncrement(&s_nFreed);
-        char *block = static_cast<char *>(p);
         if (SlotOf(p) < 0) {
             memset(p, 0xDD, _msize(p));
             s_free(p);
             return;
         }
-        LONG &nSize = s_nSizes[SlotOf(p)];
-        for (LONG n = nSize; n < Rounded(nSize); ++n) {
-            if (static_cast<unsigned char>(block[n]) != SLACK)
-                abort();
-        }
-        memset(block, 0xDD, static_cast<size_t>(nSize));
-        InterlockedExchange(&nSize, 0);
+        const size_t nSize = static_cast<size_t>(s_nSizes[SlotOf(p)]);
+        if (memcmp(static_cast<char *>(p) + nSize, "\xA5\xA5\xA5", Rounded(nSize) - nSize) != 0)
+            abort();
+        memset(p, 0xDD, nSize);
+        InterlockedExchange(&s_nSizes[SlotOf(p)], 0);
     }
 
-    inline static void *(__cdecl *s_malloc)(size_t) = malloc;
-    inline static void(__cdecl *s_free)(void *) = free;
+    inline static void *(__cdecl *s_malloc)(size_t);
+    inline static void(__cdecl *s_free)(void *);
     inline static char *s_base = nullptr;
-    inline static LONG s_nSizes[SLOTS] = {};
-    inline static LONG s_nMade = 0;
-    inline static LONG s_nFreed = 0;
+    inline static LONG s_nSizes[SLOTS] = {}, s_nMade = 0, s_nFreed = 0;
     inline static size_t s_nLargest = 0;
-    CImportHook m_malloc;
-    CImportHook m_realloc;
-    CImportHook m_free;
+    CImportHook m_malloc{"malloc", Malloc}, m_realloc{"realloc", Realloc}, m_free{"free", Free};
 };

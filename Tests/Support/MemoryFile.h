@@ -1,6 +1,8 @@
 #pragma once
 
 #include <string.h>
+
+#include <algorithm>
 #include <vector>
 
 #include "Support/ImportHook.h"
@@ -11,35 +13,33 @@
 class CMemoryFile
 {
 public:
-    explicit CMemoryFile(const std::vector<BYTE> &bytes) { s_pBytes = &bytes; }
+    explicit CMemoryFile(const std::vector<BYTE> &bytes) : m_bytes(bytes) {}
 
 private:
-    static HANDLE WINAPI Open(const char *, DWORD, DWORD, void *, DWORD, DWORD, HANDLE)
+    BOOL Read(void *p, DWORD nCount, DWORD *pnRead)
     {
-        s_nAt = 0;
-        return reinterpret_cast<HANDLE>(0x0F11E);
-    }
-    static BOOL WINAPI Read(HANDLE, void *p, DWORD nCount, DWORD *pnRead, OVERLAPPED *)
-    {
-        const DWORD nSize = static_cast<DWORD>(s_pBytes->size());
-        const DWORD nLeft = s_nAt < nSize ? nSize - s_nAt : 0;
-        *pnRead = nCount < nLeft ? nCount : nLeft;
+        *pnRead = m_nAt < m_bytes.size() ? std::min<DWORD>(nCount, m_bytes.size() - m_nAt) : 0;
         if (*pnRead)
-            memcpy(p, s_pBytes->data() + s_nAt, *pnRead);
-        s_nAt += *pnRead;
+            memcpy(p, m_bytes.data() + m_nAt, *pnRead);
+        m_nAt += *pnRead;
         return TRUE;
     }
-    static DWORD WINAPI Seek(HANDLE, LONG nBy, LONG *, DWORD nFrom)
-    {
-        const DWORD from[] = {0, s_nAt, static_cast<DWORD>(s_pBytes->size())};
-        return s_nAt = from[nFrom] + static_cast<DWORD>(nBy);
-    }
-    static BOOL WINAPI Close(HANDLE) { return TRUE; }
 
-    inline static const std::vector<BYTE> *s_pBytes;
-    inline static DWORD s_nAt;
-    const CImportHook m_hooks[4] = {{"CreateFileA", Open},
-                                    {"ReadFile", Read},
-                                    {"SetFilePointer", Seek},
-                                    {"CloseHandle", Close}};
+    const std::vector<BYTE> &m_bytes;
+    DWORD m_nAt = 0;
+    CFakeCall<HANDLE(const char *, DWORD, DWORD, void *, DWORD, DWORD, HANDLE)> m_open{
+        "CreateFileA", [this](auto...) {
+            m_nAt = 0;
+            return reinterpret_cast<HANDLE>(0x0F11E);
+        }};
+    CFakeCall<BOOL(HANDLE, void *, DWORD, DWORD *, void *)> m_read{
+        "ReadFile", [this](HANDLE, void *p, DWORD nCount, DWORD *pnRead, void *) {
+            return Read(p, nCount, pnRead);
+        }};
+    CFakeCall<DWORD(HANDLE, LONG, LONG *, DWORD)> m_seek{
+        "SetFilePointer", [this](HANDLE, LONG nBy, LONG *, DWORD nFrom) {
+            const DWORD from[] = {0, m_nAt, static_cast<DWORD>(m_bytes.size())};
+            return m_nAt = from[nFrom] + static_cast<DWORD>(nBy);
+        }};
+    CFakeCall<BOOL(HANDLE)> m_close{"CloseHandle", [](auto...) { return TRUE; }};
 };

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Base/Multimedia.h"
+#include "Support/ImportHook.h"
 
 // The time that the framework reads.
 inline DWORD MultimediaTime()
@@ -10,20 +11,16 @@ inline DWORD MultimediaTime()
 
 // Puts a function of the test in the place of one of winmm.dll, for as long as the object lives.
 template <typename F>
-class CMultimediaHook
+class CMultimediaHook : public CFunctionHook
 {
 public:
-    CMultimediaHook(F &slot, F function) : m_slot(slot)
-    {
-        MultimediaTime();  // loads the library, which would write over what stands there
-        m_old = slot;
-        slot = function;
-    }
-    ~CMultimediaHook() { m_slot = m_old; }
-    CMultimediaHook(const CMultimediaHook &) = delete;
-    CMultimediaHook &operator=(const CMultimediaHook &) = delete;
+    CMultimediaHook(F &slot, F function) : CFunctionHook(Loaded(slot), function) {}
 
 private:
-    F &m_slot;
-    F m_old;
+    // The library writes over what stands there when it is loaded.
+    static void **Loaded(F &slot)
+    {
+        MultimediaTime();
+        return reinterpret_cast<void **>(&slot);
+    }
 };

@@ -1,12 +1,20 @@
 #pragma once
 
+#include <string>
+
 #include "CU/Platform.h"
 
-// The handles of a process that was started; it goes on without them.
+// A process that was started; it goes on without the object.
 class CProcess
 {
 public:
-    CProcess() : m_process() {}
+    explicit CProcess(std::string commandLine, const char *folder = nullptr)
+    {
+        STARTUPINFOA startup = {};
+        startup.cb = sizeof startup;
+        CreateProcessA(nullptr, &commandLine[0], nullptr, nullptr, FALSE, 0, nullptr, folder,
+                       &startup, &m_process);
+    }
     ~CProcess()
     {
         CloseHandle(m_process.hThread);
@@ -29,5 +37,5 @@ public:
     }
 
 protected:
-    PROCESS_INFORMATION m_process;
+    PROCESS_INFORMATION m_process = {};
 };

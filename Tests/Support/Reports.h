@@ -1,6 +1,7 @@
 #pragma once
 
 #include <algorithm>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -24,39 +25,35 @@ public:
     std::vector<std::string> Asserts()
     {
         const std::vector<std::string> all = All();
-        std::vector<std::string> asserts(all.begin() + m_nSeen, all.end());
-        m_nSeen += static_cast<int>(asserts.size());
-        return asserts;
+        const auto first = all.begin() + m_nSeen;
+        m_nSeen = all.end() - all.begin();
+        return std::vector<std::string>(first, all.end());
     }
-
     // The expressions alone of what `source` reports while `act` runs, with "; " between them.
     template <typename Act>
     std::string Of(const std::string &source, Act act)
     {
-        const std::string head = source + ": ";
         std::string texts;
         Asserts();
         act();
         for (const std::string &text : Asserts()) {
-            const bool bIts = text.compare(0, head.size(), head) == 0;
-            texts += (texts.empty() ? "" : "; ") + (bIts ? text.substr(head.size()) : text);
+            const bool bIts = text.find(source + ": ") == 0;
+            texts += (texts.empty() ? "" : "; ") + text.substr(bIts ? source.size() + 2 : 0);
         }
         return texts;
     }
-
     const CTemporaryDirectory &Directory() const { return m_directory; }
 
 private:
     std::vector<std::string> All() const
     {
-        const std::string text = m_directory.Contents("ZELTrace-*.txt"), head = "\nAssert:";
+        std::istringstream text(m_directory.Contents("ZELTrace-*.txt"));
         std::vector<std::string> asserts;
-        for (size_t at = 0; (at = text.find(head, at)) != std::string::npos;) {
-            at += head.size();
-            const size_t file = text.find("  File:", at);
-            const size_t line = text.find("  Line:", file);
-            asserts.push_back(text.substr(file + 7, line - file - 7) + ": " +
-                              text.substr(at, file - at));
+        for (std::string line; std::getline(text, line);) {
+            const size_t file = line.find("  File:"), number = line.find("  Line:");
+            if (line.find("Assert:") == 0)
+                asserts.push_back(line.substr(file + 7, number - file - 7) + ": " +
+                                  line.substr(7, file - 7));
         }
         return asserts;
     }
@@ -71,8 +68,6 @@ class CDumped : public CCUDumpCallback
 public:
     CDumped() { CUDumpRegister(this); }
     ~CDumped() { CUDumpUnRegister(this); }
-    CDumped(const CDumped &) = delete;
-    CDumped &operator=(const CDumped &) = delete;
     void OnDump(const CCUString &sText) override { m_text += sText; }
 
     std::string m_text;

@@ -9,19 +9,16 @@ public:
     explicit CSysColors(BYTE nTint = 0)
     {
         for (BYTE i = 0; i < 4; ++i) {
-            m_old[i] = GetSysColor(s_indexes[i]);
+            m_old[i] = GetSysColor(INDEXES[i]);
             m_new[i] = RGB(0x21 + 0x20 * i, 0x43 + nTint, 0x65 + 2 * i);
         }
-        SetSysColors(4, s_indexes, m_new);
+        SetSysColors(4, INDEXES, m_new);
     }
-    ~CSysColors() { SetSysColors(4, s_indexes, m_old); }
+    ~CSysColors() { SetSysColors(4, INDEXES, m_old); }
     CSysColors(const CSysColors &) = delete;
     CSysColors &operator=(const CSysColors &) = delete;
 
-    COLORREF m_new[4];  // text, shadow, face, highlight
-
-private:
-    static constexpr int s_indexes[4] = {COLOR_BTNTEXT, COLOR_BTNSHADOW, COLOR_BTNFACE,
-                                         COLOR_BTNHIGHLIGHT};
-    COLORREF m_old[4];
+    static constexpr int INDEXES[] = {COLOR_BTNTEXT, COLOR_BTNSHADOW, COLOR_BTNFACE,
+                                      COLOR_BTNHIGHLIGHT};
+    COLORREF m_new[4], m_old[4];
 };

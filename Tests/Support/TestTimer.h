@@ -1,7 +1,6 @@
 #pragma once
 
 #include <functional>
-#include <utility>
 
 #include "CU/Timer.h"
 #include "Support/FakeClock.h"

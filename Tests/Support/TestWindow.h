@@ -1,21 +1,22 @@
 #pragma once
 
+#include <gtest/gtest.h>
 #include <stdarg.h>
-#include <stdio.h>
-
 #include <functional>
 #include <map>
+#include <memory>
 #include <string>
+#include <vector>
 
 #include "CUI/Window.h"
 
-inline BOOL CALLBACK CountWindow(HWND, LPARAM lParam)
-{
-    ++*reinterpret_cast<int *>(lParam);
-    return TRUE;
-}
+using Texts = std::vector<std::string>;
 
 // The top-level windows of the calling thread.
+inline BOOL CALLBACK CountWindow(HWND, LPARAM lParam)
+{
+    return ++*reinterpret_cast<int *>(lParam);
+}
 inline int WindowCount()
 {
     int nCount = 0;
@@ -27,12 +28,18 @@ inline int WindowCount()
 inline bool CreateTestWindow(CCUIWindow &window, HWND hParent = nullptr,
                              DWORD style = WS_OVERLAPPEDWINDOW, const char *className = nullptr)
 {
-    const RECT rect = {10, 20, 210, 170};
-    return window.Create(className, "test", style, rect, hParent, 7) != 0;
+    return window.Create(className, "test", style, {10, 20, 210, 170}, hParent, 7) != 0;
 }
 
-// A window without a window yet, of whatever kind, that runs functions of the test in the place of
-// its own handling of messages.
+// A window that is no object's.
+inline HWND MakePlain(const char *pszClass = "STATIC", HWND hParent = nullptr, int nID = 0)
+{
+    return CreateWindowExA(0, pszClass, "text", hParent ? WS_CHILD : WS_POPUP, 0, 0, 9, 9, hParent,
+                           reinterpret_cast<HMENU>(nID), nullptr, nullptr);
+}
+
+// An object without a window yet that runs functions of the test in the place of its own handling
+// of messages.
 template <typename Base = CCUIWindow>
 class CScripted : public Base
 {

@@ -4,51 +4,16 @@
 
 #include <tlhelp32.h>
 
-namespace {
+// The threads that have begun: the loader tells of it on the thread itself as its first deed.
+static volatile LONG s_nBegun = 1;
 
-// The threads that the loader has told of, which it does on the thread itself as its first deed.
-volatile LONG s_begun[4096];
-
-void Replace(LONG nOld, LONG nNew)
+static void NTAPI OnLoaderNotice(void *, DWORD nReason, void *)
 {
-    for (volatile LONG &nThread : s_begun) {
-        if (nThread == nOld && InterlockedCompareExchange(&nThread, nNew, nOld) == nOld)
-            return;
-    }
-}
-
-bool HasBegun(DWORD nThread)
-{
-    for (const volatile LONG &nBegun : s_begun) {
-        if (static_cast<DWORD>(nBegun) == nThread)
-            return true;
-    }
-    return nThread == GetCurrentThreadId();
-}
-
-void NTAPI OnLoaderNotice(void *, DWORD nReason, void *)
-{
-    const auto nThread = static_cast<LONG>(GetCurrentThreadId());
     if (nReason == DLL_THREAD_ATTACH)
-        Replace(0, nThread);
+        InterlockedIncrement(&s_nBegun);
     else if (nReason == DLL_THREAD_DETACH)
-        Replace(nThread, 0);
+        InterlockedDecrement(&s_nBegun);
 }
-
-bool HaveAllBegun()
-{
-    const HANDLE hSnapshot = CreateToolhelp32Snapshot(TH32CS_SNAPTHREAD, 0);
-    THREADENTRY32 entry = {};
-    entry.dwSize = sizeof entry;
-    bool bAll = true;
-    for (BOOL bMore = Thread32First(hSnapshot, &entry); bMore && bAll;
-         bMore = Thread32Next(hSnapshot, &entry))
-        bAll = entry.th32OwnerProcessID != GetCurrentProcessId() || HasBegun(entry.th32ThreadID);
-    CloseHandle(hSnapshot);
-    return bAll;
-}
-
-}  // namespace
 
 // The linker collects the loader's callbacks from this section.
 extern "C" {
@@ -57,9 +22,21 @@ __attribute__((section(".CRT$XLF"), used)) const PIMAGE_TLS_CALLBACK g_threadBir
     OnLoaderNotice;
 }
 
+static LONG CountThreads()
+{
+    const HANDLE hSnapshot = CreateToolhelp32Snapshot(TH32CS_SNAPTHREAD, 0);
+    THREADENTRY32 entry = {sizeof entry, 0, 0, 0, 0, 0, 0};
+    LONG nCount = 0;
+    for (BOOL bMore = Thread32First(hSnapshot, &entry); bMore;
+         bMore = Thread32Next(hSnapshot, &entry))
+        nCount += entry.th32OwnerProcessID == GetCurrentProcessId();
+    CloseHandle(hSnapshot);
+    return nCount;
+}
+
 void WaitForThreadBirths()
 {
     // A thread that is suspended from its birth on is not waited for without end.
-    for (int i = 0; i < 5000 && !HaveAllBegun(); ++i)
+    for (int i = 0; i < 5000 && CountThreads() > s_nBegun; ++i)
         Sleep(1);
 }

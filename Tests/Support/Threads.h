@@ -1,6 +1,8 @@
 #pragma once
 
 #include <functional>
+#include <utility>
+#include <vector>
 
 #include "CU/Platform.h"
 
@@ -8,33 +10,25 @@
 class CThreads
 {
 public:
-    enum
-    {
-        Most = 32
-    };
     static void Run(int nThreads, const std::function<void(int nThread)> &work)
     {
-        CStart starts[Most];
-        HANDLE threads[Most] = {};
-        for (int i = 0; i < nThreads; ++i) {
-            starts[i] = {&work, i};
-            DWORD nId = 0;
-            threads[i] = CreateThread(nullptr, 0, Start, &starts[i], 0, &nId);
+        const auto nCount = static_cast<size_t>(nThreads);
+        std::vector<std::pair<std::function<void(int)>, int>> starts(nCount);
+        std::vector<HANDLE> threads(nCount);
+        for (size_t i = 0; i < nCount; ++i) {
+            starts[i] = {work, static_cast<int>(i)};
+            threads[i] = CreateThread(nullptr, 0, Start, &starts[i], 0, nullptr);
         }
-        WaitForMultipleObjects(static_cast<DWORD>(nThreads), threads, TRUE, INFINITE);
-        for (int i = 0; i < nThreads; ++i)
-            CloseHandle(threads[i]);
+        WaitForMultipleObjects(threads.size(), threads.data(), TRUE, INFINITE);
+        for (const HANDLE hThread : threads)
+            CloseHandle(hThread);
     }
 
 private:
-    struct CStart
+    static DWORD WINAPI Start(void *p)
     {
-        const std::function<void(int)> *work;
-        int nThread;
-    };
-    static DWORD WINAPI Start(void *start)
-    {
-        (*static_cast<CStart *>(start)->work)(static_cast<CStart *>(start)->nThread);
+        const auto &start = *static_cast<std::pair<std::function<void(int)>, int> *>(p);
+        start.first(start.second);
         return 0;
     }
 };

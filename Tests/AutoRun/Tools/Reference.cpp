@@ -1,12 +1,13 @@
-// What the launcher must show, drawn by plain Win32 calls from the resources of a launcher's file.
-// Usage: Reference LAUNCHER PICTURE.bmp [HOTSPOT]
-// HOTSPOT 0 to 3 is the line that is lit. Prints the rectangle of each line's text.
-#include "SaveBitmap.h"
+// Paints what a launcher must show, by plain Win32 calls from the resources of its file.
+// Usage: Reference LAUNCHER.exe PIXELS
+// PIXELS gets the pictures with line 0, 1, 2, 3 and none lit, four bytes a pixel. Prints the size
+// of the pictures and the rectangle of each line's text.
+#include <windows.h>
 
 #include <stdio.h>
-#include <stdlib.h>
 
 #include <string>
+#include <vector>
 
 namespace {
 
@@ -42,13 +43,9 @@ SIZE Picture(HDC hDC, UINT nID, POINT at)
         LoadImageA(g_module, MAKEINTRESOURCEA(nID), IMAGE_BITMAP, 0, 0, LR_CREATEDIBSECTION);
     BITMAP bitmap = {};
     GetObjectA(hBitmap, sizeof bitmap, &bitmap);
-    if (hDC) {
-        const HDC hSource = CreateCompatibleDC(hDC);
-        SelectObject(hSource, hBitmap);
-        BitBlt(hDC, at.x, at.y, bitmap.bmWidth, bitmap.bmHeight, hSource, 0, 0, SRCCOPY);
-        DeleteDC(hSource);
-    }
-    DeleteObject(hBitmap);
+    const HDC hSource = CreateCompatibleDC(hDC);
+    SelectObject(hSource, hBitmap);
+    BitBlt(hDC, at.x, at.y, bitmap.bmWidth, bitmap.bmHeight, hSource, 0, 0, SRCCOPY);
     return {bitmap.bmWidth, bitmap.bmHeight};
 }
 
@@ -58,61 +55,65 @@ void Line(HDC hDC, POINT at, int nOffset, COLORREF cr, const std::string &text)
     TextOutA(hDC, at.x - nOffset, at.y - nOffset, text.c_str(), static_cast<int>(text.size()));
 }
 
-struct CLine
+const struct
 {
     UINT nText, nPosition, nBullet;
-};
-const CLine g_lines[] = {{1, 6, 38}, {2, 5, 39}, {20, 24, 37}, {21, 25, 36}};
+} g_lines[] = {{1, 6, 38}, {2, 5, 39}, {20, 24, 37}, {21, 25, 36}};
 
 void Draw(HDC hDC, int nLit)
 {
     const HFONT hTitle = Font(32), hItem = Font(13), hAbout = Font(14);
     Picture(hDC, 200, {0, 0});
     Picture(hDC, 309, Position(33));
-    for (const CLine &line : g_lines)
+    for (const auto &line : g_lines)
         Picture(hDC, 311, Position(line.nBullet));
     SetBkMode(hDC, TRANSPARENT);
     SelectObject(hDC, hTitle);
     Line(hDC, Position(30), 0, 0, Text(28));
 
-    int left = 0, top = 0, right = 0, bottom = 0;
-    sscanf(Text(7).c_str(), "%d,%d,%d,%d", &left, &top, &right, &bottom);
-    RECT about = {left, top, right, bottom};
+    RECT about = {};
+    sscanf(Text(7).c_str(), "%ld,%ld,%ld,%ld", &about.left, &about.top, &about.right,
+           &about.bottom);
     SelectObject(hDC, hAbout);
     DrawTextA(hDC, Text(35).c_str(), -1, &about, 0);
 
     int r = 0, g = 0, b = 0;
     sscanf(Text(11).c_str(), "%d,%d,%d", &r, &g, &b);
     SelectObject(hDC, hItem);
-    for (int i = 0; i < 4; ++i) {
-        const POINT at = Position(g_lines[i].nPosition);
-        const std::string text = Text(g_lines[i].nText);
-        Line(hDC, at, 0, 0, text);
-        if (i == nLit) {
-            Line(hDC, at, 2, RGB(255, 255, 255), text);
-            Line(hDC, at, 1, RGB(r, g, b), text);
-        }
-        SIZE size = {};
-        GetTextExtentPoint32A(hDC, text.c_str(), static_cast<int>(text.size()), &size);
-        printf("%ld %ld %ld %ld\n", at.x, at.y, size.cx, size.cy);
+    for (const auto &line : g_lines) {
+        const POINT at = Position(line.nPosition);
+        Line(hDC, at, 0, 0, Text(line.nText));
+        if (&line != g_lines + nLit)
+            continue;
+        Line(hDC, at, 2, RGB(255, 255, 255), Text(line.nText));
+        Line(hDC, at, 1, RGB(r, g, b), Text(line.nText));
     }
 }
 
 }  // namespace
 
-int main(int argc, char **argv)
+int main(int, char **argv)
 {
-    if (argc < 3)
-        return 2;
     g_module = LoadLibraryExA(argv[1], nullptr, LOAD_LIBRARY_AS_DATAFILE);
-    if (!g_module)
-        return 3;
-    const HDC hScreen = GetDC(nullptr);
-    const HDC hDC = CreateCompatibleDC(hScreen);
-    const SIZE size = Picture(nullptr, 200, {0, 0});
-    const HBITMAP hBitmap = CreateCompatibleBitmap(hScreen, size.cx, size.cy);
-    SelectObject(hDC, hBitmap);
-    Draw(hDC, argc > 3 ? atoi(argv[3]) : -1);
-    GdiFlush();
-    return SaveBitmap(argv[2], hDC, hBitmap, size) ? 0 : 4;
+    FILE *file = fopen(argv[2], "wb");
+    const HDC hScreen = GetDC(nullptr), hDC = CreateCompatibleDC(hScreen);
+    const SIZE size = Picture(hDC, 200, {0, 0});
+    SelectObject(hDC, CreateCompatibleBitmap(hScreen, size.cx, size.cy));
+    BITMAPINFO info = {{sizeof info.bmiHeader, size.cx, -size.cy, 1, 32, 0, 0, 0, 0, 0, 0}, {}};
+    std::vector<DWORD> pixels(static_cast<size_t>(size.cx * size.cy));
+    for (int nLit = 0; nLit < 5; ++nLit) {
+        Draw(hDC, nLit);
+        GetDIBits(hDC, static_cast<HBITMAP>(GetCurrentObject(hDC, OBJ_BITMAP)), 0,
+                  static_cast<UINT>(size.cy), pixels.data(), &info, DIB_RGB_COLORS);
+        fwrite(pixels.data(), 4, pixels.size(), file);
+    }
+    printf("%ld %ld\n", size.cx, size.cy);
+    for (const auto &line : g_lines) {
+        const POINT at = Position(line.nPosition);
+        SIZE text = {};
+        GetTextExtentPoint32A(hDC, Text(line.nText).c_str(),
+                              static_cast<int>(Text(line.nText).size()), &text);
+        printf("%ld %ld %ld %ld\n", at.x, at.y, text.cx, text.cy);
+    }
+    return fclose(file);
 }
