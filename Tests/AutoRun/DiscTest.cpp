@@ -101,7 +101,7 @@ TEST(Launcher, NeedsNothingThatTheFirst32BitWindowsLacks)
     DWORD nBytes = header.SizeOfHeaders;
     for (WORD i = 0; i < launcher.Headers().FileHeader.NumberOfSections; ++i)
         nBytes += pSection[i].SizeOfRawData;
-    EXPECT_LE(nBytes - header.DataDirectory[IMAGE_DIRECTORY_ENTRY_RESOURCE].Size, 160u * 1024);
+    EXPECT_LE(nBytes - header.DataDirectory[IMAGE_DIRECTORY_ENTRY_RESOURCE].Size, 256u * 1024);
 
     // Before a name is added there: Windows 95 and NT 4 have it?
     const std::set<std::string> allowed = AllowedImports();
