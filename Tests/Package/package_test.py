@@ -60,6 +60,7 @@ class Program(Folder):
         self.assertEqual([], re.findall(r"\s-(?:W(?!l)|f|O|m)\S+", rules), "options of the product")
 
         self.check_hello(self.folder / "build/Hello.exe")
+        self.check_commands(self.folder / "build/Commands.exe")
         hello, module = (output_of("i686-w64-mingw32-objdump", "-p", self.folder / "build" / name)
                          for name in ("Hello.exe", "libModule.dll"))
         self.assertNotIn("[Ordinal/Name Pointer] Table", hello, "the framework's exports")
@@ -67,22 +68,35 @@ class Program(Folder):
         self.assertEqual({"CURegisterExceptionHandler", "CUUnregisterExceptionHandler"},
                          set(re.findall(r"CU\w+", names)))
 
-    def check_hello(self, program):
+    def output_after(self, program, act):
+        """What the program writes until it ends by itself, while `act` works on its window."""
         with tempfile.TemporaryFile("w+") as output:
-            hello = subprocess.Popen(["wine", program], stdout=output)
-            self.addCleanup(hello.wait)
-            self.addCleanup(hello.kill)
-            window = wait_for(lambda: xdotool("search", "--onlyvisible", "--name",
-                                              "^Hello$").split(), "the window")[0]
+            running = subprocess.Popen(["wine", program], stdout=output)
+            self.addCleanup(running.wait)
+            self.addCleanup(running.kill)
+            act(wait_for(lambda: xdotool("search", "--onlyvisible", "--name",
+                                         f"^{program.stem}$").split(), "the window")[0])
+            self.assertEqual(0, running.wait(60))
+            output.seek(0)
+            return output.read()
+
+    def check_hello(self, program):
+        def click(window):
             for x, y, button in ((100, 90, 1), (130, 130, 1), (130, 130, 3)):
                 xdotool("mousemove", "--window", window, x, y, "click", button)
-            self.assertEqual(0, hello.wait(60))
-            output.seek(0)
-            text = output.read()
+        text = self.output_after(program, click)
         clicks = re.fullmatch(r"Click 1 at (\d+), (\d+)\s+Click 2 at (\d+), (\d+)\s+", text)
         self.assertIsNotNone(clicks, text)
         x1, y1, x2, y2 = map(int, clicks.groups())
         self.assertEqual((30, 40), (x2 - x1, y2 - y1))
+
+    def check_commands(self, program):
+        def press(window):
+            wait_for(lambda: xdotool("getwindowfocus").strip() == window, "the focus")
+            # F6 is disabled at first; C is a letter that its item has only once the menu opens.
+            xdotool("key", "--delay", 100, "F6", "F5", "alt+c", "c", "alt+c", "r", "Escape")
+        self.assertEqual(["Counter: 1", "Counter: 2", "Counter: 0"],
+                         self.output_after(program, press).splitlines())
 
 
 class Headers(Folder):

@@ -109,7 +109,8 @@ protected:
     virtual void OnActivate(UINT nState, UINT nMinimized, HWND hOther);
     virtual void OnSize(UINT nType, int cx, int cy);
     /// @}
-    /// The base gives the message back to the child that sent it, before default processing.
+    /// The base gives the message back to the child that sent it, before default processing. Of a
+    /// window that routes commands, the base OnCommand then carries out the command, if it is one.
     /// @{
     virtual long OnNotify(UINT nID, NMHDR *pHeader);
     virtual void OnCommand(UINT nCode, UINT nID, HWND hControl);
@@ -156,7 +157,8 @@ protected:
     virtual int OnMeasureItem(UINT nID, MEASUREITEMSTRUCT *pMeasure);
     virtual int OnDrawItem(UINT nID, DRAWITEMSTRUCT *pDraw);
     /// @}
-    /// The message of that name, as the system documents it.
+    /// The message of that name, as the system documents it. Of a window that routes commands, the
+    /// base OnInitMenuPopup refreshes the menu: fill it before you call that.
     /// @{
     virtual void OnMenuSelect(UINT nItem, UINT nFlags, HMENU hMenu);
     virtual void OnInitMenuPopup(HMENU hMenu, UINT nIndex, int bSystemMenu);
@@ -316,6 +318,18 @@ public:
     /// that. With TPM_RETURNCMD the chosen identifier, else nonzero on success.
     int DisplayPopupMenu(CCUIMenu *pMenu, unsigned nFlags, POINT &point, const RECT *pExclude);
 
+    /// Whether the commands that come to the window (from menus, accelerators and the clicks of
+    /// controls) go to their handlers in the CCUICommandMap; false at first. A command is first
+    /// offered to the control that sent it, and to OnCommand of this window; then, from a WS_CHILD
+    /// window, to the nearest window above that routes commands, up to the one that is no child; at
+    /// last to its handler (CCUICommandMap::Execute), which is not called for a disabled one. What
+    /// has no handler gets default processing. Popup menus of a window that routes are refreshed as
+    /// they open (CCUICommandMap::UpdateMenu); the system menu is not.
+    /// @{
+    void RouteCommands(bool bRoute) { m_bRoutesCommands = bRoute; }
+    bool RoutesCommands() const { return m_bRoutesCommands; }
+    /// @}
+
     /// Asks for one OnMouseLeave, when the mouse leaves the client area, or soon if it is not
     /// there: to be called in OnMouseMove. 1, or 0 where the system has nothing of the kind: on
     /// Windows 95, unless the program has loaded a comctl32.dll of version 4.70 or above (Internet
@@ -426,10 +440,13 @@ private:
     bool RefusesWindow();
     long DispatchFurther(UINT message, WPARAM wParam, LPARAM lParam);
     long HandOn();
+    void RouteCommand(UINT nCode, UINT nID, HWND hControl);
+    CCUIWindow *FindRouter() const;
 
     HACCEL m_hAccelerators;
     CCUIMenu *m_pContextMenu;
     int m_bShowToolTips;
+    bool m_bRoutesCommands;
     int m_bMissedDetach;   // the window died attached: OnDestroy did not reach the base
     HWND m_hCreated;       // what the creation under way has bound
     CMessage *m_pMessage;  // being handled, the innermost

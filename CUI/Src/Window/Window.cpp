@@ -56,6 +56,7 @@ CCUIWindow::CCUIWindow()
       m_hAccelerators(nullptr),
       m_pContextMenu(nullptr),
       m_bShowToolTips(1),
+      m_bRoutesCommands(false),
       m_bMissedDetach(0),
       m_hCreated(nullptr),
       m_pMessage(nullptr),

@@ -337,7 +337,6 @@ void CCUIWindow::OnSetFocus(HWND) { Default(); }
 void CCUIWindow::OnKillFocus(HWND) { Default(); }
 void CCUIWindow::OnParentNotify(UINT, UINT, LPARAM) { Default(); }
 void CCUIWindow::OnMenuSelect(UINT, UINT, HMENU) { Default(); }
-void CCUIWindow::OnInitMenuPopup(HMENU, UINT, int) { Default(); }
 long CCUIWindow::OnMenuChar(UINT, UINT, HMENU) { return Default(); }
 void CCUIWindow::OnCancelMode() { Default(); }
 void CCUIWindow::OnCaptureChanged(HWND) { Default(); }
@@ -424,9 +423,12 @@ long CCUIWindow::OnNotify(UINT, NMHDR *pHeader)
     return ReflectOrDefault(pHeader ? pHeader->hwndFrom : nullptr);
 }
 
-void CCUIWindow::OnCommand(UINT, UINT, HWND hControl)
+void CCUIWindow::OnCommand(UINT nCode, UINT nID, HWND hControl)
 {
-    ReflectOrDefault(hControl);
+    if (m_bRoutesCommands)
+        RouteCommand(nCode, nID, hControl);
+    else
+        ReflectOrDefault(hControl);
 }
 
 int CCUIWindow::OnDrawItem(UINT, DRAWITEMSTRUCT *pDraw)
