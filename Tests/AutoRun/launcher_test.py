@@ -196,7 +196,7 @@ class Exports(LauncherTest):
                          "DllCharacteristics\t00000140", "Subsystem\t\t00000002"):
                 self.assertIn(f"\n{line}", dump)
             resources = int(re.search(r"\.rsrc +([0-9a-f]+)", dump)[1], 16)
-            self.assertLess(os.path.getsize(launcher) - resources, 160 * 1024)
+            self.assertLess(os.path.getsize(launcher) - resources, 256 * 1024)
 
 
 class Screens(unittest.TestCase):

@@ -44,16 +44,29 @@ class Package(unittest.TestCase):
         self.assertEqual({"CURegisterExceptionHandler", "CUUnregisterExceptionHandler"},
                          set(re.findall(r"CU\w+", imports)))
 
-        with tempfile.TemporaryFile("w+") as output:
-            hello = subprocess.Popen(["wine", self.folder / "build/Hello.exe"], stdout=output)
-            self.addCleanup(hello.wait)
-            self.addCleanup(hello.kill)
-            window = wait_for(lambda: windows("Hello"), "the window").pop()
+        def click(window):
             for x, y, button in ((100, 90, 1), (130, 130, 1), (130, 130, 3)):
                 xdotool("mousemove", "--window", window, x, y, "click", button)
-            self.assertEqual(0, hello.wait(60))
+        self.assertRegex(self.output_after("Hello", click),
+                         r"Click 1 at \d+, \d+\s+Click 2 at \d+, \d+\s+")
+
+        def press(window):
+            wait_for(lambda: xdotool("getwindowfocus").strip() == window, "the focus")
+            # F6 is disabled at first; C is a letter that its item has only once the menu opens.
+            xdotool("key", "--delay", 100, "F6", "F5", "alt+c", "c", "alt+c", "r", "Escape")
+        self.assertEqual(["Counter: 1", "Counter: 2", "Counter: 0"],
+                         self.output_after("Commands", press).splitlines())
+
+    def output_after(self, name, act):
+        """What the program writes until it ends by itself, while `act` works on its window."""
+        with tempfile.TemporaryFile("w+") as output:
+            program = subprocess.Popen(["wine", self.folder / f"build/{name}.exe"], stdout=output)
+            self.addCleanup(program.wait)
+            self.addCleanup(program.kill)
+            act(wait_for(lambda: windows(name), "the window").pop())
+            self.assertEqual(0, program.wait(60))
             output.seek(0)
-            self.assertRegex(output.read(), r"Click 1 at \d+, \d+\s+Click 2 at \d+, \d+\s+")
+            return output.read()
 
     def test_headers(self):
         """Every one compiles alone, and all in any order, with what users' compilers may be told."""

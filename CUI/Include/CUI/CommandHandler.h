@@ -6,18 +6,24 @@
 #include "CU/String.h"
 #include "CUI/Platform.h"
 
-/// What a command asks of those who show it: the bits of CCUICommandHandler::GetState.
+/// What a command asks of those who show it: the bits of CCUICommandHandler::GetState. With any of
+/// the first six but CUI_COMMAND_ACTIVE the idle pass leaves the command alone.
 enum CCUICommandState : unsigned short
 {
-    /// With any of these but CUI_COMMAND_ACTIVE the idle pass leaves the command alone.
-    /// @{
+    /// Refreshed when a menu that has it opens, instead of by the idle pass.
     CUI_COMMAND_MENU = 0x01,
+    /// Enabled. Without it the command is shown as disabled and not carried out.
     CUI_COMMAND_ACTIVE = 0x02,
+    /// Refreshed by others than idle passes and menus.
+    /// @{
     CUI_COMMAND_MINIMIZED = 0x04,
     CUI_COMMAND_TIMER = 0x08,
     CUI_COMMAND_HIDDEN = 0x10,
-    CUI_COMMAND_HIDDEN_DIALOG_CONTROL = 0x20
+    CUI_COMMAND_HIDDEN_DIALOG_CONTROL = 0x20,
     /// @}
+    CUI_COMMAND_CHECKED = 0x40,  ///< shown with a check mark
+    CUI_COMMAND_RADIO = 0x80,  ///< its check mark is a dot: one of several that exclude each other
+    CUI_COMMAND_TEXT = 0x100   ///< the text of its menu items is what GetShortTT says
 };
 
 /// Serves one command, or a block of commands with consecutive identifiers. It is in the

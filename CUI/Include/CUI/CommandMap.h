@@ -12,6 +12,11 @@ class CCUICommandHandler;
 /// process exits; it owns no handler. Identifier 0 is never mapped; one from 1 to 999 belongs to no
 /// table and is reported as "0". For the user-interface thread only.
 ///
+/// A window that routes commands (CCUIWindow::RouteCommands) brings those of its menus,
+/// accelerators and controls here, so that a program has no more to do than to make handlers and
+/// give menu items and controls their identifiers, which are below 65,536 then, as the system has
+/// it.
+///
 /// Handlers may add, remove, override and delete handlers, themselves included, from any of their
 /// operations that the map calls.
 class CUI_API CCUICommandMap
@@ -43,6 +48,19 @@ public:
     /// pass appends by growing the table that it walks are left to the next pass.
     static void IdleUpdate();
 
+    /// Carries out a command: asks its handler for the state and, where that has
+    /// CUI_COMMAND_ACTIVE, calls HandleCommand. Returns 1 when the identifier has a handler, also
+    /// when the command is disabled; else 0, without a report whatever the identifier is.
+    static int Execute(unsigned int nID);
+
+    /// Refreshes the items of a menu that have a handler, not those of its submenus: calls
+    /// HandleUpdate, unless others are to refresh the command (CCUICommandState), then sets the
+    /// item as GetState says: enabled, checked, the kind of its mark and, with CUI_COMMAND_TEXT,
+    /// its text, which keeps the shortcut behind the tab unless it brings one of its own. Mark and
+    /// text of bitmaps and of owner-drawn items stay. What is right already is not set again. Items
+    /// that handlers append meanwhile are left as they are.
+    static void UpdateMenu(HMENU hMenu);
+
     /// Writes all entries to the trace.
     static void Dump();
 
@@ -67,6 +85,8 @@ private:
 
     static unsigned int Base(int nMap) { return nMap ? SECOND_BASE : FIRST_BASE; }
     static int Table(unsigned int nID);
+    static CCUICommandHandler *Find(unsigned int nID);
+    static CCUICommandHandler *Refresh(unsigned int nID);
 
     // NOLINTBEGIN(readability-identifier-naming): the static operations' counterparts
     int _Add(CCUICommandHandler *pCmdHandler);

@@ -5,6 +5,8 @@
 
 #include "CU/Timer.h"
 #include "CUI/Platform.h"
+// HDROP, and what asks it for its files.
+#include <shellapi.h>
 
 class CCUIMenu;
 class CCUIWindow;
@@ -107,7 +109,8 @@ protected:
     virtual void OnActivate(UINT nState, UINT nMinimized, HWND hOther);
     virtual void OnSize(UINT nType, int cx, int cy);
     /// @}
-    /// The base gives the message back to the child that sent it, before default processing.
+    /// The base gives the message back to the child that sent it, before default processing. Of a
+    /// window that routes commands, the base OnCommand then carries out the command, if it is one.
     /// @{
     virtual long OnNotify(UINT nID, NMHDR *pHeader);
     virtual void OnCommand(UINT nCode, UINT nID, HWND hControl);
@@ -154,7 +157,8 @@ protected:
     virtual int OnMeasureItem(UINT nID, MEASUREITEMSTRUCT *pMeasure);
     virtual int OnDrawItem(UINT nID, DRAWITEMSTRUCT *pDraw);
     /// @}
-    /// The message of that name, as the system documents it.
+    /// The message of that name, as the system documents it. Of a window that routes commands, the
+    /// base OnInitMenuPopup refreshes the menu: fill it before you call that.
     /// @{
     virtual void OnMenuSelect(UINT nItem, UINT nFlags, HMENU hMenu);
     virtual void OnInitMenuPopup(HMENU hMenu, UINT nIndex, int bSystemMenu);
@@ -171,6 +175,69 @@ public:
     /// accelerators.
     virtual int PreTranslateMessage(MSG *pMsg);
 
+protected:
+    // --- Handlers of further messages. Their bases hand the message to OnMessage, as if it had no
+    // handler of its own, and it is answered with what that says; else with 0 (the X buttons' with
+    // 1, which the system wants where they are handled). ---
+
+    /// Keys: nKey is a VK_ code, nChar a character of the ANSI code page (one of two bytes comes as
+    /// two messages), nRepeat how many times the key was pressed, nFlags the upper half of lParam
+    /// (KF_EXTENDED, KF_REPEAT and so on). The Sys ones come with Alt, or without a focus window:
+    /// their bases open the menus.
+    /// @{
+    virtual void OnKeyDown(UINT nKey, UINT nRepeat, UINT nFlags);
+    virtual void OnKeyUp(UINT nKey, UINT nRepeat, UINT nFlags);
+    virtual void OnChar(UINT nChar, UINT nRepeat, UINT nFlags);
+    virtual void OnSysKeyDown(UINT nKey, UINT nRepeat, UINT nFlags);
+    virtual void OnSysKeyUp(UINT nKey, UINT nRepeat, UINT nFlags);
+    virtual void OnSysChar(UINT nChar, UINT nRepeat, UINT nFlags);
+    /// @}
+    /// The wheel, turned away from the user (H: to the right) where nDelta is positive; a notch is
+    /// WHEEL_DELTA, and a finer wheel sends parts of it. nFlags are MK_ flags; the position is in
+    /// screen pixels. The bases let the system ask the parent. OnMouseWheel hears of the wheel on
+    /// Windows 95 and NT 3.51 too, from the mouse's own software (MSH_MOUSEWHEEL).
+    /// @{
+    virtual void OnMouseWheel(UINT nFlags, int nDelta, POINT &point);
+    virtual void OnMouseHWheel(UINT nFlags, int nDelta, POINT &point);
+    /// @}
+    /// The mouse has left the client area; comes once after TrackMouseLeave.
+    virtual void OnMouseLeave();
+    /// As the left button's. nButton is 1 or 2: back and forward on most mice.
+    /// @{
+    virtual void OnMButtonDown(UINT nFlags, POINT &point);
+    virtual void OnMButtonUp(UINT nFlags, POINT &point);
+    virtual void OnMButtonDblClk(UINT nFlags, POINT &point);
+    virtual void OnXButtonDown(UINT nFlags, UINT nButton, POINT &point);
+    virtual void OnXButtonUp(UINT nFlags, UINT nButton, POINT &point);
+    virtual void OnXButtonDblClk(UINT nFlags, UINT nButton, POINT &point);
+    /// @}
+    /// nCode is an SB_ code. nPos counts with SB_THUMBTRACK and SB_THUMBPOSITION only, and is cut
+    /// to 16 bits: GetScrollInfo has the whole position. hScrollBar is the control, or null for the
+    /// window's own bar. The base gives the message back to the control.
+    /// @{
+    virtual void OnHScroll(UINT nCode, UINT nPos, HWND hScrollBar);
+    virtual void OnVScroll(UINT nCode, UINT nPos, HWND hScrollBar);
+    /// @}
+    /// Files were dropped on the window, which has the style WS_EX_ACCEPTFILES: DragQueryFile lists
+    /// them, and the handler calls DragFinish, which the base does not.
+    virtual void OnDropFiles(HDROP hDrop);
+    /// The limits of the window's size, to be changed; also while it is created, before OnCreate.
+    virtual void OnGetMinMaxInfo(MINMAXINFO *pInfo);
+    /// The session is about to end: 0 objects. nReason: ENDSESSION_LOGOFF, or 0.
+    virtual int OnQueryEndSession(UINT nReason);
+    /// What was asked is settled: the session ends (the process may go as soon as this returns), or
+    /// it does not.
+    virtual void OnEndSession(int bEnding, UINT nReason);
+    /// A command of the system menu, the caption or the Alt key: SC_CLOSE and so on, without the
+    /// four lowest bits, which are the system's own. lParam: a position or a character.
+    virtual void OnSysCommand(UINT nCommand, LPARAM lParam);
+    /// The screen has another size or depth.
+    virtual void OnDisplayChange(UINT nBitsPerPixel, int cx, int cy);
+    /// The window of a program that says it is aware of such changes has got to a screen of nDpi
+    /// dots per inch. The handler moves it to the suggested rectangle.
+    virtual void OnDpiChanged(UINT nDpi, const RECT *pSuggested);
+
+public:
     // --- Binding ---
 
     /// Binds the object to an existing window of this process. An object that was bound to it
@@ -250,6 +317,24 @@ public:
     /// to this window. Clicks inside pExclude (null: none) do not close it where the system has
     /// that. With TPM_RETURNCMD the chosen identifier, else nonzero on success.
     int DisplayPopupMenu(CCUIMenu *pMenu, unsigned nFlags, POINT &point, const RECT *pExclude);
+
+    /// Whether the commands that come to the window (from menus, accelerators and the clicks of
+    /// controls) go to their handlers in the CCUICommandMap; false at first. A command is first
+    /// offered to the control that sent it, and to OnCommand of this window; then, from a WS_CHILD
+    /// window, to the nearest window above that routes commands, up to the one that is no child; at
+    /// last to its handler (CCUICommandMap::Execute), which is not called for a disabled one. What
+    /// has no handler gets default processing. Popup menus of a window that routes are refreshed as
+    /// they open (CCUICommandMap::UpdateMenu); the system menu is not.
+    /// @{
+    void RouteCommands(bool bRoute) { m_bRoutesCommands = bRoute; }
+    bool RoutesCommands() const { return m_bRoutesCommands; }
+    /// @}
+
+    /// Asks for one OnMouseLeave, when the mouse leaves the client area, or soon if it is not
+    /// there: to be called in OnMouseMove. 1, or 0 where the system has nothing of the kind: on
+    /// Windows 95, unless the program has loaded a comctl32.dll of version 4.70 or above (Internet
+    /// Explorer 3).
+    int TrackMouseLeave();
 
     /// What the last OnShowToolTips said; 1 at first.
     int GetShowToolTips() const { return m_bShowToolTips; }
@@ -343,6 +428,7 @@ protected:
 
 private:
     class CMessage;
+    class CAnswer;
 
     static LRESULT CALLBACK StaticWindowProc(HWND hWnd, UINT message, WPARAM wParam, LPARAM lParam);
     static LRESULT CALLBACK CreationHookProc(int nCode, WPARAM wParam, LPARAM lParam);
@@ -352,10 +438,15 @@ private:
     HWND FindReflectChild(UINT message, WPARAM wParam, LPARAM lParam) const;
     long ReflectOrDefault(HWND hChild);
     bool RefusesWindow();
+    long DispatchFurther(UINT message, WPARAM wParam, LPARAM lParam);
+    long HandOn();
+    void RouteCommand(UINT nCode, UINT nID, HWND hControl);
+    CCUIWindow *FindRouter() const;
 
     HACCEL m_hAccelerators;
     CCUIMenu *m_pContextMenu;
     int m_bShowToolTips;
+    bool m_bRoutesCommands;
     int m_bMissedDetach;   // the window died attached: OnDestroy did not reach the base
     HWND m_hCreated;       // what the creation under way has bound
     CMessage *m_pMessage;  // being handled, the innermost

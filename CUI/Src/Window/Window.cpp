@@ -15,6 +15,17 @@ HWND ParentOf(HWND hWnd)
     return hParent == GetDesktopWindow() ? nullptr : hParent;
 }
 
+typedef BOOL WINAPI TrackCall(TRACKMOUSEEVENT *);
+
+// Windows 95 has it in comctl32.dll at the most, and only in a later one.
+TrackCall *FindTrack()
+{
+    const FARPROC track = GetProcAddress(GetModuleHandleA("user32.dll"), "TrackMouseEvent");
+    const HMODULE hControls = track ? nullptr : GetModuleHandleA("comctl32.dll");
+    return reinterpret_cast<TrackCall *>(hControls ? GetProcAddress(hControls, "_TrackMouseEvent")
+                                                   : track);
+}
+
 struct CSending
 {
     UINT message;
@@ -45,6 +56,7 @@ CCUIWindow::CCUIWindow()
       m_hAccelerators(nullptr),
       m_pContextMenu(nullptr),
       m_bShowToolTips(1),
+      m_bRoutesCommands(false),
       m_bMissedDetach(0),
       m_hCreated(nullptr),
       m_pMessage(nullptr),
@@ -136,6 +148,15 @@ int CCUIWindow::DisplayPopupMenu(CCUIMenu *pMenu, unsigned nFlags, POINT &point,
         params.rcExclude = *pExclude;
     return TrackPopupMenuEx(pMenu->GetHandle(), nFlags, point.x, point.y, m_hWnd,
                             pExclude ? &params : nullptr);
+}
+
+int CCUIWindow::TrackMouseLeave()
+{
+    static TrackCall *s_track;
+    if (!s_track)
+        s_track = FindTrack();
+    TRACKMOUSEEVENT event = {sizeof event, TME_LEAVE, m_hWnd, 0};
+    return s_track && s_track(&event);
 }
 
 int CCUIWindow::SendMessageToDescendants(HWND hWnd, UINT message, WPARAM wParam, LPARAM lParam,

@@ -34,6 +34,7 @@ public:
           m_message(message),
           m_wParam(wParam),
           m_lParam(lParam),
+          m_answer(0),
           m_pOuter(pWindow->m_pMessage),
           m_pOwner(pWindow)
     {
@@ -48,6 +49,7 @@ public:
     const UINT m_message;
     const WPARAM m_wParam;
     const LPARAM m_lParam;
+    long m_answer;  // of a handler that returns nothing
 
 private:
     CMessage *const m_pOuter;
@@ -115,6 +117,17 @@ namespace {
 const UINT SET_WINDOW_STATE = WM_USER + 0x35;
 const UINT SHOW_TOOL_TIPS = WM_USER + 0x38;
 
+// Messages that Windows 95 and NT 4 did not have: WM_XBUTTONDOWN and so on.
+const UINT X_BUTTON_DOWN = 0x020B;
+const UINT X_BUTTON_UP = 0x020C;
+const UINT X_BUTTON_DBLCLK = 0x020D;
+const UINT MOUSE_H_WHEEL = 0x020E;
+const UINT DPI_CHANGED = 0x02E0;
+// The lowest number of a message that is registered by name.
+const UINT FIRST_REGISTERED = 0xC000;
+// The system uses the other bits of a WM_SYSCOMMAND itself.
+const UINT SYSTEM_COMMAND = 0xFFF0;
+
 // A position in signed 16-bit halves: while a window has captured the mouse, positions to the left
 // of it and above it come too.
 class CPointArg : public POINT
@@ -147,6 +160,11 @@ inline UINT HighArg(LPARAM param)
     return HIWORD(param);
 }
 
+inline int SignedHighArg(WPARAM param)
+{
+    return static_cast<SHORT>(HIWORD(param));
+}
+
 template <typename T>
 inline T HandleArg(WPARAM wParam)
 {
@@ -159,7 +177,56 @@ inline T HandleArg(LPARAM lParam)
     return reinterpret_cast<T>(lParam);
 }
 
+// Windows 95 and NT 3.51 know no wheel. There the mouse's own software registers this message and
+// sends it to the window with the focus.
+bool IsOldWheel(UINT message)
+{
+    static UINT s_nOldWheel;
+    if (message < FIRST_REGISTERED)
+        return false;
+    if (!s_nOldWheel)
+        s_nOldWheel = RegisterWindowMessageA("MSWHEEL_ROLLMSG");
+    return message == s_nOldWheel;
+}
+
+// The flags that the other mouse messages bring along, and that one does not.
+UINT MouseFlags()
+{
+    static const struct
+    {
+        int nKey;
+        UINT nFlag;
+    } FLAGS[] = {{VK_LBUTTON, MK_LBUTTON},
+                 {VK_RBUTTON, MK_RBUTTON},
+                 {VK_MBUTTON, MK_MBUTTON},
+                 {VK_SHIFT, MK_SHIFT},
+                 {VK_CONTROL, MK_CONTROL}};
+    UINT nFlags = 0;
+    for (const auto &flag : FLAGS) {
+        if (GetKeyState(flag.nKey) < 0)
+            nFlags |= flag.nFlag;
+    }
+    return nFlags;
+}
+
 }  // namespace
+
+// What a further message is answered with. The message may be missing, where WindowProc is called
+// from elsewhere; the object may be gone when the answer is fetched.
+class CCUIWindow::CAnswer
+{
+public:
+    explicit CAnswer(CMessage *pMessage) : m_pMessage(pMessage) {}
+    void Set(long answer)
+    {
+        if (m_pMessage)
+            m_pMessage->m_answer = answer;
+    }
+    long Get() const { return m_pMessage ? m_pMessage->m_answer : 0; }
+
+private:
+    CMessage *const m_pMessage;
+};
 
 long CCUIWindow::WindowProc(UINT message, WPARAM wParam, LPARAM lParam)
 {
@@ -201,9 +268,51 @@ long CCUIWindow::WindowProc(UINT message, WPARAM wParam, LPARAM lParam)
     case WM_CAPTURECHANGED: OnCaptureChanged(HandleArg<HWND>(lParam)); return 0;
     case SET_WINDOW_STATE:  OnSetWindowState(w); return 0;
     case SHOW_TOOL_TIPS:    OnShowToolTips(static_cast<int>(wParam)); return 0;
-    default:                return OnMessage(message, wParam, lParam);
+    default:                return DispatchFurther(message, wParam, lParam);
     }
     // clang-format on
+}
+
+// The further messages, in a table of their own, so that those above are as fast as without them.
+CUI_OUT_OF_LINE long CCUIWindow::DispatchFurther(UINT message, WPARAM wParam, LPARAM lParam)
+{
+    CAnswer answer(m_pMessage);
+    CPointArg point(lParam);
+    const auto w = static_cast<UINT>(wParam);
+
+    // clang-format off
+    switch (message) {
+    case WM_QUERYENDSESSION: return OnQueryEndSession(static_cast<UINT>(lParam));
+    case WM_ENDSESSION:     OnEndSession(static_cast<int>(wParam), static_cast<UINT>(lParam)); break;
+    case WM_GETMINMAXINFO:  OnGetMinMaxInfo(HandleArg<MINMAXINFO *>(lParam)); break;
+    case WM_DISPLAYCHANGE:  OnDisplayChange(w, static_cast<int>(LowArg(lParam)), static_cast<int>(HighArg(lParam))); break;
+    case WM_KEYDOWN:        OnKeyDown(w, LowArg(lParam), HighArg(lParam)); break;
+    case WM_KEYUP:          OnKeyUp(w, LowArg(lParam), HighArg(lParam)); break;
+    case WM_CHAR:           OnChar(w, LowArg(lParam), HighArg(lParam)); break;
+    case WM_SYSKEYDOWN:     OnSysKeyDown(w, LowArg(lParam), HighArg(lParam)); break;
+    case WM_SYSKEYUP:       OnSysKeyUp(w, LowArg(lParam), HighArg(lParam)); break;
+    case WM_SYSCHAR:        OnSysChar(w, LowArg(lParam), HighArg(lParam)); break;
+    case WM_SYSCOMMAND:     OnSysCommand(w & SYSTEM_COMMAND, lParam); break;
+    case WM_HSCROLL:        OnHScroll(LowArg(wParam), HighArg(wParam), HandleArg<HWND>(lParam)); break;
+    case WM_VSCROLL:        OnVScroll(LowArg(wParam), HighArg(wParam), HandleArg<HWND>(lParam)); break;
+    case WM_MBUTTONDOWN:    OnMButtonDown(w, point); break;
+    case WM_MBUTTONUP:      OnMButtonUp(w, point); break;
+    case WM_MBUTTONDBLCLK:  OnMButtonDblClk(w, point); break;
+    case WM_MOUSEWHEEL:     OnMouseWheel(LowArg(wParam), SignedHighArg(wParam), point); break;
+    case X_BUTTON_DOWN:     answer.Set(1); OnXButtonDown(LowArg(wParam), HighArg(wParam), point); break;
+    case X_BUTTON_UP:       answer.Set(1); OnXButtonUp(LowArg(wParam), HighArg(wParam), point); break;
+    case X_BUTTON_DBLCLK:   answer.Set(1); OnXButtonDblClk(LowArg(wParam), HighArg(wParam), point); break;
+    case MOUSE_H_WHEEL:     OnMouseHWheel(LowArg(wParam), SignedHighArg(wParam), point); break;
+    case WM_DROPFILES:      OnDropFiles(HandleArg<HDROP>(wParam)); break;
+    case WM_MOUSELEAVE:     OnMouseLeave(); break;
+    case DPI_CHANGED:       OnDpiChanged(LowArg(wParam), HandleArg<const RECT *>(lParam)); break;
+    default:
+        if (!IsOldWheel(message))
+            return OnMessage(message, wParam, lParam);
+        OnMouseWheel(MouseFlags(), static_cast<int>(wParam), point); break;
+    }
+    // clang-format on
+    return answer.Get();
 }
 
 // --- Handlers that leave the message to default processing ---
@@ -228,11 +337,50 @@ void CCUIWindow::OnSetFocus(HWND) { Default(); }
 void CCUIWindow::OnKillFocus(HWND) { Default(); }
 void CCUIWindow::OnParentNotify(UINT, UINT, LPARAM) { Default(); }
 void CCUIWindow::OnMenuSelect(UINT, UINT, HMENU) { Default(); }
-void CCUIWindow::OnInitMenuPopup(HMENU, UINT, int) { Default(); }
 long CCUIWindow::OnMenuChar(UINT, UINT, HMENU) { return Default(); }
 void CCUIWindow::OnCancelMode() { Default(); }
 void CCUIWindow::OnCaptureChanged(HWND) { Default(); }
 void CCUIWindow::OnSetWindowState(UINT) { Default(); }
+// clang-format on
+
+// --- Handlers that hand the message to OnMessage ---
+
+CUI_OUT_OF_LINE long CCUIWindow::HandOn()
+{
+    // On the stack: OnMessage may delete the object.
+    CMessage *const pMessage = m_pMessage;
+    if (!pMessage)
+        return 0;
+    const long answer = OnMessage(pMessage->m_message, pMessage->m_wParam, pMessage->m_lParam);
+    pMessage->m_answer = answer;
+    return answer;
+}
+
+// clang-format off
+void CCUIWindow::OnKeyDown(UINT, UINT, UINT) { HandOn(); }
+void CCUIWindow::OnKeyUp(UINT, UINT, UINT) { HandOn(); }
+void CCUIWindow::OnChar(UINT, UINT, UINT) { HandOn(); }
+void CCUIWindow::OnSysKeyDown(UINT, UINT, UINT) { HandOn(); }
+void CCUIWindow::OnSysKeyUp(UINT, UINT, UINT) { HandOn(); }
+void CCUIWindow::OnSysChar(UINT, UINT, UINT) { HandOn(); }
+void CCUIWindow::OnMouseWheel(UINT, int, POINT &) { HandOn(); }
+void CCUIWindow::OnMouseHWheel(UINT, int, POINT &) { HandOn(); }
+void CCUIWindow::OnMouseLeave() { HandOn(); }
+void CCUIWindow::OnMButtonDown(UINT, POINT &) { HandOn(); }
+void CCUIWindow::OnMButtonUp(UINT, POINT &) { HandOn(); }
+void CCUIWindow::OnMButtonDblClk(UINT, POINT &) { HandOn(); }
+void CCUIWindow::OnXButtonDown(UINT, UINT, POINT &) { HandOn(); }
+void CCUIWindow::OnXButtonUp(UINT, UINT, POINT &) { HandOn(); }
+void CCUIWindow::OnXButtonDblClk(UINT, UINT, POINT &) { HandOn(); }
+void CCUIWindow::OnHScroll(UINT, UINT, HWND) { HandOn(); }
+void CCUIWindow::OnVScroll(UINT, UINT, HWND) { HandOn(); }
+void CCUIWindow::OnDropFiles(HDROP) { HandOn(); }
+void CCUIWindow::OnGetMinMaxInfo(MINMAXINFO *) { HandOn(); }
+int CCUIWindow::OnQueryEndSession(UINT) { return HandOn(); }
+void CCUIWindow::OnEndSession(int, UINT) { HandOn(); }
+void CCUIWindow::OnSysCommand(UINT, LPARAM) { HandOn(); }
+void CCUIWindow::OnDisplayChange(UINT, int, int) { HandOn(); }
+void CCUIWindow::OnDpiChanged(UINT, const RECT *) { HandOn(); }
 // clang-format on
 
 // --- Handlers with something of their own to do ---
@@ -275,9 +423,12 @@ long CCUIWindow::OnNotify(UINT, NMHDR *pHeader)
     return ReflectOrDefault(pHeader ? pHeader->hwndFrom : nullptr);
 }
 
-void CCUIWindow::OnCommand(UINT, UINT, HWND hControl)
+void CCUIWindow::OnCommand(UINT nCode, UINT nID, HWND hControl)
 {
-    ReflectOrDefault(hControl);
+    if (m_bRoutesCommands)
+        RouteCommand(nCode, nID, hControl);
+    else
+        ReflectOrDefault(hControl);
 }
 
 int CCUIWindow::OnDrawItem(UINT, DRAWITEMSTRUCT *pDraw)
