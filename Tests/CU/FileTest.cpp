@@ -100,7 +100,7 @@ TEST(File, ReadsWritesAndSeeks)
     CCUFile file;
     ASSERT_EQ(1, file.Open(path.c_str(), CCUFile::modeCreate | CCUFile::modeReadWrite));
     EXPECT_TRUE(file.isOpen());
-    EXPECT_EQ(path, static_cast<const char *>(file.GetFileName()));
+    EXPECT_EQ(path, file.GetFileName().GetString());
     const std::string text("0123\r\n\0\t78", 10);
     EXPECT_EQ(10u, file.Write(text.data(), 10));
     EXPECT_EQ(10u, file.GetPosition());
@@ -184,7 +184,7 @@ TEST(File, TranslatesNamesUpTo500Characters)
         memset(name.Data(), '/', nLength);
         name.Data()[nLength] = '\0';
         EXPECT_EQ(std::string(nLength < 500 ? nLength : 500, '\\'),
-                  static_cast<const char *>(CUTranslateFileName(name.Data())));
+                  CUTranslateFileName(name.Data()).GetString());
     }
 }
 

@@ -121,6 +121,21 @@ class Headers(Folder):
             problems = list(filter(None, pool.map(lambda source: self.problem(*source), sources)))
         self.assertEqual([], problems[:1], f"{len(problems)} of {len(sources)}")
 
+    def test_what_a_format_cannot_take_does_not_compile(self):
+        no_object, no_match = r"give GetString\(\)", "-W(error=)?format"
+        calls = (("s.Format(\"%s %d\", s.GetString(), 1); s.Format(s, 1); s.Format(\"100%%\");", None),
+                 ("__extension__ s.Format(\"%I64d %lu\", 1LL, GetLastError());", None),
+                 ("s.Format(\"%s\", s);", no_object),
+                 ("CUDump(\"%d %s\", 1, s + \"!\");", no_object),
+                 ("s.Format(\"%d %s\", 1, 2);", no_match),
+                 ("CUDump(\"%s\", 1.0);", no_match))
+        for compiler, (call, problem) in itertools.product(([GCC], self.clang), calls):
+            body = f"void f(CCUString s)\n{{\n    {call}\n}}\n"
+            # Objects are refused without a single warning, too.
+            options = ["-std=c++14", *(["-w"] if problem == no_object else [])]
+            found = self.problem(compiler, options, ["CU/Dump.h", "CU/String.h"], body)
+            self.assertRegex(found or "", problem or "^$")
+
     def test_headers_of_the_c_library_are_found_where_case_is_ignored(self):
         folders = {folder: [{"type": "file", "name": path.name, "external-contents": str(path)}
                             for path in folder.glob("*.h")]

@@ -17,6 +17,13 @@ class CCUString;
 /// "nLength < DumpBufferSize" and cut to 2047; CUDumpString takes any length.
 CU_API void CUDump(const char *format, ...) CU_PRINTF(1, 2);
 
+/// Does not compile: an object is among the arguments. Of a CCUString give GetString().
+template <typename... Args, typename = typename CUIfObject<CUHasObject<Args...>::VALUE>::Type>
+inline void CUDump(const char *, const Args &...)
+{
+    static_assert(!CUHasObject<Args...>::VALUE, "a format takes no object: give GetString()");
+}
+
 /// Dumps `length` characters of `text`; a negative length means up to the NUL. A null text is an
 /// empty one. From inside a callback the text goes to the debugger only.
 CU_API void CUDumpString(const char *text, int length);
