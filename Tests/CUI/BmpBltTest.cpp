@@ -252,3 +252,12 @@ TEST(BmpBlt, MakesItsDCsForAnotherDepthOnlyAndDoesWithoutThePictureInBetween)
     CFailPlan::Start(0);
     EXPECT_EQ(CPixelMap(12, 10), TakePixels(hMask));
 }
+
+TEST(BmpBlt, TakesSignedCoordinates)
+{
+    const CPixelMap picture = TestPicture(3, 3, 1);
+    CTestSurface image(0, picture), target(0, CPixelMap(4, 4, WHITE));
+    const LONG y = -1;
+    CUIBmpBitBlt(target, -2, y, image.Bitmap(), 0, 0, 0, 0, nullptr, 0);
+    EXPECT_EQ(picture.At(2, 1), target.Read().At(0, 0));
+}

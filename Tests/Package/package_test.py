@@ -136,6 +136,30 @@ class Headers(Folder):
             found = self.problem(compiler, options, ["CU/Dump.h", "CU/String.h"], body)
             self.assertRegex(found or "", problem or "^$")
 
+    def test_unicode_makes_names_and_signed_places_compile(self):
+        body = """void f(HDC hDC, HINSTANCE h, RECT rc)
+{
+    CCUIDialog dialog(h, MAKEINTRESOURCE(1));
+    CCUIDialogTemplate dialogTemplate(h, MAKEINTRESOURCE(1));
+    CCUIMenu menu(h, MAKEINTRESOURCE(1), 0);
+    CCUIBitmap bitmap(MAKEINTRESOURCE(1), 0, h);
+    bitmap.Load(MAKEINTRESOURCE(1), 0, h);
+    if (bitmap)
+        CUIBmpBitBlt(hDC, -1, rc.top, bitmap, rc.left, 0u, 0, 0, bitmap, 0);
+    CUIBmpStretchBlt(hDC, -1, rc.top, 5, rc.right, bitmap, 0, 0, 0, 0, bitmap, 0);
+    CUIBmpTransparentBlt(hDC, rc.left, -1, bitmap, bitmap);
+    SelectObject(hDC, bitmap);
+}
+"""
+        headers = ["CUI/Dialog.h", "CUI/Menu.h", "CUI/Bitmap.h", "CUI/BmpBlt.h"]
+        for compiler, options in itertools.product(([GCC], self.clang), (["-DUNICODE"], [])):
+            found = self.problem(compiler, [*options, "-Wsign-conversion"], headers, body)
+            self.assertFalse(found, found)
+        # Nobody deletes what is the object's.
+        deleted = "void f(const CCUIBitmap &bitmap) { DeleteObject(bitmap); }\n"
+        for compiler in ([GCC], self.clang):
+            self.assertRegex(self.problem(compiler, [], headers, deleted), "deleted function")
+
     def test_headers_of_the_c_library_are_found_where_case_is_ignored(self):
         folders = {folder: [{"type": "file", "name": path.name, "external-contents": str(path)}
                             for path in folder.glob("*.h")]
