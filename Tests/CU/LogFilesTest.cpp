@@ -162,3 +162,45 @@ TEST_F(LogFiles, PruningKeepsTheNewestDaysAndFiles)
     int nFiles = 0;
     CUDumpGetConfigLogFileManagement(nullptr, &nFiles, nullptr, nullptr);
 }
+
+TEST_F(LogFiles, FolderAndPrefixCanBeChosenBeforeTheFirstText)
+{
+    const std::string name = "100%-2020-06-15-12-00-00.txt", others = NameOf(m_noon - 86400);
+    EXPECT_EQ(1, CUDumpSetLogFile((m_directory.Path() + "/new/").c_str(), "100%"));
+    m_directory.Make("new\\100%-2020-06-14-00-00-00.txt");
+    m_directory.Make("new\\" + others);
+    CUDumpConfigLogFileManagement(30, 1, 0, true);
+    CUDump("text");
+    EXPECT_EQ(CNames(), m_directory.Files("*.txt"));
+    EXPECT_EQ((CNames{name, others}), m_directory.Files("new\\*"));
+    for (const std::string &bad : {std::string("a\\b"), std::string("a?"), std::string(101, 'a')})
+        EXPECT_EQ(0, CUDumpSetLogFile(nullptr, bad.c_str()));
+    EXPECT_EQ(0, CUDumpSetLogFile(std::string(300, 'a').c_str(), nullptr));
+    // The file that is open is continued where the next one is to be.
+    EXPECT_EQ(1, CUDumpSetLogFile(nullptr, ""));
+    CUDump("next");
+    EXPECT_EQ(CNames{NameOf(m_noon)}, m_directory.Files("*.txt"));
+    const std::string line(54, '=');
+    EXPECT_EQ(
+        "Continued from " + m_directory.Path() + "\\new\\" + name + "\r\n" + line + "\r\n\r\nnext",
+        m_directory.Contents("ZELLog*"));
+}
+
+TEST_F(LogFiles, WithoutTheChosenFolderTheTemporaryDirectoryServes)
+{
+    m_directory.Make("taken");
+    for (const bool bBelow : {false, true}) {
+        const std::string folder = m_directory.Path() + (bBelow ? "\\taken\\below" : "\\taken");
+        SetLastError(99);
+        EXPECT_EQ(!bBelow, CUDumpSetLogFile(folder.c_str(), "My"));
+        EXPECT_EQ(99u, GetLastError());
+        CUDump("text");
+        ++CFakeTime::s_now;
+        CUDump("+");  // stays there
+        const std::string text = m_directory.Contents("My-*0" + std::to_string(bBelow) + ".txt");
+        const std::string lost = "No log file can be made in " + folder + "\r\n";
+        const std::string traced = "CreateDirectory " + folder + "\\ error\r\n";
+        EXPECT_NE(std::string::npos, text.find(lost + (bBelow ? traced : "") + "text+")) << text;
+    }
+    EXPECT_EQ(3u, m_directory.Files("*").size());
+}

@@ -294,6 +294,74 @@ TEST(Bitmap, LivesAsLongAsItsLastCopyOnWhateverThread)
     EXPECT_EQ(CCUIBitmap().GetData(), last.GetData());  // the record of all that are empty
 }
 
+TEST(Bitmap, TellsWhyItIsNull)
+{
+    CReports reports;
+    const std::string path = reports.Directory().Path() + "\\cut.bmp", missing = path + "x";
+    std::vector<BYTE> file = CBmpBytes(5, 4, 8).File();
+    file.resize(file.size() - 12);
+    WriteBytes(path, file);
+    const struct
+    {
+        const char *m_pszName;
+        bool m_bCopied;
+        WORD m_wFlags;
+        HINSTANCE m_hInst;
+        DWORD m_dwError;
+    } cases[] = {{missing.c_str(), true, CUIBMP_FILE, hModule, ERROR_FILE_NOT_FOUND},
+                 {missing.c_str(), true, CUIBMP_RESOURCE, nullptr, ERROR_FILE_NOT_FOUND},
+                 {missing.c_str(), false, 0, nullptr, ERROR_FILE_NOT_FOUND},
+                 {path.c_str(), true, CUIBMP_FILE, nullptr, ERROR_INVALID_DATA},
+                 {path.c_str(), false, CUIBMP_FILE, hModule, ERROR_RESOURCE_NAME_NOT_FOUND},
+                 {"none", true, CUIBMP_RESOURCE, hModule, ERROR_RESOURCE_NAME_NOT_FOUND},
+                 {"201", true, CUIBMP_RESOURCE, hModule, ERROR_INVALID_DATA},
+                 {"#201", false, 0, hModule, ERROR_INVALID_DATA},
+                 {"200", true, 0, hModule, ERROR_INVALID_PARAMETER}};
+    for (const auto &c : cases) {
+        CCUIBitmap bitmap;
+        SetLastError(0);
+        if (c.m_bCopied)
+            bitmap.Load(CCUString(c.m_pszName), c.m_wFlags, c.m_hInst);
+        else
+            bitmap.Load(c.m_pszName, c.m_wFlags, c.m_hInst);
+        EXPECT_EQ(c.m_dwError, GetLastError()) << c.m_pszName;
+        EXPECT_FALSE(bitmap) << c.m_pszName;
+    }
+    // The functions of one picture each.
+    HPALETTE hPal;
+    DWORD nErrors = 0;
+    const auto fails = [&](HANDLE hNone) {
+        nErrors += !hNone && GetLastError() == ERROR_INVALID_DATA;
+    };
+    const auto ask = [&](auto load) { SetLastError(0), fails(load()); };
+    const char *const pszBroken = MAKEINTRESOURCEA(201);
+    ask([&] { return CUIBmpLoadBitmapFile(path.c_str(), 0); });
+    ask([&] { return CUIBmpLoadBitmapFilePalette(path.c_str(), hPal); });
+    ask([&] { return CUIBmpLoadBitmapPalette(hModule, pszBroken, hPal); });
+    ask([&] { return CUIBmpLoadBitmap(hModule, pszBroken); });
+    EXPECT_EQ(4u, nErrors);
+}
+
+TEST(Bitmap, IsTakenForAnyObjectInConditionsAndByWideNames)
+{
+    const CCUIBitmap bitmap(MAKEINTRESOURCEW(200), 0, hModule), none;
+    EXPECT_TRUE(bitmap ? !none : false);
+    const HDC hDC = CreateCompatibleDC(nullptr);
+    const HGDIOBJ hOld = SelectObject(hDC, bitmap);
+    EXPECT_EQ(static_cast<HBITMAP>(bitmap), GetCurrentObject(hDC, OBJ_BITMAP));
+    SelectObject(hDC, hOld);
+    DeleteDC(hDC);
+    EXPECT_EQ(1, CCUIBitmap(CCUString("NAMED"), CUIBMP_RESOURCE, hModule).Height());
+    EXPECT_EQ(1, CCUIBitmap(L"NAMED", CUIBMP_RESOURCE, hModule).Height());
+    for (const wchar_t *pszName : {L"NAMED", const_cast<const wchar_t *>(MAKEINTRESOURCEW(200))}) {
+        CCUIBitmap owned;
+        owned = CUIBmpLoad(hModule, pszName, nullptr, false, nullptr, nullptr, 0);
+        EXPECT_EQ(8, owned.Width());
+        owned = CUIBmpLoadBitmap(hModule, MAKEINTRESOURCEW(200));
+        EXPECT_EQ(8, owned.Width());
+    }
+}
+
 TEST(Bitmap, IsLoadedByIdNameAndDecimalTextAndReportsWhatItIsNot)
 {
     CReports reports;

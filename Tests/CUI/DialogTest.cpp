@@ -276,3 +276,17 @@ TEST(Dialog, PaintsItsColour)
     const CSysColors colors;
     expectBrush(WM_CTLCOLORDLG, GetSysColor(COLOR_BTNFACE));
 }
+
+TEST(Dialog, TakesTheIdThatUnicodeMakesWide)
+{
+    CReports reports;
+    const HINSTANCE hModule = GetModuleHandleA(nullptr);
+    SIZE size = {}, expected = {};
+    EXPECT_EQ(1, CCUIDialogTemplate(hModule, MAKEINTRESOURCEA(500)).GetSizeInPixels(expected));
+    EXPECT_EQ(1, CCUIDialog(hModule, MAKEINTRESOURCEW(500)).GetSizeInPixels(size));
+    EXPECT_TRUE(size.cx == expected.cx && size.cy == expected.cy);
+    EXPECT_EQ(1, CCUIDialogTemplate(hModule, MAKEINTRESOURCEW(500)).GetSizeInPixels(size));
+    EXPECT_EQ("IS_INTRESOURCE(pszName)", reports.Of("ResourceName", [&] {
+        EXPECT_EQ(0, CCUIDialog(hModule, L"text").DoModal(nullptr));
+    }));
+}

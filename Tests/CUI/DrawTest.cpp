@@ -164,6 +164,15 @@ TEST(Draw, BlitsAsTheRulesSay)
     ExpectDrawn(drawShort, expectShort, false, true);
 }
 
+TEST(Draw, TakesSignedCoordinates)
+{
+    const CPixelMap picture = TestPicture(3, 3, 1);
+    CTestSurface image(picture, false), target(CPixelMap(4, 4, WHITE), false);
+    const LONG y = -1;
+    CUIBmpBitBlt(target, -2, y, image.Bitmap(), 0, 0, 0, 0, nullptr, 0);
+    EXPECT_EQ(picture.At(2, 1), target.Read().At(0, 0));
+}
+
 TEST(Draw, MakesMasksAndBakesABitmapOntoAColour)
 {
     CPixelMap expected[] = {CPixelMap(12, 10), CPixelMap(5, 6), PICTURE};

@@ -5,6 +5,12 @@
 
 namespace {
 
+// As "%p" takes it.
+const void *Raw(const void *p)
+{
+    return p;
+}
+
 constexpr long OTHER = 0x1234;
 
 // Writes down which handler was called with what, and calls the base where the test wants that.
@@ -34,20 +40,20 @@ protected:
     ON(void, Name, (UINT a, UINT b, POINT & p), (a, b, p), " %x %x %ld,%ld", a, b, p.x, p.y)
 #define WHEEL(Name) \
     ON(void, Name, (UINT a, int b, POINT &p), (a, b, p), " %x %d %ld,%ld", a, b, p.x, p.y)
-#define SCROLL(Name) ON(void, Name, (UINT a, UINT b, HWND h), (a, b, h), " %x %x %p", a, b, h)
+#define SCROLL(Name) ON(void, Name, (UINT a, UINT b, HWND h), (a, b, h), " %x %x %p", a, b, Raw(h))
     // clang-format off
     KEY(KeyDown) KEY(KeyUp) KEY(Char) KEY(SysKeyDown) KEY(SysKeyUp) KEY(SysChar)
     BUTTON(MButtonDown) BUTTON(MButtonUp) BUTTON(MButtonDblClk)
     X(XButtonDown) X(XButtonUp) X(XButtonDblClk)
     WHEEL(MouseWheel) WHEEL(MouseHWheel) SCROLL(HScroll) SCROLL(VScroll)
     ON(void, MouseLeave, (), (), )
-    ON(void, DropFiles, (HDROP h), (h), " %p", h)
-    ON(void, GetMinMaxInfo, (MINMAXINFO *p), (p), " %p", p)
+    ON(void, DropFiles, (HDROP h), (h), " %p", Raw(h))
+    ON(void, GetMinMaxInfo, (MINMAXINFO *p), (p), " %p", Raw(p))
     ON(int, QueryEndSession, (UINT a), (a), " %x", a)
     ON(void, EndSession, (int a, UINT b), (a, b), " %x %x", a, b)
     ON(void, SysCommand, (UINT a, LPARAM l), (a, l), " %x %lx", a, l)
     ON(void, DisplayChange, (UINT a, int b, int c), (a, b, c), " %x %x %x", a, b, c)
-    ON(void, DpiChanged, (UINT a, const RECT *p), (a, p), " %x %p", a, p)
+    ON(void, DpiChanged, (UINT a, const RECT *p), (a, p), " %x %p", a, Raw(p))
     // clang-format on
 };
 

@@ -4,6 +4,7 @@ Usage: package_test.py Package.test_WHAT   (AUTORUN_BUILD says what build)
 """
 
 import hashlib
+import itertools
 import os
 import pathlib
 import re
@@ -18,6 +19,8 @@ ROOT = pathlib.Path(__file__).resolve().parents[2]
 sys.path.append(str(ROOT / "Tests/AutoRun"))
 from launcher import BUILD, output_of, wait_for, windows, xdotool  # noqa: E402
 
+WARNINGS = ("-Wall", "-Wextra", "-Wpedantic", "-Wshadow", "-Wconversion", "-Werror")
+
 
 class Package(unittest.TestCase):
     """In a folder with nothing but the installed tree, moved away from where it was installed."""
@@ -27,6 +30,10 @@ class Package(unittest.TestCase):
         self.addCleanup(shutil.rmtree, self.folder)
         output_of("cmake", "--install", BUILD, "--prefix", self.folder / "first")
         self.tree = (self.folder / "first").rename(self.folder / "AutoRun-1")
+        self.gcc = ("i686-w64-mingw32-g++-win32",)
+        library = output_of(*self.gcc, "-print-file-name=include").strip() + "/c++"
+        self.clang = ("clang++", "--target=i686-w64-windows-gnu", *(
+            f"-isystem{library}{part}" for part in ("", "/i686-w64-mingw32", "/backward")))
 
     def test_program(self):
         """The page leads to programs that work."""
@@ -71,22 +78,48 @@ class Package(unittest.TestCase):
     def test_headers(self):
         """Every one compiles alone, and all in any order, with what users' compilers may be told."""
         headers = sorted((self.tree / "include").rglob("*.h"))
-        gcc = "i686-w64-mingw32-g++-win32"
-        library = output_of(gcc, "-print-file-name=include").strip() + "/c++"
-        clang = ("clang++", "--target=i686-w64-windows-gnu", *(
-            f"-isystem{library}{part}" for part in ("", "/i686-w64-mingw32", "/backward")))
-        sources = [((*clang, "-std=c++14"), [header]) for header in headers]
-        sources += [((gcc, "-std=c++20", "-DUNICODE", "-D_UNICODE"), headers[::-1]),
-                    ((gcc, "-std=gnu++14", "-DCU_IMPORTS", "-DCUI_IMPORTS"), headers)]
+        sources = [((*self.clang, "-std=c++14"), [header]) for header in headers]
+        sources += [((*self.gcc, "-std=c++20", "-DUNICODE", "-D_UNICODE"), headers[::-1]),
+                    ((*self.gcc, "-std=gnu++14", "-DCU_IMPORTS", "-DCUI_IMPORTS"), headers)]
 
         def compile_source(source):
-            output_of(*source[0], "-I", self.tree / "include", "-fsyntax-only", "-Wall", "-Wextra",
-                      "-Wpedantic", "-Wshadow", "-Wconversion", "-Werror", "-xc++", "-",
+            output_of(*source[0], "-I", self.tree / "include", "-fsyntax-only", *WARNINGS,
+                      "-xc++", "-",
                       input="".join(f'#include "{header}"\n' for header in source[1]))
 
         self.assertIn(self.tree / "include/CUI/Window.h", headers)
         with ThreadPoolExecutor(os.cpu_count()) as pool:
             list(pool.map(compile_source, sources))
+
+    def test_mistakes(self):
+        """What a format cannot take does not compile, even without warnings; what should does."""
+        no_object, no_match = r"give GetString\(\)", "-W(error=)?format"
+        names = """CCUIDialog dialog(h, MAKEINTRESOURCE(1));
+            CCUIDialogTemplate dialogTemplate(h, MAKEINTRESOURCE(1));
+            CCUIMenu menu(h, MAKEINTRESOURCE(1), 0);
+            CCUIBitmap bitmap(MAKEINTRESOURCE(1), 0, h);
+            bitmap.Load(MAKEINTRESOURCE(1), 0, h);
+            if (bitmap)
+                CUIBmpBitBlt(hDC, -1, rc.top, bitmap, rc.left, 0u, 0, 0, bitmap, 0);
+            CUIBmpStretchBlt(hDC, -1, rc.top, 5, rc.right, bitmap, 0, 0, 0, 0, bitmap, 0);
+            CUIBmpTransparentBlt(hDC, rc.left, -1, bitmap, bitmap);
+            SelectObject(hDC, bitmap);"""
+        calls = ((names, None), ('CUDump("%s %d%%", s.GetString(), 1); s.Format(s, 1);', None),
+                 ('__extension__ s.Format("%I64d %lu", 1LL, GetLastError());', None),
+                 ('s.Format("%s", s);', no_object), ('CUDump("%d %s", 1, s + "!");', no_object),
+                 ('s.Format("%d %s", 1, 2);', no_match), ('CUDump("%s", 1.0);', no_match),
+                 ("s.Empty(); DeleteObject(CCUIBitmap());", "deleted function"))
+        headers = "".join(f"#include <{name}.h>\n" for name in (
+            "CU/Dump", "CUI/Dialog", "CUI/Menu", "CUI/Bitmap", "CUI/BmpBlt"))
+        for compiler, options, (call, problem) in itertools.product(
+                (self.gcc, self.clang), (("-DUNICODE",), ()), calls):
+            quiet = ("-w",) if problem == no_object else (*WARNINGS, "-Wsign-conversion")
+            done = subprocess.run(
+                [*compiler, "-std=c++14", *options, "-I", self.tree / "include", "-fsyntax-only",
+                 *quiet, "-xc++", "-"], text=True, capture_output=True, check=False,
+                input=f"{headers}void f(HDC hDC, HINSTANCE h, RECT rc) {{ {call} }}\n"
+                      if call == names else f"{headers}void f(CCUString s) {{ {call} }}\n")
+            self.assertRegex(done.stderr, problem or "^$", call)
 
     def test_archive(self):
         """Another build of it elsewhere gives the same bytes. Kept, it is quick the next time."""

@@ -88,6 +88,7 @@ inline void PumpWaiting()
 }
 
 // printf into a std::string.
+std::string Text(const char *format, ...) CU_PRINTF(1, 2);
 inline std::string Text(const char *format, ...)
 {
     char szText[256];

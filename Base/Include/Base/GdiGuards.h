@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Base/KeepLastError.h"
 #include "CU/Platform.h"
 
 // What GDI wants back, given back at the end of a block. Declare an object before the guard that
@@ -80,12 +81,17 @@ private:
     HPALETTE m_hOld;
 };
 
-// The DC of a window's client area; null: of the screen.
+// The DC of a window's client area; null: of the screen. Keeps the last error at its end, of which
+// Wine 8 makes another when the screen's is given back.
 class CCUIWindowDC : private CCUIGdiGuard
 {
 public:
     explicit CCUIWindowDC(HWND hWnd) : m_hWnd(hWnd), m_hDC(GetDC(hWnd)) {}
-    ~CCUIWindowDC() { ReleaseDC(m_hWnd, m_hDC); }
+    ~CCUIWindowDC()
+    {
+        const CCUKeepLastError keepLastError;
+        ReleaseDC(m_hWnd, m_hDC);
+    }
     operator HDC() const { return m_hDC; }
 
 private:

@@ -17,6 +17,13 @@ class CCUString;
 /// "nLength < DumpBufferSize" and cut to 2047; CUDumpString takes any length.
 CU_API void CUDump(const char *format, ...) CU_PRINTF(1, 2);
 
+/// Does not compile: an object is among the arguments. Of a CCUString give GetString().
+template <typename... Args, typename = typename CUIfObject<CUHasObject<Args...>::VALUE>::Type>
+inline void CUDump(const char *, const Args &...)
+{
+    static_assert(!CUHasObject<Args...>::VALUE, "a format takes no object: give GetString()");
+}
+
 /// Dumps `length` characters of `text`; a negative length means up to the NUL. A null text is an
 /// empty one. From inside a callback the text goes to the debugger only.
 CU_API void CUDumpString(const char *text, int length);
@@ -70,6 +77,9 @@ CU_API void CUDumpUnRegisterWindow(HWND hWnd, unsigned int message);
 /// before, that is no more than this process has opened. A file that cannot be deleted is passed
 /// over.
 ///
+/// CUDumpSetLogFile puts another folder and beginning in the place of the temporary directory and
+/// "ZELLog", and only files of that folder with that beginning are pruned then.
+///
 /// Defaults: 30 days, 50 files, 0 bytes, false. A maxFileSize of 0 or less is no limit. Returns 1.
 CU_API int CUDumpConfigLogFileManagement(int daysToKeep, int filesToKeep, long maxFileSize,
                                          bool manageAllFiles);
@@ -77,6 +87,18 @@ CU_API int CUDumpConfigLogFileManagement(int daysToKeep, int filesToKeep, long m
 /// filled in.
 CU_API void CUDumpGetConfigLogFileManagement(int *daysToKeep, int *filesToKeep, long *maxFileSize,
                                              bool *manageAllFiles);
+
+/// Chooses the folder of the log files and how their names begin: CUDumpSetLogFile("C:/Logs", "My")
+/// makes "My-YYYY-MM-DD-hh-mm-ss.txt" there. Best called before the first text; a file that is open
+/// is continued there by the next one. The folder, a relative one from the present directory on, is
+/// created where it is missing. Null or "": the temporary directory, "ZELLog".
+///
+/// Returns 1; 0 with nothing changed when the prefix has more than 100 characters or one that names
+/// cannot have, or the folder's path is too long; and 0, traced, when the folder is not there and
+/// cannot be created. Whenever no file can be made in the folder, the trace goes to the temporary
+/// directory until the next call, and its first file there says so: "No log file can be made in "
+/// with the folder.
+CU_API int CUDumpSetLogFile(const char *folder, const char *prefix);
 
 /// Called when a log file has passed its size limit: after the next text has opened a new file and
 /// gone into it, and also after each text that has gone into the full file because no new one could

@@ -29,7 +29,9 @@
 #endif
 
 /// Lets the compiler hold the arguments of a function against its format, which is the system
-/// runtime's.
+/// runtime's; warnings with -Wformat, which is part of -Wall. Where GCC's -Wpedantic minds `%I64d`,
+/// write __extension__ before the call. Objects do not compile whatever the options: see
+/// CUHasObject.
 #if defined(__clang__)
 #define CU_PRINTF(nFormat, nFirst) __attribute__((format(printf, nFormat, nFirst)))
 #elif defined(__GNUC__)
@@ -37,3 +39,34 @@
 #else
 #define CU_PRINTF(nFormat, nFirst)
 #endif
+
+/// Whether an object of a class, or a union, is among the types. Functions with a format refuse
+/// those: what arrives through "..." is, with GCC, the address of the object, which prints garbage
+/// or crashes; clang refuses it by itself; Visual Studio passes the object's bytes, which for a
+/// CCUString happen to be the pointer to its characters. For the C library's own functions, such as
+/// printf, GCC only warns, with -Wformat.
+template <typename... Types>
+struct CUHasObject
+{
+    static const bool VALUE = false;  ///< the answer: none among none
+};
+/// The same for one type and more. It uses the compiler's own words, since the headers of GCC's
+/// library replace printf by one that is large and knows other formats than the system's.
+template <typename First, typename... Rest>
+struct CUHasObject<First, Rest...>
+{
+    /// The answer.
+    static const bool VALUE = __is_class(First) || __is_union(First) || CUHasObject<Rest...>::VALUE;
+};
+
+/// Lets an overload in where there is an object: has a Type then.
+template <bool bHasObject>
+struct CUIfObject
+{
+};
+/// The one that has it.
+template <>
+struct CUIfObject<true>
+{
+    typedef void Type;  ///< to be named by the overload
+};

@@ -102,8 +102,12 @@ public:
     bool IsEmpty() const { return GetData()->nDataLength == 0; }
     /// The characters that fit without another block.
     int GetAllocLength() const { return GetData()->nAllocLength; }
-    /// Valid until the next call that changes or destroys this string.
+    /// The characters, for where nothing asks for a `const char *`, such as the arguments of a
+    /// format. Valid until the next call that changes or destroys this string.
+    /// @{
+    const char *GetString() const { return m_pchData; }
     operator const char *() const { return m_pchData; }
+    /// @}
 
     /// The character at an index from 0 to GetLength(), where the terminating NUL is. An index
     /// outside is reported, and read all the same.
@@ -179,7 +183,13 @@ public:
     /// GetBuffer before. Its argument is taken for that of the next conversion when room is
     /// counted. A null text counts as one character, a wide one as one for each wide character.
     /// Arguments may point into this string.
-    void Format(const char *pszFormat, ...);
+    void Format(const char *pszFormat, ...) CU_PRINTF(2, 3);
+    /// Does not compile: an object is among the arguments. Of a CCUString give GetString().
+    template <typename... Args, typename = typename CUIfObject<CUHasObject<Args...>::VALUE>::Type>
+    void Format(const char *, const Args &...)
+    {
+        static_assert(!CUHasObject<Args...>::VALUE, "a format takes no object: give GetString()");
+    }
 
     /// The characters for writing, room for at least nMinBufLength and a NUL; the text stays. Call
     /// ReleaseBuffer before anything else: until then the length is stale. A negative length is
@@ -248,7 +258,7 @@ protected:
     /// Appends, in a new block only where the text does not fit or the old one is shared.
     void ConcatInPlace(int nSrcLen, const char *src);
     /// Format with its arguments as a list.
-    void FormatV(const char *pszFormat, va_list args);
+    void FormatV(const char *pszFormat, va_list args) CU_PRINTF(2, 0);
 
     char *m_pchData;  ///< the first character; never null
 
@@ -270,7 +280,8 @@ private:
     bool GrowAlone(int nLength, const char *src);
     void SetLength(int nLength);
     void ConvertFromWide(const unsigned short *pszWide, int nCapacity);
-    void PrintV(int nMaxLen, bool bPlain, const char *pszFormat, va_list argListSave);
+    void PrintV(int nMaxLen, bool bPlain, const char *pszFormat, va_list argListSave)
+        CU_PRINTF(4, 0);
 };
 
 /// Both texts, in a block of exactly their length.

@@ -173,7 +173,7 @@ int CCUFileCreateDirs(CCUString path, int pathEndsInFileName)
             continue;
         const CCUString sPrefix = path.Left(i + 1);
         if (!IsPresentOrCreated(sPrefix)) {
-            CUDump("CreateDirectory %s error\n", static_cast<const char *>(sPrefix));
+            CUDump("CreateDirectory %s error\n", sPrefix.GetString());
             return 0;
         }
     }

@@ -178,7 +178,7 @@ CCUString ReplacePresent(const CCUString &sFormat, const char *code, const CCUSt
         out = Append(out, sText, sText.GetLength());
         from = at + nCode;
     }
-    Append(out, from, static_cast<const char *>(sFormat) + sFormat.GetLength() - from);
+    Append(out, from, sFormat.GetString() + sFormat.GetLength() - from);
     sResult.ReleaseBuffer(static_cast<int>(nLength));
     return sResult;
 }

@@ -468,7 +468,7 @@ void CCUTimerTask::ServeTimers()
 
 void CCUTimerTask::TraceTimeOut(const void *pTimer, unsigned long uBefore, unsigned long uAfter)
 {
-    CUDump("%s ", static_cast<const char *>(CCUTime().Format("%c")));
+    CUDump("%s ", CCUTime().Format("%c").GetString());
     CUDump("TimeOut took %d (called at %d, finished at %d\n)\n", static_cast<int>(uAfter - uBefore),
            static_cast<int>(uBefore), static_cast<int>(uAfter));
     CUDump("For object %x\n", static_cast<unsigned int>(reinterpret_cast<ULONG_PTR>(pTimer)));

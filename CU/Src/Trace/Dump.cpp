@@ -9,6 +9,7 @@
 #include "Base/Lock.h"
 #include "Base/Lifetime.h"
 #include "CU/Assert.h"
+#include "CU/File.h"
 #include "CU/String.h"
 #include "Trace/LogFiles.h"
 
@@ -16,6 +17,8 @@
 
 namespace {
 
+const char NOT_IN_NAMES[] = "\\/:*?\"<>|";
+const int LONGEST_PREFIX = 100;
 const int DUMP_BUFFER_SIZE = 2048;
 // How deep the overrun callback is told of files that its own texts have filled; one that always
 // dumps more than a file may hold would have no end.
@@ -156,6 +159,24 @@ private:
     CDumpOutputs *m_pOutputs;
 };
 
+// The folder from the root on, without a backslash at its end; empty for none. False when it is too
+// long.
+bool FullPath(const char *folder, CCUString &sFull)
+{
+    sFull.Empty();
+    if (!folder || !*folder)
+        return true;
+    char szFull[MAX_PATH];
+    char *pName;
+    const DWORD nLength = GetFullPathNameA(folder, MAX_PATH, szFull, &pName);
+    if (nLength == 0 || nLength >= MAX_PATH)
+        return false;
+    sFull = CUTranslateFileName(szFull);
+    if (sFull.Right(1) == "\\")
+        sFull = sFull.Left(sFull.GetLength() - 1);
+    return true;
+}
+
 CCUString CopyText(const char *text, int length)
 {
     if (!text)
@@ -213,6 +234,20 @@ void CUDumpGetConfigLogFileManagement(int *daysToKeep, int *filesToKeep, long *m
         *maxFileSize = settings.nMaxFileSize;
     if (manageAllFiles)
         *manageAllFiles = settings.bManageAllFiles;
+}
+
+int CUDumpSetLogFile(const char *folder, const char *prefix)
+{
+    const CCUKeepLastError keepLastError;
+    const CCUString sPrefix(prefix);
+    CCUString sFolder;
+    if (sPrefix.GetLength() > LONGEST_PREFIX || sPrefix.FindOneOf(NOT_IN_NAMES) >= 0 ||
+        !FullPath(folder, sFolder))
+        return 0;
+    const CDumpUse dump;
+    if (dump)
+        dump->m_logFiles.SetPlace(sFolder, sPrefix);
+    return !sFolder.IsEmpty() && !CCUFileCreateDirs(sFolder, 0) ? 0 : 1;
 }
 
 void CUDumpSetFileOverrunCallback(CCUDumpFileOverrunCallback *pCallback)

@@ -18,11 +18,12 @@
 namespace {
 
 const DWORD MILLISECONDS_PER_DAY = 86400000;
-// "ZELLog-2001-12-31": what two files of one day have in common.
-const size_t DAY_LENGTH = 17;
-// In pieces, because "??-" within one literal would be a trigraph.
+const char DEFAULT_PREFIX[] = "ZELLog";
+// "-2001-12-31", after the prefix: what two files of one day have in common.
+const int DAY_LENGTH = 11;
+// What follows the prefix. In pieces, because "??-" within one literal would be a trigraph.
 const char LOG_FILE_PATTERN[] =
-    "\\ZELLog-????"
+    "-????"
     "-??"
     "-??"
     "-??"
@@ -70,25 +71,6 @@ FILE *CreateNew(const char *name, bool &bTaken)
     return nullptr;
 }
 
-// Opens a file named after `time`, or after the first second from then on that has none, which
-// `time` is then.
-FILE *CreateNamedByTime(const CCUString &sTempDir, CCUTime &time, CCUString &sName)
-{
-    for (int i = 0; i < MOST_NAMES; ++i, time += CCUTimeSpan(1)) {
-        const CCUString sTimed = time.Format("\\ZELLog-%Y-%m-%d-%H-%M-%S.txt");
-        // Past the last second that a time can hold.
-        if (sTimed.IsEmpty())
-            return nullptr;
-        // The temporary directory ends in a backslash, so the name has two there.
-        sName = CUTranslateFileName(sTempDir + sTimed);
-        bool bTaken;
-        FILE *file = CreateNew(sName, bTaken);
-        if (!bTaken)
-            return file;
-    }
-    return nullptr;
-}
-
 // What turns the times of the trace into others: the zone, and when the system was started.
 void WriteHeader(FILE *file)
 {
@@ -112,6 +94,8 @@ void WriteHeader(FILE *file)
 
 CCULogFiles::CCULogFiles()
     : m_settings{30, 50, 0, false},
+      m_sPrefix(DEFAULT_PREFIX),
+      m_bMoved(false),
       m_file(nullptr),
       m_nTimeOfName(0),
       m_nTimeMade(0),
@@ -130,9 +114,18 @@ CCULogFiles::~CCULogFiles()
 void CCULogFiles::Configure(const CSettings &settings)
 {
     m_settings = settings;
-    CCUString sTempDir;
-    if (FindTempDirectory(sTempDir))
-        Prune(sTempDir, false);
+    CCUString sFolder;
+    if (FindFolder(sFolder))
+        Prune(sFolder, false);
+}
+
+void CCULogFiles::SetPlace(const CCUString &sFolder, const CCUString &sPrefix)
+{
+    m_sFolder = sFolder;
+    m_sPrefix = sPrefix.IsEmpty() ? DEFAULT_PREFIX : sPrefix.GetString();
+    m_bMoved = true;
+    // They are of another place.
+    m_knownFiles.Empty();
 }
 
 bool CCULogFiles::Write(const CCUString &sText)
@@ -150,45 +143,87 @@ bool CCULogFiles::Write(const CCUString &sText)
 bool CCULogFiles::NeedsNewFile(bool &bOverrun) const
 {
     // Unsigned, so that a process that was silent for weeks counts as old too.
-    if (!m_file || GetTickCount() - m_nStartTime > MILLISECONDS_PER_DAY)
+    if (!m_file || m_bMoved || GetTickCount() - m_nStartTime > MILLISECONDS_PER_DAY)
         return true;
     bOverrun = m_settings.nMaxFileSize > 0 &&
                m_nWritten > static_cast<unsigned long>(m_settings.nMaxFileSize);
     return bOverrun;
 }
 
+bool CCULogFiles::FindFolder(CCUString &sFolder) const
+{
+    if (m_sFolder.IsEmpty())
+        return FindTempDirectory(sFolder);
+    sFolder = m_sFolder;
+    return true;
+}
+
 void CCULogFiles::OpenNewFile()
 {
-    CCUString sTempDir;
-    if (!FindTempDirectory(sTempDir))
+    CCUString sFolder;
+    if (!FindFolder(sFolder) || OpenIn(sFolder, CCUString()) || m_sFolder.IsEmpty())
         return;
-    Prune(sTempDir, true);
+    // For good, so that pruning goes on to know the files that there are.
+    const CCUString sLost = m_sFolder;
+    SetPlace(CCUString(), m_sPrefix);
+    if (FindFolder(sFolder))
+        OpenIn(sFolder, sLost);
+}
+
+// False when no file can be made there. The file tells of the folder in which it was to be.
+bool CCULogFiles::OpenIn(const CCUString &sFolder, const CCUString &sLostFolder)
+{
+    Prune(sFolder, true);
     const long nNow = CCUTime().GetTime();
-    CCUTime time = FirstTimeForName(sTempDir, nNow);
+    CCUTime time = FirstTimeForName(sFolder, nNow);
     CCUString sName;
-    FILE *file = CreateNamedByTime(sTempDir, time, sName);
+    FILE *file = CreateNamedByTime(sFolder, time, sName);
     if (!file)
-        return;
-    m_knownFiles.Add(sName.Mid(sTempDir.GetLength() + 1));
+        return false;
+    m_knownFiles.Add(sName.Mid(sFolder.GetLength() + 1));
     BeginFile(file, sName);
+    if (!sLostFolder.IsEmpty())
+        fprintf(file, "No log file can be made in %s\n", sLostFolder.GetString());
     m_file = file;
     m_sName = sName;
+    m_bMoved = false;
     m_nTimeOfName = time.GetTime();
     m_nTimeMade = nNow;
     m_nStartTime = GetTickCount();
     m_nWritten = 0;
     if (m_pNewFileCallback)
         m_pNewFileCallback->OnNewFile();
+    return true;
+}
+
+// Opens a file named after `time`, or after the first second from then on that has none, which
+// `time` is then.
+FILE *CCULogFiles::CreateNamedByTime(const CCUString &sFolder, CCUTime &time,
+                                     CCUString &sName) const
+{
+    for (int i = 0; i < MOST_NAMES; ++i, time += CCUTimeSpan(1)) {
+        const CCUString sTimed = time.Format("-%Y-%m-%d-%H-%M-%S.txt");
+        // Past the last second that a time can hold.
+        if (sTimed.IsEmpty())
+            return nullptr;
+        // The temporary directory ends in a backslash, so the name has two there.
+        sName = CUTranslateFileName(NameStart(sFolder) + sTimed);
+        bool bTaken;
+        FILE *file = CreateNew(sName, bTaken);
+        if (!bTaken)
+            return file;
+    }
+    return nullptr;
 }
 
 // Where files are made faster than one a second, their names run ahead of the clock, and pruning
 // may free the earlier ones: a file that took such a name again would sort before those it follows.
 // A clock that has been set back since is followed all the same.
-long CCULogFiles::FirstTimeForName(const CCUString &sTempDir, long nNow) const
+long CCULogFiles::FirstTimeForName(const CCUString &sFolder, long nNow) const
 {
+    const CCUString sStart = CUTranslateFileName(NameStart(sFolder));
     const bool bAhead = nNow >= m_nTimeMade && nNow <= m_nTimeOfName && m_nTimeOfName < LONG_MAX &&
-                        strncmp(m_sName, CUTranslateFileName(sTempDir),
-                                static_cast<size_t>(sTempDir.GetLength())) == 0;
+                        strncmp(m_sName, sStart, static_cast<size_t>(sStart.GetLength())) == 0;
     return bAhead ? m_nTimeOfName + 1 : nNow;
 }
 
@@ -199,31 +234,31 @@ void CCULogFiles::BeginFile(FILE *file, const CCUString &sName)
         return;
     }
     fprintf(m_file, "\n======================================================\nContinued in %s\n",
-            static_cast<const char *>(sName));
+            sName.GetString());
     fprintf(file, "Continued from %s\n======================================================\n\n",
-            static_cast<const char *>(m_sName));
+            m_sName.GetString());
     fclose(m_file);
 }
 
-void CCULogFiles::Prune(const CCUString &sTempDir, bool bMakeRoom)
+void CCULogFiles::Prune(const CCUString &sFolder, bool bMakeRoom)
 {
     const int nKnownBefore = m_knownFiles.Count();
-    ListFiles(sTempDir);
-    DeleteOldest(sTempDir, CountOlderThanDaysToKeep());
+    ListFiles(sFolder);
+    DeleteOldest(sFolder, CountOlderThanDaysToKeep());
     if (!m_settings.bManageAllFiles && m_knownFiles.Count() > nKnownBefore)
         m_knownFiles.Remove(0, m_knownFiles.Count() - nKnownBefore);
     int nMost = m_settings.nFilesToKeep;
     if (bMakeRoom && nMost > 0)
         --nMost;
     if (m_knownFiles.Count() > nMost)
-        DeleteOldest(sTempDir, m_knownFiles.Count() - (nMost > 0 ? nMost : 0));
+        DeleteOldest(sFolder, m_knownFiles.Count() - (nMost > 0 ? nMost : 0));
 }
 
-void CCULogFiles::ListFiles(const CCUString &sTempDir)
+void CCULogFiles::ListFiles(const CCUString &sFolder)
 {
     m_knownFiles.Empty();
     WIN32_FIND_DATAA data;
-    const CCUFindHandle find(FindFirstFileA(sTempDir + LOG_FILE_PATTERN, &data));
+    const CCUFindHandle find(FindFirstFileA(NameStart(sFolder) + LOG_FILE_PATTERN, &data));
     for (bool bFound = bool(find); bFound; bFound = FindNextFileA(find, &data) != FALSE)
         m_knownFiles.Add(data.cFileName);
     m_knownFiles.Sort([](const CCUString &s1, const CCUString &s2) { return s1 < s2; });
@@ -231,11 +266,12 @@ void CCULogFiles::ListFiles(const CCUString &sTempDir)
 
 int CCULogFiles::CountOlderThanDaysToKeep() const
 {
+    const size_t nDayLength = static_cast<size_t>(m_sPrefix.GetLength() + DAY_LENGTH);
     int nDays = 0;
     const char *day = "";
     for (int i = m_knownFiles.Count() - 1; i >= 0; --i) {
         const char *name = m_knownFiles[i];
-        if (strncmp(name, day, DAY_LENGTH) == 0)
+        if (strncmp(name, day, nDayLength) == 0)
             continue;
         day = name;
         if (++nDays > m_settings.nDaysToKeep)
@@ -244,9 +280,9 @@ int CCULogFiles::CountOlderThanDaysToKeep() const
     return 0;
 }
 
-void CCULogFiles::DeleteOldest(const CCUString &sTempDir, int nCount)
+void CCULogFiles::DeleteOldest(const CCUString &sFolder, int nCount)
 {
     for (int i = 0; i < nCount; ++i)
-        DeleteFileA(sTempDir + "\\" + m_knownFiles[i]);
+        DeleteFileA(sFolder + "\\" + m_knownFiles[i]);
     m_knownFiles.Remove(0, nCount);
 }

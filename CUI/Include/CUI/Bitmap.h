@@ -5,13 +5,14 @@
 
 #include "CU/String.h"
 #include "CUI/Platform.h"
+#include "CUI/ResourceName.h"
 
 /// @name How a bitmap is loaded
 /// @{
 const WORD CUIBMP_SYSCOLORS = 0x01;  ///< the four button greys become the system's button colours
 const WORD CUIBMP_PALETTE = 0x02;    ///< a palette is made of the colour table and kept
-const WORD CUIBMP_FILE = 0x04;       ///< the name is a file's path
-const WORD CUIBMP_RESOURCE = 0x08;   ///< the name or id is a bitmap resource's
+const WORD CUIBMP_FILE = 0x04;       ///< a CCUString is a file's path; of other names it is ignored
+const WORD CUIBMP_RESOURCE = 0x08;   ///< a CCUString is a resource's name; others are so anyway
 /// @}
 
 /// Where a bitmap came from, and its palette.
@@ -41,15 +42,30 @@ struct CUIBitmapData
 /// thread. What cannot be loaded leaves an object that is null and can be used like any other.
 /// Loaded bitmaps are device-dependent, of the screen's depth.
 ///
-/// The constructors and Load with an id or a `const char *` name load a resource, whatever the
-/// flags; such a name must live as long as the bitmap may be loaded again. Those with a CCUString
-/// load what CUIBMP_FILE or CUIBMP_RESOURCE says, the resource where both are given, and nothing
-/// without either. Only a CCUString, not a `const char *`, finds a resource that has a numeric id
-/// by its decimal text as well: CCUString("200"). Without a module an id is one of the system's
-/// bitmaps, and a resource's name the path of a file.
+/// What the constructors and Load look for follows from the type of the name, then the flags:
 ///
-/// It converts to its bitmap and to its palette. Where a call takes any GDI object, and in
-/// conditions, the compiler cannot choose: SelectObject(hDC, static_cast<HBITMAP>(bitmap)).
+///     name            flags              with a module             module null
+///     id              any                the resource              the system's bitmap (OBM_...)
+///     const char *    any                the resource              the file of that path
+///     CCUString       CUIBMP_RESOURCE    the resource, else that   the file, else the system's
+///                                        of the id it spells       bitmap of the id it spells
+///     CCUString       CUIBMP_FILE        the file                  the file
+///     CCUString       neither            nothing                   nothing
+///
+/// So a path in quotes is a file only as CCUString("photo.bmp"), CUIBMP_FILE. A CCUString spells an
+/// id in decimal digits, "200", after blanks and a sign if need be, of which the low 16 bits count;
+/// "#200" names the resource of an id in both types. With both flags CUIBMP_FILE is ignored. A wide
+/// text counts as the CCUString that is made of it, MAKEINTRESOURCE as the id. A `const char *`
+/// must live as long as the bitmap may be loaded again.
+///
+/// Why a bitmap is null the thread's last error tells, right after the constructor, Load or ReLoad:
+/// what the system said of a file that it did not open or a resource that it did not find;
+/// ERROR_INVALID_DATA, what is there is no bitmap, or not all of one; ERROR_NOT_ENOUGH_MEMORY;
+/// ERROR_INVALID_PARAMETER, no flag or source says what to load. After a success it tells nothing.
+/// A file that cannot be loaded is traced, too.
+///
+/// It converts to its bitmap and to its palette; what takes any GDI object, such as SelectObject,
+/// and conditions get the bitmap.
 class CUI_API CCUIBitmap
 {
 public:
@@ -67,6 +83,11 @@ public:
     CCUIBitmap(UINT nID, WORD wFlags, HINSTANCE hInst);
     CCUIBitmap(const char *pszName, WORD wFlags, HINSTANCE hInst);
     CCUIBitmap(const CCUString &sName, WORD wFlags, HINSTANCE hInst);
+    template <typename Wide>
+    CCUIBitmap(const Wide *pszName, WORD wFlags, HINSTANCE hInst) : CCUIBitmap()
+    {
+        Load(pszName, wFlags, hInst);
+    }
     /// @}
     /// Takes both handles over. A null bitmap leaves the object empty, and the palette the
     /// caller's. No other CCUIBitmap may own them, and the bitmap must not stay selected into a DC:
@@ -89,6 +110,14 @@ public:
     void Load(const CCUString &sName, WORD wFlags, HINSTANCE hInst);
     void Load(UINT nID, WORD wFlags, HINSTANCE hInst);
     void Load(const char *pszName, WORD wFlags, HINSTANCE hInst);
+    template <typename Wide>
+    void Load(const Wide *pszName, WORD wFlags, HINSTANCE hInst)
+    {
+        if (CUIResourceName::IsID(pszName))
+            Load(CUIResourceName::OnlyID(pszName), wFlags, hInst);
+        else
+            Load(CCUString(pszName), wFlags, hInst);
+    }
     /// @}
     /// Loads again from where the bitmap came from, with colour pFrom[i] of the colour table
     /// replaced by pTo[i] if CUIBMP_SYSCOLORS is among its flags (a count of 0: by the button
@@ -104,6 +133,10 @@ public:
     int Depth() const;          ///< bits per pixel, of all planes; 0 for a bitmap that is null
     operator HBITMAP() const;   ///< stays the object's; null for a bitmap that is null
     operator HPALETTE() const;  ///< stays the object's; null when there is none
+    /// The bitmap, where any GDI object is taken.
+    operator HGDIOBJ() const { return m_pchData->m_hBitmap; }
+    /// Whether there is a bitmap.
+    explicit operator bool() const { return m_pchData->m_hBitmap != nullptr; }
     /// The record, to be read only; the empty record for an empty object.
     const CUIBitmapData *GetData() const;
 
@@ -117,3 +150,6 @@ private:
 
     CUIBitmapData *m_pchData;  // never null
 };
+
+/// Does not compile: the object deletes its bitmap by itself. Empty() does it before.
+void DeleteObject(const CCUIBitmap &bitmap) = delete;

@@ -10,6 +10,12 @@
 /// 0. Failures return null; nothing is reported unless said so. Headers and files are not trusted:
 /// what they claim but do not have leads to null. For the user-interface thread.
 ///
+/// Where a bitmap or DIB is null, the thread's last error tells why: what the system said of a file
+/// that it did not open or a resource that it did not find; ERROR_INVALID_DATA, no bitmap, not all
+/// of one or none of those below; ERROR_NOT_ENOUGH_MEMORY; ERROR_INVALID_PARAMETER for a null DIB.
+///
+/// A resource's name may be wide text, as UNICODE makes it, or an id of MAKEINTRESOURCE.
+///
 /// The functions with "Palette" in their names make palettes of all colours that the file or
 /// resource claims and has, and none of more than 65,535 colours. The palette of CUIBmpLoad has as
 /// many as the depth allows, that of a DIB whose size is not known the first 256, since nobody
@@ -38,8 +44,7 @@
 /// an empty picture of their size.
 
 #include "CUI/Platform.h"
-
-class CCUString;
+#include "CUI/ResourceName.h"
 
 /// A BMP file as a packed DIB, or null. Headers other than the 40-byte one are refused. The block
 /// holds the file's bytes as they stand, but of the masks of BI_BITFIELDS, which come first, only
@@ -59,7 +64,14 @@ CUI_API HPALETTE CUIBmpCreateDIBPalette(BITMAPINFO *pbmi, int *pnColors);
 CUI_API HBITMAP CUIBmpLoadBitmapFilePalette(const CCUString &sFile, HPALETTE &hPal);
 
 /// The same for a bitmap resource. One that is missing is reported with "hRsrcImage".
+/// @{
 CUI_API HBITMAP CUIBmpLoadBitmapPalette(HINSTANCE hInst, const char *pszName, HPALETTE &hPal);
+template <typename Wide>
+inline HBITMAP CUIBmpLoadBitmapPalette(HINSTANCE hInst, const Wide *pszName, HPALETTE &hPal)
+{
+    return CUIBmpLoadBitmapPalette(hInst, CUIResourceName(pszName), hPal);
+}
+/// @}
 
 /// A DDB of a bitmap resource, or of a BMP file when hInst is null and pszName a string; a file
 /// that cannot be loaded is traced. A file may claim more colours than it has. With bMapColors
@@ -68,8 +80,16 @@ CUI_API HBITMAP CUIBmpLoadBitmapPalette(HINSTANCE hInst, const char *pszName, HP
 /// text, shadow, face and highlight. The colours are COLORREFs. phPal may be null; otherwise it
 /// receives the palette of the (replaced) colours, which is the caller's also when no bitmap could
 /// be made of them, and keeps its value before that.
+/// @{
 CUI_API HBITMAP CUIBmpLoad(HINSTANCE hInst, const char *pszName, HPALETTE *phPal, bool bMapColors,
                            DWORD *pFrom, DWORD *pTo, int nCount);
+template <typename Wide>
+inline HBITMAP CUIBmpLoad(HINSTANCE hInst, const Wide *pszName, HPALETTE *phPal, bool bMapColors,
+                          DWORD *pFrom, DWORD *pTo, int nCount)
+{
+    return CUIBmpLoad(hInst, CUIResourceName(pszName), phPal, bMapColors, pFrom, pTo, nCount);
+}
+/// @}
 
 /// The same of a packed DIB whose pixels start after room for 256 colours, whatever the depth, that
 /// is, 1024 bytes after the end of the header. The room follows a header of any size (biSize); the
@@ -90,6 +110,11 @@ CUI_API HBITMAP CUIBmpCreateBitmap(BITMAPINFOHEADER *pbih, HPALETTE *phPal, bool
 CUI_API HBITMAP CUIBmpLoadBitmapFile(const CCUString &sFile, int bSysColors);
 CUI_API HBITMAP CUIBmpLoadSysColorBitmap(HINSTANCE hInst, HRSRC hRsrc);
 CUI_API HBITMAP CUIBmpLoadBitmap(HINSTANCE hInst, const char *pszName);
+template <typename Wide>
+inline HBITMAP CUIBmpLoadBitmap(HINSTANCE hInst, const Wide *pszName)
+{
+    return CUIBmpLoadBitmap(hInst, CUIResourceName(pszName));
+}
 /// @}
 
 /// A bitmap of the screen's depth, cx by cy pixels, that holds the top-left part of hbm. What lies

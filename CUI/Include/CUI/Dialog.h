@@ -50,8 +50,16 @@ class CCUIControlList;
 class CUI_API CCUIDialog : public CCUIWindow
 {
 public:
-    /// The name, text or MAKEINTRESOURCE(id), is kept as a pointer.
+    /// The name, text or MAKEINTRESOURCE(id), is kept as a pointer. Under UNICODE it is an id, or
+    /// 8-bit text; wide text is reported with "IS_INTRESOURCE(pszName)" and counts as null.
+    /// @{
     CCUIDialog(HINSTANCE hInstance, const char *templateName);
+    template <typename Wide>
+    CCUIDialog(HINSTANCE hInstance, const Wide *templateName)
+        : CCUIDialog(hInstance, CUIResourceName::OnlyID(templateName))
+    {
+    }
+    /// @}
     ~CCUIDialog() override;
 
     using CCUIWindow::Create;

@@ -5,6 +5,7 @@
 
 #include "CU/String.h"
 #include "CUI/Platform.h"
+#include "CUI/ResourceName.h"
 
 /// A dialog template resource, in either form (DLGTEMPLATE, DLGTEMPLATEEX). It stays in its module:
 /// an object is a reference that copies freely and is good while the module is loaded.
@@ -17,7 +18,14 @@ class CUI_API CCUIDialogTemplate
 public:
     /// Locates the template by name, or by MAKEINTRESOURCE(id), here and only once: a template that
     /// appears later is not seen. A null instance is the program.
+    /// @{
     CCUIDialogTemplate(HINSTANCE hInstance, const char *pszName);
+    template <typename Wide>
+    CCUIDialogTemplate(HINSTANCE hInstance, const Wide *pszName)
+        : CCUIDialogTemplate(hInstance, CUIResourceName(pszName))
+    {
+    }
+    /// @}
 
     /// The template as the system wants it (an extended one too), or null unless all of it, down to
     /// the last control, is there. An odd count of creation data counts as not there: systems do

@@ -4,6 +4,7 @@
 /// Popup menus.
 
 #include "CUI/Platform.h"
+#include "CUI/ResourceName.h"
 
 /// A popup menu that the object owns, to be filled through Win32 and shown with
 /// CCUIWindow::DisplayPopupMenu or as a window's context menu.
@@ -14,8 +15,16 @@ public:
     CCUIMenu();
     /// Takes over a popup menu.
     explicit CCUIMenu(HMENU hMenu);
-    /// The popup number nIndex of a menu resource; empty (a null handle) when there is none.
+    /// The popup number nIndex of a menu resource, by its name or MAKEINTRESOURCE(id); empty (a
+    /// null handle) when there is none.
+    /// @{
     CCUIMenu(HINSTANCE hInstance, const char *name, int nIndex);
+    template <typename Wide>
+    CCUIMenu(HINSTANCE hInstance, const Wide *name, int nIndex)
+        : CCUIMenu(hInstance, CUIResourceName(name), nIndex)
+    {
+    }
+    /// @}
     ~CCUIMenu();
     CCUIMenu(const CCUIMenu &) = delete;
     CCUIMenu &operator=(const CCUIMenu &) = delete;

@@ -2,6 +2,7 @@
 
 #include <stdlib.h>
 
+#include "Base/KeepLastError.h"
 #include "CU/Assert.h"
 #include "CUI/BmpBlt.h"
 #include "CUI/BmpLoad.h"
@@ -93,9 +94,15 @@ HBITMAP LoadResourceBitmap(CUIBitmapSource &source, const CSubstitution &map)
     const HBITMAP hBitmap = LoadNamed(source, source.m_hInst, pszName, map);
     if (hBitmap)
         return hBitmap;
+    const DWORD dwError = GetLastError();
     // The palette is made before the bitmap, which failed.
     CUIBmpDeleteObject(&source.m_hPalette);
-    return LoadNamed(source, source.m_hInst, SecondID(source), map);
+    const char *pszSecond = SecondID(source);
+    const HBITMAP hSecond = LoadNamed(source, source.m_hInst, pszSecond, map);
+    // A text that spells no id failed as the name.
+    if (!hSecond && !pszSecond)
+        SetLastError(dwError);
+    return hSecond;
 }
 
 HBITMAP LoadFileBitmap(CUIBitmapSource &source, const CSubstitution &map)
@@ -117,6 +124,9 @@ void LoadFromSource(CUIBitmapData &data, const CSubstitution &map)
         data.m_hBitmap = LoadResourceBitmap(source, map);
     else if (source.m_wFlags & CUIBMP_FILE)
         data.m_hBitmap = LoadFileBitmap(source, map);
+    else
+        SetLastError(ERROR_INVALID_PARAMETER);
+    const CCUKeepLastError keepLastError;
     RefreshDimensions(data);
     source.m_dwColorStamp = CUIGetWinData()->dwColorStamp;
 }

@@ -63,8 +63,9 @@ void RealizeForLoad(HDC hDC, HPALETTE hPal)
 // The DDB of a DIB that is known to be all there.
 HBITMAP DibToBitmap(HDC hDC, const BITMAPINFOHEADER *pbih, const void *pPixels)
 {
-    return CreateDIBitmap(hDC, pbih, CBM_INIT, pPixels, reinterpret_cast<const BITMAPINFO *>(pbih),
-                          DIB_RGB_COLORS);
+    const HBITMAP hBitmap = CreateDIBitmap(
+        hDC, pbih, CBM_INIT, pPixels, reinterpret_cast<const BITMAPINFO *>(pbih), DIB_RGB_COLORS);
+    return hBitmap ? hBitmap : CUIBmpFail(ERROR_NOT_ENOUGH_MEMORY);
 }
 
 // --- DIBs with a full table ---
@@ -147,13 +148,13 @@ CUIDibHead *ReadSection(HDC hScreen, HBITMAP hSection, const BITMAPINFOHEADER &h
 {
     CUIDibHead *pDib = static_cast<CUIDibHead *>(malloc(sizeof(CUIDibHead) + nRows * nRowBytes));
     if (!pDib)
-        return nullptr;
+        return CUIBmpFail(ERROR_NOT_ENOUGH_MEMORY);
     memset(pDib, 0, sizeof *pDib);
     pDib->m_header = header;
     if (GetDIBits(hScreen, hSection, 0, nRows, pDib + 1, pDib->Info(), DIB_RGB_COLORS))
         return pDib;
     free(pDib);
-    return nullptr;
+    return CUIBmpFail(ERROR_INVALID_DATA);
 }
 
 // The picture of a DIB section of any layout, by way of a plain DIB with a full table.
@@ -167,7 +168,7 @@ HBITMAP ConvertSection(HDC hScreen, CCUIOwned<HBITMAP> &section, bool bBottomUp,
     BITMAPINFOHEADER header = PlainHeader(bm);
     const ULONGLONG nImage = CUIDibImageSize(header);
     if (nImage > static_cast<size_t>(-1) - sizeof(CUIDibHead))
-        return nullptr;
+        return CUIBmpFail(ERROR_NOT_ENOUGH_MEMORY);
     header.biSizeImage = static_cast<DWORD>(nImage);
 
     // Plain rows are used where they are, but for one, since colours are read with rows only.
@@ -190,10 +191,13 @@ HBITMAP ConvertSection(HDC hScreen, CCUIOwned<HBITMAP> &section, bool bBottomUp,
 HBITMAP LoadFileSection(const char *pszName, UINT nFlags, bool &bBottomUp)
 {
     CCUFile file;
-    if (!CUIBmpFileIsSound(file, pszName, bBottomUp))
+    const bool bSound = CUIBmpFileIsSound(file, pszName, bBottomUp);
+    if (!file.isOpen())
         return nullptr;
-    return static_cast<HBITMAP>(
-        LoadImageA(nullptr, pszName, IMAGE_BITMAP, 0, 0, nFlags | LR_LOADFROMFILE));
+    const HANDLE hSection =
+        bSound ? LoadImageA(nullptr, pszName, IMAGE_BITMAP, 0, 0, nFlags | LR_LOADFROMFILE)
+               : nullptr;
+    return static_cast<HBITMAP>(hSection ? hSection : CUIBmpFail(ERROR_INVALID_DATA));
 }
 
 HBITMAP LoadResourceSection(HINSTANCE hInst, const char *pszName, UINT nFlags, bool &bBottomUp)
@@ -201,7 +205,10 @@ HBITMAP LoadResourceSection(HINSTANCE hInst, const char *pszName, UINT nFlags, b
     // Without a module it is one of the system's own.
     if (hInst && !CUIBmpResourceIsSound(hInst, pszName, bBottomUp))
         return nullptr;
-    return static_cast<HBITMAP>(LoadImageA(hInst, pszName, IMAGE_BITMAP, 0, 0, nFlags));
+    const HANDLE hSection = LoadImageA(hInst, pszName, IMAGE_BITMAP, 0, 0, nFlags);
+    if (!hSection && hInst)
+        SetLastError(ERROR_INVALID_DATA);  // it is there
+    return static_cast<HBITMAP>(hSection);
 }
 
 bool IsName(const char *pszName)
@@ -220,7 +227,7 @@ HBITMAP PaletteBitmap(const BITMAPINFOHEADER *pbih, DWORD nSize, ULONGLONG nTabl
     const ULONGLONG nHeader = CUIDibHeaderSize(*pbih);
     const ULONGLONG nPixels = nTable + CUIDibTableSize(nColors);
     if (nPixels < nHeader || CUIDibExtent(*pbih, nPixels) > nSize)
-        return nullptr;
+        return CUIBmpFail(ERROR_INVALID_DATA);
     // Palettes are made of what is 40 bytes from the header's start. With masks or a longer header
     // that is no colours.
     if (nHeader == sizeof *pbih)
@@ -253,14 +260,14 @@ HBITMAP CUIBmpCreateBitmap(BITMAPINFOHEADER *pbih, HPALETTE *phPal, bool bMapCol
                            DWORD *pTo, int nCount)
 {
     if (!pbih)
-        return nullptr;
+        return CUIBmpFail(ERROR_INVALID_PARAMETER);
     const CCUIWindowDC hScreen(nullptr);
     const ULONGLONG nPixels = static_cast<ULONGLONG>(pbih->biSize) + FULL_TABLE;
     if (!CUIMemoryHolds(pbih, CUIDibExtent(*pbih, nPixels), false))
-        return nullptr;
+        return CUIBmpFail(ERROR_INVALID_DATA);
     RGBQUAD *pTable = TableOf(pbih);
     if (bMapColors && !CUIMemoryHolds(pTable, CUIDibTableSize(ColorsInTable(*pbih)), true))
-        return nullptr;
+        return CUIBmpFail(ERROR_INVALID_DATA);
     const CUIColorMap map = {pFrom, pTo, nCount};
     return Convert(hScreen, pbih, pTable + CUI_DIB_MAX_COLORS, phPal, bMapColors ? &map : nullptr);
 }
@@ -287,7 +294,8 @@ HBITMAP CUIBmpLoadBitmapPalette(HINSTANCE hInst, const char *pszName, HPALETTE &
         return nullptr;
     const CCUIBitmapResource resource(hInst, hRsrcImage);
     const BITMAPINFOHEADER *pbih = resource.Dib();
-    return pbih ? PaletteBitmap(pbih, resource.Size(), CUIDibHeaderSize(*pbih), hPal) : nullptr;
+    return pbih ? PaletteBitmap(pbih, resource.Size(), CUIDibHeaderSize(*pbih), hPal)
+                : CUIBmpFail(ERROR_INVALID_DATA);
 }
 
 // --- Palettes ---

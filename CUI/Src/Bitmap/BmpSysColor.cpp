@@ -52,10 +52,10 @@ HBITMAP SysColorBitmap(const BITMAPINFOHEADER *pbih, DWORD nSize, bool bMapColor
     // The pixels are looked for after a header of 40 bytes and a full table, however many colours
     // the header says are in use.
     if (CUIDibHeaderSize(*pbih) != sizeof *pbih || pbih->biBitCount > 8)
-        return nullptr;
+        return CUIBmpFail(ERROR_INVALID_DATA);
     const ULONGLONG nPixels = sizeof *pbih + CUIDibTableSize(1U << pbih->biBitCount);
     if (!HasPixelsAt(nPixels, *pbih, nSize))
-        return nullptr;
+        return CUIBmpFail(ERROR_INVALID_DATA);
     CUIDibHead head = {};  // a copy: the DIB's own colours stay
     memcpy(&head, pbih, nSize < sizeof head ? nSize : sizeof head);
     if (bMapColors)
@@ -66,7 +66,7 @@ HBITMAP SysColorBitmap(const BITMAPINFOHEADER *pbih, DWORD nSize, bool bMapColor
     const void *pPixels = reinterpret_cast<const char *>(pbih) + nPixels;
     if (hBitmap && !DrawDib(hScreen, hBitmap, head, pPixels))
         CUIBmpDeleteObject(&hBitmap);
-    return hBitmap;
+    return hBitmap ? hBitmap : CUIBmpFail(ERROR_NOT_ENOUGH_MEMORY);
 }
 
 }  // namespace
@@ -86,7 +86,7 @@ HBITMAP CUIBmpLoadSysColorBitmap(HINSTANCE hInst, HRSRC hRsrc)
 {
     const CCUIBitmapResource resource(hInst, hRsrc);
     const BITMAPINFOHEADER *pbih = resource.Dib();
-    return pbih ? SysColorBitmap(pbih, resource.Size(), true) : nullptr;
+    return pbih ? SysColorBitmap(pbih, resource.Size(), true) : CUIBmpFail(ERROR_INVALID_DATA);
 }
 
 HBITMAP CUIBmpLoadBitmap(HINSTANCE hInst, const char *pszName)

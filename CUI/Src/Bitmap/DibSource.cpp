@@ -92,31 +92,31 @@ BITMAPINFOHEADER *ReadDib(CCUFile &file, const char *pszFile, DWORD &nSize)
     BITMAPFILEHEADER fileHeader;
     if (file.Read(&fileHeader, sizeof fileHeader) != sizeof fileHeader) {
         CUDump("CUIBmpDIBFromFile: error reading header for %s.\n", pszFile);
-        return nullptr;
+        return CUIBmpFail(ERROR_INVALID_DATA);
     }
     if (fileHeader.bfType != BMP_TYPE) {
         CUDump("CUIBmpDIBFromFile: %s is not a bitmap.\n", pszFile);
-        return nullptr;
+        return CUIBmpFail(ERROR_INVALID_DATA);
     }
     BITMAPINFOHEADER header;
     if (file.Read(&header, sizeof header) != sizeof header || header.biSize != sizeof header)
-        return nullptr;
+        return CUIBmpFail(ERROR_INVALID_DATA);
 
     CFileParts parts;
     if (!FindParts(parts, header, fileHeader.bfOffBits, file.GetLength()))
-        return nullptr;
+        return CUIBmpFail(ERROR_INVALID_DATA);
     const ULONGLONG nBlock =
         static_cast<ULONGLONG>(sizeof header) + parts.m_nTable + parts.m_nPixelRoom;
     if (nBlock > static_cast<size_t>(-1))
-        return nullptr;
+        return CUIBmpFail(ERROR_NOT_ENOUGH_MEMORY);
     nSize = static_cast<DWORD>(nBlock);
     char *pBlock = static_cast<char *>(malloc(nSize));
     if (!pBlock)
-        return nullptr;
+        return CUIBmpFail(ERROR_NOT_ENOUGH_MEMORY);
     memcpy(pBlock, &header, sizeof header);
     if (!ReadParts(file, parts, fileHeader.bfOffBits, pBlock + sizeof header)) {
         free(pBlock);
-        return nullptr;
+        return CUIBmpFail(ERROR_INVALID_DATA);
     }
     return reinterpret_cast<BITMAPINFOHEADER *>(pBlock);
 }
@@ -238,5 +238,8 @@ bool CUIBmpResourceIsSound(HINSTANCE hInst, const char *pszName, bool &bBottomUp
     const DWORD nSize = SizeofResource(hInst, hRsrc);
     CDibStart start = {};
     memcpy(&start, pData, nSize < sizeof start ? nSize : sizeof start);
-    return IsSound(start, 0, nSize, bBottomUp);
+    if (IsSound(start, 0, nSize, bBottomUp))
+        return true;
+    SetLastError(ERROR_INVALID_DATA);
+    return false;
 }

@@ -7,6 +7,13 @@ class CCUString;
 
 // Where pictures come from: BMP files and bitmap resources.
 
+// Why a picture cannot be made, for those who ask for the last error.
+inline decltype(nullptr) CUIBmpFail(DWORD dwError)
+{
+    SetLastError(dwError);
+    return nullptr;
+}
+
 // CUIBmpDIBFromFile with the size of the block: header, table and pixels.
 BITMAPINFOHEADER *CUIReadDib(const CCUString &sFile, DWORD &nSize);
 
@@ -37,4 +44,5 @@ private:
 
 // Opens the file and checks it. Nobody can change it as long as it stays open.
 bool CUIBmpFileIsSound(CCUFile &file, const char *pszName, bool &bBottomUp);
+// What it does not find or want, the last error tells.
 bool CUIBmpResourceIsSound(HINSTANCE hInst, const char *pszName, bool &bBottomUp);

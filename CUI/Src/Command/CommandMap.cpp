@@ -228,8 +228,7 @@ void CCUICommandMap::DumpEntry(int nMap, int nIndex)
     const unsigned int nID = Base(nMap) + static_cast<unsigned int>(nIndex);
     const CCUString sShortTT = pCmdHandler->GetShortTT(nID);
     CCUString sLine;
-    sLine.Format("    Entry[%d] ShortTT: %s, ID: %d, State:", nIndex,
-                 static_cast<const char *>(sShortTT), nID);
+    sLine.Format("    Entry[%d] ShortTT: %s, ID: %d, State:", nIndex, sShortTT.GetString(), nID);
     if (m_pMap[nMap][nIndex] == pCmdHandler) {
         const unsigned short nState = pCmdHandler->GetState(nID);
         for (const CStateName &state : STATE_NAMES) {

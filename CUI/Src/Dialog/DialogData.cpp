@@ -60,7 +60,7 @@ int CCUIDialog::UpdateData(CCUString &sCode)
 {
     const bool bToScreen = sCode == "ToScreen";
     if (!bToScreen && sCode != "FromScreen") {
-        CUDump("%s is not a valid code for UpdateData.\n", static_cast<const char *>(sCode));
+        CUDump("%s is not a valid code for UpdateData.\n", sCode.GetString());
         return 0;
     }
     CWatch watch(this);
@@ -83,7 +83,7 @@ int CCUIDialog::ExchangeData(unsigned short)
 int CCUIDialog::ExchangeFail(int nID, CCUString &sMessage)
 {
     CWatch watch(this);
-    CUDump("Can't take the data of control %d: %s\n", nID, static_cast<const char *>(sMessage));
+    CUDump("Can't take the data of control %d: %s\n", nID, sMessage.GetString());
     CCUString sCaption;
     GetWindowTextA(m_hWnd, sCaption.GetBuffer(MAX_PATH), MAX_PATH);
     sCaption.ReleaseBuffer(-1);

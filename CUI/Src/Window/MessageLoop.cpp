@@ -68,7 +68,7 @@ bool TraceSlow(const char *what, unsigned long nFrom, const char *end)
     if (static_cast<long>(nTo - nFrom) <= SLOW || s_messageDebug.Get() < 1)
         return false;
     const CCUString sNow = CCUTime().Format("%c");
-    CUDump("%s\n", static_cast<const char *>(sNow));
+    CUDump("%s\n", sNow.GetString());
     CUDump("%s took %d (called at %d, finished at %d%s)\n", what, TraceArg(nTo - nFrom),
            TraceArg(nFrom), TraceArg(nTo), end);
     return true;

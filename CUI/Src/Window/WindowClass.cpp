@@ -92,8 +92,8 @@ int CUIRegisterWindowClass(WNDCLASSA *pClass)
         sName.Format("#%u", reinterpret_cast<UINT>(pClass->lpszClassName));
     else
         sName = pClass->lpszClassName;
-    CUDump("CUIWindowClass: Can't register window class %s, gle: %d\n",
-           static_cast<const char *>(sName), static_cast<int>(nError));
+    CUDump("CUIWindowClass: Can't register window class %s, gle: %d\n", sName.GetString(),
+           static_cast<int>(nError));
     return 0;
 }
 
