@@ -125,7 +125,9 @@ public:
             ASSERT_NE(std::string::npos, n) << part << "\n" << text;
         }
         // From the crash to main.
-        EXPECT_LT(4, std::count(text.begin() + text.find("\r\nEIP:"), text.end(), '+')) << text;
+        EXPECT_LT(4,
+                  std::count(text.c_str() + text.find("\r\nEIP:"), text.c_str() + text.size(), '+'))
+            << text;
     }
 
 private:

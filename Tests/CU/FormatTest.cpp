@@ -20,12 +20,14 @@ struct CFormatted : CCUString
     using CCUString::FormatV;
 };
 
-// What a format gives, and the room that is reserved for it.
-template <typename... Args>
-void Expect(const char *text, int nReserved, const char *format, Args... args)
+// What a format gives, and the room that is reserved for it. The compiler does not check these.
+void Expect(const char *text, int nReserved, const char *format, ...)
 {
-    CCUString result;
-    result.Format(format, args...);
+    CFormatted result;
+    va_list args;
+    va_start(args, format);
+    result.FormatV(format, args);
+    va_end(args);
     EXPECT_STREQ(result, text) << format;
     EXPECT_EQ(result.GetAllocLength(), nReserved) << format;
 }

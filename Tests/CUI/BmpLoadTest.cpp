@@ -344,8 +344,8 @@ TEST(Bitmap, TellsWhyItIsNull)
 
 TEST(Bitmap, IsTakenForAnyObjectInConditionsAndByWideNames)
 {
-    const CCUIBitmap bitmap(MAKEINTRESOURCEW(200), 0, hModule), none;
-    EXPECT_TRUE(bitmap ? !none : false);
+    const CCUIBitmap bitmap(MAKEINTRESOURCEW(200), 0, hModule), empty;
+    EXPECT_TRUE(bitmap ? !empty : false);
     const HDC hDC = CreateCompatibleDC(nullptr);
     const HGDIOBJ hOld = SelectObject(hDC, bitmap);
     EXPECT_EQ(static_cast<HBITMAP>(bitmap), GetCurrentObject(hDC, OBJ_BITMAP));

@@ -22,16 +22,18 @@ class CUser : public CCUTimer, public CCUThreadExitHandler, public CCUDumpCallba
 {
 public:
     using CCUTimer::SetAlarm;
-    // At work all the time.
+    // At work all the time, unless it is to be quiet.
     void TimeOut(long) override
     {
         ++m_nCalls;
-        SetAlarm(1);
+        if (!m_bQuiet)
+            SetAlarm(1);
     }
     void OnThreadExit(bool) override {}
     void OnDump(const CCUString &sText) override { m_sDumped += sText; }
 
     volatile LONG m_nCalls = 0;
+    bool m_bQuiet = false;
     CCUString m_sDumped;
 };
 
@@ -122,7 +124,10 @@ extern "C" __declspec(dllexport) LRESULT CALLBACK OnCall(int nCode, WPARAM wPara
         if (pLauncher->GetSizeInDialogUnits(size) && size.cx == 107 && Use(0, hHosts))
             SetPropA(message.hwnd, "Used", hHosts);
     }
-    if (TimesServed(0) > 2)
+    if (TimesServed(0) > 2) {
+        // Wine 8 starts a thread for each alarm, and crashes when a process ends at that moment.
+        s_parts[0].m_user.m_bQuiet = true;
         SetPropA(message.hwnd, "Served", message.hwnd);
+    }
     return CallNextHookEx(nullptr, nCode, wParam, lParam);
 }
