@@ -192,8 +192,9 @@ class Exports(LauncherTest):
                 library, _, names = table.partition("\n")
                 for name in re.findall(r"^\t[0-9a-f]+\t *\d+ +(\S+)", names, re.M):
                     self.assertIn(f"{library.lower()}:{name}", allowed)
-            for line in ("MajorOSystemVersion\t4", "MajorSubsystemVersion\t4", "MinorSubsystemVersion\t0",
-                         "DllCharacteristics\t00000140", "Subsystem\t\t00000002"):
+            for line in ("MajorOSystemVersion\t4", "MajorSubsystemVersion\t4",
+                         "MinorSubsystemVersion\t0", "DllCharacteristics\t00000140",
+                         "Subsystem\t\t00000002"):
                 self.assertIn(f"\n{line}", dump)
             resources = int(re.search(r"\.rsrc +([0-9a-f]+)", dump)[1], 16)
             self.assertLess(os.path.getsize(launcher) - resources, 256 * 1024)

@@ -76,7 +76,7 @@ class Package(unittest.TestCase):
             return output.read()
 
     def test_headers(self):
-        """Every one compiles alone, and all in any order, with what users' compilers may be told."""
+        """Every one compiles alone, and all in any order, as users' compilers may be told to."""
         headers = sorted((self.tree / "include").rglob("*.h"))
         sources = [((*self.clang, "-std=c++14"), [header]) for header in headers]
         sources += [((*self.gcc, "-std=c++20", "-DUNICODE", "-D_UNICODE"), headers[::-1]),
