@@ -1,4 +1,4 @@
-// Adds a line to every report in the trace file of the process that loads it.
+// Adds a line to every report in the report file of the process that loads it.
 
 #include "CU/Assert.h"
 

@@ -7,14 +7,14 @@
 
 #include "CU/Platform.h"
 
-/// Reports one failed check into the day's trace file, "/ZELTrace-%Y-%m-%d.txt" in the temporary
+/// Reports one failed check into the day's report file, "/ZELTrace-%Y-%m-%d.txt" in the temporary
 /// directory: time, expression, source, line, the thread's last error and stack, and what the
 /// report handlers add. Shows nothing and stops nothing. Only the first 10 failed checks of a
 /// process are reported; a report that cannot be written is dropped, but counts among the 10. The
 /// last error is kept. Returns 0: go on.
 CU_API int CUDisplayAssert(const char *expression, const char *file, int line);
 
-/// Adds a function that writes to the open trace file at the end of every report, in the order of
+/// Adds a function that writes to the open report file at the end of every report, in the order of
 /// registration; one that is added twice is called twice. Null is ignored.
 CU_API void CURegisterExceptionHandler(void (*handler)(FILE *));
 /// Takes one registration back, the earliest of that function. One that is not registered is

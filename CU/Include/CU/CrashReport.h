@@ -1,14 +1,14 @@
 #pragma once
 
 /// @file
-/// The report of a crash, and how long trace files are kept.
+/// The report of a crash, and how long report files are kept.
 
 #include "CU/Platform.h"
 
-/// From here on an exception that nobody handles is written to the day's trace file (see Assert.h):
-/// its name and address, the registers, the stack, and what the report handlers add. The handler
-/// that stood before, then the system's own handling, go on afterwards. Calling it again is without
-/// effect.
+/// From here on an exception that nobody handles is written to the day's report file (see
+/// Assert.h): its name and address, the registers, the stack, and what the report handlers add. The
+/// handler that stood before, then the system's own handling, go on afterwards. Calling it again is
+/// without effect.
 CU_API void CUStartExceptionHandler();
 
 /// Sets whether the process ends after a crash report, at once and with the exception's code as
@@ -16,7 +16,7 @@ CU_API void CUStartExceptionHandler();
 /// first it does not.
 CU_API void CUShutdownAfterCrash(bool bShutdown);
 
-/// Deletes the trace files of the temporary directory, "ZELTrace-YYYY-MM-DD.txt", of days that lie
+/// Deletes the report files of the temporary directory, "ZELTrace-YYYY-MM-DD.txt", of days that lie
 /// more than daysToKeep days back, each with the line "Deleting trace file: %s\n" in the trace.
 /// Today's is always kept; a number below 0 counts as 0. Returns how many were deleted.
 CU_API int CUPurgeTraceFiles(int daysToKeep = 30);
