@@ -81,9 +81,9 @@ TEST_F(Dump, BringsATextToEveryOutputInOrder)
 {
     const HWND hWnd =
         CreateWindowA("STATIC", "", 0, 0, 0, 0, 0, nullptr, nullptr, nullptr, nullptr);
+    CUDumpRegisterWindow(hWnd, WM_APP + 1);
     CUDumpRegisterWindow(hWnd, WM_APP);
     CUDumpRegisterWindow(nullptr, WM_APP);
-    CUDumpRegisterWindow(hWnd, WM_APP + 1);
     CUDumpUnRegisterWindow(hWnd, WM_APP + 1);
     MSG msg;
     CCallback second([&] {

@@ -156,6 +156,11 @@ TEST_F(BmpLoad, ReplacesColoursOnlyWhenAsked)
     DeleteObject(dib.Create(&hPal, from, to, 1));
     EXPECT_EQ(to[0], ColorOf(dib.Info()->bmiColors[5]));
     EXPECT_EQ(to[0], TakeEntries(hPal)[5]);
+    RGBQUAD &grey = dib.Info()->bmiColors[7] = {0xC0, 0xC0, 0xC0, 0};
+    CCUIBitmap(&dib.Info()->bmiHeader, 0);
+    EXPECT_EQ(greys[2], ColorOf(grey));
+    CCUIBitmap(&dib.Info()->bmiHeader, CUIBMP_SYSCOLORS);
+    EXPECT_EQ(colors.m_new[2], ColorOf(grey));
 }
 
 TEST_F(BmpLoad, SaysWhatIsMissing)
