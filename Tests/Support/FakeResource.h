@@ -1,6 +1,6 @@
 #pragma once
 
-#include <string.h>
+#include <algorithm>
 #include <vector>
 
 #include "Support/GuardedBuffer.h"
@@ -15,7 +15,7 @@ public:
     explicit CFakeResource(const std::vector<BYTE> &bytes)
         : m_buffer((bytes.size() + 3) & ~3U), m_nSize(static_cast<DWORD>(bytes.size()))
     {
-        memcpy(m_buffer.Data(), bytes.data(), bytes.size());
+        std::copy(bytes.begin(), bytes.end(), reinterpret_cast<BYTE *>(m_buffer.Data()));
     }
 
 private:
