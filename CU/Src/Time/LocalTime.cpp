@@ -28,7 +28,8 @@ tm *BreakDown(long nTime, const TIME_ZONE_INFORMATION &zone)
     return record;
 }
 
-// The trace's own time stamps come here, too: told from inside the trace it would never end.
+// The trace itself asks for the time, to name its files. So it may come here again from in here,
+// and is not told a second time.
 void TraceInvalidZone()
 {
     static volatile LONG s_nTracing;
