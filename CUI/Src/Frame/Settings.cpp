@@ -1,0 +1,49 @@
+#include "CUI/Settings.h"
+
+#include "Base/Lifetime.h"
+#include "CU/Dump.h"
+
+namespace {
+
+CCUShared<CCUString> s_key;
+
+CCUString DefaultKey()
+{
+    char path[MAX_PATH] = "";
+    GetModuleFileNameA(nullptr, path, MAX_PATH - 1);
+    const char *pszName = path;
+    for (const char *psz = path; *psz; psz = CharNextA(psz)) {
+        if (*psz == '\\')
+            pszName = psz + 1;
+    }
+    CCUString sName(pszName);
+    const int nDot = sName.ReverseFind('.');
+    if (nDot > 0)
+        sName = sName.Left(nDot);
+    return "Software\\" + sName;
+}
+
+}  // namespace
+
+void CUISetSettingsKey(const char *pszKey)
+{
+    s_key.Get() = pszKey ? pszKey : "";
+}
+
+CCUString CUIGetSettingsKey()
+{
+    const CCUString &sKey = s_key.Get();
+    return sKey.IsEmpty() ? DefaultKey() : sKey;
+}
+
+bool CUIOpenSettings(CCURegistry &registry, const char *pszSection, bool bReadOnly)
+{
+    CCUString sPath = CUIGetSettingsKey();
+    if (pszSection && *pszSection)
+        sPath += CCUString("\\") + pszSection;
+    if (registry.Open(HKEY_CURRENT_USER, sPath, bReadOnly))
+        return true;
+    if (!bReadOnly)
+        CUDump("Unable to open settings %s, gle: %lu\n", sPath.GetString(), GetLastError());
+    return false;
+}
