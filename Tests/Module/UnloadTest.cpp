@@ -10,6 +10,7 @@
 
 #include "Support/GdiCount.h"
 #include "Support/TemporaryDirectory.h"
+#include "Support/ThreadBirths.h"
 #include "Support/Threads.h"
 
 namespace {
@@ -131,7 +132,15 @@ TEST(Module, GoesInTheMiddleOfEverythingAndLeavesNothing)
 TEST(Module, EndsWithItsProcess)
 {
     const CTemporaryDirectory directory;
-    UseOnTwoThreads([](const CModule &) { exit(testing::Test::HasFailure()); });
+    UseOnTwoThreads([](const CModule &module) {
+        auto *served = module.Function<int(int)>("TimesServed");
+        module.Function<void(int)>("Calm")(0);
+        const int nServed = served(0);
+        // The other thread serves none of its timers now, and so starts none either.
+        EXPECT_TRUE(PumpUntil([&] { return served(0) > nServed; }));
+        WaitForThreadBirths();
+        exit(testing::Test::HasFailure());
+    });
 }
 
 }  // namespace

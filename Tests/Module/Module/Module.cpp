@@ -112,6 +112,13 @@ extern "C" __declspec(dllexport) int TimesServed(int nPart)
     return s_parts[nPart].m_user.m_nCalls;
 }
 
+// The last alarm is yet to come. Wine 8 starts a thread for each alarm, and crashes when a process
+// ends at that moment.
+extern "C" __declspec(dllexport) void Calm(int nPart)
+{
+    s_parts[nPart].m_user.m_bQuiet = true;
+}
+
 // Says at the window what came of it.
 extern "C" __declspec(dllexport) LRESULT CALLBACK OnCall(int nCode, WPARAM wParam, LPARAM lParam)
 {
@@ -125,8 +132,7 @@ extern "C" __declspec(dllexport) LRESULT CALLBACK OnCall(int nCode, WPARAM wPara
             SetPropA(message.hwnd, "Used", hHosts);
     }
     if (TimesServed(0) > 2) {
-        // Wine 8 starts a thread for each alarm, and crashes when a process ends at that moment.
-        s_parts[0].m_user.m_bQuiet = true;
+        Calm(0);
         SetPropA(message.hwnd, "Served", message.hwnd);
     }
     return CallNextHookEx(nullptr, nCode, wParam, lParam);
