@@ -152,13 +152,15 @@ protected:
     /// @}
     /// The framework's WM_USER + 0x38: keeps the flag that GetShowToolTips answers.
     virtual void OnShowToolTips(int bShow);
-    /// The base gives the message back to the control that it is about, but not that of a menu.
+    /// The base gives the message back to the control that it is about; that of a menu goes to the
+    /// CCUIMenu, if it is one's.
     /// @{
     virtual int OnMeasureItem(UINT nID, MEASUREITEMSTRUCT *pMeasure);
     virtual int OnDrawItem(UINT nID, DRAWITEMSTRUCT *pDraw);
     /// @}
     /// The message of that name, as the system documents it. Of a window that routes commands, the
-    /// base OnInitMenuPopup refreshes the menu: fill it before you call that.
+    /// base OnInitMenuPopup refreshes the menu: fill it before you call that, also for a CCUIMenu,
+    /// which draws the items that it finds then. The base OnMenuChar finds a CCUIMenu's mnemonics.
     /// @{
     virtual void OnMenuSelect(UINT nItem, UINT nFlags, HMENU hMenu);
     virtual void OnInitMenuPopup(HMENU hMenu, UINT nIndex, int bSystemMenu);
@@ -307,6 +309,8 @@ public:
     /// Copies the table; a count of 0 removes it. 1, or 0 on failure: the former table is gone then
     /// as well.
     int SetAccelerators(ACCEL *pAccelerators, int nCount);
+    /// What SetAccelerators made; the object's. Null: there is none.
+    HACCEL GetAccelerators() const { return m_hAccelerators; }
 
     /// The menu that the base OnContextMenu shows; not owned. The base OnDestroy drops it.
     /// @{

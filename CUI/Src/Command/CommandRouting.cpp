@@ -3,6 +3,8 @@
 #include "CUI/CommandHandler.h"
 #include "CUI/CommandMap.h"
 #include "CUI/Window.h"
+#include "Menu/MenuHooks.h"
+#include "Menu/MenuItem.h"
 
 namespace {
 
@@ -17,19 +19,9 @@ bool IsCommand(UINT nCode, HWND hControl)
     return nCode == 0 || (nCode == 1 && !hControl);
 }
 
-CCUString TextOf(HMENU hMenu, UINT nItem, UINT nLength)
-{
-    CCUString sText;
-    GetMenuStringA(hMenu, nItem, sText.GetBuffer(static_cast<int>(nLength)),
-                   static_cast<int>(nLength) + 1, MF_BYPOSITION);
-    sText.ReleaseBuffer();
-    return sText;
-}
-
 // What the handler calls the command, with the shortcut that the item has.
-CCUString NewText(const CCUString &sOld, CCUICommandHandler *pHandler, unsigned int nID)
+CCUString NewText(CCUString sText, const CCUString &sOld)
 {
-    CCUString sText = pHandler->GetShortTT(nID);
     const int nTab = sOld.Find('\t');
     if (nTab >= 0 && sText.Find('\t') < 0)
         sText += sOld.Mid(nTab);
@@ -39,33 +31,32 @@ CCUString NewText(const CCUString &sOld, CCUICommandHandler *pHandler, unsigned 
 void UpdateItem(HMENU hMenu, UINT nItem, CCUICommandHandler *pHandler, unsigned int nID)
 {
     const unsigned short nState = pHandler->GetState(nID);
-    MENUITEMINFOA item = {};
-    item.cbSize = sizeof item;
-    item.fMask = MIIM_ID | MIIM_STATE | MIIM_TYPE;
-    // The handler may have changed the menu.
-    if (!GetMenuItemInfoA(hMenu, nItem, TRUE, &item) || item.wID != nID)
-        return;
-    const UINT nOldState = item.fState;
-    item.fState &= ~static_cast<UINT>(MFS_DISABLED | MFS_CHECKED);
-    item.fState |= (nState & CUI_COMMAND_ACTIVE) ? MFS_ENABLED : MFS_DISABLED;
-    item.fState |= (nState & CUI_COMMAND_CHECKED) ? MFS_CHECKED : MFS_UNCHECKED;
-    item.fMask = item.fState == nOldState ? 0 : MIIM_STATE;
-
     CCUString sText;
-    const UINT nRadio = (nState & CUI_COMMAND_RADIO) ? MFT_RADIOCHECK : 0;
-    const bool bMark = (item.fType & MFT_RADIOCHECK) != nRadio;
-    const bool bPlain = !(item.fType & (MFT_BITMAP | MFT_OWNERDRAW | MFT_SEPARATOR));
-    if (bPlain && (bMark || (nState & CUI_COMMAND_TEXT))) {
-        const CCUString sOld = TextOf(hMenu, nItem, item.cch);
-        sText = (nState & CUI_COMMAND_TEXT) ? NewText(sOld, pHandler, nID) : sOld;
-        // The system sets both, or none.
-        if (bMark || sText != sOld)
-            item.fMask |= MIIM_TYPE;
-        item.fType = (item.fType & ~static_cast<UINT>(MFT_RADIOCHECK)) | nRadio;
-        item.dwTypeData = sText.GetBuffer(0);
+    if (nState & CUI_COMMAND_TEXT)
+        sText = pHandler->GetShortTT(nID);
+    CUIMenuItem item;
+    // The handler may have changed the menu.
+    if (!item.Read(hMenu, nItem) || item.m_nID != nID)
+        return;
+    const UINT nOldState = item.m_nState;
+    item.m_nState &= ~static_cast<UINT>(MFS_DISABLED | MFS_CHECKED);
+    item.m_nState |= (nState & CUI_COMMAND_ACTIVE) ? MFS_ENABLED : MFS_DISABLED;
+    item.m_nState |= (nState & CUI_COMMAND_CHECKED) ? MFS_CHECKED : MFS_UNCHECKED;
+
+    bool bWrite = false;
+    if (item.HasText()) {
+        const UINT nOldType = item.m_nType;
+        item.m_nType &= ~static_cast<UINT>(MFT_RADIOCHECK);
+        item.m_nType |= (nState & CUI_COMMAND_RADIO) ? MFT_RADIOCHECK : 0;
+        const CCUString sOld = item.m_sText;
+        if (nState & CUI_COMMAND_TEXT)
+            item.m_sText = NewText(sText, sOld);
+        bWrite = item.m_nType != nOldType || item.m_sText != sOld;
     }
-    if (item.fMask)
-        SetMenuItemInfoA(hMenu, nItem, TRUE, &item);
+    if (bWrite)
+        item.Write(hMenu, nItem);
+    else if (item.m_nState != nOldState)
+        item.WriteState(hMenu, nItem);
 }
 
 }  // namespace
@@ -114,6 +105,8 @@ void CCUIWindow::OnInitMenuPopup(HMENU hMenu, UINT, int bSystemMenu)
     CWatch watch(this);
     if (m_bRoutesCommands && !bSystemMenu)
         CCUICommandMap::UpdateMenu(hMenu);
+    if (g_pMenuHooks && !bSystemMenu && !watch.IsGone())
+        g_pMenuHooks->opens(hMenu, m_hWnd);
     if (!watch.IsGone())
         Default();
 }

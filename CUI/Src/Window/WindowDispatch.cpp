@@ -3,6 +3,7 @@
 
 #include "CU/Assert.h"
 #include "CUI/Menu.h"
+#include "Menu/MenuHooks.h"
 #include "CUI/Window.h"
 #include "Window/WindowBinding.h"
 #include "Window/WindowHookList.h"
@@ -337,7 +338,6 @@ void CCUIWindow::OnSetFocus(HWND) { Default(); }
 void CCUIWindow::OnKillFocus(HWND) { Default(); }
 void CCUIWindow::OnParentNotify(UINT, UINT, LPARAM) { Default(); }
 void CCUIWindow::OnMenuSelect(UINT, UINT, HMENU) { Default(); }
-long CCUIWindow::OnMenuChar(UINT, UINT, HMENU) { return Default(); }
 void CCUIWindow::OnCancelMode() { Default(); }
 void CCUIWindow::OnCaptureChanged(HWND) { Default(); }
 void CCUIWindow::OnSetWindowState(UINT) { Default(); }
@@ -431,15 +431,29 @@ void CCUIWindow::OnCommand(UINT nCode, UINT nID, HWND hControl)
         ReflectOrDefault(hControl);
 }
 
+// Of a menu, the message is not for a child; a menu that draws itself answers it.
+
 int CCUIWindow::OnDrawItem(UINT, DRAWITEMSTRUCT *pDraw)
 {
-    return ReflectOrDefault(pDraw && pDraw->CtlType != ODT_MENU ? pDraw->hwndItem : nullptr);
+    const bool bMenu = pDraw && pDraw->CtlType == ODT_MENU;
+    if (bMenu && g_pMenuHooks && g_pMenuHooks->draw(*pDraw))
+        return 1;
+    return ReflectOrDefault(pDraw && !bMenu ? pDraw->hwndItem : nullptr);
 }
 
 int CCUIWindow::OnMeasureItem(UINT nID, MEASUREITEMSTRUCT *pMeasure)
 {
-    const bool bControl = pMeasure && pMeasure->CtlType != ODT_MENU;
+    const bool bMenu = pMeasure && pMeasure->CtlType == ODT_MENU;
+    if (bMenu && g_pMenuHooks && g_pMenuHooks->measure(*pMeasure))
+        return 1;
+    const bool bControl = pMeasure && !bMenu;
     return ReflectOrDefault(bControl ? GetDlgItem(m_hWnd, static_cast<int>(nID)) : nullptr);
+}
+
+long CCUIWindow::OnMenuChar(UINT nChar, UINT, HMENU hMenu)
+{
+    const long answer = g_pMenuHooks ? g_pMenuHooks->character(nChar, hMenu) : 0;
+    return answer ? answer : Default();
 }
 
 // The child that sent one of the messages without a handler of their own; null for all others.
