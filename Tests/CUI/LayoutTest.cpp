@@ -1,7 +1,7 @@
+#include "CUI/Draw.h"
 #include "CUI/LayoutWindow.h"
 #include "Support/GdiCount.h"
 #include "Support/ImportHook.h"
-#include "Support/PixelMap.h"
 #include "Support/Reports.h"
 #include "Support/TestWindow.h"
 
@@ -39,13 +39,18 @@ struct CBox : CScripted<CCUIControlWindow>
     int m_nMoves = 0;
 };
 
-std::string Place(HWND hWnd)
+RECT RectOf(HWND hWnd)
 {
-    RECT rect;
+    RECT rect = {};
     GetWindowRect(hWnd, &rect);
     MapWindowPoints(nullptr, GetParent(hWnd), reinterpret_cast<POINT *>(&rect), 2);
-    return Text("%ld,%ld %ldx%ld", rect.left, rect.top, rect.right - rect.left,
-                rect.bottom - rect.top);
+    return rect;
+}
+
+std::string Place(HWND hWnd)
+{
+    const RECT rc = RectOf(hWnd);
+    return Text("%ld,%ld %ldx%ld", rc.left, rc.top, rc.right - rc.left, rc.bottom - rc.top);
 }
 
 using Boxes = std::vector<std::unique_ptr<CBox>>;
@@ -55,11 +60,9 @@ std::string Along(const Boxes &boxes, bool bRow = true)
 {
     std::string text;
     for (const auto &pBox : boxes) {
-        RECT rect;
-        GetWindowRect(*pBox, &rect);
-        MapWindowPoints(nullptr, GetParent(*pBox), reinterpret_cast<POINT *>(&rect), 2);
-        text += bRow ? Text("%ld+%ld ", rect.left, rect.right - rect.left)
-                     : Text("%ld+%ld ", rect.top, rect.bottom - rect.top);
+        const RECT rc = RectOf(*pBox);
+        const LONG nFrom = bRow ? rc.left : rc.top, nTo = bRow ? rc.right : rc.bottom;
+        text += Text("%ld+%ld ", nFrom, nTo - nFrom);
     }
     return text;
 }
@@ -71,6 +74,11 @@ Boxes MakeBoxes(HWND hParent, const std::vector<std::pair<int, unsigned long>> &
         boxes.push_back(std::make_unique<CBox>(hParent, child.first, child.second));
     PumpWaiting();
     return boxes;
+}
+
+HWND MakeStop(const char *pszClass, HWND hParent)
+{
+    return CreateWindowA(pszClass, "text", SHOWN, 0, 0, 9, 9, hParent, nullptr, nullptr, nullptr);
 }
 
 void PressTab(bool bShift = false)
@@ -116,14 +124,15 @@ TEST(Layout, GivesChildrenTheirPlacesAlongAndAcross)
     }
     CLayout layout(top, COLUMN, 100, 100);
     layout.SetMargins({1, 2, 3, 4});
-    const unsigned long flags[] = {CUI_PLACE_NEAR, CUI_PLACE_CENTER, CUI_PLACE_FAR, CUI_PLACE_FILL};
-    Boxes boxes = MakeBoxes(layout, {{5, flags[0]}, {5, flags[1]}, {5, flags[2]}, {5, flags[3]}});
-    const std::string places[] = {"1,2 9x5", "44,7 9x5", "88,12 9x5", "1,17 96x5"};
-    for (int i = 0; i < 4; ++i)
-        EXPECT_EQ(places[i], Place(*boxes[i]));
+    Boxes boxes =
+        MakeBoxes(layout, {{5, CUI_PLACE_NEAR}, {5, CUI_PLACE_CENTER}, {5, CUI_PLACE_FAR}});
+    CBox last(layout, 5);
+    PumpWaiting();
+    EXPECT_EQ("1,2 9x5, 44,7 9x5", Place(*boxes[0]) + ", " + Place(*boxes[1]));
+    EXPECT_EQ("88,12 9x5, 1,17 96x5", Place(*boxes[2]) + ", " + Place(last));
     SetWindowPos(layout, nullptr, 0, 0, 3, 1, SWP_NOMOVE);
     EXPECT_EQ("1,7 9x5", Place(*boxes[1]));
-    EXPECT_EQ("1,17 0x5", Place(*boxes[3]));
+    EXPECT_EQ("1,17 0x5", Place(last));
     layout.SetDirection(ROW);
     EXPECT_EQ("1,2 5x5", Place(*boxes[0]));
 }
@@ -142,33 +151,29 @@ TEST(Layout, HearsOfWhatChangesAndMovesOnlyWhatStandsElsewhere)
         return Along(boxes);
     };
     EXPECT_EQ("0+10 10+25 35+30 ", told([&] { boxes[1]->SetFixedSize(25); }));
-    EXPECT_EQ("0+10 10+70 80+30 ", told([&] {
-                  boxes[1]->SetLayoutFlags(CUIPlaceWeight(1)), boxes[1]->SetFixedSize(70);
-              }));
+    boxes[1]->SetLayoutFlags(CUIPlaceWeight(1));
+    EXPECT_EQ("0+10 10+70 80+30 ", told([&] { boxes[1]->SetFixedSize(70); }));
     EXPECT_EQ("0+10 10+70 10+30 ", told([&] { ShowWindow(*boxes[1], SW_HIDE); }));
     EXPECT_EQ("0+10 10+70 80+30 ", told([&] { boxes[1]->SetLayoutFlags(CUI_PLACE_KEEP); }));
     boxes[1]->SetLayoutFlags(4);
     EXPECT_EQ("0+10 10+70 80+30 ", told([&] { ShowWindow(*boxes[1], SW_SHOW); }));
     EXPECT_EQ("0+10 10+30 ", told([&] { boxes.erase(boxes.begin() + 1); }));
-    EXPECT_EQ("0+10 15+30 10+5 ", told([&] {
-                  boxes.push_back(std::make_unique<CBox>(layout, 5));
-                  SetWindowPos(*boxes[2], *boxes[0], 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE);
-              }));
-    EXPECT_EQ("0+10 15+30 10+5 ", told([&] {
-                  SetWindowPos(*boxes[1], nullptr, 0, 0, 30, 60, SWP_NOZORDER), layout.Layout();
-              }));
-    EXPECT_EQ("0+10 10+30 10+5 ", told([&] {
-                  SetParent(*boxes[2], top), layout.Layout(),
-                      SetWindowPos(*boxes[2], nullptr, 10, 0, 5, 60, SWP_NOZORDER);
-              }));
+    const UINT place = SWP_NOMOVE | SWP_NOSIZE;
+    boxes.push_back(std::make_unique<CBox>(layout, 5));
+    EXPECT_EQ("0+10 15+30 10+5 ",
+              told([&] { SetWindowPos(*boxes[2], *boxes[0], 0, 0, 0, 0, place); }));
+    MoveWindow(*boxes[1], 0, 0, 30, 60, 0);
+    EXPECT_EQ("0+10 15+30 10+5 ", told([&] { layout.Layout(); }));
+    SetParent(*boxes[2], top);
+    EXPECT_EQ("0+10 10+30 ", told([&] { layout.Layout(), boxes.pop_back(); }));
     EXPECT_EQ("0,0 9x9", Place(hPlain));
     // What is posted comes late, and messages about nobody are harmless.
     for (const LPARAM nCode : {3, 4, 5, 6, 7})
         SendMessageA(layout, CUI_WM_LAYOUT, 0x1234, nCode);
     layout.Suspend();
-    EXPECT_EQ("0+10 10+30 10+5 ", told([&] { boxes[1]->SetFixedSize(33); }));
+    EXPECT_EQ("0+10 10+30 ", told([&] { boxes[1]->SetFixedSize(33); }));
     layout.Resume();
-    EXPECT_EQ("0+10 10+33 10+5 ", Along(boxes));
+    EXPECT_EQ("0+10 10+33 ", Along(boxes));
 }
 
 TEST(Layout, MovesAllInOneBatchAndPaintsNothingTwice)
@@ -179,21 +184,17 @@ TEST(Layout, MovesAllInOneBatchAndPaintsNothingTwice)
     Boxes boxes = MakeBoxes(layout, {{10, 4}, {20, 4}, {20, 4}});
     const COLORREF colors[] = {0xFF0000, 0x0000FF, 0xFFFF00};
     int nPaints[3] = {};
-    for (int i = 0; i < 3; ++i) {
+    for (size_t i = 0; i < 3; ++i) {
         boxes[i]->m_on[WM_ERASEBKGND] = [&, i] {
             RECT rect = {0, 0, 100, 100};
-            const HBRUSH hBrush = CreateSolidBrush(colors[i]);
-            FillRect(reinterpret_cast<HDC>(boxes[i]->m_wParam), &rect, hBrush);
-            return DeleteObject(hBrush), ++nPaints[i];
+            CUIDCFillSolidRect(reinterpret_cast<HDC>(boxes[i]->m_wParam), &rect, colors[i]);
+            return ++nPaints[i];
         };
         InvalidateRect(*boxes[i], nullptr, TRUE);
     }
     PumpWaiting();
-    const auto colorAt = [&](int x) {
-        const HDC hDC = GetDC(layout);
-        const COLORREF color = GetPixel(hDC, x, 30);
-        return ReleaseDC(layout, hDC), color;
-    };
+    const HDC hDC = GetDC(layout);
+    const auto colorAt = [&](int x) { return GetPixel(hDC, x, 30); };
     EXPECT_EQ(0x00FF00U, colorAt(70));
     // Nobody's pixels go while it moves: neither of those that stay nor of those that come.
     nPaints[0] = nPaints[1] = nPaints[2] = 0;
@@ -224,6 +225,7 @@ TEST(Layout, MovesAllInOneBatchAndPaintsNothingTwice)
     bFails = true;
     boxes[0]->SetFixedSize(10);
     EXPECT_EQ("0+10 10+20 30+20 ", Along(boxes));
+    ReleaseDC(layout, hDC);
 }
 
 TEST(Layout, NestedLayoutsTellWhatTheyNeed)
@@ -251,22 +253,17 @@ TEST(Layout, TabGoesThroughAllThatCanHaveTheFocus)
     CLayout outer(top, COLUMN);
     CBox first(outer);
     CLayout inner(outer, ROW), empty(outer, ROW);
-    const HWND hEdit =
-        CreateWindowA("EDIT", "text", SHOWN, 0, 0, 9, 9, inner, nullptr, nullptr, nullptr);
-    CBox hidden(inner, 5, 4, SHOWN & ~WS_VISIBLE), disabled(inner, 5, 4, SHOWN | WS_DISABLED);
-    CBox noStop(inner, 5, 4, SHOWN & ~WS_TABSTOP), last(inner);
+    const HWND hEdit = MakeStop("EDIT", inner);
+    CBox hidden(inner, 5, 4, WS_CHILD | WS_TABSTOP), disabled(inner, 5, 4, SHOWN | WS_DISABLED);
+    CBox noStop(inner, 5, 4, WS_CHILD | WS_VISIBLE), last(inner);
     SetFocus(outer);
     EXPECT_EQ(first.GetHandle(), GetFocus());
-    const HWND order[] = {hEdit, last, first, hEdit};
-    for (const HWND hWnd : order) {
-        PressTab();
-        EXPECT_EQ(hWnd, GetFocus());
+    const HWND order[] = {hEdit, last, first, hEdit, first, last, hEdit};
+    for (int i = 0; i < 7; ++i) {
+        PressTab(i > 3);
+        EXPECT_EQ(order[i], GetFocus());
     }
     EXPECT_EQ(MAKELONG(0, 4), SendMessageA(hEdit, EM_GETSEL, 0, 0));
-    for (const HWND hWnd : {first.GetHandle(), last.GetHandle(), hEdit}) {
-        PressTab(true);
-        EXPECT_EQ(hWnd, GetFocus());
-    }
     // The last one gets it back.
     SetFocus(top);
     SetFocus(inner);
@@ -276,12 +273,10 @@ TEST(Layout, TabGoesThroughAllThatCanHaveTheFocus)
     PressTab();
     EXPECT_EQ(nullptr, GetFocus());
     // A dialog moves the focus behind the end.
-    const HWND hDialog = CreateWindowA("#32770", "", WS_POPUP | WS_VISIBLE, 0, 0, 99, 99, nullptr,
-                                       nullptr, nullptr, nullptr);
+    const HWND hDialog = MakeStop("#32770", top);
     CLayout within(hDialog, ROW);
     CBox one(within), two(within);
-    const HWND hOther =
-        CreateWindowA("BUTTON", "", SHOWN, 0, 0, 9, 9, hDialog, nullptr, nullptr, nullptr);
+    const HWND hOther = MakeStop("BUTTON", hDialog);
     SetFocus(one);
     for (const HWND hWnd : {two.GetHandle(), hOther, one.GetHandle()}) {
         MSG key = {GetFocus(), WM_KEYDOWN, VK_TAB, 0, 0, {}};
@@ -289,7 +284,6 @@ TEST(Layout, TabGoesThroughAllThatCanHaveTheFocus)
             IsDialogMessageA(hDialog, &key);
         EXPECT_EQ(hWnd, GetFocus());
     }
-    DestroyWindow(hDialog);
 }
 
 TEST(Layout, ScrollsWhenThereIsNoRoom)
@@ -310,15 +304,16 @@ TEST(Layout, ScrollsWhenThereIsNoRoom)
     EXPECT_EQ(80, ::GetScrollPos(layout, SB_VERT));
     layout.ScrollTo(1000);
     EXPECT_EQ(80, layout.GetScrollPos());
-    SendMessageA(layout, WM_VSCROLL, SB_TOP, 0);
-    EXPECT_EQ(0, layout.GetScrollPos());
-    SendMessageA(layout, WM_VSCROLL, SB_PAGEDOWN, 0);
-    EXPECT_EQ(60, layout.GetScrollPos());
+    const auto scroll = [&](WPARAM nCode) {
+        return SendMessageA(layout, WM_VSCROLL, nCode, 0), layout.GetScrollPos();
+    };
+    EXPECT_EQ(0, scroll(SB_TOP));
+    EXPECT_EQ(60, scroll(SB_PAGEDOWN));
     SendMessageA(*boxes[2], WM_MOUSEWHEEL, MAKEWPARAM(0, WHEEL_DELTA), 0);
     EXPECT_GT(60, layout.GetScrollPos());
-    // Far out windows wait at one place, and come to theirs.
+    // Windows far out wait at one place, and come to theirs.
     boxes[1]->SetFixedSize(0x7000);
-    SendMessageA(layout, WM_VSCROLL, SB_TOP, 0);
+    scroll(SB_TOP);
     EXPECT_EQ("0+20 20+28672 12288+20 ", Along(boxes, false));
     SetFocus(*boxes[0]);
     SetFocus(*boxes[2]);
@@ -443,21 +438,13 @@ TEST(Layout, TenThousandChildrenAndNoneLeakNothing)
     const auto round = [&](int nChildren) {
         CLayout layout(top, COLUMN);
         layout.SetScrolling(true);
-        std::vector<HWND> children;
         CCUIControlWindow::PropData data = {3, 0, 4, 0, 0};
-        for (int i = 0; i < nChildren; ++i) {
-            children.push_back(CreateWindowA("STATIC", "", WS_CHILD | WS_VISIBLE, 0, 0, 1, 1,
-                                             layout, nullptr, nullptr, nullptr));
-            SetPropA(children.back(), g_sControlWindowProp, &data);
-        }
+        HWND hLast = nullptr;
+        for (int i = 0; i < nChildren; ++i)
+            SetPropA(hLast = MakeStop("STATIC", layout), g_sControlWindowProp, &data);
         PumpWaiting();
-        if (!nChildren)
-            return;
         layout.ScrollTo(0x7FFFFFFF);
-        EXPECT_EQ(3 * nChildren - 60, layout.GetScrollPos());
-        RECT rcClient;
-        GetClientRect(layout, &rcClient);
-        EXPECT_EQ(Text("0,57 %ldx3", rcClient.right), Place(children.back()));
+        EXPECT_EQ(nChildren ? 57 : 0, RectOf(hLast).top);
     };
     round(100);
     const int nBefore = GdiCount();

@@ -84,7 +84,7 @@ class CCUILayoutItems;
 /// It paints its background, in its window colour or else the button face's, and clips its
 /// children. Places are in the window's client pixels from the left to the right: a mirrored window
 /// (WS_EX_LAYOUTRTL) is not provided for.
-class CUI_API CCUILayoutWindow : public CCUIControlWindow
+class CCUILayoutWindow : public CCUIControlWindow
 {
 public:
     /// What the layout is made of.
@@ -95,53 +95,53 @@ public:
     };
 
     /// Bound to no window.
-    explicit CCUILayoutWindow(Direction direction = Column);
-    ~CCUILayoutWindow() override;
+    CUI_API explicit CCUILayoutWindow(Direction direction = Column);
+    CUI_API ~CCUILayoutWindow() override;
 
     /// Adds WS_CLIPCHILDREN and WS_EX_CONTROLPARENT.
-    int PreCreate(CREATESTRUCTA *pCreate) override;
+    CUI_API int PreCreate(CREATESTRUCTA *pCreate) override;
     /// Tab also from children that are no control windows.
-    int PreTranslateMessage(MSG *pMsg) override;
+    CUI_API int PreTranslateMessage(MSG *pMsg) override;
 
     // --- Settings; each lays out anew ---
 
-    void SetDirection(Direction direction);
+    CUI_API void SetDirection(Direction direction);
     Direction GetDirection() const { return m_direction; }
     /// Pixels between two children, 0 at first. A splitter is as wide, but at least 6 pixels at 96
     /// dots per inch.
-    void SetGap(int nGap);
+    CUI_API void SetGap(int nGap);
     int GetGap() const { return m_nGap; }
     /// Pixels at the four edges; 0 at first.
-    void SetMargins(const RECT &rcMargins);
+    CUI_API void SetMargins(const RECT &rcMargins);
     const RECT &GetMargins() const { return m_rcMargins; }
     /// Whether the layout has a scroll bar along its direction when there is no room; false at
     /// first. The wheel turns it, and a control that gets the focus is scrolled into view.
-    void SetScrolling(bool bScrolls);
+    CUI_API void SetScrolling(bool bScrolls);
     bool GetScrolling() const { return m_bScrolls; }
 
     // --- Laying out ---
 
     /// Lays out now. Not necessary after what is named above.
-    void Layout();
+    CUI_API void Layout();
     /// While it is suspended a layout does nothing; at the end it makes up for that. Calls nest.
     /// @{
-    void Suspend();
-    void Resume();
+    CUI_API void Suspend();
+    CUI_API void Resume();
     /// @}
     /// The size of the whole window in which all children that are shown have their fixed sizes.
     /// One that has a weight or fills counts with the least. A derived class may answer more, and
     /// tells that it changed by Layout. The parent hears CUI_LAYOUT_CHANGED of a change.
-    virtual SIZE GetMinimumSize();
+    CUI_API virtual SIZE GetMinimumSize();
 
     // --- Scrolling ---
 
     /// How many pixels the children are shifted. What is out of range is put into it.
     /// @{
-    void ScrollTo(int nPos);
+    CUI_API void ScrollTo(int nPos);
     int GetScrollPos() const { return m_nScrollPos; }
     /// @}
     /// Scrolls as little as needed to show a child, or a window inside of one.
-    void ScrollIntoView(HWND hWnd);
+    CUI_API void ScrollIntoView(HWND hWnd);
 
     // --- Splitters ---
 
@@ -151,34 +151,33 @@ public:
     /// splitter, since one of the two is hidden, or the window was not laid out yet.
     /// GetSplit answers -1 then.
     /// @{
-    int GetSplit(HWND hChild) const;
-    bool SetSplit(HWND hChild, int nSize);
+    CUI_API int GetSplit(HWND hChild) const;
+    CUI_API bool SetSplit(HWND hChild, int nSize);
     /// @}
 
 protected:
     /// A splitter is about to give that size to the child in front of it; may be changed. A child
     /// with a weight keeps its fixed size at the least, one with CUI_PLACE_FIT what it answered.
-    virtual void OnSplitting(HWND hChild, int &nSize);
+    CUI_API virtual void OnSplitting(HWND hChild, int &nSize);
     /// A splitter that was moved stays: the mouse has let go of it, or it has lost the focus.
-    virtual void OnSplit(HWND hChild, int nSize);
+    CUI_API virtual void OnSplit(HWND hChild, int nSize);
 
     /// What is said above.
     /// @{
-    long OnMessage(UINT message, WPARAM wParam, LPARAM lParam) override;
-    void OnDestroy() override;
-    void OnSize(UINT nType, int cx, int cy) override;
-    int OnEraseBkgnd(HDC hDC) override;
-    void OnSetFocus(HWND hOld) override;
-    void OnParentNotify(UINT nEvent, UINT nID, LPARAM lParam) override;
-    void OnMouseWheel(UINT nFlags, int nDelta, POINT &point) override;
-    void OnMouseHWheel(UINT nFlags, int nDelta, POINT &point) override;
-    void OnHScroll(UINT nCode, UINT nPos, HWND hScrollBar) override;
-    void OnVScroll(UINT nCode, UINT nPos, HWND hScrollBar) override;
+    CUI_API long OnMessage(UINT message, WPARAM wParam, LPARAM lParam) override;
+    CUI_API void OnDestroy() override;
+    CUI_API void OnSize(UINT nType, int cx, int cy) override;
+    CUI_API int OnEraseBkgnd(HDC hDC) override;
+    CUI_API void OnSetFocus(HWND hOld) override;
+    CUI_API void OnParentNotify(UINT nEvent, UINT nID, LPARAM lParam) override;
+    CUI_API void OnMouseWheel(UINT nFlags, int nDelta, POINT &point) override;
+    CUI_API void OnMouseHWheel(UINT nFlags, int nDelta, POINT &point) override;
+    CUI_API void OnHScroll(UINT nCode, UINT nPos, HWND hScrollBar) override;
+    CUI_API void OnVScroll(UINT nCode, UINT nPos, HWND hScrollBar) override;
     /// @}
 
 private:
     friend class CCUISplitter;
-    class CMover;
 
     bool IsRow() const { return m_direction == Row; }
     void Put(int &nSetting, int nValue);

@@ -79,13 +79,11 @@ LRESULT DialogCode(HWND hWnd)
 
 int CCUILayoutWindow::PreTranslateMessage(MSG *pMsg)
 {
-    if (pMsg->message != WM_KEYDOWN || pMsg->wParam != VK_TAB)
-        return CCUIControlWindow::PreTranslateMessage(pMsg);
     CWatch watch(this);
-    if (MoveFocus(pMsg->hwnd) || watch.IsGone())
+    const bool bTab = pMsg->message == WM_KEYDOWN && pMsg->wParam == VK_TAB;
+    if (bTab && (MoveFocus(pMsg->hwnd) || watch.IsGone()))
         return 1;
-    // Not the base, which would ask the parent once more.
-    return CCUIWindow::PreTranslateMessage(pMsg);
+    return CCUIControlWindow::PreTranslateMessage(pMsg);
 }
 
 // The child that the window is, or is inside of.

@@ -1,18 +1,13 @@
 #include "Layout/LayoutItems.h"
 
 #include "Control/ControlProperty.h"
+#include "Layout/Splitter.h"
 
 namespace {
 
-// The system has 16 bits for a coordinate in many places. It also keeps sums of sizes in range.
-const int LARGEST = 0x7FFF;
 const int LARGEST_SUM = 0x3FFFFFFF;
+// Of a child that is to get its part of the room.
 const int NO_SIZE = -1;
-
-int InRange(int nSize)
-{
-    return nSize < 0 ? 0 : nSize > LARGEST ? LARGEST : nSize;
-}
 
 int Sum(int a, int b)
 {
@@ -52,7 +47,7 @@ CCUILayoutItem *FindIn(CCUArray<CCUILayoutItem> &items, HWND hWnd)
 int OwnSizeAcross(const CCUILayoutItem &item, bool bRow)
 {
     if (item.Has(CUI_PLACE_FIT))
-        return InRange(CUIAcross(bRow, item.natural));
+        return CUIInRange(CUIAcross(bRow, item.natural));
     RECT rect = {};
     GetWindowRect(item.hWnd, &rect);
     return CUIAcross(bRow, CUISizeOf(rect));
@@ -74,6 +69,15 @@ CCUILayoutItem *CCUILayoutItems::NextShown(const CCUILayoutItem &item)
     return nullptr;
 }
 
+void CCUILayoutItems::Abandon(CCUISplitter *&pSplitter)
+{
+    if (!pSplitter)
+        return;
+    pSplitter->m_pNext = m_pOrphan;
+    m_pOrphan = pSplitter;
+    pSplitter = nullptr;
+}
+
 void CCUILayoutItems::Load(HWND hParent)
 {
     // Those that have more to them than can be read.
@@ -91,17 +95,15 @@ void CCUILayoutItems::Load(HWND hParent)
             pKept->pSplitter = nullptr;
         }
         const bool bCounts = PropDataOf(hWnd) != nullptr;
-        if (!bCounts && item.pSplitter)
-            m_orphans.Add(item.pSplitter);
-        if (!bCounts)
+        if (!bCounts) {
+            Abandon(item.pSplitter);
             continue;
+        }
         Reload(item);
         m_items.Add(item);
     }
-    for (int i = 0; i < kept.Count(); ++i) {
-        if (kept[i].pSplitter)
-            m_orphans.Add(kept[i].pSplitter);
-    }
+    for (int i = 0; i < kept.Count(); ++i)
+        Abandon(kept[i].pSplitter);
 }
 
 bool CCUILayoutItems::Reload(CCUILayoutItem &item)
@@ -109,7 +111,7 @@ bool CCUILayoutItems::Reload(CCUILayoutItem &item)
     const CCUIControlWindow::PropData *const pData = PropDataOf(item.hWnd);
     if (!pData)
         return false;
-    const int nFixedSize = InRange(pData->nFixedSize);
+    const int nFixedSize = CUIInRange(pData->nFixedSize);
     const unsigned long nFlags = pData->nLayoutFlags;
     if (ShareOf(nFlags) != ShareOf(item.nFlags))
         item.nShare = ShareOf(nFlags);
@@ -122,17 +124,15 @@ bool CCUILayoutItems::Reload(CCUILayoutItem &item)
 
 void CCUILayoutItems::SetFixedSize(CCUILayoutItem &item, int nSize)
 {
-    item.nFixedSize = InRange(nSize);
+    item.nFixedSize = CUIInRange(nSize);
     if (CCUIControlWindow::PropData *const pData = PropDataOf(item.hWnd))
         pData->nFixedSize = item.nFixedSize;
 }
 
 void CCUILayoutItems::Clear()
 {
-    for (int i = 0; i < Count(); ++i) {
-        if (m_items[i].pSplitter)
-            m_orphans.Add(m_items[i].pSplitter);
-    }
+    for (int i = 0; i < Count(); ++i)
+        Abandon(m_items[i].pSplitter);
     m_items.Empty();
     m_split = {};
 }
@@ -153,7 +153,7 @@ void CCUILayoutItems::Measure(HWND hParent, bool bRow, int nGap, int nSplitter)
         item.nGap = pBefore ? nBetween : 0;
         item.nMin = item.nFixedSize;
         const bool bFits = item.Has(CUI_PLACE_FIT);
-        const int nNatural = bFits ? InRange(CUIAlong(bRow, item.natural)) : 0;
+        const int nNatural = bFits ? CUIInRange(CUIAlong(bRow, item.natural)) : 0;
         if (nNatural > item.nMin)
             item.nMin = nNatural;
         m_size.cx = Sum(Sum(m_size.cx, item.nGap), item.nMin);
@@ -176,7 +176,7 @@ unsigned long long CCUILayoutItems::Freeze(int &nRoom)
             if (m_items[i].bShown && m_items[i].nSize == NO_SIZE)
                 nShares += m_items[i].nShare;
         }
-        const auto nShared = static_cast<unsigned long long>(InRange(nRoom));
+        const auto nShared = static_cast<unsigned long long>(CUIInRange(nRoom));
         bool bFrozen = false;
         for (int i = 0; i < Count(); ++i) {
             CCUILayoutItem &item = m_items[i];
@@ -194,7 +194,6 @@ unsigned long long CCUILayoutItems::Freeze(int &nRoom)
 
 void CCUILayoutItems::Distribute(int nPos, int nRoom)
 {
-    bool bElastic = false;
     for (int i = 0; i < Count(); ++i) {
         CCUILayoutItem &item = m_items[i];
         item.bPlaced = item.bShown;
@@ -203,9 +202,8 @@ void CCUILayoutItems::Distribute(int nPos, int nRoom)
         const bool bIts = item.IsElastic();
         item.nSize = bIts ? NO_SIZE : item.nMin;
         nRoom = Rest(nRoom, item.nGap + (bIts ? 0 : item.nMin));
-        bElastic = bElastic || bIts;
     }
-    const unsigned long long nShares = bElastic ? Freeze(nRoom) : 0;
+    const unsigned long long nShares = Freeze(nRoom);
     // Of the sums rather than of the single parts, so that no pixel is left over.
     unsigned long long nShare = 0;
     int nGiven = 0;
@@ -213,10 +211,10 @@ void CCUILayoutItems::Distribute(int nPos, int nRoom)
         CCUILayoutItem &item = m_items[i];
         if (!item.bShown)
             continue;
-        if (item.nSize == NO_SIZE) {
+        if (nShares && item.nSize == NO_SIZE) {
             nShare += item.nShare;
             const auto nUpTo = static_cast<int>(
-                (nShare * static_cast<unsigned>(InRange(nRoom)) + nShares / 2) / nShares);
+                (nShare * static_cast<unsigned>(CUIInRange(nRoom)) + nShares / 2) / nShares);
             item.nSize = nUpTo - nGiven;
             nGiven = nUpTo;
         }

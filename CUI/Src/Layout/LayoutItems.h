@@ -22,6 +22,12 @@ inline SIZE CUIMakeSize(bool bRow, int nAlong, int nAcross)
     return bRow ? SIZE{nAlong, nAcross} : SIZE{nAcross, nAlong};
 }
 
+// The system has 16 bits for a coordinate in many places; sums of such sizes stay in range too.
+inline int CUIInRange(int nSize)
+{
+    return nSize < 0 ? 0 : nSize > 0x7FFF ? 0x7FFF : nSize;
+}
+
 inline SIZE CUISizeOf(const RECT &rect)
 {
     return {rect.right - rect.left, rect.bottom - rect.top};
@@ -62,7 +68,7 @@ struct CCUISplit
 class CCUILayoutItems
 {
 public:
-    CCUILayoutItems() : m_split(), m_size() {}
+    CCUILayoutItems() : m_pOrphan(nullptr), m_split(), m_size() {}
 
     int Count() const { return m_items.Count(); }
     CCUILayoutItem &operator[](int nIndex) { return m_items[nIndex]; }
@@ -84,8 +90,11 @@ public:
     // Gives each its place along the layout, from nPos on; nRoom pixels are there.
     void Distribute(int nPos, int nRoom);
 
-    // Splitters that nobody needs any more, for the layout to delete.
-    CCUArray<CCUISplitter *> m_orphans;
+    // Takes the splitter from a child that needs none any more.
+    void Abandon(CCUISplitter *&pSplitter);
+
+    // Abandoned ones, in a chain, for the layout to delete: they have windows.
+    CCUISplitter *m_pOrphan;
     CCUISplit m_split;
     SIZE m_size;  // along and across as cx and cy
 

@@ -5,8 +5,6 @@
 
 namespace {
 
-const int LARGEST = 0x7FFF;
-
 int Least(const CCUILayoutItem &item, bool bRow)
 {
     if (item.IsElastic())
@@ -52,9 +50,8 @@ bool CCUILayoutWindow::SetSplit(HWND hChild, int nSize)
     const int nBefore = GetSplit(hChild);
     if (nBefore < 0 || !BeginSplit(hChild))
         return false;
-    const int nWanted = nSize < 0 ? 0 : nSize > LARGEST ? LARGEST : nSize;
     CWatch watch(this);
-    DragSplit(nWanted - nBefore);
+    DragSplit(CUIInRange(nSize) - nBefore);
     if (!watch.IsGone())
         EndSplit(true);
     return true;

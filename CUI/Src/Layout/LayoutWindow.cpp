@@ -3,11 +3,10 @@
 
 #include "CUI/LayoutWindow.h"
 
-#include "Base/Wrap.h"
 #include "CU/Dump.h"
 #include "CUI/Data.h"
 #include "CUI/Draw.h"
-#include "Layout/LayoutItems.h"
+#include "Layout/LayoutMover.h"
 #include "Layout/Splitter.h"
 
 namespace {
@@ -18,28 +17,6 @@ const LPARAM LAYOUT_DUE = 0;
 // A child that changes its size when it is laid out makes for another round. One that never comes
 // to an end does not keep the program.
 const int MOST_ROUNDS = 8;
-
-// Children further out than this many pixels all wait there: scrolling moves those nearby alone,
-// and no coordinate leaves the 16 bits that Windows 95 has for it.
-const int FAR_OUT = 0x3000;
-
-int Positive(int n)
-{
-    return n > 0 ? n : 0;
-}
-
-int InRange(int n)
-{
-    return n > 0x7FFF ? 0x7FFF : Positive(n);
-}
-
-int PlaceInReach(int nPos, int nSize, int nClient)
-{
-    const int nFarthest = nClient > FAR_OUT ? nClient : FAR_OUT;
-    if (nPos > nFarthest)
-        return nFarthest;
-    return nPos + nSize < -FAR_OUT ? -FAR_OUT - nSize : nPos;
-}
 
 }  // namespace
 
@@ -102,15 +79,15 @@ void CCUILayoutWindow::SetDirection(Direction direction)
 
 void CCUILayoutWindow::SetGap(int nGap)
 {
-    Put(m_nGap, InRange(nGap));
+    Put(m_nGap, CUIInRange(nGap));
 }
 
 void CCUILayoutWindow::SetMargins(const RECT &rcMargins)
 {
     if (EqualRect(&rcMargins, &m_rcMargins))
         return;
-    m_rcMargins = {InRange(rcMargins.left), InRange(rcMargins.top), InRange(rcMargins.right),
-                   InRange(rcMargins.bottom)};
+    m_rcMargins = {CUIInRange(rcMargins.left), CUIInRange(rcMargins.top),
+                   CUIInRange(rcMargins.right), CUIInRange(rcMargins.bottom)};
     Layout();
 }
 
@@ -264,10 +241,9 @@ bool CCUILayoutWindow::Refresh()
 bool CCUILayoutWindow::DropOrphans()
 {
     CWatch watch(this);
-    while (!watch.IsGone() && m_pItems->m_orphans.Count()) {
-        CCUArray<CCUISplitter *> &orphans = m_pItems->m_orphans;
-        CCUISplitter *const pSplitter = orphans[orphans.Count() - 1];
-        orphans.Remove(orphans.Count() - 1, 1);
+    while (!watch.IsGone() && m_pItems->m_pOrphan) {
+        CCUISplitter *const pSplitter = m_pItems->m_pOrphan;
+        m_pItems->m_pOrphan = pSplitter->m_pNext;
         pSplitter->Destroy();
         delete pSplitter;
     }
@@ -336,10 +312,8 @@ bool CCUILayoutWindow::MakeSplitters()
         CCUILayoutItem &item = (*m_pItems)[i];
         const bool bWanted =
             item.bShown && item.Has(CUI_PLACE_SPLITTER) && m_pItems->NextShown(item);
-        if (!bWanted && item.pSplitter) {
-            m_pItems->m_orphans.Add(item.pSplitter);
-            item.pSplitter = nullptr;
-        }
+        if (!bWanted)
+            m_pItems->Abandon(item.pSplitter);
         if (bWanted && !item.pSplitter && !MakeSplitter(item.hWnd))
             return false;
         if (i < m_pItems->Count() && (*m_pItems)[i].pSplitter)
@@ -364,138 +338,13 @@ bool CCUILayoutWindow::MakeSplitter(HWND hChild)
     return !watch.IsGone() && m_hWnd;
 }
 
-// --- Moving ---
-
-// Where the children and splitters of a layout stand, and where they are to be.
-class CCUILayoutWindow::CMover
-{
-public:
-    struct CMove
-    {
-        HWND hWnd;
-        RECT rcNow, rect;
-        UINT nFlags;
-    };
-
-    explicit CMover(CCUILayoutWindow &layout)
-        : m_layout(layout),
-          m_items(*layout.m_pItems),
-          m_bRow(layout.IsRow()),
-          m_bBackwards(false),
-          m_origin()
-    {
-        ClientToScreen(layout, &m_origin);
-        GetClientRect(layout, &m_rcClient);
-    }
-
-    int Count() const { return m_items.Count() * 2; }
-
-    // Begins with the last ones if they go outwards, so that none comes to lie on one that is still
-    // to be moved, whose pixels Wine 8 would lose. False: all stand right.
-    bool Begin()
-    {
-        CMove move;
-        int i = Count() - 1;
-        while (i >= 0 && !Get(i, move))
-            --i;
-        m_bBackwards = i >= 0 && move.rcNow.left + move.rcNow.top < move.rect.left + move.rect.top;
-        return i >= 0;
-    }
-
-    // The window nIndex, a child or the splitter behind it. False: it is not to be moved.
-    bool Get(int nIndex, CMove &move) const
-    {
-        if (m_bBackwards)
-            nIndex = Count() - 1 - nIndex;
-        const CCUILayoutItem &item = m_items[nIndex / 2];
-        const bool bSplitter = nIndex % 2 != 0;
-        if (!item.bPlaced || (bSplitter && !item.pSplitter))
-            return false;
-        move.hWnd = bSplitter ? item.pSplitter->GetHandle() : item.hWnd;
-        if (!GetWindowRect(move.hWnd, &move.rcNow))
-            return false;
-        OffsetRect(&move.rcNow, -m_origin.x, -m_origin.y);
-        const CCUILayoutItem *const pNext = bSplitter ? m_items.NextShown(item) : nullptr;
-        move.rect = bSplitter ? Place(item.nPos + item.nSize, pNext ? pNext->nGap : 0, FullAcross())
-                              : Place(item.nPos, item.nSize, Across(item, move.rcNow));
-        const RECT &now = move.rcNow, &then = move.rect;
-        const SIZE sizeNow = CUISizeOf(now), sizeThen = CUISizeOf(then);
-        const bool bMoved = now.left != then.left || now.top != then.top;
-        const bool bSized = sizeNow.cx != sizeThen.cx || sizeNow.cy != sizeThen.cy;
-        move.nFlags = SWP_NOZORDER | SWP_NOOWNERZORDER | SWP_NOACTIVATE |
-                      (bMoved ? 0 : SWP_NOMOVE) | (bSized ? 0 : SWP_NOSIZE);
-        return bMoved || bSized;
-    }
-
-private:
-    struct CRange
-    {
-        int nFrom, nSize;
-    };
-
-    CRange FullAcross() const
-    {
-        const RECT &margins = m_layout.m_rcMargins;
-        const int nBefore = m_bRow ? margins.top : margins.left;
-        const int nBehind = m_bRow ? margins.bottom : margins.right;
-        return {nBefore, Positive(CUIAcross(m_bRow, CUISizeOf(m_rcClient)) - nBefore - nBehind)};
-    }
-
-    CRange Across(const CCUILayoutItem &item, const RECT &rcNow) const
-    {
-        CRange range = FullAcross();
-        if (item.Has(CUI_PLACE_FILL))
-            return range;
-        const SIZE size = item.Has(CUI_PLACE_FIT) ? item.natural : CUISizeOf(rcNow);
-        const int nSize = Positive(CUIAcross(m_bRow, size));
-        // What is too large begins at the edge, so that its beginning is seen.
-        const int nFree = Positive(range.nSize - nSize);
-        if (item.Has(CUI_PLACE_FAR))
-            range.nFrom += nFree;
-        else if (item.Has(CUI_PLACE_CENTER))
-            range.nFrom += nFree / 2;
-        range.nSize = nSize;
-        return range;
-    }
-
-    RECT Place(int nPos, int nSize, const CRange &across) const
-    {
-        nPos = PlaceInReach(nPos - m_layout.m_nScrollPos, nSize,
-                            CUIAlong(m_bRow, CUISizeOf(m_rcClient)));
-        if (m_bRow)
-            return {nPos, across.nFrom, nPos + nSize, across.nFrom + across.nSize};
-        return {across.nFrom, nPos, across.nFrom + across.nSize, nPos + nSize};
-    }
-
-    const CCUILayoutWindow &m_layout;
-    CCUILayoutItems &m_items;
-    const bool m_bRow;
-    bool m_bBackwards;
-    POINT m_origin;
-    RECT m_rcClient;
-};
-
-// All at once. The system gives up when it has no memory, and when one of the windows goes on the
-// way: then what is left is moved one by one.
 bool CCUILayoutWindow::MoveChildren()
 {
-    CMover mover(*this);
-    if (!mover.Begin())
-        return true;
+    CCUILayoutMover mover(m_hWnd, *m_pItems, IsRow(), m_rcMargins, m_nScrollPos);
     CWatch watch(this);
-    CMover::CMove move;
-    HDWP hBatch = BeginDeferWindowPos(mover.Count());
-    for (int i = 0; hBatch && i < mover.Count(); ++i) {
-        if (mover.Get(i, move))
-            hBatch = DeferWindowPos(hBatch, move.hWnd, nullptr, move.rect.left, move.rect.top,
-                                    CUIWidth(move.rect), CUIHeight(move.rect), move.nFlags);
-    }
-    if (hBatch && EndDeferWindowPos(hBatch))
+    if (!mover.Begin() || mover.MoveAll())
         return !watch.IsGone();
-    for (int i = 0; !watch.IsGone() && m_hWnd && i < mover.Count(); ++i) {
-        if (mover.Get(i, move))
-            SetWindowPos(move.hWnd, nullptr, move.rect.left, move.rect.top, CUIWidth(move.rect),
-                         CUIHeight(move.rect), move.nFlags);
-    }
+    for (int i = 0; !watch.IsGone() && m_hWnd && i < mover.Count(); ++i)
+        mover.Move(i);
     return !watch.IsGone();
 }

@@ -26,7 +26,8 @@ DWORD SysColor(int nIndex)
 }  // namespace
 
 CCUISplitter::CCUISplitter(CCUILayoutWindow &layout, HWND hChild)
-    : m_layout(layout),
+    : m_pNext(nullptr),
+      m_layout(layout),
       m_hChild(hChild),
       m_hFocusBefore(nullptr),
       m_state(Idle),

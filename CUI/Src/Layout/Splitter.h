@@ -17,6 +17,8 @@ public:
     // Pixels.
     static int Width();
 
+    CCUISplitter *m_pNext;  // that nobody needs either
+
 protected:
     long OnMessage(UINT message, WPARAM wParam, LPARAM lParam) override;
     void OnDestroy() override;
