@@ -16,7 +16,7 @@ struct CLines
     CLines()
     {
         const RECT rect = {0, 0, 300, 600};
-        m_top.Create(nullptr, "bench", WS_POPUP | WS_VISIBLE, rect, nullptr, 0);
+        m_top.Create(nullptr, "bench", WS_POPUP, rect, nullptr, 0);
         m_layout.Create(nullptr, "", WS_CHILD | WS_VISIBLE, rect, m_top, 0);
         for (int i = 0; i < CHILDREN; ++i) {
             m_children.push_back(std::make_unique<CCUIControlWindow>());

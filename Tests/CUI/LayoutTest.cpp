@@ -418,7 +418,7 @@ TEST(Layout, TenThousandChildrenAndNoneLeakNothing)
         EXPECT_EQ(nChildren ? 57 : 0, RectOf(hLast).top);
     };
     round(0);
-    round(9);
+    round(30);
     const int nBefore = GdiCount();
     round(10000);
     EXPECT_NEAR(nBefore, GdiCount(), 1);

@@ -105,19 +105,28 @@ public:
 
     // --- Settings; each lays out anew ---
 
+    /// Column or row; first what the constructor was told.
+    /// @{
     CUI_API void SetDirection(Direction direction);
     Direction GetDirection() const { return m_direction; }
+    /// @}
     /// Pixels between two children, 0 at first. A splitter is as wide, but at least 6 pixels at 96
     /// dots per inch.
+    /// @{
     CUI_API void SetGap(int nGap);
     int GetGap() const { return m_nGap; }
+    /// @}
     /// Pixels at the four edges; 0 at first.
+    /// @{
     CUI_API void SetMargins(const RECT &rcMargins);
     const RECT &GetMargins() const { return m_rcMargins; }
+    /// @}
     /// Whether the layout has a scroll bar along its direction when there is no room; false at
     /// first. The wheel turns it, and a control that gets the focus is scrolled into view.
+    /// @{
     CUI_API void SetScrolling(bool bScrolls);
     bool GetScrolling() const { return m_bScrolls; }
+    /// @}
 
     // --- Laying out ---
 
