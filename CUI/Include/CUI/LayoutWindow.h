@@ -79,7 +79,7 @@ class CCUILayoutItems;
 /// which a layout has by itself. At its end Tab goes on in the layout around it, begins anew in the
 /// outermost, and in a dialog is left to that. A control that answers WM_GETDLGCODE with
 /// DLGC_WANTTAB keeps it. A layout that gets the focus gives it to the child that had it last, or
-/// to the first.
+/// to the first. What CUI_WM_CHILDFOCUS tells it, it tells its parent too, with the same window.
 ///
 /// It paints its background, in its window colour or else the button face's, and clips its
 /// children. Places are in the window's client pixels from the left to the right: a mirrored window
