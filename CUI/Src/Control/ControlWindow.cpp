@@ -3,13 +3,11 @@
 #include "CU/Assert.h"
 #include "CUI/Data.h"
 #include "CUI/WindowClass.h"
+#include "Control/ControlProperty.h"
 
 #define CU_SOURCE "ControlWindow"
 
 namespace {
-
-// Not g_sControlWindowProp, which may be destroyed before control windows that are globals.
-const char PROPERTY[] = "pzl-ControlWindow";
 
 const int DEFAULT_FIXED_SIZE = 20;
 const unsigned long DEFAULT_LAYOUT_FLAGS = 4;
@@ -31,13 +29,13 @@ void RegisterControlClass()
     windowClass.lpfnWndProc = DefWindowProcA;
     windowClass.hCursor = CUIGetWinData()->hcurArrow;
     windowClass.hbrBackground = reinterpret_cast<HBRUSH>(COLOR_BTNFACE + 1);
-    windowClass.lpszClassName = PROPERTY;
+    windowClass.lpszClassName = CUI_CONTROL_PROPERTY;
     CUIRegisterWindowClass(&windowClass);
 }
 
 }  // namespace
 
-const CCUString g_sControlWindowProp(PROPERTY);
+const CCUString g_sControlWindowProp(CUI_CONTROL_PROPERTY);
 
 CCUIControlWindow::CCUIControlWindow()
     : m_propData{DEFAULT_FIXED_SIZE, CUI_NO_WINDOW_COLOR, DEFAULT_LAYOUT_FLAGS, 0, 0},
@@ -55,15 +53,15 @@ CCUIControlWindow::CCUIControlWindow()
 // window that was detached, nor when the base's destructor destroys the window.
 CCUIControlWindow::~CCUIControlWindow()
 {
-    if (GetPropA(m_hPropertyOwner, PROPERTY) == &m_propData)
-        SetPropA(m_hPropertyOwner, PROPERTY, nullptr);
+    if (GetPropA(m_hPropertyOwner, CUI_CONTROL_PROPERTY) == &m_propData)
+        SetPropA(m_hPropertyOwner, CUI_CONTROL_PROPERTY, nullptr);
 }
 
 int CCUIControlWindow::PreCreate(CREATESTRUCTA *pCreate)
 {
     if (!pCreate->lpszClass) {
         RegisterControlClass();
-        pCreate->lpszClass = PROPERTY;
+        pCreate->lpszClass = CUI_CONTROL_PROPERTY;
     }
     return CCUIWindow::PreCreate(pCreate);
 }
@@ -75,14 +73,14 @@ int CCUIControlWindow::OnCreate(CREATESTRUCTA *pCreate)
     if (nResult == -1 || watch.IsGone())
         return nResult;
     m_hPropertyOwner = m_hWnd;
-    CU_ASSERT_TEXT(SetPropA(m_hWnd, PROPERTY, &m_propData),
+    CU_ASSERT_TEXT(SetPropA(m_hWnd, CUI_CONTROL_PROPERTY, &m_propData),
                    "SetProp(*this, g_sControlWindowProp, (HANDLE)&m_propData)");
     return nResult;
 }
 
 void CCUIControlWindow::OnDestroy()
 {
-    CU_ASSERT_TEXT(SetPropA(m_hWnd, PROPERTY, nullptr),
+    CU_ASSERT_TEXT(SetPropA(m_hWnd, CUI_CONTROL_PROPERTY, nullptr),
                    "SetProp(*this, g_sControlWindowProp, (HANDLE)0)");
     // The object's next window starts as a child.
     m_propData.bFullScreen = 0;
