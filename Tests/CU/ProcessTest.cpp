@@ -5,12 +5,13 @@
 
 #include "CU/Assert.h"
 #include "CU/CU.h"
+#include "CU/DebugSwitch.h"
 #include "CU/Dump.h"
 #include "CU/IDGenerator.h"
 #include "CU/Language.h"
 #include "CU/ThreadExit.h"
+#include "CU/Version.h"
 #include "Support/ChildProcess.h"
-#include "Support/FakeClock.h"
 #include "Support/HeapWatch.h"
 #include "Support/Reports.h"
 #include "Support/TestTimer.h"
@@ -73,7 +74,7 @@ TEST(Process, NumbersAndTheMutexHoldOnManyThreads)
         }
     });
     EXPECT_EQ(4001u, numbers.size());
-    EXPECT_GE(*numbers.begin(), 10000u);
+    EXPECT_EQ(10000u, *numbers.begin());
 }
 
 struct CNotingHandler : CCUThreadExitHandler
@@ -102,7 +103,6 @@ TEST(Process, ThreadsHaveSlotsAndExitHandlersOfTheirOwn)
     EXPECT_NE(nSlot, CUAllocateThreadLocalStorageIndex());
     EXPECT_FALSE(CUSetThreadLocalStorage(-1, nullptr) || CURegisterThreadExitHandler(nullptr));
     std::string logs[8];
-    EXPECT_TRUE(CUSetThreadLocalStorage(nSlot, logs));
     CThreads::Run(8, [&](int nThread) {
         std::string *const pLog = &logs[nThread];
         EXPECT_EQ(nullptr, CUGetThreadLocalStorage(nSlot));
@@ -118,54 +118,14 @@ TEST(Process, ThreadsHaveSlotsAndExitHandlersOfTheirOwn)
     });
     for (const std::string &log : logs)
         EXPECT_EQ("acd", log);
-    EXPECT_EQ(logs, CUGetThreadLocalStorage(nSlot));
     EXPECT_EQ(10, reports.Count("at the end", "Source"));
-}
-
-struct CIdleHandler : CCUThreadExitHandler
-{
-    void OnThreadExit(bool) override {}
-};
-
-DWORD WINAPI Register(void *)
-{
-    CURegisterThreadExitHandler(new CIdleHandler);
-    return 0;
-}
-
-decltype(&GetProcAddress) s_getProcAddress;
-
-// Stands for a thread that waits for the loader's lock, while another one, which has it, registers.
-FARPROC WINAPI LetAnotherThreadRegister(HMODULE hLibrary, const char *name)
-{
-    static bool s_bFirst = true;
-    if (s_bFirst) {
-        s_bFirst = false;
-        const HANDLE hOther = CreateThread(nullptr, 0, Register, nullptr, 0, nullptr);
-        if (WaitForSingleObject(hOther, 5000) != WAIT_OBJECT_0)
-            _exit(1);
-    }
-    return s_getProcAddress(hLibrary, name);
-}
-
-CHILD_PROCESS(FirstHandlers)
-{
-    const CImportHook hook("GetProcAddress", LetAnotherThreadRegister);
-    s_getProcAddress = hook.Original<decltype(GetProcAddress)>();
-    Register(nullptr);
-    _exit(7);
-}
-
-TEST(Process, FirstExitHandlersDoNotWaitForEachOthersLoader)
-{
-    EXPECT_EQ(7u, CChildProcess("FirstHandlers").ExitCode());
 }
 
 std::string g_info;
 
 TEST(Process, InfoHandlersRunByNameOrAll)
 {
-    EXPECT_TRUE(CURegisterProcessInfoHandler("a", [] { g_info += "A"; }));
+    CURegisterProcessInfoHandler("a", [] { g_info += "A"; });
     CURegisterProcessInfoHandler("b", [] {
         g_info += "b";
         CUUnregisterProcessInfoHandler("b");
@@ -175,6 +135,57 @@ TEST(Process, InfoHandlersRunByNameOrAll)
     EXPECT_EQ(2, CURunProcessInfoHandlers());
     EXPECT_EQ(1, CURunProcessInfoHandlers("c") + CURunProcessInfoHandlers("b"));
     EXPECT_EQ("abc", g_info);
+}
+
+TEST(Version, IsTheSystemsAnswer)
+{
+    OSVERSIONINFOA expected = {sizeof expected, 0, 0, 0, 0, ""};
+    ASSERT_TRUE(GetVersionExA(&expected));
+    const CCUVersionInfo version;
+    EXPECT_EQ(expected.dwPlatformId, version.IsWinNT() * 2U + version.IsWin95());
+    EXPECT_EQ(static_cast<int>(expected.dwMajorVersion), version.GetMajor());
+    EXPECT_EQ(static_cast<int>(expected.dwMinorVersion), version.GetMinor());
+}
+
+// Each case is a process of its own; what was looked up first holds in it.
+struct Language : testing::TestWithParam<const char *>
+{
+};
+
+TEST_P(Language, HasTheOffsetOfTheFirstLookUp)
+{
+    const CCUString sName = CCUString(GetParam()).SpanExcluding(" ");
+    const unsigned int nOffset = strtoul(GetParam() + sName.GetLength(), nullptr, 10);
+    CUSetCurrentLanguage("FRENCH");
+    EXPECT_STREQ(CUGetCurrentLanguage(), "french");
+    CUSetCurrentLanguage(sName);
+    EXPECT_EQ(CUGetLocalizedID(120), 120 + nOffset);
+    CUSetCurrentLanguage("");
+    EXPECT_STREQ(CUGetCurrentLanguage(), "english");
+    EXPECT_EQ(CUGetLocalizedID(120), 120 + nOffset);
+}
+
+INSTANTIATE_TEST_SUITE_P(, Language,
+                         testing::Values("English 0", "FRENCH 1000", "spanish 2000", "German 3000",
+                                         "italian 4000", "dutch 5000", "portuguese 6000"));
+
+TEST(DebugSwitch, IsFoundByNameAndSetByTheUserOrTheProgram)
+{
+    const std::pair<const char *, long> cases[] = {
+        {nullptr, 0},
+        {" level = -0x10 ;Level=5x;Levels=5;\\Debug\\Level=5", -16},
+        {";;Level=1;\\debug\\test\\LEVEL=010", 10},
+        {"Level;Other=5", 1}};
+    for (const auto &test : cases) {
+        SetEnvironmentVariableA("CU_DEBUG", test.first);
+        CCUDebugSwitch level("\\Debug\\Test", "Level"), other("\\Debug\\Other", "Level");
+        EXPECT_EQ(test.second, level.Get());
+        level.Set(9);
+        EXPECT_EQ(9, level.Get());
+        EXPECT_EQ(&other, CCUDebugSwitch::Find(nullptr, "level"));
+        EXPECT_EQ(&level, CCUDebugSwitch::Find("\\debug\\test", "Level"));
+    }
+    EXPECT_EQ(nullptr, CCUDebugSwitch::Find(nullptr, "Level"));
 }
 
 // Leaves with alarms armed, due and being served on many threads; notes what runs at the end, and
@@ -192,12 +203,12 @@ struct CLastStatic
 } g_lastStatic;
 
 volatile LONG g_nBusy = 0;
+const CHeapWatch *g_pHeap;
 
 DWORD WINAPI ServeBusyTimers(void *)
 {
     CThreads::Run(6, [](int) {
-        CTestTimer later, due, busy([&] {
-            later.SetAlarm(400);
+        CTestTimer due, busy([&] {
             due.SetAlarm(0);
             InterlockedIncrement(&g_nBusy);
             Sleep(INFINITE);
@@ -214,12 +225,10 @@ void Leave(void (*leave)())
     CUInitialize();
     CUInitialize();
     CURegisterTerminationHandler([] { *g_pOrder += "handler "; });
-    new CHeapWatch;  // overwrites what is given back
+    g_pHeap = new CHeapWatch;  // overwrites what is given back
     CUSetCurrentLanguage("French");
     CUGetLocalizedID(0);
     CUGetWindow();
-    static CTestTimer s_static;
-    s_static.SetAlarm(400);
     CloseHandle(CreateThread(nullptr, 0, ServeBusyTimers, nullptr, 0, nullptr));
     CTestTimer last([&] {
         last.SetAlarm(1);
@@ -243,15 +252,49 @@ CHILD_PROCESS(ExitProcess)
 TEST(Process, EndsInTheMiddleOfEverything)
 {
     const CTemporaryDirectory directory;
-    for (int i = 0; i < 2; ++i) {
-        EXPECT_EQ(6u, CChildProcess("ExitProcess").ExitCode());
-        EXPECT_EQ(i, static_cast<int>(directory.Files("ZELLog-*").size()));
-        EXPECT_EQ(5u, CChildProcess("Exit").ExitCode());
-    }
+    EXPECT_EQ(6u, CChildProcess("ExitProcess").ExitCode());
+    EXPECT_EQ("", directory.Contents("*"));
+    EXPECT_EQ(5u, CChildProcess("Exit").ExitCode());
     const std::string order = "start handler end french1000";
-    const std::string log = directory.Contents("ZELLog-*");
+    const std::string log = directory.Contents("*");
     EXPECT_EQ(order, log.substr(log.size() - order.size()));
-    EXPECT_TRUE(directory.Files("ZELTrace-*").empty());
+}
+
+struct CIdleHandler : CCUThreadExitHandler
+{
+    void OnThreadExit(bool) override {}
+} g_idleHandler;
+
+volatile bool g_bDeleted = false;
+
+void WINAPI NoteDeleted(CRITICAL_SECTION *section)
+{
+    g_bDeleted = g_bDeleted || section->OwningThread != nullptr;
+}
+
+// The system calls slots in their order, so this one's comes behind the framework's.
+void WINAPI AtTheVeryEnd(void *)
+{
+    TerminateProcess(GetCurrentProcess(), g_bDeleted ? 7 : 1);
+}
+
+CHILD_PROCESS(LockedEnd)
+{
+    typedef void WINAPI FlsCallback(void *);
+    const HMODULE hKernel = GetModuleHandleA("kernel32.dll");
+    CURegisterThreadExitHandler(&g_idleHandler);
+    const DWORD nSlot = reinterpret_cast<DWORD(WINAPI *)(FlsCallback *)>(
+        GetProcAddress(hKernel, "FlsAlloc"))(AtTheVeryEnd);
+    reinterpret_cast<BOOL(WINAPI *)(DWORD, void *)>(GetProcAddress(hKernel, "FlsSetValue"))(
+        nSlot, &g_idleHandler);
+    const CImportHook hook("DeleteCriticalSection", NoteDeleted);
+    CUEnterMutex();
+    ExitProcess(2);
+}
+
+TEST(Process, LastThreadDeletesTheLocks)
+{
+    EXPECT_EQ(7u, CChildProcess("LockedEnd").ExitCode());
 }
 
 }  // namespace

@@ -1,20 +1,25 @@
 #include <gtest/gtest.h>
 
 #include "CU/Registry.h"
+#include "Support/FailingCall.h"
+#include "Support/HeapWatch.h"
 
 namespace {
 
-const CCUString s_root = "Software\\CURegistryTest";
-
-bool IsThere(const char *pszKey)
-{
-    return CCURegistry(HKEY_CURRENT_USER, s_root + pszKey).IsOpen();
-}
-
-// A key of the test alone, without what a run that did not come to its end has left.
+// Keys of the test alone, without what a run that did not come to its end has left.
 struct Registry : testing::Test
 {
-    Registry() { CCURegistry(HKEY_CURRENT_USER, nullptr, false).DeleteKey(s_root); }
+    Registry()
+    {
+        for (const HKEY hRoot : {HKEY_CURRENT_USER, HKEY_LOCAL_MACHINE})
+            CCURegistry(hRoot, nullptr, false).DeleteKey(m_root);
+    }
+    bool IsThere(HKEY hRoot, const char *pszKey) const
+    {
+        return CCURegistry(hRoot, m_root + pszKey).IsOpen();
+    }
+    const CCUString m_root =
+        CCUString("Software\\Test") + testing::UnitTest::GetInstance()->current_test_info()->name();
     CCUString m_sText;
 };
 
@@ -22,18 +27,18 @@ struct Registry : testing::Test
 
 TEST_F(Registry, WalksAndRemovesKeys)
 {
-    EXPECT_FALSE(IsThere(""));
+    EXPECT_FALSE(IsThere(HKEY_CURRENT_USER, ""));
     // Read-write makes what is missing.
-    CCURegistry registry(HKEY_CURRENT_USER, s_root, false);
+    CCURegistry registry(HKEY_CURRENT_USER, m_root, false);
     ASSERT_TRUE(registry.Descend("\\a\\b\\"));
     EXPECT_FALSE(registry.Descend("") || registry.Descend(nullptr));
     EXPECT_TRUE(registry.Ascend());
-    EXPECT_STREQ(s_root + "\\a", registry.GetPath());
+    EXPECT_STREQ(m_root + "\\a", registry.GetPath());
     EXPECT_TRUE(registry.GetKeyName(0, m_sText));
     EXPECT_STREQ("b", m_sText);
     EXPECT_FALSE(registry.GetKeyName(1, m_sText) || registry.GetKeyName(-1, m_sText));
     EXPECT_FALSE(registry.DeleteKey("") || registry.DeleteKey("missing"));
-    CCURegistry reader(HKEY_CURRENT_USER, s_root);
+    CCURegistry reader(HKEY_CURRENT_USER, m_root);
     EXPECT_FALSE(reader.Descend("missing") || reader.DeleteKey("a") || reader.SetInt("n", 1));
     EXPECT_TRUE(reader.Descend("a\\b"));
     // Names of any length; up to the root and no further; a key goes with all below it.
@@ -41,16 +46,19 @@ TEST_F(Registry, WalksAndRemovesKeys)
     while (registry.Ascend()) {
     }
     EXPECT_STREQ("", registry.GetPath());
-    EXPECT_TRUE(registry.DeleteKey(s_root));
-    EXPECT_FALSE(IsThere(""));
+    // As on Windows 95, which deletes keys by their names alone.
+    const CFailingCall<FARPROC(HMODULE, const char *)> oldSystem("GetProcAddress");
+    CFailPlan::Start(CFailPlan::ALL);
+    EXPECT_TRUE(registry.DeleteKey(m_root));
+    EXPECT_FALSE(IsThere(HKEY_CURRENT_USER, ""));
 }
 
 TEST_F(Registry, ReadsAndWritesValues)
 {
-    CCURegistry registry(HKEY_CURRENT_USER, s_root, false);
+    CCURegistry registry(HKEY_CURRENT_USER, m_root, false);
     const CCUString sLong('x', 100000);
     EXPECT_TRUE(registry.SetString("s", sLong) && registry.SetInt("n", -5) &&
-                registry.SetBinary("b", "\1\0\2", 3) && registry.SetString(nullptr, "text"));
+                registry.SetBinary("b", "\1\0\2\0", 4) && registry.SetString(nullptr, "text"));
     int nNumber = 7;
     EXPECT_TRUE(registry.GetInt("n", nNumber) && registry.GetString("s", m_sText));
     EXPECT_EQ(-5, nNumber);
@@ -61,12 +69,17 @@ TEST_F(Registry, ReadsAndWritesValues)
     EXPECT_FALSE(registry.GetInt("b", nNumber) || registry.GetInt("s", nNumber));
     EXPECT_EQ(-5, nNumber);
     EXPECT_STREQ("text", m_sText);
-    char read[] = "9999";
-    DWORD nSize = 2;
+    char read[] = "99999";
+    DWORD nSize = 3;
     EXPECT_FALSE(registry.GetBinary("b", read, nSize));
-    EXPECT_EQ(3u, nSize);
+    EXPECT_EQ(4u, nSize);
     EXPECT_TRUE(registry.GetBinary("b", read, nSize));
-    EXPECT_EQ(std::string("\1\0\2\x39", 4), std::string(read, 4));
+    EXPECT_EQ(std::string("\1\0\2\0\x39", 5), std::string(read, 5));
+    // A text that another program has stored without its NUL.
+    const CHeapWatch heap;
+    RegSetValueExA(registry.GetKey(), "s", 0, REG_SZ, reinterpret_cast<const BYTE *>("abcd"), 3);
+    EXPECT_TRUE(registry.GetString("s", m_sText));
+    EXPECT_STREQ("abc", m_sText);
     EXPECT_TRUE(registry.GetValueName(3, m_sText));
     EXPECT_FALSE(registry.GetValueName(4, m_sText));
     EXPECT_TRUE(registry.DeleteValue("n"));
@@ -75,28 +88,20 @@ TEST_F(Registry, ReadsAndWritesValues)
 
 TEST_F(Registry, RemovesALinkAndNotWhatItPointsTo)
 {
-    typedef LONG NTAPI QueryKey(HANDLE, int, void *, ULONG, ULONG *);
-    const auto ntQueryKey =
-        reinterpret_cast<QueryKey *>(GetProcAddress(GetModuleHandleA("ntdll.dll"), "NtQueryKey"));
-    const CCURegistry target(HKEY_CURRENT_USER, s_root + "\\target", false);
-    CCURegistry registry(HKEY_CURRENT_USER, s_root + "\\target\\sub", false);
-    EXPECT_TRUE(registry.Open(HKEY_CURRENT_USER, s_root + "\\top", false));
-    // By the name that the system's core has for the target.
-    struct
-    {
-        ULONG m_nBytes;
-        wchar_t m_text[500];
-    } name = {};
-    ULONG nSize = 0;
-    ASSERT_EQ(0, ntQueryKey(target.GetKey(), 3, &name, sizeof name, &nSize));
+    const HKEY hRoot = HKEY_LOCAL_MACHINE;
+    const CCUString sTarget = ("\\Registry\\Machine\\" + m_root + "\\target").ConvertToWide();
+    EXPECT_TRUE(CCURegistry(hRoot, m_root + "\\target\\sub", false).IsOpen());
+    CCURegistry registry(hRoot, m_root + "\\top", false);
     HKEY hLink = nullptr;
     ASSERT_EQ(0, RegCreateKeyExA(registry.GetKey(), "link", 0, nullptr, REG_OPTION_CREATE_LINK,
                                  KEY_WRITE | KEY_CREATE_LINK, nullptr, &hLink, nullptr));
     EXPECT_EQ(0, RegSetValueExW(hLink, L"SymbolicLinkValue", 0, REG_LINK,
-                                reinterpret_cast<BYTE *>(name.m_text), name.m_nBytes));
+                                reinterpret_cast<const BYTE *>(sTarget.GetString()),
+                                static_cast<DWORD>(sTarget.GetLength()) - 2));
     RegCloseKey(hLink);
-    EXPECT_TRUE(IsThere("\\top\\link\\sub"));
+    EXPECT_TRUE(IsThere(hRoot, "\\top\\link\\sub"));
     EXPECT_TRUE(registry.Ascend() && registry.DeleteKey("top"));
-    EXPECT_FALSE(IsThere("\\top"));
-    EXPECT_TRUE(IsThere("\\target\\sub"));
+    EXPECT_FALSE(IsThere(hRoot, "\\top"));
+    EXPECT_TRUE(IsThere(hRoot, "\\target\\sub"));
+    EXPECT_TRUE(CCURegistry(hRoot, nullptr, false).DeleteKey(m_root));
 }

@@ -138,31 +138,22 @@ TEST_F(Timer, AfterShutdownNothingIsArmedOrKilledAndNoDeadObjectIsServed)
     EXPECT_EQ("a@0 b@0 ", m_log);
 }
 
-TEST_F(Timer, SlowAndCrowdedPassesAreTracedOnRequest)
+TEST_F(Timer, SlowTimersAreTracedOnRequest)
 {
-    char szExpected[200];
-    const int cases[][4] = {{0, 1, 5000, 0}, {1, 200, 1000, 0}, {1, 201, 0, 1}, {1, 1, 1001, 1}};
-    for (const auto &test : cases) {
-        CCUDebugSwitch::Find("\\Debug\\Timer", "TimerDebug")->Set(test[0]);
-        std::vector<CTestTimer> timers(static_cast<size_t>(test[1]));
-        timers.back().m_action = [&] { m_clock.Jump(static_cast<DWORD>(test[2])); };
-        for (CTestTimer &timer : timers)
-            timer.SetAlarm(0);
-        m_dumped.m_text.clear();
+    a->m_action = [this] { m_clock.Jump(1001); };
+    for (const int nDebug : {0, 1}) {
+        CCUDebugSwitch::Find("\\Debug\\Timer", "TimerDebug")->Set(nDebug);
+        a->SetAlarm(0);
         m_clock.Pump();
-        sprintf(szExpected, " TimeOut took %d (called at %lu, finished at %lu\n)\nFor object ",
-                test[2], CUGetTime() - static_cast<unsigned long>(test[2]), CUGetTime());
-        EXPECT_EQ(test[3], m_dumped.m_text.find(szExpected) != std::string::npos);
-        EXPECT_EQ(test[3], !m_dumped.m_text.empty());
+        EXPECT_EQ(nDebug != 0, m_dumped.m_text.find("TimeOut took 1001 (") != std::string::npos);
     }
     m_dumped.m_text.clear();
     EXPECT_EQ(2, CURunProcessInfoHandlers("timertask") + CURunProcessInfoHandlers("timertask"));
-    sprintf(szExpected, "#timers:404  max:5000  vtbl:%08x\n#timers:0  max:0  vtbl:00000000\n",
-            *reinterpret_cast<unsigned *>(a.get()));
-    EXPECT_EQ(szExpected, m_dumped.m_text);
+    EXPECT_EQ(0u, m_dumped.m_text.find("#timers:3  max:1001  vtbl:"));
+    EXPECT_NE(std::string::npos, m_dumped.m_text.find("\n#timers:0  max:0  vtbl:00000000\n"));
 }
 
-TEST_F(Timer, OutlivesLostMessagesAndForeignHands)
+TEST_F(Timer, OutlivesLostMessages)
 {
     // It has fired but its message has not been served: the message goes.
     a->SetAlarm(100);
@@ -173,20 +164,11 @@ TEST_F(Timer, OutlivesLostMessagesAndForeignHands)
     // No timer is to be had, or the window is destroyed: the next arming tries again.
     m_clock.m_bFailing = true;
     a->SetAlarm(100);
-    EXPECT_EQ("CUTimerTask: >>>> Failed to set timer (100) <<<<\n", m_dumped.m_text);
     DestroyWindow(TimerTaskWindow());
     m_clock.m_bFailing = false;
     a->SetAlarm(10);
     m_clock.Run(1000);
     EXPECT_EQ("a@110 ", m_log);
-    // Armed on a thread that ends before its list is used again; reported and counted down.
-    b->SetAlarm(1000);
-    CThreads::Run(1, [&](int) {
-        c->SetAlarm(1000);
-        m_pTask->KillAlarm(c.get());
-    });
-    EXPECT_EQ(0u, m_pTask->GetListLength());  // b is in the list all the same
-    EXPECT_EQ(1, m_reports.Count("0", "TimerTask"));
 }
 
 TEST(TimerTask, FirstHalfSecondAsksForNoTimerBehindTheStartTick)
@@ -198,8 +180,7 @@ TEST(TimerTask, FirstHalfSecondAsksForNoTimerBehindTheStartTick)
     soon.SetAlarm(500);
     soon.KillAlarm();
     clock.Jump(300);
-    while (clock.m_delays.size() < 2)  // the window timer, in real time
-        Sleep(1), clock.Pump();
+    SendMessageA(TimerTaskWindow(), WM_TIMER, 1, 0);
     EXPECT_EQ((std::vector<UINT>{500, 201}), clock.m_delays);
     EXPECT_FALSE(KillTimer(TimerTaskWindow(), 1));  // it fires once
     // A thread that ends kills its timer or lets it run out.

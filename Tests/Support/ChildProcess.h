@@ -3,7 +3,9 @@
 #include <stdlib.h>
 #include <string.h>
 
-#include "Support/Process.h"
+#include <string>
+
+#include "CU/Platform.h"
 #include "Support/ThreadBirths.h"
 
 // A part that this test program plays as another process, with the environment (and so the
@@ -11,12 +13,38 @@
 //     CHILD_PROCESS(Crash) { *static_cast<volatile int *>(nullptr) = 0; }
 //     EXPECT_EQ(0xC0000005, CChildProcess("Crash").ExitCode());
 // It runs while global objects are constructed, and ends with exit(0).
-class CChildProcess : public CProcess
+class CChildProcess
 {
 public:
-    explicit CChildProcess(const char *part) : CProcess(CommandLine(part))
+    explicit CChildProcess(const char *part)
     {
+        char szProgram[MAX_PATH];
+        GetModuleFileNameA(nullptr, szProgram, MAX_PATH);
+        STARTUPINFOA startup = {};
+        startup.cb = sizeof startup;
+        SetEnvironmentVariableA("TEST_PART", part);
+        CreateProcessA(szProgram, nullptr, nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup,
+                       &m_process);
         SetEnvironmentVariableA("TEST_PART", nullptr);
+    }
+    ~CChildProcess()
+    {
+        CloseHandle(m_process.hThread);
+        CloseHandle(m_process.hProcess);
+    }
+    CChildProcess(const CChildProcess &) = delete;
+    CChildProcess &operator=(const CChildProcess &) = delete;
+
+    DWORD Id() const { return m_process.dwProcessId; }
+    // Waits for the end, and makes one for a process that hangs.
+    DWORD ExitCode() const
+    {
+        DWORD nCode = STILL_ACTIVE;
+        if (WaitForSingleObject(m_process.hProcess, 120000) == WAIT_TIMEOUT)
+            TerminateProcess(m_process.hProcess, WAIT_TIMEOUT);
+        WaitForSingleObject(m_process.hProcess, INFINITE);
+        GetExitCodeProcess(m_process.hProcess, &nCode);
+        return nCode;
     }
     template <typename F>
     static bool Play(const char *part, F play)
@@ -31,13 +59,7 @@ public:
     }
 
 private:
-    static std::string CommandLine(const char *part)
-    {
-        SetEnvironmentVariableA("TEST_PART", part);
-        char szProgram[MAX_PATH];
-        GetModuleFileNameA(nullptr, szProgram, MAX_PATH);
-        return std::string("\"") + szProgram + "\"";
-    }
+    PROCESS_INFORMATION m_process = {};
 };
 
 #define CHILD_PROCESS(part)                                               \

@@ -2,6 +2,38 @@
 
 #include "CU/Platform.h"
 
+// All that threads share without a lock goes by this header: what is read and written here, what is
+// changed in one step by the system's Interlocked functions.
+
+// Whoever reads a value sees all that its writer has written before. On this processor both are
+// plain moves; the compiler keeps their order. Always inline: a call would be longer than the move.
+template <typename T>
+__attribute__((always_inline)) inline T CULoadAcquire(const volatile T &place)
+{
+    return __atomic_load_n(&place, __ATOMIC_ACQUIRE);
+}
+template <typename T>
+__attribute__((always_inline)) inline void CUStoreRelease(volatile T &place, T value)
+{
+    __atomic_store_n(&place, value, __ATOMIC_RELEASE);
+}
+
+// A word that is written by one thread at a time and read by all: no plain access slips in.
+template <typename T>
+class CCUAtomic
+{
+public:
+    constexpr explicit CCUAtomic(T value = T()) : m_value(value) {}
+    CCUAtomic(const CCUAtomic &) = delete;
+    CCUAtomic &operator=(const CCUAtomic &) = delete;
+
+    __attribute__((always_inline)) T Get() const { return CULoadAcquire(m_value); }
+    __attribute__((always_inline)) void Set(T value) { CUStoreRelease(m_value, value); }
+
+private:
+    T m_value;
+};
+
 enum CUOnceState : LONG
 {
     CUOnceUntouched,
@@ -30,7 +62,7 @@ template <typename F>
 inline void CUOnce(volatile LONG &nState, F make)
 {
     // What `make` has written is read after this.
-    if (__atomic_load_n(&nState, __ATOMIC_ACQUIRE) == CUOnceDone || !CUBeginOnce(nState))
+    if (CULoadAcquire(nState) == CUOnceDone || !CUBeginOnce(nState))
         return;
     make();
     InterlockedExchange(&nState, CUOnceDone);

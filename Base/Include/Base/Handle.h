@@ -56,19 +56,15 @@ struct CCUObjectTraits
 typedef CCUHandle<CCUObjectTraits> CCUObjectHandle;
 
 // Files: CreateFile answers INVALID_HANDLE_VALUE for none.
-struct CCUFileTraits
+struct CCUFileTraits : CCUObjectTraits
 {
-    typedef HANDLE Handle;
     static Handle None() { return INVALID_HANDLE_VALUE; }
-    static void Close(Handle h) { CloseHandle(h); }
 };
 typedef CCUHandle<CCUFileTraits> CCUFileHandle;
 
 // Searches of a folder, by FindFirstFile.
-struct CCUFindTraits
+struct CCUFindTraits : CCUFileTraits
 {
-    typedef HANDLE Handle;
-    static Handle None() { return INVALID_HANDLE_VALUE; }
     static void Close(Handle h) { FindClose(h); }
 };
 typedef CCUHandle<CCUFindTraits> CCUFindHandle;

@@ -78,7 +78,7 @@ public:
     ~CCUTryLock()
     {
         if (m_bTaken)
-            __atomic_store_n(&m_nLock, 0, __ATOMIC_RELEASE);
+            CUStoreRelease<LONG>(m_nLock, 0);
     }
     CCUTryLock(const CCUTryLock &) = delete;
     CCUTryLock &operator=(const CCUTryLock &) = delete;

@@ -26,12 +26,12 @@ bool IsHelperWindow(HWND hWnd)
 void CCUIWindow::Hook()
 {
     CUIWindowThread &thread = CUIWindowThread::Current();
-    CU_ASSERT_TEXT(!thread.m_pHookWin, "!s_pHookWin");
+    CU_ASSERT_TEXT(!thread.m_pHookWin.Get(), "!s_pHookWin");
     CU_ASSERT_TEXT(!thread.m_hNextHook, "!s_hNextHook");
     CU_ASSERT(m_hWnd == 0);
     m_hCreated = nullptr;
     thread.Disarm();
-    thread.m_pHookWin = this;
+    thread.m_pHookWin.Set(this);
     thread.m_hNextHook = SetWindowsHookExA(WH_CBT, CreationHookProc, nullptr, GetCurrentThreadId());
     CU_ASSERT_TEXT(thread.m_hNextHook, "s_hNextHook");
 }
@@ -39,7 +39,7 @@ void CCUIWindow::Hook()
 void CCUIWindow::UnHook()
 {
     CUIWindowThread &thread = CUIWindowThread::Current();
-    CU_ASSERT_TEXT(thread.m_pHookWin, "s_pHookWin");
+    CU_ASSERT_TEXT(thread.m_pHookWin.Get(), "s_pHookWin");
     CU_ASSERT_TEXT(thread.m_hNextHook, "s_hNextHook");
     thread.Disarm();
 }
@@ -48,7 +48,7 @@ LRESULT CALLBACK CCUIWindow::CreationHookProc(int nCode, WPARAM wParam, LPARAM l
 {
     const auto hWnd = reinterpret_cast<HWND>(wParam);
     CUIWindowThread &thread = CUIWindowThread::Current();
-    CCUIWindow *pWaiting = nCode == HCBT_CREATEWND ? thread.m_pHookWin.load() : nullptr;
+    CCUIWindow *pWaiting = nCode == HCBT_CREATEWND ? thread.m_pHookWin.Get() : nullptr;
     // An object that has got its window waits no more, though the hook is still armed: this window
     // is made by another hook, to which CallNextHookEx below has passed the creation on.
     if (pWaiting && (pWaiting->m_hCreated || IsHelperWindow(hWnd)))
@@ -58,7 +58,7 @@ LRESULT CALLBACK CCUIWindow::CreationHookProc(int nCode, WPARAM wParam, LPARAM l
         pWaiting->m_hCreated = hWnd;
     }
     const LRESULT result = CallNextHookEx(thread.m_hNextHook, nCode, wParam, lParam);
-    if (pWaiting && thread.m_pHookWin == pWaiting)
+    if (pWaiting && thread.m_pHookWin.Get() == pWaiting)
         pWaiting->UnHook();
     return result;
 }
@@ -121,7 +121,7 @@ bool CCUIWindow::RefusesWindow()
 
 int CCUIWindow::FinishCreation(HWND hWnd)
 {
-    if (CUIWindowThread::Current().m_pHookWin == this)
+    if (CUIWindowThread::Current().m_pHookWin.Get() == this)
         UnHook();
     const bool bBound = hWnd && m_hWnd == hWnd;
     if (bBound) {

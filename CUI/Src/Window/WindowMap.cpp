@@ -18,12 +18,13 @@ CCULazyLock s_lock;
 class CChange
 {
 public:
-    CChange() { ++CUIWindowTable::s_nChanges; }
-    ~CChange() { ++CUIWindowTable::s_nChanges; }
+    CChange() { Count(); }
+    ~CChange() { Count(); }
     CChange(const CChange &) = delete;
     CChange &operator=(const CChange &) = delete;
 
 private:
+    static void Count() { CUIWindowTable::s_nChanges.Set(CUIWindowTable::s_nChanges.Get() + 1); }
     const CUIWindowMapLock m_lock;
 };
 
@@ -36,21 +37,22 @@ CUIWindowSlot &FindSlot(HWND hWnd)
 void Store(CUIWindowSlot &slot, HWND hWnd, uintptr_t nWindow, WNDPROC pOldProc,
            CUIWindowThread *pThread)
 {
-    slot.pThread.store(pThread, std::memory_order_relaxed);
-    slot.pOldProc.store(pOldProc, std::memory_order_relaxed);
-    slot.nWindow.store(nWindow, std::memory_order_release);
-    slot.hWnd.store(hWnd, std::memory_order_release);
+    slot.pThread.Set(pThread);
+    slot.pOldProc.Set(pOldProc);
+    slot.nWindow.Set(nWindow);
+    slot.hWnd.Set(hWnd);
 }
 
 void Copy(CUIWindowSlot &slot, const CUIWindowSlot &from)
 {
-    Store(slot, from.hWnd, from.nWindow, from.pOldProc, from.pThread);
+    Store(slot, from.hWnd.Get(), from.nWindow.Get(), from.pOldProc.Get(), from.pThread.Get());
 }
 
 CUIWindowTable *NewTable(unsigned nBits)
 {
     const unsigned nSlots = 1u << nBits;
-    auto *pTable = new CUIWindowTable{nSlots - 1, 32 - nBits, nullptr, CUIWindowTable::s_pCurrent};
+    auto *pTable =
+        new CUIWindowTable{nSlots - 1, 32 - nBits, nullptr, CUIWindowTable::s_pCurrent.Get()};
     pTable->pSlots = new CUIWindowSlot[nSlots]();
     return pTable;
 }
@@ -62,20 +64,20 @@ void Grow(const CUIWindowTable &old)
     CUIWindowTable *const pNew = NewTable(32 - old.nShift + 1);
     for (unsigned i = 0; i <= old.nMask; ++i) {
         const CUIWindowSlot &slot = old.pSlots[i];
-        if (slot.hWnd)
-            Copy(pNew->FindSlot(slot.hWnd), slot);
+        if (slot.hWnd.Get())
+            Copy(pNew->FindSlot(slot.hWnd.Get()), slot);
     }
-    CUIWindowTable::s_pCurrent.store(pNew, std::memory_order_release);
+    CUIWindowTable::s_pCurrent.Set(pNew);
 }
 
 // Frees the slot. Searches end at a free slot, so each slot further down the run that is found by
 // way of the gap moves up into it, and leaves the next gap.
 void Free(const CUIWindowTable &table, CUIWindowSlot &slot)
 {
-    slot.pThread.load()->Unbind();
+    slot.pThread.Get()->Unbind();
     auto nGap = static_cast<unsigned>(&slot - table.pSlots);
-    for (unsigned i = nGap + 1; table.SlotAt(i).hWnd; ++i) {
-        const unsigned nFirst = table.FirstIndex(table.SlotAt(i).hWnd);
+    for (unsigned i = nGap + 1; table.SlotAt(i).hWnd.Get(); ++i) {
+        const unsigned nFirst = table.FirstIndex(table.SlotAt(i).hWnd.Get());
         const unsigned nFromFirst = (i - nFirst) & table.nMask;
         const bool bSearchPassesGap = nFromFirst >= i - nGap;
         if (!bSearchPassesGap)
@@ -95,15 +97,15 @@ void FreeIf(IsGone isGone)
     for (unsigned i = 0; i <= table.nMask; ++i) {
         CUIWindowSlot &slot = table.pSlots[i];
         // What moved up into the slot may be one of them as well.
-        while (slot.hWnd && isGone(slot))
+        while (slot.hWnd.Get() && isGone(slot))
             Free(table, slot);
     }
 }
 
 }  // namespace
 
-std::atomic<CUIWindowTable *> CUIWindowTable::s_pCurrent(&s_first);
-std::atomic<unsigned> CUIWindowTable::s_nChanges;
+CCUAtomic<CUIWindowTable *> CUIWindowTable::s_pCurrent(&s_first);
+CCUAtomic<unsigned> CUIWindowTable::s_nChanges;
 
 CUIWindowMapLock::CUIWindowMapLock()
 {
@@ -118,16 +120,16 @@ CUIWindowMapLock::~CUIWindowMapLock()
 uintptr_t CUIWindowMapReadLocked(HWND hWnd)
 {
     const CUIWindowMapLock lock;
-    return FindSlot(hWnd).nWindow;
+    return FindSlot(hWnd).nWindow.Get();
 }
 
 bool CUIWindowMapGet(HWND hWnd, CUIWindowBinding &binding)
 {
     const CUIWindowMapLock lock;
     const CUIWindowSlot &slot = FindSlot(hWnd);
-    if (!slot.hWnd)
+    if (!slot.hWnd.Get())
         return false;
-    binding = {CUIWindowSlot::Object(slot.nWindow), slot.pOldProc};
+    binding = {CUIWindowSlot::Object(slot.nWindow.Get()), slot.pOldProc.Get()};
     return true;
 }
 
@@ -137,7 +139,7 @@ void CUIWindowMapSet(HWND hWnd, const CUIWindowBinding &binding)
     {
         const CChange change;
         thread.Bind();
-        CUIWindowThread *const pBefore = FindSlot(hWnd).pThread;
+        CUIWindowThread *const pBefore = FindSlot(hWnd).pThread.Get();
         if (pBefore)
             pBefore->Unbind();
         else if (++s_nUsed > CUIWindowTable::Current().nMask / 2)
@@ -155,7 +157,7 @@ void CUIWindowMapRemove(HWND hWnd)
 {
     const CChange change;
     CUIWindowSlot &slot = FindSlot(hWnd);
-    if (slot.hWnd)
+    if (slot.hWnd.Get())
         Free(CUIWindowTable::Current(), slot);
 }
 
@@ -163,7 +165,7 @@ void CUIWindowMapRemoveDoubted(HWND hWnd, const CCUIWindow *pWindow)
 {
     const CChange change;
     CUIWindowSlot &slot = FindSlot(hWnd);
-    if (slot.nWindow == (reinterpret_cast<uintptr_t>(pWindow) | CUIWindowSlot::DOUBTED))
+    if (slot.nWindow.Get() == (reinterpret_cast<uintptr_t>(pWindow) | CUIWindowSlot::DOUBTED))
         Free(CUIWindowTable::Current(), slot);
 }
 
@@ -171,8 +173,8 @@ static BOOL CALLBACK DoubtChild(HWND hWnd, LPARAM)
 {
     const CChange change;
     CUIWindowSlot &slot = FindSlot(hWnd);
-    if (slot.hWnd)
-        slot.nWindow |= CUIWindowSlot::DOUBTED;
+    if (slot.hWnd.Get())
+        slot.Doubt();
     return TRUE;
 }
 
@@ -185,16 +187,17 @@ void CUIWindowMapDoubt(HWND hWnd)
         EnumChildWindows(hWnd, DoubtChild, 0);
     const CChange change;
     FreeIf([=](CUIWindowSlot &slot) {
-        if (slot.hWnd == hWnd || (bFew && IsChild(hWnd, slot.hWnd)))
-            slot.nWindow |= CUIWindowSlot::DOUBTED;
-        return (slot.nWindow & CUIWindowSlot::DOUBTED) && !IsWindow(slot.hWnd);
+        const HWND hSlot = slot.hWnd.Get();
+        if (hSlot == hWnd || (bFew && IsChild(hWnd, hSlot)))
+            slot.Doubt();
+        return (slot.nWindow.Get() & CUIWindowSlot::DOUBTED) && !IsWindow(hSlot);
     });
 }
 
 void CUIWindowMapRemoveThread(const CUIWindowThread *pThread)
 {
     const CChange change;
-    FreeIf([=](const CUIWindowSlot &slot) { return slot.pThread == pThread; });
+    FreeIf([=](const CUIWindowSlot &slot) { return slot.pThread.Get() == pThread; });
 }
 
 namespace {
@@ -226,7 +229,7 @@ HWND *WindowsToUnload(CUUnloadPhase phase, unsigned &nWindows)
     HWND *const pWindows = new HWND[s_nUsed];
     nWindows = 0;
     for (unsigned i = 0; i <= table.nMask; ++i) {
-        const HWND hWnd = table.pSlots[i].hWnd;
+        const HWND hWnd = table.pSlots[i].hWnd.Get();
         if (hWnd && CUIsUnloadTurn(hWnd, phase))
             pWindows[nWindows++] = hWnd;
     }
@@ -254,8 +257,8 @@ void CUIUnloadWindows(CUUnloadPhase phase)
     if (phase == CUUnloadOthers)
         return;
     CUIWindowThread::DeleteAll();
-    for (CUIWindowTable *pTable; (pTable = CUIWindowTable::s_pCurrent)->pSmaller;) {
-        CUIWindowTable::s_pCurrent = pTable->pSmaller;
+    for (CUIWindowTable *pTable; (pTable = CUIWindowTable::s_pCurrent.Get())->pSmaller;) {
+        CUIWindowTable::s_pCurrent.Set(pTable->pSmaller);
         delete[] pTable->pSlots;
         delete pTable;
     }

@@ -2,8 +2,7 @@
 
 #include <stdint.h>
 
-#include <atomic>
-
+#include "Base/Atomic.h"
 #include "CUI/Window.h"
 
 // From window handle to object for the whole process: asked for every message, so a look-up is a
@@ -30,11 +29,12 @@ struct CUIWindowSlot
     // alone, since nobody else notices that such a window has gone.
     static constexpr uintptr_t DOUBTED = 1;
 
-    std::atomic<HWND> hWnd;
-    std::atomic<uintptr_t> nWindow;  // the object's address, and DOUBTED
-    std::atomic<WNDPROC> pOldProc;
-    std::atomic<CUIWindowThread *> pThread;  // of the window
+    CCUAtomic<HWND> hWnd;
+    CCUAtomic<uintptr_t> nWindow;  // the object's address, and DOUBTED
+    CCUAtomic<WNDPROC> pOldProc;
+    CCUAtomic<CUIWindowThread *> pThread;  // of the window
 
+    void Doubt() { nWindow.Set(nWindow.Get() | DOUBTED); }  // under the lock
     static CCUIWindow *Object(uintptr_t nWindow)
     {
         return reinterpret_cast<CCUIWindow *>(nWindow & ~DOUBTED);
@@ -51,11 +51,11 @@ struct CUIWindowTable
     CUIWindowSlot *pSlots;
     CUIWindowTable *pSmaller;  // that was there before
 
-    static std::atomic<CUIWindowTable *> s_pCurrent;
+    static CCUAtomic<CUIWindowTable *> s_pCurrent;
     // Odd while slots are being changed, so that a reader without the lock knows what it may trust.
-    static std::atomic<unsigned> s_nChanges;
+    static CCUAtomic<unsigned> s_nChanges;
 
-    static const CUIWindowTable &Current() { return *s_pCurrent.load(std::memory_order_acquire); }
+    static const CUIWindowTable &Current() { return *s_pCurrent.Get(); }
     unsigned FirstIndex(HWND hWnd) const
     {
         const auto nHandle = static_cast<uint32_t>(reinterpret_cast<uintptr_t>(hWnd));
@@ -67,7 +67,7 @@ struct CUIWindowTable
     {
         for (unsigned i = FirstIndex(hWnd);; ++i) {
             CUIWindowSlot &slot = SlotAt(i);
-            const HWND hSlot = slot.hWnd.load(std::memory_order_acquire);
+            const HWND hSlot = slot.hWnd.Get();
             if (hSlot == hWnd || !hSlot)
                 return slot;
         }
@@ -85,11 +85,10 @@ inline CCUIWindow *CUIWindowMapFind(HWND hWnd, bool &bDoubted)
     bDoubted = false;
     if (!hWnd)
         return nullptr;
-    const unsigned nChanges = CUIWindowTable::s_nChanges.load(std::memory_order_acquire);
-    uintptr_t nWindow =
-        CUIWindowTable::Current().FindSlot(hWnd).nWindow.load(std::memory_order_acquire);
+    const unsigned nChanges = CUIWindowTable::s_nChanges.Get();
+    uintptr_t nWindow = CUIWindowTable::Current().FindSlot(hWnd).nWindow.Get();
     const bool bChanging = nChanges % 2 != 0;
-    if (bChanging || nChanges != CUIWindowTable::s_nChanges.load(std::memory_order_acquire))
+    if (bChanging || nChanges != CUIWindowTable::s_nChanges.Get())
         nWindow = CUIWindowMapReadLocked(hWnd);
     bDoubted = (nWindow & CUIWindowSlot::DOUBTED) != 0;
     return CUIWindowSlot::Object(nWindow);

@@ -40,7 +40,7 @@ void CUIWindowThread::StopWaiting(const CCUIWindow *pWindow)
 {
     const CUIWindowMapLock lock;
     for (CUIWindowThread *pThread = s_pFirstThread; pThread; pThread = pThread->m_pNext) {
-        if (pThread->m_pHookWin == pWindow)
+        if (pThread->m_pHookWin.Get() == pWindow)
             pThread->Disarm();
     }
 }
@@ -80,7 +80,7 @@ void CUIWindowThread::Disarm()
     if (m_hNextHook)
         UnhookWindowsHookEx(m_hNextHook);
     m_hNextHook = nullptr;
-    m_pHookWin = nullptr;
+    m_pHookWin.Set(nullptr);
 }
 
 void CUIWindowThread::Watch()

@@ -1,7 +1,6 @@
 #pragma once
 
-#include <atomic>
-
+#include "Base/Atomic.h"
 #include "CU/ThreadExit.h"
 #include "CUI/Window.h"
 
@@ -29,8 +28,8 @@ public:
     void Bind() { ++m_nBound; }
     void Unbind();
 
-    std::atomic<CCUIWindow *> m_pHookWin;  // waits for its window
-    HHOOK m_hNextHook;                     // the creation hook
+    CCUAtomic<CCUIWindow *> m_pHookWin;  // waits for its window
+    HHOOK m_hNextHook;                   // the creation hook
 
 private:
     explicit CUIWindowThread(DWORD nThread);

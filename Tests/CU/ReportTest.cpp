@@ -1,0 +1,290 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <string>
+
+#include "../../CU/Src/Report/ReportFile.h"
+#include "CU/Assert.h"
+#include "CU/CrashReport.h"
+#include "CU/StackTrace.h"
+#include "CU/Time.h"
+#include "Support/ChildProcess.h"
+#include "Support/FakeTime.h"
+#include "Support/HeapWatch.h"
+#include "Support/TemporaryDirectory.h"
+#include "Support/Threads.h"
+
+#define CU_SOURCE "AssertTest"
+
+namespace {
+
+void First(FILE *file)
+{
+    fputs("first\n", file);
+}
+
+void Fleeting(FILE *file)
+{
+    fputs("fleeting\n", file);
+    CUUnregisterExceptionHandler(Fleeting);
+}
+
+const int CheckLine = __LINE__ + 3;
+__attribute__((noinline)) int FailTheCheck(int n)
+{
+    return CU_ASSERT(n == 0) + n;
+}
+
+}  // namespace
+
+TEST(Assert, AppendsAReportToTheDaysFile)
+{
+    const CTemporaryDirectory directory;
+    const CFakeTime clock;
+    CFakeTime::s_now = CFakeTime::Local(2020, 1, 1) - 1;
+    CUDisplayAssert("before", "Source", 1);
+    ++CFakeTime::s_now;
+    for (void (*handler)(FILE *) : {Fleeting, First, First})
+        CURegisterExceptionHandler(handler);
+    SetLastError(0xABCD);
+    const int nLine = __LINE__ + 1;
+    EXPECT_EQ(1, FailTheCheck(1));
+    EXPECT_EQ(0xABCDu, GetLastError());
+    EXPECT_NE(std::string::npos,
+              directory.Contents("ZELTrace-2019-12-31.txt").find("Assert:before "));
+    const std::string text = directory.Contents("ZELTrace-2020-01-01.txt");
+    char szText[256];
+    sprintf(szText,
+            "========================================================\r\n%s\r\n"
+            "Assert:n == 0  File:AssertTest  Line:%d  Last Error:abcd\r\n\r\n",
+            static_cast<const char *>(CCUTime().Format("%x %X")), CheckLine);
+    EXPECT_EQ(0u, text.find(szText)) << text;
+    // The stack, the innermost first, with the line of the caller.
+    const size_t nFailed = text.find(".exe FailTheCheck+0x", strlen(szText));
+    sprintf(szText, " ReportTest.cpp(%d)\r\n", CheckLine);
+    const size_t nCheck = text.find(szText, nFailed);
+    sprintf(szText, " ReportTest.cpp(%d)\r\n", nLine);
+    EXPECT_NE(std::string::npos, text.find(szText, nCheck)) << text;
+    EXPECT_NE(std::string::npos, text.find("\r\n\r\nfleeting\r\nfirst\r\nfirst\r\n"));
+    CUUnregisterExceptionHandler(First);
+    CUDisplayAssert("after", "Source", 1);
+    const std::string after = directory.Contents("ZELTrace-2020-01-01.txt");
+    EXPECT_EQ(text.size(), after.find("====", text.size()));
+    EXPECT_STREQ("\r\n\r\nfirst\r\n", after.c_str() + after.size() - 11);
+}
+
+TEST(Assert, ReportsTheFirstTenFailuresOnly)
+{
+    const CTemporaryDirectory directory;
+    static LONG s_nReports = 0;
+    CURegisterExceptionHandler([](FILE *) { InterlockedIncrement(&s_nReports); });
+    // It counts though it cannot be written.
+    CTemporaryDirectory::Set(directory.Path() + "\\missing");
+    EXPECT_EQ(0, CUDisplayAssert("a", "Source", 1));
+    CTemporaryDirectory::Set(directory.Path());
+    CThreads::Run(32, [](int) { CUDisplayAssert("b", "Source", 1); });
+    EXPECT_EQ(9, s_nReports);
+}
+
+TEST(Assert, DatesAReportInTheUsersZone)
+{
+    const CTemporaryDirectory directory;
+    const CFakeTime clock;
+    CFakeTime::s_now = 1594000000;
+    const CFakeCall<DWORD(TIME_ZONE_INFORMATION *)> zone("GetTimeZoneInformation",
+                                                         [](TIME_ZONE_INFORMATION *west) {
+                                                             *west = {};
+                                                             west->Bias = 300;
+                                                             return TIME_ZONE_ID_UNKNOWN;
+                                                         });
+    CUDisplayAssert("a", "Source", 1);
+    EXPECT_NE(std::string::npos, directory.Contents("*").find(CCUTime().Format("%x %X")));
+}
+
+// It may be written with a damaged heap.
+TEST(Assert, ReportsWithoutTheHeap)
+{
+    const CTemporaryDirectory directory;
+    const CHeapWatch heap;
+    int nFlag = 1;
+    const CCUNoRecur running(&nFlag);
+    EXPECT_EQ(0, CHeapWatch::Made());
+    EXPECT_NE(std::string::npos,
+              directory.Contents("*").find("Assert:*m_nFlag == 0  File:Assert  "));
+}
+
+TEST(Assert, PurgingKeepsTheReportsOfTheLastDays)
+{
+    const CTemporaryDirectory directory;
+    const CFakeTime clock;
+    CFakeTime::s_now = CFakeTime::Local(2024, 3, 1, 12);
+    for (const char *date : {"2024-01-30", "2024-01-31", "2024-02-29", "2024-03-01", "2024-03-02"})
+        directory.Make(std::string("ZELTrace-") + date + ".txt");
+    const int cases[][2] = {{0x7FFFFFFF, 0}, {30, 1}, {1, 1}, {0, 1}, {-5, 0}};  // kept, deleted
+    for (const auto &c : cases)
+        EXPECT_EQ(c[1], CUPurgeTraceFiles(c[0])) << c[0];
+    EXPECT_EQ(2u, directory.Files("ZELTrace-*").size());
+    EXPECT_NE(
+        std::string::npos,
+        directory.Contents("ZELLog-*").find("Deleting trace file: ZELTrace-2024-01-30.txt\r\n"));
+}
+
+TEST(StackTrace, WalksAnotherThreadAndLetsItGoOn)
+{
+    const auto start = reinterpret_cast<LPTHREAD_START_ROUTINE>(Sleep);
+    const HANDLE hThread = CreateThread(nullptr, 0, start, nullptr, CREATE_SUSPENDED, nullptr);
+    char szStack[4096];
+    EXPECT_LT(0, CUGetStackTrace(hThread, szStack, sizeof szStack));
+    EXPECT_EQ(nullptr, strstr(szStack, "TestBody")) << "this thread's: " << szStack;
+    EXPECT_EQ(1u, SuspendThread(hThread));
+    TerminateThread(hThread, 0);
+}
+
+TEST(StackTrace, LeavesOutWhatDoesNotFitByWholeLines)
+{
+    char szAll[4096];
+    SetLastError(17);
+    const int nAll = CUGetStackTrace(GetCurrentThread(), szAll, sizeof szAll);
+    EXPECT_EQ(17u, GetLastError());
+    EXPECT_EQ(nAll, std::count(szAll, szAll + strlen(szAll), '\n'));
+    // Around what the first line takes, which differs by the call's place in this function.
+    const size_t nLine = strcspn(szAll, "\n") + 1;
+    for (const size_t nSize : {1u, nLine - 1, nLine, nLine + 1, nLine + 2}) {
+        std::string text(nSize + 1, 'x');
+        const int nLines = CUGetStackTrace(GetCurrentThread(), &text[0], nSize);
+        EXPECT_EQ('x', text[nSize]);
+        EXPECT_EQ(nLines, std::count(text.begin(), text.end(), '\n'));
+    }
+}
+
+namespace {
+
+LONG WINAPI EarlierFilter(EXCEPTION_POINTERS *)
+{
+    return TerminateProcess(GetCurrentProcess(), 77);
+}
+
+// Each crash has its name in the stack, and is the processor's, not a checker's.
+#define CRASH __attribute__((no_sanitize("undefined"))) void
+volatile int s_nZero = 0;
+
+CRASH WriteToNull()
+{
+    *static_cast<volatile int *>(reinterpret_cast<int *>(s_nZero)) = 1;
+}
+
+CRASH CallNull()
+{
+    reinterpret_cast<void (*)()>(s_nZero)();
+}
+
+CRASH RaiseUnknown()
+{
+    RaiseException(0xE1234567, 0, 0, nullptr);
+}
+
+int WINAPI Recurse(volatile int n)
+{
+    volatile char room[4096] = {};
+    return s_nZero ? 0 : Recurse(n + 1) + room[0];
+}
+
+struct CAbstract
+{
+    CAbstract() { CallIt(); }
+    void CallIt() { Pure(); }  // NOLINT(clang-analyzer-cplusplus.PureVirtualCall): the point
+    virtual void Pure() = 0;
+};
+
+struct CConcrete : CAbstract
+{
+    void Pure() override {}
+};
+
+// With a debug-help library that faults, as the system's did on Windows 95. The second overflow
+// needs the guard page that the first one took.
+void OverflowWithFaultyHelp()
+{
+    const CFakeCall<FARPROC(HMODULE, LPCSTR)> find(
+        "GetProcAddress", [&](HMODULE hLibrary, LPCSTR name) {
+            const bool bWalk = !IS_INTRESOURCE(name) && strcmp(name, "StackWalk") == 0;
+            return bWalk ? reinterpret_cast<FARPROC>(Recurse) : find.Original(hLibrary, name);
+        });
+    CUDisplayAssert("a", "Source", 1);
+    Recurse(0);
+}
+
+struct CCase
+{
+    const char *part;
+    DWORD nExitCode;
+    bool bShutdown;
+    const char *exception, *function;
+    void (*crash)();
+};
+const char *const ACCESS = "Exception:EXCEPTION_ACCESS_VIOLATION";
+const CCase s_cases[] = {
+    {"Null", 77, false, ACCESS, "CUTests.exe CallNull+0x", [] { CallNull(); }},
+    {"Stack", 0xC00000FD, true, "Exception:EXCEPTION_STACK_OVERFLOW", "CUTests.exe Recurse+0x",
+     [] { Recurse(0); }},
+    {"Pure", 77, false, "Exception:Pure Virtual Function Call", "CUTests.exe CAbstract::CallIt+0x",
+     [] { const CConcrete object; }},
+    {"Unknown", 77, false, "Exception:Unknown Exception", "CUTests.exe RaiseUnknown+0x",
+     [] { RaiseUnknown(); }},
+    {"Again", 0xE1234567, true, ACCESS, "CUTests.exe WriteToNull+0x",
+     [] { CURegisterExceptionHandler([](FILE *) { RaiseUnknown(); }), WriteToNull(); }},
+    {"Help", 0xC00000FD, true, "Exception:EXCEPTION_STACK_OVERFLOW", "CUTests.exe+0x",
+     OverflowWithFaultyHelp}};
+
+void Play(const CCase &c)
+{
+    CURegisterExceptionHandler([](FILE *file) { fputs("the handler's line\n", file); });
+    SetUnhandledExceptionFilter(EarlierFilter);
+    CUShutdownAfterCrash(c.bShutdown);
+    CUStartExceptionHandler();
+    CUStartExceptionHandler();
+    SetLastError(0x5A5A);
+    c.crash();
+}
+
+// The part that a child plays, and the test of it: the report names what escaped, and the end is
+// left to whoever is to make it. A plain loop: TEST_P is too much for clang without optimisation.
+class CCrashTest : public testing::Test
+{
+public:
+    explicit CCrashTest(const CCase &c) : m_case(c) {}
+    void TestBody() override
+    {
+        const CTemporaryDirectory directory;
+        EXPECT_EQ(m_case.nExitCode, CChildProcess(m_case.part).ExitCode());
+        const std::string text = directory.Contents("ZELTrace-*");
+        // Free memory belongs to nobody.
+        EXPECT_EQ(std::string::npos, text.find("\n00000000 ")) << text;
+        size_t n = 0;
+        for (const char *part :
+             {"====\r\n", m_case.exception, "  Code:", "Last Error:5a5a\r\n",
+              "\r\nEAX:", "\r\nEIP:", m_case.function, "\r\nthe handler's line\r\n"})
+        {
+            n = text.find(part, n);
+            ASSERT_NE(std::string::npos, n) << part << "\n" << text;
+        }
+        // From the crash to main.
+        EXPECT_LT(4,
+                  std::count(text.c_str() + text.find("\r\nEIP:"), text.c_str() + text.size(), '+'))
+            << text;
+    }
+
+private:
+    const CCase &m_case;
+};
+
+const bool s_bRegistered = [] {
+    for (const CCase &c : s_cases) {
+        CChildProcess::Play(c.part, [&c] { Play(c); });
+        testing::RegisterTest("CrashReport", c.part, nullptr, nullptr, __FILE__, __LINE__,
+                              [&c] { return new CCrashTest(c); });
+    }
+    return true;
+}();
+
+}  // namespace
