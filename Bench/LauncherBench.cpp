@@ -1,32 +1,15 @@
 #include "AutoRunDlg.h"
 #include "Bench.h"
 #include "PlainLauncher.h"
+#include "ProgramStart.h"
 
 namespace {
 
-// Seconds from the creation of the process until it waits for input, its window painted.
 double TimeStart(const char *path)
 {
-    char commandLine[MAX_PATH];
-    lstrcpynA(commandLine, path, MAX_PATH);
-    STARTUPINFOA startup = {};
-    startup.cb = sizeof startup;
-    PROCESS_INFORMATION process;
-    const double start = BenchNow();
-    if (!CreateProcessA(nullptr, commandLine, nullptr, nullptr, FALSE, 0, nullptr, nullptr,
-                        &startup, &process))
-    {
-        fprintf(stderr, "cannot start %s\n", path);
-        exit(1);
-    }
-    WaitForInputIdle(process.hProcess, INFINITE);
-    const double took = BenchNow() - start;
-    PostMessageA(FindWindowA("#32770", "Fennick Setup"), WM_COMMAND, IDCANCEL, 0);
-    if (WaitForSingleObject(process.hProcess, 60000) != WAIT_OBJECT_0)
-        TerminateProcess(process.hProcess, 1);
-    CloseHandle(process.hThread);
-    CloseHandle(process.hProcess);
-    return took;
+    return TimeProgramStart(path, [] {
+        PostMessageA(FindWindowA("#32770", "Fennick Setup"), WM_COMMAND, IDCANCEL, 0);
+    });
 }
 
 // The bytes of a program's file less those of its resources.

@@ -16,6 +16,7 @@ install(FILES ${CMAKE_CURRENT_BINARY_DIR}/AutoRunConfigVersion.cmake DESTINATION
 
 set(doc_dir share/doc/AutoRun)
 install(FILES Docs/Framework.md DESTINATION ${doc_dir} RENAME README.md)
-install(FILES Docs/menu.png DESTINATION ${doc_dir})
-install(FILES Docs/layout.png DESTINATION ${doc_dir})
-install(DIRECTORY Samples/Hello DESTINATION ${doc_dir})
+file(GLOB doc_pictures Docs/*.png)
+list(FILTER doc_pictures EXCLUDE REGEX launcher)
+install(FILES ${doc_pictures} DESTINATION ${doc_dir})
+install(DIRECTORY Samples/Hello Samples/Frame DESTINATION ${doc_dir})

@@ -38,11 +38,13 @@ class Package(unittest.TestCase):
     def test_program(self):
         """The page leads to programs that work."""
         page = (self.tree / "share/doc/AutoRun/README.md").read_text()
-        for file in (self.tree / "share/doc/AutoRun/Hello").iterdir():
+        samples = self.tree / "share/doc/AutoRun"
+        for file in (*(samples / "Hello").iterdir(), samples / "Frame/Notes.cpp"):
             self.assertIn("\n" + file.read_text() + "```", page, file.name)
         for file in filter(pathlib.Path.is_file, self.tree.rglob("*")):
             self.assertNotIn(str(ROOT).encode(), file.read_bytes(), file)
-        output_of("bash", "-ec", re.search("```sh\n(.*?)```", page, re.DOTALL)[1], cwd=self.folder)
+        commands = re.search("```sh\n(.*?)```", page, re.DOTALL)[1]
+        output_of("bash", "-ec", commands, cwd=self.folder)
         rules = (self.folder / "build/build.ninja").read_text()
         self.assertIn("DEFINES = -DWINVER=0x0400 -D_WIN32_WINNT=0x0400\n", rules)
         self.assertEqual([], re.findall(r"\s-(?:W(?!l)|f|O|m)\S+", rules), "options of the product")
@@ -64,13 +66,22 @@ class Package(unittest.TestCase):
         self.assertEqual(["Counter: 1", "Counter: 2", "Counter: 0"],
                          self.output_after("Commands", press).splitlines())
 
-    def output_after(self, name, act):
+        def close_modified(window):
+            wait_for(lambda: xdotool("getwindowfocus").strip() == window, "the focus")
+            xdotool("key", "--delay", 100, "x", "F11", "Escape", "alt+f", "x")
+            wait_for(lambda: windows("Notes"), "the question")
+            xdotool("key", "n")
+        (self.folder / "build").rename(self.folder / "first build")
+        output_of("bash", "-ec", commands.replace("Hello", "Frame"), cwd=self.folder)
+        self.output_after("Notes", close_modified, "Untitled.txt - Notes")
+
+    def output_after(self, name, act, caption=None):
         """What the program writes until it ends by itself, while `act` works on its window."""
         with tempfile.TemporaryFile("w+") as output:
             program = subprocess.Popen(["wine", self.folder / f"build/{name}.exe"], stdout=output)
             self.addCleanup(program.wait)
             self.addCleanup(program.kill)
-            act(wait_for(lambda: windows(name), "the window").pop())
+            act(wait_for(lambda: windows(caption or name), "the window").pop())
             self.assertEqual(0, program.wait(60))
             output.seek(0)
             return output.read()

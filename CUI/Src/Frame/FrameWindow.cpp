@@ -1,0 +1,406 @@
+// The frame: its life, what is inside and where, menu and keys, title, focus, its end.
+
+#include "CUI/FrameWindow.h"
+
+#include "Base/Array.h"
+#include "CU/Assert.h"
+#include "CUI/CommandHandler.h"
+#include "CUI/CommandMap.h"
+#include "CUI/Data.h"
+#include "CUI/RecentFiles.h"
+#include "CUI/WindowClass.h"
+#include "Frame/FrameDocks.h"
+#include "Frame/Paths.h"
+
+#define CU_SOURCE "FrameWindow"
+
+namespace {
+
+// Children that change their size again and again while they are laid out come to no end.
+const int MOST_PASSES = 4;
+// Of commands with handlers; below are those of dialogs and the system.
+const UINT FIRST_COMMAND = 1000;
+const UINT MENU_CLOSED = 0xFFFF;
+
+CCUIFrameWindow *s_pMainFrame;
+
+bool IsKey(UINT message)
+{
+    return message >= WM_KEYFIRST && message <= WM_KEYLAST;
+}
+
+bool CanFocus(HWND hFrame, HWND hWnd)
+{
+    return hWnd && IsChild(hFrame, hWnd) && IsWindowVisible(hWnd) && IsWindowEnabled(hWnd);
+}
+
+// The help text of a menu's item; "" where it has none.
+CCUString HelpOf(UINT nItem, UINT nFlags)
+{
+    const bool bCommand = !(nFlags & (MF_POPUP | MF_SYSMENU | MF_SEPARATOR));
+    CCUICommandHandler *const pHandler =
+        bCommand && nItem >= FIRST_COMMAND ? CCUICommandMap::Lookup(nItem) : nullptr;
+    return pHandler ? pHandler->GetLongTT(nItem) : CCUString();
+}
+
+}  // namespace
+
+CCUIFrameWindow::CCUIFrameWindow()
+    : m_pDocks(new CCUIFrameDocks),
+      m_pRecentFiles(nullptr),
+      m_before(),
+      m_nStyleBefore(0),
+      m_hMenuBefore(nullptr),
+      m_hFocus(nullptr),
+      m_bModified(false),
+      m_bFullScreen(false),
+      m_bAsking(false),
+      m_bLayingOut(false),
+      m_bLayOutAgain(false)
+{
+    RouteCommands(true);
+}
+
+// The base destroys the window, if there still is one, without this class's hearing of it.
+CCUIFrameWindow::~CCUIFrameWindow()
+{
+    End();
+    if (m_pRecentFiles)
+        m_pRecentFiles->m_pFrame = nullptr;
+    delete m_pDocks;
+}
+
+// --- Beginning and end ---
+
+int CCUIFrameWindow::CreateFrame(const char *pszProgram)
+{
+    return CreateEx(0, nullptr, pszProgram, WS_OVERLAPPEDWINDOW, CW_USEDEFAULT, CW_USEDEFAULT,
+                    CW_USEDEFAULT, CW_USEDEFAULT, nullptr, nullptr);
+}
+
+int CCUIFrameWindow::PreCreate(CREATESTRUCTA *pCreate)
+{
+    if (!pCreate->lpszClass) {
+        CU_ASSERT_TEXT(CUIWindowClassRegister(CUI_CLASS_FRAMEWINDOW),
+                       "CUIWindowClassRegister(CUI_CLASS_FRAMEWINDOW)");
+        pCreate->lpszClass = CUIWindowClassName(CUI_CLASS_FRAMEWINDOW);
+    }
+    pCreate->style |= WS_CLIPCHILDREN;
+    return CCUIWindow::PreCreate(pCreate);
+}
+
+int CCUIFrameWindow::OnCreate(CREATESTRUCTA *pCreate)
+{
+    if (!CUIResourceName::IsID(pCreate->lpszName))
+        m_sProgram = pCreate->lpszName;
+    if (!m_sDocument.IsEmpty())
+        UpdateTitle();
+    return CCUIWindow::OnCreate(pCreate);
+}
+
+// Not in OnCreate: a creation that fails must not end the program.
+void CCUIFrameWindow::PostCreate()
+{
+    if (!s_pMainFrame)
+        MakeMainFrame();
+}
+
+CCUIFrameWindow *CCUIFrameWindow::GetMainFrame()
+{
+    return s_pMainFrame;
+}
+
+void CCUIFrameWindow::MakeMainFrame()
+{
+    s_pMainFrame = this;
+}
+
+void CCUIFrameWindow::OnDestroy()
+{
+    End();
+    CCUIWindow::OnDestroy();
+}
+
+// What is due when the window goes. The object may get another one.
+void CCUIFrameWindow::End()
+{
+    if (Exist())
+        KeepPlacement();
+    if (m_hMenuBefore)
+        DestroyMenu(m_hMenuBefore);
+    m_hMenuBefore = nullptr;
+    m_bFullScreen = false;
+    m_hFocus = nullptr;
+    if (s_pMainFrame == this) {
+        s_pMainFrame = nullptr;
+        PostQuitMessage(0);
+    }
+}
+
+bool CCUIFrameWindow::QueryClose()
+{
+    return true;
+}
+
+// Asks once at a time: while a question is open nothing has been decided.
+bool CCUIFrameWindow::Ask()
+{
+    if (m_bAsking)
+        return false;
+    CWatch watch(this);
+    m_bAsking = true;
+    const bool bMayClose = QueryClose();
+    if (watch.IsGone())
+        return false;
+    m_bAsking = false;
+    return bMayClose;
+}
+
+void CCUIFrameWindow::OnClose()
+{
+    // A dialog of the frame is open, and must be answered first.
+    if (!IsWindowEnabled(m_hWnd)) {
+        BringToFront();
+        return;
+    }
+    if (Ask())
+        Destroy();
+}
+
+int CCUIFrameWindow::OnQueryEndSession(UINT)
+{
+    return Ask();
+}
+
+// The process may be ended before the window is destroyed.
+void CCUIFrameWindow::OnEndSession(int bEnding, UINT nReason)
+{
+    if (bEnding)
+        KeepPlacement();
+    CCUIWindow::OnEndSession(bEnding, nReason);
+}
+
+// --- Menu and keys ---
+
+HMENU CCUIFrameWindow::GetMenu() const
+{
+    return m_bFullScreen ? m_hMenuBefore : ::GetMenu(m_hWnd);
+}
+
+int CCUIFrameWindow::SetMenu(HMENU hMenu)
+{
+    if (!Exist())
+        return 0;
+    const HMENU hOld = GetMenu();
+    if (m_bFullScreen)
+        m_hMenuBefore = hMenu;
+    else if (!::SetMenu(m_hWnd, hMenu))
+        return 0;
+    if (hOld && hOld != hMenu)
+        DestroyMenu(hOld);
+    return 1;
+}
+
+int CCUIFrameWindow::SetMenu(HINSTANCE hInstance, const char *name)
+{
+    const HMENU hMenu = LoadMenuA(hInstance, name);
+    if (!hMenu)
+        return 0;
+    if (SetMenu(hMenu))
+        return 1;
+    DestroyMenu(hMenu);
+    return 0;
+}
+
+int CCUIFrameWindow::SetAccelerators(HINSTANCE hInstance, const char *name)
+{
+    // Not to be destroyed: it is the system's, as all resources are.
+    const HACCEL hTable = LoadAcceleratorsA(hInstance, name);
+    const int nCount = hTable ? CopyAcceleratorTableA(hTable, nullptr, 0) : 0;
+    if (nCount <= 0)
+        return 0;
+    auto *const pKeys = new ACCEL[static_cast<unsigned int>(nCount)];
+    CopyAcceleratorTableA(hTable, pKeys, nCount);
+    const int bSet = SetAccelerators(pKeys, nCount);
+    delete[] pKeys;
+    return bSet;
+}
+
+int CCUIFrameWindow::PreTranslateMessage(MSG *pMsg)
+{
+    if (!IsKey(pMsg->message))
+        return CCUIWindow::PreTranslateMessage(pMsg);
+    // Keys of a dialog that the frame waits for come by as well, on their way up.
+    if (!IsWindowEnabled(m_hWnd))
+        return 0;
+    CWatch watch(this);
+    if (CCUIWindow::PreTranslateMessage(pMsg) || watch.IsGone())
+        return 1;
+    const bool bEscape = pMsg->message == WM_KEYDOWN && pMsg->wParam == VK_ESCAPE;
+    const bool bOwn = pMsg->hwnd == m_hWnd || IsChild(m_hWnd, pMsg->hwnd);
+    if (!bEscape || !bOwn || !m_bFullScreen)
+        return 0;
+    SetFullScreen(false);
+    return 1;
+}
+
+void CCUIFrameWindow::OnInitMenuPopup(HMENU hMenu, UINT nIndex, int bSystemMenu)
+{
+    if (m_pRecentFiles && !bSystemMenu)
+        m_pRecentFiles->FillMenu(hMenu);
+    CCUIWindow::OnInitMenuPopup(hMenu, nIndex, bSystemMenu);
+}
+
+void CCUIFrameWindow::OnMenuSelect(UINT nItem, UINT nFlags, HMENU hMenu)
+{
+    CWatch watch(this);
+    if (m_pDocks->GetHelp()) {
+        const bool bClosed = nFlags == MENU_CLOSED && !hMenu;
+        const CCUString sHelp = bClosed ? CCUString() : HelpOf(nItem, nFlags);
+        // The handler may have changed what there is.
+        CCUIHelpText *const pHelp = watch.IsGone() ? nullptr : m_pDocks->GetHelp();
+        if (pHelp && bClosed)
+            pHelp->ClearHelp();
+        else if (pHelp)
+            pHelp->ShowHelp(sHelp);
+    }
+    if (!watch.IsGone() && m_hWnd)
+        CCUIWindow::OnMenuSelect(nItem, nFlags, hMenu);
+}
+
+// --- What is inside ---
+
+int CCUIFrameWindow::AddBar(CCUIControlWindow *pBar, Side side)
+{
+    return AddBar(pBar, side, nullptr);
+}
+
+int CCUIFrameWindow::AddBar(CCUIControlWindow *pBar, Side side, SideOf *pSideOf)
+{
+    if (!pBar || !CCUIFrameDocks::IsIn(m_hWnd, *pBar))
+        return 0;
+    m_pDocks->AddBar(pBar, side, pSideOf);
+    Layout();
+    return 1;
+}
+
+void CCUIFrameWindow::RemoveBar(CCUIControlWindow *pBar)
+{
+    if (pBar && m_pDocks->Remove(*pBar))
+        Layout();
+}
+
+void CCUIFrameWindow::SetStatusBar(CCUIControlWindow *pStatusBar, CCUIHelpText *pHelp)
+{
+    m_pDocks->SetStatusBar(pStatusBar, pHelp);
+    Layout();
+}
+
+void CCUIFrameWindow::SetClient(CCUIWindow *pClient)
+{
+    CWatch watch(this);
+    m_pDocks->SetClient(pClient);
+    Layout();
+    if (!watch.IsGone() && m_hWnd && GetFocus() == m_hWnd)
+        FocusClient();
+}
+
+void CCUIFrameWindow::FocusClient()
+{
+    const HWND hClient = m_pDocks->GetClient();
+    if (CanFocus(m_hWnd, hClient))
+        SetFocus(hClient);
+}
+
+void CCUIFrameWindow::Layout()
+{
+    m_bLayOutAgain = true;
+    if (m_bLayingOut || !m_hWnd || IsIconic(m_hWnd))
+        return;
+    CWatch watch(this);
+    m_bLayingOut = true;
+    for (int i = 0; m_hWnd && m_bLayOutAgain && i < MOST_PASSES; ++i) {
+        m_bLayOutAgain = false;
+        CCUIMoveBatch moves;
+        m_pDocks->Plan(m_hWnd, moves);
+        moves.Perform();
+        if (watch.IsGone())
+            return;
+    }
+    m_bLayingOut = false;
+}
+
+void CCUIFrameWindow::OnSize(UINT nType, int cx, int cy)
+{
+    CWatch watch(this);
+    Layout();
+    if (!watch.IsGone() && m_hWnd)
+        CCUIWindow::OnSize(nType, cx, cy);
+}
+
+long CCUIFrameWindow::OnMessage(UINT message, WPARAM wParam, LPARAM lParam)
+{
+    if (message != CUI_WM_LAYOUT)
+        return CCUIWindow::OnMessage(message, wParam, lParam);
+    Layout();
+    return 0;
+}
+
+void CCUIFrameWindow::OnParentNotify(UINT nEvent, UINT nID, LPARAM lParam)
+{
+    CWatch watch(this);
+    if (nEvent == WM_DESTROY && m_pDocks->Remove(reinterpret_cast<HWND>(lParam)))
+        Layout();
+    if (!watch.IsGone() && m_hWnd)
+        CCUIWindow::OnParentNotify(nEvent, nID, lParam);
+}
+
+// --- Title ---
+
+void CCUIFrameWindow::SetDocument(const char *pszPath)
+{
+    m_sDocument = pszPath;
+    UpdateTitle();
+}
+
+void CCUIFrameWindow::SetModified(bool bModified)
+{
+    if (bModified == m_bModified)
+        return;
+    m_bModified = bModified;
+    UpdateTitle();
+}
+
+void CCUIFrameWindow::UpdateTitle()
+{
+    if (!m_hWnd)
+        return;
+    CCUString sTitle = CUIFileName(m_sDocument);
+    if (sTitle.IsEmpty())
+        sTitle = m_sProgram;
+    else
+        sTitle = sTitle + (m_bModified ? "* - " : " - ") + m_sProgram;
+    SetWindowTextA(m_hWnd, sTitle);
+}
+
+// --- Focus ---
+
+void CCUIFrameWindow::OnActivate(UINT nState, UINT nMinimized, HWND hOther)
+{
+    if (nState == WA_INACTIVE) {
+        const HWND hFocus = GetFocus();
+        m_hFocus = IsChild(m_hWnd, hFocus) ? hFocus : nullptr;
+    }
+    CCUIWindow::OnActivate(nState, nMinimized, hOther);
+}
+
+void CCUIFrameWindow::OnSetFocus(HWND hOld)
+{
+    const HWND hBefore = m_hFocus;
+    m_hFocus = nullptr;
+    const HWND hFocus = CanFocus(m_hWnd, hBefore) ? hBefore : m_pDocks->GetClient();
+    if (CanFocus(m_hWnd, hFocus))
+        SetFocus(hFocus);
+    else
+        CCUIWindow::OnSetFocus(hOld);
+}

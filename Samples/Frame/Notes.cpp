@@ -1,0 +1,103 @@
+// An editor for small texts: drop one, or name it in the command line.
+
+#include "CU/File.h"
+#include "CUI/CommandHandler.h"
+#include "CUI/FrameWindow.h"
+#include "CUI/RecentFiles.h"
+#include "CUI/SingleInstance.h"
+#include "Resource.h"
+
+class CNotes : public CCUIFrameWindow, private CCUICommandHandler
+{
+public:
+    CNotes() : CCUICommandHandler(ID_FIRST, ID_COMMANDS), m_recent(this, ID_RECENT) {}
+
+    void OnOpenFile(const CCUString &sPath) override
+    {
+        CCUFile file;
+        if (!QueryClose() || !file.Open(sPath, CCUFile::modeRead))
+            return;
+        CCUString sText;
+        const unsigned nLength = file.GetLength();
+        sText.ReleaseBuffer(static_cast<int>(file.Read(sText.GetBuffer(nLength), nLength)));
+        SetWindowTextA(m_edit, sText);
+        m_recent.Add(sPath);
+        SetDocument(sPath);
+        SetModified(false);
+    }
+
+protected:
+    int OnCreate(CREATESTRUCTA *pCreate) override
+    {
+        const HINSTANCE hInstance = GetModuleHandle(nullptr);
+        m_edit.Create("EDIT", "", WS_CHILD | WS_VISIBLE | WS_VSCROLL | ES_MULTILINE, {}, *this, 1);
+        SetClient(&m_edit);
+        SetMenu(hInstance, MAKEINTRESOURCE(IDR_NOTES));
+        SetAccelerators(hInstance, MAKEINTRESOURCE(IDR_NOTES));
+        AcceptFiles(true);
+        SetDocument("Untitled.txt");
+        return CCUIFrameWindow::OnCreate(pCreate);
+    }
+
+    void OnCommand(UINT nCode, UINT nID, HWND hControl) override
+    {
+        if (nCode == EN_CHANGE && hControl == m_edit)
+            SetModified(true);
+        else
+            CCUIFrameWindow::OnCommand(nCode, nID, hControl);
+    }
+
+    bool QueryClose() override
+    {
+        const int nAnswer = IsModified() ? MessageBoxA(*this, "Save the text?", "Notes",
+                                                       MB_YESNOCANCEL | MB_ICONQUESTION)
+                                         : IDNO;
+        return nAnswer == IDNO || (nAnswer == IDYES && Save());
+    }
+
+private:
+    void HandleCommand(unsigned nID) override
+    {
+        if (nID == ID_SAVE)
+            Save();
+        else if (nID == ID_FULL_SCREEN)
+            SetFullScreen(!IsFullScreen());
+        else
+            SendMessageA(*this, WM_CLOSE, 0, 0);
+    }
+    unsigned short GetState(unsigned nID) override
+    {
+        return nID == ID_SAVE && !IsModified() ? 0 : CUI_COMMAND_ACTIVE;
+    }
+
+    bool Save()
+    {
+        CCUFile file;
+        CCUString sText;
+        const int nLength = GetWindowTextLengthA(m_edit);
+        GetWindowTextA(m_edit, sText.GetBuffer(nLength), nLength + 1);
+        sText.ReleaseBuffer();
+        if (!file.Open(GetDocument(), CCUFile::modeWrite | CCUFile::modeCreate))
+            return false;
+        file.Write(sText, static_cast<unsigned>(nLength));
+        m_recent.Add(GetDocument());
+        SetModified(false);
+        return true;
+    }
+
+    CCUIWindow m_edit;
+    CCUIRecentFiles m_recent;
+};
+
+int WINAPI WinMain(HINSTANCE, HINSTANCE, LPSTR, int nShow)
+{
+    CCUISingleInstance instance;
+    if (instance.Start("Notes") == CCUISingleInstance::HandedOver)
+        return 0;
+    CNotes notes;
+    if (!notes.CreateFrame("Notes"))
+        return 1;
+    notes.ShowKept("Frame", nShow);
+    notes.OnCommandLine(GetCommandLineA(), "");
+    return CCUIWindow::RunLoop();
+}

@@ -1,0 +1,9 @@
+#define IDR_NOTES 100
+
+#define ID_FIRST 1000
+#define ID_SAVE 1000
+#define ID_FULL_SCREEN 1001
+#define ID_EXIT 1002
+#define ID_COMMANDS 3
+
+#define ID_RECENT 1100

@@ -1,0 +1,354 @@
+// A frame, its children and what the user and the system do to it.
+#include "CUI/CommandHandler.h"
+#include "CUI/Data.h"
+#include "CUI/WindowClass.h"
+#include "FrameFixture.h"
+#include "Support/FailingCall.h"
+#include "Support/GdiCount.h"
+#include "Support/HeapWatch.h"
+#include "Support/Reports.h"
+
+namespace {
+
+class CBar : public CScripted<CCUIControlWindow>, public CCUIHelpText
+{
+public:
+    CBar(HWND hFrame, int nSize, DWORD style = WS_VISIBLE)
+    {
+        SetFixedSize(nSize);
+        Create(nullptr, "", style | WS_CHILD, {0, 0, 1, 1}, hFrame, 1);
+        m_on[WM_WINDOWPOSCHANGING] = [this] { return ++m_nMoves, Default(); };
+    }
+    ~CBar() override { m_on.clear(), Destroy(); }
+    void ShowHelp(const CCUString &sText) override { m_help += Text("[%s]", sText.GetString()); }
+    void ClearHelp() override { m_help += "clear"; }
+
+    int GetSide() const { return m_nSide; }
+
+    int m_nMoves = 0, m_nSide = CCUIFrameWindow::SideLeft;
+    std::string m_help;
+};
+
+class CCommand final : public CCUICommandHandler
+{
+public:
+    CCommand() : CCUICommandHandler(1700, 1) {}
+    void HandleCommand(unsigned int) override { ++m_nDone; }
+    CCUString GetLongTT(unsigned int) override { return "Opens a file"; }
+    int m_nDone = 0;
+};
+
+// A window's place, in its parent's client pixels or on the screen.
+std::string PlaceOf(HWND hWnd)
+{
+    RECT rc = {};
+    GetWindowRect(hWnd, &rc);
+    if (GetWindowLongA(hWnd, GWL_STYLE) & WS_CHILD)
+        MapWindowPoints(nullptr, GetParent(hWnd), reinterpret_cast<POINT *>(&rc), 2);
+    return Text("%ld,%ld,%ld,%ld", rc.left, rc.top, rc.right, rc.bottom);
+}
+
+// What strips of these thicknesses leave of the frame's client area.
+std::string Rest(HWND hFrame, LONG left, LONG top, LONG right, LONG bottom)
+{
+    RECT rc;
+    GetClientRect(hFrame, &rc);
+    return Text("%ld,%ld,%ld,%ld", left, top, rc.right - right, rc.bottom - bottom);
+}
+
+// With all that a frame can have.
+class CFullFrame : public CTestFrame
+{
+public:
+    CFullFrame()
+    {
+        AddBar(&m_bar, SideTop);
+        SetStatusBar(&m_status);
+        SetClient(&m_client);
+        SetMenu(GetModuleHandleA(nullptr), MAKEINTRESOURCEA(700));
+        SetAccelerators(GetModuleHandleA(nullptr), MAKEINTRESOURCEA(700));
+    }
+    CBar m_bar{*this, 20}, m_status{*this, 10}, m_client{*this, 0};
+};
+
+void PressKey(HWND hWnd, WPARAM nKey)
+{
+    MSG msg = {hWnd, WM_KEYDOWN, nKey, 1, 0, {}};
+    CCUIWindow::PerformPreTranslation(&msg);
+}
+
+}  // namespace
+
+TEST(FrameWindow, PutsBarsAroundItsClientAndMovesOnlyWhatStandsWrong)
+{
+    CTestWindow stranger;
+    CTestFrame frame;
+    CBar top(frame, 30), hidden(frame, 10, 0), left(frame, 40), right(frame, 7), below(frame, 5),
+        status(frame, 20), client(frame, 0), elsewhere(stranger, 5);
+    EXPECT_EQ(1, frame.AddBar(&top, CCUIFrameWindow::SideTop));
+    EXPECT_EQ(0, frame.AddBar(&elsewhere, CCUIFrameWindow::SideTop));
+    frame.AddBar(&hidden, CCUIFrameWindow::SideTop);
+    frame.AddBar(&left, CCUIFrameWindow::SideLeft);
+    frame.AddBar(&right, CCUIFrameWindow::SideRight);
+    frame.AddBar(&below, CCUIFrameWindow::SideBottom);
+    frame.SetStatusBar(&status, nullptr);
+    frame.SetClient(&client);
+    RECT rc;
+    GetClientRect(frame, &rc);
+    EXPECT_EQ(Text("0,%ld,%ld,%ld", rc.bottom - 20, rc.right, rc.bottom), PlaceOf(status));
+    EXPECT_EQ(Text("40,%ld,%ld,%ld", rc.bottom - 25, rc.right - 7, rc.bottom - 20), PlaceOf(below));
+    const CFailingCall<HDWP(int)> begin("BeginDeferWindowPos");
+    const struct
+    {
+        const char *what;
+        std::function<void()> act;
+        LONG nLeft, nTop;
+        const char *moves;  // of client and top
+    } steps[] = {
+        {"again", [&] { frame.Layout(); }, 40, 30, "0 0"},
+        {"wider", [&] { left.SetFixedSize(50); }, 50, 30, "1 0"},
+        {"shown", [&] { ShowWindow(hidden, SW_SHOWNA), PumpWaiting(); }, 50, 40, "1 0"},
+        {"no step", [&] { CFailPlan::Start(1), MoveWindow(frame, 0, 0, 500, 350, FALSE); }, 50, 40,
+         "1 1"},
+        {"destroyed", [&] { hidden.Destroy(); }, 50, 30, "1 0"},
+        {"other side", [&] { frame.AddBar(&left, CCUIFrameWindow::SideTop); }, 0, 80, "1 0"},
+        {"its own side", [&] { frame.AddBar(&left); }, 50, 30, "1 0"},
+        {"removed", [&] { frame.RemoveBar(&left); }, 0, 30, "1 0"},
+    };
+    for (const auto &step : steps) {
+        client.m_nMoves = top.m_nMoves = 0;
+        step.act();
+        EXPECT_EQ(Rest(frame, step.nLeft, step.nTop, 7, 25), PlaceOf(client)) << step.what;
+        EXPECT_EQ(step.moves, Text("%d %d", client.m_nMoves, top.m_nMoves)) << step.what;
+    }
+    top.SetFixedSize(5000);
+    GetClientRect(client, &rc);
+    EXPECT_EQ(0, rc.bottom) << "no room";
+    // Without end, were there no limit.
+    int nSizes = 0;
+    below.m_on[WM_SIZE] = [&] { return below.SetFixedSize(5 + ++nSizes % 2), 0; };
+    top.SetFixedSize(30);
+    EXPECT_LE(nSizes, 8);
+}
+
+TEST(FrameWindow, SurvivesWhateverGoesMeanwhileAndAClassThatTheSystemRefuses)
+{
+    CReports reports;
+    auto frame = std::make_unique<CTestFrame>();
+    auto bar = std::make_unique<CBar>(*frame, 20), client = std::make_unique<CBar>(*frame, 0),
+         detached = std::make_unique<CBar>(*frame, 30);
+    frame->AddBar(bar.get(), CCUIFrameWindow::SideTop);
+    frame->SetStatusBar(bar.get(), bar.get());
+    frame->SetClient(client.get());
+    frame->AddBar(detached.get(), CCUIFrameWindow::SideTop);
+    detached->Detach();
+    detached.reset();
+    bar.reset();
+    EXPECT_EQ(Rest(*frame, 0, 0, 0, 0), PlaceOf(*client));
+    SendMessageA(*frame, WM_MENUSELECT, MAKEWPARAM(1700, 0), 1);
+    client->m_on[WM_SIZE] = [&] { return frame.reset(), 0; };
+    MoveWindow(*frame, 0, 0, 300, 200, FALSE);
+    EXPECT_FALSE(frame || client->Exist());
+    for (const UINT message : {0x10U, 0x11U}) {  // WM_CLOSE, WM_QUERYENDSESSION
+        frame = std::make_unique<CTestFrame>();
+        frame->m_onQuery = [&] { return frame.reset(), true; };
+        SendMessageA(*frame, message, 0, 0);
+    }
+    EXPECT_EQ(0, reports.Total());
+    UnregisterClassA("pzl-FrameWindow", GetModuleHandleA(nullptr));
+    g_nRegisteredClasses = 0;
+    const CFakeCall<ATOM(const WNDCLASSA *)> refuse("RegisterClassA", [](auto) { return 0; });
+    EXPECT_EQ("CUIWindowClassRegister(CUI_CLASS_FRAMEWINDOW)",
+              reports.Of("FrameWindow", [] { EXPECT_FALSE(CTestFrame().Exist()); }));
+    g_nRegisteredClasses = 0;
+}
+
+TEST(FrameWindow, NamesDocumentAndProgramInItsTitle)
+{
+    CTestFrame frame;
+    const char *const rows[][2] = {{"C:\\a.b\\Letter.txt", "Letter.txt - Program"},
+                                   {"d:x", "x* - Program"},
+                                   {"Untitled", "Untitled - Program"},
+                                   {"", "Program"}};
+    for (const auto &row : rows) {
+        frame.SetDocument(row[0]);
+        frame.SetModified((&row - rows) % 2);
+        char szTitle[256] = "";
+        GetWindowTextA(frame, szTitle, sizeof szTitle);
+        EXPECT_STREQ(row[1], szTitle);
+    }
+}
+
+TEST(FrameWindow, ClosesWhenAskedAndTheMainFrameEndsTheProgram)
+{
+    CTestFrame main, other;
+    EnableWindow(other, FALSE);
+    SendMessageA(other, WM_CLOSE, 0, 0);
+    EXPECT_EQ("", other.m_asked) << "disabled";
+    EnableWindow(other, TRUE);
+    other.m_onQuery = [&] { return SendMessageA(other, WM_QUERYENDSESSION, 0, 0) != 0; };
+    SendMessageA(other, WM_CLOSE, 0, 0);
+    EXPECT_EQ("close?", other.m_asked) << "not while it is asked";
+    EXPECT_TRUE(other.Exist());
+    other.m_onQuery = main.m_onQuery;
+    EXPECT_EQ(1, SendMessageA(other, WM_QUERYENDSESSION, 0, 0));
+    SendMessageA(other, WM_CLOSE, 0, 0);
+    EXPECT_FALSE(other.Exist() || CTestFrame::TakeQuit());
+    SendMessageA(main, WM_CLOSE, 0, 0);
+    EXPECT_TRUE(CTestFrame::TakeQuit());
+    CScripted<CCUIFrameWindow> failing;
+    failing.m_on[WM_CREATE] = [] { return -1; };
+    EXPECT_FALSE(failing.CreateFrame("x") || CTestFrame::TakeQuit());
+}
+
+TEST(FrameWindow, KeepsItsPlaceAndFindsAScreenForIt)
+{
+    const CTestSettings settings;
+    RECT work;
+    SystemParametersInfoA(SPI_GETWORKAREA, 0, &work, 0);
+    const int nDpi = CUIGetWinData()->cyPixelsPerInch;
+    const std::string dpi = Text(",%d", nDpi), half = Text(",%d", nDpi / 2);
+    const LONG r = work.right, b = work.bottom;
+    const struct
+    {
+        std::string kept, place;
+        bool bMaximized;
+        int nShow;
+    } rows[] = {
+        {"100,90,400,290,0" + dpi, "100,90,400,290", false, SW_SHOWNORMAL},
+        {"100,90,400,290,1" + dpi, "100,90,400,290", true, SW_SHOWDEFAULT},
+        {"100,90,400,290,1" + dpi, "100,90,400,290", true, SW_SHOWMINIMIZED},
+        {"100,90,400,290,0" + dpi, "100,90,400,290", true, SW_SHOWMAXIMIZED},
+        {"100,90,250,190,0" + half, "100,90,400,290", false, SW_SHOWNORMAL},
+        {"-200,90,100,290,0" + dpi, "-200,90,100,290", false, SW_SHOWNORMAL},
+        {"-290,90,10,290,0" + dpi, "0,90,300,290", false, SW_SHOWNORMAL},
+        {"5000,-30,19000,9000,0" + dpi, Text("0,0,%ld,%ld", r, b), false, SW_SHOWNORMAL},
+        {"1,2,3,4", "40,50,440,350", false, SW_SHOWNORMAL},
+        {"100,90,90,290,0" + dpi, "40,50,440,350", false, SW_SHOWNORMAL},
+        {"100,90,400,290,0,0", "40,50,440,350", false, SW_SHOWNORMAL},
+    };
+    for (const auto &row : rows) {
+        CTestSettings::Set("Placement", row.kept);
+        CTestFrame frame;
+        frame.ShowKept("Test", row.nShow);
+        EXPECT_EQ(row.nShow == SW_SHOWMINIMIZED, IsIconic(frame) != 0);
+        frame.BringToFront();
+        EXPECT_EQ(row.bMaximized, IsZoomed(frame) != 0) << row.kept;
+        EXPECT_TRUE(IsWindowVisible(frame) && (row.bMaximized || row.place == PlaceOf(frame)));
+        SendMessageA(frame, WM_ENDSESSION, TRUE, 0);
+        const std::string kept = row.place + (row.bMaximized ? ",1" : ",0") + dpi;
+        EXPECT_EQ(kept, CTestSettings::Get("Placement"));
+        CTestSettings::Set("Placement", "");
+        frame.Destroy();
+        EXPECT_EQ(kept, CTestSettings::Get("Placement"));
+    }
+}
+
+TEST(FrameWindow, CoversTheScreenAndComesBackAsItWas)
+{
+    const CTestSettings settings;
+    CCommand command;
+    for (const int nMaximized : {0, 1}) {
+        CTestSettings::Set("Placement", Text("100,90,400,290,%d,96", nMaximized));
+        CFullFrame frame;
+        frame.ShowKept("Test");
+        const HMENU hMenu = GetMenu(frame);
+        const auto look = [&] {
+            PumpWaiting();
+            return PlaceOf(frame) + " " + PlaceOf(frame.m_client) +
+                   Text(" %d%d%d %lx", GetMenu(frame) == hMenu, IsWindowVisible(frame.m_bar),
+                        IsWindowVisible(frame.m_status),
+                        GetWindowLongA(frame, GWL_STYLE) & WS_CAPTION);
+        };
+        const std::string before = look();
+        for (const bool bByKey : {false, true}) {
+            EXPECT_EQ(1, frame.SetFullScreen(true));
+            const std::string screen =
+                Text("0,0,%d,%d ", GetSystemMetrics(SM_CXSCREEN), GetSystemMetrics(SM_CYSCREEN));
+            EXPECT_EQ(screen + screen + "000 0", look());
+            PressKey(frame.m_client, VK_F7);
+            bByKey ? PressKey(frame.m_client, VK_ESCAPE) : void(frame.SetFullScreen(false));
+            EXPECT_EQ(before, look());
+        }
+        frame.SetFullScreen(true);
+        EXPECT_EQ(hMenu, frame.GetMenu());
+        frame.Destroy();
+        EXPECT_EQ(Text("100,90,400,290,%d,96", nMaximized), CTestSettings::Get("Placement"));
+        EXPECT_FALSE(IsMenu(hMenu));
+    }
+    EXPECT_EQ(4, command.m_nDone);
+}
+
+TEST(FrameWindow, GivesTheFocusBackToTheChildThatHadIt)
+{
+    CCommand command;
+    CTestWindow other(nullptr, WS_POPUP | WS_VISIBLE);
+    CFullFrame frame;
+    frame.BringToFront();
+    EXPECT_EQ(frame.m_client.GetHandle(), GetFocus());
+    const auto goAndComeBack = [&](bool bShown) {
+        SetForegroundWindow(other);
+        EXPECT_EQ(other.GetHandle(), GetFocus());
+        ShowWindow(frame.m_bar, bShown ? SW_SHOWNA : SW_HIDE);
+        SetForegroundWindow(frame);
+        return GetFocus();
+    };
+    SetFocus(frame.m_bar);
+    EXPECT_EQ(frame.m_bar.GetHandle(), goAndComeBack(true));
+    EXPECT_EQ(frame.m_client.GetHandle(), goAndComeBack(false));
+    EnableWindow(frame, FALSE);
+    PressKey(frame.m_client, VK_F7);
+    EXPECT_EQ(0, command.m_nDone) << "a dialog is open";
+}
+
+TEST(FrameWindow, ShowsTheHelpOfMenuItems)
+{
+    CReports reports;
+    CCommand command;
+    CFullFrame frame;
+    const UINT items[][2] = {{1700, MF_HILITE}, {1700, MF_POPUP}, {999, 0}, {1701, 0}, {0, 0xFFFF}};
+    for (const auto &item : items)
+        SendMessageA(frame, WM_MENUSELECT, MAKEWPARAM(item[0], item[1]), item[1] != 0xFFFF);
+    EXPECT_EQ("[Opens a file][][][]clear", frame.m_status.m_help);
+    EXPECT_EQ(0, reports.Total());
+}
+
+TEST(FrameWindow, OpensWhatIsDroppedAndWhatACommandLineNames)
+{
+    CTestFrame frame;
+    // As the shell sends it: where the names begin, a point, two flags, the names.
+    const std::string longName = "D:\\" + std::string(400, 'n');
+    const std::string drop =
+        "\x14" + std::string(19, 0) + "C:\\one.txt" + std::string(1, 0) + longName;
+    const HGLOBAL hDrop = GlobalAlloc(GHND, drop.size() + 2);
+    memcpy(GlobalLock(hDrop), drop.data(), drop.size());
+    GlobalUnlock(hDrop);
+    SendMessageA(frame, WM_DROPFILES, reinterpret_cast<WPARAM>(hDrop), 0);
+    EXPECT_EQ("C:\\one.txt|" + longName + "|", frame.m_asked);
+    frame.m_asked.clear();
+    frame.OnCommandLine(
+        "\"C:\\my programs\\p.exe\"  \"a b.txt\" /x -y C:\\d\\..\\e.txt\t\\\\s\\t\\f "
+        "\"\" q\"r s\".txt",
+        "C:\\in");
+    EXPECT_EQ("C:\\in\\a b.txt|C:\\e.txt|\\\\s\\t\\f|C:\\in\\qr s.txt|", frame.m_asked);
+}
+
+TEST(FrameWindow, LeavesNothingBehind)
+{
+    const CTestSettings settings;
+    const auto make = [&] {
+        CFullFrame frame;
+        frame.ShowKept("Test", SW_HIDE);
+        frame.SetFullScreen(true);
+    };
+    make();
+    const CHeapWatch heap;
+    make();
+    const auto count = [] { return Text("%d %d", WindowCount(), CHeapWatch::Live()); };
+    const int nGdi = GdiCount();
+    const std::string before = count();
+    for (int i = 0; i < 30; ++i)
+        make();
+    EXPECT_NEAR(nGdi, GdiCount(), 1);
+    EXPECT_EQ(before, count());
+}
