@@ -3,21 +3,18 @@
 
 #include "CU/Time.h"
 #include "Support/MultimediaHook.h"
-#include "Support/PixelMap.h"
 #include "Support/TestWindow.h"
 
 namespace {
 
-// The colour that a brush or a pen draws with.
+// The colour that a brush or a pen is made of, which a screen of few colours may not have.
 COLORREF ColorOf(HGDIOBJ hObject)
 {
-    CTestSurface surface(CPixelMap(9, 1));
-    SelectObject(surface, hObject);
-    if (GetObjectType(hObject) == OBJ_BRUSH)
-        PatBlt(surface, 0, 0, 9, 1, PATCOPY);
-    else
-        LineTo(surface, 9, 0);
-    return surface.Read().At(5, 0);
+    LOGBRUSH brush = {};
+    LOGPEN pen = {};
+    GetObjectA(hObject, sizeof brush, &brush);
+    GetObjectA(hObject, sizeof pen, &pen);
+    return GetObjectType(hObject) == OBJ_BRUSH ? brush.lbColor : pen.lopnColor;
 }
 
 DWORD g_nStamps;
