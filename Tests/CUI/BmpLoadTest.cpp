@@ -185,26 +185,28 @@ TEST_F(BmpLoad, SaysWhatIsMissing)
         EXPECT_FALSE(CUIBmpLoadBitmapPalette(hModule, "none", hPal) || hPal);
         EXPECT_FALSE(CUIBmpLoadBitmap(hModule, "none"));
     }));
-    EXPECT_FALSE(CUIBmpLoad(hModule, "none", nullptr, false, nullptr, nullptr, 0));
     std::vector<BYTE> bytes = CBmpBytes(5, 4, 8).File();
-    const auto read = [&](size_t nSize) {
+    const auto lastByte = [&](size_t nSize) {
         WriteBytes(m_path, std::vector<BYTE>(bytes.begin(), bytes.begin() + int(nSize)));
+        const size_t nBlock = 40 + 1024 + 4 * 8;  // as GDI reads rows
+        free(memset(malloc(nBlock), 1, nBlock));
         BITMAPINFOHEADER *const pbih = CUIBmpDIBFromFile(m_path.c_str());
+        const int nLast = pbih ? reinterpret_cast<BYTE *>(pbih)[nBlock - 1] : -1;
         free(pbih);
-        return pbih != nullptr;
+        return nLast;
     };
-    const size_t nWords = 54 + 1024 + 4 * 6;  // rows aligned to words
-    EXPECT_TRUE(read(nWords));
-    EXPECT_FALSE(read(nWords - 1));
-    EXPECT_FALSE(read(13));
+    const size_t nWords = 54 + 1024 + 4 * 6;  // rows aligned to words: what is missing is black
+    EXPECT_EQ(0, lastByte(nWords));
+    EXPECT_EQ(-1, lastByte(nWords - 1));
+    EXPECT_EQ(-1, lastByte(13));
     bytes[0] = 'C';
-    EXPECT_FALSE(read(nWords));
-    EXPECT_FALSE(CUIBmpDIBFromFile("no such"));
+    EXPECT_EQ(-1, lastByte(nWords));
     EXPECT_FALSE(CUIBmpLoad(nullptr, "no such", nullptr, false, nullptr, nullptr, 0));
+    EXPECT_FALSE(CUIBmpDIBFromFile("no such"));
     const std::string head = "CUIBmpDIBFromFile: ";
     EXPECT_EQ(head + "error reading header for " + m_path + ".\n" + head + m_path +
-                  " is not a bitmap.\n" + head +
-                  "error opening no such.\nError loading bitmap no such.\n",
+                  " is not a bitmap.\nError loading bitmap no such.\n" + head +
+                  "error opening no such.\n",
               m_trace.m_text);
 }
 

@@ -44,9 +44,8 @@ TEST(Data, HoldsTheSystemsMetricsFontsAndCursorsInTheOrderOfTheRecord)
                      GetDeviceCaps(hScreen, LOGPIXELSY), size.cy});
     for (size_t i = 0; i < expected.size(); ++i)
         EXPECT_EQ(expected[i], reinterpret_cast<const LONG *>(pData)[i]) << "field " << i;
-    const char *const cursors[] = {IDC_WAIT, IDC_ARROW, IDC_IBEAM};
-    for (int i = 0; i < 3; ++i)
-        EXPECT_EQ(LoadCursorA(nullptr, cursors[i]), (&pData->hcurWait)[i]);
+    EXPECT_EQ(LoadCursorA(nullptr, IDC_WAIT), pData->hcurWait);
+    EXPECT_EQ(LoadCursorA(nullptr, IDC_IBEAM), pData->hcurIBeam);
     NONCLIENTMETRICSA metrics;
     metrics.cbSize = 340;
     SystemParametersInfoA(SPI_GETNONCLIENTMETRICS, 340, &metrics, 0);

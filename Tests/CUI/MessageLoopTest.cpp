@@ -75,10 +75,9 @@ TEST(MessageLoop, RunsOneIdlePassABurstOfActivity)
     struct CCommand : CCUICommandHandler
     {
         CCommand() : CCUICommandHandler(2000, 1) {}
-        void HandleUpdate(unsigned int) override { ++m_nUpdates; }
+        void HandleUpdate(unsigned) override { ++m_nUpdates; }
         int m_nUpdates = 0;
-    };
-    CCommand command;
+    } command;
     CTestWindow window;
     const UINT nOurs = CURegisterMessageId("test message of ours");
     const UINT active[] = {0x0117, 0x0119, WM_NULL, WM_USER - 1};
@@ -109,30 +108,21 @@ TEST(MessageLoop, RunsOneIdlePassABurstOfActivity)
 TEST(MessageLoop, TracesWhatTakesMoreThanASecond)
 {
     const CMultimediaHook clock(g_multimedia.getTime, Now);
-    CDumped trace;
+    const CDumped trace;
     CTestWindow window;
-    const auto pump = [&](long nLevel, DWORD nTakes) {
+    const auto tracedAfter = [&](long nLevel, DWORD nTakes) {
         window.m_on[WM_APP] = [=] { return g_nNow += nTakes, 0; };
         CCUDebugSwitch::Find("\\Debug\\Window", "MessageDebug")->Set(nLevel);
         PostMessageA(window, WM_APP, 0x12, 0x34);
         PumpWaiting();
+        return !trace.m_text.empty();
     };
     CUGetTime();
-    pump(1, 1000);
-    pump(0, 1001);
-    EXPECT_EQ("", trace.m_text);
-    pump(1, 1001);
-    CIdle idle([] {
-        g_nNow += 1001;
-        PostQuitMessage(0);
-    });
-    CCUIWindow::SetIdleCallback(&idle);
-    CCUIWindow::RunLoop();
+    EXPECT_FALSE(tracedAfter(1, 1000) || tracedAfter(0, 1001));
+    EXPECT_TRUE(tracedAfter(1, 1001));
     for (const char *part :
-         {"\nPumpMessage took 1001 (called at ", "\n)\nDispatched hwnd: ",
-          " msg: 8000 wparam: 12 lparam: 34 time: ", "\nOnIdleUpdate() took 1001 (called at "})
+         {"\nPumpMessage took 1001 (called at ", " msg: 8000 wparam: 12 lparam: 34 time: "})
         EXPECT_NE(std::string::npos, trace.m_text.find(part)) << trace.m_text;
-    EXPECT_EQ(std::string::npos, trace.m_text.find("\nIdleUpdate() took"));
 }
 
 TEST(MessageLoop, ServesWhatAnIdleLoopMayServe)
