@@ -218,10 +218,29 @@ TEST(CommandRouting, SurvivesHandlersThatDeleteTheirWindowOrThemselves)
     Open(*window, menu);
     EXPECT_EQ(nullptr, window);
     // Nor does it matter what they do to the menu.
-    command->m_onUpdate = [&] { InsertMenuA(menu.GetHandle(), 0, MF_BYPOSITION, 1001, "new"); };
-    command->m_nState = 0;
-    CCUICommandMap::UpdateMenu(menu.GetHandle());
-    EXPECT_EQ("new", Item(menu.GetHandle(), 0));
+    const HMENU hMenu = menu.GetHandle();
+    command->m_onUpdate = [&] { InsertMenuA(hMenu, 0, MF_BYPOSITION, 1001, "new"); };
+    command->m_nState = CUI_COMMAND_TEXT;
+    command->m_text = "text";
+    CCUICommandMap::UpdateMenu(hMenu);
+    EXPECT_EQ("new", Item(hMenu, 0));
+    command->m_onText = std::exchange(command->m_onUpdate, [] {});
+    CCUICommandMap::UpdateMenu(hMenu);
+    EXPECT_EQ("new new one", Item(hMenu, 0) + " " + Item(hMenu, 1) + " " + Item(hMenu, 2));
+    // The state is asked for twice: before the command is refreshed and after.
+    bool bAsked = false;
+    command->m_onState = [&] {
+        if (std::exchange(bAsked, true))
+            CCUICommandMap::Remove(command.get()), command->m_onText = [] { ADD_FAILURE(); };
+    };
+    CCUICommandMap::UpdateMenu(hMenu);
+    // A window that is closed gets no default processing.
+    window = std::make_unique<CTestWindow>();
+    window->RouteCommands(true);
+    CCUICommandMap::Add(command.get());
+    command->m_onState = command->m_onText = [] {};
+    command->m_onUpdate = [&] { window->Destroy(); };
+    Open(*window, menu);
     EXPECT_EQ(0, reports.Total());
 }
 

@@ -36,14 +36,21 @@ CCUString NewText(const CCUString &sOld, CCUICommandHandler *pHandler, unsigned 
     return sText;
 }
 
+// Whether the item is still the command's, and the handler still there: every call of the handler
+// may change that.
+bool IsItemOf(HMENU hMenu, UINT nItem, unsigned int nID, const CCUICommandHandler *pHandler)
+{
+    return GetMenuItemID(hMenu, static_cast<int>(nItem)) == nID &&
+           CCUICommandMap::Lookup(nID) == pHandler;
+}
+
 void UpdateItem(HMENU hMenu, UINT nItem, CCUICommandHandler *pHandler, unsigned int nID)
 {
     const unsigned short nState = pHandler->GetState(nID);
     MENUITEMINFOA item = {};
     item.cbSize = sizeof item;
-    item.fMask = MIIM_ID | MIIM_STATE | MIIM_TYPE;
-    // The handler may have changed the menu.
-    if (!GetMenuItemInfoA(hMenu, nItem, TRUE, &item) || item.wID != nID)
+    item.fMask = MIIM_STATE | MIIM_TYPE;
+    if (!IsItemOf(hMenu, nItem, nID, pHandler) || !GetMenuItemInfoA(hMenu, nItem, TRUE, &item))
         return;
     const UINT nOldState = item.fState;
     item.fState &= ~static_cast<UINT>(MFS_DISABLED | MFS_CHECKED);
@@ -64,7 +71,7 @@ void UpdateItem(HMENU hMenu, UINT nItem, CCUICommandHandler *pHandler, unsigned 
         item.fType = (item.fType & ~static_cast<UINT>(MFT_RADIOCHECK)) | nRadio;
         item.dwTypeData = sText.GetBuffer(0);
     }
-    if (item.fMask)
+    if (item.fMask && IsItemOf(hMenu, nItem, nID, pHandler))
         SetMenuItemInfoA(hMenu, nItem, TRUE, &item);
 }
 
@@ -114,7 +121,8 @@ void CCUIWindow::OnInitMenuPopup(HMENU hMenu, UINT, int bSystemMenu)
     CWatch watch(this);
     if (m_bRoutesCommands && !bSystemMenu)
         CCUICommandMap::UpdateMenu(hMenu);
-    if (!watch.IsGone())
+    // A handler may have closed the window.
+    if (!watch.IsGone() && m_hWnd)
         Default();
 }
 
@@ -123,7 +131,7 @@ void CCUIWindow::RouteCommand(UINT nCode, UINT nID, HWND hControl)
     CWatch watch(this);
     // What comes from a window further below was offered to its control there.
     const bool bOwn = hControl && GetParent(hControl) == m_hWnd;
-    if ((bOwn && ReflectLastMessage(hControl, nullptr)) || watch.IsGone())
+    if ((bOwn && ReflectLastMessage(hControl, nullptr)) || watch.IsGone() || !m_hWnd)
         return;
     if (IsCommand(nCode, hControl)) {
         if (CCUIWindow *const pRouter = FindRouter()) {
