@@ -44,6 +44,14 @@ protected:
     int OnReflectedMessage(UINT, WPARAM, LPARAM, long &) override { return ++m_nSeen, m_bTake; }
 };
 
+// A control that does something to its parent before it says no.
+struct CCloser : CTestWindow
+{
+    using CTestWindow::CTestWindow;
+    int OnReflectedMessage(UINT, WPARAM, LPARAM, long &) override { return m_onSeen(), 0; }
+    std::function<void()> m_onSeen;
+};
+
 void Open(HWND hWnd, const CCUIMenu &menu, bool bSystem = false)
 {
     SendMessageA(hWnd, WM_INITMENUPOPUP, reinterpret_cast<WPARAM>(menu.GetHandle()),
@@ -241,6 +249,16 @@ TEST(CommandRouting, SurvivesHandlersThatDeleteTheirWindowOrThemselves)
     command->m_onState = command->m_onText = [] {};
     command->m_onUpdate = [&] { window->Destroy(); };
     Open(*window, menu);
+    // Nor does its command go on.
+    command->m_nState = CUI_COMMAND_ACTIVE;
+    for (const bool bDelete : {false, true}) {
+        window = std::make_unique<CTestWindow>();
+        window->RouteCommands(true);
+        CCloser closer(*window, WS_CHILD);
+        closer.m_onSeen = [&] { bDelete ? window.reset() : void(window->Destroy()); };
+        SendMessageA(*window, WM_COMMAND, 1000, reinterpret_cast<LPARAM>(closer.GetHandle()));
+    }
+    EXPECT_EQ(1, command->m_nDone);
     EXPECT_EQ(0, reports.Total());
 }
 

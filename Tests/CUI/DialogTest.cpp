@@ -241,7 +241,9 @@ TEST(Dialog, TracksWhatTheUserChanges)
     EXPECT_FALSE(change(1001, EN_SETFOCUS) || change(1005, BN_CLICKED));
     dialog.UnRegisterControl(1002);
     EXPECT_FALSE(change(1002, LBN_SELCHANGE));
-    EXPECT_EQ("to Dirty Dirty Dirty Dirty ", dialog.m_record);
+    dialog.SetDirty(true);
+    dialog.SetDirty(true);
+    EXPECT_EQ("to Dirty Dirty Dirty Dirty Dirty ", dialog.m_record);
 }
 
 TEST(Dialog, StaysOpenWhereItsDataCannotBeTaken)
