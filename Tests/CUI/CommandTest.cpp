@@ -251,11 +251,11 @@ TEST(CommandRouting, SurvivesHandlersThatDeleteTheirWindowOrThemselves)
     Open(*window, menu);
     // Nor does its command go on.
     command->m_nState = CUI_COMMAND_ACTIVE;
-    for (const bool bDelete : {false, true}) {
+    for (const int nWay : {0, 1, 2}) {
         window = std::make_unique<CTestWindow>();
-        window->RouteCommands(true);
+        window->RouteCommands(nWay < 2);
         CCloser closer(*window, WS_CHILD);
-        closer.m_onSeen = [&] { bDelete ? window.reset() : void(window->Destroy()); };
+        closer.m_onSeen = [&] { nWay ? window.reset() : void(window->Destroy()); };
         SendMessageA(*window, WM_COMMAND, 1000, reinterpret_cast<LPARAM>(closer.GetHandle()));
     }
     EXPECT_EQ(1, command->m_nDone);
