@@ -44,6 +44,16 @@ protected:
     int OnReflectedMessage(UINT, WPARAM, LPARAM, long &) override { return ++m_nSeen, m_bTake; }
 };
 
+// Leaves nothing in its memory by which who still looks there gets on.
+struct CPoisoned : CTestWindow
+{
+    static void operator delete(void *p, size_t nSize)
+    {
+        std::fill_n(static_cast<volatile char *>(p), nSize, '\x55');
+        ::operator delete(p);
+    }
+};
+
 // A control that does something to its parent before it says no.
 struct CCloser : CTestWindow
 {
@@ -208,7 +218,7 @@ TEST(CommandRouting, TakesCommandsThroughControlAndWindowsToTheHandler)
 TEST(CommandRouting, SurvivesHandlersThatDeleteTheirWindowOrThemselves)
 {
     CReports reports;
-    auto window = std::make_unique<CTestWindow>();
+    std::unique_ptr<CTestWindow> window = std::make_unique<CPoisoned>();
     auto command = std::make_unique<CCommand>(1000);
     window->RouteCommands(true);
     command->m_onState = [&] { CCUICommandMap::Remove(command.get()); };
@@ -219,7 +229,7 @@ TEST(CommandRouting, SurvivesHandlersThatDeleteTheirWindowOrThemselves)
     command->m_onCommand = command->m_onUpdate = [&] { window.reset(); };
     SendMessageA(*window, WM_COMMAND, 1000, 0);
     EXPECT_EQ(nullptr, window);
-    window = std::make_unique<CTestWindow>();
+    window = std::make_unique<CPoisoned>();
     window->RouteCommands(true);
     CCUIMenu menu;
     AppendMenuA(menu.GetHandle(), MF_STRING, 1000, "one");
@@ -243,7 +253,7 @@ TEST(CommandRouting, SurvivesHandlersThatDeleteTheirWindowOrThemselves)
     };
     CCUICommandMap::UpdateMenu(hMenu);
     // A window that is closed gets no default processing.
-    window = std::make_unique<CTestWindow>();
+    window = std::make_unique<CPoisoned>();
     window->RouteCommands(true);
     CCUICommandMap::Add(command.get());
     command->m_onState = command->m_onText = [] {};
@@ -252,7 +262,7 @@ TEST(CommandRouting, SurvivesHandlersThatDeleteTheirWindowOrThemselves)
     // Nor does its command go on.
     command->m_nState = CUI_COMMAND_ACTIVE;
     for (const int nWay : {0, 1, 2}) {
-        window = std::make_unique<CTestWindow>();
+        window = std::make_unique<CPoisoned>();
         window->RouteCommands(nWay < 2);
         CCloser closer(*window, WS_CHILD);
         closer.m_onSeen = [&] { nWay ? window.reset() : void(window->Destroy()); };
