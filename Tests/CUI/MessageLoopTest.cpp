@@ -2,11 +2,8 @@
 #include <algorithm>
 
 #include "CU/CU.h"
-#include "CU/DebugSwitch.h"
 #include "CUI/CommandHandler.h"
 #include "Support/ImportHook.h"
-#include "Support/MultimediaHook.h"
-#include "Support/Reports.h"
 #include "Support/TestWindow.h"
 
 namespace {
@@ -30,12 +27,6 @@ struct CWitness : CTestWindow
     const char *const m_name;
     bool m_bTakes = false;
 };
-
-DWORD g_nNow = 1000;
-DWORD WINAPI Now()
-{
-    return g_nNow;
-}
 
 }  // namespace
 
@@ -103,26 +94,6 @@ TEST(MessageLoop, RunsOneIdlePassABurstOfActivity)
     CCUIWindow::SetIdleCallback(&idle);
     EXPECT_EQ(33, CCUIWindow::RunLoop());
     EXPECT_EQ(5, command.m_nUpdates);
-}
-
-TEST(MessageLoop, TracesWhatTakesMoreThanASecond)
-{
-    const CMultimediaHook clock(g_multimedia.getTime, Now);
-    const CDumped trace;
-    CTestWindow window;
-    const auto tracedAfter = [&](long nLevel, DWORD nTakes) {
-        window.m_on[WM_APP] = [=] { return g_nNow += nTakes, 0; };
-        CCUDebugSwitch::Find("\\Debug\\Window", "MessageDebug")->Set(nLevel);
-        PostMessageA(window, WM_APP, 0x12, 0x34);
-        PumpWaiting();
-        return !trace.m_text.empty();
-    };
-    CUGetTime();
-    EXPECT_FALSE(tracedAfter(1, 1000) || tracedAfter(0, 1001));
-    EXPECT_TRUE(tracedAfter(1, 1001));
-    for (const char *part :
-         {"\nPumpMessage took 1001 (called at ", " msg: 8000 wparam: 12 lparam: 34 time: "})
-        EXPECT_NE(std::string::npos, trace.m_text.find(part)) << trace.m_text;
 }
 
 TEST(MessageLoop, ServesWhatAnIdleLoopMayServe)
