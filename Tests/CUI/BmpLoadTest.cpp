@@ -2,6 +2,8 @@
 // one.
 #include "CUI/BmpLoad.h"
 
+#include <functional>
+
 #include "CUI/Bitmap.h"
 #include "CUI/Data.h"
 #include "Support/BmpBytes.h"
@@ -32,6 +34,19 @@ CPixelMap Coarse(CPixelMap map)
     for (COLORREF &cr : map.pixels)
         cr &= 0xF8F8F8;
     return map;
+}
+
+// A bitmap resource in colours that the screen need not have.
+CPixelMap Exact(const char *pszName)
+{
+    const UINT nFlags = LR_CREATEDIBSECTION;
+    return TakePixels(HBITMAP(LoadImageA(hModule, pszName, IMAGE_BITMAP, 0, 0, nFlags)));
+}
+
+// The picture in the colours that the screen has.
+CPixelMap Shown(const CPixelMap &map)
+{
+    return CTestSurface(map).Read();
 }
 
 // The colours of a palette that nobody needs any more.
@@ -68,7 +83,7 @@ CPixelMap Replaced(CPixelMap map, const COLORREF *pFrom, const COLORREF *pTo)
         const COLORREF *const pFound = std::find(pFrom, pFrom + 4, cr);
         cr = pFound == pFrom + 4 ? cr : pTo[pFound - pFrom];
     }
-    return map;
+    return Shown(map);
 }
 
 HBITMAP NewBitmap()
@@ -138,8 +153,8 @@ TEST_F(BmpLoad, ReplacesColoursOnlyWhenAsked)
     // The first match counts, and the caller's values are not resolved.
     DWORD from[] = {0xFF0000, 0x0000FF, 0xFF0000, 0x00FF00};
     DWORD to[] = {0x030201, 0x06055E, 0x095807, 0x0A700B0A};
-    const CPixelMap plain = TakePixels(LoadBitmapA(hModule, pszColors));
-    EXPECT_EQ(plain, load(false, from, to, 4));
+    const CPixelMap plain = Exact(pszColors);
+    EXPECT_EQ(Shown(plain), load(false, from, to, 4));
     const CPixelMap replaced = load(true, from, to, 4);
     to[3] &= 0xFFFFFF;
     EXPECT_EQ(Replaced(plain, from, to), replaced);
@@ -161,36 +176,6 @@ TEST_F(BmpLoad, ReplacesColoursOnlyWhenAsked)
     EXPECT_EQ(greys[2], ColorOf(grey));
     CCUIBitmap(&dib.Info()->bmiHeader, CUIBMP_SYSCOLORS);
     EXPECT_EQ(colors.m_new[2], ColorOf(grey));
-}
-
-TEST_F(BmpLoad, SaysWhatIsMissing)
-{
-    HPALETTE hPal = reinterpret_cast<HPALETTE>(1);
-    EXPECT_EQ("hRsrcImage; hRsrcImage", m_reports.Of("Bmp", [&] {
-        EXPECT_FALSE(CUIBmpLoadBitmapPalette(hModule, "none", hPal) || hPal);
-        EXPECT_FALSE(CUIBmpLoadBitmap(hModule, "none"));
-    }));
-    EXPECT_FALSE(CUIBmpLoad(hModule, "none", nullptr, false, nullptr, nullptr, 0));
-    std::vector<BYTE> bytes = CBmpBytes(5, 4, 8).File();
-    const auto read = [&](size_t nSize) {
-        WriteBytes(m_path, std::vector<BYTE>(bytes.begin(), bytes.begin() + int(nSize)));
-        BITMAPINFOHEADER *const pbih = CUIBmpDIBFromFile(m_path.c_str());
-        free(pbih);
-        return pbih != nullptr;
-    };
-    const size_t nWords = 54 + 1024 + 4 * 6;  // rows aligned to words
-    EXPECT_TRUE(read(nWords));
-    EXPECT_FALSE(read(nWords - 1));
-    EXPECT_FALSE(read(13));
-    bytes[0] = 'C';
-    EXPECT_FALSE(read(nWords));
-    EXPECT_FALSE(CUIBmpDIBFromFile("no such"));
-    EXPECT_FALSE(CUIBmpLoad(nullptr, "no such", nullptr, false, nullptr, nullptr, 0));
-    const std::string head = "CUIBmpDIBFromFile: ";
-    EXPECT_EQ(head + "error reading header for " + m_path + ".\n" + head + m_path +
-                  " is not a bitmap.\n" + head +
-                  "error opening no such.\nError loading bitmap no such.\n",
-              m_trace.m_text);
 }
 
 TEST_F(BmpLoad, CopiesBitmapsAndPalettes)
@@ -299,108 +284,82 @@ TEST(Bitmap, LivesAsLongAsItsLastCopyOnWhateverThread)
     EXPECT_EQ(CCUIBitmap().GetData(), last.GetData());  // the record of all that are empty
 }
 
-TEST(Bitmap, TellsWhyItIsNull)
+TEST(Bitmap, IsLoadedByIdNameAndDecimalTextOrTellsWhyNot)
 {
     CReports reports;
-    const std::string path = reports.Directory().Path() + "\\cut.bmp", missing = path + "x";
-    std::vector<BYTE> file = CBmpBytes(5, 4, 8).File();
-    file.resize(file.size() - 12);
-    WriteBytes(path, file);
+    const CPixelMap colors = Shown(Exact(pszColors)), named = Shown(Exact("NAMED"));
+    const CPixelMap longest = Shown(CPixelMap(1, 1, 0x563412));
+    const std::string path = reports.Directory().Path() + "\\load.bmp", cut = path + "cut";
+    const CBmpBytes bmp(5, 4, 8);
+    const CPixelMap picture = bmp.Picture();
+    std::vector<BYTE> bytes = bmp.File();
+    WriteBytes(path, bytes);
+    bytes.resize(54 + 1024 + 4 * 6 - 1);  // rows aligned to words, but for a byte
+    WriteBytes(cut, bytes);
     const struct
     {
-        const char *m_pszName;
-        bool m_bCopied;
-        WORD m_wFlags;
-        HINSTANCE m_hInst;
-        DWORD m_dwError;
-    } cases[] = {{missing.c_str(), true, CUIBMP_FILE, hModule, ERROR_FILE_NOT_FOUND},
-                 {missing.c_str(), true, CUIBMP_RESOURCE, nullptr, ERROR_FILE_NOT_FOUND},
-                 {missing.c_str(), false, 0, nullptr, ERROR_FILE_NOT_FOUND},
-                 {path.c_str(), true, CUIBMP_FILE, nullptr, ERROR_INVALID_DATA},
-                 {path.c_str(), false, CUIBMP_FILE, hModule, ERROR_RESOURCE_NAME_NOT_FOUND},
-                 {"none", true, CUIBMP_RESOURCE, hModule, ERROR_RESOURCE_NAME_NOT_FOUND},
-                 {"201", true, CUIBMP_RESOURCE, hModule, ERROR_INVALID_DATA},
-                 {"#201", false, 0, hModule, ERROR_INVALID_DATA},
-                 {"200", true, 0, hModule, ERROR_INVALID_PARAMETER}};
-    for (const auto &c : cases) {
-        CCUIBitmap bitmap;
-        SetLastError(0);
-        if (c.m_bCopied)
-            bitmap.Load(CCUString(c.m_pszName), c.m_wFlags, c.m_hInst);
-        else
-            bitmap.Load(c.m_pszName, c.m_wFlags, c.m_hInst);
-        EXPECT_EQ(c.m_dwError, GetLastError()) << c.m_pszName;
-        EXPECT_FALSE(bitmap) << c.m_pszName;
-    }
-    // The functions of one picture each.
-    HPALETTE hPal;
-    DWORD nErrors = 0;
-    const auto fails = [&](HANDLE hNone) {
-        nErrors += !hNone && GetLastError() == ERROR_INVALID_DATA;
-    };
-    const auto ask = [&](auto load) { SetLastError(0), fails(load()); };
-    const char *const pszBroken = MAKEINTRESOURCEA(201);
-    ask([&] { return CUIBmpLoadBitmapFile(path.c_str(), 0); });
-    ask([&] { return CUIBmpLoadBitmapFilePalette(path.c_str(), hPal); });
-    ask([&] { return CUIBmpLoadBitmapPalette(hModule, pszBroken, hPal); });
-    ask([&] { return CUIBmpLoadBitmap(hModule, pszBroken); });
-    EXPECT_EQ(4u, nErrors);
-}
-
-TEST(Bitmap, IsTakenForAnyObjectInConditionsAndByWideNames)
-{
-    const CCUIBitmap bitmap(MAKEINTRESOURCEW(200), 0, hModule), empty;
-    EXPECT_TRUE(bitmap ? !empty : false);
-    const HDC hDC = CreateCompatibleDC(nullptr);
-    const HGDIOBJ hOld = SelectObject(hDC, bitmap);
-    EXPECT_EQ(static_cast<HBITMAP>(bitmap), GetCurrentObject(hDC, OBJ_BITMAP));
-    SelectObject(hDC, hOld);
-    DeleteDC(hDC);
-    EXPECT_EQ(1, CCUIBitmap(CCUString("NAMED"), CUIBMP_RESOURCE, hModule).Height());
-    EXPECT_EQ(1, CCUIBitmap(L"NAMED", CUIBMP_RESOURCE, hModule).Height());
-    for (const wchar_t *pszName : {L"NAMED", const_cast<const wchar_t *>(MAKEINTRESOURCEW(200))}) {
-        CCUIBitmap owned;
-        owned = CUIBmpLoad(hModule, pszName, nullptr, false, nullptr, nullptr, 0);
-        EXPECT_EQ(8, owned.Width());
-        owned = CUIBmpLoadBitmap(hModule, MAKEINTRESOURCEW(200));
-        EXPECT_EQ(8, owned.Width());
-    }
-}
-
-TEST(Bitmap, IsLoadedByIdNameAndDecimalTextAndReportsWhatItIsNot)
-{
-    CReports reports;
-    const CPixelMap colors = TakePixels(LoadBitmapA(hModule, pszColors));
-    const CPixelMap named = TakePixels(LoadBitmapA(hModule, "NAMED"));
-    const std::string path = reports.Directory().Path() + "\\load.bmp";
-    const CBmpBytes bmp(5, 4, 8);
-    WriteBytes(path, bmp.File());
+        bool bString;
+        const char *name;
+        int nFlags;
+        HINSTANCE hInst;
+        const CPixelMap &pixels;
+        DWORD n;  // of colours in the palette, or why there is no bitmap
+    } rows[] = {{true, "NAMED", CUIBMP_RESOURCE | CUIBMP_PALETTE, hModule, named, 2},
+                {false, "NAMED", 0, hModule, named, 0},
+                {true, "none", CUIBMP_RESOURCE, hModule, none, ERROR_RESOURCE_NAME_NOT_FOUND},
+                {true, "65736", CUIBMP_RESOURCE, hModule, colors, 0},  // 200 in the low 16 bits
+                {true, "200x", CUIBMP_RESOURCE, hModule, none, ERROR_RESOURCE_NAME_NOT_FOUND},
+                {true, "201", CUIBMP_RESOURCE | CUIBMP_PALETTE, hModule, none, ERROR_INVALID_DATA},
+                {true, "203", CUIBMP_RESOURCE, hModule, longest, 0},
+                {true, "200", CUIBMP_PALETTE, hModule, none, ERROR_INVALID_PARAMETER},
+                {false, "200", 0, hModule, none, ERROR_RESOURCE_NAME_NOT_FOUND},
+                {false, "#201", 0, hModule, none, ERROR_INVALID_DATA},
+                {true, path.c_str(), CUIBMP_FILE | CUIBMP_PALETTE, hModule, picture, 256},
+                {true, "no such", CUIBMP_FILE, hModule, none, ERROR_FILE_NOT_FOUND},
+                {true, "no such", CUIBMP_RESOURCE, nullptr, none, ERROR_FILE_NOT_FOUND},
+                {false, "no such", 0, nullptr, none, ERROR_FILE_NOT_FOUND},
+                {true, cut.c_str(), CUIBMP_FILE, nullptr, none, ERROR_INVALID_DATA},
+                {false, cut.c_str(), CUIBMP_FILE, hModule, none, ERROR_RESOURCE_NAME_NOT_FOUND}};
     CCUIBitmap bitmap;
-    const auto expect = [&](const CPixelMap &pixels, UINT nPalette, const char *text, int nFlags) {
-        bitmap.Load(CCUString(text), static_cast<WORD>(nFlags), hModule);
-        EXPECT_EQ(pixels, PixelsOf(bitmap)) << text;
-        EXPECT_EQ(pixels.cx, bitmap.Width()) << text;
-        EXPECT_EQ(nPalette, GetPaletteEntries(bitmap, 0, 0, nullptr)) << text;
-        EXPECT_EQ(nFlags, bitmap.GetData()->m_pSource->m_wFlags);
-    };
-    expect(named, 2, "NAMED", CUIBMP_RESOURCE | CUIBMP_PALETTE);
-    expect(colors, 0, "65736", CUIBMP_RESOURCE);  // 200 in the low 16 bits
-    expect(none, 0, "200x", CUIBMP_RESOURCE);
-    expect(none, 0, "201", CUIBMP_RESOURCE | CUIBMP_PALETTE);      // broken
-    expect(CPixelMap(1, 1, 0x563412), 0, "203", CUIBMP_RESOURCE);  // of the longest header
-    expect(none, 0, "200", CUIBMP_PALETTE);                        // nothing says what it names
-    expect(bmp.Picture(), 256, path.c_str(), CUIBMP_FILE | CUIBMP_PALETTE);
-    EXPECT_EQ(named, PixelsOf(CCUIBitmap("NAMED", 0, hModule)));
-    EXPECT_TRUE(CCUIBitmap("200", 0, hModule).IsNull());  // a caller's name is no number
+    for (const auto &row : rows) {
+        const WORD wFlags = static_cast<WORD>(row.nFlags);
+        SetLastError(0);
+        if (row.bString)
+            bitmap.Load(CCUString(row.name), wFlags, row.hInst);
+        else
+            bitmap.Load(row.name, wFlags, row.hInst);
+        const DWORD dwError = GetLastError();
+        EXPECT_EQ(row.pixels, PixelsOf(bitmap)) << row.name;
+        EXPECT_EQ(row.pixels.cx, bitmap.Width()) << row.name;
+        EXPECT_EQ(row.n, bitmap ? GetPaletteEntries(bitmap, 0, 0, nullptr) : dwError) << row.name;
+    }
+    // By ids, and by the wide names of UNICODE.
     const CCUIBitmap byId(0x10000 + 200, 0, hModule);
-    EXPECT_EQ(colors, PixelsOf(byId));
     EXPECT_EQ(CUIBMP_RESOURCE, byId.GetData()->m_pSource->m_wFlags);
     EXPECT_EQ(CUIGetWinData()->dwColorStamp, byId.GetData()->m_pSource->m_dwColorStamp);
+    const wchar_t *const pszWide = MAKEINTRESOURCEW(200);
+    EXPECT_EQ(colors, PixelsOf(byId));
+    EXPECT_EQ(colors, PixelsOf(CCUIBitmap(pszWide, 0, hModule)));
+    EXPECT_EQ(named, PixelsOf(CCUIBitmap(L"NAMED", CUIBMP_RESOURCE, hModule)));
+    EXPECT_EQ(named,
+              TakePixels(CUIBmpLoad(hModule, L"NAMED", nullptr, false, nullptr, nullptr, 0)));
     EXPECT_EQ("m_sBitmap.GetLength() > 0; m_sBitmap.GetLength() > 0 || m_pszID != 0",
               reports.Of("Bitmap", [&] {
                   bitmap.Load(CCUString(), CUIBMP_FILE, nullptr);
                   bitmap.Load(0u, 0, hModule);
               }));
+    // The functions of one picture each.
+    HPALETTE hPal;
+    const std::function<HBITMAP()> functions[] = {
+        [&] { return CUIBmpLoadBitmapFile(cut.c_str(), 0); },
+        [&] { return CUIBmpLoadBitmapFilePalette(cut.c_str(), hPal); },
+        [&] { return CUIBmpLoadBitmapPalette(hModule, MAKEINTRESOURCEA(201), hPal); },
+        [&] { return CUIBmpLoadBitmap(hModule, MAKEINTRESOURCEA(201)); }};
+    for (const auto &load : functions) {
+        SetLastError(0);
+        EXPECT_EQ(nullptr, load());
+        EXPECT_EQ(static_cast<DWORD>(ERROR_INVALID_DATA), GetLastError());
+    }
 }
 
 TEST(Bitmap, LoadedAgainTakesOtherColoursAndLeavesItsCopiesAlone)
@@ -411,16 +370,17 @@ TEST(Bitmap, LoadedAgainTakesOtherColoursAndLeavesItsCopiesAlone)
     const WORD wFlags = CUIBMP_SYSCOLORS | CUIBMP_PALETTE;
     const CCUIBitmap sources[] = {CCUIBitmap(200, wFlags, hModule),
                                   CCUIBitmap(CCUString("200"), wFlags | CUIBMP_RESOURCE, hModule)};
-    CPixelMap expected = TakePixels(LoadBitmapA(hModule, pszColors));
+    CPixelMap expected = Exact(pszColors);
+    const COLORREF crFace = Shown(CPixelMap(1, 1, colors.m_new[2])).At(0, 0);
     expected.Set(4, 1, to[0]);
     for (const CCUIBitmap &source : sources) {
         const CPixelMap before = PixelsOf(source);
-        EXPECT_EQ(colors.m_new[2], before.At(2, 1));
+        EXPECT_EQ(crFace, before.At(2, 1));
         CCUIBitmap copy(source);
         copy.ReLoad(from, to, 1);
         EXPECT_EQ(1, copy.GetData()->m_nRefs);
         EXPECT_EQ(before, PixelsOf(source));
-        EXPECT_EQ(expected, PixelsOf(copy));
+        EXPECT_EQ(Shown(expected), PixelsOf(copy));
         EXPECT_NE(static_cast<HPALETTE>(source), static_cast<HPALETTE>(copy));
     }
     // Without a source there is nothing to load again.

@@ -4,14 +4,6 @@
 
 namespace {
 
-std::string Place(HWND hWnd, HWND hParent)
-{
-    RECT rect;
-    GetWindowRect(hWnd, &rect);
-    MapWindowPoints(nullptr, hParent, reinterpret_cast<POINT *>(&rect), 2);
-    return Text("%ld %ld %ld %ld", rect.left, rect.top, rect.right, rect.bottom);
-}
-
 // A layout window that writes down what its children tell it.
 struct CLayout : CTestWindow
 {
@@ -45,8 +37,13 @@ struct CControl : CScripted<CCUIControlWindow>
 
 struct CEvents : CCUIWindowEventCallback
 {
-    void OnWindowEvent(CCUString sEvent) override { m_events += std::string(sEvent) + " "; }
+    void OnWindowEvent(CCUString sEvent) override
+    {
+        m_events += std::string(sEvent) + " ";
+        m_onEvent();
+    }
     std::string m_events;
+    std::function<void()> m_onEvent = [] {};
 };
 
 }  // namespace
@@ -119,38 +116,48 @@ TEST(ControlWindow, PassesShowFocusAndTabToTheParent)
 TEST(ControlWindow, TakesTheScreenAndGoesBackToItsPlace)
 {
     CLayout layout;
-    CControl below(layout), control(layout), above(layout);
-    SetWindowPos(control, above, 30, 40, 70, 80, 0);
+    CControl below(layout), above(layout);
+    auto control = std::make_unique<CControl>(layout);
+    const HWND hWnd = *control;
+    SetWindowPos(hWnd, above, 30, 40, 70, 80, 0);
     CEvents events;
-    control.SetWindowEventCallback(&events);
-    const auto style = [&] {
-        return Text("%lx %lx",
-                    static_cast<DWORD>(GetWindowLongA(control, GWL_STYLE)) & (WS_CHILD | WS_POPUP),
-                    GetWindowLongA(control, GWL_EXSTYLE));
+    control->SetWindowEventCallback(&events);
+    const auto place = [&] {
+        RECT rect;
+        GetWindowRect(hWnd, &rect);
+        MapWindowPoints(nullptr, GetAncestor(hWnd, GA_PARENT), reinterpret_cast<POINT *>(&rect), 2);
+        return Text("%ld %ld %ld %ld, style %lx %lx", rect.left, rect.top, rect.right, rect.bottom,
+                    GetWindowLongA(hWnd, GWL_STYLE) & LONG(WS_CHILD | WS_POPUP),
+                    GetWindowLongA(hWnd, GWL_EXSTYLE));
     };
     const std::function<void()> leave[] = {
-        [&] { control.SetFullScreen(0); },
-        [&] { PostMessageA(control, WM_KEYDOWN, VK_ESCAPE, 0); },
-        [&] { SendMessageA(control, WM_CANCELMODE, 0, 0); },
-        [&] { above.Destroy(), control.SetFullScreen(0); },
+        [&] { control->SetFullScreen(0); },
+        [&] { PostMessageA(hWnd, WM_KEYDOWN, VK_ESCAPE, 0); },
+        [&] { SendMessageA(hWnd, WM_CANCELMODE, 0, 0); },
+        [&] { above.Destroy(), control->SetFullScreen(0); },
     };
     for (const auto &way : leave) {
         SetFocus(below);
-        control.SetFullScreen(2);
-        control.SetFullScreen(1);
-        EXPECT_EQ(Text("0 0 %d %d", GetSystemMetrics(SM_CXSCREEN), GetSystemMetrics(SM_CYSCREEN)),
-                  Place(control, nullptr));
-        EXPECT_EQ(GetDesktopWindow(), GetAncestor(control, GA_PARENT));
-        EXPECT_EQ("80000000 88", style());
-        EXPECT_EQ(control.GetHandle(), GetFocus());
+        control->SetFullScreen(2);
+        control->SetFullScreen(1);
+        EXPECT_EQ(Text("0 0 %d %d, style 80000000 88", GetSystemMetrics(SM_CXSCREEN),
+                       GetSystemMetrics(SM_CYSCREEN)),
+                  place());
+        EXPECT_EQ(GetDesktopWindow(), GetAncestor(hWnd, GA_PARENT));
+        EXPECT_EQ(hWnd, GetFocus());
         way();
         layout.Told();
-        EXPECT_EQ(0, control.GetFullScreen());
-        EXPECT_EQ("30 40 100 120", Place(control, layout));
-        EXPECT_EQ(layout.GetHandle(), GetParent(control));
-        EXPECT_EQ(above.GetHandle(), GetWindow(control, GW_HWNDPREV));
-        EXPECT_EQ("40000000 0", style());
+        EXPECT_EQ(0, control->GetFullScreen());
+        EXPECT_EQ("30 40 100 120, style 40000000 0", place());
+        EXPECT_EQ(layout.GetHandle(), GetParent(hWnd));
+        EXPECT_EQ(above.GetHandle(), GetWindow(hWnd, GW_HWNDPREV));
         EXPECT_EQ(below.GetHandle(), GetFocus());
         EXPECT_EQ("InFullScreen OutOfFullScreen ", std::exchange(events.m_events, ""));
     }
+    // The key that ends it is nobody's, even where that deletes the control.
+    control->SetFullScreen(1);
+    events.m_onEvent = [&] { control.reset(); };
+    MSG key = {hWnd, WM_KEYDOWN, VK_ESCAPE, 0, 0, {}};
+    EXPECT_EQ(1, control->PreTranslateMessage(&key));
+    EXPECT_FALSE(IsWindow(hWnd));
 }

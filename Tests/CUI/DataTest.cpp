@@ -3,21 +3,18 @@
 
 #include "CU/Time.h"
 #include "Support/MultimediaHook.h"
-#include "Support/PixelMap.h"
 #include "Support/TestWindow.h"
 
 namespace {
 
-// The colour that a brush or a pen draws with.
+// The colour that a brush or a pen is made of, which a screen of few colours may not have.
 COLORREF ColorOf(HGDIOBJ hObject)
 {
-    CTestSurface surface(CPixelMap(9, 1));
-    SelectObject(surface, hObject);
-    if (GetObjectType(hObject) == OBJ_BRUSH)
-        PatBlt(surface, 0, 0, 9, 1, PATCOPY);
-    else
-        LineTo(surface, 9, 0);
-    return surface.Read().At(5, 0);
+    LOGBRUSH brush = {};
+    LOGPEN pen = {};
+    GetObjectA(hObject, sizeof brush, &brush);
+    GetObjectA(hObject, sizeof pen, &pen);
+    return GetObjectType(hObject) == OBJ_BRUSH ? brush.lbColor : pen.lopnColor;
 }
 
 DWORD g_nStamps;
@@ -47,9 +44,8 @@ TEST(Data, HoldsTheSystemsMetricsFontsAndCursorsInTheOrderOfTheRecord)
                      GetDeviceCaps(hScreen, LOGPIXELSY), size.cy});
     for (size_t i = 0; i < expected.size(); ++i)
         EXPECT_EQ(expected[i], reinterpret_cast<const LONG *>(pData)[i]) << "field " << i;
-    const char *const cursors[] = {IDC_WAIT, IDC_ARROW, IDC_IBEAM};
-    for (int i = 0; i < 3; ++i)
-        EXPECT_EQ(LoadCursorA(nullptr, cursors[i]), (&pData->hcurWait)[i]);
+    EXPECT_EQ(LoadCursorA(nullptr, IDC_WAIT), pData->hcurWait);
+    EXPECT_EQ(LoadCursorA(nullptr, IDC_IBEAM), pData->hcurIBeam);
     NONCLIENTMETRICSA metrics;
     metrics.cbSize = 340;
     SystemParametersInfoA(SPI_GETNONCLIENTMETRICS, 340, &metrics, 0);

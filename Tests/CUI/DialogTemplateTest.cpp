@@ -42,7 +42,7 @@ TEST(DialogTemplate, SaysOfBothFormsWhatTheSystemMakesOfThemAndOfACutOneWhatIsTh
         const auto *const pBytes =
             static_cast<const BYTE *>(LockResource(LoadResource(nullptr, hResource)));
         const DWORD nWhole = SizeofResource(nullptr, hResource);
-        ExpectLikeTheSystem(CCUIDialogTemplate(nullptr, MAKEINTRESOURCEA(nID)));
+        ExpectLikeTheSystem(CCUIDialogTemplate(nullptr, MAKEINTRESOURCEW(nID)));
         for (DWORD nSize = 0; nSize < nWhole; ++nSize) {
             const CFakeResource cut(std::vector<BYTE>(pBytes, pBytes + nSize));
             const CCUIDialogTemplate dialogTemplate(nullptr, "");

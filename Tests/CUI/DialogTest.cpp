@@ -161,12 +161,14 @@ TEST(Dialog, DisablesTheOwnersAndGivesThemBack)
     EXPECT_EQ(1, nCancels);
     EXPECT_EQ(11, enabled());
     EXPECT_EQ(popup.GetHandle(), GetActiveWindow());
-    // One that was disabled before stays so.
-    EnableWindow(popup, FALSE);
-    dialog.Run(End(1), &child);
-    EXPECT_EQ(10, enabled());
-    CTestDialog("no such template").DoModal(&child);
-    EXPECT_EQ(10, enabled());
+    // What was disabled before stays so.
+    for (CTestWindow *pWindow : {&popup, &frame}) {
+        EnableWindow(*pWindow, FALSE);
+        dialog.Run(End(1), &child);
+        CTestDialog("no such template").DoModal(&child);
+        EXPECT_EQ(pWindow == &popup ? 10 : 1, enabled());
+        EnableWindow(*pWindow, TRUE);
+    }
     // An owner that goes takes the dialog along, and the run ends.
     EXPECT_EQ(IDCANCEL, dialog.Run([&](CTestDialog &) { popup.Destroy(); }, &child));
     EXPECT_TRUE(IsWindowEnabled(frame));
@@ -211,7 +213,8 @@ TEST(Dialog, StandsItsOwnDeathWhereverItComes)
 TEST(Dialog, MakesModelessOnesWithoutDisablingAnybody)
 {
     CTestWindow frame;
-    CTestDialog popup, child(MAKEINTRESOURCEA(501)), made;
+    CTestDialog popup, made;
+    CCUIDialog child(GetModuleHandleA(nullptr), MAKEINTRESOURCEW(501));  // as with UNICODE
     const HWND hPopup = popup.DoModeless(&frame);
     EXPECT_EQ(frame.GetHandle(), GetWindow(hPopup, GW_OWNER));
     EXPECT_TRUE(IsWindowEnabled(frame));
@@ -238,7 +241,9 @@ TEST(Dialog, TracksWhatTheUserChanges)
     EXPECT_FALSE(change(1001, EN_SETFOCUS) || change(1005, BN_CLICKED));
     dialog.UnRegisterControl(1002);
     EXPECT_FALSE(change(1002, LBN_SELCHANGE));
-    EXPECT_EQ("to Dirty Dirty Dirty Dirty ", dialog.m_record);
+    dialog.SetDirty(true);
+    dialog.SetDirty(true);
+    EXPECT_EQ("to Dirty Dirty Dirty Dirty Dirty ", dialog.m_record);
 }
 
 TEST(Dialog, StaysOpenWhereItsDataCannotBeTaken)
@@ -275,18 +280,4 @@ TEST(Dialog, PaintsItsColour)
     dialog.SetColor(CUIGetWinData()->crSys[COLOR_BTNFACE]);
     const CSysColors colors;
     expectBrush(WM_CTLCOLORDLG, GetSysColor(COLOR_BTNFACE));
-}
-
-TEST(Dialog, TakesTheIdThatUnicodeMakesWide)
-{
-    CReports reports;
-    const HINSTANCE hModule = GetModuleHandleA(nullptr);
-    SIZE size = {}, expected = {};
-    EXPECT_EQ(1, CCUIDialogTemplate(hModule, MAKEINTRESOURCEA(500)).GetSizeInPixels(expected));
-    EXPECT_EQ(1, CCUIDialog(hModule, MAKEINTRESOURCEW(500)).GetSizeInPixels(size));
-    EXPECT_TRUE(size.cx == expected.cx && size.cy == expected.cy);
-    EXPECT_EQ(1, CCUIDialogTemplate(hModule, MAKEINTRESOURCEW(500)).GetSizeInPixels(size));
-    EXPECT_EQ("IS_INTRESOURCE(pszName)", reports.Of("ResourceName", [&] {
-        EXPECT_EQ(0, CCUIDialog(hModule, L"text").DoModal(nullptr));
-    }));
 }

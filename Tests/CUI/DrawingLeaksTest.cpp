@@ -86,6 +86,9 @@ TEST(DrawingLeaks, NothingOnSuccessAndWhicheverCallFails)
         CUIGetWinData()->UpdateWinIni();
     };
     const CFailingCall<HBITMAP(HDC, int, int)> compatible("CreateCompatibleBitmap");
+    const CFailingCall<HBITMAP(HDC, const BITMAPINFOHEADER *, DWORD, const void *,
+                               const BITMAPINFO *, UINT)>
+        fromDib("CreateDIBitmap");
     work();  // makes what stays
     const CHeapWatch heap;
     const int nGdi = GdiCount();

@@ -1,16 +1,12 @@
-// Every message of the table, sent to a real window, against what its handler got.
+// Every message, sent with random arguments to a real window, against what its handler got.
+#include <random>
 #include <type_traits>
 
 #include "Support/TestWindow.h"
 
 namespace {
 
-constexpr long s_nAnswer = 0x1234;
-
-constexpr WPARAM Words(WORD low, WORD high)
-{
-    return static_cast<WPARAM>(high) << 16 | low;
-}
+constexpr long ANSWER = 0x1234;
 
 template <typename T>
 std::string Word(const T &value)
@@ -31,101 +27,165 @@ struct CRecorder : CCUIWindow
     long Record(const char *name, const Args &...args)
     {
         m_record += (name + ... + Word(args));
-        return s_nAnswer;
+        return ANSWER;
     }
-
+#define ON0(R, Name)             \
+    R On##Name() override        \
+    {                            \
+        return R(Record(#Name)); \
+    }
+#define ON1(R, Name, A)             \
+    R On##Name(A a) override        \
+    {                               \
+        return R(Record(#Name, a)); \
+    }
+#define ON2(R, Name, A, B)             \
+    R On##Name(A a, B b) override      \
+    {                                  \
+        return R(Record(#Name, a, b)); \
+    }
+#define ON3(R, Name, A, B, C)             \
+    R On##Name(A a, B b, C c) override    \
+    {                                     \
+        return R(Record(#Name, a, b, c)); \
+    }
+#define MOUSE(Name) ON2(void, Name, UINT, POINT &)
+#define MOUSE3(Name, B) ON3(void, Name, UINT, B, POINT &)
+#define KEY(Name) ON3(void, Name, UINT, UINT, UINT)
     // clang-format off
-    long OnMessage(UINT message, WPARAM w, LPARAM l) override { return Record("OnMessage", message, w, l); }
-    int OnCreate(CREATESTRUCTA *p) override { return Record("OnCreate", p); }
-    void OnDestroy() override { Record("OnDestroy"); }
-    void OnClose() override { Record("OnClose"); }
-    void OnActivate(UINT nState, UINT nMinimized, HWND h) override { Record("OnActivate", nState, nMinimized, h); }
-    void OnSize(UINT nType, int cx, int cy) override { Record("OnSize", nType, cx, cy); }
-    long OnNotify(UINT nID, NMHDR *p) override { return Record("OnNotify", nID, p); }
-    void OnCommand(UINT nCode, UINT nID, HWND h) override { Record("OnCommand", nCode, nID, h); }
-    void OnPaint(HDC h) override { Record("OnPaint", h); }
-    int OnEraseBkgnd(HDC h) override { return Record("OnEraseBkgnd", h); }
-    void OnLButtonDown(UINT n, POINT &p) override { Record("OnLButtonDown", n, p); }
-    void OnLButtonUp(UINT n, POINT &p) override { Record("OnLButtonUp", n, p); }
-    void OnLButtonDblClk(UINT n, POINT &p) override { Record("OnLButtonDblClk", n, p); }
-    void OnRButtonDown(UINT n, POINT &p) override { Record("OnRButtonDown", n, p); }
-    void OnRButtonUp(UINT n, POINT &p) override { Record("OnRButtonUp", n, p); }
-    void OnRButtonDblClk(UINT n, POINT &p) override { Record("OnRButtonDblClk", n, p); }
-    void OnContextMenu(HWND h, POINT &p) override { Record("OnContextMenu", h, p); }
-    void OnMouseMove(UINT n, POINT &p) override { Record("OnMouseMove", n, p); }
-    void OnSysColorChange() override { Record("OnSysColorChange"); }
-    void OnShowWindow(int bShow, int nStatus) override { Record("OnShowWindow", bShow, nStatus); }
-    int OnSetCursor(HWND h, UINT nHit, UINT nMessage) override { return Record("OnSetCursor", h, nHit, nMessage); }
-    void OnWinIniChange(WPARAM nAction, const char *section) override { Record("OnWinIniChange", nAction, section); }
-    void OnSetFocus(HWND h) override { Record("OnSetFocus", h); }
-    void OnKillFocus(HWND h) override { Record("OnKillFocus", h); }
-    void OnParentNotify(UINT nEvent, UINT nID, LPARAM l) override { Record("OnParentNotify", nEvent, nID, l); }
-    void OnShowToolTips(int bShow) override { Record("OnShowToolTips", bShow); }
-    int OnMeasureItem(UINT nID, MEASUREITEMSTRUCT *p) override { return Record("OnMeasureItem", nID, p); }
-    int OnDrawItem(UINT nID, DRAWITEMSTRUCT *p) override { return Record("OnDrawItem", nID, p); }
-    void OnMenuSelect(UINT nItem, UINT nFlags, HMENU h) override { Record("OnMenuSelect", nItem, nFlags, h); }
-    void OnInitMenuPopup(HMENU h, UINT nIndex, int bSystem) override { Record("OnInitMenuPopup", h, nIndex, bSystem); }
-    long OnMenuChar(UINT nChar, UINT nFlags, HMENU h) override { return Record("OnMenuChar", nChar, nFlags, h); }
-    void OnCancelMode() override { Record("OnCancelMode"); }
-    void OnCaptureChanged(HWND h) override { Record("OnCaptureChanged", h); }
-    void OnSetWindowState(UINT n) override { Record("OnSetWindowState", n); }
+    ON0(void, Destroy) ON0(void, Close) ON0(void, SysColorChange) ON0(void, CancelMode)
+    ON0(void, MouseLeave) ON1(int, Create, CREATESTRUCTA *) ON1(void, Paint, HDC)
+    ON1(int, EraseBkgnd, HDC) ON1(void, SetFocus, HWND) ON1(void, KillFocus, HWND)
+    ON1(void, ShowToolTips, int) ON1(void, CaptureChanged, HWND) ON1(void, SetWindowState, UINT)
+    ON1(void, DropFiles, HDROP) ON1(void, GetMinMaxInfo, MINMAXINFO *)
+    ON1(int, QueryEndSession, UINT) ON2(long, Notify, UINT, NMHDR *)
+    ON2(void, ShowWindow, int, int) ON2(void, WinIniChange, WPARAM, const char *)
+    ON2(int, MeasureItem, UINT, MEASUREITEMSTRUCT *) ON2(int, DrawItem, UINT, DRAWITEMSTRUCT *)
+    ON2(void, ContextMenu, HWND, POINT &) ON2(void, EndSession, int, UINT)
+    ON2(void, SysCommand, UINT, LPARAM) ON2(void, DpiChanged, UINT, const RECT *)
+    ON3(long, Message, UINT, WPARAM, LPARAM) ON3(void, Activate, UINT, UINT, HWND)
+    ON3(void, Size, UINT, int, int) ON3(void, Command, UINT, UINT, HWND)
+    ON3(int, SetCursor, HWND, UINT, UINT) ON3(void, ParentNotify, UINT, UINT, LPARAM)
+    ON3(void, MenuSelect, UINT, UINT, HMENU) ON3(void, InitMenuPopup, HMENU, UINT, int)
+    ON3(long, MenuChar, UINT, UINT, HMENU) ON3(void, DisplayChange, UINT, int, int)
+    ON3(void, HScroll, UINT, UINT, HWND) ON3(void, VScroll, UINT, UINT, HWND)
+    MOUSE(MouseMove) MOUSE(LButtonDown) MOUSE(LButtonUp) MOUSE(LButtonDblClk) MOUSE(RButtonDown)
+    MOUSE(RButtonUp) MOUSE(RButtonDblClk) MOUSE(MButtonDown) MOUSE(MButtonUp) MOUSE(MButtonDblClk)
+    MOUSE3(XButtonDown, UINT) MOUSE3(XButtonUp, UINT) MOUSE3(XButtonDblClk, UINT)
+    MOUSE3(MouseWheel, int) MOUSE3(MouseHWheel, int)
+    KEY(KeyDown) KEY(KeyUp) KEY(Char) KEY(SysKeyDown) KEY(SysKeyUp) KEY(SysChar)
     // clang-format on
 };
 
+// What a handler gets of its message: m, w and p are the message and its whole arguments, L and H
+// the words of w, l and h those of p, c the point in p; b is the lowest byte of w, d its signed
+// upper word, s what counts of a system command, f the mouse flags of the keys that are down.
+std::string Expected(const char *rule, UINT m, WPARAM w, LPARAM p)
+{
+    const std::map<char, unsigned> values = {
+        {'m', m},          {'w', w},         {'p', p},           {'L', LOWORD(w)},
+        {'H', HIWORD(w)},  {'l', LOWORD(p)}, {'h', HIWORD(p)},   {'b', LOBYTE(LOWORD(w))},
+        {'s', w & 0xFFF0}, {'f', 6},         {'d', int(w) >> 16}};
+    const char *const space = strchr(rule, ' ');
+    std::string record(rule, space ? space : rule + strlen(rule));
+    for (const char *at = space; at && *++at;)
+        record +=
+            *at == 'c' ? Word(POINT{short(LOWORD(p)), short(HIWORD(p))}) : Word(values.at(*at));
+    return record;
+}
+
+// The handlers whose base leaves the message to default processing; then those whose base hands it
+// to OnMessage. After = the handler's value is the answer, after 0 and 1 that number.
 struct CRow
 {
     UINT message;
-    WPARAM wParam;
-    LPARAM lParam;
-    const char *record;
-    long result;
+    const char *rule;
 };
-
-const CRow s_rows[] = {
-    {0x0001, 0, 0x5678, "OnCreate 5678", s_nAnswer},
-    {0x0005, 2, MAKELONG(300, 0xFFFE), "OnSize 2 12c fffe", 0},
-    {0x0006, Words(2, 1), 0x40, "OnActivate 2 1 40", 0},
-    {0x0007, 0x41, 9, "OnSetFocus 41", 0},
-    {0x0008, 0x42, 9, "OnKillFocus 42", 0},
-    {0x000F, 0x43, 9, "OnPaint 43", 0},
-    {0x0010, 1, 9, "OnClose", 0},
-    {0x0014, 0x44, 9, "OnEraseBkgnd 44", s_nAnswer},
-    {0x0015, 1, 9, "OnSysColorChange", 0},
-    {0x0018, 1, 3, "OnShowWindow 1 3", 0},
-    {0x001A, 5, 0x53, "OnWinIniChange 5 53", 0},
-    {0x001F, 1, 9, "OnCancelMode", 0},
-    {0x0020, 0x45, MAKELONG(0xFFFF, 0x201), "OnSetCursor 45 ffff 201", s_nAnswer},
-    {0x002B, 6, 0x46, "OnDrawItem 6 46", s_nAnswer},
-    {0x002C, 7, 0x47, "OnMeasureItem 7 47", s_nAnswer},
-    {0x004E, 8, 0x48, "OnNotify 8 48", s_nAnswer},
-    {0x007B, 0x49, MAKELONG(-1, -1), "OnContextMenu 49 -1,-1", 0},
-    {0x0111, Words(0xF001, 0x8002), 0x4A, "OnCommand 8002 f001 4a", 0},
-    {0x0117, 0x4B, MAKELONG(3, 1), "OnInitMenuPopup 4b 3 1", 0},
-    {0x011F, Words(4, 0xFFFF), 0x4C, "OnMenuSelect 4 ffff 4c", 0},
-    {0x0120, Words(0x1261, 0x10), 0x4D, "OnMenuChar 61 10 4d", s_nAnswer},
-    {0x0200, 1, MAKELONG(-3, 5), "OnMouseMove 1 -3,5", 0},
-    {0x0201, 2, MAKELONG(5, -3), "OnLButtonDown 2 5,-3", 0},
-    {0x0202, 3, MAKELONG(32767, -32768), "OnLButtonUp 3 32767,-32768", 0},
-    {0x0203, 4, MAKELONG(1, 2), "OnLButtonDblClk 4 1,2", 0},
-    {0x0204, 5, MAKELONG(-1, 2), "OnRButtonDown 5 -1,2", 0},
-    {0x0205, 6, MAKELONG(1, -2), "OnRButtonUp 6 1,-2", 0},
-    {0x0206, 7, MAKELONG(-9, -9), "OnRButtonDblClk 7 -9,-9", 0},
-    {0x0210, Words(0x201, 0xFFF0), 0x4E, "OnParentNotify 201 fff0 4e", 0},
-    {0x0215, 8, 0x4F, "OnCaptureChanged 4f", 0},
-    {0x0435, 9, 1, "OnSetWindowState 9", 0},
-    {0x0438, 1, 1, "OnShowToolTips 1", 0},
-    {0x0003, 1, 0x50, "OnMessage 3 1 50", s_nAnswer},
-    {0x0436, 2, 0x51, "OnMessage 436 2 51", s_nAnswer},
-    {0xC123, 3, 0x52, "OnMessage c123 3 52", s_nAnswer},
-    {0x0002, 1, 2, "OnDestroy", 0},  // the base lets go of the window: the last
-};
+const CRow FIRST[] = {{0x0001, "=Create p"},
+                      {0x0005, "0Size wlh"},
+                      {0x0006, "0Activate LHp"},
+                      {0x0007, "0SetFocus w"},
+                      {0x0008, "0KillFocus w"},
+                      {0x000F, "0Paint w"},
+                      {0x0010, "0Close"},
+                      {0x0014, "=EraseBkgnd w"},
+                      {0x0015, "0SysColorChange"},
+                      {0x0018, "0ShowWindow wp"},
+                      {0x001A, "0WinIniChange wp"},
+                      {0x001F, "0CancelMode"},
+                      {0x0020, "=SetCursor wlh"},
+                      {0x002B, "=DrawItem wp"},
+                      {0x002C, "=MeasureItem wp"},
+                      {0x004E, "=Notify wp"},
+                      {0x007B, "0ContextMenu wc"},
+                      {0x0111, "0Command HLp"},
+                      {0x0117, "0InitMenuPopup wlh"},
+                      {0x011F, "0MenuSelect LHp"},
+                      {0x0120, "=MenuChar bHp"},
+                      {0x0200, "0MouseMove wc"},
+                      {0x0201, "0LButtonDown wc"},
+                      {0x0202, "0LButtonUp wc"},
+                      {0x0203, "0LButtonDblClk wc"},
+                      {0x0204, "0RButtonDown wc"},
+                      {0x0205, "0RButtonUp wc"},
+                      {0x0206, "0RButtonDblClk wc"},
+                      {0x0210, "0ParentNotify LHp"},
+                      {0x0215, "0CaptureChanged p"},
+                      {0x0435, "0SetWindowState w"},
+                      {0x0438, "0ShowToolTips w"},
+                      {0x0002, "0Destroy"}};
+const CRow FURTHER[] = {
+    {0x0003, "=Message mwp"},       {0x0436, "=Message mwp"},       {0xC123, "=Message mwp"},
+    {0x0011, "=QueryEndSession p"}, {0x0016, "0EndSession wp"},     {0x0024, "0GetMinMaxInfo p"},
+    {0x007E, "0DisplayChange wlh"}, {0x0100, "0KeyDown wlh"},       {0x0101, "0KeyUp wlh"},
+    {0x0102, "0Char wlh"},          {0x0104, "0SysKeyDown wlh"},    {0x0105, "0SysKeyUp wlh"},
+    {0x0106, "0SysChar wlh"},       {0x0112, "0SysCommand sp"},     {0x0114, "0HScroll LHp"},
+    {0x0115, "0VScroll LHp"},       {0x0207, "0MButtonDown wc"},    {0x0208, "0MButtonUp wc"},
+    {0x0209, "0MButtonDblClk wc"},  {0x020A, "0MouseWheel Ldc"},    {0x020B, "1XButtonDown LHc"},
+    {0x020C, "1XButtonUp LHc"},     {0x020D, "1XButtonDblClk LHc"}, {0x020E, "0MouseHWheel Ldc"},
+    {0x0233, "0DropFiles w"},       {0x02A3, "0MouseLeave"},        {0x02E0, "0DpiChanged Lp"},
+    {0, "0MouseWheel fwc"}};  // of the message that old systems register
 
 // What default processing was asked for, in the place of the system.
 std::string s_default;
 LRESULT CALLBACK DefaultProc(HWND, UINT message, WPARAM wParam, LPARAM lParam)
 {
-    s_default = Text("%x %x %lx", message, wParam, lParam);
-    return s_nAnswer;
+    s_default = Expected(" mwp", message, wParam, lParam);
+    return ANSWER;
+}
+
+struct CPlainWindow : CCUIWindow
+{
+    UINT m_nHandedOn = 0;
+    long OnMessage(UINT message, WPARAM wParam, LPARAM lParam) override
+    {
+        m_nHandedOn = message;
+        return CCUIWindow::OnMessage(message, wParam, lParam);
+    }
+};
+
+std::mt19937 s_random(1);
+
+void ExpectHandled(HWND hWnd, const CRow &row, bool bFurther)
+{
+    const UINT message = row.message ? row.message : RegisterWindowMessageA("MSWHEEL_ROLLMSG");
+    const bool bStructure =
+        message == WM_DRAWITEM || message == WM_MEASUREITEM || message == WM_NOTIFY;
+    const WPARAM wParam = s_random();
+    LPARAM lParam = static_cast<LPARAM>(s_random());
+    const long answer = *row.rule == '=' ? ANSWER : *row.rule - '0';
+    CRecorder recorder;
+    recorder.Attach(hWnd);
+    EXPECT_EQ(answer, SendMessageA(hWnd, message, wParam, lParam)) << row.rule;
+    EXPECT_EQ(Expected(row.rule + 1, message, wParam, lParam), recorder.m_record);
+    CPlainWindow window;
+    window.Attach(hWnd);
+    lParam = bStructure ? 0 : lParam;
+    EXPECT_EQ(bFurther ? ANSWER : answer, SendMessageA(hWnd, message, wParam, lParam)) << row.rule;
+    EXPECT_EQ(bFurther ? message : 0, window.m_nHandedOn) << row.rule;
+    const bool bDestroy = message == WM_DESTROY;  // whose base lets go of the window before
+    EXPECT_EQ(Expected(" mwp", message, bDestroy ? 0 : wParam, bDestroy ? 0 : lParam), s_default);
+    window.Detach();
 }
 
 // Answers what comes back from the parent.
@@ -149,24 +209,15 @@ struct CChild : CTestWindow
 
 TEST(MessageTable, HandsEveryMessageToItsHandlerAndPassesOnWhatNoHandlerTakes)
 {
+    BYTE keys[256] = {};
+    keys[VK_SHIFT] = keys[VK_RBUTTON] = 0x80;
+    SetKeyboardState(keys);
     const HWND hWnd = MakePlain();
     SetWindowLongA(hWnd, GWL_WNDPROC, reinterpret_cast<LONG>(DefaultProc));
-    for (const CRow &row : s_rows) {
-        CRecorder recorder;
-        recorder.Attach(hWnd);
-        EXPECT_EQ(row.result, SendMessageA(hWnd, row.message, row.wParam, row.lParam));
-        EXPECT_EQ(row.record, recorder.m_record);
-        CCUIWindow window;
-        window.Attach(hWnd);
-        const UINT message = row.message;
-        const bool bStructure =
-            message == WM_DRAWITEM || message == WM_MEASUREITEM || message == WM_NOTIFY;
-        const LPARAM lParam = bStructure ? 0 : row.lParam;
-        EXPECT_EQ(row.result, SendMessageA(hWnd, message, row.wParam, lParam)) << row.record;
-        EXPECT_EQ(message == WM_DESTROY ? "2 0 0" : Text("%x %x %lx", message, row.wParam, lParam),
-                  s_default);
-        window.Detach();
-    }
+    for (const CRow &row : FURTHER)
+        ExpectHandled(hWnd, row, true);
+    for (const CRow &row : FIRST)
+        ExpectHandled(hWnd, row, false);
 }
 
 TEST(MessageTable, GivesWhatAChildSentBackToTheChildFirst)
@@ -178,12 +229,14 @@ TEST(MessageTable, GivesWhatAChildSentBackToTheChildFirst)
     DRAWITEMSTRUCT draw = {ODT_BUTTON, 7, 0, 0, 0, hChild, nullptr, {}, 0};
     MEASUREITEMSTRUCT measure = {ODT_LISTBOX, 7, 0, 0, 0, 0};
     COMPAREITEMSTRUCT compare = {ODT_LISTBOX, 7, hChild, 0, 0, 0, 0, 0};
-    const std::pair<UINT, const void *> sent[] = {
-        {WM_NOTIFY, &header},           {WM_DRAWITEM, &draw},     {WM_MEASUREITEM, &measure},
-        {WM_COMPAREITEM, &compare},     {WM_COMMAND, hChild},     {WM_CTLCOLOREDIT, hChild},
-        {WM_CTLCOLORLISTBOX, hChild},   {WM_CTLCOLORBTN, hChild}, {WM_CTLCOLORSTATIC, hChild},
-        {WM_CTLCOLORSCROLLBAR, hChild}, {WM_HSCROLL, hChild},     {WM_VSCROLL, hChild},
-        {WM_CHARTOITEM, hChild},        {WM_VKEYTOITEM, hChild}};
+    std::map<UINT, const void *> sent = {{WM_NOTIFY, &header},
+                                         {WM_DRAWITEM, &draw},
+                                         {WM_MEASUREITEM, &measure},
+                                         {WM_COMPAREITEM, &compare}};
+    for (const UINT message : std::initializer_list<UINT>{
+             WM_COMMAND, WM_CTLCOLOREDIT, WM_CTLCOLORLISTBOX, WM_CTLCOLORBTN, WM_CTLCOLORSTATIC,
+             WM_CTLCOLORSCROLLBAR, WM_HSCROLL, WM_VSCROLL, WM_CHARTOITEM, WM_VKEYTOITEM})
+        sent[message] = hChild;
     for (const auto &[message, p] : sent) {
         const LRESULT result = SendMessageA(parent, message, 7, reinterpret_cast<LPARAM>(p));
         EXPECT_EQ(message == WM_COMMAND ? 0 : 0x77, result) << message;
@@ -195,4 +248,19 @@ TEST(MessageTable, GivesWhatAChildSentBackToTheChildFirst)
     child.m_nSeen = 0;
     SendMessageA(parent, WM_DRAWITEM, 0, reinterpret_cast<LPARAM>(&draw));
     EXPECT_EQ(0U, child.m_nSeen);
+}
+
+TEST(MessageTable, MouseThatLeavesIsHeardOfOnce)
+{
+    CScripted<> window;
+    int nLeft = 0;
+    window.m_on[WM_MOUSELEAVE] = [&] { return ++nLeft; };
+    EXPECT_EQ(0, window.TrackMouseLeave());
+    ASSERT_TRUE(CreateTestWindow(window));
+    ShowWindow(window, SW_SHOWNORMAL);
+    SetCursorPos(110, 120);
+    EXPECT_EQ(1, window.TrackMouseLeave());
+    SetCursorPos(0, 0);
+    CCUIWindow::IdleLoop(-1000, 0);
+    EXPECT_EQ(1, nLeft);
 }

@@ -28,15 +28,24 @@ CCUString NewText(CCUString sText, const CCUString &sOld)
     return sText;
 }
 
+// Whether the item is still the command's, and the handler still there: every call of the handler
+// may change that.
+bool IsItemOf(HMENU hMenu, UINT nItem, unsigned int nID, const CCUICommandHandler *pHandler)
+{
+    return GetMenuItemID(hMenu, static_cast<int>(nItem)) == nID &&
+           CCUICommandMap::Lookup(nID) == pHandler;
+}
+
 void UpdateItem(HMENU hMenu, UINT nItem, CCUICommandHandler *pHandler, unsigned int nID)
 {
     const unsigned short nState = pHandler->GetState(nID);
+    if (!IsItemOf(hMenu, nItem, nID, pHandler))
+        return;
     CCUString sText;
     if (nState & CUI_COMMAND_TEXT)
         sText = pHandler->GetShortTT(nID);
     CUIMenuItem item;
-    // The handler may have changed the menu.
-    if (!item.Read(hMenu, nItem) || item.m_nID != nID)
+    if (!IsItemOf(hMenu, nItem, nID, pHandler) || !item.Read(hMenu, nItem))
         return;
     const UINT nOldState = item.m_nState;
     item.m_nState &= ~static_cast<UINT>(MFS_DISABLED | MFS_CHECKED);
@@ -105,9 +114,10 @@ void CCUIWindow::OnInitMenuPopup(HMENU hMenu, UINT, int bSystemMenu)
     CWatch watch(this);
     if (m_bRoutesCommands && !bSystemMenu)
         CCUICommandMap::UpdateMenu(hMenu);
-    if (g_pMenuHooks && !bSystemMenu && !watch.IsGone())
+    if (g_pMenuHooks && !bSystemMenu && !watch.IsGone() && m_hWnd)
         g_pMenuHooks->opens(hMenu, m_hWnd);
-    if (!watch.IsGone())
+    // A handler may have closed the window.
+    if (!watch.IsGone() && m_hWnd)
         Default();
 }
 
@@ -116,7 +126,7 @@ void CCUIWindow::RouteCommand(UINT nCode, UINT nID, HWND hControl)
     CWatch watch(this);
     // What comes from a window further below was offered to its control there.
     const bool bOwn = hControl && GetParent(hControl) == m_hWnd;
-    if ((bOwn && ReflectLastMessage(hControl, nullptr)) || watch.IsGone())
+    if ((bOwn && ReflectLastMessage(hControl, nullptr)) || watch.IsGone() || !m_hWnd)
         return;
     if (IsCommand(nCode, hControl)) {
         if (CCUIWindow *const pRouter = FindRouter()) {

@@ -36,20 +36,13 @@ void CUIBmpDeleteObject(void **ph)
 
 // --- Plain copies ---
 
-void CUIBmpBitBlt(HDC hDC, UINT x, UINT y, HBITMAP hBmp, UINT xSrc, UINT ySrc, UINT cx, UINT cy,
-                  HPALETTE hPal, int bForceBkgd)
-{
-    if (!hBmp)
-        return;
-    DefaultSize(hBmp, cx, cy);
-    const HDC hImageDC = g_bmpImageDC.For(hDC);
-    const CCUISelectPalette palette(hImageDC, hPal, bForceBkgd);
-    const CCUISelect bitmap(hImageDC, hBmp);
-    BitBlt(hDC, Int(x), Int(y), Int(cx), Int(cy), hImageDC, Int(xSrc), Int(ySrc), SRCCOPY);
-}
+namespace {
 
-void CUIBmpStretchBlt(HDC hDC, UINT x, UINT y, UINT cx, UINT cy, HBITMAP hBmp, UINT xSrc, UINT ySrc,
-                      UINT cxSrc, UINT cySrc, HPALETTE hPal, int bForceBkgd)
+// Copies the bitmap, of which a part that has no size is all. The blit, one of the two below, is
+// called with the DC to copy from.
+template <typename Blit>
+void DrawPlain(HDC hDC, HBITMAP hBmp, UINT &cxSrc, UINT &cySrc, HPALETTE hPal, int bForceBkgd,
+               Blit blit)
 {
     if (!hBmp)
         return;
@@ -57,9 +50,27 @@ void CUIBmpStretchBlt(HDC hDC, UINT x, UINT y, UINT cx, UINT cy, HBITMAP hBmp, U
     const HDC hImageDC = g_bmpImageDC.For(hDC);
     const CCUISelectPalette palette(hImageDC, hPal, bForceBkgd);
     const CCUISelect bitmap(hImageDC, hBmp);
-    if (!StretchBlt(hDC, Int(x), Int(y), Int(cx), Int(cy), hImageDC, Int(xSrc), Int(ySrc),
-                    Int(cxSrc), Int(cySrc), SRCCOPY))
-        CUDump("StretchBlt failed - gle: %d\n", static_cast<int>(GetLastError()));
+    blit(hImageDC);
+}
+
+}  // namespace
+
+void CUIBmpBitBlt(HDC hDC, UINT x, UINT y, HBITMAP hBmp, UINT xSrc, UINT ySrc, UINT cx, UINT cy,
+                  HPALETTE hPal, int bForceBkgd)
+{
+    DrawPlain(hDC, hBmp, cx, cy, hPal, bForceBkgd, [&](HDC hImageDC) {
+        BitBlt(hDC, Int(x), Int(y), Int(cx), Int(cy), hImageDC, Int(xSrc), Int(ySrc), SRCCOPY);
+    });
+}
+
+void CUIBmpStretchBlt(HDC hDC, UINT x, UINT y, UINT cx, UINT cy, HBITMAP hBmp, UINT xSrc, UINT ySrc,
+                      UINT cxSrc, UINT cySrc, HPALETTE hPal, int bForceBkgd)
+{
+    DrawPlain(hDC, hBmp, cxSrc, cySrc, hPal, bForceBkgd, [&](HDC hImageDC) {
+        if (!StretchBlt(hDC, Int(x), Int(y), Int(cx), Int(cy), hImageDC, Int(xSrc), Int(ySrc),
+                        Int(cxSrc), Int(cySrc), SRCCOPY))
+            CUDump("StretchBlt failed - gle: %d\n", static_cast<int>(GetLastError()));
+    });
 }
 
 // --- Transparent copies ---

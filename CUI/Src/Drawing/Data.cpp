@@ -64,6 +64,18 @@ void Renew(const CColored<Handle> (&fields)[N], Handle (*make)(DWORD))
     }
 }
 
+// What the system says of its fonts.
+template <typename Metrics, size_t nSize>
+Metrics ReadMetrics(UINT nAction)
+{
+    Metrics metrics;
+    static_assert(sizeof metrics == nSize, "the size that every system takes");
+    memset(&metrics, 0, sizeof metrics);
+    metrics.cbSize = sizeof metrics;
+    SystemParametersInfoA(nAction, sizeof metrics, &metrics, 0);
+    return metrics;
+}
+
 HFONT BoldFont(const LOGFONTA &font)
 {
     LOGFONTA bold = font;
@@ -181,11 +193,7 @@ void CUIData::UpdateSysFonts()
     DeleteField(&hIconFont);
     DeleteField(&hIconFontBold);
 
-    NONCLIENTMETRICSA metrics;
-    static_assert(sizeof metrics == 340, "the size that every system takes");
-    memset(&metrics, 0, sizeof metrics);
-    metrics.cbSize = sizeof metrics;
-    SystemParametersInfoA(SPI_GETNONCLIENTMETRICS, sizeof metrics, &metrics, 0);
+    const auto metrics = ReadMetrics<NONCLIENTMETRICSA, 340>(SPI_GETNONCLIENTMETRICS);
     hStatusFont = CreateFontIndirectA(&metrics.lfStatusFont);
     CU_ASSERT(hStatusFont);
     hMenuFont = CreateFontIndirectA(&metrics.lfMenuFont);
@@ -193,11 +201,7 @@ void CUIData::UpdateSysFonts()
     hMenuFontBold = BoldFont(metrics.lfMenuFont);
     CU_ASSERT(hMenuFontBold);
 
-    ICONMETRICSA icons;
-    static_assert(sizeof icons == 76, "the size that every system takes");
-    memset(&icons, 0, sizeof icons);
-    icons.cbSize = sizeof icons;
-    SystemParametersInfoA(SPI_GETICONMETRICS, sizeof icons, &icons, 0);
+    const auto icons = ReadMetrics<ICONMETRICSA, 76>(SPI_GETICONMETRICS);
     hIconFont = CreateFontIndirectA(&icons.lfFont);
     CU_ASSERT(hIconFont);
     hIconFontBold = BoldFont(icons.lfFont);

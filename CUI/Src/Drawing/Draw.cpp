@@ -97,14 +97,8 @@ void CUIDCDraw3dRect(HDC hDC, int x, int y, int cx, int cy, DWORD crTopLeft, DWO
     const int bottom1 = CUWrapAdd(bottom, -1);
     // The rectangles of the right column and the bottom row have their edges reversed: they go back
     // from the far edge by one pixel.
-    if (!bTrim) {
-        const CCUIBkColor color(hDC, crTopLeft);
-        Fill(hDC, {x, y, right1, y1});
-        Fill(hDC, {x, y1, x1, bottom1});
-        SetBkColor(hDC, crBottomRight);
-        Fill(hDC, {right, y, right1, bottom});
-        Fill(hDC, {x, bottom, right1, bottom1});
-    } else if (bTrimBoth) {
+    if (bTrim && bTrimBoth) {
+        // Columns before rows, which shows where a rectangle is thinner than its lines.
         const CCUIBkColor color(hDC, crTopLeft);
         Fill(hDC, {x, y1, x1, bottom1});
         SetBkColor(hDC, crBottomRight);
@@ -113,14 +107,15 @@ void CUIDCDraw3dRect(HDC hDC, int x, int y, int cx, int cy, DWORD crTopLeft, DWO
         Fill(hDC, {x1, y, right, y1});
         SetBkColor(hDC, crBottomRight);
         Fill(hDC, {x, bottom, right1, bottom1});
-    } else {
-        const CCUIBkColor color(hDC, crTopLeft);
-        Fill(hDC, {x1, y, right1, y1});
-        Fill(hDC, {x, y1, x1, bottom});
-        SetBkColor(hDC, crBottomRight);
-        Fill(hDC, {right, y, right1, bottom1});
-        Fill(hDC, {x1, bottom, right1, bottom1});
+        return;
     }
+    const int xRows = bTrim ? x1 : x;
+    const CCUIBkColor color(hDC, crTopLeft);
+    Fill(hDC, {xRows, y, right1, y1});
+    Fill(hDC, {x, y1, x1, bTrim ? bottom : bottom1});
+    SetBkColor(hDC, crBottomRight);
+    Fill(hDC, {right, y, right1, bTrim ? bottom1 : bottom});
+    Fill(hDC, {xRows, bottom, right1, bottom1});
 }
 
 void CUIDCRubberRect(HDC hDC, const RECT *prcOld, const RECT *prcNew)

@@ -1,0 +1,316 @@
+// Commands: the map of their handlers, their way there from menus, keys and controls, and back into
+// menus.
+#include <random>
+
+#include "CU/IDGenerator.h"
+#include "CUI/CommandHandler.h"
+#include "CUI/CommandMap.h"
+#include "CUI/Menu.h"
+#include "Support/Reports.h"
+#include "Support/TestWindow.h"
+
+namespace {
+
+class CCommand final : public CCUICommandHandler
+{
+public:
+    explicit CCommand(unsigned nID, unsigned nRange = 1) : CCUICommandHandler(nID, nRange) {}
+    void HandleCommand(unsigned) override { ++m_nDone, m_onCommand(); }
+    void HandleUpdate(unsigned) override { ++m_nUpdates, m_onUpdate(); }
+    unsigned short GetState(unsigned) override { return m_onState(), m_nState; }
+    CCUString GetShortTT(unsigned) override { return m_onText(), m_text; }
+
+    unsigned short m_nState = CUI_COMMAND_ACTIVE;
+    const char *m_text = "";
+    int m_nDone = 0, m_nUpdates = 0;
+    std::function<void()> m_onCommand = [] {}, m_onUpdate = [] {}, m_onState = [] {},
+                          m_onText = [] {};
+};
+
+// Counts what comes by, as a window and as a control, and takes it if it is to.
+class CStation : public CCUIWindow
+{
+public:
+    int m_nSeen = 0;
+    bool m_bTake = false;
+
+protected:
+    void OnCommand(UINT nCode, UINT nID, HWND hControl) override
+    {
+        ++m_nSeen;
+        if (!m_bTake)
+            CCUIWindow::OnCommand(nCode, nID, hControl);
+    }
+    int OnReflectedMessage(UINT, WPARAM, LPARAM, long &) override { return ++m_nSeen, m_bTake; }
+};
+
+// Leaves nothing in its memory by which who still looks there gets on.
+struct CPoisoned : CTestWindow
+{
+    static void operator delete(void *p, size_t nSize)
+    {
+        std::fill_n(static_cast<volatile char *>(p), nSize, '\x55');
+        ::operator delete(p);
+    }
+};
+
+// A control that does something to its parent before it says no.
+struct CCloser : CTestWindow
+{
+    using CTestWindow::CTestWindow;
+    int OnReflectedMessage(UINT, WPARAM, LPARAM, long &) override { return m_onSeen(), 0; }
+    std::function<void()> m_onSeen;
+};
+
+void Open(HWND hWnd, const CCUIMenu &menu, bool bSystem = false)
+{
+    SendMessageA(hWnd, WM_INITMENUPOPUP, reinterpret_cast<WPARAM>(menu.GetHandle()),
+                 MAKELPARAM(0, bSystem));
+}
+
+std::string Item(HMENU hMenu, UINT nItem)
+{
+    char szText[64] = "";
+    GetMenuStringA(hMenu, nItem, szText, sizeof szText, MF_BYPOSITION);
+    MENUITEMINFOA item = {};
+    item.cbSize = sizeof item;
+    item.fMask = MIIM_STATE | MIIM_TYPE;
+    GetMenuItemInfoA(hMenu, nItem, TRUE, &item);
+    return std::string(szText) + ((item.fState & MFS_DISABLED) ? " disabled" : "") +
+           ((item.fState & MFS_CHECKED) ? " checked" : "") +
+           ((item.fType & MFT_RADIOCHECK) ? " radio" : "");
+}
+
+}  // namespace
+
+TEST(CommandMap, FindsWhatWasAddedOrPutThereLastInTablesThatGrowInSteps)
+{
+    const CReports reports;
+    std::mt19937 random(1);
+    std::vector<std::unique_ptr<CCommand>> commands;
+    std::map<unsigned, CCUICommandHandler *> expected;
+    CCommand edge(1126, 2);
+    expected[1126] = expected[1127] = &edge;
+    unsigned nEnds[] = {1128, 10064};  // of the tables
+    CCUICommandMap::Override(10063, &edge);
+    EXPECT_EQ(nullptr, CCUICommandMap::Override(10064, &edge));
+    EXPECT_EQ(&edge, CCUICommandMap::Override(10063, nullptr));
+    EXPECT_EQ(nullptr, CCUICommandMap::Lookup(10064));
+    for (int i = 0; i < 3000; ++i) {
+        const int nTable = i % 2;
+        const unsigned nBase = nTable ? 10000 : 1000, nRange = 1 + random() % 4;
+        const unsigned nID = nBase + random() % 500, nOther = nBase + random() % 500;
+        const size_t n = commands.empty() ? 0 : random() % commands.size();
+        if (random() % 4 || commands.empty()) {
+            if (expected[nID] || expected[nID + 1] || expected[nID + 2] || expected[nID + 3])
+                continue;
+            commands.push_back(std::make_unique<CCommand>(nID, nRange));
+            for (unsigned own = nID; own < nID + nRange; ++own)
+                expected[own] = commands.back().get();
+            nEnds[nTable] = std::max(nEnds[nTable], nBase + (nID - nBase + nRange + 63) / 64 * 64);
+        } else if (random() % 2 && nOther < nEnds[nTable]) {
+            EXPECT_EQ(expected[nOther], CCUICommandMap::Override(nOther, commands[n].get()));
+            expected[nOther] = commands[n].get();
+        } else {  // removal finds it wherever it has been put
+            for (unsigned own = 0; own < commands[n]->GetIDRange(); ++own)
+                expected[commands[n]->GetID() + own] = nullptr;
+            for (auto &entry : expected)
+                entry.second = entry.second == commands[n].get() ? nullptr : entry.second;
+            commands.erase(commands.begin() + static_cast<ptrdiff_t>(n));
+        }
+        ASSERT_EQ(expected[nOther], CCUICommandMap::Lookup(nOther)) << i << ": " << nOther;
+    }
+    EXPECT_EQ(0, reports.Total());
+}
+
+TEST(CommandMap, ReportsMisuse)
+{
+    CReports reports;
+    for (const unsigned nID : {0u, 0x7FFFFFFFu, 0x80000000u, 0xFFFFFFFFu})
+        EXPECT_EQ(nullptr, CCUICommandMap::Lookup(nID));
+    EXPECT_EQ("0; pCmdHandler; pCmdHandler", reports.Of("CommandMap", [] {
+        EXPECT_EQ(nullptr, CCUICommandMap::Lookup(999));
+        EXPECT_EQ(0, CCUICommandMap::Add(nullptr) + CCUICommandMap::Remove(nullptr));
+    }));
+    CCommand one(1500, 2), tooLarge(0x7FFFFFFF, 0xFFFFFFFF),
+        same(1501);  // no memory has the second
+    EXPECT_EQ((Texts{"CommandHandler: CCUICommandMap::Add(this)",
+                     "CommandMap: m_pMap[nMap][nIndex + nI] == NULL"}),
+              reports.Asserts());
+}
+
+TEST(CommandHandler, DrawsIdentifiersInBlocksOrServesNoneAndChecksItsRange)
+{
+    CReports reports;
+    CCommand block(0, 3);
+    EXPECT_EQ(&block, CCUICommandMap::Lookup(block.GetID() + 2));
+    EXPECT_EQ(block.GetID() + 3, CCUIIDGenerator::GetNextID());
+    EXPECT_EQ(0u, CCommand(0x80000000).GetID());
+    EXPECT_EQ(0u, CCommand(0xFFFFFFFB, 2).GetID());
+    EXPECT_EQ(Texts{"CommandHandler: nIDRange == 1"}, reports.Asserts());
+    CCUICommandHandler handler(2000, 2);
+    handler.HandleCommand(0);
+    handler.HandleUpdate(2001);
+    EXPECT_EQ(Texts(), reports.Asserts());
+    handler.HandleCommand(2002);
+    handler.HandleUpdate(1999);
+    EXPECT_EQ(Texts(2, "CommandHandler: nID >= m_nID && nID < m_nID + m_nIDRange"),
+              reports.Asserts());
+}
+
+TEST(CommandRouting, TakesCommandsThroughControlAndWindowsToTheHandler)
+{
+    CReports reports;
+    CCommand command(1000);
+    CStation frame, panel, control;
+    ASSERT_TRUE(CreateTestWindow(frame));
+    // A panel that is no framework window lies between.
+    ASSERT_TRUE(CreateTestWindow(panel, MakePlain("STATIC", frame), WS_CHILD));
+    ASSERT_TRUE(CreateTestWindow(control, panel, WS_CHILD));
+    std::mt19937 random(1);
+    for (int i = 0; i < 500; ++i) {
+        for (CStation *pStation : {&control, &panel, &frame}) {
+            pStation->m_nSeen = 0;
+            pStation->m_bTake = random() % 5 == 0;
+            pStation->RouteCommands(random() % 2);
+        }
+        command.m_nDone = 0;
+        command.m_nState = static_cast<unsigned short>(random());
+        const unsigned nID = 999 + random() % 2, nCode = random() % 3 / 2 + random() % 2;
+        const bool bFromControl = random() % 2;
+        const bool bAsked = bFromControl && !panel.m_bTake;
+        const bool bCommand = nCode == 0 || (nCode == 1 && !bFromControl);
+        const bool bRouted = !panel.m_bTake && !(bFromControl && control.m_bTake) &&
+                             panel.RoutesCommands() && bCommand;
+        const bool bFrame = bRouted && frame.RoutesCommands();
+        const bool bDone = bRouted && !(bFrame && frame.m_bTake) && nID == 1000 &&
+                           (command.m_nState & CUI_COMMAND_ACTIVE);
+        SendMessageA(panel, WM_COMMAND, MAKEWPARAM(nID, nCode),
+                     bFromControl ? reinterpret_cast<LPARAM>(control.GetHandle()) : 0);
+        EXPECT_EQ(
+            Text("%d 1 %d %d", bAsked, bFrame, bDone),
+            Text("%d %d %d %d", control.m_nSeen, panel.m_nSeen, frame.m_nSeen, command.m_nDone))
+            << i;
+    }
+    EXPECT_EQ(0, reports.Total());
+}
+
+TEST(CommandRouting, SurvivesHandlersThatDeleteTheirWindowOrThemselves)
+{
+    CReports reports;
+    std::unique_ptr<CTestWindow> window = std::make_unique<CPoisoned>();
+    auto command = std::make_unique<CCommand>(1000);
+    window->RouteCommands(true);
+    command->m_onState = [&] { CCUICommandMap::Remove(command.get()); };
+    SendMessageA(*window, WM_COMMAND, 1000, 0);
+    EXPECT_EQ(0, command->m_nDone);
+    CCUICommandMap::Add(command.get());
+    command->m_onState = [] {};
+    command->m_onCommand = command->m_onUpdate = [&] { window.reset(); };
+    SendMessageA(*window, WM_COMMAND, 1000, 0);
+    EXPECT_EQ(nullptr, window);
+    window = std::make_unique<CPoisoned>();
+    window->RouteCommands(true);
+    CCUIMenu menu;
+    AppendMenuA(menu.GetHandle(), MF_STRING, 1000, "one");
+    Open(*window, menu);
+    EXPECT_EQ(nullptr, window);
+    // Nor does it matter what they do to the menu.
+    const HMENU hMenu = menu.GetHandle();
+    command->m_onUpdate = [&] { InsertMenuA(hMenu, 0, MF_BYPOSITION, 1001, "new"); };
+    command->m_nState = CUI_COMMAND_TEXT;
+    command->m_text = "text";
+    CCUICommandMap::UpdateMenu(hMenu);
+    EXPECT_EQ("new", Item(hMenu, 0));
+    command->m_onText = std::exchange(command->m_onUpdate, [] {});
+    CCUICommandMap::UpdateMenu(hMenu);
+    EXPECT_EQ("new new one", Item(hMenu, 0) + " " + Item(hMenu, 1) + " " + Item(hMenu, 2));
+    // The state is asked for twice: before the command is refreshed and after.
+    bool bAsked = false;
+    command->m_onState = [&] {
+        if (std::exchange(bAsked, true))
+            CCUICommandMap::Remove(command.get()), command->m_onText = [] { ADD_FAILURE(); };
+    };
+    CCUICommandMap::UpdateMenu(hMenu);
+    // A window that is closed gets no default processing.
+    window = std::make_unique<CPoisoned>();
+    window->RouteCommands(true);
+    CCUICommandMap::Add(command.get());
+    command->m_onState = command->m_onText = [] {};
+    command->m_onUpdate = [&] { window->Destroy(); };
+    Open(*window, menu);
+    // Nor does its command go on.
+    command->m_nState = CUI_COMMAND_ACTIVE;
+    for (const int nWay : {0, 1, 2}) {
+        window = std::make_unique<CPoisoned>();
+        window->RouteCommands(nWay < 2);
+        CCloser closer(*window, WS_CHILD);
+        closer.m_onSeen = [&] { nWay ? window.reset() : void(window->Destroy()); };
+        SendMessageA(*window, WM_COMMAND, 1000, reinterpret_cast<LPARAM>(closer.GetHandle()));
+    }
+    EXPECT_EQ(1, command->m_nDone);
+    EXPECT_EQ(0, reports.Total());
+}
+
+TEST(CommandRouting, RefreshesTheItemsOfAMenuAndWhatIsIdleAsTheHandlersSay)
+{
+    CCommand command(1000);
+    CCUIMenu menu;
+    const HMENU hMenu = menu.GetHandle(), hSub = CreatePopupMenu();
+    AppendMenuA(hMenu, MF_STRING, 1000, "one\tCtrl+O");
+    AppendMenuA(hMenu, MF_OWNERDRAW, 1000, nullptr);
+    AppendMenuA(hMenu, MF_STRING | MF_GRAYED | MF_CHECKED, 1001, "other");
+    AppendMenuA(hMenu, MF_POPUP, reinterpret_cast<UINT_PTR>(hSub), "sub");
+    AppendMenuA(hSub, MF_STRING | MF_CHECKED, 1000, "inside");
+    std::mt19937 random(1);
+    std::string text = "one\tCtrl+O";
+    for (int i = 0; i < 300; ++i) {
+        const unsigned n = command.m_nState = random() % 0x200;
+        command.m_text = random() % 2 ? "two\tF3" : "three";
+        const std::string said = command.m_text, shortcut = text.substr(text.find('\t'));
+        if (n & CUI_COMMAND_TEXT)
+            text = said.find('\t') == std::string::npos ? said + shortcut : said;
+        const std::string state = std::string(n & CUI_COMMAND_ACTIVE ? "" : " disabled") +
+                                  (n & CUI_COMMAND_CHECKED ? " checked" : "");
+        command.m_nUpdates = 0;
+        CCUICommandMap::UpdateMenu(hMenu);
+        EXPECT_EQ(text + state + (n & CUI_COMMAND_RADIO ? " radio" : ""), Item(hMenu, 0));
+        EXPECT_EQ(state, Item(hMenu, 1)) << n;
+        EXPECT_EQ(n & 0x3C ? 0 : 2, command.m_nUpdates) << n;  // minimised, hidden, by a timer
+        command.m_nUpdates = 0;
+        CCUICommandMap::IdleUpdate();
+        EXPECT_EQ(!(n & 0x3D), command.m_nUpdates) << n;  // nor those that menus refresh
+    }
+    EXPECT_EQ("other disabled checked", Item(hMenu, 2));
+    EXPECT_EQ("inside checked", Item(hSub, 0));
+}
+
+TEST(CommandRouting, MenuByKeyboardAndAcceleratorShowAndDoWhatTheHandlerSays)
+{
+    CCommand first(1000), second(1001);
+    CTestWindow window;
+    ShowWindow(window, SW_SHOWNORMAL);
+    CCUIMenu menu;
+    AppendMenuA(menu.GetHandle(), MF_STRING | MF_CHECKED, 1000, "first");
+    AppendMenuA(menu.GetHandle(), MF_STRING, 1001, "second");
+    first.m_nState = 0;
+    for (const bool bRoutes : {false, true}) {
+        window.RouteCommands(bRoutes);
+        Open(window, menu, true);
+        EXPECT_EQ("first checked", Item(menu.GetHandle(), 0)) << "as a system menu";
+        for (const int nKey : {VK_DOWN, VK_DOWN, VK_RETURN})
+            PostMessageA(window, WM_KEYDOWN, static_cast<WPARAM>(nKey), 1);
+        POINT at = {50, 50};
+        window.DisplayPopupMenu(&menu, 0, at, nullptr);
+        PumpWaiting();
+        EXPECT_EQ(bRoutes ? "first disabled" : "first checked", Item(menu.GetHandle(), 0));
+        EXPECT_EQ(bRoutes, second.m_nDone);
+    }
+    ACCEL key = {FVIRTKEY, VK_F5, 1001};
+    MSG msg = {window, WM_KEYDOWN, VK_F5, 1, 0, {}};
+    for (const int nCount : {1, 0}) {
+        EXPECT_EQ(1, window.SetAccelerators(&key, nCount));
+        EXPECT_EQ(nCount, CCUIWindow::PerformPreTranslation(&msg));
+    }
+    EXPECT_EQ("2 0", Text("%d %d", second.m_nDone, first.m_nDone));
+}
