@@ -95,6 +95,7 @@ protected:
 
 private:
     void SetTexts();
+    long OnColor(HDC hDC, HWND hControl);
     void StartCountdown();
     void StopCountdown();
     void ShowCountdown(int nSeconds);

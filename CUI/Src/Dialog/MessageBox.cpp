@@ -195,12 +195,26 @@ void CCUIMessageBox::OnHelp()
 
 // --- Messages ---
 
+// On screens of 256 colours the brush may be dithered, which the colour behind text is not: so that
+// is not drawn, and the text that scrolls, which needs it, stands on the colour of windows.
+long CCUIMessageBox::OnColor(HDC hDC, HWND hControl)
+{
+    if (GetWindowLongA(hControl, GWL_STYLE) & WS_VSCROLL) {
+        SetTextColor(hDC, GetSysColor(COLOR_WINDOWTEXT));
+        SetBkColor(hDC, GetSysColor(COLOR_WINDOW));
+        return reinterpret_cast<long>(CUIGetWinData()->hbrWindow);
+    }
+    SetTextColor(hDC, GetSysColor(COLOR_BTNTEXT));
+    SetBkMode(hDC, TRANSPARENT);
+    return CCUIDialog::WindowProc(WM_CTLCOLORSTATIC, reinterpret_cast<WPARAM>(hDC),
+                                  reinterpret_cast<LPARAM>(hControl));
+}
+
 long CCUIMessageBox::WindowProc(UINT message, WPARAM wParam, LPARAM lParam)
 {
     switch (message) {
     case WM_CTLCOLORSTATIC:
-        SetTextColor(reinterpret_cast<HDC>(wParam), GetSysColor(COLOR_BTNTEXT));
-        return CCUIDialog::WindowProc(message, wParam, lParam);
+        return OnColor(reinterpret_cast<HDC>(wParam), reinterpret_cast<HWND>(lParam));
     case WM_COPY: CUICopyText(m_hWnd, GetCopyText()); return 0;
     case WM_HELP:
         if (m_pContent->Find(IDHELP))

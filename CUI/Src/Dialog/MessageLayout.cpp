@@ -103,7 +103,8 @@ SIZE CArrangement::Units(int cx, int cy) const
 
 SIZE CArrangement::Measure(const CCUString &sText, int nWidth, UINT nFormat) const
 {
-    RECT rect = {0, 0, nWidth, 0};
+    // Without text the width would stay.
+    RECT rect = {0, 0, sText.IsEmpty() ? 0 : nWidth, 0};
     DrawTextA(m_dc, sText, sText.GetLength(), &rect, nFormat | DT_CALCRECT);
     return {rect.right, rect.bottom};
 }
@@ -117,8 +118,11 @@ int CArrangement::CaptionWidth() const
         return 0;
     const CCUIOwned<HFONT> font(CreateFontIndirectA(&metrics.lfCaptionFont));
     const CCUISelect select(m_dc, font);
-    return Measure(m_content.m_sCaption, 0, DT_SINGLELINE | DT_NOPREFIX).cx +
-           metrics.iCaptionWidth + m_margin.cx;
+    CCUString sCaption;
+    GetWindowTextA(m_hBox, sCaption.GetBuffer(MAX_PATH), MAX_PATH);
+    sCaption.ReleaseBuffer();
+    return Measure(sCaption, 0, DT_SINGLELINE | DT_NOPREFIX).cx + metrics.iCaptionWidth +
+           m_margin.cx;
 }
 
 void CArrangement::MeasureButtons()
