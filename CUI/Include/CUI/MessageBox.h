@@ -32,65 +32,65 @@ class CCUIMessageContent;
 ///
 /// CCUIWindow::AbortDialog presses the cancel button, else No. A box with neither, such as Abort,
 /// Retry and Ignore, stays.
-class CUI_API CCUIMessageBox : public CCUIDialog
+class CCUIMessageBox : public CCUIDialog
 {
 public:
     /// A null caption is the owner's or, without one, the program's name. Of the flags of
     /// MessageBox these count: a set of buttons (MB_OK to MB_CANCELTRYCONTINUE), MB_HELP, an icon
     /// (with its sound), MB_DEFBUTTON2 to 4, MB_RIGHT, MB_RTLREADING, MB_TOPMOST, MB_SYSTEMMODAL
     /// (the same). MB_SETFOREGROUND is what every dialog does; all others are ignored.
-    explicit CCUIMessageBox(const char *pszText, const char *pszCaption = nullptr,
-                            UINT nFlags = MB_OK);
-    ~CCUIMessageBox() override;
+    CUI_API explicit CCUIMessageBox(const char *pszText, const char *pszCaption = nullptr,
+                                    UINT nFlags = MB_OK);
+    CUI_API ~CCUIMessageBox() override;
 
     /// Adds a button to the right of those added before; the first one takes the place of the set
     /// that the flags name. The identifier, 1 to 0xEFFF, is what DoModal answers. A null caption is
     /// the system's for IDOK to IDCONTINUE (11), in the user's language where the system tells it
     /// (Windows 2000 and later), else in English. Returns 1; or 0, reported, for an identifier out
     /// of range or used already, and for more than 12 buttons.
-    int AddButton(int nID, const char *pszCaption = nullptr);
+    CUI_API int AddButton(int nID, const char *pszCaption = nullptr);
     /// The button that has the focus at first; without a call the flags say which.
-    void SetDefaultButton(int nID);
+    CUI_API void SetDefaultButton(int nID);
     /// The button that Escape presses. Without a call, and always where there is such a button, it
     /// is that of IDCANCEL; a box with one button alone, beside Help, is cancelled by that.
-    void SetCancelButton(int nID);
+    CUI_API void SetCancelButton(int nID);
     /// An icon in place of the flags' one, of the system's size (SM_CXICON); not owned. Null: none.
-    void SetIcon(HICON hIcon);
+    CUI_API void SetIcon(HICON hIcon);
     /// Adds a check box to keep the answer by, under that name in the program's settings
     /// (CUI/Settings.h): while an answer is kept that the box has a button for, DoModal returns it
     /// at once, without a box. Cancel, where there are other buttons, is no answer to keep. A null
     /// pszCheck is "Do not ask again" in English, with one button "Do not show this again". A null
     /// or empty name takes the check box away.
-    void SetDontAsk(const char *pszName, const char *pszCheck = nullptr);
+    CUI_API void SetDontAsk(const char *pszName, const char *pszCheck = nullptr);
     /// Presses the default button when so many seconds (1 to 99999; 0: never) have passed, and
     /// shows them behind its caption. A key or mouse button that is pressed in the box ends it.
-    void SetCountdown(int nSeconds);
+    CUI_API void SetCountdown(int nSeconds);
 
     /// The message as Ctrl+C copies it: caption, text and buttons between dashed lines.
-    CCUString GetCopyText();
+    CUI_API CCUString GetCopyText();
 
     /// Shows the box and returns the identifier of the button that was pressed, or a kept answer;
     /// IDCANCEL where CCUIDialog::DoModal says so (a box that cannot be made is traced).
-    int DoModal(CCUIWindow *pParent) override;
+    CUI_API int DoModal(CCUIWindow *pParent) override;
 
     /// @name What CCUIDialog asks
     /// The template is made in memory, without texts and places, which come with the window.
     /// @{
-    const DLGTEMPLATE *GetTemplate() override;
-    unsigned long GetWindowStyle() override;
-    int GetCaption(CCUString &sCaption) override;
-    int PreTranslateMessage(MSG *pMsg) override;
-    void TimeOut(long nNow) override;
+    CUI_API const DLGTEMPLATE *GetTemplate() override;
+    CUI_API unsigned long GetWindowStyle() override;
+    CUI_API int GetCaption(CCUString &sCaption) override;
+    CUI_API int PreTranslateMessage(MSG *pMsg) override;
+    CUI_API void TimeOut(long nNow) override;
     /// @}
 
 protected:
     /// The Help button, or F1 in a box that has one. The base sends the owner WM_HELP.
-    virtual void OnHelp();
+    CUI_API virtual void OnHelp();
     /// What CCUIDialog calls.
     /// @{
-    long WindowProc(UINT message, WPARAM wParam, LPARAM lParam) override;
-    int OnInitDialog(HWND hFocus, LPARAM lParam) override;
-    void OnCommand(UINT nCode, UINT nID, HWND hControl) override;
+    CUI_API long WindowProc(UINT message, WPARAM wParam, LPARAM lParam) override;
+    CUI_API int OnInitDialog(HWND hFocus, LPARAM lParam) override;
+    CUI_API void OnCommand(UINT nCode, UINT nID, HWND hControl) override;
     /// @}
 
 private:

@@ -1,32 +1,23 @@
 #pragma once
 
-#include "Base/SystemLibrary.h"
+#include "CUI/Platform.h"
 
-// A library of the system that is loaded by its first use and stays as long as the framework. Make
-// it a CCUShared; T has its name as NAME.
-template <typename T>
-class CCUILibrary
+// The libraries that the choosers use. One is loaded by its first use and stays as long as the
+// framework.
+enum CUIChooserLibrary
 {
-public:
-    CCUILibrary() : m_hLibrary(nullptr) {}
-    ~CCUILibrary()
-    {
-        if (m_hLibrary)
-            FreeLibrary(m_hLibrary);
-    }
-    CCUILibrary(const CCUILibrary &) = delete;
-    CCUILibrary &operator=(const CCUILibrary &) = delete;
-
-    // Null, with the last error, when there is no such library or function.
-    template <typename F>
-    F *Find(const char *pszFunction)
-    {
-        if (!m_hLibrary)
-            m_hLibrary = CULoadSystemLibrary(T::NAME);
-        return reinterpret_cast<F *>(m_hLibrary ? GetProcAddress(m_hLibrary, pszFunction)
-                                                : nullptr);
-    }
-
-private:
-    HMODULE m_hLibrary;
+    CUIComDlg32,
+    CUIShell32,
+    CUIOle32,
+    CUIChooserLibraries
 };
+
+// A function of one of them; null, with the last error, when there is no such library or function.
+FARPROC CUIFindChooserFunction(CUIChooserLibrary library, const char *pszFunction);
+
+// The same, as its type.
+template <typename F>
+F *CUIFindChooser(CUIChooserLibrary library, const char *pszFunction)
+{
+    return reinterpret_cast<F *>(CUIFindChooserFunction(library, pszFunction));
+}

@@ -1,26 +1,14 @@
 #include "Dialog/CommonDialog.h"
 
-#include "Base/Lifetime.h"
 #include "Dialog/ChooserLibrary.h"
 #include "Dialog/ChooserOwner.h"
 
 #include <cderr.h>
 
-namespace {
-
-struct CCommonLibrary : CCUILibrary<CCommonLibrary>
-{
-    static constexpr const char *NAME = "comdlg32.dll";
-};
-
-CCUShared<CCommonLibrary> s_library;
-
-}  // namespace
-
 CUICommonResult CUICommonDialog(const char *pszFunction, void *pRecord)
 {
-    auto *const pFunction = s_library.Get().Find<BOOL WINAPI(void *)>(pszFunction);
-    auto *const pGetError = s_library.Get().Find<DWORD WINAPI()>("CommDlgExtendedError");
+    auto *const pFunction = CUIFindChooser<BOOL WINAPI(void *)>(CUIComDlg32, pszFunction);
+    auto *const pGetError = CUIFindChooser<DWORD WINAPI()>(CUIComDlg32, "CommDlgExtendedError");
     if (!pFunction || !pGetError)
         return {FALSE, CUI_NO_FUNCTION, GetLastError()};
     if (pFunction(pRecord))

@@ -1,6 +1,5 @@
 // The chooser of folders.
 
-#include "Base/Lifetime.h"
 #include "CUI/Choosers.h"
 #include "Dialog/ChooserLibrary.h"
 #include "Dialog/ChooserOwner.h"
@@ -9,26 +8,14 @@
 
 namespace {
 
-struct CShellLibrary : CCUILibrary<CShellLibrary>
-{
-    static constexpr const char *NAME = "shell32.dll";
-};
-struct COleLibrary : CCUILibrary<COleLibrary>
-{
-    static constexpr const char *NAME = "ole32.dll";
-};
-
-CCUShared<CShellLibrary> s_shell;
-CCUShared<COleLibrary> s_ole;
-
 // OLE on this thread, which the larger form of the dialog wants.
 class COle
 {
 public:
     COle()
     {
-        auto *const pInitialize = s_ole.Get().Find<HRESULT WINAPI(void *)>("OleInitialize");
-        m_pUninitialize = s_ole.Get().Find<void WINAPI()>("OleUninitialize");
+        auto *const pInitialize = CUIFindChooser<HRESULT WINAPI(void *)>(CUIOle32, "OleInitialize");
+        m_pUninitialize = CUIFindChooser<void WINAPI()>(CUIOle32, "OleUninitialize");
         m_bReady = pInitialize && m_pUninitialize && SUCCEEDED(pInitialize(nullptr));
     }
     ~COle()
@@ -55,7 +42,7 @@ int CALLBACK OnBrowse(HWND hDialog, UINT message, LPARAM, LPARAM lParam)
 
 void FreeShellMemory(void *pMemory)
 {
-    auto *const pGetMalloc = s_shell.Get().Find<HRESULT WINAPI(IMalloc **)>("SHGetMalloc");
+    auto *const pGetMalloc = CUIFindChooser<HRESULT WINAPI(IMalloc **)>(CUIShell32, "SHGetMalloc");
     IMalloc *pMalloc = nullptr;
     if (!pGetMalloc || FAILED(pGetMalloc(&pMalloc)) || !pMalloc)
         return;
@@ -68,9 +55,9 @@ void FreeShellMemory(void *pMemory)
 int CUIChooseFolder(CCUIWindow *pParent, CCUString &sPath, const char *pszText)
 {
     auto *const pBrowse =
-        s_shell.Get().Find<LPITEMIDLIST WINAPI(BROWSEINFOA *)>("SHBrowseForFolderA");
+        CUIFindChooser<LPITEMIDLIST WINAPI(BROWSEINFOA *)>(CUIShell32, "SHBrowseForFolderA");
     auto *const pGetPath =
-        s_shell.Get().Find<BOOL WINAPI(LPCITEMIDLIST, char *)>("SHGetPathFromIDListA");
+        CUIFindChooser<BOOL WINAPI(LPCITEMIDLIST, char *)>(CUIShell32, "SHGetPathFromIDListA");
     if (!pBrowse || !pGetPath)
         return CUIChoiceFailed("SHBrowseForFolderA", 0, GetLastError());
     const COle ole;

@@ -152,7 +152,7 @@ void CCUIMessageBox::SetTexts()
     SetDlgItemTextA(m_hWnd, CCUIMessageContent::CHECK_ID, m_pContent->CheckText());
     SendDlgItemMessageA(m_hWnd, CCUIMessageContent::ICON_ID, STM_SETICON,
                         reinterpret_cast<WPARAM>(m_pContent->Icon()), 0);
-    for (int i = 0; i < m_pContent->m_buttons.Count(); ++i) {
+    for (int i = 0; i < m_pContent->m_nButtons; ++i) {
         const CCUIMessageButton &button = m_pContent->m_buttons[i];
         SetDlgItemTextA(m_hWnd, static_cast<int>(m_pContent->ControlOf(button)), button.sCaption);
     }

@@ -23,21 +23,23 @@ const BYTE SETS[][SET_SIZE] = {
     {IDCANCEL, ID_TRYAGAIN, ID_CONTINUE},
 };
 
+const int STANDARD_SIZE = 64;
+
 // The system's captions: Windows 2000 and later have them among the strings of user32.dll, in the
 // order of their identifiers.
-CCUString StandardCaption(int nID)
+const char *StandardCaption(int nID, char (&szCaption)[STANDARD_SIZE])
 {
     static const char *const CAPTIONS[] = {"OK",      "Cancel",     "&Abort",   "&Retry",
                                            "&Ignore", "&Yes",       "&No",      "&Close",
                                            "Help",    "&Try Again", "&Continue"};
     const UINT FIRST_STRING = 800;
-    if (nID < IDOK || nID > ID_CONTINUE)
-        return CCUString();
-    char szCaption[64] = "";
+    if (nID > ID_CONTINUE)
+        return "";
     const int nIndex = nID - IDOK;
-    LoadStringA(GetModuleHandleA("user32.dll"), FIRST_STRING + static_cast<UINT>(nIndex), szCaption,
-                sizeof szCaption);
-    return *szCaption ? szCaption : CAPTIONS[nIndex];
+    const UINT nString = FIRST_STRING + static_cast<UINT>(nIndex);
+    return LoadStringA(GetModuleHandleA("user32.dll"), nString, szCaption, STANDARD_SIZE) > 0
+               ? szCaption
+               : CAPTIONS[nIndex];
 }
 
 }  // namespace
@@ -47,6 +49,7 @@ CCUIMessageContent::CCUIMessageContent(const char *pszText, const char *pszCapti
       m_sCaption(pszCaption),
       m_bNoCaption(!pszCaption),
       m_nFlags(nFlags),
+      m_nButtons(0),
       m_bOwnButtons(false),
       m_nDefault(0),
       m_nCancel(0),
@@ -71,19 +74,21 @@ CCUIMessageContent::CCUIMessageContent(const char *pszText, const char *pszCapti
 
 void CCUIMessageContent::AddButton(int nID, const char *pszCaption)
 {
-    m_buttons.Add({nID, pszCaption ? CCUString(pszCaption) : StandardCaption(nID)});
+    char szStandard[STANDARD_SIZE];
+    CCUIMessageButton &button = m_buttons[m_nButtons++];
+    button.nID = nID;
+    button.sCaption = pszCaption ? pszCaption : StandardCaption(nID, szStandard);
 }
 
 bool CCUIMessageContent::AddOwnButton(int nID, const char *pszCaption)
 {
     const bool bInRange = nID > 0 && nID <= LAST_BUTTON_ID;
-    const bool bFits =
-        bInRange && !(m_bOwnButtons && (Find(nID) || m_buttons.Count() == MOST_BUTTONS));
+    const bool bFits = bInRange && !(m_bOwnButtons && (Find(nID) || m_nButtons == MOST_BUTTONS));
     CU_ASSERT_TEXT(bFits, "nID");
     if (!bFits)
         return false;
     if (!m_bOwnButtons)
-        m_buttons.Empty();
+        m_nButtons = 0;
     m_bOwnButtons = true;
     AddButton(nID, pszCaption);
     return true;
@@ -91,7 +96,7 @@ bool CCUIMessageContent::AddOwnButton(int nID, const char *pszCaption)
 
 const CCUIMessageButton *CCUIMessageContent::Find(int nID) const
 {
-    for (int i = 0; i < m_buttons.Count(); ++i) {
+    for (int i = 0; i < m_nButtons; ++i) {
         if (m_buttons[i].nID == nID)
             return &m_buttons[i];
     }
@@ -104,7 +109,7 @@ int CCUIMessageContent::CancelID() const
         return IDCANCEL;
     if (Find(m_nCancel))
         return m_nCancel;
-    const int nAnswers = m_buttons.Count() - (Find(IDHELP) ? 1 : 0);
+    const int nAnswers = m_nButtons - (Find(IDHELP) ? 1 : 0);
     return nAnswers == 1 ? m_buttons[m_buttons[0].nID == IDHELP ? 1 : 0].nID : 0;
 }
 
@@ -125,7 +130,7 @@ const CCUIMessageButton &CCUIMessageContent::Default() const
 {
     const CCUIMessageButton *const pNamed = Find(m_nDefault);
     const int nIndex = static_cast<int>((m_nFlags & MB_DEFMASK) / MB_DEFBUTTON2);
-    return pNamed ? *pNamed : m_buttons[nIndex < m_buttons.Count() ? nIndex : 0];
+    return pNamed ? *pNamed : m_buttons[nIndex < m_nButtons ? nIndex : 0];
 }
 
 HICON CCUIMessageContent::Icon() const
@@ -149,7 +154,7 @@ CCUString CCUIMessageContent::CheckText() const
 {
     if (!m_sCheckText.IsEmpty())
         return m_sCheckText;
-    return m_buttons.Count() == 1 ? "&Do not show this again" : "&Do not ask again";
+    return m_nButtons == 1 ? "&Do not show this again" : "&Do not ask again";
 }
 
 int CCUIMessageContent::KeptAnswer() const
@@ -160,7 +165,7 @@ int CCUIMessageContent::KeptAnswer() const
 
 void CCUIMessageContent::KeepAnswer(int nID) const
 {
-    if (nID != CancelID() || m_buttons.Count() == 1)
+    if (nID != CancelID() || m_nButtons == 1)
         CUIWriteAnswer(m_sAnswerName, nID);
 }
 
@@ -186,7 +191,7 @@ const DLGTEMPLATE *CCUIMessageContent::MakeTemplate()
     if (!m_sAnswerName.IsEmpty())
         writer.Add(CUIClassButton, BS_AUTOCHECKBOX | BS_MULTILINE | BS_TOP | WS_TABSTOP | WS_GROUP,
                    nExStyle, CHECK_ID);
-    for (int i = 0; i < m_buttons.Count(); ++i) {
+    for (int i = 0; i < m_nButtons; ++i) {
         const CCUIMessageButton &button = m_buttons[i];
         writer.Add(CUIClassButton,
                    (&button == &Default() ? BS_DEFPUSHBUTTON : BS_PUSHBUTTON) | WS_TABSTOP |

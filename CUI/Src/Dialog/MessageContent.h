@@ -1,12 +1,11 @@
 #pragma once
 
-#include "Base/Array.h"
 #include "CU/String.h"
 #include "Dialog/TemplateWriter.h"
 
 struct CCUIMessageButton
 {
-    int nID;
+    int nID = 0;
     CCUString sCaption;
 };
 
@@ -50,7 +49,8 @@ public:
     CCUString m_sCaption;
     bool m_bNoCaption;  // the owner's
     UINT m_nFlags;
-    CCUArray<CCUIMessageButton> m_buttons;
+    CCUIMessageButton m_buttons[MOST_BUTTONS];
+    int m_nButtons;
     bool m_bOwnButtons;
     int m_nDefault;  // 0: as the flags say
     int m_nCancel;   // 0: none named

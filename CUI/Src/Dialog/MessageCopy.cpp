@@ -57,14 +57,23 @@ CCUString CUIWithLineEnds(const CCUString &sText)
 // The form that the system's box has.
 CCUString CCUIMessageBox::GetCopyText()
 {
-    const CCUString sLine("---------------------------\r\n");
+    const char *const pszLine = "---------------------------\r\n";
     CCUString sCaption;
     GetCaption(sCaption);
-    CCUString sText =
-        sLine + sCaption + "\r\n" + sLine + CUIWithLineEnds(m_pContent->m_sText) + "\r\n" + sLine;
-    for (int i = 0; i < m_pContent->m_buttons.Count(); ++i)
-        sText += WithoutMnemonic(m_pContent->m_buttons[i].sCaption) + "   ";
-    return sText + "\r\n" + sLine;
+    CCUString sText(pszLine);
+    sText += sCaption;
+    sText += "\r\n";
+    sText += pszLine;
+    sText += CUIWithLineEnds(m_pContent->m_sText);
+    sText += "\r\n";
+    sText += pszLine;
+    for (int i = 0; i < m_pContent->m_nButtons; ++i) {
+        sText += WithoutMnemonic(m_pContent->m_buttons[i].sCaption);
+        sText += "   ";
+    }
+    sText += "\r\n";
+    sText += pszLine;
+    return sText;
 }
 
 // The system makes wide text of it by the code page of CF_LOCALE, which without ours is that of the

@@ -31,7 +31,7 @@ public:
 
 private:
     SIZE Units(int cx, int cy) const;
-    SIZE Measure(const CCUString &sText, int nWidth, UINT nFormat) const;
+    SIZE Measure(const char *pszText, int nWidth, UINT nFormat) const;
     int CaptionWidth() const;
     void MeasureButtons();
     void MeasureCheck();
@@ -101,27 +101,26 @@ SIZE CArrangement::Units(int cx, int cy) const
     return {rect.right, rect.bottom};
 }
 
-SIZE CArrangement::Measure(const CCUString &sText, int nWidth, UINT nFormat) const
+SIZE CArrangement::Measure(const char *pszText, int nWidth, UINT nFormat) const
 {
     // Without text the width would stay.
-    RECT rect = {0, 0, sText.IsEmpty() ? 0 : nWidth, 0};
-    DrawTextA(m_dc, sText, sText.GetLength(), &rect, nFormat | DT_CALCRECT);
+    RECT rect = {0, 0, *pszText ? nWidth : 0, 0};
+    DrawTextA(m_dc, pszText, -1, &rect, nFormat | DT_CALCRECT);
     return {rect.right, rect.bottom};
 }
 
 // Of the box's title with what stands beside it.
 int CArrangement::CaptionWidth() const
 {
-    NONCLIENTMETRICSA metrics = {};
+    NONCLIENTMETRICSA metrics;
     metrics.cbSize = sizeof metrics;
     if (!SystemParametersInfoA(SPI_GETNONCLIENTMETRICS, sizeof metrics, &metrics, 0))
         return 0;
     const CCUIOwned<HFONT> font(CreateFontIndirectA(&metrics.lfCaptionFont));
     const CCUISelect select(m_dc, font);
-    CCUString sCaption;
-    GetWindowTextA(m_hBox, sCaption.GetBuffer(MAX_PATH), MAX_PATH);
-    sCaption.ReleaseBuffer();
-    return Measure(sCaption, 0, DT_SINGLELINE | DT_NOPREFIX).cx + metrics.iCaptionWidth +
+    char szCaption[MAX_PATH] = "";
+    GetWindowTextA(m_hBox, szCaption, MAX_PATH);
+    return Measure(szCaption, 0, DT_SINGLELINE | DT_NOPREFIX).cx + metrics.iCaptionWidth +
            m_margin.cx;
 }
 
@@ -130,18 +129,18 @@ void CArrangement::MeasureButtons()
     const SIZE least = Units(50, 14);
     const SIZE around = Units(8, 5);
     m_button = least;
-    for (int i = 0; i < m_content.m_buttons.Count(); ++i) {
+    for (int i = 0; i < m_content.m_nButtons; ++i) {
         const CCUIMessageButton &button = m_content.m_buttons[i];
         const bool bCounts = m_content.m_nSeconds && &button == &m_content.Default();
-        const SIZE size =
-            Measure(bCounts ? m_content.CountdownCaption(m_content.m_nSeconds) : button.sCaption, 0,
-                    DT_SINGLELINE);
+        const CCUString sCaption =
+            bCounts ? m_content.CountdownCaption(m_content.m_nSeconds) : button.sCaption;
+        const SIZE size = Measure(sCaption, 0, DT_SINGLELINE);
         m_button.cx = Max(m_button.cx, size.cx + around.cx);
         m_button.cy = Max(m_button.cy, size.cy + around.cy);
     }
     m_button.cx = Min(m_button.cx, m_most.cx);
     const int nFits = (m_most.cx + m_gap.cx) / (m_button.cx + m_gap.cx);
-    m_nPerRow = Min(Max(nFits, 1), m_content.m_buttons.Count());
+    m_nPerRow = Min(Max(nFits, 1), m_content.m_nButtons);
 }
 
 void CArrangement::MeasureCheck()
@@ -159,7 +158,7 @@ void CArrangement::MeasureCheck()
 void CArrangement::MeasureText()
 {
     const CCUString &sText = m_content.m_sText;
-    const int nRows = (m_content.m_buttons.Count() + m_nPerRow - 1) / m_nPerRow;
+    const int nRows = (m_content.m_nButtons + m_nPerRow - 1) / m_nPerRow;
     const int nOther = nRows * (m_button.cy + m_gap.cy) + m_margin.cy + m_check.cy + m_gap.cy;
     const int nRoom = Max(m_most.cy - nOther, Units(0, 24).cy);
     const int nWide = Max(MulDiv(m_most.cx, 5, 8), Min(Units(200, 0).cx, m_most.cx)) - m_nColumn;
@@ -209,7 +208,7 @@ void CArrangement::Scroll() const
 
 void CArrangement::PlaceButtons(int nBody, int yTop) const
 {
-    const int nCount = m_content.m_buttons.Count();
+    const int nCount = m_content.m_nButtons;
     for (int i = 0; i < nCount; ++i) {
         const int nRow = i / m_nPerRow;
         const int nInRow = Min(nCount - nRow * m_nPerRow, m_nPerRow);
@@ -238,7 +237,7 @@ SIZE CArrangement::Place()
     }
     y += m_margin.cy + m_gap.cy / 2;
     PlaceButtons(nBody, y);
-    const int nRows = (m_content.m_buttons.Count() + m_nPerRow - 1) / m_nPerRow;
+    const int nRows = (m_content.m_nButtons + m_nPerRow - 1) / m_nPerRow;
     return {nBody + 2 * m_margin.cx, y + nRows * (m_button.cy + m_gap.cy) - m_gap.cy + m_margin.cy};
 }
 
