@@ -18,7 +18,8 @@ namespace {
 // field is there some time after the dialog.
 struct CDriver : CTestWindow
 {
-    CDriver(const std::string &name, WPARAM nButton)
+    CDriver(const std::string &name, WPARAM nButton, HWND hTop = nullptr)
+        : CTestWindow(hTop, hTop ? WS_POPUP : WS_OVERLAPPEDWINDOW), m_hTop(hTop)
     {
         m_on[WM_TIMER] = [=] { return Drive(name, nButton), 0; };
         SetTimer(*this, 1, 20, nullptr);
@@ -28,7 +29,7 @@ struct CDriver : CTestWindow
         const HWND hDialog = GetLastActivePopup(*this);
         if (hDialog == *this || !IsWindowVisible(hDialog))
             return;
-        EXPECT_FALSE(IsWindowEnabled(*this));
+        EXPECT_FALSE(IsWindowEnabled(*this) || (m_hTop && IsWindowEnabled(m_hTop)));
         const HWND hName =
             GetDlgItem(hDialog, 0x480) ? GetDlgItem(hDialog, 0x480) : GetDlgItem(hDialog, 0x47C);
         if (!name.empty() && !hName)
@@ -38,6 +39,7 @@ struct CDriver : CTestWindow
         KillTimer(*this, 1);
         PostMessageA(hDialog, WM_COMMAND, nButton, LPARAM(GetDlgItem(hDialog, int(nButton))));
     }
+    const HWND m_hTop;
 };
 
 // Has the library's functions be those of the test, by their names; one without is missing.
@@ -189,12 +191,14 @@ TEST(Choosers, GiveWhatTheUserChooses)
     EXPECT_TRUE(CUIChooseOpenFiles(&several, files, "Texts|*.txt", &choice));
     EXPECT_EQ(2, files.GetCount());
     EXPECT_EQ(folder + "\\two.txt", std::string(files.GetPath(1)));
-    CDriver save("new", IDOK), cancel("", IDCANCEL);
+    CTestWindow top;
+    ShowWindow(top, SW_SHOWMINIMIZED);
+    CDriver save("new", IDOK), cancel("", IDCANCEL, top);
     EXPECT_TRUE(CUIChooseSaveFile(&save, sPath, nullptr, &choice));
     EXPECT_EQ(folder + "\\new.txt", std::string(sPath));
     EXPECT_FALSE(CUIChooseSaveFile(&cancel, sPath));
     EXPECT_EQ(DWORD(ERROR_CANCELLED), GetLastError());
-    EXPECT_TRUE(IsWindowEnabled(cancel));
+    EXPECT_TRUE(IsWindowEnabled(cancel) && IsWindowEnabled(top) && !IsIconic(top));
     CDriver browse("", IDOK), color("", IDOK), look("", IDOK);
     sPath = folder.c_str();
     EXPECT_TRUE(CUIChooseFolder(&browse, sPath, "Where to?"));
