@@ -176,7 +176,7 @@ TEST(Choosers, KeepTheUsersOwnColors)
 TEST(Choosers, GiveWhatTheUserChooses)
 {
     const CTemporaryDirectory directory;
-    const std::string folder = directory.Path();
+    const std::string &folder = directory.Path();
     for (const char *name : {"one.txt", "two.txt"})
         std::ofstream(folder + "\\" + name) << name;
     CCUIFileChoice choice;
