@@ -123,6 +123,10 @@ public:
     virtual void SetControlAutoMakeDirty(unsigned nID, bool bAuto);
 
 protected:
+    /// DoModal with a template in memory, of either form, which must stand until the window is
+    /// made: for classes that build their own. A null one is the resource.
+    int DoModalIndirect(const DLGTEMPLATE *pTemplate, CCUIWindow *pParent);
+
     /// OK: ends the dialog with IDOK if the data can be taken; else it stays open.
     virtual void OnOK();
     /// Cancel, Escape and the close box: ends the dialog with IDCANCEL.

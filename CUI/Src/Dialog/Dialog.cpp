@@ -2,6 +2,7 @@
 
 #include "CU/Assert.h"
 #include "CUI/Data.h"
+#include "Dialog/ChooserOwner.h"
 #include "Dialog/ControlList.h"
 
 #define CU_SOURCE "Dialog"
@@ -67,9 +68,9 @@ public:
     // A modeless run: the same, but nothing is disabled.
     bool FindOwner(CCUIWindow *pParent);
     void SetOwner(HWND hOwner) { m_hOwner = hOwner; }
-    // Makes the window from the template or, without one, from the resource, and shows that one.
-    // Null on failure, which ends the run, and when the run is over already.
-    HWND Start(const DLGTEMPLATE *pTemplate);
+    // Makes the window from the template or, without one, from the resource. Null on failure, which
+    // ends the run, and when the run is over already.
+    HWND Start(const DLGTEMPLATE *pTemplate, bool bShow);
     // Ends the run without a window. Handlers of the owner may delete the dialog.
     void Abandon();
 
@@ -154,7 +155,7 @@ bool CCUIDialog::CRun::FindOwner(CCUIWindow *pParent)
     return !IsGone() && !IsRefused(m_dialog);
 }
 
-HWND CCUIDialog::CRun::Start(const DLGTEMPLATE *pTemplate)
+HWND CCUIDialog::CRun::Start(const DLGTEMPLATE *pTemplate, bool bShow)
 {
     // Once more, and the result too: another run may have come and gone meanwhile.
     MarkBegun();
@@ -170,7 +171,7 @@ HWND CCUIDialog::CRun::Start(const DLGTEMPLATE *pTemplate)
             Abandon();
         return nullptr;
     }
-    if (!pTemplate) {
+    if (bShow) {
         ShowWindow(hWnd, SW_SHOW);
         SetForegroundWindow(hWnd);
     }
@@ -199,14 +200,17 @@ void CCUIDialog::CRun::Abandon()
 
 int CCUIDialog::DoModal(CCUIWindow *pParent)
 {
-    if (!m_hInstance || !m_templateName)
-        return 0;
+    return m_hInstance && m_templateName ? DoModalIndirect(nullptr, pParent) : 0;
+}
+
+int CCUIDialog::DoModalIndirect(const DLGTEMPLATE *pTemplate, CCUIWindow *pParent)
+{
     if (CRun::IsRefused(*this))
         return IDCANCEL;
     CRun run(*this, ModeModal);
     if (!run.TakeOwner(pParent))
         return IDCANCEL;
-    if (run.Start(nullptr))
+    if (run.Start(pTemplate, true))
         ModalLoop();
     // Without OnDestroy, which somebody kept from the dialog, the run is not ended yet.
     if (!run.IsGone() && !m_bEnded && !HasWindow())
@@ -219,7 +223,7 @@ HWND CCUIDialog::DoModeless(CCUIWindow *pParent)
     if (!m_hInstance || !m_templateName || CRun::IsRefused(*this))
         return nullptr;
     CRun run(*this, ModeModeless);
-    return run.FindOwner(pParent) ? run.Start(nullptr) : nullptr;
+    return run.FindOwner(pParent) ? run.Start(nullptr, true) : nullptr;
 }
 
 HWND CCUIDialog::Create(HWND hParent)
@@ -231,18 +235,12 @@ HWND CCUIDialog::Create(HWND hParent)
         return nullptr;
     CRun run(*this, ModeModeless);
     run.SetOwner(hParent);
-    return run.Start(pTemplate);
+    return run.Start(pTemplate, false);
 }
 
 void CCUIDialog::RestoreParent(CCUIWindow *pParent)
 {
-    const HWND hTop = pParent ? pParent->GetTopLevelWindow() : nullptr;
-    WINDOWPLACEMENT placement = {};
-    placement.length = sizeof placement;
-    if (!hTop || !GetWindowPlacement(hTop, &placement) || placement.showCmd != SW_SHOWMINIMIZED)
-        return;
-    placement.showCmd = SW_RESTORE;
-    SetWindowPlacement(hTop, &placement);
+    CUIRestoreWindow(pParent ? pParent->GetTopLevelWindow() : nullptr);
 }
 
 void CCUIDialog::EndDialog(unsigned nResult)

@@ -2,12 +2,15 @@
 
 #include "Base/Lifetime.h"
 #include "CU/Dump.h"
+#include "Frame/ProgramName.h"
 
 namespace {
 
 CCUShared<CCUString> s_key;
 
-CCUString DefaultKey()
+}  // namespace
+
+CCUString CUIProgramName()
 {
     char path[MAX_PATH] = "";
     GetModuleFileNameA(nullptr, path, MAX_PATH - 1);
@@ -20,10 +23,8 @@ CCUString DefaultKey()
     const int nDot = sName.ReverseFind('.');
     if (nDot > 0)
         sName = sName.Left(nDot);
-    return "Software\\" + sName;
+    return sName;
 }
-
-}  // namespace
 
 void CUISetSettingsKey(const char *pszKey)
 {
@@ -33,7 +34,7 @@ void CUISetSettingsKey(const char *pszKey)
 CCUString CUIGetSettingsKey()
 {
     const CCUString &sKey = s_key.Get();
-    return sKey.IsEmpty() ? DefaultKey() : sKey;
+    return sKey.IsEmpty() ? "Software\\" + CUIProgramName() : sKey;
 }
 
 bool CUIOpenSettings(CCURegistry &registry, const char *pszSection, bool bReadOnly)

@@ -1,0 +1,93 @@
+// What a message box puts on the clipboard.
+
+#include <string.h>
+
+#include "CU/Dump.h"
+#include "CUI/MessageBox.h"
+#include "Dialog/LineEnds.h"
+#include "Dialog/MessageContent.h"
+#include "Dialog/MessageCopy.h"
+
+namespace {
+
+// A caption without the marks of its mnemonic. No second byte of a character looks like one.
+CCUString WithoutMnemonic(const CCUString &sCaption)
+{
+    CCUString sPlain;
+    for (const char *psz = sCaption; *psz; ++psz) {
+        if (*psz == '&' && *++psz == '\0')
+            break;
+        sPlain += *psz;
+    }
+    return sPlain;
+}
+
+bool PutOnClipboard(UINT nFormat, const void *pData, SIZE_T nSize)
+{
+    const HGLOBAL hData = GlobalAlloc(GMEM_MOVEABLE | GMEM_DDESHARE, nSize);
+    void *const pMemory = hData ? GlobalLock(hData) : nullptr;
+    if (pMemory) {
+        memcpy(pMemory, pData, nSize);
+        GlobalUnlock(hData);
+        if (SetClipboardData(nFormat, hData))
+            return true;
+    }
+    if (hData)
+        GlobalFree(hData);
+    return false;
+}
+
+}  // namespace
+
+CCUString CUIWithLineEnds(const CCUString &sText)
+{
+    CCUString sResult;
+    char *pTo = sResult.GetBuffer(2 * sText.GetLength());
+    char before = '\0';
+    for (const char *pFrom = sText; *pFrom; before = *pFrom++) {
+        if (*pFrom == '\n' && before != '\r')
+            *pTo++ = '\r';
+        *pTo++ = *pFrom;
+    }
+    *pTo = '\0';
+    sResult.ReleaseBuffer();
+    return sResult;
+}
+
+// The form that the system's box has.
+CCUString CCUIMessageBox::GetCopyText()
+{
+    const char *const pszLine = "---------------------------\r\n";
+    CCUString sCaption;
+    GetCaption(sCaption);
+    CCUString sText(pszLine);
+    sText += sCaption;
+    sText += "\r\n";
+    sText += pszLine;
+    sText += CUIWithLineEnds(m_pContent->m_sText);
+    sText += "\r\n";
+    sText += pszLine;
+    for (int i = 0; i < m_pContent->m_nButtons; ++i) {
+        sText += WithoutMnemonic(m_pContent->m_buttons[i].sCaption);
+        sText += "   ";
+    }
+    sText += "\r\n";
+    sText += pszLine;
+    return sText;
+}
+
+// The system makes wide text of it by the code page of CF_LOCALE, which without ours is that of the
+// keyboard.
+void CUICopyText(HWND hWnd, const CCUString &sText)
+{
+    if (!OpenClipboard(hWnd)) {
+        CUDump("Unable to open the clipboard, gle: %lu\n", GetLastError());
+        return;
+    }
+    const LCID nLocale = GetSystemDefaultLCID();
+    const SIZE_T nSize = static_cast<SIZE_T>(sText.GetLength()) + 1;
+    if (!EmptyClipboard() || !PutOnClipboard(CF_TEXT, sText.GetString(), nSize) ||
+        !PutOnClipboard(CF_LOCALE, &nLocale, sizeof nLocale))
+        CUDump("Unable to copy a message, gle: %lu\n", GetLastError());
+    CloseClipboard();
+}

@@ -1,0 +1,215 @@
+// The system's choosers: driven as a user would, and replaced where the system has to refuse.
+
+#include <fstream>
+
+#include "CUI/Choosers.h"
+#include "CUI/Data.h"
+#include "CUI/Settings.h"
+#include "Support/ImportHook.h"
+#include "Support/Reports.h"
+#include "Support/TestWindow.h"
+
+#include <cderr.h>
+#include <commdlg.h>
+
+namespace {
+
+// Types a name into a file chooser (unless empty) and presses a button of the dialog. The name's
+// field is there some time after the dialog.
+struct CDriver : CTestWindow
+{
+    CDriver(const std::string &name, WPARAM nButton, HWND hTop = nullptr)
+        : CTestWindow(hTop, hTop ? WS_POPUP : WS_OVERLAPPEDWINDOW), m_hTop(hTop)
+    {
+        m_on[WM_TIMER] = [=] { return Drive(name, nButton), 0; };
+        SetTimer(*this, 1, 20, nullptr);
+    }
+    void Drive(const std::string &name, WPARAM nButton)
+    {
+        const HWND hDialog = GetLastActivePopup(*this);
+        if (hDialog == *this || !IsWindowVisible(hDialog))
+            return;
+        EXPECT_FALSE(IsWindowEnabled(*this) || (m_hTop && IsWindowEnabled(m_hTop)));
+        const HWND hName =
+            GetDlgItem(hDialog, 0x480) ? GetDlgItem(hDialog, 0x480) : GetDlgItem(hDialog, 0x47C);
+        if (!name.empty() && !hName)
+            return;
+        if (!name.empty())
+            SetWindowTextA(hName, name.c_str());
+        KillTimer(*this, 1);
+        PostMessageA(hDialog, WM_COMMAND, nButton, LPARAM(GetDlgItem(hDialog, int(nButton))));
+    }
+    const HWND m_hTop;
+};
+
+// Has the library's functions be those of the test, by their names; one without is missing.
+struct CFakeLibrary
+{
+    std::map<std::string, FARPROC> m_functions;
+    const CFakeCall<FARPROC(HMODULE, LPCSTR)> m_find{
+        "GetProcAddress", [this](HMODULE, LPCSTR name) { return m_functions[name]; }};
+};
+
+DWORD s_dwCode;
+DWORD WINAPI ExtendedError()
+{
+    return s_dwCode;
+}
+
+BOOL WINAPI Refuse(void *)
+{
+    return FALSE;
+}
+
+// A system that refuses three times before it has an answer.
+std::string s_asked;
+BOOL WINAPI OpenAfterAll(OPENFILENAMEA *pRecord)
+{
+    s_asked += Text("%lu %lu %s; ", pRecord->lStructSize, pRecord->nMaxFile, pRecord->lpstrFile);
+    if (pRecord->lStructSize != 76)
+        return s_dwCode = CDERR_STRUCTSIZE, FALSE;
+    if (*pRecord->lpstrFile)
+        return s_dwCode = FNERR_INVALIDFILENAME, FALSE;
+    if (pRecord->nMaxFile < 100000)
+        return s_dwCode = FNERR_BUFFERTOOSMALL, memset(pRecord->lpstrFile, 'x', 2), FALSE;
+    EXPECT_EQ(0, memcmp("Pictures\0*.bmp;*.dib\0All\0*.*\0", pRecord->lpstrFilter, 30));
+    SetCurrentDirectoryA("C:\\");
+    pRecord->nFilterIndex = 2;
+    return memcpy(pRecord->lpstrFile, "C:\\\0one.bmp\0D:\\two.bmp\0", 24), TRUE;
+}
+
+BOOL WINAPI ColorWithOwn(CHOOSECOLORA *pRecord)
+{
+    EXPECT_EQ(GetSysColor(COLOR_BTNFACE), pRecord->rgbResult);
+    s_asked += Text("%lx %lx; ", pRecord->lpCustColors[2], pRecord->lpCustColors[3]);
+    pRecord->lpCustColors[3] = 0x123456;
+    return s_dwCode = 0, FALSE;
+}
+
+}  // namespace
+
+// First, before the libraries are there.
+TEST(Choosers, TellAFailureFromACancel)
+{
+    CDumped dumped;
+    CCUString sPath("kept");
+    COLORREF cr = 5;
+    LOGFONTA font = {};
+    {
+        const CFakeCall<HMODULE(LPCSTR, HANDLE, DWORD)> load(
+            "LoadLibraryExA", [](LPCSTR, HANDLE, DWORD) {
+                return SetLastError(ERROR_MOD_NOT_FOUND), HMODULE(nullptr);
+            });
+        for (int i = 0; i < 4; ++i) {
+            SetLastError(0);
+            EXPECT_FALSE(i == 0   ? CUIChooseOpenFile(nullptr, sPath)
+                         : i == 1 ? CUIChooseFolder(nullptr, sPath)
+                         : i == 2 ? CUIChooseColor(nullptr, cr)
+                                  : CUIChooseFont(nullptr, font));
+            EXPECT_EQ(DWORD(ERROR_MOD_NOT_FOUND), GetLastError());
+        }
+    }
+    EXPECT_NE(std::string::npos, dumped.m_text.find("SHBrowseForFolderA failed"));
+    EXPECT_NE(std::string::npos, dumped.m_text.find("ChooseFontA failed"));
+    CFakeLibrary library;
+    library.m_functions["CommDlgExtendedError"] = FARPROC(ExtendedError);
+    library.m_functions["GetSaveFileNameA"] = FARPROC(Refuse);
+    for (const DWORD dwCode : {DWORD(0), DWORD(CDERR_INITIALIZATION), DWORD(CDERR_MEMALLOCFAILURE)})
+    {
+        s_dwCode = dwCode;
+        dumped.m_text.clear();
+        EXPECT_FALSE(CUIChooseSaveFile(nullptr, sPath));
+        EXPECT_EQ(dwCode == 0, GetLastError() == ERROR_CANCELLED);
+        EXPECT_EQ(dwCode == 0, dumped.m_text.empty());
+    }
+    EXPECT_STREQ("kept", sPath);
+}
+
+TEST(Choosers, AskTheSystemAgainInTheWayThatItWants)
+{
+    CFakeLibrary library;
+    library.m_functions["CommDlgExtendedError"] = FARPROC(ExtendedError);
+    library.m_functions["GetOpenFileNameA"] = FARPROC(OpenAfterAll);
+    char szBefore[MAX_PATH] = "", szAfter[MAX_PATH] = "";
+    GetCurrentDirectoryA(MAX_PATH, szBefore);
+    CCUString sPath("a?b");
+    CCUIFileChoice choice;
+    EXPECT_TRUE(CUIChooseOpenFile(nullptr, sPath, "Pictures|*.bmp;*.dib|All|*.*", &choice));
+    EXPECT_EQ("88 32768 a?b; 76 32768 a?b; 76 32768 ; 76 262144 ; ", s_asked);
+    EXPECT_STREQ("C:\\", sPath);
+    EXPECT_EQ(2, choice.nFilter);
+    GetCurrentDirectoryA(MAX_PATH, szAfter);
+    EXPECT_STREQ(szBefore, szAfter);
+    CCUIChosenFiles files;
+    EXPECT_EQ(0, files.GetCount());
+    EXPECT_TRUE(CUIChooseOpenFiles(nullptr, files, "Pictures|*.bmp;*.dib|All|*.*"));
+    EXPECT_EQ(2, files.GetCount());
+    EXPECT_STREQ("C:\\one.bmp", files.GetPath(0));
+    EXPECT_STREQ("D:\\two.bmp", files.GetPath(1));
+    EXPECT_TRUE(files.GetPath(-1).IsEmpty() && files.GetPath(2).IsEmpty());
+}
+
+TEST(Choosers, KeepTheUsersOwnColors)
+{
+    CUISetSettingsKey("Software\\CUITests\\ChoosersTest");
+    CFakeLibrary library;
+    library.m_functions["CommDlgExtendedError"] = FARPROC(ExtendedError);
+    library.m_functions["ChooseColorA"] = FARPROC(ColorWithOwn);
+    s_asked.clear();
+    COLORREF cr = CUIGetWinData()->crSys[COLOR_BTNFACE];
+    EXPECT_FALSE(CUIChooseColor(nullptr, cr));
+    CCURegistry registry;
+    EXPECT_TRUE(CUIOpenSettings(registry, "Choosers", false));
+    COLORREF kept[16];
+    DWORD nSize = sizeof kept;
+    EXPECT_TRUE(registry.GetBinary("CustomColors", kept, nSize));
+    kept[2] = 0x654321;  // as another program that runs
+    EXPECT_TRUE(registry.SetBinary("CustomColors", kept, nSize));
+    EXPECT_FALSE(CUIChooseColor(nullptr, cr));
+    EXPECT_EQ("ffffff ffffff; 654321 123456; ", s_asked);
+    EXPECT_EQ(CUIGetWinData()->crSys[COLOR_BTNFACE], cr);
+    EXPECT_TRUE(registry.Open(HKEY_CURRENT_USER, "Software\\CUITests", false));
+    EXPECT_TRUE(registry.DeleteKey("ChoosersTest"));
+    CUISetSettingsKey(nullptr);
+}
+
+TEST(Choosers, GiveWhatTheUserChooses)
+{
+    const CTemporaryDirectory directory;
+    const std::string &folder = directory.Path();
+    for (const char *name : {"one.txt", "two.txt"})
+        std::ofstream(folder + "\\" + name) << name;
+    CCUIFileChoice choice;
+    choice.pszFolder = folder.c_str();
+    choice.pszExtension = "txt";
+    CCUString sPath;
+    CDriver one("one.txt", IDOK);
+    EXPECT_TRUE(CUIChooseOpenFile(&one, sPath, "Texts|*.txt", &choice));
+    EXPECT_EQ(folder + "\\one.txt", std::string(sPath));
+    CCUIChosenFiles files;
+    CDriver several("\"one.txt\" \"two.txt\"", IDOK);
+    EXPECT_TRUE(CUIChooseOpenFiles(&several, files, "Texts|*.txt", &choice));
+    EXPECT_EQ(2, files.GetCount());
+    EXPECT_EQ(folder + "\\two.txt", std::string(files.GetPath(1)));
+    CTestWindow top;
+    ShowWindow(top, SW_SHOWMINIMIZED);
+    CDriver save("new", IDOK), cancel("", IDCANCEL, top);
+    EXPECT_TRUE(CUIChooseSaveFile(&save, sPath, nullptr, &choice));
+    EXPECT_EQ(folder + "\\new.txt", std::string(sPath));
+    EXPECT_FALSE(CUIChooseSaveFile(&cancel, sPath));
+    EXPECT_EQ(DWORD(ERROR_CANCELLED), GetLastError());
+    EXPECT_TRUE(IsWindowEnabled(cancel) && IsWindowEnabled(top) && !IsIconic(top));
+    CDriver browse("", IDOK), color("", IDOK), look("", IDOK);
+    sPath = folder.c_str();
+    EXPECT_TRUE(CUIChooseFolder(&browse, sPath, "Where to?"));
+    EXPECT_EQ(0, sPath.CompareNoCase(folder.c_str()));
+    COLORREF cr = RGB(0, 0, 255), crText = RGB(255, 0, 0);
+    EXPECT_TRUE(CUIChooseColor(&color, cr));
+    EXPECT_EQ(COLORREF(RGB(0, 0, 255)), cr);
+    LOGFONTA font = {};
+    font.lfHeight = -16;
+    strcpy(font.lfFaceName, "Liberation Sans");
+    EXPECT_TRUE(CUIChooseFont(&look, font, &crText));
+    EXPECT_STREQ("Liberation Sans", font.lfFaceName);
+    EXPECT_EQ(COLORREF(RGB(255, 0, 0)), crText);
+}

@@ -1,0 +1,328 @@
+// Message boxes: beside the system's own, driven from a message that the loop of either gives their
+// owner.
+
+#include "CUI/MessageBox.h"
+#include "CUI/Settings.h"
+#include "Support/GdiCount.h"
+#include "Support/ImportHook.h"
+#include "Support/MultimediaHook.h"
+#include "Support/Reports.h"
+#include "Support/TestWindow.h"
+
+namespace {
+
+using Act = std::function<void(HWND)>;
+using Show = std::function<int(HWND)>;
+
+int Ours(HWND owner, UINT nFlags)
+{
+    return CUIMessageBox(CCUIWindow::FromHandle(owner), "text", "title", nFlags);
+}
+int Systems(HWND owner, UINT nFlags)
+{
+    return MessageBoxA(owner, "text", "title", nFlags);
+}
+
+// Shows a box, has `act` called once when it is there, and returns its answer.
+int Ask(const Show &show, const Act &act)
+{
+    CTestWindow owner(nullptr, WS_OVERLAPPEDWINDOW | WS_VISIBLE);
+    owner.m_on[WM_APP] = [&] { return act(GetLastActivePopup(owner)), 0; };
+    PostMessageA(owner, WM_APP, 0, 0);
+    return show(owner);
+}
+int Ask(CCUIMessageBox &box, const Act &act)
+{
+    return Ask([&](HWND owner) { return box.DoModal(CCUIWindow::FromHandle(owner)); }, act);
+}
+int Ask(int (*show)(HWND, UINT), UINT nFlags, const Act &act)
+{
+    return Ask([=](HWND owner) { return show(owner, nFlags); }, act);
+}
+
+std::string TextOf(HWND hWnd)
+{
+    std::string text(static_cast<size_t>(GetWindowTextLengthA(hWnd)) + 1, '\0');
+    GetWindowTextA(hWnd, &text[0], static_cast<int>(text.size()));
+    return text.c_str();
+}
+
+RECT RectOf(HWND hWnd)
+{
+    RECT rect;
+    GetWindowRect(hWnd, &rect);
+    return rect;
+}
+
+// From the left to the right, with what has the focus.
+std::map<int, HWND> ButtonsOf(HWND hBox)
+{
+    std::map<int, HWND> buttons;
+    for (HWND h = GetWindow(hBox, GW_CHILD); h; h = GetWindow(h, GW_HWNDNEXT)) {
+        if (SendMessageA(h, WM_GETDLGCODE, 0, 0) & (DLGC_DEFPUSHBUTTON | DLGC_UNDEFPUSHBUTTON))
+            buttons[RectOf(h).left] = h;
+    }
+    return buttons;
+}
+std::string Describe(HWND hBox)
+{
+    std::string all = TextOf(hBox) + ": " + TextOf(GetDlgItem(hBox, 0xFFFF));
+    for (const auto &[x, hButton] : ButtonsOf(hBox))
+        all += (hButton == GetFocus() ? " *" : " ") + TextOf(hButton);
+    return all;
+}
+Act Click(int nIndex)
+{
+    return [=](HWND hBox) {
+        const HWND hButton = std::next(ButtonsOf(hBox).begin(), nIndex)->second;
+        PostMessageA(hButton, BM_CLICK, 0, 0);
+    };
+}
+Act Press(WPARAM nKey)
+{
+    return [=](HWND) { PostMessageA(GetFocus(), WM_KEYDOWN, nKey, 1); };
+}
+std::string CaptionOf(HWND hBox)
+{
+    return TextOf(ButtonsOf(hBox).begin()->second);
+}
+
+DWORD s_nTime;
+DWORD WINAPI Time()
+{
+    return s_nTime;
+}
+
+}  // namespace
+
+TEST(MessageBoxes, AnswersAsTheSystemsDoes)
+{
+    const int COUNTS[] = {1, 2, 3, 3, 2, 2, 3};
+    for (UINT nSet = MB_OK; nSet <= 6; ++nSet) {
+        std::string ours, systems;
+        for (int i = 0; i < COUNTS[nSet]; ++i) {
+            const UINT nFlags = nSet | static_cast<UINT>(i) << 8;
+            const auto click = [&](std::string &text) {
+                return [&, i](HWND hBox) { text = Describe(hBox), Click(i)(hBox); };
+            };
+            EXPECT_EQ(Ask(Systems, nFlags, click(systems)), Ask(Ours, nFlags, click(ours)));
+            EXPECT_EQ(systems, ours);
+            EXPECT_EQ(Ask(Systems, nFlags, Press(VK_RETURN)), Ask(Ours, nFlags, Press(VK_RETURN)));
+        }
+    }
+}
+
+TEST(MessageBoxes, IsCancelledWhereThereIsACancelButton)
+{
+    const UINT SETS[] = {MB_OK, MB_OK | MB_HELP, MB_OKCANCEL, MB_YESNOCANCEL, MB_YESNO};
+    const int CANCELS[] = {IDOK, IDOK, IDCANCEL, IDCANCEL, 0};
+    for (int i = 0; i < 10; ++i) {
+        const bool bStays = CANCELS[i / 2] == 0;
+        const int nAnswer = Ask(Ours, SETS[i / 2], [&](HWND hBox) {
+            const UINT nClose = GetMenuState(GetSystemMenu(hBox, FALSE), SC_CLOSE, 0);
+            EXPECT_EQ(bStays, nClose == 0xFFFFFFFF);
+            PostMessageA(hBox, i % 2 ? WM_CLOSE : WM_KEYDOWN, VK_ESCAPE, 1);
+            PumpWaiting();
+            EXPECT_EQ(bStays, IsWindow(hBox) != 0);
+            if (bStays)
+                Click(1)(hBox);
+        });
+        EXPECT_EQ(bStays ? IDNO : CANCELS[i / 2], nAnswer);
+    }
+    // From outside, by the owner; and with a cancel button of another number.
+    const auto abort = [](HWND hBox) { CCUIWindow::AbortDialog(GetWindow(hBox, GW_OWNER)); };
+    EXPECT_EQ(IDOK, Ask(Ours, MB_OK, abort));
+    EXPECT_EQ(IDNO, Ask(Ours, MB_YESNO, abort));
+    CCUIMessageBox box("text", "title", MB_YESNO);
+    EXPECT_TRUE(box.AddButton(100, "&Now") && box.AddButton(101, "&Later"));
+    box.SetCancelButton(101);
+    EXPECT_EQ(101, Ask(box, abort));
+    EXPECT_EQ(101, Ask(box, Press(VK_ESCAPE)));
+    EXPECT_EQ(100, Ask(box, Press('N')));
+    EXPECT_EQ(101, Ask(box, Click(1)));
+}
+
+TEST(MessageBoxes, IsAsLargeAsItsTextNeedsAndTheScreenAllows)
+{
+    std::string words, lines;
+    for (int i = 0; i < 60; ++i)
+        words += "Several words, andonethatislonger. ";
+    for (int i = 0; i < 3000; ++i)
+        lines += "A line of many.\n";
+    RECT work;
+    SystemParametersInfoA(SPI_GETWORKAREA, 0, &work, 0);
+    for (const std::string &text :
+         {std::string("Short"), words, std::string(900, 'x'), lines, lines.substr(0, 200 * 16)})
+    {
+        CCUIMessageBox box(text.c_str(), "title", MB_YESNOCANCEL | MB_ICONHAND);
+        box.SetDontAsk("size");
+        Ask(box, [&](HWND hBox) {
+            const RECT rect = RectOf(hBox), owner = RectOf(GetWindow(hBox, GW_OWNER));
+            RECT both;
+            EXPECT_TRUE(UnionRect(&both, &rect, &work) && EqualRect(&both, &work));
+            for (HWND h = GetWindow(hBox, GW_CHILD); h; h = GetWindow(h, GW_HWNDNEXT)) {
+                const RECT child = RectOf(h);
+                EXPECT_TRUE(UnionRect(&both, &rect, &child) && EqualRect(&both, &rect));
+                for (HWND hNext = h; (hNext = GetWindow(hNext, GW_HWNDNEXT)) != nullptr;) {
+                    const RECT next = RectOf(hNext);
+                    EXPECT_FALSE(IntersectRect(&both, &child, &next));
+                }
+            }
+            const HWND hText = GetDlgItem(hBox, 0xFFFF);
+            const auto nLines = std::count(text.begin(), text.end(), '\n');
+            const bool bScrolls = (GetWindowLongA(hText, GWL_STYLE) & WS_VSCROLL) != 0;
+            EXPECT_EQ(nLines > 0, bScrolls);
+            RECT place, needed;
+            GetClientRect(hText, &place);
+            needed = place;
+            const HDC hDC = GetDC(hText);
+            SelectObject(hDC, HGDIOBJ(SendMessageA(hText, WM_GETFONT, 0, 0)));
+            DrawTextA(hDC, text.c_str(), -1, &needed, DT_CALCRECT | DT_WORDBREAK | DT_EDITCONTROL);
+            ReleaseDC(hText, hDC);
+            EXPECT_TRUE(needed.right <= place.right && bScrolls == (needed.bottom > place.bottom));
+            if (bScrolls) {
+                EXPECT_EQ(nLines * 17, GetWindowTextLengthA(hText));
+                Press(VK_NEXT)(hBox);
+                PumpWaiting();
+                EXPECT_LT(0, SendMessageA(hText, EM_GETFIRSTVISIBLELINE, 0, 0));
+            }
+            const int nOff = owner.top + owner.bottom - rect.top - rect.bottom;
+            EXPECT_TRUE(text != "Short" || abs(nOff) <= 1);
+            Press(VK_ESCAPE)(hBox);
+        });
+    }
+}
+
+TEST(MessageBoxes, KeepsAnAnswerThatTheUserWantsKept)
+{
+    CUISetSettingsKey("Software\\CUITests\\MessageBoxTest");
+    const auto ask = [](int nButton, bool bCheck) {
+        CCUIMessageBox box("text", "title", MB_YESNOCANCEL);
+        box.SetDontAsk("question");
+        return Ask(box, [=](HWND hBox) {
+            EXPECT_EQ("&Do not ask again", TextOf(GetDlgItem(hBox, 0xF000)));
+            if (bCheck)
+                SendMessageA(GetDlgItem(hBox, 0xF000), BM_CLICK, 0, 0);
+            Click(nButton)(hBox);
+        });
+    };
+    EXPECT_EQ(IDYES, ask(0, false));
+    EXPECT_EQ(IDCANCEL, ask(2, true));  // is no answer
+    EXPECT_EQ(IDNO, ask(1, true));
+    EXPECT_EQ(IDNO, ask(0, false));  // not shown any more
+    // A box without that button asks.
+    CCUIMessageBox other("text", "title", MB_OK);
+    other.SetDontAsk("question");
+    EXPECT_EQ(IDOK, Ask(other, Press(VK_ESCAPE)));
+    EXPECT_EQ(1, CUIForgetAnswer("question"));
+    EXPECT_EQ(0, CUIForgetAnswer("question"));
+    EXPECT_EQ(IDYES, ask(0, true));
+    EXPECT_EQ(1, CUIForgetAnswer());
+    EXPECT_EQ(IDNO, ask(1, false));
+    CCURegistry registry(HKEY_CURRENT_USER, "Software\\CUITests", false);
+    EXPECT_TRUE(registry.DeleteKey("MessageBoxTest"));
+    CUISetSettingsKey(nullptr);
+}
+
+TEST(MessageBoxes, CountsDownUntilTheUserTouchesIt)
+{
+    CCUIMessageBox box("text", "title", MB_YESNO | MB_DEFBUTTON1);
+    box.SetCountdown(1);
+    EXPECT_EQ(IDYES, Ask(box, [](HWND hBox) { EXPECT_EQ("&Yes (1)", CaptionOf(hBox)); }));
+    const CMultimediaHook hook(g_multimedia.getTime, Time);
+    for (const bool bTouch : {false, true}) {
+        box.SetCountdown(5);
+        const int nAnswer = Ask(box, [&](HWND hBox) {
+            s_nTime += 2100;
+            box.TimeOut(0);
+            EXPECT_EQ("&Yes (3)", CaptionOf(hBox));
+            if (bTouch) {
+                Press(VK_SHIFT)(hBox);
+                PumpWaiting();
+                EXPECT_EQ("&Yes", CaptionOf(hBox));
+            }
+            s_nTime += 3000;
+            box.TimeOut(0);
+            PumpWaiting();
+            if (bTouch)
+                Click(1)(hBox);
+        });
+        EXPECT_EQ(bTouch ? IDNO : IDYES, nAnswer);
+    }
+}
+
+TEST(MessageBoxes, CopiesItselfInTheSystemsForm)
+{
+    CCUIMessageBox box("One\nTwo", "Title", MB_YESNO);
+    BYTE keys[256] = {};
+    Ask(box, [&](HWND hBox) {
+        for (const BYTE nDown : {BYTE(0x80), BYTE(0)}) {
+            keys[VK_CONTROL] = nDown;
+            SetKeyboardState(keys);
+            Press(nDown ? 'C' : VK_RETURN)(hBox);
+            PumpWaiting();
+        }
+    });
+    const std::string line = std::string(27, '-') + "\r\n";
+    ASSERT_TRUE(OpenClipboard(nullptr));
+    const HANDLE hText = GetClipboardData(CF_TEXT);
+    EXPECT_EQ(line + "Title\r\n" + line + "One\r\nTwo\r\n" + line + "Yes   No   \r\n" + line,
+              std::string(static_cast<const char *>(GlobalLock(hText))));
+    GlobalUnlock(hText);
+    CloseClipboard();
+}
+
+TEST(MessageBoxes, ShowsIconHelpAndCaptionOfItsOwner)
+{
+    CTestWindow owner;
+    UINT nSound = 0;
+    int nHelps = 0;
+    const CFakeCall<BOOL(UINT)> beep("MessageBeep", [&](UINT n) { return nSound = n, TRUE; });
+    owner.m_on[WM_HELP] = [&] { return ++nHelps; };
+    ShowWindow(owner, SW_SHOWMINIMIZED);
+    owner.m_on[WM_ENTERIDLE] = [&] {
+        const HWND hBox = HWND(owner.m_lParam);
+        EXPECT_FALSE(IsIconic(owner) || IsWindowEnabled(owner));
+        EXPECT_EQ("test: text *OK Help", Describe(hBox));
+        EXPECT_EQ(LoadIconA(nullptr, IDI_EXCLAMATION),
+                  HICON(SendDlgItemMessageA(hBox, 0xF001, STM_GETICON, 0, 0)));
+        EXPECT_TRUE(GetWindowLongA(hBox, GWL_EXSTYLE) & WS_EX_TOPMOST);
+        SendMessageA(hBox, WM_COMMAND, IDHELP, 0);
+        Press(VK_ESCAPE)(hBox);
+        return 0;
+    };
+    EXPECT_EQ(IDOK,
+              CUIMessageBox(&owner, "text", nullptr, MB_HELP | MB_ICONEXCLAMATION | MB_TOPMOST));
+    EXPECT_EQ(UINT(MB_ICONEXCLAMATION), nSound);
+    EXPECT_EQ(1, nHelps);
+    EXPECT_TRUE(IsWindowEnabled(owner));
+}
+
+TEST(MessageBoxes, StandsWhatGoesWrong)
+{
+    CReports reports;
+    CCUIMessageBox box("text", "title", 7);
+    EXPECT_FALSE(box.AddButton(0) || box.AddButton(0xF000));
+    EXPECT_EQ(IDOK, Ask(box, Press(VK_RETURN)));
+    EXPECT_EQ(1, box.AddButton(7));
+    EXPECT_EQ(0, box.AddButton(7));
+    EXPECT_EQ(4, reports.Total());
+    // The owner goes and takes the box along; nothing is left of many.
+    int nObjects = 0;
+    for (int i = 0; i < 60; ++i) {
+        EXPECT_EQ(IDCANCEL, Ask(Ours, MB_ICONHAND, [](HWND hBox) {
+                      CCUIWindow::FromHandle(GetWindow(hBox, GW_OWNER))->Destroy();
+                  }));
+        if (i == 10)
+            nObjects = GdiCount();
+    }
+    EXPECT_NEAR(nObjects, GdiCount(), 2);
+    const int nWindows = WindowCount();
+    const CFakeCall<HWND(HINSTANCE, LPCDLGTEMPLATEA, HWND, DLGPROC, LPARAM)> make(
+        "CreateDialogIndirectParamA",
+        [](HINSTANCE, LPCDLGTEMPLATEA, HWND, DLGPROC, LPARAM) { return HWND(nullptr); });
+    CDumped dumped;
+    EXPECT_EQ(IDCANCEL, CUIMessageBox(nullptr, "unseen"));
+    EXPECT_EQ("Unable to show a message: unseen\n", dumped.m_text);
+    EXPECT_EQ(nWindows, WindowCount());
+}
