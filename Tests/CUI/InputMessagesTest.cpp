@@ -54,6 +54,10 @@ protected:
     ON(void, SysCommand, (UINT a, LPARAM l), (a, l), " %x %lx", a, l)
     ON(void, DisplayChange, (UINT a, int b, int c), (a, b, c), " %x %x %x", a, b, c)
     ON(void, DpiChanged, (UINT a, const RECT *p), (a, p), " %x %p", a, Raw(p))
+    ON(void, Enable, (int a), (a), " %x", a)
+    ON(UINT, GetDlgCode, (const MSG *p), (p), " %p", Raw(p))
+    ON(void, Move, (int a, int b), (a, b), " %d %d", a, b)
+    ON(int, CopyData, (HWND h, const COPYDATASTRUCT *p), (h, p), " %p %p", Raw(h), Raw(p))
     // clang-format on
 };
 
@@ -67,8 +71,12 @@ const struct
 } ROWS[] = {
     {0x0011, 0, static_cast<LPARAM>(0x80000000), "QueryEndSession 80000000", 0},
     {0x0016, 1, 3, "EndSession 1 3", 0},
+    {0x0003, 0, MAKELONG(-3, 5), "Move -3 5", 0},
+    {0x000A, 1, 0, "Enable 1", 0},
     {0x0024, 0, 0x10, "GetMinMaxInfo 00000010", 0},
+    {0x004A, 0x11, 0x12, "CopyData 00000011 00000012", 0},
     {0x007E, 24, MAKELONG(1024, 768), "DisplayChange 18 400 300", 0},
+    {0x0087, 9, 0x13, "GetDlgCode 00000013", 0},
     {0x0100, 0x41, MAKELONG(2, 0x4123), "KeyDown 41 2 4123", 0},
     {0x0101, 0x42, MAKELONG(1, 0xC001), "KeyUp 42 1 c001", 0},
     {0x0102, 0xE4, MAKELONG(3, 4), "Char e4 3 4", 0},

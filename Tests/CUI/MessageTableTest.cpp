@@ -114,7 +114,7 @@ const CRow s_rows[] = {
     {0x0215, 8, 0x4F, "OnCaptureChanged 4f", 0},
     {0x0435, 9, 1, "OnSetWindowState 9", 0},
     {0x0438, 1, 1, "OnShowToolTips 1", 0},
-    {0x0003, 1, 0x50, "OnMessage 3 1 50", s_nAnswer},
+    {0x0009, 1, 0x50, "OnMessage 9 1 50", s_nAnswer},
     {0x0436, 2, 0x51, "OnMessage 436 2 51", s_nAnswer},
     {0xC123, 3, 0x52, "OnMessage c123 3 52", s_nAnswer},
     {0x0002, 1, 2, "OnDestroy", 0},  // the base lets go of the window: the last
