@@ -421,6 +421,9 @@ protected:
     /// Whether the object has a window. A window that has gone without the object's hearing of it
     /// is let go of.
     bool HasWindow();
+    /// The nearest window above this one, which is a child, that routes commands, up to the first
+    /// that is no child; or null.
+    CCUIWindow *FindRouter() const;
 
     /// A number that no message has.
     enum : UINT
@@ -452,7 +455,6 @@ private:
     long DispatchFurther(UINT message, WPARAM wParam, LPARAM lParam);
     long HandOn();
     void RouteCommand(UINT nCode, UINT nID, HWND hControl);
-    CCUIWindow *FindRouter() const;
 
     HACCEL m_hAccelerators;
     CCUIMenu *m_pContextMenu;
