@@ -119,6 +119,9 @@ protected:
     void PaintFocus(HDC hDC, const RECT &rect);
     COLORREF GetBackColor() const { return m_crBack; }  ///< of the background while it is painted
     COLORREF GetTextColor() const;                      ///< resolved
+    /// Fills with the colour; one that a screen of 256 colours does not have is mixed of dots
+    /// there.
+    static void Fill(HDC hDC, const RECT &rect, COLORREF cr);
     static bool IsHighContrast();    ///< whether the user has chosen such colours
     static int Scaled(int nPixels);  ///< from 96 dots per inch to those of the screen
     bool IsInDialog() const;         ///< whether the parent is a dialog

@@ -179,7 +179,7 @@ void CCUIButton::PaintFace(HDC hDC, const RECT &rect, bool bDown, DWORD &crFace)
     if (bLit)
         crFace = Between(crFace, GetSysColor(COLOR_BTNHIGHLIGHT));
     if (bLit || IsRaised())
-        CUIDCFillSolidRect(hDC, &edge, crFace);
+        Fill(hDC, edge, crFace);
     if (m_bFlat) {
         if (bDown || bChecked)
             DrawEdge(hDC, &edge, BDR_SUNKENOUTER, BF_RECT);

@@ -9,7 +9,6 @@
 #include "CUI/CommandHandler.h"
 #include "CUI/CommandMap.h"
 #include "CUI/Data.h"
-#include "CUI/Draw.h"
 #include "CUI/OffScreenDC.h"
 #include "Control/ControlTip.h"
 
@@ -474,7 +473,7 @@ void CCUIControl::PaintTo(HDC hDC, const RECT &update)
             if (hBrush)
                 FillRect(hPicture, &client, hBrush);
             else if (!m_bOpaque)
-                CUIDCFillSolidRect(hPicture, &client, m_crBack);
+                Fill(hPicture, client, m_crBack);
             SelectObject(hPicture, m_hFont ? m_hFont : CUIGetWinData()->hMenuFont);
             ::SetTextColor(hPicture, GetTextColor());
             SetBkMode(hPicture, TRANSPARENT);
@@ -484,6 +483,17 @@ void CCUIControl::PaintTo(HDC hDC, const RECT &update)
                update.left, update.top, SRCCOPY);
     }
     pOffScreen->ReleaseDC();
+}
+
+void CCUIControl::Fill(HDC hDC, const RECT &rect, COLORREF cr)
+{
+    const CUIData &data = *CUIGetWinData();
+    if (cr == data.ResolveColor(CUI_COLOR_BTNFACE)) {
+        FillRect(hDC, &rect, data.hbrBtnFace);
+    } else {
+        const CCUIOwned<HBRUSH> brush(CreateSolidBrush(cr));
+        FillRect(hDC, &rect, brush);
+    }
 }
 
 void CCUIControl::PaintText(HDC hDC, const RECT &rect, UINT nFormat)
