@@ -6,7 +6,7 @@
 #include "CUI/Menu.h"
 #include "CUI/Separator.h"
 #include "Support/GdiCount.h"
-#include "Support/ImportHook.h"
+#include "Support/HeapWatch.h"
 #include "Support/PixelMap.h"
 #include "Support/Reports.h"
 #include "Support/TestTimer.h"
@@ -242,6 +242,7 @@ TEST(Control, MayBeDeletedByItsOwnCommand)
     for (const auto kind : {CUI_BUTTON_PUSH, CUI_BUTTON_CHECK, CUI_BUTTON_RADIO, CUI_BUTTON_REPEAT})
     {
         for (const auto &way : ways) {
+            const CHeapWatch heap;  // what is used of a dead button is wrong
             auto button = std::make_unique<CButton>(frame, 1000u, kind);
             command.m_onCommand = [&] { button.reset(); };
             button->SetCommand(kind == CUI_BUTTON_RADIO ? 0 : 1000);
