@@ -7,7 +7,7 @@
 
 namespace {
 
-struct CView : CCUICommandView
+struct CView final : CCUICommandView
 {
     explicit CView(unsigned nID) { SetCommand(nID); }
     void OnCommandChanged(unsigned short nState, const CCUString &sText) override
@@ -22,7 +22,7 @@ struct CView : CCUICommandView
     std::function<void()> m_onChange = [] {};
 };
 
-struct CCommand : CCUICommandHandler
+struct CCommand final : CCUICommandHandler
 {
     explicit CCommand(unsigned nID) : CCUICommandHandler(nID, 1) {}
     unsigned short GetState(unsigned) override { return m_onState(), m_nState; }

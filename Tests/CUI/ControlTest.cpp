@@ -59,7 +59,7 @@ struct CButton : CCUIButton
     }
 };
 
-struct CCommand : CCUICommandHandler
+struct CCommand final : CCUICommandHandler
 {
     explicit CCommand(unsigned nID) : CCUICommandHandler(nID, 1) {}
     void HandleCommand(unsigned) override { ++m_nDone, m_onCommand(); }
@@ -305,20 +305,20 @@ std::string PlayDialog(bool bOurs)
         }
         record += "\n";
     };
-    const auto play = [&](UINT message, WPARAM wParam) {
-        MSG msg = {GetFocus(), message, wParam, 1, 0, {}};
+    const auto play = [&](UINT message, int nKey) {
+        MSG msg = {GetFocus(), message, static_cast<WPARAM>(nKey), 1, 0, {}};
         if (!IsDialogMessageA(dialog, &msg))
             DispatchMessageA(&msg);
         note();
     };
-    for (const WPARAM nKey : {VK_SPACE, VK_RETURN, VK_TAB, VK_DOWN, VK_DOWN, VK_UP, VK_TAB, VK_TAB,
-                              VK_RETURN, VK_TAB, VK_SPACE})
+    for (const int nKey : {VK_SPACE, VK_RETURN, VK_TAB, VK_DOWN, VK_DOWN, VK_UP, VK_TAB, VK_TAB,
+                           VK_RETURN, VK_TAB, VK_SPACE})
     {
         play(WM_KEYDOWN, nKey);
         play(WM_KEYUP, nKey);
     }
     for (const char c : {'t', 'g', 'P', 'h', 'c'})
-        play(WM_SYSCHAR, static_cast<WPARAM>(c));
+        play(WM_SYSCHAR, c);
     CheckDlgButton(dialog, 100, BST_CHECKED);
     Click(GetDlgItem(dialog, 101));
     note();
@@ -414,8 +414,8 @@ TEST(Control, OpensItsMenuBelowAndStaysDownMeanwhile)
             open = button.Picture();
             if (bMouse)  // the click that closes it
                 PostMessageA(button, WM_LBUTTONDOWN, 0, MAKELPARAM(75, 9));
-            for (const WPARAM nKey : {VK_DOWN, VK_RETURN})
-                PostMessageA(frame, WM_KEYDOWN, bMouse ? VK_SHIFT : nKey, 1);
+            for (const int nKey : {VK_DOWN, VK_RETURN})
+                PostMessageA(frame, WM_KEYDOWN, static_cast<WPARAM>(bMouse ? VK_SHIFT : nKey), 1);
             return frame.Default();
         };
         if (bMouse)

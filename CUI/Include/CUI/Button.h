@@ -91,14 +91,7 @@ protected:
     void OnSysKeyDown(UINT nKey, UINT nRepeat, UINT nFlags) override;
 
 private:
-    struct CParts
-    {
-        RECT rcFace;     // what goes down
-        RECT rcArrow;    // empty without one
-        RECT rcMark;     // box or circle, empty without one
-        RECT rcPicture;  // empty without one
-        RECT rcText;
-    };
+    struct CParts;
 
     bool HasMark() const;
     bool HasArrow() const;

@@ -35,7 +35,7 @@ protected:
     /// The command stands otherwise than at the last call, or is another one. nState:
     /// CCUICommandState bits; sText: what it is called, empty without CUI_COMMAND_TEXT. It may
     /// delete the view.
-    virtual void OnCommandChanged(unsigned short nState, const CCUString &sText) = 0;
+    CUI_API virtual void OnCommandChanged(unsigned short nState, const CCUString &sText);
 
 private:
     friend class CCUICommandMap;

@@ -96,8 +96,8 @@ public:
 
 protected:
     /// Paints the control, whose client area is rect, on the background and with font and colour
-    /// set. What is done to the DC is undone afterwards.
-    virtual void Paint(HDC hDC, const RECT &rect) = 0;
+    /// set. What is done to the DC is undone afterwards. The text, in the middle, by default.
+    virtual void Paint(HDC hDC, const RECT &rect);
     /// Mouse or space bar hold the control down. Nothing by default.
     virtual void OnPress();
     /// They were released while it was pressed. Clicks by default.

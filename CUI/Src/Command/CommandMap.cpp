@@ -256,7 +256,7 @@ void CCUICommandMap::UpdateView(int nIndex)
     CCUICommandViewList &views = CCUICommandViewList::s_all;
     const unsigned int nID = views.m_pEntries[nIndex].nID;
     CCUICommandHandler *const pHandler = Find(nID);
-    views.m_pEntries[nIndex].pAsked = HandlerToAsk(pHandler);
+    views.SetAsked(nIndex, HandlerToAsk(pHandler));
     const unsigned int nChange = s_nChange;
     views.BeginWalk();
     const unsigned int nState = pHandler ? pHandler->GetState(nID) : 0;
@@ -271,6 +271,8 @@ void CCUICommandMap::UpdateViews()
     const int nCount = views.m_nCount;
     const unsigned int nChange = s_nChange;
     const bool bAll = views.m_nMapChange != nChange;
+    if (!bAll && !views.m_nAsked)
+        return;
     views.m_nMapChange = nChange;
     views.BeginWalk();
     for (int i = 0; i < nCount; ++i) {

@@ -24,6 +24,7 @@ int CCUICommandViewList::Add(CCUICommandView *pView, unsigned int nID)
 
 void CCUICommandViewList::Remove(int nIndex)
 {
+    SetAsked(nIndex, nullptr);
     m_pEntries[nIndex] = {nullptr, 0, 0, nullptr};
     m_bHoles = true;
     if (m_nWalks)
@@ -31,6 +32,13 @@ void CCUICommandViewList::Remove(int nIndex)
     Move(m_nCount - 1, nIndex);
     --m_nCount;
     Shrink();
+}
+
+void CCUICommandViewList::SetAsked(int nIndex, CCUICommandHandler *pAsked)
+{
+    CCUICommandHandler *&pOld = m_pEntries[nIndex].pAsked;
+    m_nAsked += (pAsked ? 1 : 0) - (pOld ? 1 : 0);
+    pOld = pAsked;
 }
 
 void CCUICommandViewList::Move(int nFrom, int nTo)
@@ -84,6 +92,8 @@ void CCUICommandView::SetCommand(unsigned int nID)
     m_nIndex = CCUICommandViewList::s_all.Add(this, nID);
     UpdateCommand();
 }
+
+void CCUICommandView::OnCommandChanged(unsigned short, const CCUString &) {}
 
 void CCUICommandView::UpdateCommand()
 {

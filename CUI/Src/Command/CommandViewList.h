@@ -26,6 +26,8 @@ public:
     // Answers the place.
     int Add(CCUICommandView *pView, unsigned int nID);
     void Remove(int nIndex);
+    // Has the handler asked in every pass; null: none.
+    void SetAsked(int nIndex, CCUICommandHandler *pAsked);
 
     // Around each walk.
     void BeginWalk() { ++m_nWalks; }
@@ -33,6 +35,7 @@ public:
 
     CCUICommandViewEntry *m_pEntries;
     int m_nCount;
+    int m_nAsked;               // views whose handler is asked in every pass
     unsigned int m_nMapChange;  // the map's, at the last pass
 
 private:

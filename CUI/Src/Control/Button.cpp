@@ -4,6 +4,7 @@
 
 #include "CUI/Data.h"
 #include "CUI/Menu.h"
+#include "Control/ButtonParts.h"
 
 namespace {
 

@@ -6,6 +6,7 @@
 #include "CUI/Button.h"
 #include "CUI/Data.h"
 #include "CUI/Draw.h"
+#include "Control/ButtonParts.h"
 
 namespace {
 

@@ -516,6 +516,11 @@ void CCUIControl::PaintText(HDC hDC, const RECT &rect, UINT nFormat)
     DrawTextA(hDC, m_sText, -1, &at, nFormat);
 }
 
+void CCUIControl::Paint(HDC hDC, const RECT &rect)
+{
+    PaintText(hDC, rect, DT_CENTER | DT_VCENTER | DT_SINGLELINE | DT_END_ELLIPSIS);
+}
+
 void CCUIControl::PaintFocus(HDC hDC, const RECT &rect)
 {
     const bool bShown = (m_nState & CUI_STATE_FOCUSED) && !(m_nState & CUI_STATE_NO_FOCUS_MARK);
