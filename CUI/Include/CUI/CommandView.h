@@ -29,6 +29,7 @@ public:
     CUI_API void UpdateCommand();
 
 protected:
+    /// Shows no command.
     CUI_API CCUICommandView();
     CUI_API ~CCUICommandView();
 

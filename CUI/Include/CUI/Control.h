@@ -11,7 +11,7 @@
 /// How a control stands: the bits of CCUIControl::GetState.
 enum CUIControlState : unsigned int
 {
-    CUI_STATE_DISABLED = 0x01,
+    CUI_STATE_DISABLED = 0x01,       ///< takes no input
     CUI_STATE_HOT = 0x02,            ///< the mouse is over it
     CUI_STATE_PRESSED = 0x04,        ///< held down by the mouse, which is over it, or by a key
     CUI_STATE_FOCUSED = 0x08,        ///< has the keyboard focus
