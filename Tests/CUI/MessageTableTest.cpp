@@ -58,7 +58,8 @@ struct CRecorder : CCUIWindow
     ON1(int, EraseBkgnd, HDC) ON1(void, SetFocus, HWND) ON1(void, KillFocus, HWND)
     ON1(void, ShowToolTips, int) ON1(void, CaptureChanged, HWND) ON1(void, SetWindowState, UINT)
     ON1(void, DropFiles, HDROP) ON1(void, GetMinMaxInfo, MINMAXINFO *)
-    ON1(int, QueryEndSession, UINT) ON2(long, Notify, UINT, NMHDR *)
+    ON1(int, QueryEndSession, UINT) ON1(void, Enable, int) ON1(UINT, GetDlgCode, const MSG *)
+    ON2(void, Move, int, int) ON2(int, CopyData, HWND, const COPYDATASTRUCT *) ON2(long, Notify, UINT, NMHDR *)
     ON2(void, ShowWindow, int, int) ON2(void, WinIniChange, WPARAM, const char *)
     ON2(int, MeasureItem, UINT, MEASUREITEMSTRUCT *) ON2(int, DrawItem, UINT, DRAWITEMSTRUCT *)
     ON2(void, ContextMenu, HWND, POINT &) ON2(void, EndSession, int, UINT)
@@ -79,13 +80,14 @@ struct CRecorder : CCUIWindow
 
 // What a handler gets of its message: m, w and p are the message and its whole arguments, L and H
 // the words of w, l and h those of p, c the point in p; b is the lowest byte of w, d its signed
-// upper word, s what counts of a system command, f the mouse flags of the keys that are down.
+// upper word, x and y the signed words of p, s what counts of a system command, f the mouse flags of the keys that are down.
 std::string Expected(const char *rule, UINT m, WPARAM w, LPARAM p)
 {
     const std::map<char, unsigned> values = {
         {'m', m},          {'w', w},         {'p', p},           {'L', LOWORD(w)},
         {'H', HIWORD(w)},  {'l', LOWORD(p)}, {'h', HIWORD(p)},   {'b', LOBYTE(LOWORD(w))},
-        {'s', w & 0xFFF0}, {'f', 6},         {'d', int(w) >> 16}};
+        {'s', w & 0xFFF0}, {'f', 6},         {'d', int(w) >> 16},
+        {'x', short(LOWORD(p))}, {'y', short(HIWORD(p))}};
     const char *const space = strchr(rule, ' ');
     std::string record(rule, space ? space : rule + strlen(rule));
     for (const char *at = space; at && *++at;)
@@ -135,7 +137,8 @@ const CRow FIRST[] = {{0x0001, "=Create p"},
                       {0x0438, "0ShowToolTips w"},
                       {0x0002, "0Destroy"}};
 const CRow FURTHER[] = {
-    {0x0003, "=Message mwp"},       {0x0436, "=Message mwp"},       {0xC123, "=Message mwp"},
+    {0x0003, "0Move xy"}, {0x000A, "0Enable w"}, {0x004A, "=CopyData wp"},
+    {0x0087, "=GetDlgCode p"}, {0x0009, "=Message mwp"},       {0x0436, "=Message mwp"},       {0xC123, "=Message mwp"},
     {0x0011, "=QueryEndSession p"}, {0x0016, "0EndSession wp"},     {0x0024, "0GetMinMaxInfo p"},
     {0x007E, "0DisplayChange wlh"}, {0x0100, "0KeyDown wlh"},       {0x0101, "0KeyUp wlh"},
     {0x0102, "0Char wlh"},          {0x0104, "0SysKeyDown wlh"},    {0x0105, "0SysKeyUp wlh"},

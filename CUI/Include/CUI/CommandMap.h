@@ -6,6 +6,7 @@
 #include "CUI/Platform.h"
 
 class CCUICommandHandler;
+class CCUICommandView;
 
 /// The process's map from command identifiers to their handlers: two dense tables, one for
 /// 1,000 to 9,999 and one for 10,000 and above. It is made by its first use and deleted when the
@@ -45,7 +46,8 @@ public:
 
     /// Refreshes the commands: calls HandleUpdate for every identifier with a handler, in ascending
     /// order, but not where GetState has a bit of 0x3D (all but CUI_COMMAND_ACTIVE). Entries that a
-    /// pass appends by growing the table that it walks are left to the next pass.
+    /// pass appends by growing the table that it walks are left to the next pass. Then looks at all
+    /// that show a command (CCUICommandView), whatever the bits of its state.
     static void IdleUpdate();
 
     /// Carries out a command: asks its handler for the state and, where that has
@@ -65,6 +67,7 @@ public:
     static void Dump();
 
 private:
+    friend class CCUICommandView;
     enum
     {
         GROWTH_STEP = 64,
@@ -74,7 +77,7 @@ private:
     };
 
     // Not yet made: no step and no tables. Nothing of it runs at start-up.
-    constexpr CCUICommandMap() : m_nGrowBy(0), m_nLength(), m_pMap() {}
+    constexpr CCUICommandMap() : m_nGrowBy(0), m_nLength(), m_nEnd(), m_pMap() {}
 
     CCUICommandMap(const CCUICommandMap &) = delete;
     CCUICommandMap &operator=(const CCUICommandMap &) = default;
@@ -87,6 +90,9 @@ private:
     static int Table(unsigned int nID);
     static CCUICommandHandler *Find(unsigned int nID);
     static CCUICommandHandler *Refresh(unsigned int nID);
+    static CCUICommandHandler *HandlerToAsk(CCUICommandHandler *pHandler);
+    static void UpdateView(int nIndex);
+    static void UpdateViews();
 
     // NOLINTBEGIN(readability-identifier-naming): the static operations' counterparts
     int _Add(CCUICommandHandler *pCmdHandler);
@@ -112,12 +118,15 @@ private:
     // NOLINTEND(readability-identifier-naming)
 
     void DumpEntry(int nMap, int nIndex);
+    void UseUpTo(int nMap, int nEnd);
     bool Cover(int nMap, int nIndex, unsigned int nRange);
 
     static CCUICommandMap s_this;
     static bool s_bDeleted;
+    static unsigned int s_nChange;  // another one whenever a slot gets another handler
 
     int m_nGrowBy;
     int m_nLength[TABLES];
+    int m_nEnd[TABLES];  // behind the last slot in use, or further
     CCUICommandHandler **m_pMap[TABLES];
 };

@@ -238,6 +238,17 @@ protected:
     /// The window of a program that says it is aware of such changes has got to a screen of nDpi
     /// dots per inch. The handler moves it to the suggested rectangle.
     virtual void OnDpiChanged(UINT nDpi, const RECT *pSuggested);
+    /// The window has been enabled or disabled.
+    virtual void OnEnable(int bEnable);
+    /// What of the keyboard the window wants from the dialog around it: DLGC_ flags. pMsg, the key
+    /// message that the dialog asks about, may be null.
+    virtual UINT OnGetDlgCode(const MSG *pMsg);
+    /// The client area's new top left corner: in the parent's client pixels, or those of the
+    /// screen.
+    virtual void OnMove(int x, int y);
+    /// Another program's data, to be read only and copied: it goes when the handler returns.
+    /// hSender may be null. Nonzero: taken.
+    virtual int OnCopyData(HWND hSender, const COPYDATASTRUCT *pData);
 
 public:
     // --- Binding ---
@@ -414,6 +425,9 @@ protected:
     /// Whether the object has a window. A window that has gone without the object's hearing of it
     /// is let go of.
     bool HasWindow();
+    /// The nearest window above this one, which is a child, that routes commands, up to the first
+    /// that is no child; or null.
+    CCUIWindow *FindRouter() const;
 
     /// A number that no message has.
     enum : UINT
@@ -445,7 +459,6 @@ private:
     long DispatchFurther(UINT message, WPARAM wParam, LPARAM lParam);
     long HandOn();
     void RouteCommand(UINT nCode, UINT nID, HWND hControl);
-    CCUIWindow *FindRouter() const;
 
     HACCEL m_hAccelerators;
     CCUIMenu *m_pContextMenu;

@@ -8,6 +8,8 @@
 #include "CU/Dump.h"
 #include "CU/String.h"
 #include "CUI/CommandHandler.h"
+#include "CUI/CommandView.h"
+#include "Command/CommandViewList.h"
 
 #define CU_SOURCE "CommandMap"
 
@@ -34,11 +36,21 @@ const CStateName STATE_NAMES[] = {
     {CUI_COMMAND_ACTIVE, " Active"}, {CUI_COMMAND_HIDDEN_DIALOG_CONTROL, " HiddenDialogControl"},
 };
 
+// The function that the handler's class has for GetState: the third in the table of the class. The
+// compiler looks there, too, where it compares before it calls.
+const void *GetStateOf(const CCUICommandHandler &handler)
+{
+    const void *const *pTable;
+    memcpy(&pTable, static_cast<const void *>(&handler), sizeof pTable);
+    return pTable[2];
+}
+
 }  // namespace
 
 static CCULastCall s_lastCall;
 CCUICommandMap CCUICommandMap::s_this;
 bool CCUICommandMap::s_bDeleted;
+unsigned int CCUICommandMap::s_nChange = 1;
 
 CCUICommandMap &CCUICommandMap::This()
 {
@@ -61,6 +73,7 @@ void CCUICommandMap::Delete()
         free(pMap);
     s_this = CCUICommandMap();
     s_bDeleted = true;
+    ++s_nChange;
 }
 
 int CCUICommandMap::Add(CCUICommandHandler *pCmdHandler)
@@ -83,6 +96,7 @@ void CCUICommandMap::IdleUpdate()
 {
     // Not This(), which makes the tables: a program without commands needs none.
     s_this._IdleUpdate();
+    UpdateViews();
 }
 
 void CCUICommandMap::Dump()
@@ -129,6 +143,14 @@ bool CCUICommandMap::Cover(int nMap, int nIndex, unsigned int nRange)
     return true;
 }
 
+// Slots below nEnd get handlers.
+void CCUICommandMap::UseUpTo(int nMap, int nEnd)
+{
+    ++s_nChange;
+    if (m_nEnd[nMap] < nEnd)
+        m_nEnd[nMap] = nEnd;
+}
+
 int CCUICommandMap::_Add(CCUICommandHandler *pCmdHandler)
 {
     CU_ASSERT(pCmdHandler);
@@ -140,6 +162,7 @@ int CCUICommandMap::_Add(CCUICommandHandler *pCmdHandler)
     if (nIndex < 0 || !Cover(nMap, nIndex, pCmdHandler->GetIDRange()))
         return 0;
     const int nRange = static_cast<int>(pCmdHandler->GetIDRange());
+    UseUpTo(nMap, nIndex + nRange);
     for (int nI = 0; nI < nRange; ++nI) {
         if (CU_ASSERT(m_pMap[nMap][nIndex + nI] == NULL))
             return 0;
@@ -159,6 +182,7 @@ int CCUICommandMap::_Remove(CCUICommandHandler *pCmdHandler)
     const unsigned int nRange = pCmdHandler->GetIDRange();
     if (nFirst > nLength || nRange > nLength - nFirst)
         return 0;
+    ++s_nChange;
     for (unsigned int nI = 0; nI < nRange; ++nI)
         m_pMap[nOwn][nFirst + nI] = nullptr;
     // Override may have put it elsewhere.
@@ -179,12 +203,12 @@ CCUICommandHandler *CCUICommandMap::_Override(unsigned int nID, CCUICommandHandl
         return nullptr;
     CCUICommandHandler *pPrevious = m_pMap[nMap][nIndex];
     m_pMap[nMap][nIndex] = pCmdHandler;
+    UseUpTo(nMap, static_cast<int>(nIndex) + 1);
     return pPrevious;
 }
 
 // Here, and not in CommandHandler.cpp with the other defaults, so that the compiler knows it in the
-// pass below: where a handler does not override it, the pass compares two pointers and calls
-// nothing.
+// passes below: where a handler does not override it, they compare two pointers and call nothing.
 unsigned short CCUICommandHandler::GetState(unsigned int)
 {
     return CUI_COMMAND_ACTIVE;
@@ -196,16 +220,75 @@ void CCUICommandMap::_IdleUpdate()
         // Handlers may move the table and change its slots: nothing is kept over a call of theirs.
         // The bound is, so that a pass ends even if every handler that is refreshed adds another.
         const int nLength = m_nLength[nMap];
-        for (int nIndex = 0; nIndex < nLength; ++nIndex) {
+        int nIndex = 0;
+        int nEnd = 0;
+        for (; nIndex < nLength && nIndex < m_nEnd[nMap]; ++nIndex) {
             CCUICommandHandler *pCmdHandler = m_pMap[nMap][nIndex];
             if (!pCmdHandler)
                 continue;
+            nEnd = nIndex + 1;
             const unsigned int nID = Base(nMap) + static_cast<unsigned int>(nIndex);
             const bool bRefresh = !(pCmdHandler->GetState(nID) & NO_IDLE_UPDATE);
             if (bRefresh && m_pMap[nMap][nIndex] == pCmdHandler)
                 pCmdHandler->HandleUpdate(nID);
         }
+        // The slots from there on were empty when the last handler had been called.
+        if (nIndex == m_nEnd[nMap])
+            m_nEnd[nMap] = nEnd;
     }
+}
+
+// The handler, if its state may change; null for those that leave GetState to the base.
+CCUICommandHandler *CCUICommandMap::HandlerToAsk(CCUICommandHandler *pHandler)
+{
+    static const void *s_pDefault;
+    if (!s_pDefault) {
+        const CCUICommandHandler plain(~0u, 1);
+        s_pDefault = GetStateOf(plain);
+    }
+    return pHandler && GetStateOf(*pHandler) != s_pDefault ? pHandler : nullptr;
+}
+
+// Looks at the command of the view at that place. Handlers may delete the view, themselves, and
+// others; what they leave behind is found out by the next pass.
+void CCUICommandMap::UpdateView(int nIndex)
+{
+    CCUICommandViewList &views = CCUICommandViewList::s_all;
+    const unsigned int nID = views.m_pEntries[nIndex].nID;
+    CCUICommandHandler *const pHandler = Find(nID);
+    views.SetAsked(nIndex, HandlerToAsk(pHandler));
+    const unsigned int nChange = s_nChange;
+    views.BeginWalk();
+    const unsigned int nState = pHandler ? pHandler->GetState(nID) : 0;
+    if (views.m_pEntries[nIndex].pView && nChange == s_nChange)
+        CCUICommandView::Tell(nIndex, pHandler, nState);
+    views.EndWalk();
+}
+
+void CCUICommandMap::UpdateViews()
+{
+    CCUICommandViewList &views = CCUICommandViewList::s_all;
+    const int nCount = views.m_nCount;
+    const unsigned int nChange = s_nChange;
+    const bool bAll = views.m_nMapChange != nChange;
+    if (!bAll && !views.m_nAsked)
+        return;
+    views.m_nMapChange = nChange;
+    views.BeginWalk();
+    for (int i = 0; i < nCount; ++i) {
+        const CCUICommandViewEntry &entry = views.m_pEntries[i];
+        if (bAll || nChange != s_nChange) {
+            UpdateView(i);
+        } else if (entry.pAsked) {
+            CCUICommandHandler *const pHandler = entry.pAsked;
+            const unsigned int nOld = entry.nState;
+            const unsigned int nState = pHandler->GetState(entry.nID);
+            const bool bSame = nState == nOld && !(nState & CUI_COMMAND_TEXT);
+            if (!bSame && views.m_pEntries[i].pView && nChange == s_nChange)
+                CCUICommandView::Tell(i, pHandler, nState);
+        }
+    }
+    views.EndWalk();
 }
 
 void CCUICommandMap::_Dump()

@@ -140,7 +140,6 @@ void CCUIWindow::RouteCommand(UINT nCode, UINT nID, HWND hControl)
     Default();
 }
 
-// The nearest window above that routes commands, up to the first that is no child; or null.
 CCUIWindow *CCUIWindow::FindRouter() const
 {
     HWND hWnd = m_hWnd;

@@ -307,6 +307,10 @@ CUI_OUT_OF_LINE long CCUIWindow::DispatchFurther(UINT message, WPARAM wParam, LP
     case WM_DROPFILES:      OnDropFiles(HandleArg<HDROP>(wParam)); break;
     case WM_MOUSELEAVE:     OnMouseLeave(); break;
     case DPI_CHANGED:       OnDpiChanged(LowArg(wParam), HandleArg<const RECT *>(lParam)); break;
+    case WM_ENABLE:         OnEnable(static_cast<int>(wParam)); break;
+    case WM_GETDLGCODE:     return static_cast<long>(OnGetDlgCode(HandleArg<const MSG *>(lParam)));
+    case WM_MOVE:           OnMove(point.x, point.y); break;
+    case WM_COPYDATA:       return OnCopyData(HandleArg<HWND>(wParam), HandleArg<const COPYDATASTRUCT *>(lParam));
     default:
         if (!IsOldWheel(message))
             return OnMessage(message, wParam, lParam);
@@ -381,6 +385,10 @@ void CCUIWindow::OnEndSession(int, UINT) { HandOn(); }
 void CCUIWindow::OnSysCommand(UINT, LPARAM) { HandOn(); }
 void CCUIWindow::OnDisplayChange(UINT, int, int) { HandOn(); }
 void CCUIWindow::OnDpiChanged(UINT, const RECT *) { HandOn(); }
+void CCUIWindow::OnEnable(int) { HandOn(); }
+UINT CCUIWindow::OnGetDlgCode(const MSG *) { return static_cast<UINT>(HandOn()); }
+void CCUIWindow::OnMove(int, int) { HandOn(); }
+int CCUIWindow::OnCopyData(HWND, const COPYDATASTRUCT *) { return HandOn(); }
 // clang-format on
 
 // --- Handlers with something of their own to do ---

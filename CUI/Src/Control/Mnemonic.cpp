@@ -1,0 +1,83 @@
+// Alt and a character, outside of dialogs.
+
+#include "CUI/Control.h"
+
+namespace {
+
+const int LONGEST_TEXT = 256;
+
+UINT Upper(UINT nChar)
+{
+    const auto character = static_cast<ULONG_PTR>(nChar & 0xFF);
+    return reinterpret_cast<ULONG_PTR>(CharUpperA(reinterpret_cast<char *>(character))) & 0xFF;
+}
+
+// Whether the character behind the text's single '&' is that one.
+bool HasMnemonic(const char *psz, UINT nUpper)
+{
+    for (; *psz; psz = CharNextA(psz)) {
+        if (*psz != '&')
+            continue;
+        ++psz;
+        if (*psz != '&')
+            return Upper(static_cast<BYTE>(*psz)) == nUpper;
+    }
+    return false;
+}
+
+LRESULT DialogCode(HWND hWnd)
+{
+    return SendMessageA(hWnd, WM_GETDLGCODE, 0, 0);
+}
+
+struct CSearch
+{
+    UINT nUpper;
+    HWND hFocus;
+    HWND hFirst;  // of those found
+    HWND hNext;   // the first behind the focus
+    int nCount;
+    bool bBehindFocus;
+};
+
+BOOL CALLBACK Visit(HWND hWnd, LPARAM lParam)
+{
+    auto &search = *reinterpret_cast<CSearch *>(lParam);
+    if (hWnd == search.hFocus)
+        search.bBehindFocus = true;
+    if (!IsWindowVisible(hWnd) || !IsWindowEnabled(hWnd))
+        return TRUE;
+    char szText[LONGEST_TEXT] = "";
+    if (!(DialogCode(hWnd) & (DLGC_BUTTON | DLGC_STATIC)) ||
+        !GetWindowTextA(hWnd, szText, LONGEST_TEXT) || !HasMnemonic(szText, search.nUpper))
+        return TRUE;
+    ++search.nCount;
+    if (!search.hFirst)
+        search.hFirst = hWnd;
+    if (!search.hNext && search.bBehindFocus && hWnd != search.hFocus)
+        search.hNext = hWnd;
+    return TRUE;
+}
+
+}  // namespace
+
+int CUITranslateMnemonic(HWND hParent, const MSG *pMsg)
+{
+    if (pMsg->message != WM_SYSCHAR || pMsg->wParam <= ' ')
+        return 0;
+    CSearch search = {
+        Upper(static_cast<UINT>(pMsg->wParam)), GetFocus(), nullptr, nullptr, 0, false};
+    EnumChildWindows(hParent, Visit, reinterpret_cast<LPARAM>(&search));
+    const HWND hFound = search.hNext ? search.hNext : search.hFirst;
+    if (!hFound)
+        return 0;
+    const bool bButton = (DialogCode(hFound) & DLGC_BUTTON) != 0;
+    if (bButton && search.nCount == 1) {
+        SendMessageA(hFound, BM_CLICK, 0, 0);
+        return 1;
+    }
+    const HWND hFocus = bButton ? hFound : GetNextDlgTabItem(GetParent(hFound), hFound, FALSE);
+    if (hFocus)
+        SetFocus(hFocus);
+    return 1;
+}

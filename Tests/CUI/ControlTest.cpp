@@ -1,0 +1,512 @@
+// Own-drawn controls and buttons: real windows, real messages, the system's own buttons beside
+// them.
+#include "CUI/Button.h"
+#include "CUI/CommandHandler.h"
+#include "CUI/CommandMap.h"
+#include "CUI/Menu.h"
+#include "CUI/Separator.h"
+#include "Support/GdiCount.h"
+#include "Support/HeapWatch.h"
+#include "Support/PixelMap.h"
+#include "Support/Reports.h"
+#include "Support/TestTimer.h"
+#include "Support/TestWindow.h"
+
+#include <commctrl.h>
+
+namespace {
+
+// A window that writes down the commands that come to it.
+struct CParent : CTestWindow
+{
+    explicit CParent(const char *className = nullptr)
+    {
+        Destroy();
+        CreateTestWindow(*this, nullptr, WS_POPUP | WS_VISIBLE, className);
+        m_on[WM_COMMAND] = [&] {
+            m_told += Text("%u,%u ", LOWORD(m_wParam), HIWORD(m_wParam));
+            const auto function = m_onCommand;
+            function();
+            return 0;
+        };
+        SetForegroundWindow(m_hWnd);
+    }
+    std::string Told() { return std::exchange(m_told, ""); }
+
+    std::string m_told;
+    std::function<void()> m_onCommand = [] {};
+};
+
+struct CButton : CCUIButton
+{
+    explicit CButton(HWND hParent, UINT nID = 5, CUIButtonKind kind = CUI_BUTTON_PUSH,
+                     const char *text = "&Text", RECT rect = {20, 20, 100, 50})
+        : CCUIButton(kind)
+    {
+        CreateControl(hParent, nID, text, &rect);
+    }
+    using CCUIButton::SetState;
+
+    // The states without those that a test's screen may add.
+    unsigned State() const { return GetState() & ~(CUI_STATE_HOT | CUI_STATE_FOCUSED); }
+    CPixelMap Picture()
+    {
+        RECT rect;
+        GetClientRect(m_hWnd, &rect);
+        CTestSurface surface(CPixelMap(rect.right, rect.bottom, 0xFF00FF));
+        SendMessageA(m_hWnd, WM_PRINTCLIENT, reinterpret_cast<WPARAM>(HDC(surface)), 0);
+        return surface.Read();
+    }
+};
+
+struct CCommand final : CCUICommandHandler
+{
+    explicit CCommand(unsigned nID) : CCUICommandHandler(nID, 1) {}
+    void HandleCommand(unsigned) override { ++m_nDone, m_onCommand(); }
+    unsigned short GetState(unsigned) override { return m_nState; }
+    CCUString GetShortTT(unsigned) override { return m_text; }
+
+    unsigned short m_nState = CUI_COMMAND_ACTIVE;
+    const char *m_text = "tip";
+    int m_nDone = 0;
+    std::function<void()> m_onCommand = [] {};
+};
+
+long Send(HWND hWnd, UINT message, WPARAM wParam = 0, LPARAM lParam = 0)
+{
+    return SendMessageA(hWnd, message, wParam, lParam);
+}
+
+void Click(HWND hWnd)
+{
+    Send(hWnd, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(2, 2));
+    Send(hWnd, WM_LBUTTONUP, 0, MAKELPARAM(2, 2));
+}
+
+bool IsDirty(HWND hWnd)
+{
+    const bool bDirty = GetUpdateRect(hWnd, nullptr, FALSE) != 0;
+    UpdateWindow(hWnd);
+    return bDirty;
+}
+
+}  // namespace
+
+TEST(Control, IsPressedWhileMouseOrKeyHoldItAndClicksWhenTheyLetGo)
+{
+    CParent parent;
+    CTestWindow other(parent, WS_CHILD | WS_VISIBLE);
+    CButton button(parent);
+    const LPARAM in = MAKELPARAM(5, 5), out = MAKELPARAM(-5, 5);
+    const std::map<char, std::function<void()>> inputs = {
+        {'D', [&] { Send(button, WM_LBUTTONDOWN, 0, in); }},
+        {'2', [&] { Send(button, WM_LBUTTONDBLCLK, 0, in); }},
+        {'U', [&] { Send(button, WM_LBUTTONUP, 0, in); }},
+        {'u', [&] { Send(button, WM_LBUTTONUP, 0, out); }},
+        {'<', [&] { Send(button, WM_MOUSEMOVE, 0, out); }},
+        {'>', [&] { Send(button, WM_MOUSEMOVE, 0, in); }},
+        {'c', [&] { Send(button, WM_CANCELMODE); }},
+        {'o', [&] { SetCapture(other); }},
+        {'e', [&] { button.Enable(false); }},
+        {'f', [&] { Send(button, WM_KILLFOCUS); }},
+        {'S', [&] { Send(button, WM_KEYDOWN, VK_SPACE, 1); }},
+        {'R', [&] { Send(button, WM_KEYDOWN, VK_SPACE, KF_REPEAT << 16); }},
+        {'s', [&] { Send(button, WM_KEYUP, VK_SPACE, 1); }},
+        {'x', [&] { Send(button, WM_KEYDOWN, VK_ESCAPE, 1); }},
+        {'r', [&] { Send(button, WM_KEYDOWN, VK_RETURN, 1); }},
+        {'b', [&] { Send(button, BM_CLICK); }},
+    };
+    const struct
+    {
+        const char *input, *pressed;
+        bool bClicked;
+    } rows[] = {{"DU", "10", true},    {"D<>U", "1010", true}, {"D<u", "100", false},
+                {"2U", "10", true},    {"U", "0", false},      {"DcU", "100", false},
+                {"DoU", "100", false}, {"DeU", "100", false},  {"SRs", "110", true},
+                {"Sxs", "100", false}, {"Sfs", "100", false},  {"r", "0", true},
+                {"b", "0", true},      {"eb", "00", false}};
+    for (const auto &row : rows) {
+        std::string pressed;
+        for (const char *p = row.input; *p; ++p) {
+            inputs.at (*p)();
+            pressed += (button.GetState() & CUI_STATE_PRESSED) ? '1' : '0';
+        }
+        EXPECT_EQ(row.pressed, pressed) << row.input;
+        EXPECT_EQ(row.bClicked ? "5,0 " : "", parent.Told()) << row.input;
+        EXPECT_NE(button.GetHandle(), GetCapture()) << row.input;
+        ReleaseCapture();
+        button.Enable(true);
+    }
+}
+
+TEST(Control, IsHotWithATipWhileTheMouseIsOverIt)
+{
+    CParent parent;
+    CCommand command(1000);
+    CButton button(parent);
+    button.SetFlat(true);
+    button.SetCommand(1000);
+    // The system that tells nothing of a mouse that has left comes first: what it has is kept.
+    CFakeCall<FARPROC(HMODULE, LPCSTR)> *pFake = nullptr;
+    const auto without = [&](HMODULE hModule, LPCSTR name) -> FARPROC {
+        return strstr(name, "TrackMouseEvent") ? nullptr : pFake->Original(hModule, name);
+    };
+    for (const bool bTells : {false, true}) {
+        std::unique_ptr<CFakeCall<FARPROC(HMODULE, LPCSTR)>> fake;
+        if (!bTells)
+            fake = std::make_unique<CFakeCall<FARPROC(HMODULE, LPCSTR)>>("GetProcAddress", without);
+        pFake = fake.get();
+        for (const int x : {60, 400}) {
+            SetCursorPos(10 + x, 20 + 30);
+            const unsigned nHot = x == 60 ? CUI_STATE_HOT : 0u;
+            for (int i = 0; i < 100 && (button.GetState() & CUI_STATE_HOT) != nHot; ++i)
+                CCUIWindow::IdleLoop(-20, 0);
+            EXPECT_EQ(nHot, button.GetState() & CUI_STATE_HOT) << bTells;
+            const HWND hTip = FindWindowA(TOOLTIPS_CLASSA, nullptr);
+            ASSERT_TRUE(hTip);
+            EXPECT_EQ(parent.GetHandle(), GetWindow(hTip, GW_OWNER));
+            EXPECT_EQ(nHot ? 1 : 0, Send(hTip, TTM_GETTOOLCOUNT));
+        }
+    }
+}
+
+TEST(Control, FollowsItsCommandAndRepaintsOnlyWhatChanged)
+{
+    CReports reports;
+    CParent frame;
+    CTestWindow panel(frame, WS_CHILD | WS_VISIBLE);  // that routes nothing
+    CCommand command(1000);
+    CButton button(panel), other(panel, 6, CUI_BUTTON_PUSH, "other", {20, 60, 100, 90});
+    button.SetCommand(1000);
+    EXPECT_EQ(1000, GetDlgCtrlID(button));
+    const struct
+    {
+        unsigned short nState;
+        const char *text;
+        unsigned nShown;
+        const char *shown;
+        bool bDirty;
+    } rows[] = {{2, "a", 0, "&Text", true},
+                {2, "a", 0, "&Text", false},
+                {0x42, "a", CUI_STATE_CHECKED, "&Text", true},
+                {0x142, "&b\tF5", CUI_STATE_CHECKED, "&b", true},
+                {0x142, "&b\tF5", CUI_STATE_CHECKED, "&b", false},
+                {0, "b", CUI_STATE_DISABLED, "&b", true}};
+    for (const auto &row : rows) {
+        command.m_nState = row.nState;
+        command.m_text = row.text;
+        CCUICommandMap::IdleUpdate();
+        EXPECT_EQ(row.nShown, button.State());
+        EXPECT_EQ(!(row.nShown & CUI_STATE_DISABLED), IsWindowEnabled(button));
+        EXPECT_EQ(row.shown, std::string(button.GetText()));
+        EXPECT_EQ(row.bDirty, IsDirty(button)) << &row - rows;
+        EXPECT_EQ(&row == rows, IsDirty(other));
+    }
+    command.m_nState = CUI_COMMAND_ACTIVE;
+    CCUICommandMap::IdleUpdate();
+    frame.RouteCommands(true);
+    frame.m_on.clear();
+    Click(button);
+    EXPECT_EQ(1, command.m_nDone);
+    // Disabled with the focus, it passes that on, so that the keyboard is not lost.
+    SetFocus(button);
+    panel.m_on[CUI_WM_TABKEY] = [&] { return SetFocus(other), 1; };
+    command.m_nState = 0;
+    CCUICommandMap::IdleUpdate();
+    EXPECT_EQ(other.GetHandle(), GetFocus());
+    // What is said before there is a window counts from its start.
+    CCUIButton early;
+    early.SetCommand(1000);
+    early.SetText("early");
+    early.CreateControl(panel, 9, nullptr);
+    EXPECT_FALSE(IsWindowEnabled(early));
+    EXPECT_EQ("early", std::string(early.GetText()));
+    EXPECT_EQ(1000, GetDlgCtrlID(early));
+    EXPECT_EQ(0, reports.Total());
+}
+
+TEST(Control, MayBeDeletedByItsOwnCommand)
+{
+    CReports reports;
+    CParent frame;
+    frame.RouteCommands(true);
+    frame.m_on.clear();
+    CCommand command(1000);
+    const auto space = [](HWND hWnd) {
+        Send(hWnd, WM_KEYDOWN, VK_SPACE);
+        Send(hWnd, WM_KEYUP, VK_SPACE);
+    };
+    const std::function<void(HWND)> ways[] = {Click, space,
+                                              [](HWND hWnd) { Send(hWnd, WM_KEYDOWN, VK_RETURN); },
+                                              [](HWND hWnd) { Send(hWnd, BM_CLICK); }};
+    for (const auto kind : {CUI_BUTTON_PUSH, CUI_BUTTON_CHECK, CUI_BUTTON_RADIO, CUI_BUTTON_REPEAT})
+    {
+        for (const auto &way : ways) {
+            const CHeapWatch heap;  // what is used of a dead button is wrong
+            auto button = std::make_unique<CButton>(frame, 1000u, kind);
+            command.m_onCommand = [&] { button.reset(); };
+            button->SetCommand(kind == CUI_BUTTON_RADIO ? 0 : 1000);
+            way(*button);
+            EXPECT_EQ(nullptr, button);
+        }
+    }
+    EXPECT_EQ(16, command.m_nDone);
+    EXPECT_EQ(0, reports.Total());
+}
+
+namespace {
+
+// The same keys to a dialog of the system's buttons and to one whose buttons we have replaced.
+std::string PlayDialog(bool bOurs)
+{
+    const struct
+    {
+        const char *text;
+        DWORD style;
+        CUIButtonKind kind;
+    } controls[] = {{"&Check", BS_AUTOCHECKBOX | WS_TABSTOP, CUI_BUTTON_CHECK},
+                    {"&One", BS_AUTORADIOBUTTON | WS_GROUP | WS_TABSTOP, CUI_BUTTON_RADIO},
+                    {"&Two", BS_AUTORADIOBUTTON, CUI_BUTTON_RADIO},
+                    {"T&hree", BS_AUTORADIOBUTTON | WS_DISABLED, CUI_BUTTON_RADIO},
+                    {"&Go", BS_DEFPUSHBUTTON | WS_GROUP | WS_TABSTOP, CUI_BUTTON_PUSH},
+                    {"&Push && pull", BS_PUSHBUTTON | WS_TABSTOP, CUI_BUTTON_PUSH}};
+    CParent dialog("#32770");
+    std::unique_ptr<CCUIButton> ours[std::size(controls)];
+    for (size_t i = 0; i < std::size(controls); ++i) {
+        const int nID = 100 + static_cast<int>(i);
+        const HWND hWnd =
+            CreateWindowExA(0, "BUTTON", controls[i].text,
+                            controls[i].style | WS_CHILD | WS_VISIBLE, 10, static_cast<int>(i) * 20,
+                            90, 18, dialog, reinterpret_cast<HMENU>(nID), nullptr, nullptr);
+        if (controls[i].style & BS_DEFPUSHBUTTON)
+            Send(dialog, DM_SETDEFID, static_cast<WPARAM>(nID));
+        Send(hWnd, WM_SETFONT, reinterpret_cast<WPARAM>(GetStockObject(ANSI_FIXED_FONT)));
+    }
+    for (size_t i = 0; bOurs && i < std::size(controls); ++i) {
+        ours[i] = std::make_unique<CCUIButton>(controls[i].kind);
+        EXPECT_TRUE(ours[i]->ReplaceControl(dialog, 100 + static_cast<UINT>(i)));
+    }
+    dialog.m_on[WM_COMMAND] = [&] {  // a system button also tells of more than clicks
+        if (HIWORD(dialog.m_wParam) == BN_CLICKED)
+            dialog.m_told += Text("%u ", LOWORD(dialog.m_wParam));
+        return 0;
+    };
+    SetFocus(GetDlgItem(dialog, 100));
+    CheckRadioButton(dialog, 101, 103, 101);
+    std::string record;
+    const auto note = [&] {
+        record += dialog.Told() + "@" + std::to_string(GetDlgCtrlID(GetFocus())) + ":";
+        for (int nID = 100; nID < 106; ++nID) {
+            const HWND hWnd = GetDlgItem(dialog, nID);
+            const LONG nStyle = GetWindowLongA(hWnd, GWL_STYLE);
+            record += Text("%u%s%s", IsDlgButtonChecked(dialog, nID),
+                           (nStyle & WS_TABSTOP) && nID < 104 ? "t" : "",
+                           (Send(hWnd, WM_GETDLGCODE) & DLGC_DEFPUSHBUTTON) ? "d" : "");
+        }
+        record += "\n";
+    };
+    const auto play = [&](UINT message, int nKey) {
+        MSG msg = {GetFocus(), message, static_cast<WPARAM>(nKey), 1, 0, {}};
+        if (!IsDialogMessageA(dialog, &msg))
+            DispatchMessageA(&msg);
+        note();
+    };
+    for (const int nKey : {VK_SPACE, VK_RETURN, VK_TAB, VK_DOWN, VK_DOWN, VK_UP, VK_TAB, VK_TAB,
+                           VK_RETURN, VK_TAB, VK_SPACE})
+    {
+        play(WM_KEYDOWN, nKey);
+        play(WM_KEYUP, nKey);
+    }
+    for (const char c : {'t', 'g', 'P', 'h', 'c'})
+        play(WM_SYSCHAR, c);
+    CheckDlgButton(dialog, 100, BST_CHECKED);
+    Click(GetDlgItem(dialog, 101));
+    note();
+    for (const HWND hWnd : {GetDlgItem(dialog, 100), GetDlgItem(dialog, 105)}) {
+        char szText[32] = "";
+        GetWindowTextA(hWnd, szText, sizeof szText);
+        RECT rect;
+        GetWindowRect(hWnd, &rect);
+        record += Text("%s %ld,%ld %lx\n", szText, rect.top, rect.right, Send(hWnd, WM_GETFONT));
+    }
+    return record;
+}
+
+}  // namespace
+
+TEST(Control, DoesInADialogWhatTheSystemsButtonsDo)
+{
+    EXPECT_EQ(PlayDialog(false), PlayDialog(true));
+}
+
+TEST(Control, MnemonicsWorkOutsideOfDialogs)
+{
+    CParent parent;
+    CButton a(parent, 5, CUI_BUTTON_PUSH, "&Go"), b(parent, 6, CUI_BUTTON_PUSH, "&Same"),
+        c(parent, 7, CUI_BUTTON_CHECK, "&Same && more");
+    const HWND hLabel = MakePlain("STATIC", parent), hEdit = MakePlain("EDIT", parent);
+    SetWindowTextA(hLabel, "&Name");
+    for (const HWND hWnd : {hLabel, hEdit})
+        SetWindowLongA(hWnd, GWL_STYLE, WS_CHILD | WS_VISIBLE | WS_TABSTOP);
+    SetFocus(a);
+    const struct
+    {
+        char c;
+        int bTaken, nFocus;
+        const char *told;
+    } rows[] = {{'g', 1, 5, "5,0 "}, {'S', 1, 6, ""}, {'s', 1, 7, ""},
+                {'s', 1, 6, ""},     {'m', 0, 6, ""}, {'&', 0, 6, ""}};
+    for (const auto &row : rows) {
+        MSG msg = {GetFocus(), WM_SYSCHAR, static_cast<WPARAM>(row.c), 1 << 29, 0, {}};
+        EXPECT_EQ(row.bTaken, CCUIWindow::PerformPreTranslation(&msg)) << row.c;
+        EXPECT_EQ(row.nFocus, GetDlgCtrlID(GetFocus())) << row.c;
+        EXPECT_EQ(row.told, parent.Told()) << row.c;
+    }
+    MSG msg = {parent, WM_SYSCHAR, 'n', 1 << 29, 0, {}};
+    EXPECT_EQ(1, CUITranslateMnemonic(parent, &msg));
+    EXPECT_EQ(hEdit, GetFocus());
+}
+
+TEST(Control, RepeatsAsTheKeyboardDoesWhileItIsHeldDown)
+{
+    CFakeClock clock;
+    PassStartTick(clock);
+    CParent parent;
+    CButton button(parent, 5, CUI_BUTTON_REPEAT);
+    int nDelay = 0;
+    DWORD nSpeed = 0;
+    SystemParametersInfoA(SPI_GETKEYBOARDDELAY, 0, &nDelay, 0);
+    SystemParametersInfoA(SPI_GETKEYBOARDSPEED, 0, &nSpeed, 0);
+    const DWORD nFirst = static_cast<DWORD>(nDelay + 1) * 250, nNext = 400 - nSpeed * 367 / 31;
+    const auto clicks = [&] { return parent.Told().size() / 4; };
+    Send(button, WM_LBUTTONDOWN, 0, MAKELPARAM(5, 5));
+    EXPECT_EQ(1u, clicks());
+    clock.Run(nFirst - 1);
+    EXPECT_EQ(0u, clicks());
+    clock.Run(1 + 3 * nNext);
+    EXPECT_EQ(4u, clicks());
+    Send(button, WM_MOUSEMOVE, 0, MAKELPARAM(-5, 5));
+    clock.Run(5 * nNext);
+    EXPECT_EQ(0u, clicks());
+    Send(button, WM_MOUSEMOVE, 0, MAKELPARAM(5, 5));
+    clock.Run(nNext);
+    EXPECT_EQ(1u, clicks());
+    Send(button, WM_LBUTTONUP, 0, MAKELPARAM(5, 5));
+    clock.Run(5 * nNext);
+    EXPECT_EQ(0u, clicks());
+}
+
+TEST(Control, OpensItsMenuBelowAndStaysDownMeanwhile)
+{
+    CParent frame;
+    CCommand command(1001);
+    frame.RouteCommands(true);
+    CButton button(frame, 5, CUI_BUTTON_SPLIT);
+    CCUIMenu menu;
+    AppendMenuA(menu.GetHandle(), MF_STRING, 1001, "item");
+    button.SetDropMenu(&menu);
+    SetFocus(button);
+    const CPixelMap closed = button.Picture();
+    for (const bool bMouse : {true, false}) {
+        CPixelMap open;
+        frame.m_on.clear();
+        frame.m_on[WM_INITMENUPOPUP] = [&] {
+            open = button.Picture();
+            if (bMouse)  // the click that closes it
+                PostMessageA(button, WM_LBUTTONDOWN, 0, MAKELPARAM(75, 9));
+            for (const int nKey : {VK_DOWN, VK_RETURN})
+                PostMessageA(frame, WM_KEYDOWN, static_cast<WPARAM>(bMouse ? VK_SHIFT : nKey), 1);
+            return frame.Default();
+        };
+        if (bMouse)
+            Send(button, WM_LBUTTONDOWN, 0, MAKELPARAM(75, 9));
+        else
+            Send(button, WM_SYSKEYDOWN, VK_DOWN, 1 << 29);
+        EXPECT_EQ(80, open.cx);
+        EXPECT_FALSE(open == closed);
+        EXPECT_TRUE(button.Picture() == closed);
+        MSG msg;
+        EXPECT_FALSE(PeekMessageA(&msg, button, WM_LBUTTONDOWN, WM_LBUTTONDOWN, PM_REMOVE));
+        PumpWaiting();
+    }
+    EXPECT_EQ(1, command.m_nDone);
+    frame.m_on.clear();
+    Click(button);  // beside the arrow
+    EXPECT_EQ(1, command.m_nDone);
+}
+
+TEST(Control, ShowsEachStateAndWhatIsBehind)
+{
+    CParent parent;
+    parent.m_on[WM_CTLCOLORSTATIC] = [&] {
+        SetBkColor(reinterpret_cast<HDC>(parent.m_wParam), RGB(0, 128, 0));
+        static const HBRUSH s_hGreen = CreateSolidBrush(RGB(0, 128, 0));
+        return reinterpret_cast<long>(s_hGreen);
+    };
+    CPixelMap picture(32, 16, 0xFF00FF);
+    picture.Set(20, 8, 0x0000FF);
+    CTestSurface surface(picture);
+    const HBITMAP hCopy = static_cast<HBITMAP>(CopyImage(surface.Bitmap(), IMAGE_BITMAP, 0, 0, 0));
+    const CCUIBitmap bitmap(hCopy, nullptr);
+    for (const bool bFlat : {false, true}) {
+        CButton button(parent);
+        button.SetFlat(bFlat);
+        button.SetPicture(bitmap, 1, 16, 0xFF00FF);
+        std::vector<CPixelMap> seen;
+        for (const unsigned nState : {0u, 2u, 4u, 8u, 16u, 64u}) {
+            button.SetState(nState, true);
+            const CPixelMap map = button.Picture();
+            // A raised one does not show the mouse, nor a flat one what is the default.
+            const bool bSame = nState == (bFlat ? 64u : 2u);
+            EXPECT_EQ(bSame, std::find(seen.begin(), seen.end(), map) != seen.end()) << nState;
+            seen.push_back(map);
+            button.SetState(nState, false);
+        }
+        EXPECT_EQ(bFlat ? RGB(0, 128, 0) : GetSysColor(COLOR_BTNFACE), seen[0].At(4, 4));
+        EXPECT_EQ(0, std::count(seen[0].pixels.begin(), seen[0].pixels.end(), 0xFF00FFu));
+        EXPECT_EQ(1, std::count(seen[0].pixels.begin(), seen[0].pixels.end(), 0x0000FFu));
+        button.Enable(false);
+        const CPixelMap disabled = button.Picture();
+        EXPECT_EQ(0, std::count(disabled.pixels.begin(), disabled.pixels.end(), 0x0000FFu));
+        // The window shows the same as what it paints elsewhere.
+        UpdateWindow(button);
+        const HDC hDC = GetDC(button);
+        EXPECT_TRUE(disabled == ReadPixels(hDC, 80, 30));
+        ReleaseDC(button, hDC);
+    }
+    // A line lets the mouse through.
+    CCUISeparator line;
+    const RECT rect = {110, 0, 120, 60};
+    line.CreateControl(parent, 9, "", &rect);
+    EXPECT_EQ(HTTRANSPARENT, Send(line, WM_NCHITTEST));
+    UpdateWindow(line);
+    const HDC hDC = GetDC(line);
+    EXPECT_EQ(GetSysColor(COLOR_BTNSHADOW), GetPixel(hDC, 4, 30));
+    ReleaseDC(line, hDC);
+}
+
+TEST(Control, LeavesNothingBehind)
+{
+    CReports reports;
+    CParent parent;
+    CCommand command(1000);
+    CTestSurface surface(CPixelMap(80, 30));
+    int nBefore = 0;
+    for (int i = 0; i < 1000; ++i) {
+        if (i == 10)
+            nBefore = GdiCount();
+        CButton button(parent, 5, static_cast<CUIButtonKind>(i % 6));
+        button.SetCommand(i % 2 ? 1000 : 0);
+        Send(button, WM_PRINTCLIENT, reinterpret_cast<WPARAM>(HDC(surface)));
+        Send(button, WM_MOUSEMOVE, 0, MAKELPARAM(5, 5));
+        button.Destroy();
+    }
+    EXPECT_NEAR(nBefore, GdiCount(), 1);
+    CCUIButton none;
+    none.Click();
+    none.DropDown();
+    none.SetDefault(true);
+    none.SetCheck(BST_CHECKED);
+    EXPECT_EQ(0, none.ReplaceControl(parent, 77));
+    EXPECT_EQ(0, reports.Total());
+}
