@@ -1,7 +1,7 @@
 #include "Base/Multimedia.h"
 
 #include "Base/Module.h"
-#include "Process/SystemLibrary.h"
+#include "Base/SystemLibrary.h"
 #include "Process/ThreadExit.h"
 
 namespace {

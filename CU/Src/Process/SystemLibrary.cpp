@@ -1,4 +1,4 @@
-#include "Process/SystemLibrary.h"
+#include "Base/SystemLibrary.h"
 
 HMODULE CULoadSystemLibrary(const char *name)
 {

@@ -3,7 +3,7 @@
 #include <string.h>
 
 #include "Base/Lock.h"
-#include "Process/SystemLibrary.h"
+#include "Base/SystemLibrary.h"
 #include "Report/FaultGuard.h"
 
 namespace {
