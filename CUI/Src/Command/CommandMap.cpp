@@ -8,6 +8,7 @@
 #include "CU/Dump.h"
 #include "CU/String.h"
 #include "CUI/CommandHandler.h"
+#include "Command/IdleWatch.h"
 
 #define CU_SOURCE "CommandMap"
 
@@ -83,6 +84,7 @@ void CCUICommandMap::IdleUpdate()
 {
     // Not This(), which makes the tables: a program without commands needs none.
     s_this._IdleUpdate();
+    CUITellIdleWatches();
 }
 
 void CCUICommandMap::Dump()
