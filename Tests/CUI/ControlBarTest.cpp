@@ -136,8 +136,9 @@ TEST(ControlBar, PutsItsItemsAlongItsSideAndWhatHasNoRoomIntoAMenu)
     EXPECT_EQ("1002 1001 ", menu);
     EXPECT_NE(std::string::npos, parent.Told().find("1002 "));
     DestroyWindow(hEdit);
-    bar.SetLength(71);
-    EXPECT_EQ("2,8 2,30 - - - - 2,56 ", bar.Places());
+    bar.SetSide(CUI_BAR_TOP);
+    bar.SetLength(110);
+    EXPECT_EQ("8,2 31,2 54,2 62,2 85,2 - - ", bar.Places());
 }
 
 TEST(ControlBar, ShowsWhatTheHandlersSayAndRepaintsOnlyWhatThatChanges)
@@ -184,12 +185,18 @@ TEST(ControlBar, ShowsWhatTheHandlersSayAndRepaintsOnlyWhatThatChanges)
     all.commands[0].m_nState |= CUI_COMMAND_TEXT;
     CCUICommandMap::IdleUpdate();
     EXPECT_GT(cxText, bar.GetItemRect(0).right - bar.GetItemRect(0).left);
-    // A handler that empties the bar, or ends it, while it is asked.
+    // A handler that puts other buttons into the bar, or ends it, while it is asked.
     auto other = std::make_unique<CBar>(parent);
-    all.commands[0].m_onState = [&] { bar.RemoveAll(), other.reset(); };
-    CCUICommandMap::IdleUpdate();
-    EXPECT_EQ("- - - - - - - ", bar.Places());
+    all.commands[0].m_onState = [&] { other.reset(); };
+    other->RefreshCommands();
     EXPECT_FALSE(other);
+    all.commands[0].m_onState = [&] { bar.RemoveAll(), bar.AddButton(1003, 0); };
+    bar.RefreshCommands();
+    EXPECT_EQ("8,2 - - - - - - ", bar.Places());
+    parent.Told();
+    bar.Mouse(WM_LBUTTONDOWN, 0);
+    bar.Mouse(WM_LBUTTONUP, 0);
+    EXPECT_EQ("", parent.Told());
 }
 
 TEST(ControlBar, PressesWhatTheMouseGoesDownAndUpOn)
@@ -307,7 +314,7 @@ TEST(ControlBar, DocksWhereItIsDraggedAndRemembersThat)
     EXPECT_EQ("", drag({{100, 20}, {150, 150}}, WM_LBUTTONUP));
     EXPECT_EQ("layout3 layout3 layout3 ", drag({{5, 150}, {150, 290}}, WM_KEYDOWN));
     EXPECT_EQ(CUI_BAR_TOP, bar.GetSide());
-    EXPECT_EQ("layout3 ", drag({{290, 150}, {295, 10}}, WM_LBUTTONUP));
+    EXPECT_EQ("layout3 ", drag({{290, 150}, {280, 5}}, WM_LBUTTONUP));
     EXPECT_EQ(CUI_BAR_RIGHT, bar.GetSide());
     bar.ShowBar(false);
     CCUIControlBar later;

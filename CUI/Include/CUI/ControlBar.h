@@ -46,73 +46,73 @@ enum CUIBarSide
 /// had it, as pressing does, before the command.
 ///
 /// For the user-interface thread only.
-class CUI_API CCUIControlBar : public CCUIControlWindow
+class CCUIControlBar : public CCUIControlWindow
 {
 public:
     /// Empty, at the top.
-    CCUIControlBar();
-    ~CCUIControlBar() override;
+    CUI_API CCUIControlBar();
+    CUI_API ~CCUIControlBar() override;
 
     /// Makes the window, a child, still without a place in its parent. With a name the user's side
     /// and whether the bar is shown are kept in the settings ("Bars\" and the name, see
     /// CUI/Settings.h) and come from there, if there are any, in the place of `side`; else nothing
     /// is kept. 1, or 0 as Create.
-    int CreateBar(HWND hParent, UINT nID, const char *pszName = nullptr,
-                  CUIBarSide side = CUI_BAR_TOP);
+    CUI_API int CreateBar(HWND hParent, UINT nID, const char *pszName = nullptr,
+                          CUIBarSide side = CUI_BAR_TOP);
     /// The class "pzl-ControlBAR" where none is named. When it cannot be registered
     /// "CUIWindowClassRegister(CUI_CLASS_CONTROLBAR)" is reported.
-    int PreCreate(CREATESTRUCTA *pCreate) override;
+    CUI_API int PreCreate(CREATESTRUCTA *pCreate) override;
     /// Tab goes from a window in the bar to the next item.
-    int PreTranslateMessage(MSG *pMsg) override;
+    CUI_API int PreTranslateMessage(MSG *pMsg) override;
 
     // --- What is in it ---
 
     /// Puts buttons in the place of all that is there: for each identifier one with the next
     /// picture of the strip, for each 0 a separator.
-    void SetButtons(const unsigned int *pnIDs, int nCount);
+    CUI_API void SetButtons(const unsigned int *pnIDs, int nCount);
     /// Appends a button with the strip's picture of that number, from 0; one that the strip does
     /// not have: with a text. The command is below 65,536, as the system has it.
-    void AddButton(unsigned int nID, int nPicture);
+    CUI_API void AddButton(unsigned int nID, int nPicture);
     /// Appends a separator.
-    void AddSeparator();
+    CUI_API void AddSeparator();
     /// Appends a window, which becomes a child of the bar and keeps its size; it stays its owner's.
     /// With the identifier of a command it is enabled as that is, and the command stands for it in
     /// the menu of what has no room; 0: none does. Needs the bar's window, or it is reported as
     /// "m_hWnd" and not done. When the window is destroyed, its place closes up at the next layout.
-    void AddControl(HWND hControl, unsigned int nID);
+    CUI_API void AddControl(HWND hControl, unsigned int nID);
     /// Takes everything away; windows become hidden and stay children.
-    void RemoveAll();
+    CUI_API void RemoveAll();
     /// Gives the command's button an arrow that opens the menu, which is not owned and must live as
     /// long as the bar or until this is called with null.
-    void SetDropDown(unsigned int nID, CCUIMenu *pMenu);
+    CUI_API void SetDropDown(unsigned int nID, CCUIMenu *pMenu);
 
     /// The strip of pictures, each cxPicture pixels wide; null or narrower: texts in their place.
     /// In the disabled look what has the colours of the button's face or highlight is background:
     /// load the strip with CUIBMP_SYSCOLORS, and it goes along with changes of the system's
     /// colours.
-    void SetPictures(const CCUIBitmap &strip, int cxPicture);
+    CUI_API void SetPictures(const CCUIBitmap &strip, int cxPicture);
     /// Whether buttons have texts beside their pictures; false at first.
-    void ShowTexts(bool bShow);
+    CUI_API void ShowTexts(bool bShow);
     /// What the handlers say now, at once.
-    void RefreshCommands();
+    CUI_API void RefreshCommands();
 
     /// Where the item is, from 0 in the order of adding, in client pixels; empty for one that has
     /// no room, and for none.
-    RECT GetItemRect(int nItem) const;
+    CUI_API RECT GetItemRect(int nItem) const;
     /// The button ">>"; empty while all have room.
-    RECT GetOverflowRect() const;
+    CUI_API RECT GetOverflowRect() const;
 
     // --- Where it is ---
 
     CUIBarSide GetSide() const { return m_side; }  ///< the side for the parent to put it at
     /// A change makes the parent lay out everything.
-    void SetSide(CUIBarSide side);
+    CUI_API void SetSide(CUIBarSide side);
     /// Whether it stands upright: at the left or the right.
     bool IsVertical() const { return m_side >= CUI_BAR_LEFT; }
     /// Whether the user may drag it, for which it has a grip; true at first.
-    void SetDockable(bool bDockable);
+    CUI_API void SetDockable(bool bDockable);
     /// Shows or hides the bar for good, as the user wants it. (ShowWindow does so for the moment.)
-    void ShowBar(bool bShow);
+    CUI_API void ShowBar(bool bShow);
     bool IsBarShown() const { return m_bShown; }  ///< what ShowBar said last; true at first
 
     /// Who gets the commands; null, as at first: the parent.
@@ -121,33 +121,19 @@ public:
     /// Gives the focus to the first visible bar in the parent, or to the one behind (bBack: before)
     /// the one that has it; behind the last one, back to the window that had it before. For a key
     /// such as F6. False when there is no bar.
-    static bool ActivateNext(HWND hParent, bool bBack = false);
+    CUI_API static bool ActivateNext(HWND hParent, bool bBack = false);
 
 protected:
     /// The bar's own handling.
     /// @{
-    void OnDestroy() override;
-    void OnSize(UINT nType, int cx, int cy) override;
-    int OnEraseBkgnd(HDC hDC) override;
-    void OnPaint(HDC hDC) override;
-    void OnSysColorChange() override;
-    void OnWinIniChange(WPARAM nAction, const char *section) override;
-    void OnCommand(UINT nCode, UINT nID, HWND hControl) override;
-    long OnNotify(UINT nID, NMHDR *pHeader) override;
-    void OnMenuSelect(UINT nItem, UINT nFlags, HMENU hMenu) override;
-    void OnLButtonDown(UINT nFlags, POINT &point) override;
-    void OnLButtonDblClk(UINT nFlags, POINT &point) override;
-    void OnLButtonUp(UINT nFlags, POINT &point) override;
-    void OnMouseMove(UINT nFlags, POINT &point) override;
-    void OnMouseLeave() override;
-    void OnCaptureChanged(HWND hNew) override;
-    void OnCancelMode() override;
-    int OnSetCursor(HWND hWnd, UINT nHitTest, UINT nMessage) override;
-    void OnSetFocus(HWND hOld) override;
-    void OnKillFocus(HWND hNew) override;
-    void OnKeyDown(UINT nKey, UINT nRepeat, UINT nFlags) override;
-    long WindowProc(UINT message, WPARAM wParam, LPARAM lParam) override;
-    long OnMessage(UINT message, WPARAM wParam, LPARAM lParam) override;
+    CUI_API void OnPaint(HDC hDC) override;
+    CUI_API void OnCommand(UINT nCode, UINT nID, HWND hControl) override;
+    CUI_API long OnNotify(UINT nID, NMHDR *pHeader) override;
+    CUI_API void OnLButtonDown(UINT nFlags, POINT &point) override;
+    CUI_API void OnLButtonUp(UINT nFlags, POINT &point) override;
+    CUI_API void OnMouseMove(UINT nFlags, POINT &point) override;
+    CUI_API void OnKeyDown(UINT nKey, UINT nRepeat, UINT nFlags) override;
+    CUI_API long WindowProc(UINT message, WPARAM wParam, LPARAM lParam) override;
     /// @}
 
 private:
@@ -164,6 +150,9 @@ private:
     void SetItemText(int nItem, const CCUString &sText);
     void SetItemState(int nItem, unsigned short nState);
     void Layout();
+    void Relayout();
+    void ReloadPictures();
+    void Repaint(const RECT *pRect = nullptr);
     void RepaintItem(int nItem);
 
     int HitTest(const POINT &point) const;
@@ -172,6 +161,10 @@ private:
     void UpdateTip();
     void DropTip();
     bool IsMouseOver() const;
+    void MouseHasLeft();
+    bool ShowDragCursor() const;
+    void TakeFocus(HWND hOld);
+    bool Handle(UINT message, WPARAM wParam, LPARAM lParam, long &result);
     void EndPress();
     void SendCommand(unsigned int nID);
     void Press(int nItem);

@@ -28,21 +28,21 @@ enum CUIBalloonIcon
 /// Calls return 1, or 0 where the shell refuses, which is traced: there may be none, or none yet.
 /// Systems without a notification area (NT 3.51) have no icon, balloons need Windows Me or 2000;
 /// tips are cut to 63 characters, there to 127. For the user-interface thread only.
-class CUI_API CCUINotifyIcon : public CCUIWindow
+class CCUINotifyIcon : public CCUIWindow
 {
 public:
     /// Not there.
-    CCUINotifyIcon();
+    CUI_API CCUINotifyIcon();
     /// Removes the icon.
-    ~CCUINotifyIcon() override;
+    CUI_API ~CCUINotifyIcon() override;
 
     /// Shows the icon, or changes that of one that is there. An HICON stays the caller's and must
     /// live as long as it is shown; one from a resource, by its name or MAKEINTRESOURCE(id), is
     /// loaded in the small size and is the object's. 0, and nothing changes, for a null or missing
     /// one. After a refusal of the shell the icon is shown when the shell starts.
     /// @{
-    int Add(HICON hIcon, const char *pszTip);
-    int Add(HINSTANCE hInstance, const char *name, const char *pszTip);
+    CUI_API int Add(HICON hIcon, const char *pszTip);
+    CUI_API int Add(HINSTANCE hInstance, const char *name, const char *pszTip);
     template <typename Wide>
     int Add(HINSTANCE hInstance, const Wide *name, const char *pszTip)
     {
@@ -51,21 +51,21 @@ public:
     /// @}
     /// Change the icon, as Add, and the tip. 0 for an icon that is not there.
     /// @{
-    int SetIcon(HICON hIcon);
-    int SetIcon(HINSTANCE hInstance, const char *name);
+    CUI_API int SetIcon(HICON hIcon);
+    CUI_API int SetIcon(HINSTANCE hInstance, const char *name);
     template <typename Wide>
     int SetIcon(HINSTANCE hInstance, const Wide *name)
     {
         return SetIcon(hInstance, CUIResourceName(name));
     }
-    int SetTip(const char *pszTip);
+    CUI_API int SetTip(const char *pszTip);
     /// @}
     /// Shows a balloon for some 10 to 30 seconds, as the system likes; up to 63 and 255 characters,
     /// an empty text takes it away. 0 where the system has none.
-    int ShowBalloon(const char *pszTitle, const char *pszText,
-                    CUIBalloonIcon icon = CUI_BALLOON_INFO);
+    CUI_API int ShowBalloon(const char *pszTitle, const char *pszText,
+                            CUIBalloonIcon icon = CUI_BALLOON_INFO);
     /// Takes the icon away, its hidden window and a balloon with it.
-    void Remove();
+    CUI_API void Remove();
     /// Whether Add has been called, and Remove has not.
     bool IsAdded() const { return m_bAdded; }
 
@@ -78,18 +78,18 @@ public:
 
 protected:
     /// A click with the left button; also the first of a double click. The base does nothing.
-    virtual void OnIconClick();
+    CUI_API virtual void OnIconClick();
     /// The base sends the default command.
-    virtual void OnIconDoubleClick();
+    CUI_API virtual void OnIconDoubleClick();
     /// The menu is asked for, at a point of the screen. The base shows the context menu, if any.
-    virtual void OnIconMenu(POINT &point);
+    CUI_API virtual void OnIconMenu(POINT &point);
     /// A balloon was clicked. The base does nothing.
-    virtual void OnBalloonClick();
+    CUI_API virtual void OnBalloonClick();
 
     /// The icon's own handling.
     /// @{
-    void OnDestroy() override;
-    long OnMessage(UINT message, WPARAM wParam, LPARAM lParam) override;
+    CUI_API void OnDestroy() override;
+    CUI_API long OnMessage(UINT message, WPARAM wParam, LPARAM lParam) override;
     /// @}
 
 private:

@@ -40,66 +40,57 @@ struct CUIPaneNotification
 /// the right. '&' is a character like any other, what does not fit ends in "...". A pane's number
 /// that is none is reported as "pPane", and nothing happens or "" is answered. Panes can be set up
 /// before there is a window. For the user-interface thread only.
-class CUI_API CCUIStatusBar : public CCUIControlWindow
+class CCUIStatusBar : public CCUIControlWindow
 {
 public:
     /// With pane 0.
-    CCUIStatusBar();
-    ~CCUIStatusBar() override;
+    CUI_API CCUIStatusBar();
+    CUI_API ~CCUIStatusBar() override;
 
     /// Makes the window, a visible child, still without a size. 1, or 0 as Create.
-    int CreateBar(HWND hParent, UINT nID);
+    CUI_API int CreateBar(HWND hParent, UINT nID);
 
     /// Appends a pane and returns its number. nSize: pixels, or the weight of a stretching pane (at
     /// least 1).
-    int AddPane(CUIPaneWidth width, int nSize);
+    CUI_API int AddPane(CUIPaneWidth width, int nSize);
     /// Changes the width of a pane.
-    void SetPaneWidth(int nPane, CUIPaneWidth width, int nSize);
+    CUI_API void SetPaneWidth(int nPane, CUIPaneWidth width, int nSize);
     /// Later panes get the number before theirs. The last one cannot be removed.
-    void RemovePane(int nPane);
-    int GetPaneCount() const;  ///< 1 or more
+    CUI_API void RemovePane(int nPane);
+    CUI_API int GetPaneCount() const;  ///< 1 or more
     /// Where the pane is, in client pixels, with its border; empty when there is no room for it.
-    RECT GetPaneRect(int nPane) const;
+    CUI_API RECT GetPaneRect(int nPane) const;
     /// The pane at a point in client pixels, or -1.
-    int HitTest(const POINT &point) const;
+    CUI_API int HitTest(const POINT &point) const;
 
     /// The text of a pane; the same text repaints nothing.
     /// @{
-    void SetText(int nPane, const char *pszText);
-    CCUString GetText(int nPane) const;
+    CUI_API void SetText(int nPane, const char *pszText);
+    CUI_API CCUString GetText(int nPane) const;
     /// @}
     /// A picture in front of the text; one that is null takes it away. It is drawn whole: load it
     /// with CUIBMP_SYSCOLORS, and it goes along with changes of the system's colours.
-    void SetPicture(int nPane, const CCUIBitmap &bitmap);
+    CUI_API void SetPicture(int nPane, const CCUIBitmap &bitmap);
     /// Fills nValue of nMost parts of the pane behind its text, at once; an nMost of 0 or less ends
     /// that. Values outside are taken as the nearest inside.
-    void SetProgress(int nPane, int nValue, int nMost);
+    CUI_API void SetProgress(int nPane, int nValue, int nMost);
 
     /// Shows a help text in pane 0 until ClearHelp, over text, picture and progress.
-    virtual void ShowHelp(const CCUString &sText);
+    CUI_API virtual void ShowHelp(const CCUString &sText);
     /// Shows what pane 0 has now.
-    virtual void ClearHelp();
+    CUI_API virtual void ClearHelp();
     /// Shows the long help (GetLongTT) of a command; without a handler as ClearHelp. Meant to be
     /// called from OnMenuSelect with what it gets, an nFlags of 0xFFFF and a popup included.
-    void ShowCommandHelp(UINT nID, UINT nFlags = 0);
+    CUI_API void ShowCommandHelp(UINT nID, UINT nFlags = 0);
 
 protected:
     /// Tells the parent of a click; nonzero: done with. nCode: as in CUIPaneNotification.
-    virtual int OnPaneClick(int nPane, int nCode, POINT &point);
+    CUI_API virtual int OnPaneClick(int nPane, int nCode, POINT &point);
 
     /// The bar's own handling.
     /// @{
-    int OnCreate(CREATESTRUCTA *pCreate) override;
-    void OnSize(UINT nType, int cx, int cy) override;
-    int OnEraseBkgnd(HDC hDC) override;
-    void OnPaint(HDC hDC) override;
-    void OnSysColorChange() override;
-    void OnWinIniChange(WPARAM nAction, const char *section) override;
-    void OnLButtonUp(UINT nFlags, POINT &point) override;
-    void OnLButtonDblClk(UINT nFlags, POINT &point) override;
-    void OnRButtonUp(UINT nFlags, POINT &point) override;
-    void OnRButtonDblClk(UINT nFlags, POINT &point) override;
-    long OnMessage(UINT message, WPARAM wParam, LPARAM lParam) override;
+    CUI_API void OnPaint(HDC hDC) override;
+    CUI_API long WindowProc(UINT message, WPARAM wParam, LPARAM lParam) override;
     /// @}
 
 private:
@@ -110,7 +101,10 @@ private:
     void Layout();
     HWND SizingWindow() const;
     RECT GripRect() const;
-    bool PaneClicked(int nCode, POINT &point);
+    bool IsInGrip(POINT screen) const;
+    void OnSized();
+    void ReloadPictures();
+    bool PaneClicked(UINT nCode, POINT point);
 
     CCUIStatusPanes *m_pPanes;  // owned
     bool m_bHelp;

@@ -3,6 +3,9 @@
 #include "CUI/BmpState.h"
 #include "CUI/CommandHandler.h"
 #include "CUI/Draw.h"
+#include "Base/GdiGuards.h"
+#include "Base/Wrap.h"
+#include "CUI/Data.h"
 #include "Frame/BufferedPaint.h"
 
 namespace {
@@ -18,11 +21,6 @@ const int ARROW = 12;
 const int OVERFLOW_BUTTON = 13;
 
 const RECT NOWHERE = {0, 0, 0, 0};
-
-COLORREF SystemColor(int nIndex)
-{
-    return CUIGetWinData()->ResolveColor(CUIGetWinData()->crSys[nIndex]);
-}
 
 int Larger(int a, int b)
 {
@@ -44,16 +42,16 @@ LONG &Along(SIZE &size, bool bVertical)
 
 void DrawEdge(HDC hDC, const RECT &rc, bool bSunken)
 {
-    const COLORREF crHilite = SystemColor(COLOR_BTNHIGHLIGHT);
-    const COLORREF crShadow = SystemColor(COLOR_BTNSHADOW);
+    const COLORREF crHilite = CUISystemColor(COLOR_BTNHIGHLIGHT);
+    const COLORREF crShadow = CUISystemColor(COLOR_BTNSHADOW);
     CUIDCDraw3dRect(hDC, &rc, bSunken ? crShadow : crHilite, bSunken ? crHilite : crShadow, 0, 0);
 }
 
 // An etched line between two points of a row or a column.
 void DrawEtched(HDC hDC, bool bUpright, int x, int y, int nLength)
 {
-    const COLORREF crHilite = SystemColor(COLOR_BTNHIGHLIGHT);
-    const COLORREF crShadow = SystemColor(COLOR_BTNSHADOW);
+    const COLORREF crHilite = CUISystemColor(COLOR_BTNHIGHLIGHT);
+    const COLORREF crShadow = CUISystemColor(COLOR_BTNSHADOW);
     CUIDCFillSolidRect(hDC, x, y, bUpright ? 1 : nLength, bUpright ? nLength : 1, crShadow);
     CUIDCFillSolidRect(hDC, x + bUpright, y + !bUpright, bUpright ? 1 : nLength,
                        bUpright ? nLength : 1, crHilite);
@@ -89,6 +87,11 @@ bool CCUIBarItems::HasText(const CCUIBarItem &item) const
 int CCUIBarItems::Grip() const
 {
     return m_bGrip ? CUIScale(GRIP) : CUIScale(MARGIN);
+}
+
+bool CCUIBarItems::HasMoved(int nItem) const
+{
+    return !EqualRect(&Place(nItem), &PlaceBefore(nItem));
 }
 
 RECT CCUIBarItems::Arrow(const CCUIBarItem &item)
@@ -174,6 +177,7 @@ void CCUIBarItems::Layout(bool bVertical, int cx, int cy)
         const bool bTooWide = bVertical && item.hControl && item.size.cx > m_nAcross;
         const int nLength = Along(item.size, bVertical);
         bFull = bFull || (!bTooWide && nAt + nLength > nEnd);
+        item.rcBefore = item.rc;
         item.rc = NOWHERE;
         if (bTooWide || bFull)
             continue;
@@ -185,6 +189,7 @@ void CCUIBarItems::Layout(bool bVertical, int cx, int cy)
         item.rc.bottom = item.rc.top + (bVertical ? nLength : nAcross);
         nAt += nLength;
     }
+    m_rcOverflowBefore = m_rcOverflow;
     m_rcOverflow = NOWHERE;
     if (bOverflow && bVertical)
         SetRect(&m_rcOverflow, nMargin, nEnd, cx - nMargin, nEnd + CUIScale(OVERFLOW_BUTTON));
@@ -250,10 +255,10 @@ void CCUIBarItems::DrawButton(HDC hDC, const CCUIBarItem &item, CCUIBarLook look
         if (!bEnabled) {
             RECT rcHilite = rcText;
             OffsetRect(&rcHilite, 1, 1);
-            DrawLine(hDC, item.sText, rcHilite, nAlign, SystemColor(COLOR_BTNHIGHLIGHT));
+            DrawLine(hDC, item.sText, rcHilite, nAlign, CUISystemColor(COLOR_BTNHIGHLIGHT));
         }
         DrawLine(hDC, item.sText, rcText, nAlign,
-                 SystemColor(bEnabled ? COLOR_BTNTEXT : COLOR_BTNSHADOW));
+                 CUISystemColor(bEnabled ? COLOR_BTNTEXT : COLOR_BTNSHADOW));
     }
     const bool bRaised = bEnabled && look != CUI_LOOK_PLAIN;
     if (bSunken || bRaised)
@@ -264,7 +269,7 @@ void CCUIBarItems::DrawButton(HDC hDC, const CCUIBarItem &item, CCUIBarLook look
     const int nSize = CUIScale(3);
     DrawArrow(hDC, (rcArrow.left + rcArrow.right) / 2,
               (rcArrow.top + rcArrow.bottom - nSize) / 2 + nPushed, nSize,
-              SystemColor(bEnabled ? COLOR_BTNTEXT : COLOR_BTNSHADOW));
+              CUISystemColor(bEnabled ? COLOR_BTNTEXT : COLOR_BTNSHADOW));
     if (bRaised)
         DrawEdge(hDC, rcArrow, look == CUI_LOOK_PRESSED);
 }
@@ -272,8 +277,8 @@ void CCUIBarItems::DrawButton(HDC hDC, const CCUIBarItem &item, CCUIBarLook look
 void CCUIBarItems::DrawPicture(HDC hDC, const RECT &rc, const CCUIBarItem &item, int x,
                                bool bEnabled) const
 {
-    const COLORREF crFace = SystemColor(COLOR_BTNFACE);
-    const COLORREF crHilite = SystemColor(COLOR_BTNHIGHLIGHT);
+    const COLORREF crFace = CUISystemColor(COLOR_BTNFACE);
+    const COLORREF crHilite = CUISystemColor(COLOR_BTNHIGHLIGHT);
     const bool bTint = (item.nState & CUI_COMMAND_CHECKED) && IsTint(crHilite, crFace);
     const int cy = m_strip.Height();
     const int y = (rc.top + rc.bottom - cy) / 2;
@@ -282,14 +287,14 @@ void CCUIBarItems::DrawPicture(HDC hDC, const RECT &rc, const CCUIBarItem &item,
     rects.rcSource.right = rects.rcSource.left + m_cxPicture;
     CUIBmpDrawState(hDC, &rects.rcArea, m_strip,
                     (bTint ? CUIBMPSTATE_OVERLAY : 0) | (bEnabled ? 0 : CUIBMPSTATE_DISABLED),
-                    crFace, crHilite, SystemColor(COLOR_BTNSHADOW));
+                    crFace, crHilite, CUISystemColor(COLOR_BTNSHADOW));
 }
 
 // Two small arrow heads that lead on along the bar.
 void CCUIBarItems::DrawOverflow(HDC hDC, CCUIBarLook look) const
 {
     const int nSize = CUIScale(3);
-    const COLORREF cr = SystemColor(COLOR_BTNTEXT);
+    const COLORREF cr = CUISystemColor(COLOR_BTNTEXT);
     const int nPushed = look == CUI_LOOK_PRESSED;
     for (int nHead = 0; nHead < 2; ++nHead) {
         for (int i = 0; i < 2 * nSize - 1; ++i) {

@@ -16,8 +16,9 @@ struct CCUIBarItem
     CCUString sText;
     CCUIMenu *pMenu = nullptr;  // opened by the arrow
     HWND hControl = nullptr;
-    SIZE size = {0, 0};      // that it wants
-    RECT rc = {0, 0, 0, 0};  // empty: there is no room
+    SIZE size = {0, 0};            // that it wants
+    RECT rc = {0, 0, 0, 0};        // empty: there is no room
+    RECT rcBefore = {0, 0, 0, 0};  // before the last layout
 
     bool IsButton() const { return !bSeparator && !hControl; }
 };
@@ -49,6 +50,12 @@ public:
     {
         return nItem < Count() ? (*this)[nItem].rc : m_rcOverflow;
     }
+    // The same before the last layout, and whether it is another.
+    const RECT &PlaceBefore(int nItem) const
+    {
+        return nItem < Count() ? (*this)[nItem].rcBefore : m_rcOverflowBefore;
+    }
+    bool HasMoved(int nItem) const;
     // The arrow of a button that has one.
     static RECT Arrow(const CCUIBarItem &item);
     bool HasText(const CCUIBarItem &item) const;
@@ -68,6 +75,7 @@ private:
     void DrawOverflow(HDC hDC, CCUIBarLook look) const;
 
     RECT m_rcOverflow = {0, 0, 0, 0};
+    RECT m_rcOverflowBefore = {0, 0, 0, 0};
     int m_nAcross = 0;  // that the items have
     bool m_bVertical = false;
 };

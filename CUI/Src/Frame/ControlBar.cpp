@@ -2,7 +2,9 @@
 
 #include "CUI/ControlBar.h"
 
+#include "Base/GdiGuards.h"
 #include "CU/Assert.h"
+#include "CUI/Data.h"
 #include "CUI/Draw.h"
 #include "CUI/Settings.h"
 #include "CUI/WindowClass.h"
@@ -89,14 +91,6 @@ int CCUIControlBar::CreateBar(HWND hParent, UINT nID, const char *pszName, CUIBa
     const DWORD nStyle = WS_CHILD | WS_CLIPSIBLINGS | WS_CLIPCHILDREN;
     const RECT rcNone = {0, 0, 0, 0};
     return Create(nullptr, "", nStyle | (m_bShown ? WS_VISIBLE : 0), rcNone, hParent, nID);
-}
-
-void CCUIControlBar::OnDestroy()
-{
-    DropTip();
-    m_nHot = m_nPressed = -1;
-    m_bTracking = false;
-    CCUIControlWindow::OnDestroy();
 }
 
 // Its owner is the window that the bar is in, which may live on.
@@ -297,13 +291,16 @@ RECT CCUIControlBar::GetOverflowRect() const
     return m_pItems->Place(m_pItems->Count());
 }
 
+void CCUIControlBar::Repaint(const RECT *pRect)
+{
+    if (m_hWnd)
+        InvalidateRect(m_hWnd, pRect, FALSE);
+}
+
 void CCUIControlBar::RepaintItem(int nItem)
 {
-    if (!m_hWnd || nItem < 0)
-        return;
-    const RECT &rect = m_pItems->Place(nItem);
-    if (!IsRectEmpty(&rect))
-        InvalidateRect(m_hWnd, &rect, FALSE);
+    if (nItem >= 0)
+        Repaint(&m_pItems->Place(nItem));
 }
 
 // Their number, sizes or order.
@@ -314,8 +311,7 @@ void CCUIControlBar::ItemsChanged()
     Layout();
     if (watch.IsGone())
         return;
-    if (m_hWnd)
-        InvalidateRect(m_hWnd, nullptr, FALSE);
+    Repaint();
     SetFixedSize(nThickness);
 }
 
@@ -347,24 +343,15 @@ void CCUIControlBar::Layout()
     }
 }
 
-void CCUIControlBar::OnSize(UINT nType, int cx, int cy)
+// Of a longer or a shorter bar the items stay where they are, but for the end of it.
+void CCUIControlBar::Relayout()
 {
     CWatch watch(this);
-    CCUIControlWindow::OnSize(nType, cx, cy);
-    if (watch.IsGone() || !m_hWnd)
-        return;
-    // Of a longer or a shorter bar the items stay where they are, but for the end of it.
-    CCUArray<RECT> old;
-    for (int i = 0; i <= m_pItems->Count(); ++i)
-        old.Add(m_pItems->Place(i));
     Layout();
-    if (watch.IsGone() || !m_hWnd)
-        return;
-    for (int i = 0; i < old.Count(); ++i) {
-        const RECT rcNow = i <= m_pItems->Count() ? m_pItems->Place(i) : RECT{0, 0, 0, 0};
-        if (!EqualRect(&rcNow, &old[i])) {
-            InvalidateRect(m_hWnd, &old[i], FALSE);
-            InvalidateRect(m_hWnd, &rcNow, FALSE);
+    for (int i = 0; !watch.IsGone() && i <= m_pItems->Count(); ++i) {
+        if (m_pItems->HasMoved(i)) {
+            Repaint(&m_pItems->PlaceBefore(i));
+            Repaint(&m_pItems->Place(i));
         }
     }
 }
@@ -386,8 +373,8 @@ void CCUIControlBar::SetSide(CUIBarSide side)
     if (watch.IsGone() || !m_hWnd)
         return;
     Layout();
-    if (!watch.IsGone() && m_hWnd)
-        InvalidateRect(m_hWnd, nullptr, FALSE);
+    if (!watch.IsGone())
+        Repaint();
 }
 
 void CCUIControlBar::SetDockable(bool bDockable)
@@ -429,11 +416,6 @@ void CCUIControlBar::SaveState() const
 
 // --- Painting ---
 
-int CCUIControlBar::OnEraseBkgnd(HDC)
-{
-    return 1;
-}
-
 void CCUIControlBar::OnPaint(HDC hDC)
 {
     const CUIData *const pData = CUIGetWinData();
@@ -454,22 +436,7 @@ void CCUIControlBar::OnPaint(HDC hDC)
     }
 }
 
-void CCUIControlBar::OnSysColorChange()
+void CCUIControlBar::ReloadPictures()
 {
-    CCUIBitmap &strip = m_pItems->m_strip;
-    const CUIBitmapSource *const pSource = strip.GetData()->m_pSource;
-    if (pSource && (pSource->m_wFlags & CUIBMP_SYSCOLORS))
-        strip.ReLoad(nullptr, nullptr, 0);
-    InvalidateRect(m_hWnd, nullptr, FALSE);
-    CCUIControlWindow::OnSysColorChange();
-}
-
-void CCUIControlBar::OnWinIniChange(WPARAM nAction, const char *section)
-{
-    CWatch watch(this);
-    CCUIControlWindow::OnWinIniChange(nAction, section);
-    if (watch.IsGone() || !m_hWnd)
-        return;
-    m_pItems->ForgetSizes();
-    ItemsChanged();
+    CUIReloadSystemColors(m_pItems->m_strip);
 }

@@ -103,14 +103,11 @@ void CCUIControlBar::OnMouseMove(UINT nFlags, POINT &point)
         CCUIControlWindow::OnMouseMove(nFlags, point);
 }
 
-void CCUIControlBar::OnMouseLeave()
+void CCUIControlBar::MouseHasLeft()
 {
-    CWatch watch(this);
     m_bTracking = false;
     if (GetFocus() != m_hWnd && m_nPressed < 0)
         SetHot(-1);
-    if (!watch.IsGone())
-        CCUIControlWindow::OnMouseLeave();
 }
 
 // --- Pressing ---
@@ -143,11 +140,6 @@ void CCUIControlBar::OnLButtonDown(UINT nFlags, POINT &point)
     SetCapture(m_hWnd);
 }
 
-void CCUIControlBar::OnLButtonDblClk(UINT nFlags, POINT &point)
-{
-    OnLButtonDown(nFlags, point);
-}
-
 void CCUIControlBar::OnLButtonUp(UINT nFlags, POINT &point)
 {
     CWatch watch(this);
@@ -155,6 +147,9 @@ void CCUIControlBar::OnLButtonUp(UINT nFlags, POINT &point)
     const bool bInside = m_bInside;
     m_bDragging = false;
     EndPress();
+    // While it was held nobody told that the mouse has left.
+    if (!watch.IsGone() && !bInside && !IsMouseOver())
+        SetHot(-1);
     if (watch.IsGone())
         return;
     if (nItem >= 0 && bInside)
@@ -171,21 +166,6 @@ void CCUIControlBar::EndPress()
     m_bInside = false;
     if (GetCapture() == m_hWnd)
         ReleaseCapture();
-}
-
-void CCUIControlBar::OnCaptureChanged(HWND hNew)
-{
-    RepaintItem(m_nPressed);
-    m_nPressed = -1;
-    CCUIControlWindow::OnCaptureChanged(hNew);
-}
-
-void CCUIControlBar::OnCancelMode()
-{
-    CWatch watch(this);
-    EndPress();
-    if (!watch.IsGone())
-        CCUIControlWindow::OnCancelMode();
 }
 
 // What the target does may be the end of the bar.
@@ -230,12 +210,6 @@ long CCUIControlBar::OnNotify(UINT nID, NMHDR *pHeader)
 }
 
 // --- Menus ---
-
-void CCUIControlBar::OnMenuSelect(UINT nItem, UINT nFlags, HMENU hMenu)
-{
-    SendMessageA(Target(), WM_MENUSELECT, MAKEWPARAM(nItem, nFlags),
-                 reinterpret_cast<LPARAM>(hMenu));
-}
 
 // Beside the item, which looks pressed meanwhile.
 void CCUIControlBar::OpenMenu(int nItem, CCUIMenu &menu)
@@ -335,25 +309,13 @@ void CCUIControlBar::LeaveKeyboard()
         SetFocus(IsWindow(s_hFocusBefore) ? s_hFocusBefore : GetParent(m_hWnd));
 }
 
-void CCUIControlBar::OnSetFocus(HWND hOld)
+void CCUIControlBar::TakeFocus(HWND hOld)
 {
-    CWatch watch(this);
-    CCUIControlWindow::OnSetFocus(hOld);
-    if (watch.IsGone() || !m_hWnd)
-        return;
     const HWND hParent = GetParent(hOld);
     if (hOld && !Find(hOld) && !Find(hParent) && !Find(GetParent(hParent)))
         s_hFocusBefore = hOld;
     if (m_nHot < 0)
         SetHot(NextItem(-1, 1));
-}
-
-void CCUIControlBar::OnKillFocus(HWND hNew)
-{
-    CWatch watch(this);
-    SetHot(-1);
-    if (!watch.IsGone())
-        CCUIControlWindow::OnKillFocus(hNew);
 }
 
 // The next item, around the ends, that can be pressed or is a window to go to; or nFrom.
@@ -491,52 +453,89 @@ void CCUIControlBar::Drag()
         SaveState();
 }
 
-int CCUIControlBar::OnSetCursor(HWND hWnd, UINT nHitTest, UINT nMessage)
+bool CCUIControlBar::ShowDragCursor() const
 {
     POINT point;
-    if (hWnd == m_hWnd && nHitTest == HTCLIENT && m_pItems->m_bGrip && GetCursorPos(&point)) {
-        MapWindowPoints(nullptr, m_hWnd, &point, 1);
-        if ((IsVertical() ? point.y : point.x) < m_pItems->Grip()) {
-            SetCursor(LoadCursorA(nullptr, MAKEINTRESOURCEA(32646)));  // IDC_SIZEALL
-            return 1;
-        }
-    }
-    return CCUIControlWindow::OnSetCursor(hWnd, nHitTest, nMessage);
+    if (!m_pItems->m_bGrip || !GetCursorPos(&point))
+        return false;
+    MapWindowPoints(nullptr, m_hWnd, &point, 1);
+    if ((IsVertical() ? point.y : point.x) >= m_pItems->Grip())
+        return false;
+    SetCursor(LoadCursorA(nullptr, MAKEINTRESOURCEA(32646)));  // IDC_SIZEALL
+    return true;
 }
 
-// --- Further messages ---
+// --- Messages ---
 
-long CCUIControlBar::WindowProc(UINT message, WPARAM wParam, LPARAM lParam)
-{
-    CWatch watch(this);
-    const long result = CCUIControlWindow::WindowProc(message, wParam, lParam);
-    // Behind the handlers: a move may have made the tip, or found it another item.
-    const bool bMouse = message >= WM_MOUSEFIRST && message <= WM_MBUTTONUP;
-    if (bMouse && !watch.IsGone() && m_hTip)
-        CUIRelayToBarTip(m_hTip, m_hWnd, message, wParam, lParam);
-    return result;
-}
-
-long CCUIControlBar::OnMessage(UINT message, WPARAM wParam, LPARAM lParam)
+// What is done before a message takes its way. True: it does not.
+bool CCUIControlBar::Handle(UINT message, WPARAM wParam, LPARAM lParam, long &result)
 {
     switch (message) {
+    case WM_ERASEBKGND: result = 1; return true;
+    case WM_MENUSELECT: SendMessageA(Target(), message, wParam, lParam); return true;
+    case WM_SYSCOLORCHANGE: ReloadPictures(); break;
+    case WM_MOUSELEAVE: MouseHasLeft(); break;
+    case WM_CANCELMODE: EndPress(); break;
+    case WM_KILLFOCUS: SetHot(-1); break;
+    case WM_CAPTURECHANGED:
+        RepaintItem(m_nPressed);
+        m_nPressed = -1;
+        break;
+    case WM_DESTROY:
+        DropTip();
+        m_nHot = m_nPressed = -1;
+        m_bTracking = false;
+        break;
     case WM_TIMER:
         if (wParam != LEAVE_TIMER)
             break;
         if (!IsMouseOver()) {
             KillTimer(m_hWnd, LEAVE_TIMER);
-            OnMouseLeave();
+            MouseHasLeft();
         }
-        return 0;
-    case WM_ENABLE: InvalidateRect(m_hWnd, nullptr, FALSE); break;
+        return true;
+    case WM_SETCURSOR:
+        if (reinterpret_cast<HWND>(wParam) == m_hWnd && LOWORD(lParam) == HTCLIENT)
+            result = ShowDragCursor();
+        return result != 0;
     case WM_GETDLGCODE: {
         // In a dialog: its keys while it has the focus.
         const auto *const pMsg = reinterpret_cast<const MSG *>(lParam);
         const bool bKey = pMsg && pMsg->message == WM_KEYDOWN &&
                           (pMsg->wParam == VK_RETURN || pMsg->wParam == VK_ESCAPE);
-        return DLGC_WANTARROWS | (bKey ? DLGC_WANTMESSAGE : 0);
+        result = DLGC_WANTARROWS | (bKey ? DLGC_WANTMESSAGE : 0);
+        return true;
     }
     default: break;
     }
-    return CCUIControlWindow::OnMessage(message, wParam, lParam);
+    return false;
+}
+
+long CCUIControlBar::WindowProc(UINT message, WPARAM wParam, LPARAM lParam)
+{
+    CWatch watch(this);
+    long result = 0;
+    if (message == WM_LBUTTONDBLCLK)
+        message = WM_LBUTTONDOWN;
+    if (Handle(message, wParam, lParam, result) || watch.IsGone())
+        return result;
+    result = CCUIControlWindow::WindowProc(message, wParam, lParam);
+    if (watch.IsGone() || !m_hWnd)
+        return result;
+    switch (message) {
+    case WM_SIZE: Relayout(); break;
+    case WM_SETFOCUS: TakeFocus(reinterpret_cast<HWND>(wParam)); break;
+    case WM_ENABLE:
+    case WM_SYSCOLORCHANGE: Repaint(); break;
+    case WM_WININICHANGE:
+        m_pItems->ForgetSizes();
+        ItemsChanged();
+        break;
+    default:
+        // Behind the handlers: a move may have made the tip, or found it another item.
+        if (m_hTip && message >= WM_MOUSEFIRST && message <= WM_MBUTTONUP)
+            CUIRelayToBarTip(m_hTip, m_hWnd, message, wParam, lParam);
+        break;
+    }
+    return result;
 }

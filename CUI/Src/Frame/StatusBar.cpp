@@ -2,7 +2,9 @@
 
 #include <commctrl.h>
 
+#include "Base/GdiGuards.h"
 #include "CU/Assert.h"
+#include "CUI/Data.h"
 #include "CUI/Draw.h"
 #include "Command/CommandText.h"
 #include "Frame/BufferedPaint.h"
@@ -31,13 +33,6 @@ int CCUIStatusBar::CreateBar(HWND hParent, UINT nID)
 {
     const RECT rcNone = {0, 0, 0, 0};
     return Create(nullptr, "", WS_CHILD | WS_VISIBLE | WS_CLIPSIBLINGS, rcNone, hParent, nID);
-}
-
-int CCUIStatusBar::OnCreate(CREATESTRUCTA *pCreate)
-{
-    // Before the parent is there to be told.
-    m_propData.nFixedSize = m_pPanes->NaturalHeight();
-    return CCUIControlWindow::OnCreate(pCreate);
 }
 
 // --- Panes ---
@@ -213,20 +208,16 @@ void CCUIStatusBar::Layout()
 {
     if (!m_hWnd)
         return;
-    CCUArray<RECT> old;
-    for (int i = 0; i < m_pPanes->Count(); ++i)
-        old.Add((*m_pPanes)[i].rc);
     RECT client;
     GetClientRect(m_hWnd, &client);
     m_bGrip = SizingWindow() != nullptr;
-    const RECT rcGrip = GripRect();
-    m_pPanes->Layout(m_bGrip ? rcGrip.left : client.right, client.bottom);
+    m_pPanes->Layout(m_bGrip ? GripRect().left : client.right, client.bottom);
     for (int i = 0; i < m_pPanes->Count(); ++i) {
-        const RECT &rc = (*m_pPanes)[i].rc;
-        if (EqualRect(&rc, &old[i]))
+        const CCUIStatusPane &pane = (*m_pPanes)[i];
+        if (EqualRect(&pane.rc, &pane.rcBefore))
             continue;
-        Repaint(old[i]);
-        Repaint(rc);
+        Repaint(pane.rcBefore);
+        Repaint(pane.rc);
     }
 }
 
@@ -260,25 +251,17 @@ RECT CCUIStatusBar::GripRect() const
     return rect;
 }
 
-void CCUIStatusBar::OnSize(UINT nType, int cx, int cy)
+void CCUIStatusBar::OnSized()
 {
-    CWatch watch(this);
-    CCUIControlWindow::OnSize(nType, cx, cy);
-    if (watch.IsGone() || !m_hWnd)
-        return;
     Layout();
     // All that was to the right of the panes, and may still show the grip.
-    RECT rcRest = {0, 0, cx, cy};
+    RECT rcRest;
+    GetClientRect(m_hWnd, &rcRest);
     rcRest.left = (*m_pPanes)[m_pPanes->Count() - 1].rc.right;
     Repaint(rcRest);
 }
 
 // --- Painting ---
-
-int CCUIStatusBar::OnEraseBkgnd(HDC)
-{
-    return 1;
-}
 
 void CCUIStatusBar::OnPaint(HDC hDC)
 {
@@ -302,22 +285,10 @@ void CCUIStatusBar::OnPaint(HDC hDC)
         DrawFrameControl(paint, &rcGrip, DFC_SCROLL, DFCS_SCROLLSIZEGRIP);
 }
 
-void CCUIStatusBar::OnSysColorChange()
+void CCUIStatusBar::ReloadPictures()
 {
     for (int i = 0; i < m_pPanes->Count(); ++i)
-        (*m_pPanes)[i].ReloadPicture();
-    InvalidateRect(m_hWnd, nullptr, FALSE);
-    CCUIControlWindow::OnSysColorChange();
-}
-
-void CCUIStatusBar::OnWinIniChange(WPARAM nAction, const char *section)
-{
-    CWatch watch(this);
-    CCUIControlWindow::OnWinIniChange(nAction, section);
-    if (watch.IsGone() || !m_hWnd)
-        return;
-    InvalidateRect(m_hWnd, nullptr, FALSE);
-    Remeasure();
+        CUIReloadSystemColors((*m_pPanes)[i].picture);
 }
 
 // --- The mouse ---
@@ -332,52 +303,57 @@ int CCUIStatusBar::OnPaneClick(int nPane, int nCode, POINT &point)
 }
 
 // Whether the click is done with.
-bool CCUIStatusBar::PaneClicked(int nCode, POINT &point)
+bool CCUIStatusBar::PaneClicked(UINT nCode, POINT point)
 {
     CWatch watch(this);
-    return OnPaneClick(HitTest(point), nCode, point) != 0 || watch.IsGone() || !m_hWnd;
+    return OnPaneClick(HitTest(point), static_cast<int>(nCode), point) != 0 || watch.IsGone() ||
+           !m_hWnd;
 }
 
-void CCUIStatusBar::OnLButtonUp(UINT nFlags, POINT &point)
+bool CCUIStatusBar::IsInGrip(POINT screen) const
 {
-    if (!PaneClicked(static_cast<int>(NM_CLICK), point))
-        CCUIControlWindow::OnLButtonUp(nFlags, point);
+    MapWindowPoints(nullptr, m_hWnd, &screen, 1);
+    const RECT rcGrip = GripRect();
+    return SizingWindow() && PtInRect(&rcGrip, screen);
 }
 
-void CCUIStatusBar::OnLButtonDblClk(UINT nFlags, POINT &point)
+long CCUIStatusBar::WindowProc(UINT message, WPARAM wParam, LPARAM lParam)
 {
-    if (!PaneClicked(static_cast<int>(NM_DBLCLK), point))
-        CCUIControlWindow::OnLButtonDblClk(nFlags, point);
-}
-
-void CCUIStatusBar::OnRButtonUp(UINT nFlags, POINT &point)
-{
-    // By default the system asks for the context menu.
-    if (!PaneClicked(static_cast<int>(NM_RCLICK), point))
-        CCUIControlWindow::OnRButtonUp(nFlags, point);
-}
-
-void CCUIStatusBar::OnRButtonDblClk(UINT nFlags, POINT &point)
-{
-    if (!PaneClicked(static_cast<int>(NM_RDBLCLK), point))
-        CCUIControlWindow::OnRButtonDblClk(nFlags, point);
-}
-
-long CCUIStatusBar::OnMessage(UINT message, WPARAM wParam, LPARAM lParam)
-{
-    if (message == WM_NCHITTEST && SizingWindow()) {
-        POINT point = {static_cast<SHORT>(LOWORD(lParam)), static_cast<SHORT>(HIWORD(lParam))};
-        MapWindowPoints(nullptr, m_hWnd, &point, 1);
-        const RECT rcGrip = GripRect();
-        if (PtInRect(&rcGrip, point))
+    const POINT point = {static_cast<SHORT>(LOWORD(lParam)), static_cast<SHORT>(HIWORD(lParam))};
+    const HWND hSizing = message == WM_NCLBUTTONDOWN ? SizingWindow() : nullptr;
+    UINT nClick = 0;
+    switch (message) {
+    case WM_CREATE: m_propData.nFixedSize = m_pPanes->NaturalHeight(); break;
+    case WM_ERASEBKGND: return 1;
+    case WM_LBUTTONUP: nClick = NM_CLICK; break;
+    case WM_LBUTTONDBLCLK: nClick = NM_DBLCLK; break;
+    case WM_RBUTTONUP: nClick = NM_RCLICK; break;
+    case WM_RBUTTONDBLCLK: nClick = NM_RDBLCLK; break;
+    case WM_NCHITTEST:
+        if (IsInGrip(point))
             return HTBOTTOMRIGHT;
+        break;
+    case WM_NCLBUTTONDOWN:
+        // By default the system would size this window.
+        if (hSizing && wParam == HTBOTTOMRIGHT)
+            return SendMessageA(hSizing, message, wParam, lParam);
+        break;
+    case WM_SYSCOLORCHANGE: ReloadPictures(); break;
+    default: break;
     }
-    // The system would size this window.
-    if (message == WM_NCLBUTTONDOWN && wParam == HTBOTTOMRIGHT) {
-        if (const HWND hTop = SizingWindow())
-            return SendMessageA(hTop, message, wParam, lParam);
-    }
-    if (message == WM_ENABLE)
+    // By default the system asks for the context menu when the right button goes up.
+    if (nClick && PaneClicked(nClick, point))
+        return 0;
+    CWatch watch(this);
+    const long result = CCUIControlWindow::WindowProc(message, wParam, lParam);
+    if (watch.IsGone() || !m_hWnd)
+        return result;
+    const bool bSettings = message == WM_WININICHANGE;
+    if (bSettings || message == WM_SYSCOLORCHANGE || message == WM_ENABLE)
         InvalidateRect(m_hWnd, nullptr, FALSE);
-    return CCUIControlWindow::OnMessage(message, wParam, lParam);
+    if (message == WM_SIZE)
+        OnSized();
+    else if (bSettings)
+        Remeasure();
+    return result;
 }

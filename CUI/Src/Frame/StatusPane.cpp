@@ -1,6 +1,9 @@
 #include "Frame/StatusPane.h"
 
+#include "Base/GdiGuards.h"
+#include "Base/Wrap.h"
 #include "CUI/BmpBlt.h"
+#include "CUI/Data.h"
 #include "CUI/Draw.h"
 #include "Frame/BufferedPaint.h"
 
@@ -10,11 +13,6 @@ namespace {
 const int GAP = 2;      // between panes, and above them
 const int PADDING = 3;  // between a pane's border and what is in it
 const int BORDER = 1;
-
-COLORREF SystemColor(int nIndex)
-{
-    return CUIGetWinData()->ResolveColor(CUIGetWinData()->crSys[nIndex]);
-}
 
 int Larger(int a, int b)
 {
@@ -75,16 +73,10 @@ RECT CCUIStatusPane::ProgressRect() const
     return rcDone;
 }
 
-void CCUIStatusPane::ReloadPicture()
-{
-    const CUIBitmapSource *const pSource = picture.GetData()->m_pSource;
-    if (pSource && (pSource->m_wFlags & CUIBMP_SYSCOLORS))
-        picture.ReLoad(nullptr, nullptr, 0);
-}
-
 void CCUIStatusPane::Draw(HDC hDC, const CCUString *psHelp, COLORREF crText) const
 {
-    CUIDCDraw3dRect(hDC, &rc, SystemColor(COLOR_BTNSHADOW), SystemColor(COLOR_BTNHIGHLIGHT), 0, 0);
+    CUIDCDraw3dRect(hDC, &rc, CUISystemColor(COLOR_BTNSHADOW), CUISystemColor(COLOR_BTNHIGHLIGHT),
+                    0, 0);
     const CCUISavedDC saved(hDC);
     const RECT rcInside = Inside();
     IntersectClipRect(hDC, rcInside.left, rcInside.top, rcInside.right, rcInside.bottom);
@@ -101,8 +93,8 @@ void CCUIStatusPane::Draw(HDC hDC, const CCUString *psHelp, COLORREF crText) con
     // The same once more in the colours of what is done, as far as that goes.
     const RECT rcDone = ProgressRect();
     IntersectClipRect(hDC, rcDone.left, rcDone.top, rcDone.right, rcDone.bottom);
-    CUIDCFillSolidRect(hDC, &rcDone, SystemColor(COLOR_HIGHLIGHT));
-    DrawContent(hDC, rcContent, SystemColor(COLOR_HIGHLIGHTTEXT));
+    CUIDCFillSolidRect(hDC, &rcDone, CUISystemColor(COLOR_HIGHLIGHT));
+    DrawContent(hDC, rcContent, CUISystemColor(COLOR_HIGHLIGHTTEXT));
 }
 
 void CCUIStatusPane::DrawContent(HDC hDC, RECT rcContent, COLORREF crText) const
@@ -175,6 +167,7 @@ void CCUIStatusPanes::Layout(int cx, int cy)
             nWeight -= pane.nSize;
         }
         const bool bRoom = cxPane > 2 * BORDER && x < cx;
+        pane.rcBefore = pane.rc;
         SetRect(&pane.rc, x, nGap, bRoom ? x + cxPane : x, bRoom ? cy : nGap);
         if (cxPane > 0)
             x += cxPane + nGap;

@@ -14,12 +14,11 @@ struct CCUIStatusPane
     int nMost = 0;       // 0: no progress
     int cxContent = -1;  // what a fitting pane takes; below 0: not measured yet
     RECT rc = {0, 0, 0, 0};
+    RECT rcBefore = {0, 0, 0, 0};  // before the last layout
 
     // Where the pane's progress has come to, in pixels of its client rectangle.
     int ProgressWidth() const;
     RECT ProgressRect() const;
-    // Its picture again, in the system's present colours, if it has any of them.
-    void ReloadPicture();
     void Draw(HDC hDC, const CCUString *psHelp, COLORREF crText) const;
 
 private:
