@@ -16,4 +16,5 @@ install(FILES ${CMAKE_CURRENT_BINARY_DIR}/AutoRunConfigVersion.cmake DESTINATION
 
 set(doc_dir share/doc/AutoRun)
 install(FILES Docs/Framework.md DESTINATION ${doc_dir} RENAME README.md)
+install(FILES Docs/bars.png DESTINATION ${doc_dir})
 install(DIRECTORY Samples/Hello DESTINATION ${doc_dir})

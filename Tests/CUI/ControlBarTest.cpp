@@ -225,7 +225,7 @@ TEST(ControlBar, PressesWhatTheMouseGoesDownAndUpOn)
     bar->Mouse(WM_MOUSEMOVE, 1);
     bar->Mouse(WM_LBUTTONUP, 1);
     EXPECT_EQ("1000 ", parent.Told());
-    for (const UINT message : {WM_CAPTURECHANGED, WM_CANCELMODE}) {
+    for (const UINT message : {UINT(WM_CAPTURECHANGED), UINT(WM_CANCELMODE)}) {
         bar->Mouse(WM_LBUTTONDOWN, 0);
         EXPECT_EQ(bar->GetHandle(), GetCapture());
         SendMessageA(*bar, message, 0, 0);

@@ -35,7 +35,7 @@ struct CShell
         return !s_bRefuses;
     }
     static std::string Asked() { return std::exchange(s_asked, ""); }
-    static void Tell(UINT message) { SendMessageA(s_hWnd, SHELL_MESSAGE, 1, LPARAM(message)); }
+    static void Tell(int message) { SendMessageA(s_hWnd, SHELL_MESSAGE, 1, LPARAM(message)); }
 
     inline static std::string s_asked;
     inline static bool s_bRefuses;
@@ -130,8 +130,8 @@ TEST(NotifyIcon, BringsClicksAndCommandsToTheTarget)
     icon->SetContextMenu(&menu);
     icon->SetDefaultCommand(1000);
     icon->Add(Icon(), "tip");
-    for (const UINT message : {WM_LBUTTONDOWN, WM_LBUTTONUP, WM_LBUTTONDBLCLK, WM_LBUTTONUP,
-                               WM_MOUSEMOVE, WM_USER + 5, WM_LBUTTONUP})
+    for (const int message : {WM_LBUTTONDOWN, WM_LBUTTONUP, WM_LBUTTONDBLCLK, WM_LBUTTONUP,
+                              WM_MOUSEMOVE, WM_USER + 5, WM_LBUTTONUP})
         shell.Tell(message);
     EXPECT_EQ("click balloon click ", icon->m_told);
     EXPECT_EQ(1, command.m_nDone);

@@ -146,7 +146,7 @@ private:
     void AddItem(const CCUIBarItem &item);
     void ItemsChanged();
     void TextsChanged();
-    bool RefreshItem(int nItem);
+    void RefreshItem(int nItem, const CWatch &watch);
     void SetItemText(int nItem, const CCUString &sText);
     void SetItemState(int nItem, unsigned short nState);
     void Layout();

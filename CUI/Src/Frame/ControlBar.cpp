@@ -114,7 +114,7 @@ void CCUIControlBar::SetButtons(const unsigned int *pnIDs, int nCount)
         item.bSeparator = item.nID == 0;
         item.nPicture = item.bSeparator ? -1 : nPicture++;
         m_pItems->Add(item);
-        RefreshItem(m_pItems->Count() - 1);
+        RefreshItem(m_pItems->Count() - 1, watch);
     }
     if (!watch.IsGone())
         ItemsChanged();
@@ -122,8 +122,10 @@ void CCUIControlBar::SetButtons(const unsigned int *pnIDs, int nCount)
 
 void CCUIControlBar::AddItem(const CCUIBarItem &item)
 {
+    CWatch watch(this);
     m_pItems->Add(item);
-    if (RefreshItem(m_pItems->Count() - 1))
+    RefreshItem(m_pItems->Count() - 1, watch);
+    if (!watch.IsGone())
         ItemsChanged();
 }
 
@@ -214,43 +216,36 @@ void CCUIControlBar::TextsChanged()
 
 void CCUIControlBar::RefreshCommands()
 {
-    const int nCount = m_pItems->Count();
-    for (int i = 0; i < nCount; ++i) {
-        if (!RefreshItem(i))
-            return;
-    }
+    CWatch watch(this);
+    for (int i = 0; !watch.IsGone() && i < m_pItems->Count(); ++i)
+        RefreshItem(i, watch);
 }
 
-// Looks at one command. Its handler may do what it likes: false when the bar or the item is gone.
-bool CCUIControlBar::RefreshItem(int nItem)
+// Looks at one command. Its handler may do what it likes with the bar and its items. What is as it
+// was costs nothing but the question.
+void CCUIControlBar::RefreshItem(int nItem, const CWatch &watch)
 {
-    if (nItem >= m_pItems->Count())
-        return false;
     const unsigned int nID = (*m_pItems)[nItem].nID;
-    CCUICommandHandler *const pHandler = CUIFindCommand(nID);
-    if (nID == 0 || (!pHandler && (*m_pItems)[nItem].nState == 0 && !(*m_pItems)[nItem].hControl))
-        return true;
-    CWatch watch(this);
+    if (nID == 0)
+        return;
     const auto isThere = [&] {
         return !watch.IsGone() && nItem < m_pItems->Count() && (*m_pItems)[nItem].nID == nID;
     };
+    CCUICommandHandler *const pHandler = CUIFindCommand(nID);
     const unsigned short nState = pHandler ? pHandler->GetState(nID) : 0;
     if (!isThere())
-        return false;
+        return;
     CCUIBarItem &item = (*m_pItems)[nItem];
-    const bool bAsk = m_pItems->HasText(item) &&
-                      (item.sText.IsEmpty() || (nState & CUI_COMMAND_TEXT) != 0) && pHandler &&
-                      CUIFindCommand(nID) == pHandler;
-    if (bAsk) {
+    const bool bText = (nState & CUI_COMMAND_TEXT) || item.sText.IsEmpty();
+    if (bText && m_pItems->HasText(item) && pHandler && CUIFindCommand(nID) == pHandler) {
         const CCUString sText = CUIPlainCommandText(pHandler->GetShortTT(nID));
+        if (isThere())
+            SetItemText(nItem, sText);
         if (!isThere())
-            return false;
-        SetItemText(nItem, sText);
-        if (!isThere())
-            return false;
+            return;
     }
-    SetItemState(nItem, nState & SEEN);
-    return !watch.IsGone();
+    if ((*m_pItems)[nItem].nState != (nState & SEEN) || (*m_pItems)[nItem].hControl)
+        SetItemState(nItem, nState & SEEN);
 }
 
 void CCUIControlBar::SetItemText(int nItem, const CCUString &sText)
@@ -269,11 +264,9 @@ void CCUIControlBar::SetItemState(int nItem, unsigned short nState)
     CCUIBarItem &item = (*m_pItems)[nItem];
     const HWND hControl = item.hControl;
     const bool bEnable = (nState & CUI_COMMAND_ACTIVE) != 0;
-    if (item.nState != nState) {
-        item.nState = nState;
-        if (!hControl)
-            RepaintItem(nItem);
-    }
+    item.nState = nState;
+    if (!hControl)
+        RepaintItem(nItem);
     if (hControl && (IsWindowEnabled(hControl) != 0) != bEnable)
         EnableWindow(hControl, bEnable);
 }
