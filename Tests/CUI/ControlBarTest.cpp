@@ -9,12 +9,13 @@
 #include "CUI/CommandMap.h"
 #include "CUI/Data.h"
 #include "CUI/Settings.h"
+#include "CUI/StatusBar.h"
 #include "CUI/WindowClass.h"
 #include "Support/GdiCount.h"
 #include "Support/ImportHook.h"
 #include "Support/PixelMap.h"
 #include "Support/Reports.h"
-#include "Support/TestWindow.h"
+#include "Support/UpdateArea.h"
 
 namespace {
 
@@ -92,13 +93,6 @@ struct CCommands
     CCommand commands[3] = {CCommand(1000), CCommand(1001), CCommand(1002)};
 };
 
-std::string Update(HWND hWnd)
-{
-    RECT rc = {};
-    GetUpdateRect(hWnd, &rc, FALSE);
-    return Text("%ld %ld %ld %ld", rc.left, rc.top, rc.right, rc.bottom);
-}
-
 }  // namespace
 
 TEST(ControlBar, PutsItsItemsAlongItsSideAndWhatHasNoRoomIntoAMenu)
@@ -107,22 +101,18 @@ TEST(ControlBar, PutsItsItemsAlongItsSideAndWhatHasNoRoomIntoAMenu)
     const CCommands all;
     CBar bar(parent);
     EXPECT_EQ(26, bar.GetFixedSize());
-    EXPECT_EQ("8,2 31,2 54,2 62,2 85,2 - - ", bar.Places());
-    bar.SetLength(110);
-    EXPECT_EQ("8,2 31,2 54,2 62,2 85,2 - - ", bar.Places());
-    bar.SetLength(109);
-    EXPECT_EQ("8,2 31,2 54,2 62,2 - - 94,2 ", bar.Places());
+    const auto places = [&](int nLength) { return bar.SetLength(nLength), bar.Places(); };
+    EXPECT_EQ("8,2 31,2 54,2 62,2 85,2 - - ", places(110));
+    EXPECT_EQ("8,2 31,2 54,2 62,2 - - 94,2 ", places(109));
     // A window keeps its size; it has no room in an upright bar that is narrower.
     const HWND hEdit = MakePlain("EDIT", bar, 77);
     SetWindowPos(hEdit, nullptr, 0, 0, 30, 18, SWP_NOMOVE);
     bar.AddControl(hEdit, 1001);
     EXPECT_FALSE(IsWindowVisible(hEdit));
-    bar.SetLength(200);
-    EXPECT_EQ("8,2 31,2 54,2 62,2 85,2 108,4 - ", bar.Places());
+    EXPECT_EQ("8,2 31,2 54,2 62,2 85,2 108,4 - ", places(200));
     EXPECT_TRUE(IsWindowVisible(hEdit));
     bar.SetSide(CUI_BAR_LEFT);
-    bar.SetLength(140);
-    EXPECT_EQ("2,8 2,30 2,52 2,60 2,82 - 2,125 ", bar.Places());
+    EXPECT_EQ("2,8 2,30 2,52 2,60 2,82 - 2,125 ", places(140));
     // The menu has the commands that are hidden, as they stand.
     bar.SetLength(70);
     std::string menu;
@@ -137,8 +127,7 @@ TEST(ControlBar, PutsItsItemsAlongItsSideAndWhatHasNoRoomIntoAMenu)
     EXPECT_NE(std::string::npos, parent.Told().find("1002 "));
     DestroyWindow(hEdit);
     bar.SetSide(CUI_BAR_TOP);
-    bar.SetLength(110);
-    EXPECT_EQ("8,2 31,2 54,2 62,2 85,2 - - ", bar.Places());
+    EXPECT_EQ("8,2 31,2 54,2 62,2 85,2 - - ", places(110));
 }
 
 TEST(ControlBar, ShowsWhatTheHandlersSayAndRepaintsOnlyWhatThatChanges)
@@ -146,12 +135,12 @@ TEST(ControlBar, ShowsWhatTheHandlersSayAndRepaintsOnlyWhatThatChanges)
     CParent parent;
     CCommands all;
     CBar bar(parent);
-    EXPECT_EQ("0 0 0 0", Update(bar));
+    EXPECT_EQ("0 0 0 0", UpdateArea(bar));
     CCUICommandMap::IdleUpdate();
-    EXPECT_EQ("0 0 0 0", Update(bar));
+    EXPECT_EQ("0 0 0 0", UpdateArea(bar));
     all.commands[1].m_nState = 0;
     CCUICommandMap::IdleUpdate();
-    EXPECT_EQ("31 2 54 24", Update(bar));
+    EXPECT_EQ("31 2 54 24", UpdateArea(bar));
     UpdateWindow(bar);
     // In the pixels of the disabled look; so has the button whose command has no handler.
     const CUIData &data = *CUIGetWinData();
@@ -165,26 +154,26 @@ TEST(ControlBar, ShowsWhatTheHandlersSayAndRepaintsOnlyWhatThatChanges)
         CUIBmpStateRects rects = {rc, {x, 5, x + 17, 20}, {nSource, 0, nSource + 16, 15}};
         FillRect(expected, &rc, data.hbrBtnFace);
         CUIBmpDrawState(expected, &rects.rcArea, strip, CUIBMPSTATE_DISABLED,
-                        data.ResolveColor(data.crSys[COLOR_BTNFACE]),
-                        data.ResolveColor(data.crSys[COLOR_BTNHIGHLIGHT]),
-                        data.ResolveColor(data.crSys[COLOR_BTNSHADOW]));
+                        GetSysColor(COLOR_BTNFACE), GetSysColor(COLOR_BTNHIGHLIGHT),
+                        GetSysColor(COLOR_BTNSHADOW));
     }
     EXPECT_EQ(expected.Read(), shown);
     all.commands[0].m_nState |= CUI_COMMAND_CHECKED;
     CCUICommandMap::IdleUpdate();
-    EXPECT_EQ("8 2 31 24", Update(bar));
+    EXPECT_EQ("8 2 31 24", UpdateArea(bar));
     UpdateWindow(bar);
     EXPECT_EQ(GetSysColor(COLOR_BTNSHADOW), GetPixel(hDC, 10, 2));
     ReleaseDC(bar, hDC);
     // Texts are asked for where they are shown, and again when the handler says so.
     bar.ShowTexts(true);
-    const LONG cxText = bar.GetItemRect(0).right - bar.GetItemRect(0).left;
+    const auto width = [&] { return bar.GetItemRect(0).right - bar.GetItemRect(0).left; };
+    const LONG cxText = width();
     all.commands[0].m_text = "Save";
     CCUICommandMap::IdleUpdate();
-    EXPECT_EQ(cxText, bar.GetItemRect(0).right - bar.GetItemRect(0).left);
+    EXPECT_EQ(cxText, width());
     all.commands[0].m_nState |= CUI_COMMAND_TEXT;
     CCUICommandMap::IdleUpdate();
-    EXPECT_GT(cxText, bar.GetItemRect(0).right - bar.GetItemRect(0).left);
+    EXPECT_GT(cxText, width());
     // A handler that puts other buttons into the bar, or ends it, while it is asked.
     auto other = std::make_unique<CBar>(parent);
     all.commands[0].m_onState = [&] { other.reset(); };
@@ -219,7 +208,7 @@ TEST(ControlBar, PressesWhatTheMouseGoesDownAndUpOn)
     bar->Mouse(WM_MOUSEMOVE, 1);
     UpdateWindow(*bar);
     bar->Mouse(WM_MOUSEMOVE, 0);
-    EXPECT_EQ("8 2 31 24", Update(*bar));
+    EXPECT_EQ("8 2 31 24", UpdateArea(*bar));
     bar->Mouse(WM_LBUTTONUP, 0);
     bar->Mouse(WM_LBUTTONDOWN, 0);
     bar->Mouse(WM_MOUSEMOVE, 1);
@@ -347,6 +336,10 @@ TEST(ControlBar, IsOfItsClassAndReportsWhereThatCannotBe)
         GetClassNameA(bar, szClass, sizeof szClass);
         EXPECT_STREQ("pzl-ControlBAR", szClass);
         bar.Mouse(WM_MOUSEMOVE, 0);
+        CCUIStatusBar status;
+        status.CreateBar(parent, 4);
+        MoveWindow(status, 0, 100, 100, 20, TRUE);
+        UpdateWindow(status);
         nGdi = i == 10 ? GdiCount() : nGdi;
     }
     EXPECT_GE(nGdi + 2, GdiCount());

@@ -16,10 +16,10 @@ struct CCUIBarItem;
 /// The side of its parent that a bar is at.
 enum CUIBarSide
 {
-    CUI_BAR_TOP,
-    CUI_BAR_BOTTOM,
-    CUI_BAR_LEFT,
-    CUI_BAR_RIGHT
+    CUI_BAR_TOP,     ///< across, as is the next
+    CUI_BAR_BOTTOM,  ///< under what the parent shows
+    CUI_BAR_LEFT,    ///< upright, as is the next
+    CUI_BAR_RIGHT    ///< behind what the parent shows
 };
 
 /// A bar of command buttons, separators and windows of any kind: a toolbar. The buttons are drawn

@@ -11,10 +11,10 @@
 /// The picture of a balloon.
 enum CUIBalloonIcon
 {
-    CUI_BALLOON_PLAIN,  ///< none
-    CUI_BALLOON_INFO,
-    CUI_BALLOON_WARNING,
-    CUI_BALLOON_ERROR
+    CUI_BALLOON_PLAIN,    ///< none
+    CUI_BALLOON_INFO,     ///< an "i"
+    CUI_BALLOON_WARNING,  ///< an exclamation mark
+    CUI_BALLOON_ERROR     ///< a cross
 };
 
 /// An icon in the notification area, with a tip, a menu and balloons. It is there from Add to
