@@ -11,7 +11,6 @@
 class CCUIBarItems;
 class CCUIBarIdleWatch;
 class CCUIMenu;
-struct CCUIBarItem;
 
 /// The side of its parent that a bar is at.
 enum CUIBarSide
@@ -143,7 +142,7 @@ private:
     HWND Target() const;
     void LoadState();
     void SaveState() const;
-    void AddItem(const CCUIBarItem &item);
+    void ItemAppended();
     void ItemsChanged();
     void TextsChanged();
     void RefreshItem(int nItem, const CWatch &watch);

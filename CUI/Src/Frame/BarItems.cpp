@@ -129,6 +129,12 @@ void CCUIBarItems::Measure(CCUIBarItem &item, HDC hDC) const
     item.size.cy = Larger(text.cy, cyPicture) + CUIScale(PADDING);
 }
 
+CCUIBarItem &CCUIBarItems::Append()
+{
+    Add(CCUIBarItem());
+    return (*this)[Count() - 1];
+}
+
 void CCUIBarItems::ForgetSizes()
 {
     for (int i = 0; i < Count(); ++i) {

@@ -35,6 +35,8 @@ enum CCUIBarLook
 class CCUIBarItems : public CCUArray<CCUIBarItem>
 {
 public:
+    // An empty item at the end.
+    CCUIBarItem &Append();
     // The thickness of a bar with them.
     int Thickness(bool bVertical);
     // Buttons are measured anew: the font, the pictures or the texts are others.

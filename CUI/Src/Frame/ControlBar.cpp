@@ -109,21 +109,20 @@ void CCUIControlBar::SetButtons(const unsigned int *pnIDs, int nCount)
     RemoveAll();
     int nPicture = 0;
     for (int i = 0; i < nCount && !watch.IsGone(); ++i) {
-        CCUIBarItem item;
+        CCUIBarItem &item = m_pItems->Append();
         item.nID = pnIDs[i];
         item.bSeparator = item.nID == 0;
         item.nPicture = item.bSeparator ? -1 : nPicture++;
-        m_pItems->Add(item);
         RefreshItem(m_pItems->Count() - 1, watch);
     }
     if (!watch.IsGone())
         ItemsChanged();
 }
 
-void CCUIControlBar::AddItem(const CCUIBarItem &item)
+// The last item has been appended.
+void CCUIControlBar::ItemAppended()
 {
     CWatch watch(this);
-    m_pItems->Add(item);
     RefreshItem(m_pItems->Count() - 1, watch);
     if (!watch.IsGone())
         ItemsChanged();
@@ -131,17 +130,16 @@ void CCUIControlBar::AddItem(const CCUIBarItem &item)
 
 void CCUIControlBar::AddButton(unsigned int nID, int nPicture)
 {
-    CCUIBarItem item;
+    CCUIBarItem &item = m_pItems->Append();
     item.nID = nID;
     item.nPicture = nPicture;
-    AddItem(item);
+    ItemAppended();
 }
 
 void CCUIControlBar::AddSeparator()
 {
-    CCUIBarItem item;
-    item.bSeparator = true;
-    AddItem(item);
+    m_pItems->Append().bSeparator = true;
+    ItemAppended();
 }
 
 void CCUIControlBar::AddControl(HWND hControl, unsigned int nID)
@@ -156,12 +154,12 @@ void CCUIControlBar::AddControl(HWND hControl, unsigned int nID)
         return;
     RECT rect = {};
     GetWindowRect(hControl, &rect);
-    CCUIBarItem item;
+    CCUIBarItem &item = m_pItems->Append();
     item.nID = nID;
     item.hControl = hControl;
     item.size.cx = rect.right - rect.left;
     item.size.cy = rect.bottom - rect.top;
-    AddItem(item);
+    ItemAppended();
 }
 
 void CCUIControlBar::RemoveAll()

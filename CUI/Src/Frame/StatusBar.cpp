@@ -21,7 +21,7 @@ const UINT MENU_CLOSED = 0xFFFF;
 
 CCUIStatusBar::CCUIStatusBar() : m_pPanes(new CCUIStatusPanes), m_bHelp(false), m_bGrip(false)
 {
-    m_pPanes->Add(CCUIStatusPane());
+    CCUIStatusBar::AddPane(CUI_PANE_STRETCH, 1);
 }
 
 CCUIStatusBar::~CCUIStatusBar()
