@@ -10,6 +10,7 @@
 #include "CUI/CommandHandler.h"
 #include "CUI/CommandView.h"
 #include "Command/CommandViewList.h"
+#include "Command/IdleWatch.h"
 
 #define CU_SOURCE "CommandMap"
 
@@ -97,6 +98,7 @@ void CCUICommandMap::IdleUpdate()
     // Not This(), which makes the tables: a program without commands needs none.
     s_this._IdleUpdate();
     UpdateViews();
+    CUITellIdleWatches();
 }
 
 void CCUICommandMap::Dump()

@@ -1,0 +1,83 @@
+#pragma once
+
+#include "Base/Array.h"
+#include "CUI/Bitmap.h"
+
+class CCUIMenu;
+
+// One item of a control bar.
+struct CCUIBarItem
+{
+    unsigned int nID = 0;       // its command; 0: none
+    int nPicture = -1;          // its place in the strip; -1: none
+    unsigned short nState = 0;  // of CCUICommandState what can be seen
+    bool bSeparator = false;
+    bool bArrow = false;  // the menu's arrow alone is pressed
+    CCUString sText;
+    CCUIMenu *pMenu = nullptr;  // opened by the arrow
+    HWND hControl = nullptr;
+    SIZE size = {0, 0};            // that it wants
+    RECT rc = {0, 0, 0, 0};        // empty: there is no room
+    RECT rcBefore = {0, 0, 0, 0};  // before the last layout
+
+    bool IsButton() const { return !bSeparator && !hControl; }
+};
+
+// What makes an item look otherwise for the moment.
+enum CCUIBarLook
+{
+    CUI_LOOK_PLAIN,
+    CUI_LOOK_HOT,
+    CUI_LOOK_PRESSED
+};
+
+// The items of a control bar: how large they are, where they stand, how they look.
+class CCUIBarItems : public CCUArray<CCUIBarItem>
+{
+public:
+    // An empty item at the end.
+    CCUIBarItem &Append();
+    // The thickness of a bar with them.
+    int Thickness(bool bVertical);
+    // Buttons are measured anew: the font, the pictures or the texts are others.
+    void ForgetSizes();
+    // Gives each its place in a bar of that size. What has none is hidden from the first on that
+    // does not fit, and windows that are too wide for a vertical bar.
+    void Layout(bool bVertical, int cx, int cy);
+    // In the colours of its state. The button of what has no room is number Count().
+    void Draw(HDC hDC, int nItem, CCUIBarLook look, bool bEnabled) const;
+    void DrawGrip(HDC hDC, bool bVertical, int cx, int cy) const;
+
+    const RECT &Place(int nItem) const
+    {
+        return nItem < Count() ? (*this)[nItem].rc : m_rcOverflow;
+    }
+    // The same before the last layout, and whether it is another.
+    const RECT &PlaceBefore(int nItem) const
+    {
+        return nItem < Count() ? (*this)[nItem].rcBefore : m_rcOverflowBefore;
+    }
+    bool HasMoved(int nItem) const;
+    // The arrow of a button that has one.
+    static RECT Arrow(const CCUIBarItem &item);
+    bool HasText(const CCUIBarItem &item) const;
+    // Length of the grip along the bar.
+    int Grip() const;
+
+    CCUIBitmap m_strip;
+    int m_cxPicture = 16;
+    bool m_bTexts = false;
+    bool m_bGrip = true;
+
+private:
+    bool HasPicture(const CCUIBarItem &item) const;
+    void Measure(CCUIBarItem &item, HDC hDC) const;
+    void DrawButton(HDC hDC, const CCUIBarItem &item, CCUIBarLook look, bool bEnabled) const;
+    void DrawPicture(HDC hDC, const RECT &rc, const CCUIBarItem &item, int x, bool bEnabled) const;
+    void DrawOverflow(HDC hDC, CCUIBarLook look) const;
+
+    RECT m_rcOverflow = {0, 0, 0, 0};
+    RECT m_rcOverflowBefore = {0, 0, 0, 0};
+    int m_nAcross = 0;  // that the items have
+    bool m_bVertical = false;
+};

@@ -1,0 +1,433 @@
+// The bar as its owner sees it: what is in it, where it is, what of it is painted.
+
+#include "CUI/ControlBar.h"
+
+#include "Base/GdiGuards.h"
+#include "CU/Assert.h"
+#include "CUI/Data.h"
+#include "CUI/Draw.h"
+#include "CUI/Settings.h"
+#include "CUI/WindowClass.h"
+#include "Command/CommandText.h"
+#include "Command/IdleWatch.h"
+#include "Frame/BarItems.h"
+#include "Frame/BufferedPaint.h"
+
+#define CU_SOURCE "ControlBar"
+
+namespace {
+
+// What of a command's state can be seen of its button.
+const unsigned short SEEN = CUI_COMMAND_ACTIVE | CUI_COMMAND_CHECKED;
+
+}  // namespace
+
+class CCUIBarIdleWatch final : public CCUIIdleWatch
+{
+public:
+    explicit CCUIBarIdleWatch(CCUIControlBar *pBar) : m_pBar(pBar) {}
+    void AfterIdleUpdate() override { m_pBar->RefreshCommands(); }
+
+private:
+    CCUIControlBar *const m_pBar;
+};
+
+CCUIControlBar *CCUIControlBar::s_pFirst;
+
+CCUIControlBar::CCUIControlBar()
+    : m_pItems(new CCUIBarItems),
+      m_pIdleWatch(new CCUIBarIdleWatch(this)),
+      m_pNext(s_pFirst),
+      m_side(CUI_BAR_TOP),
+      m_bShown(true),
+      m_bDragging(false),
+      m_bTracking(false),
+      m_hTarget(nullptr),
+      m_hTip(nullptr),
+      m_nHot(-1),
+      m_nPressed(-1),
+      m_bInside(false)
+{
+    s_pFirst = this;
+    // Commands of the windows inside, and of menus that a button opens.
+    RouteCommands(true);
+    m_propData.nFixedSize = m_pItems->Thickness(false);
+}
+
+CCUIControlBar::~CCUIControlBar()
+{
+    CCUIControlBar **ppBar = &s_pFirst;
+    while (*ppBar != this)
+        ppBar = &(*ppBar)->m_pNext;
+    *ppBar = m_pNext;
+    DropTip();
+    delete m_pIdleWatch;
+    delete m_pItems;
+}
+
+CCUIControlBar *CCUIControlBar::Find(HWND hWnd)
+{
+    CCUIControlBar *pBar = s_pFirst;
+    while (pBar && (!hWnd || pBar->m_hWnd != hWnd))
+        pBar = pBar->m_pNext;
+    return pBar;
+}
+
+int CCUIControlBar::PreCreate(CREATESTRUCTA *pCreate)
+{
+    if (!pCreate->lpszClass) {
+        CU_ASSERT(CUIWindowClassRegister(CUI_CLASS_CONTROLBAR));
+        pCreate->lpszClass = CUIWindowClassName(CUI_CLASS_CONTROLBAR);
+    }
+    return CCUIControlWindow::PreCreate(pCreate);
+}
+
+int CCUIControlBar::CreateBar(HWND hParent, UINT nID, const char *pszName, CUIBarSide side)
+{
+    m_side = side;
+    m_sName = pszName;
+    LoadState();
+    m_propData.nFixedSize = m_pItems->Thickness(IsVertical());
+    const DWORD nStyle = WS_CHILD | WS_CLIPSIBLINGS | WS_CLIPCHILDREN;
+    const RECT rcNone = {0, 0, 0, 0};
+    return Create(nullptr, "", nStyle | (m_bShown ? WS_VISIBLE : 0), rcNone, hParent, nID);
+}
+
+// Its owner is the window that the bar is in, which may live on.
+void CCUIControlBar::DropTip()
+{
+    if (m_hTip)
+        DestroyWindow(m_hTip);
+    m_hTip = nullptr;
+}
+
+// --- Items ---
+
+void CCUIControlBar::SetButtons(const unsigned int *pnIDs, int nCount)
+{
+    CWatch watch(this);
+    RemoveAll();
+    int nPicture = 0;
+    for (int i = 0; i < nCount && !watch.IsGone(); ++i) {
+        CCUIBarItem &item = m_pItems->Append();
+        item.nID = pnIDs[i];
+        item.bSeparator = item.nID == 0;
+        item.nPicture = item.bSeparator ? -1 : nPicture++;
+        RefreshItem(m_pItems->Count() - 1, watch);
+    }
+    if (!watch.IsGone())
+        ItemsChanged();
+}
+
+// The last item has been appended.
+void CCUIControlBar::ItemAppended()
+{
+    CWatch watch(this);
+    RefreshItem(m_pItems->Count() - 1, watch);
+    if (!watch.IsGone())
+        ItemsChanged();
+}
+
+void CCUIControlBar::AddButton(unsigned int nID, int nPicture)
+{
+    CCUIBarItem &item = m_pItems->Append();
+    item.nID = nID;
+    item.nPicture = nPicture;
+    ItemAppended();
+}
+
+void CCUIControlBar::AddSeparator()
+{
+    m_pItems->Append().bSeparator = true;
+    ItemAppended();
+}
+
+void CCUIControlBar::AddControl(HWND hControl, unsigned int nID)
+{
+    CU_ASSERT(m_hWnd);
+    if (!m_hWnd || !IsWindow(hControl))
+        return;
+    CWatch watch(this);
+    if (GetParent(hControl) != m_hWnd)
+        SetParent(hControl, m_hWnd);
+    if (watch.IsGone())
+        return;
+    RECT rect = {};
+    GetWindowRect(hControl, &rect);
+    CCUIBarItem &item = m_pItems->Append();
+    item.nID = nID;
+    item.hControl = hControl;
+    item.size.cx = rect.right - rect.left;
+    item.size.cy = rect.bottom - rect.top;
+    ItemAppended();
+}
+
+void CCUIControlBar::RemoveAll()
+{
+    CWatch watch(this);
+    m_nHot = m_nPressed = -1;
+    while (!watch.IsGone() && m_pItems->Count() > 0) {
+        const HWND hControl = (*m_pItems)[m_pItems->Count() - 1].hControl;
+        m_pItems->Remove(m_pItems->Count() - 1, 1);
+        if (hControl)
+            ShowWindow(hControl, SW_HIDE);
+    }
+    if (!watch.IsGone())
+        ItemsChanged();
+}
+
+void CCUIControlBar::SetDropDown(unsigned int nID, CCUIMenu *pMenu)
+{
+    for (int i = 0; i < m_pItems->Count(); ++i) {
+        CCUIBarItem &item = (*m_pItems)[i];
+        if (item.nID == nID && item.IsButton())
+            item.pMenu = pMenu;
+    }
+    m_pItems->ForgetSizes();
+    ItemsChanged();
+}
+
+void CCUIControlBar::SetPictures(const CCUIBitmap &strip, int cxPicture)
+{
+    m_pItems->m_strip = strip;
+    m_pItems->m_cxPicture = cxPicture;
+    TextsChanged();
+}
+
+void CCUIControlBar::ShowTexts(bool bShow)
+{
+    m_pItems->m_bTexts = bShow;
+    TextsChanged();
+}
+
+// Buttons with a picture have not asked for their text.
+void CCUIControlBar::TextsChanged()
+{
+    CWatch watch(this);
+    m_pItems->ForgetSizes();
+    RefreshCommands();
+    if (!watch.IsGone())
+        ItemsChanged();
+}
+
+// --- Commands ---
+
+void CCUIControlBar::RefreshCommands()
+{
+    CWatch watch(this);
+    for (int i = 0; !watch.IsGone() && i < m_pItems->Count(); ++i)
+        RefreshItem(i, watch);
+}
+
+// Looks at one command. Its handler may do what it likes with the bar and its items. What is as it
+// was costs nothing but the question.
+void CCUIControlBar::RefreshItem(int nItem, const CWatch &watch)
+{
+    const unsigned int nID = (*m_pItems)[nItem].nID;
+    if (nID == 0)
+        return;
+    const auto isThere = [&] {
+        return !watch.IsGone() && nItem < m_pItems->Count() && (*m_pItems)[nItem].nID == nID;
+    };
+    CCUICommandHandler *const pHandler = CUIFindCommand(nID);
+    const unsigned short nState = pHandler ? pHandler->GetState(nID) : 0;
+    if (!isThere())
+        return;
+    CCUIBarItem &item = (*m_pItems)[nItem];
+    const bool bText = (nState & CUI_COMMAND_TEXT) || item.sText.IsEmpty();
+    if (bText && m_pItems->HasText(item) && pHandler && CUIFindCommand(nID) == pHandler) {
+        const CCUString sText = CUIPlainCommandText(pHandler->GetShortTT(nID));
+        if (isThere())
+            SetItemText(nItem, sText);
+        if (!isThere())
+            return;
+    }
+    if ((*m_pItems)[nItem].nState != (nState & SEEN) || (*m_pItems)[nItem].hControl)
+        SetItemState(nItem, nState & SEEN);
+}
+
+void CCUIControlBar::SetItemText(int nItem, const CCUString &sText)
+{
+    CCUIBarItem &item = (*m_pItems)[nItem];
+    if (item.sText == sText)
+        return;
+    item.sText = sText;
+    item.size.cx = 0;
+    if (m_hWnd)
+        ItemsChanged();
+}
+
+void CCUIControlBar::SetItemState(int nItem, unsigned short nState)
+{
+    CCUIBarItem &item = (*m_pItems)[nItem];
+    const HWND hControl = item.hControl;
+    const bool bEnable = (nState & CUI_COMMAND_ACTIVE) != 0;
+    item.nState = nState;
+    if (!hControl)
+        RepaintItem(nItem);
+    if (hControl && (IsWindowEnabled(hControl) != 0) != bEnable)
+        EnableWindow(hControl, bEnable);
+}
+
+// --- Places ---
+
+RECT CCUIControlBar::GetItemRect(int nItem) const
+{
+    const RECT rcNone = {0, 0, 0, 0};
+    return nItem >= 0 && nItem < m_pItems->Count() ? (*m_pItems)[nItem].rc : rcNone;
+}
+
+RECT CCUIControlBar::GetOverflowRect() const
+{
+    return m_pItems->Place(m_pItems->Count());
+}
+
+void CCUIControlBar::Repaint(const RECT *pRect)
+{
+    if (m_hWnd)
+        InvalidateRect(m_hWnd, pRect, FALSE);
+}
+
+void CCUIControlBar::RepaintItem(int nItem)
+{
+    if (nItem >= 0)
+        Repaint(&m_pItems->Place(nItem));
+}
+
+// Their number, sizes or order.
+void CCUIControlBar::ItemsChanged()
+{
+    CWatch watch(this);
+    const int nThickness = m_pItems->Thickness(IsVertical());
+    Layout();
+    if (watch.IsGone())
+        return;
+    Repaint();
+    SetFixedSize(nThickness);
+}
+
+void CCUIControlBar::Layout()
+{
+    if (!m_hWnd)
+        return;
+    for (int i = m_pItems->Count() - 1; i >= 0; --i) {
+        const HWND hControl = (*m_pItems)[i].hControl;
+        if (hControl && GetParent(hControl) != m_hWnd) {
+            m_pItems->Remove(i, 1);
+            m_nHot = m_nPressed = -1;
+        }
+    }
+    RECT client;
+    GetClientRect(m_hWnd, &client);
+    m_pItems->Layout(IsVertical(), client.right, client.bottom);
+    CWatch watch(this);
+    for (int i = 0; !watch.IsGone() && i < m_pItems->Count(); ++i) {
+        const CCUIBarItem &item = (*m_pItems)[i];
+        if (!item.hControl)
+            continue;
+        const UINT nFlags = SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE;
+        if (IsRectEmpty(&item.rc))
+            ShowWindow(item.hControl, SW_HIDE);
+        else
+            SetWindowPos(item.hControl, nullptr, item.rc.left, item.rc.top, 0, 0,
+                         nFlags | SWP_SHOWWINDOW);
+    }
+}
+
+// Of a longer or a shorter bar the items stay where they are, but for the end of it.
+void CCUIControlBar::Relayout()
+{
+    CWatch watch(this);
+    Layout();
+    for (int i = 0; !watch.IsGone() && i <= m_pItems->Count(); ++i) {
+        if (m_pItems->HasMoved(i)) {
+            Repaint(&m_pItems->PlaceBefore(i));
+            Repaint(&m_pItems->Place(i));
+        }
+    }
+}
+
+void CCUIControlBar::SetSide(CUIBarSide side)
+{
+    if (side == m_side)
+        return;
+    m_side = side;
+    m_propData.nFixedSize = m_pItems->Thickness(IsVertical());
+    if (!m_bDragging)
+        SaveState();
+    if (!m_hWnd)
+        return;
+    CWatch watch(this);
+    const HWND hParent = GetParent(m_hWnd);
+    if (!m_propData.bColorChanging)
+        SendMessageA(hParent, CUI_WM_LAYOUT, 0, CUI_LAYOUT_ALL);
+    if (watch.IsGone() || !m_hWnd)
+        return;
+    Layout();
+    if (!watch.IsGone())
+        Repaint();
+}
+
+void CCUIControlBar::SetDockable(bool bDockable)
+{
+    m_pItems->m_bGrip = bDockable;
+    ItemsChanged();
+}
+
+void CCUIControlBar::ShowBar(bool bShow)
+{
+    m_bShown = bShow;
+    SaveState();
+    if (m_hWnd)
+        ShowWindow(m_hWnd, bShow ? SW_SHOWNA : SW_HIDE);
+}
+
+// --- Settings ---
+
+void CCUIControlBar::LoadState()
+{
+    CCURegistry registry;
+    if (m_sName.IsEmpty() || !CUIOpenSettings(registry, "Bars\\" + m_sName))
+        return;
+    int nValue = 0;
+    if (registry.GetInt("Side", nValue) && nValue >= CUI_BAR_TOP && nValue <= CUI_BAR_RIGHT)
+        m_side = static_cast<CUIBarSide>(nValue);
+    if (registry.GetInt("Shown", nValue))
+        m_bShown = nValue != 0;
+}
+
+void CCUIControlBar::SaveState() const
+{
+    CCURegistry registry;
+    if (m_sName.IsEmpty() || !CUIOpenSettings(registry, "Bars\\" + m_sName, false))
+        return;
+    registry.SetInt("Side", m_side);
+    registry.SetInt("Shown", m_bShown);
+}
+
+// --- Painting ---
+
+void CCUIControlBar::OnPaint(HDC hDC)
+{
+    const CUIData *const pData = CUIGetWinData();
+    const CCUIBufferedPaint paint(m_hWnd, hDC);
+    const CCUISelect font(paint, pData->hMenuFont);
+    FillRect(paint, &paint.Area(), pData->hbrBtnFace);
+    RECT client;
+    GetClientRect(m_hWnd, &client);
+    m_pItems->DrawGrip(paint, IsVertical(), client.right, client.bottom);
+    const bool bEnabled = IsWindowEnabled(m_hWnd) != 0;
+    for (int i = 0; i <= m_pItems->Count(); ++i) {
+        if (!paint.Touches(m_pItems->Place(i)))
+            continue;
+        const CCUIBarLook look = i == m_nPressed && m_bInside ? CUI_LOOK_PRESSED
+                                 : i == m_nHot                ? CUI_LOOK_HOT
+                                                              : CUI_LOOK_PLAIN;
+        m_pItems->Draw(paint, i, look, bEnabled);
+    }
+}
+
+void CCUIControlBar::ReloadPictures()
+{
+    CUIReloadSystemColors(m_pItems->m_strip);
+}

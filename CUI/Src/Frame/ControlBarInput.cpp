@@ -1,0 +1,541 @@
+// The bar as its user sees it: mouse, keyboard, menus, tooltips, docking.
+
+#include "CUI/ControlBar.h"
+
+#include <commctrl.h>
+
+#include "CUI/Menu.h"
+#include "Command/CommandText.h"
+#include "Frame/BarItems.h"
+#include "Frame/BarTip.h"
+#include "Frame/BufferedPaint.h"
+
+namespace {
+
+// What a menu's owner hears when it has closed.
+const UINT MENU_CLOSED = 0xFFFF;
+// Asks whether the mouse has left, where the system does not tell.
+const UINT LEAVE_TIMER = 1;
+const UINT LEAVE_MILLISECONDS = 100;
+// How near to a side of its parent a bar docks there, in pixels at 96 dots an inch.
+const int DOCK_DISTANCE = 40;
+
+bool IsKey(UINT message)
+{
+    return message >= WM_KEYFIRST && message <= WM_KEYLAST;
+}
+
+}  // namespace
+
+HWND CCUIControlBar::s_hFocusBefore;
+
+HWND CCUIControlBar::Target() const
+{
+    return m_hTarget ? m_hTarget : GetParent(m_hWnd);
+}
+
+int CCUIControlBar::HitTest(const POINT &point) const
+{
+    for (int i = 0; i <= m_pItems->Count(); ++i) {
+        const bool bButton = i == m_pItems->Count() || (*m_pItems)[i].IsButton();
+        if (bButton && PtInRect(&m_pItems->Place(i), point))
+            return i;
+    }
+    return -1;
+}
+
+bool CCUIControlBar::CanPress(int nItem) const
+{
+    if (nItem < 0 || nItem > m_pItems->Count() || IsRectEmpty(&m_pItems->Place(nItem)))
+        return false;
+    return nItem == m_pItems->Count() ||
+           ((*m_pItems)[nItem].IsButton() && ((*m_pItems)[nItem].nState & CUI_COMMAND_ACTIVE));
+}
+
+// --- The lit item ---
+
+void CCUIControlBar::SetHot(int nItem)
+{
+    if (nItem == m_nHot)
+        return;
+    RepaintItem(m_nHot);
+    m_nHot = nItem;
+    RepaintItem(nItem);
+    UpdateTip();
+    const unsigned int nID = nItem >= 0 && nItem < m_pItems->Count() ? (*m_pItems)[nItem].nID : 0;
+    SendMessageA(Target(), WM_MENUSELECT, MAKEWPARAM(nID, nID ? 0 : MENU_CLOSED), 0);
+}
+
+void CCUIControlBar::UpdateTip()
+{
+    if (!m_hTip && m_nHot >= 0)
+        m_hTip = CUIMakeBarTip(m_hWnd);
+    const RECT rcNone = {0, 0, 0, 0};
+    if (m_hTip)
+        CUIMoveBarTip(m_hTip, m_hWnd, m_nHot >= 0 ? m_pItems->Place(m_nHot) : rcNone);
+}
+
+bool CCUIControlBar::IsMouseOver() const
+{
+    POINT point;
+    return GetCursorPos(&point) && WindowFromPoint(point) == m_hWnd;
+}
+
+void CCUIControlBar::OnMouseMove(UINT nFlags, POINT &point)
+{
+    CWatch watch(this);
+    if (!m_bTracking) {
+        m_bTracking = true;
+        if (!TrackMouseLeave())
+            SetTimer(m_hWnd, LEAVE_TIMER, LEAVE_MILLISECONDS, nullptr);
+    }
+    if (m_bDragging) {
+        POINT screen = point;
+        ClientToScreen(m_hWnd, &screen);
+        SetSide(SideAt(screen));
+    } else if (m_nPressed < 0) {
+        SetHot(HitTest(point));
+    } else if (m_bInside != (HitTest(point) == m_nPressed)) {
+        m_bInside = !m_bInside;
+        RepaintItem(m_nPressed);
+    }
+    if (!watch.IsGone())
+        CCUIControlWindow::OnMouseMove(nFlags, point);
+}
+
+void CCUIControlBar::MouseHasLeft()
+{
+    m_bTracking = false;
+    if (GetFocus() != m_hWnd && m_nPressed < 0)
+        SetHot(-1);
+}
+
+// --- Pressing ---
+
+void CCUIControlBar::OnLButtonDown(UINT nFlags, POINT &point)
+{
+    const int nItem = HitTest(point);
+    if (nItem < 0) {
+        if (m_pItems->m_bGrip)
+            Drag();
+        else
+            CCUIControlWindow::OnLButtonDown(nFlags, point);
+        return;
+    }
+    if (!CanPress(nItem))
+        return;
+    if (nItem == m_pItems->Count()) {
+        OpenOverflow();
+        return;
+    }
+    const CCUIBarItem &item = (*m_pItems)[nItem];
+    const RECT rcArrow = CCUIBarItems::Arrow(item);
+    if (PtInRect(&rcArrow, point)) {
+        OpenMenu(nItem, *item.pMenu);
+        return;
+    }
+    m_nPressed = nItem;
+    m_bInside = true;
+    RepaintItem(nItem);
+    SetCapture(m_hWnd);
+}
+
+void CCUIControlBar::OnLButtonUp(UINT nFlags, POINT &point)
+{
+    CWatch watch(this);
+    const int nItem = m_nPressed;
+    const bool bInside = m_bInside;
+    m_bDragging = false;
+    EndPress();
+    // While it was held nobody told that the mouse has left.
+    if (!watch.IsGone() && !bInside && !IsMouseOver())
+        SetHot(-1);
+    if (watch.IsGone())
+        return;
+    if (nItem >= 0 && bInside)
+        Press(nItem);
+    else
+        CCUIControlWindow::OnLButtonUp(nFlags, point);
+}
+
+// Nothing is pressed any more.
+void CCUIControlBar::EndPress()
+{
+    RepaintItem(m_nPressed);
+    m_nPressed = -1;
+    m_bInside = false;
+    if (GetCapture() == m_hWnd)
+        ReleaseCapture();
+}
+
+// What the target does may be the end of the bar.
+void CCUIControlBar::SendCommand(unsigned int nID)
+{
+    SendMessageA(Target(), WM_COMMAND, MAKEWPARAM(nID, 0), reinterpret_cast<LPARAM>(m_hWnd));
+}
+
+void CCUIControlBar::Press(int nItem)
+{
+    if (CanPress(nItem) && nItem < m_pItems->Count())
+        SendCommand((*m_pItems)[nItem].nID);
+}
+
+void CCUIControlBar::OnCommand(UINT nCode, UINT nID, HWND hControl)
+{
+    CWatch watch(this);
+    if (hControl && ReflectLastMessage(hControl, nullptr))
+        return;
+    if (!watch.IsGone())
+        SendMessageA(Target(), WM_COMMAND, MAKEWPARAM(nID, nCode),
+                     reinterpret_cast<LPARAM>(hControl));
+}
+
+long CCUIControlBar::OnNotify(UINT nID, NMHDR *pHeader)
+{
+    if (m_hTip && pHeader->hwndFrom == m_hTip) {
+        if (pHeader->code == TTN_NEEDTEXTA && m_nHot >= 0 && m_nHot < m_pItems->Count() &&
+            GetShowToolTips())
+        {
+            const unsigned int nCommand = (*m_pItems)[m_nHot].nID;
+            if (CCUICommandHandler *const pHandler = CUIFindCommand(nCommand))
+                CUIAnswerBarTip(pHeader, CUIPlainCommandText(pHandler->GetShortTT(nCommand)));
+        }
+        return 0;
+    }
+    CWatch watch(this);
+    long result = 0;
+    if (ReflectLastMessage(pHeader->hwndFrom, &result) || watch.IsGone())
+        return result;
+    return SendMessageA(Target(), WM_NOTIFY, nID, reinterpret_cast<LPARAM>(pHeader));
+}
+
+// --- Menus ---
+
+// Beside the item, which looks pressed meanwhile.
+void CCUIControlBar::OpenMenu(int nItem, CCUIMenu &menu)
+{
+    CWatch watch(this);
+    m_nPressed = nItem;
+    m_bInside = true;
+    if (nItem < m_pItems->Count())
+        (*m_pItems)[nItem].bArrow = true;
+    RepaintItem(nItem);
+    const RECT rcItem = m_pItems->Place(nItem);
+    RECT rcScreen = rcItem;
+    MapWindowPoints(m_hWnd, nullptr, reinterpret_cast<POINT *>(&rcScreen), 2);
+    POINT point = {rcScreen.left, rcScreen.bottom};
+    if (IsVertical()) {
+        point.x = rcScreen.right;
+        point.y = rcScreen.top;
+    }
+    const UINT nFlags = TPM_RETURNCMD | (IsVertical() ? 0 : TPM_VERTICAL);
+    const int nCommand = DisplayPopupMenu(&menu, nFlags, point, &rcScreen);
+    if (watch.IsGone() || !m_hWnd)
+        return;
+    // The click on the button that closed the menu must not open it again.
+    MSG msg;
+    if (PeekMessageA(&msg, m_hWnd, WM_LBUTTONDOWN, WM_LBUTTONDOWN, PM_NOREMOVE) &&
+        PtInRect(&rcScreen, msg.pt))
+        PeekMessageA(&msg, m_hWnd, WM_LBUTTONDOWN, WM_LBUTTONDOWN, PM_REMOVE);
+    if (watch.IsGone() || !m_hWnd)
+        return;
+    if (nItem < m_pItems->Count())
+        (*m_pItems)[nItem].bArrow = false;
+    RepaintItem(nItem);
+    EndPress();
+    if (!watch.IsGone())
+        LeaveKeyboard();
+    if (watch.IsGone())
+        return;
+    if (!IsMouseOver())
+        SetHot(-1);
+    if (nCommand && !watch.IsGone())
+        SendCommand(static_cast<unsigned int>(nCommand));
+}
+
+void CCUIControlBar::OpenOverflow()
+{
+    CWatch watch(this);
+    CCUIMenu menu;
+    bool bSeparator = false;
+    for (int i = 0; !watch.IsGone() && i < m_pItems->Count(); ++i) {
+        const CCUIBarItem &item = (*m_pItems)[i];
+        if (!IsRectEmpty(&item.rc))
+            continue;
+        // Only between commands.
+        bSeparator = bSeparator || item.bSeparator;
+        const unsigned int nID = item.nID;
+        CCUICommandHandler *const pHandler = CUIFindCommand(nID);
+        if (!pHandler)
+            continue;
+        if (bSeparator && GetMenuItemCount(menu.GetHandle()) > 0)
+            AppendMenuA(menu.GetHandle(), MF_SEPARATOR, 0, nullptr);
+        bSeparator = false;
+        AppendMenuA(menu.GetHandle(), MF_STRING, nID, pHandler->GetShortTT(nID));
+    }
+    if (!watch.IsGone())
+        OpenMenu(m_pItems->Count(), menu);
+}
+
+// --- The keyboard ---
+
+bool CCUIControlBar::ActivateNext(HWND hParent, bool bBack)
+{
+    const UINT nWay = bBack ? GW_HWNDPREV : GW_HWNDNEXT;
+    const HWND hFocus = GetFocus();
+    HWND hFirst = GetWindow(hParent, GW_CHILD);
+    if (hFirst && bBack)
+        hFirst = GetWindow(hFirst, GW_HWNDLAST);
+    bool bActive = false;
+    for (HWND hWnd = hFirst; hWnd && !bActive; hWnd = GetWindow(hWnd, nWay)) {
+        bActive = Find(hWnd) && (hWnd == hFocus || IsChild(hWnd, hFocus));
+        if (bActive)
+            hFirst = GetWindow(hWnd, nWay);
+    }
+    for (HWND hWnd = hFirst; hWnd; hWnd = GetWindow(hWnd, nWay)) {
+        if (Find(hWnd) && IsWindowVisible(hWnd) && IsWindowEnabled(hWnd)) {
+            SetFocus(hWnd);
+            return true;
+        }
+    }
+    if (bActive)
+        SetFocus(IsWindow(s_hFocusBefore) ? s_hFocusBefore : hParent);
+    return bActive;
+}
+
+void CCUIControlBar::LeaveKeyboard()
+{
+    if (GetFocus() == m_hWnd)
+        SetFocus(IsWindow(s_hFocusBefore) ? s_hFocusBefore : GetParent(m_hWnd));
+}
+
+void CCUIControlBar::TakeFocus(HWND hOld)
+{
+    const HWND hParent = GetParent(hOld);
+    if (hOld && !Find(hOld) && !Find(hParent) && !Find(GetParent(hParent)))
+        s_hFocusBefore = hOld;
+    if (m_nHot < 0)
+        SetHot(NextItem(-1, 1));
+}
+
+// The next item, around the ends, that can be pressed or is a window to go to; or nFrom.
+int CCUIControlBar::NextItem(int nFrom, int nStep) const
+{
+    const int nPlaces = m_pItems->Count() + 1;
+    int nItem = nFrom < 0 && nStep < 0 ? 0 : nFrom;
+    for (int i = 0; i < nPlaces; ++i) {
+        nItem = (nItem + nStep + nPlaces) % nPlaces;
+        const HWND hControl = nItem < m_pItems->Count() ? (*m_pItems)[nItem].hControl : nullptr;
+        const bool bStop = hControl && IsWindowVisible(hControl) && IsWindowEnabled(hControl) &&
+                           (GetWindowLongA(hControl, GWL_STYLE) & WS_TABSTOP);
+        if (bStop || CanPress(nItem))
+            return nItem;
+    }
+    return nFrom;
+}
+
+void CCUIControlBar::GoTo(int nItem)
+{
+    if (nItem >= 0 && nItem < m_pItems->Count() && (*m_pItems)[nItem].hControl)
+        SetFocus((*m_pItems)[nItem].hControl);
+    else
+        SetHot(nItem);
+}
+
+void CCUIControlBar::PressByKey(bool bMenu)
+{
+    const int nItem = m_nHot;
+    if (!CanPress(nItem))
+        return;
+    if (nItem == m_pItems->Count()) {
+        OpenOverflow();
+    } else if (bMenu) {
+        if ((*m_pItems)[nItem].pMenu)
+            OpenMenu(nItem, *(*m_pItems)[nItem].pMenu);
+    } else {
+        // The command is for the window that had the focus.
+        CWatch watch(this);
+        LeaveKeyboard();
+        if (!watch.IsGone() && m_hWnd)
+            Press(nItem);
+    }
+}
+
+void CCUIControlBar::OnKeyDown(UINT nKey, UINT nRepeat, UINT nFlags)
+{
+    const bool bMenuKey = nKey == (IsVertical() ? VK_RIGHT : VK_DOWN) && m_nHot >= 0 &&
+                          m_nHot < m_pItems->Count() && (*m_pItems)[m_nHot].pMenu;
+    if (bMenuKey) {
+        PressByKey(true);
+        return;
+    }
+    switch (nKey) {
+    case VK_LEFT:
+    case VK_UP: GoTo(NextItem(m_nHot, -1)); break;
+    case VK_RIGHT:
+    case VK_DOWN: GoTo(NextItem(m_nHot, 1)); break;
+    case VK_HOME: GoTo(NextItem(-1, 1)); break;
+    case VK_END: GoTo(NextItem(0, -1)); break;
+    case VK_RETURN:
+    case VK_SPACE: PressByKey(false); break;
+    case VK_ESCAPE: LeaveKeyboard(); break;
+    default: CCUIControlWindow::OnKeyDown(nKey, nRepeat, nFlags); break;
+    }
+}
+
+int CCUIControlBar::PreTranslateMessage(MSG *pMsg)
+{
+    if (pMsg->message != WM_KEYDOWN || pMsg->wParam != VK_TAB || pMsg->hwnd == m_hWnd)
+        return CCUIControlWindow::PreTranslateMessage(pMsg);
+    for (int i = 0; i < m_pItems->Count(); ++i) {
+        const HWND hControl = (*m_pItems)[i].hControl;
+        if (!hControl || (pMsg->hwnd != hControl && !IsChild(hControl, pMsg->hwnd)))
+            continue;
+        CWatch watch(this);
+        SetFocus(m_hWnd);
+        if (!watch.IsGone() && m_hWnd)
+            GoTo(NextItem(i, GetKeyState(VK_SHIFT) < 0 ? -1 : 1));
+        return 1;
+    }
+    return CCUIControlWindow::PreTranslateMessage(pMsg);
+}
+
+// --- Docking ---
+
+// The side that the mouse is near to; the present one is left only for another.
+CUIBarSide CCUIControlBar::SideAt(const POINT &screen) const
+{
+    const HWND hParent = GetParent(m_hWnd);
+    RECT rc;
+    GetClientRect(hParent, &rc);
+    POINT at = screen;
+    MapWindowPoints(nullptr, hParent, &at, 1);
+    const LONG distances[] = {at.y, rc.bottom - at.y, at.x, rc.right - at.x};
+    const LONG nNear = CUIScale(DOCK_DISTANCE);
+    CUIBarSide best = m_side;
+    for (int i = CUI_BAR_TOP; i <= CUI_BAR_RIGHT; ++i) {
+        if (distances[i] < nNear && distances[m_side] >= nNear && distances[i] < distances[best])
+            best = static_cast<CUIBarSide>(i);
+    }
+    return best;
+}
+
+// As the system moves windows: a loop until the button is up, in which keys mean nothing but Escape
+// the end of it. The moves themselves come to OnMouseMove.
+void CCUIControlBar::Drag()
+{
+    CWatch watch(this);
+    const CUIBarSide before = m_side;
+    SetHot(-1);
+    if (watch.IsGone() || !m_hWnd)
+        return;
+    m_bDragging = true;
+    SetCapture(m_hWnd);
+    while (!watch.IsGone() && m_bDragging && GetCapture() == m_hWnd) {
+        MSG msg;
+        if (!GetMessageA(&msg, nullptr, 0, 0)) {
+            PostQuitMessage(static_cast<int>(msg.wParam));
+            break;
+        }
+        if (!IsKey(msg.message)) {
+            TranslateMessage(&msg);
+            DispatchMessageA(&msg);
+        } else if (msg.message == WM_KEYDOWN && msg.wParam == VK_ESCAPE) {
+            SetSide(before);
+            break;
+        }
+    }
+    if (watch.IsGone())
+        return;
+    m_bDragging = false;
+    EndPress();
+    if (!watch.IsGone() && m_side != before)
+        SaveState();
+}
+
+bool CCUIControlBar::ShowDragCursor() const
+{
+    POINT point;
+    if (!m_pItems->m_bGrip || !GetCursorPos(&point))
+        return false;
+    MapWindowPoints(nullptr, m_hWnd, &point, 1);
+    if ((IsVertical() ? point.y : point.x) >= m_pItems->Grip())
+        return false;
+    SetCursor(LoadCursorA(nullptr, MAKEINTRESOURCEA(32646)));  // IDC_SIZEALL
+    return true;
+}
+
+// --- Messages ---
+
+// What is done before a message takes its way. True: it does not.
+bool CCUIControlBar::Handle(UINT message, WPARAM wParam, LPARAM lParam, long &result)
+{
+    switch (message) {
+    case WM_ERASEBKGND: result = 1; return true;
+    case WM_MENUSELECT: SendMessageA(Target(), message, wParam, lParam); return true;
+    case WM_SYSCOLORCHANGE: ReloadPictures(); break;
+    case WM_MOUSELEAVE: MouseHasLeft(); break;
+    case WM_CANCELMODE: EndPress(); break;
+    case WM_KILLFOCUS: SetHot(-1); break;
+    case WM_CAPTURECHANGED:
+        RepaintItem(m_nPressed);
+        m_nPressed = -1;
+        break;
+    case WM_DESTROY:
+        DropTip();
+        m_nHot = m_nPressed = -1;
+        m_bTracking = false;
+        break;
+    case WM_TIMER:
+        if (wParam != LEAVE_TIMER)
+            break;
+        if (!IsMouseOver()) {
+            KillTimer(m_hWnd, LEAVE_TIMER);
+            MouseHasLeft();
+        }
+        return true;
+    case WM_SETCURSOR:
+        if (reinterpret_cast<HWND>(wParam) == m_hWnd && LOWORD(lParam) == HTCLIENT)
+            result = ShowDragCursor();
+        return result != 0;
+    case WM_GETDLGCODE: {
+        // In a dialog: its keys while it has the focus.
+        const auto *const pMsg = reinterpret_cast<const MSG *>(lParam);
+        const bool bKey = pMsg && pMsg->message == WM_KEYDOWN &&
+                          (pMsg->wParam == VK_RETURN || pMsg->wParam == VK_ESCAPE);
+        result = DLGC_WANTARROWS | (bKey ? DLGC_WANTMESSAGE : 0);
+        return true;
+    }
+    default: break;
+    }
+    return false;
+}
+
+long CCUIControlBar::WindowProc(UINT message, WPARAM wParam, LPARAM lParam)
+{
+    CWatch watch(this);
+    long result = 0;
+    if (message == WM_LBUTTONDBLCLK)
+        message = WM_LBUTTONDOWN;
+    if (Handle(message, wParam, lParam, result) || watch.IsGone())
+        return result;
+    result = CCUIControlWindow::WindowProc(message, wParam, lParam);
+    if (watch.IsGone() || !m_hWnd)
+        return result;
+    switch (message) {
+    case WM_SIZE: Relayout(); break;
+    case WM_SETFOCUS: TakeFocus(reinterpret_cast<HWND>(wParam)); break;
+    case WM_ENABLE:
+    case WM_SYSCOLORCHANGE: Repaint(); break;
+    case WM_WININICHANGE:
+        m_pItems->ForgetSizes();
+        ItemsChanged();
+        break;
+    default:
+        // Behind the handlers: a move may have made the tip, or found it another item.
+        if (m_hTip && message >= WM_MOUSEFIRST && message <= WM_MBUTTONUP)
+            CUIRelayToBarTip(m_hTip, m_hWnd, message, wParam, lParam);
+        break;
+    }
+    return result;
+}

@@ -1,0 +1,359 @@
+#include "CUI/StatusBar.h"
+
+#include <commctrl.h>
+
+#include "Base/GdiGuards.h"
+#include "CU/Assert.h"
+#include "CUI/Data.h"
+#include "CUI/Draw.h"
+#include "Command/CommandText.h"
+#include "Frame/BufferedPaint.h"
+#include "Frame/StatusPane.h"
+
+#define CU_SOURCE "StatusBar"
+
+namespace {
+
+// What OnMenuSelect hears when a menu has closed.
+const UINT MENU_CLOSED = 0xFFFF;
+
+}  // namespace
+
+CCUIStatusBar::CCUIStatusBar() : m_pPanes(new CCUIStatusPanes), m_bHelp(false), m_bGrip(false)
+{
+    CCUIStatusBar::AddPane(CUI_PANE_STRETCH, 1);
+}
+
+CCUIStatusBar::~CCUIStatusBar()
+{
+    delete m_pPanes;
+}
+
+int CCUIStatusBar::CreateBar(HWND hParent, UINT nID)
+{
+    const RECT rcNone = {0, 0, 0, 0};
+    return Create(nullptr, "", WS_CHILD | WS_VISIBLE | WS_CLIPSIBLINGS, rcNone, hParent, nID);
+}
+
+// --- Panes ---
+
+CCUIStatusPane *CCUIStatusBar::Pane(int nPane) const
+{
+    CCUIStatusPane *const pPane =
+        nPane >= 0 && nPane < m_pPanes->Count() ? &(*m_pPanes)[nPane] : nullptr;
+    CU_ASSERT(pPane);
+    return pPane;
+}
+
+int CCUIStatusBar::GetPaneCount() const
+{
+    return m_pPanes->Count();
+}
+
+int CCUIStatusBar::AddPane(CUIPaneWidth width, int nSize)
+{
+    m_pPanes->Add(CCUIStatusPane());
+    const int nPane = m_pPanes->Count() - 1;
+    SetPaneWidth(nPane, width, nSize);
+    return nPane;
+}
+
+void CCUIStatusBar::SetPaneWidth(int nPane, CUIPaneWidth width, int nSize)
+{
+    CCUIStatusPane *const pPane = Pane(nPane);
+    if (!pPane)
+        return;
+    const int nLeast = width == CUI_PANE_STRETCH ? 1 : 0;
+    pPane->width = width;
+    pPane->nSize = nSize < nLeast ? nLeast : nSize;
+    Layout();
+}
+
+void CCUIStatusBar::RemovePane(int nPane)
+{
+    CCUIStatusPane *const pPane = Pane(nPane);
+    if (!pPane || m_pPanes->Count() == 1)
+        return;
+    Repaint(pPane->rc);
+    m_pPanes->Remove(nPane, 1);
+    Remeasure();
+}
+
+RECT CCUIStatusBar::GetPaneRect(int nPane) const
+{
+    const CCUIStatusPane *const pPane = Pane(nPane);
+    return pPane ? pPane->rc : RECT{0, 0, 0, 0};
+}
+
+int CCUIStatusBar::HitTest(const POINT &point) const
+{
+    for (int i = 0; i < m_pPanes->Count(); ++i) {
+        if (PtInRect(&(*m_pPanes)[i].rc, point))
+            return i;
+    }
+    return -1;
+}
+
+void CCUIStatusBar::SetText(int nPane, const char *pszText)
+{
+    CCUIStatusPane *const pPane = Pane(nPane);
+    const CCUString sText(pszText);
+    if (!pPane || pPane->sText == sText)
+        return;
+    pPane->sText = sText;
+    pPane->cxContent = -1;
+    Repaint(*pPane, true);
+}
+
+CCUString CCUIStatusBar::GetText(int nPane) const
+{
+    const CCUIStatusPane *const pPane = Pane(nPane);
+    return pPane ? pPane->sText : CCUString();
+}
+
+void CCUIStatusBar::SetPicture(int nPane, const CCUIBitmap &bitmap)
+{
+    CCUIStatusPane *const pPane = Pane(nPane);
+    if (!pPane || pPane->picture.GetData() == bitmap.GetData())
+        return;
+    const bool bHigher = bitmap.Height() != pPane->picture.Height();
+    pPane->picture = bitmap;
+    pPane->cxContent = -1;
+    Repaint(*pPane, true);
+    if (bHigher)
+        Remeasure();
+}
+
+void CCUIStatusBar::SetProgress(int nPane, int nValue, int nMost)
+{
+    CCUIStatusPane *const pPane = Pane(nPane);
+    if (!pPane)
+        return;
+    // Only what lies between the old end and the new one changes.
+    RECT rcChanged = pPane->ProgressRect();
+    const LONG nOld = rcChanged.right;
+    pPane->nMost = nMost > 0 ? nMost : 0;
+    pPane->nProgress = nValue < 0 ? 0 : nValue > pPane->nMost ? pPane->nMost : nValue;
+    const LONG nNew = pPane->ProgressRect().right;
+    if (nNew == nOld)
+        return;
+    rcChanged.left = nNew < nOld ? nNew : nOld;
+    rcChanged.right = nNew < nOld ? nOld : nNew;
+    Repaint(rcChanged);
+    // Who counts does not come to his messages.
+    if (m_hWnd)
+        UpdateWindow(m_hWnd);
+}
+
+// --- Help ---
+
+void CCUIStatusBar::ShowHelp(const CCUString &sText)
+{
+    if (m_bHelp && m_sHelp == sText)
+        return;
+    m_bHelp = true;
+    m_sHelp = sText;
+    Repaint((*m_pPanes)[0], false);
+}
+
+void CCUIStatusBar::ClearHelp()
+{
+    if (!m_bHelp)
+        return;
+    m_bHelp = false;
+    m_sHelp.Empty();
+    Repaint((*m_pPanes)[0], false);
+}
+
+void CCUIStatusBar::ShowCommandHelp(UINT nID, UINT nFlags)
+{
+    const bool bCommand = nFlags != MENU_CLOSED && !(nFlags & (MF_POPUP | MF_SYSMENU));
+    CCUICommandHandler *const pHandler = bCommand ? CUIFindCommand(nID) : nullptr;
+    if (!pHandler) {
+        ClearHelp();
+        return;
+    }
+    CWatch watch(this);
+    const CCUString sText = pHandler->GetLongTT(nID);
+    if (!watch.IsGone())
+        ShowHelp(sText);
+}
+
+// --- Places ---
+
+void CCUIStatusBar::Repaint(const RECT &rect)
+{
+    if (m_hWnd)
+        InvalidateRect(m_hWnd, &rect, FALSE);
+}
+
+// Of one pane that shows something else, of which its width may have become another, too.
+void CCUIStatusBar::Repaint(const CCUIStatusPane &pane, bool bWidth)
+{
+    Repaint(pane.rc);
+    if (bWidth && pane.width == CUI_PANE_FIT)
+        Layout();
+}
+
+// The font or a picture is another one.
+void CCUIStatusBar::Remeasure()
+{
+    m_pPanes->ForgetWidths();
+    Layout();
+    SetFixedSize(m_pPanes->NaturalHeight());
+}
+
+// What stands where it stood is not painted again.
+void CCUIStatusBar::Layout()
+{
+    if (!m_hWnd)
+        return;
+    RECT client;
+    GetClientRect(m_hWnd, &client);
+    m_bGrip = SizingWindow() != nullptr;
+    m_pPanes->Layout(m_bGrip ? GripRect().left : client.right, client.bottom);
+    for (int i = 0; i < m_pPanes->Count(); ++i) {
+        const CCUIStatusPane &pane = (*m_pPanes)[i];
+        if (EqualRect(&pane.rc, &pane.rcBefore))
+            continue;
+        Repaint(pane.rcBefore);
+        Repaint(pane.rc);
+    }
+}
+
+// The window that is sized by the grip, or null where there must be none: it can be sized now, and
+// the corners of both are the same.
+HWND CCUIStatusBar::SizingWindow() const
+{
+    HWND hTop = m_hWnd;
+    while (hTop && (GetWindowLongA(hTop, GWL_STYLE) & WS_CHILD))
+        hTop = GetParent(hTop);
+    if (!hTop || hTop == m_hWnd || !(GetWindowLongA(hTop, GWL_STYLE) & WS_THICKFRAME) ||
+        IsZoomed(hTop))
+        return nullptr;
+    RECT rcTop;
+    RECT rcBar;
+    GetClientRect(hTop, &rcTop);
+    GetClientRect(m_hWnd, &rcBar);
+    MapWindowPoints(m_hWnd, hTop, reinterpret_cast<POINT *>(&rcBar), 2);
+    const int nNear = CUIScale(3);
+    return rcTop.right - rcBar.right <= nNear && rcTop.bottom - rcBar.bottom <= nNear ? hTop
+                                                                                      : nullptr;
+}
+
+RECT CCUIStatusBar::GripRect() const
+{
+    RECT rect;
+    GetClientRect(m_hWnd, &rect);
+    const int nSize = CUIGetWinData()->cxVScroll;
+    rect.left = rect.right - nSize;
+    rect.top = rect.bottom > nSize ? rect.bottom - nSize : 0;
+    return rect;
+}
+
+void CCUIStatusBar::OnSized()
+{
+    Layout();
+    // All that was to the right of the panes, and may still show the grip.
+    RECT rcRest;
+    GetClientRect(m_hWnd, &rcRest);
+    rcRest.left = (*m_pPanes)[m_pPanes->Count() - 1].rc.right;
+    Repaint(rcRest);
+}
+
+// --- Painting ---
+
+void CCUIStatusBar::OnPaint(HDC hDC)
+{
+    const CUIData *const pData = CUIGetWinData();
+    const CCUIBufferedPaint paint(m_hWnd, hDC);
+    const CCUISelect font(paint, pData->hStatusFont);
+    const unsigned long crWindow = m_propData.crWindow;
+    const DWORD crText = pData->crSys[IsWindowEnabled(m_hWnd) ? COLOR_BTNTEXT : COLOR_GRAYTEXT];
+    // With the brush where there can be one: of few colours it mixes what the frame around has.
+    if (crWindow == CUI_NO_WINDOW_COLOR)
+        FillRect(paint, &paint.Area(), pData->hbrBtnFace);
+    else
+        CUIDCFillSolidRect(paint, &paint.Area(), pData->ResolveColor(crWindow));
+    for (int i = 0; i < m_pPanes->Count(); ++i) {
+        const CCUIStatusPane &pane = (*m_pPanes)[i];
+        if (paint.Touches(pane.rc))
+            pane.Draw(paint, m_bHelp && i == 0 ? &m_sHelp : nullptr, pData->ResolveColor(crText));
+    }
+    RECT rcGrip = GripRect();
+    if (m_bGrip && paint.Touches(rcGrip))
+        DrawFrameControl(paint, &rcGrip, DFC_SCROLL, DFCS_SCROLLSIZEGRIP);
+}
+
+void CCUIStatusBar::ReloadPictures()
+{
+    for (int i = 0; i < m_pPanes->Count(); ++i)
+        CUIReloadSystemColors((*m_pPanes)[i].picture);
+}
+
+// --- The mouse ---
+
+int CCUIStatusBar::OnPaneClick(int nPane, int nCode, POINT &point)
+{
+    CUIPaneNotification notification = {{m_hWnd, 0, 0}, nPane, point};
+    notification.header.idFrom = static_cast<UINT_PTR>(GetDlgCtrlID(m_hWnd));
+    notification.header.code = static_cast<UINT>(nCode);
+    return SendMessageA(GetParent(m_hWnd), WM_NOTIFY, notification.header.idFrom,
+                        reinterpret_cast<LPARAM>(&notification));
+}
+
+// Whether the click is done with.
+bool CCUIStatusBar::PaneClicked(UINT nCode, POINT point)
+{
+    CWatch watch(this);
+    return OnPaneClick(HitTest(point), static_cast<int>(nCode), point) != 0 || watch.IsGone() ||
+           !m_hWnd;
+}
+
+bool CCUIStatusBar::IsInGrip(POINT screen) const
+{
+    MapWindowPoints(nullptr, m_hWnd, &screen, 1);
+    const RECT rcGrip = GripRect();
+    return SizingWindow() && PtInRect(&rcGrip, screen);
+}
+
+long CCUIStatusBar::WindowProc(UINT message, WPARAM wParam, LPARAM lParam)
+{
+    const POINT point = {static_cast<SHORT>(LOWORD(lParam)), static_cast<SHORT>(HIWORD(lParam))};
+    const HWND hSizing = message == WM_NCLBUTTONDOWN ? SizingWindow() : nullptr;
+    UINT nClick = 0;
+    switch (message) {
+    case WM_CREATE: m_propData.nFixedSize = m_pPanes->NaturalHeight(); break;
+    case WM_ERASEBKGND: return 1;
+    case WM_LBUTTONUP: nClick = NM_CLICK; break;
+    case WM_LBUTTONDBLCLK: nClick = NM_DBLCLK; break;
+    case WM_RBUTTONUP: nClick = NM_RCLICK; break;
+    case WM_RBUTTONDBLCLK: nClick = NM_RDBLCLK; break;
+    case WM_NCHITTEST:
+        if (IsInGrip(point))
+            return HTBOTTOMRIGHT;
+        break;
+    case WM_NCLBUTTONDOWN:
+        // By default the system would size this window.
+        if (hSizing && wParam == HTBOTTOMRIGHT)
+            return SendMessageA(hSizing, message, wParam, lParam);
+        break;
+    case WM_SYSCOLORCHANGE: ReloadPictures(); break;
+    default: break;
+    }
+    // By default the system asks for the context menu when the right button goes up.
+    if (nClick && PaneClicked(nClick, point))
+        return 0;
+    CWatch watch(this);
+    const long result = CCUIControlWindow::WindowProc(message, wParam, lParam);
+    if (watch.IsGone() || !m_hWnd)
+        return result;
+    const bool bSettings = message == WM_WININICHANGE;
+    if (bSettings || message == WM_SYSCOLORCHANGE || message == WM_ENABLE)
+        InvalidateRect(m_hWnd, nullptr, FALSE);
+    if (message == WM_SIZE)
+        OnSized();
+    else if (bSettings)
+        Remeasure();
+    return result;
+}

@@ -1,0 +1,346 @@
+// A bar of buttons: places, states, mouse, keyboard, menus, docking.
+#include "CUI/ControlBar.h"
+
+#include <commctrl.h>
+
+#include "CUI/BmpLoad.h"
+#include "CUI/BmpState.h"
+#include "CUI/CommandHandler.h"
+#include "CUI/CommandMap.h"
+#include "CUI/Data.h"
+#include "CUI/Settings.h"
+#include "CUI/StatusBar.h"
+#include "CUI/WindowClass.h"
+#include "Support/GdiCount.h"
+#include "Support/ImportHook.h"
+#include "Support/PixelMap.h"
+#include "Support/Reports.h"
+#include "Support/UpdateArea.h"
+
+namespace {
+
+class CCommand final : public CCUICommandHandler
+{
+public:
+    explicit CCommand(unsigned int nID) : CCUICommandHandler(nID, 1) {}
+    unsigned short GetState(unsigned int) override { return m_onState(), m_nState; }
+    CCUString GetShortTT(unsigned int) override { return m_text; }
+
+    unsigned short m_nState = CUI_COMMAND_ACTIVE;
+    const char *m_text = "&Save && go\tCtrl+S";
+    std::function<void()> m_onState = [] {};
+};
+
+// Writes down what a bar tells its parent, and puts it along its upper or left edge.
+struct CParent : CTestWindow
+{
+    CParent() : CTestWindow(nullptr, WS_POPUP | WS_VISIBLE | WS_CLIPCHILDREN)
+    {
+        m_on[WM_COMMAND] = [&] {
+            return m_told += Text("%u%s ", UINT(m_wParam), HWND(m_lParam) == m_hBar ? "" : "?"), 0;
+        };
+        m_on[WM_MENUSELECT] = [&] { return m_told += Text("help%d ", SHORT(m_wParam)), 0; };
+        m_on[CUI_WM_LAYOUT] = [&] { return m_told += Text("layout%ld ", m_lParam), 0; };
+    }
+    std::string Told() { return std::exchange(m_told, ""); }
+    std::string m_told;
+    HWND m_hBar = nullptr;
+};
+
+// With pictures of 16 by 15 pixels, so that a button has 23 by 22 at 96 dots an inch.
+struct CBar : CScripted<CCUIControlBar>
+{
+    explicit CBar(CParent &parent, const char *pszName = nullptr)
+    {
+        SetPictures(Strip(), 16);
+        CreateBar(parent, 3, pszName);
+        parent.m_hBar = m_hWnd;
+        SetButtons(std::initializer_list<unsigned>({1000, 1001, 0, 1002, 1003}).begin(), 5);
+        SetLength(200);
+        parent.Told();
+    }
+    ~CBar() override { m_on.clear(); }
+    void SetLength(int n)
+    {
+        const int nThick = GetFixedSize();
+        MoveWindow(m_hWnd, 0, 0, IsVertical() ? nThick : n, IsVertical() ? n : nThick, TRUE);
+        UpdateWindow(m_hWnd);
+    }
+    void Mouse(UINT message, int nItem, int x = 1)
+    {
+        const RECT rc = nItem < 0 ? GetOverflowRect() : GetItemRect(nItem);
+        SendMessageA(m_hWnd, message, 0, MAKELPARAM(rc.left + x, rc.top + 1));
+    }
+    void Key(UINT nKey) { SendMessageA(m_hWnd, WM_KEYDOWN, nKey, 1); }
+    std::string Places() const
+    {
+        std::string places;
+        for (int i = 0; i < 7; ++i) {
+            const RECT rc = i == 6 ? GetOverflowRect() : GetItemRect(i);
+            places += IsRectEmpty(&rc) ? "- " : Text("%ld,%ld ", rc.left, rc.top);
+        }
+        return places;
+    }
+    static CCUIBitmap Strip()
+    {
+        CTestSurface surface(TestPicture(64, 15, 5));
+        return CCUIBitmap(CUICopyBitmap(surface.Bitmap(), 64, 15, nullptr), nullptr);
+    }
+};
+
+struct CCommands
+{
+    CCommand commands[3] = {CCommand(1000), CCommand(1001), CCommand(1002)};
+};
+
+}  // namespace
+
+TEST(ControlBar, PutsItsItemsAlongItsSideAndWhatHasNoRoomIntoAMenu)
+{
+    CParent parent;
+    const CCommands all;
+    CBar bar(parent);
+    EXPECT_EQ(26, bar.GetFixedSize());
+    const auto places = [&](int nLength) { return bar.SetLength(nLength), bar.Places(); };
+    EXPECT_EQ("8,2 31,2 54,2 62,2 85,2 - - ", places(110));
+    EXPECT_EQ("8,2 31,2 54,2 62,2 - - 94,2 ", places(109));
+    // A window keeps its size; it has no room in an upright bar that is narrower.
+    const HWND hEdit = MakePlain("EDIT", bar, 77);
+    SetWindowPos(hEdit, nullptr, 0, 0, 30, 18, SWP_NOMOVE);
+    bar.AddControl(hEdit, 1001);
+    EXPECT_FALSE(IsWindowVisible(hEdit));
+    EXPECT_EQ("8,2 31,2 54,2 62,2 85,2 108,4 - ", places(200));
+    EXPECT_TRUE(IsWindowVisible(hEdit));
+    bar.SetSide(CUI_BAR_LEFT);
+    EXPECT_EQ("2,8 2,30 2,52 2,60 2,82 - 2,125 ", places(140));
+    // The menu has the commands that are hidden, as they stand.
+    bar.SetLength(70);
+    std::string menu;
+    CFakeCall<BOOL(HMENU, UINT, int, int, HWND, TPMPARAMS *)> track(
+        "TrackPopupMenuEx", [&](HMENU hMenu, auto...) {
+            for (int i = 0; i < GetMenuItemCount(hMenu); ++i)
+                menu += Text("%d ", int(GetMenuItemID(hMenu, static_cast<int>(i))));
+            return 1002;
+        });
+    bar.Mouse(WM_LBUTTONDOWN, -1);
+    EXPECT_EQ("1002 1001 ", menu);
+    EXPECT_NE(std::string::npos, parent.Told().find("1002 "));
+    DestroyWindow(hEdit);
+    bar.SetSide(CUI_BAR_TOP);
+    EXPECT_EQ("8,2 31,2 54,2 62,2 85,2 - - ", places(110));
+}
+
+TEST(ControlBar, ShowsWhatTheHandlersSayAndRepaintsOnlyWhatThatChanges)
+{
+    CParent parent;
+    CCommands all;
+    CBar bar(parent);
+    EXPECT_EQ("0 0 0 0", UpdateArea(bar));
+    CCUICommandMap::IdleUpdate();
+    EXPECT_EQ("0 0 0 0", UpdateArea(bar));
+    all.commands[1].m_nState = 0;
+    CCUICommandMap::IdleUpdate();
+    EXPECT_EQ("31 2 54 24", UpdateArea(bar));
+    UpdateWindow(bar);
+    // In the pixels of the disabled look; so has the button whose command has no handler.
+    const CUIData &data = *CUIGetWinData();
+    const HDC hDC = GetDC(bar);
+    const CPixelMap shown = ReadPixels(hDC, 110, 26);
+    CTestSurface expected(shown);
+    const CCUIBitmap strip = CBar::Strip();
+    for (const int nItem : {1, 4}) {
+        const RECT rc = bar.GetItemRect(nItem);
+        const int x = rc.left + 3, nSource = nItem == 1 ? 16 : 48;
+        CUIBmpStateRects rects = {rc, {x, 5, x + 17, 20}, {nSource, 0, nSource + 16, 15}};
+        FillRect(expected, &rc, data.hbrBtnFace);
+        CUIBmpDrawState(expected, &rects.rcArea, strip, CUIBMPSTATE_DISABLED,
+                        GetSysColor(COLOR_BTNFACE), GetSysColor(COLOR_BTNHIGHLIGHT),
+                        GetSysColor(COLOR_BTNSHADOW));
+    }
+    EXPECT_EQ(expected.Read(), shown);
+    all.commands[0].m_nState |= CUI_COMMAND_CHECKED;
+    CCUICommandMap::IdleUpdate();
+    EXPECT_EQ("8 2 31 24", UpdateArea(bar));
+    UpdateWindow(bar);
+    EXPECT_EQ(GetSysColor(COLOR_BTNSHADOW), GetPixel(hDC, 10, 2));
+    ReleaseDC(bar, hDC);
+    // Texts are asked for where they are shown, and again when the handler says so.
+    bar.ShowTexts(true);
+    const auto width = [&] { return bar.GetItemRect(0).right - bar.GetItemRect(0).left; };
+    const LONG cxText = width();
+    all.commands[0].m_text = "Save";
+    CCUICommandMap::IdleUpdate();
+    EXPECT_EQ(cxText, width());
+    all.commands[0].m_nState |= CUI_COMMAND_TEXT;
+    CCUICommandMap::IdleUpdate();
+    EXPECT_GT(cxText, width());
+    // A handler that puts other buttons into the bar, or ends it, while it is asked.
+    auto other = std::make_unique<CBar>(parent);
+    all.commands[0].m_onState = [&] { other.reset(); };
+    other->RefreshCommands();
+    EXPECT_FALSE(other);
+    all.commands[0].m_onState = [&] { bar.RemoveAll(), bar.AddButton(1003, 0); };
+    bar.RefreshCommands();
+    EXPECT_EQ("8,2 - - - - - - ", bar.Places());
+    parent.Told();
+    bar.Mouse(WM_LBUTTONDOWN, 0);
+    bar.Mouse(WM_LBUTTONUP, 0);
+    EXPECT_EQ("", parent.Told());
+}
+
+TEST(ControlBar, PressesWhatTheMouseGoesDownAndUpOn)
+{
+    CParent parent;
+    CCommands all;
+    auto bar = std::make_unique<CBar>(parent);
+    all.commands[2].m_nState = 0;
+    bar->RefreshCommands();
+    const auto click = [&](int nItem) {
+        bar->Mouse(WM_LBUTTONDOWN, nItem);
+        bar->Mouse(WM_LBUTTONUP, nItem);
+        return parent.Told();
+    };
+    EXPECT_EQ("1001 ", click(1));
+    EXPECT_EQ("", click(3));
+    EXPECT_EQ("", click(4));
+    // The mouse may leave and come back; what it is let go outside of is not done.
+    bar->Mouse(WM_LBUTTONDOWN, 0);
+    bar->Mouse(WM_MOUSEMOVE, 1);
+    UpdateWindow(*bar);
+    bar->Mouse(WM_MOUSEMOVE, 0);
+    EXPECT_EQ("8 2 31 24", UpdateArea(*bar));
+    bar->Mouse(WM_LBUTTONUP, 0);
+    bar->Mouse(WM_LBUTTONDOWN, 0);
+    bar->Mouse(WM_MOUSEMOVE, 1);
+    bar->Mouse(WM_LBUTTONUP, 1);
+    EXPECT_EQ("1000 ", parent.Told());
+    for (const UINT message : {UINT(WM_CAPTURECHANGED), UINT(WM_CANCELMODE)}) {
+        bar->Mouse(WM_LBUTTONDOWN, 0);
+        EXPECT_EQ(bar->GetHandle(), GetCapture());
+        SendMessageA(*bar, message, 0, 0);
+        bar->Mouse(WM_LBUTTONUP, 0);
+        EXPECT_EQ("", parent.Told());
+    }
+    // Under the mouse a button has its help and its tip.
+    bar->Mouse(WM_MOUSEMOVE, 1);
+    bar->Mouse(WM_MOUSEMOVE, 1, 2);
+    NMTTDISPINFOA info = {};
+    info.hdr = {FindWindowA(TOOLTIPS_CLASSA, nullptr), 0, TTN_NEEDTEXTA};
+    SendMessageA(*bar, WM_NOTIFY, 0, reinterpret_cast<LPARAM>(&info));
+    EXPECT_STREQ("Save & go", info.lpszText);
+    bar->Mouse(WM_MOUSEMOVE, 3);
+    SendMessageA(*bar, WM_MOUSELEAVE, 0, 0);
+    EXPECT_EQ("help1001 help1002 help0 ", parent.Told());
+    // What the windows inside notify of comes to the target; a command may end the bar.
+    CParent target;
+    bar->SetCommandTarget(target);
+    SendMessageA(*bar, WM_COMMAND, MAKEWPARAM(77, 5), 0);
+    EXPECT_EQ(Text("%u ", UINT(MAKEWPARAM(77, 5))), target.Told());
+    target.m_on[WM_COMMAND] = [&] { return bar.reset(), 0; };
+    click(1);
+    EXPECT_FALSE(bar);
+}
+
+TEST(ControlBar, GoesFromButtonToButtonByTheKeyboardAndGivesTheFocusBack)
+{
+    CParent parent;
+    CCommands all;
+    all.commands[1].m_nState = 0;
+    CBar bar(parent), second(parent);
+    parent.m_hBar = bar;
+    SetForegroundWindow(parent);
+    SetFocus(parent);
+    EXPECT_TRUE(CCUIControlBar::ActivateNext(parent));
+    EXPECT_EQ(bar.GetHandle(), GetFocus());
+    bar.Key(VK_RIGHT);
+    bar.Key(VK_DOWN);
+    bar.Key(VK_END);
+    bar.Key(VK_HOME);
+    bar.Key(VK_LEFT);
+    EXPECT_EQ("help1000 help1002 help1000 help1002 help1000 help1002 ", parent.Told());
+    bar.Key(VK_SPACE);
+    EXPECT_EQ("help0 1002 ", parent.Told());
+    EXPECT_EQ(parent.GetHandle(), GetFocus());
+    for (const HWND hExpected : {bar.GetHandle(), second.GetHandle(), parent.GetHandle()}) {
+        EXPECT_TRUE(CCUIControlBar::ActivateNext(parent));
+        EXPECT_EQ(hExpected, GetFocus());
+    }
+    EXPECT_TRUE(CCUIControlBar::ActivateNext(parent, true));
+    EXPECT_EQ(second.GetHandle(), GetFocus());
+    second.Key(VK_ESCAPE);
+    EXPECT_EQ(parent.GetHandle(), GetFocus());
+    // A window in the bar is a stop of its own, which Tab leaves.
+    const HWND hEdit = MakePlain("EDIT", bar, 77);
+    SetWindowLongA(hEdit, GWL_STYLE, WS_CHILD | WS_TABSTOP);
+    bar.AddControl(hEdit, 0);
+    SetFocus(bar);
+    bar.Key(VK_END);
+    EXPECT_EQ(hEdit, GetFocus());
+    parent.Told();
+    MSG tab = {hEdit, WM_KEYDOWN, VK_TAB, 0, 0, {}};
+    EXPECT_TRUE(CCUIWindow::PerformPreTranslation(&tab));
+    EXPECT_EQ(bar.GetHandle(), GetFocus());
+    EXPECT_EQ(Text("%u? help1000 ", UINT(MAKEWPARAM(77, EN_KILLFOCUS))), parent.Told());
+}
+
+TEST(ControlBar, DocksWhereItIsDraggedAndRemembersThat)
+{
+    CUISetSettingsKey("Software\\CUITests\\Bars Test");
+    CParent parent;
+    MoveWindow(parent, 50, 50, 300, 300, FALSE);
+    CBar bar(parent, "main");
+    PumpWaiting();
+    parent.Told();
+    const auto drag = [&](std::initializer_list<POINT> way, UINT last) {
+        for (const POINT &to : way)
+            PostMessageA(bar, WM_MOUSEMOVE, 0, MAKELPARAM(to.x, to.y));
+        PostMessageA(bar, last, VK_ESCAPE, 0);
+        SendMessageA(bar, WM_LBUTTONDOWN, 0, MAKELPARAM(3, 5));
+        EXPECT_EQ(nullptr, GetCapture());
+        PumpWaiting();
+        return parent.Told();
+    };
+    EXPECT_EQ("", drag({{100, 20}, {150, 150}}, WM_LBUTTONUP));
+    EXPECT_EQ("layout3 layout3 layout3 ", drag({{5, 150}, {150, 290}}, WM_KEYDOWN));
+    EXPECT_EQ(CUI_BAR_TOP, bar.GetSide());
+    EXPECT_EQ("layout3 ", drag({{290, 150}, {280, 5}}, WM_LBUTTONUP));
+    EXPECT_EQ(CUI_BAR_RIGHT, bar.GetSide());
+    bar.ShowBar(false);
+    CCUIControlBar later;
+    ASSERT_TRUE(later.CreateBar(parent, 4, "main", CUI_BAR_BOTTOM));
+    EXPECT_EQ(CUI_BAR_RIGHT, later.GetSide());
+    EXPECT_FALSE(later.IsBarShown() || IsWindowVisible(later));
+    CCURegistry registry(HKEY_CURRENT_USER, "Software\\CUITests", false);
+    EXPECT_TRUE(registry.DeleteKey("Bars Test"));
+}
+
+TEST(ControlBar, IsOfItsClassAndReportsWhereThatCannotBe)
+{
+    CReports reports;
+    CParent parent;
+    g_nRegisteredClasses = 0;
+    {
+        const CFakeCall<BOOL(HINSTANCE, const char *, WNDCLASSA *)> unknown(
+            "GetClassInfoA", [](auto...) { return FALSE; });
+        const CFakeCall<ATOM(const WNDCLASSA *)> none("RegisterClassA",
+                                                      [](auto...) { return ATOM(0); });
+        CCUIControlBar bar;
+        bar.CreateBar(parent, 3);
+    }
+    EXPECT_EQ(1, reports.Count("CUIWindowClassRegister(CUI_CLASS_CONTROLBAR)", "ControlBar"));
+    g_nRegisteredClasses = 0;
+    int nGdi = 0;
+    for (int i = 0; i < 60; ++i) {
+        CBar bar(parent);
+        char szClass[32] = "";
+        GetClassNameA(bar, szClass, sizeof szClass);
+        EXPECT_STREQ("pzl-ControlBAR", szClass);
+        bar.Mouse(WM_MOUSEMOVE, 0);
+        CCUIStatusBar status;
+        status.CreateBar(parent, 4);
+        MoveWindow(status, 0, 100, 100, 20, TRUE);
+        UpdateWindow(status);
+        nGdi = i == 10 ? GdiCount() : nGdi;
+    }
+    EXPECT_GE(nGdi + 2, GdiCount());
+}

@@ -1,0 +1,160 @@
+// What a notification icon tells the shell, and what it makes of what the shell tells.
+#include "CUI/NotifyIcon.h"
+
+#include "../../CUI/Src/Frame/ShellNotify.h"
+#include "CU/CU.h"
+#include "CUI/CommandHandler.h"
+#include "CUI/Menu.h"
+#include "Support/ImportHook.h"
+#include "Support/Reports.h"
+#include "Support/TestWindow.h"
+
+namespace {
+
+const UINT SHELL_MESSAGE = WM_USER + 1;
+
+// A shell that writes down what it is asked for.
+struct CShell
+{
+    explicit CShell(bool bBalloons) : m_old(CUIShellNotify())
+    {
+        CUIShellNotify() = {Notify, bBalloons};
+        s_asked = "";
+        s_bRefuses = false;
+    }
+    ~CShell() { CUIShellNotify() = m_old; }
+    static BOOL WINAPI Notify(DWORD nMessage, NOTIFYICONDATAA *pData)
+    {
+        const char *const names[] = {"add", "modify", "delete"};
+        s_asked += Text("%s %lu %u %s%s ", names[nMessage], pData->cbSize, pData->uFlags,
+                        (pData->uFlags & NIF_TIP) ? pData->szTip : "",
+                        pData->cbSize > 88 ? pData->szInfo : "");
+        s_hWnd = pData->hWnd;
+        return !s_bRefuses;
+    }
+    static std::string Asked() { return std::exchange(s_asked, ""); }
+    static void Tell(int message) { SendMessageA(s_hWnd, SHELL_MESSAGE, 1, LPARAM(message)); }
+
+    inline static std::string s_asked;
+    inline static bool s_bRefuses;
+    inline static HWND s_hWnd;
+    const CCUIShellNotify m_old;
+};
+
+struct CIcon : CCUINotifyIcon
+{
+    void OnIconClick() override { m_told += "click "; }
+    void OnBalloonClick() override { m_told += "balloon "; }
+    std::string m_told;
+};
+
+HICON Icon()
+{
+    return LoadIconA(nullptr, MAKEINTRESOURCEA(32512));
+}
+
+}  // namespace
+
+TEST(NotifyIcon, TellsTheShellWhatEachVersionTakes)
+{
+    const std::string longTip(200, 'x');
+    const CDumped dumped;
+    for (const bool bBalloons : {false, true}) {
+        CShell shell(bBalloons);
+        const std::string size = bBalloons ? "488" : "88";
+        {
+            CIcon icon;
+            EXPECT_FALSE(icon.SetTip("none") || icon.Add(HICON(nullptr), "none"));
+            EXPECT_TRUE(icon.Add(Icon(), "tip"));
+            EXPECT_EQ("add " + size + " 7 tip ", shell.Asked());
+            EXPECT_TRUE(icon.SetTip(longTip.c_str()));
+            EXPECT_EQ("modify " + size + " 4 " + longTip.substr(0, bBalloons ? 127 : 63) + " ",
+                      shell.Asked());
+            EXPECT_EQ(bBalloons, icon.ShowBalloon("title", "text") != 0);
+            EXPECT_EQ(bBalloons ? "modify 488 16 text " : "", shell.Asked());
+            // It comes back with the shell, and also if there was none at first.
+            SendMessageA(shell.s_hWnd, CURegisterMessageId("TaskbarCreated"), 0, 0);
+            EXPECT_EQ(0U, shell.Asked().find("add"));
+            icon.Remove();
+            EXPECT_EQ("delete " + size + " 0  ", shell.Asked());
+            shell.s_bRefuses = true;
+            EXPECT_FALSE(icon.Add(Icon(), "tip"));
+            EXPECT_TRUE(icon.IsAdded());
+            shell.s_bRefuses = false;
+            shell.Asked();
+            SendMessageA(shell.s_hWnd, CURegisterMessageId("TaskbarCreated"), 0, 0);
+            EXPECT_EQ("add " + size + " 7 tip ", shell.Asked());
+        }
+        EXPECT_EQ("delete " + size + " 0  ", shell.Asked());
+        EXPECT_FALSE(IsWindow(shell.s_hWnd));
+    }
+    EXPECT_NE(std::string::npos, dumped.m_text.find("Notification icon refused, message 0"));
+}
+
+TEST(NotifyIcon, OwnsTheIconsItLoads)
+{
+    const CShell shell(true);
+    int nLoaded = 0;
+    std::vector<HICON> destroyed;
+    const CFakeCall<HANDLE(HINSTANCE, const char *, UINT, int, int, UINT)> load(
+        "LoadImageA", [&](auto...) { return reinterpret_cast<HANDLE>(++nLoaded); });
+    const CFakeCall<BOOL(HICON)> destroy("DestroyIcon",
+                                         [&](HICON h) { return destroyed.push_back(h), TRUE; });
+    {
+        CIcon icon;
+        icon.Add(nullptr, "name", "tip");
+        icon.SetIcon(nullptr, "other");
+        icon.SetIcon(Icon());
+        icon.Add(nullptr, L"third", "tip");
+    }
+    const std::vector<HICON> expected = {HICON(1), HICON(2), HICON(3)};
+    EXPECT_EQ(expected, destroyed);
+}
+
+TEST(NotifyIcon, BringsClicksAndCommandsToTheTarget)
+{
+    CShell shell(true);
+    struct CCommand : CCUICommandHandler
+    {
+        CCommand() : CCUICommandHandler(1000, 1) {}
+        void HandleCommand(unsigned int) override { ++m_nDone; }
+        int m_nDone = 0;
+    } command;
+    CCUIMenu menu;
+    AppendMenuA(menu.GetHandle(), MF_STRING, 1000, "item");
+    auto icon = std::make_unique<CIcon>();
+    icon->SetContextMenu(&menu);
+    icon->SetDefaultCommand(1000);
+    icon->Add(Icon(), "tip");
+    for (const int message : {WM_LBUTTONDOWN, WM_LBUTTONUP, WM_LBUTTONDBLCLK, WM_LBUTTONUP,
+                              WM_MOUSEMOVE, WM_USER + 5, WM_LBUTTONUP})
+        shell.Tell(message);
+    EXPECT_EQ("click balloon click ", icon->m_told);
+    EXPECT_EQ(1, command.m_nDone);
+    // The menu's window is in front while it is open, and gets a message afterwards.
+    HWND hFront = nullptr;
+    CTestWindow target;
+    target.m_on[WM_COMMAND] = [&] { return icon.reset(), 0; };
+    const CFakeCall<BOOL(HWND)> front("SetForegroundWindow",
+                                      [&](HWND hWnd) { return hFront = hWnd, TRUE; });
+    const CFakeCall<BOOL(HMENU, UINT, int, int, HWND, TPMPARAMS *)> track(
+        "TrackPopupMenuEx", [&](HMENU hMenu, UINT, int, int, HWND hOwner, TPMPARAMS *) {
+            EXPECT_EQ(menu.GetHandle(), hMenu);
+            EXPECT_EQ(hOwner, hFront);
+            shell.Tell(WM_RBUTTONUP);  // once at a time
+            return 1000;
+        });
+    shell.Tell(WM_RBUTTONUP);
+    EXPECT_EQ(2, command.m_nDone);
+    MSG msg;
+    EXPECT_TRUE(PeekMessageA(&msg, *icon, WM_NULL, WM_NULL, PM_REMOVE));
+    // A dialog of the target comes first; a command may end the icon.
+    icon->SetCommandTarget(target);
+    EnableWindow(target, FALSE);
+    shell.Tell(WM_RBUTTONUP);
+    EXPECT_EQ(target.GetHandle(), hFront);
+    EXPECT_TRUE(icon);
+    EnableWindow(target, TRUE);
+    shell.Tell(WM_RBUTTONUP);
+    EXPECT_FALSE(icon);
+}
