@@ -80,14 +80,23 @@ struct CRecorder : CCUIWindow
 
 // What a handler gets of its message: m, w and p are the message and its whole arguments, L and H
 // the words of w, l and h those of p, c the point in p; b is the lowest byte of w, d its signed
-// upper word, x and y the signed words of p, s what counts of a system command, f the mouse flags of the keys that are down.
+// upper word, x and y the signed words of p, s what counts of a system command, f the mouse flags
+// of the keys that are down.
 std::string Expected(const char *rule, UINT m, WPARAM w, LPARAM p)
 {
-    const std::map<char, unsigned> values = {
-        {'m', m},          {'w', w},         {'p', p},           {'L', LOWORD(w)},
-        {'H', HIWORD(w)},  {'l', LOWORD(p)}, {'h', HIWORD(p)},   {'b', LOBYTE(LOWORD(w))},
-        {'s', w & 0xFFF0}, {'f', 6},         {'d', int(w) >> 16},
-        {'x', short(LOWORD(p))}, {'y', short(HIWORD(p))}};
+    const std::map<char, unsigned> values = {{'m', m},
+                                             {'w', w},
+                                             {'p', p},
+                                             {'L', LOWORD(w)},
+                                             {'H', HIWORD(w)},
+                                             {'l', LOWORD(p)},
+                                             {'h', HIWORD(p)},
+                                             {'b', LOBYTE(LOWORD(w))},
+                                             {'s', w & 0xFFF0},
+                                             {'f', 6},
+                                             {'d', int(w) >> 16},
+                                             {'x', short(LOWORD(p))},
+                                             {'y', short(HIWORD(p))}};
     const char *const space = strchr(rule, ' ');
     std::string record(rule, space ? space : rule + strlen(rule));
     for (const char *at = space; at && *++at;)
@@ -137,17 +146,18 @@ const CRow FIRST[] = {{0x0001, "=Create p"},
                       {0x0438, "0ShowToolTips w"},
                       {0x0002, "0Destroy"}};
 const CRow FURTHER[] = {
-    {0x0003, "0Move xy"}, {0x000A, "0Enable w"}, {0x004A, "=CopyData wp"},
-    {0x0087, "=GetDlgCode p"}, {0x0009, "=Message mwp"},       {0x0436, "=Message mwp"},       {0xC123, "=Message mwp"},
-    {0x0011, "=QueryEndSession p"}, {0x0016, "0EndSession wp"},     {0x0024, "0GetMinMaxInfo p"},
-    {0x007E, "0DisplayChange wlh"}, {0x0100, "0KeyDown wlh"},       {0x0101, "0KeyUp wlh"},
-    {0x0102, "0Char wlh"},          {0x0104, "0SysKeyDown wlh"},    {0x0105, "0SysKeyUp wlh"},
-    {0x0106, "0SysChar wlh"},       {0x0112, "0SysCommand sp"},     {0x0114, "0HScroll LHp"},
-    {0x0115, "0VScroll LHp"},       {0x0207, "0MButtonDown wc"},    {0x0208, "0MButtonUp wc"},
-    {0x0209, "0MButtonDblClk wc"},  {0x020A, "0MouseWheel Ldc"},    {0x020B, "1XButtonDown LHc"},
-    {0x020C, "1XButtonUp LHc"},     {0x020D, "1XButtonDblClk LHc"}, {0x020E, "0MouseHWheel Ldc"},
-    {0x0233, "0DropFiles w"},       {0x02A3, "0MouseLeave"},        {0x02E0, "0DpiChanged Lp"},
-    {0, "0MouseWheel fwc"}};  // of the message that old systems register
+    {0x0003, "0Move xy"},         {0x000A, "0Enable w"},          {0x004A, "=CopyData wp"},
+    {0x0087, "=GetDlgCode p"},    {0x0009, "=Message mwp"},       {0x0436, "=Message mwp"},
+    {0xC123, "=Message mwp"},     {0x0011, "=QueryEndSession p"}, {0x0016, "0EndSession wp"},
+    {0x0024, "0GetMinMaxInfo p"}, {0x007E, "0DisplayChange wlh"}, {0x0100, "0KeyDown wlh"},
+    {0x0101, "0KeyUp wlh"},       {0x0102, "0Char wlh"},          {0x0104, "0SysKeyDown wlh"},
+    {0x0105, "0SysKeyUp wlh"},    {0x0106, "0SysChar wlh"},       {0x0112, "0SysCommand sp"},
+    {0x0114, "0HScroll LHp"},     {0x0115, "0VScroll LHp"},       {0x0207, "0MButtonDown wc"},
+    {0x0208, "0MButtonUp wc"},    {0x0209, "0MButtonDblClk wc"},  {0x020A, "0MouseWheel Ldc"},
+    {0x020B, "1XButtonDown LHc"}, {0x020C, "1XButtonUp LHc"},     {0x020D, "1XButtonDblClk LHc"},
+    {0x020E, "0MouseHWheel Ldc"}, {0x0233, "0DropFiles w"},       {0x02A3, "0MouseLeave"},
+    {0x02E0, "0DpiChanged Lp"},   {0, "0MouseWheel fwc"}};  // of the message that old systems
+                                                            // register
 
 // What default processing was asked for, in the place of the system.
 std::string s_default;
