@@ -46,14 +46,10 @@ CHILD_PROCESS(RivalRun)
 
 TEST(SingleInstance, HandsItsCommandLineAndFolderToTheFirst)
 {
-    char szProgram[MAX_PATH];
-    GetModuleFileNameA(nullptr, szProgram, MAX_PATH);
     CTestFrame frame;
     ShowWindow(frame, SW_SHOWMINIMIZED);
     CInstance instance;
-    SetEnvironmentVariableA("TEST_PART", "RivalRun");
-    const CProcess later(Text("\"%s\" \"a b.txt\"", szProgram), "C:\\windows");
-    SetEnvironmentVariableA("TEST_PART", nullptr);
+    const CChildProcess later("RivalRun", "\"a b.txt\"", "C:\\windows");
     instance.Await(1);
     EXPECT_EQ(1u, later.ExitCode());
     EXPECT_STRCASEEQ("C:\\windows\\a b.txt|", frame.m_asked.c_str());

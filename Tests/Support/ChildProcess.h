@@ -16,15 +16,17 @@
 class CChildProcess
 {
 public:
-    explicit CChildProcess(const char *part)
+    explicit CChildProcess(const char *part, const char *arguments = "",
+                           const char *folder = nullptr)
     {
         char szProgram[MAX_PATH];
         GetModuleFileNameA(nullptr, szProgram, MAX_PATH);
+        std::string commandLine = '"' + std::string(szProgram) + "\" " + arguments;
         STARTUPINFOA startup = {};
         startup.cb = sizeof startup;
         SetEnvironmentVariableA("TEST_PART", part);
-        CreateProcessA(szProgram, nullptr, nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup,
-                       &m_process);
+        CreateProcessA(nullptr, &commandLine[0], nullptr, nullptr, FALSE, 0, nullptr, folder,
+                       &startup, &m_process);
         SetEnvironmentVariableA("TEST_PART", nullptr);
     }
     ~CChildProcess()
