@@ -18,7 +18,7 @@ public:
         if (!QueryClose() || !file.Open(sPath, CCUFile::modeRead))
             return;
         CCUString sText;
-        const unsigned nLength = file.GetLength();
+        const int nLength = static_cast<int>(file.GetLength());
         sText.ReleaseBuffer(static_cast<int>(file.Read(sText.GetBuffer(nLength), nLength)));
         SetWindowTextA(m_edit, sText);
         m_recent.Add(sPath);
