@@ -73,16 +73,6 @@ public:
     }
     /// @}
 
-    int PreTranslateMessage(MSG *pMsg) override
-    {
-        // The focus may be in the field, a window of its own. Enter closes a list.
-        if (pMsg->message != WM_KEYDOWN || pMsg->wParam != VK_RETURN)
-            return CCUISystemControl::PreTranslateMessage(pMsg);
-        CWatch watch(this);
-        return (!IsDropped() && OnReturn()) || watch.IsGone() ||
-               CCUIControlWindow::PreTranslateMessage(pMsg);
-    }
-
 protected:
     /// The user has selected another item.
     virtual int OnSelChange() { return 0; }
@@ -94,6 +84,8 @@ protected:
     virtual int OnCloseUp() { return 0; }
     /// @}
 
+    // The focus may be in the field, a window of its own. A list that is open is closed by Enter.
+    bool IsReturnFor(HWND) const override { return !IsDropped(); }
     int OnControlCommand(UINT nCode) override
     {
         CWatch watch(this);

@@ -115,6 +115,10 @@ protected:
     /// Enter was pressed in the control, in a dialog before that presses its default button.
     virtual int OnReturn() { return 0; }
 
+    /// Whether Enter, pressed in that window, which is the control or inside of it, is for
+    /// OnReturn.
+    virtual bool IsReturnFor(HWND hFocus) const { return hFocus == m_hWnd; }
+
     CUI_API int OnReflectedMessage(UINT message, WPARAM wParam, LPARAM lParam,
                                    long &result) override;
     CUI_API int OnReflectedNotification(UINT nID, NMHDR *pHeader, long &result) override;

@@ -203,7 +203,7 @@ void CCUISystemControl::SetTextColor(DWORD crText)
 
 int CCUISystemControl::PreTranslateMessage(MSG *pMsg)
 {
-    if (pMsg->message == WM_KEYDOWN && pMsg->wParam == VK_RETURN && pMsg->hwnd == m_hWnd) {
+    if (pMsg->message == WM_KEYDOWN && pMsg->wParam == VK_RETURN && IsReturnFor(pMsg->hwnd)) {
         CWatch watch(this);
         if (OnReturn() || watch.IsGone())
             return 1;
