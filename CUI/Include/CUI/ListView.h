@@ -28,7 +28,10 @@ public:
     /// LVS_ICON, LVS_SMALLICON, LVS_LIST or LVS_REPORT.
     void SetView(DWORD dwView) { ModifyStyle(LVS_TYPEMASK, dwView); }
     /// LVS_EX_ bits: LVS_EX_CHECKBOXES, LVS_EX_FULLROWSELECT and so on. With Internet Explorer 3.
-    void SetExtendedStyle(DWORD dwStyle) { Send(LVM_SETEXTENDEDLISTVIEWSTYLE, 0, dwStyle); }
+    void SetExtendedStyle(DWORD dwStyle)
+    {
+        Send(LVM_SETEXTENDEDLISTVIEWSTYLE, 0, static_cast<LPARAM>(dwStyle));
+    }
     /// The images: LVSIL_NORMAL, LVSIL_SMALL or LVSIL_STATE. Returns the list before.
     HIMAGELIST SetImageList(HIMAGELIST hImages, int nKind = LVSIL_SMALL)
     {

@@ -137,7 +137,7 @@ public:
     bool GetItemRect(HTREEITEM hItem, RECT &rect) const
     {
         // The message takes the item from where it writes the answer to.
-        memcpy(&rect, &hItem, sizeof hItem);
+        memcpy(&rect, &hItem, sizeof(HTREEITEM));
         return Send(TVM_GETITEMRECT, TRUE, &rect) != 0;
     }
     /// The item at a point of the client area, with its image and text; null: none.
