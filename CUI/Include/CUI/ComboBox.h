@@ -14,8 +14,9 @@ public:
     /// The usual style: a choice; and that of a field that takes any text.
     enum : DWORD
     {
-        STYLE = WS_TABSTOP | WS_VSCROLL | CBS_DROPDOWNLIST,
-        STYLE_EDIT = WS_TABSTOP | WS_VSCROLL | CBS_DROPDOWN | CBS_AUTOHSCROLL
+        STYLE = WS_TABSTOP | WS_VSCROLL | CBS_DROPDOWNLIST,  ///< the usual style
+        STYLE_EDIT = WS_TABSTOP | WS_VSCROLL | CBS_DROPDOWN |
+                     CBS_AUTOHSCROLL  ///< a field that takes any text
     };
     /// Bound to no control.
     CCUIComboBox()
@@ -55,9 +56,11 @@ public:
     /// @}
 
     void DropDown(bool bDrop) { Send(CB_SHOWDROPDOWN, bDrop); }  ///< or closes the list
+    /// Whether the list is open.
     bool IsDropped() const { return Send(CB_GETDROPPEDSTATE) != 0; }
     /// How many items the list shows before it scrolls; 8 at first.
     void SetDroppedRows(int nRows) { m_nRows = nRows; }
+    /// The least width of the list.
     void SetDroppedWidth(int cx) { Send(CB_SETDROPPEDWIDTH, static_cast<WPARAM>(cx)); }
     /// The most characters of the field; 0: as many as it can hold.
     void SetLimit(int nCharacters) { Send(CB_LIMITTEXT, static_cast<WPARAM>(nCharacters)); }

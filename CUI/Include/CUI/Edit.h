@@ -14,8 +14,9 @@ public:
     /// The usual style: one line; and that for many, in which Enter begins a new one.
     enum : DWORD
     {
-        STYLE = WS_TABSTOP | ES_AUTOHSCROLL,
-        STYLE_LINES = WS_TABSTOP | WS_VSCROLL | ES_MULTILINE | ES_AUTOVSCROLL | ES_WANTRETURN
+        STYLE = WS_TABSTOP | ES_AUTOHSCROLL,  ///< the usual style
+        STYLE_LINES =
+            WS_TABSTOP | WS_VSCROLL | ES_MULTILINE | ES_AUTOVSCROLL | ES_WANTRETURN  ///< many lines
     };
     /// Bound to no control.
     CCUIEdit()
@@ -53,17 +54,24 @@ public:
 
     /// The most characters that the user can make of it; 0: as many as it can hold.
     void SetLimit(int nCharacters) { Send(EM_SETLIMITTEXT, static_cast<WPARAM>(nCharacters)); }
+    /// Whether the user can change the text.
     void SetReadOnly(bool bReadOnly) { Send(EM_SETREADONLY, bReadOnly); }
+    /// Whether the user cannot change the text.
     bool IsReadOnly() const { return HasStyle(ES_READONLY); }
     /// Whether the user has changed the text since this was set to false.
     /// @{
     bool IsModified() const { return Send(EM_GETMODIFY) != 0; }
     void SetModified(bool bModified) { Send(EM_SETMODIFY, bModified); }
     /// @}
+    /// Whether there is a change to take back.
     bool CanUndo() const { return Send(EM_CANUNDO) != 0; }
+    /// Takes the last change back, or does it again.
     void Undo() { Send(EM_UNDO); }
+    /// Moves what is selected to the clipboard.
     void Cut() { Send(WM_CUT); }
+    /// Copies what is selected to the clipboard.
     void Copy() { Send(WM_COPY); }
+    /// Puts the clipboard's text in the place of the selection.
     void Paste() { Send(WM_PASTE); }
     void Clear() { Send(WM_CLEAR); }  ///< deletes what is selected
     /// What is shown in the place of each character; 0: the characters.
@@ -96,6 +104,7 @@ public:
     /// which is then reached with Ctrl and Tab, where that is no dialog, and with Shift and Tab.
     /// false at first.
     void SetWantTab(bool bWant) { m_bWantTab = bWant; }
+    /// What SetWantTab said.
     bool GetWantTab() const { return m_bWantTab; }
 
     int PreTranslateMessage(MSG *pMsg) override

@@ -13,7 +13,7 @@ public:
     /// The usual style. LBS_SORT sorts.
     enum : DWORD
     {
-        STYLE = WS_TABSTOP | WS_VSCROLL | LBS_NOTIFY | LBS_NOINTEGRALHEIGHT
+        STYLE = WS_TABSTOP | WS_VSCROLL | LBS_NOTIFY | LBS_NOINTEGRALHEIGHT  ///< the usual style
     };
     /// Bound to no control.
     CCUIListBox()
@@ -30,10 +30,13 @@ public:
         return Send(LB_INSERTSTRING, static_cast<WPARAM>(nItem), InText(pszText));
     }
     /// @}
+    /// Deletes an item.
     void DeleteString(int nItem) { Send(LB_DELETESTRING, static_cast<WPARAM>(nItem)); }
     void ResetContent() { Send(LB_RESETCONTENT); }  ///< deletes all
+    /// How many there are.
     int GetCount() const { return Send(LB_GETCOUNT); }
 
+    /// An item's text; "" where there is no such item.
     CCUString GetItemText(int nItem) const
     {
         return FetchText(LB_GETTEXTLEN, LB_GETTEXT, static_cast<WPARAM>(nItem));
@@ -81,6 +84,7 @@ public:
     }
 
     int GetTopIndex() const { return Send(LB_GETTOPINDEX); }  ///< the first item that is seen
+    /// Scrolls so that the item is the first that is seen, or as near as can be.
     void SetTopIndex(int nItem) { Send(LB_SETTOPINDEX, static_cast<WPARAM>(nItem)); }
     /// Scrolls no further than it must.
     void EnsureVisible(int nItem)

@@ -16,7 +16,7 @@ public:
     /// texts can be edited in place; LVS_SHAREIMAGELISTS: image lists stay when the control goes.
     enum : DWORD
     {
-        STYLE = WS_TABSTOP | LVS_REPORT | LVS_SHOWSELALWAYS
+        STYLE = WS_TABSTOP | LVS_REPORT | LVS_SHOWSELALWAYS  ///< the usual style
     };
     /// Bound to no control.
     CCUIListView()
@@ -50,7 +50,9 @@ public:
         column.iSubItem = nColumn;
         return Send(LVM_INSERTCOLUMNA, static_cast<WPARAM>(nColumn), &column);
     }
+    /// Deletes a column, with its texts.
     void DeleteColumn(int nColumn) { Send(LVM_DELETECOLUMN, static_cast<WPARAM>(nColumn)); }
+    /// In pixels.
     int GetColumnWidth(int nColumn) const
     {
         return Send(LVM_GETCOLUMNWIDTH, static_cast<WPARAM>(nColumn));
@@ -71,17 +73,22 @@ public:
         item.lParam = lData;
         return Send(LVM_INSERTITEMA, 0, &item);
     }
-    int AddItem(const char *pszText, int nImage = -1, LPARAM lData = 0)  ///< at the end
+    /// InsertItem at the end.
+    int AddItem(const char *pszText, int nImage = -1, LPARAM lData = 0)
     {
         return InsertItem(GetCount(), pszText, nImage, lData);
     }
+    /// Deletes an item.
     void DeleteItem(int nItem) { Send(LVM_DELETEITEM, static_cast<WPARAM>(nItem)); }
+    /// Deletes all items.
     void DeleteAllItems() { Send(LVM_DELETEALLITEMS); }
+    /// How many there are.
     int GetCount() const { return Send(LVM_GETITEMCOUNT); }
     /// Room for so many items, to be made before they are added; of one with LVS_OWNERDATA, its
     /// items.
     void SetCount(int nCount) { Send(LVM_SETITEMCOUNT, static_cast<WPARAM>(nCount)); }
 
+    /// An item's text; "" where there is no such item.
     CCUString GetItemText(int nItem, int nColumn = 0) const
     {
         LVITEMA item = Record(nItem, LVIF_TEXT);
@@ -89,6 +96,7 @@ public:
         return FetchText(LVM_GETITEMTEXTA, static_cast<WPARAM>(nItem), &item, item.pszText,
                          item.cchTextMax);
     }
+    /// Gives an item another text.
     void SetItemText(int nItem, int nColumn, const char *pszText)
     {
         LVITEMA item = Record(nItem, LVIF_TEXT);
@@ -96,18 +104,21 @@ public:
         item.pszText = InText(pszText);
         Send(LVM_SETITEMTEXTA, static_cast<WPARAM>(nItem), &item);
     }
+    /// The number or pointer that an item was given; 0 where there is no such item.
     LPARAM GetItemData(int nItem) const
     {
         LVITEMA item = Record(nItem, LVIF_PARAM);
         Send(LVM_GETITEMA, 0, &item);
         return item.lParam;
     }
+    /// Gives an item another number or pointer.
     void SetItemData(int nItem, LPARAM lData)
     {
         LVITEMA item = Record(nItem, LVIF_PARAM);
         item.lParam = lData;
         Send(LVM_SETITEMA, 0, &item);
     }
+    /// Gives an item another image; see InsertItem.
     void SetItemImage(int nItem, int nImage)
     {
         LVITEMA item = Record(nItem, LVIF_IMAGE);
@@ -115,7 +126,9 @@ public:
         Send(LVM_SETITEMA, 0, &item);
     }
 
+    /// How many items are selected.
     int GetSelCount() const { return Send(LVM_GETSELECTEDCOUNT); }
+    /// Whether the item is selected.
     bool IsSelected(int nItem) const { return GetState(nItem, LVIS_SELECTED) != 0; }
     /// The first selected item behind nAfter; -1: none.
     int FindSelected(int nAfter = -1) const { return Next(nAfter, LVNI_SELECTED); }
@@ -138,6 +151,7 @@ public:
         SetState(nItem, INDEXTOSTATEIMAGEMASK(bCheck ? 2U : 1U), LVIS_STATEIMAGEMASK);
     }
     /// @}
+    /// Scrolls, and in a tree expands, no further than it must for the item to be seen.
     void EnsureVisible(int nItem) { Send(LVM_ENSUREVISIBLE, static_cast<WPARAM>(nItem), FALSE); }
     void Update(int nItem) { Send(LVM_UPDATE, static_cast<WPARAM>(nItem)); }  ///< repaints it
     /// The first item behind nAfter whose text is that one, or begins with it, or whose data are

@@ -15,7 +15,7 @@ public:
     /// The usual style. With Internet Explorer 3: PBS_SMOOTH, PBS_VERTICAL.
     enum : DWORD
     {
-        STYLE = 0
+        STYLE = 0  ///< the usual style
     };
     /// Bound to no control.
     CCUIProgressBar() : CCUISystemControl({PROGRESS_CLASSA, STYLE, 0, 0, true, 60, 10}) {}

@@ -13,7 +13,7 @@ public:
     /// The usual style. SBS_VERT: upright.
     enum : DWORD
     {
-        STYLE = SBS_HORZ
+        STYLE = SBS_HORZ  ///< the usual style
     };
     /// Bound to no control.
     CCUIScrollBar() : CCUISystemControl({"SCROLLBAR", STYLE, 0, 0, false, 60, 10}), m_nLine(1) {}
@@ -31,7 +31,9 @@ public:
                                  0};
         SetScrollInfo(m_hWnd, SB_CTL, &info, TRUE);
     }
+    /// The position.
     int GetPos() const { return GetScrollPos(m_hWnd, SB_CTL); }
+    /// Moves it there, and tells nobody.
     void SetPos(int nPos) { SetScrollPos(m_hWnd, SB_CTL, nPos, TRUE); }
     void SetLine(int nLine) { m_nLine = nLine; }  ///< how far an arrow goes; 1 at first
 

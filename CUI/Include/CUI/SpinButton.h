@@ -15,7 +15,8 @@ public:
     /// The usual style: at the right edge of its field, whose number it writes.
     enum : DWORD
     {
-        STYLE = UDS_ALIGNRIGHT | UDS_ARROWKEYS | UDS_SETBUDDYINT | UDS_NOTHOUSANDS
+        STYLE =
+            UDS_ALIGNRIGHT | UDS_ARROWKEYS | UDS_SETBUDDYINT | UDS_NOTHOUSANDS  ///< the usual style
     };
     /// Bound to no control.
     CCUISpinButton() : CCUISystemControl({UPDOWN_CLASSA, STYLE, 0, 0, true, 11, 14}) {}
@@ -23,6 +24,7 @@ public:
     /// The field; UDS_ALIGNRIGHT and UDS_ALIGNLEFT make room for the arrows inside of it. To be
     /// called again when the field has another place.
     void SetBuddy(HWND hField) { Send(UDM_SETBUDDY, FromPointer<WPARAM>(hField)); }
+    /// The field; null: none.
     HWND GetBuddy() const { return reinterpret_cast<HWND>(Send(UDM_GETBUDDY)); }
     /// Beyond -32,767 to 32,767 with Internet Explorer 4, and positions with 5. A minimum above the
     /// maximum turns the arrows around.

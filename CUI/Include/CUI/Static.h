@@ -14,7 +14,7 @@ public:
     /// clicks.
     enum : DWORD
     {
-        STYLE = SS_LEFT | SS_NOTIFY
+        STYLE = SS_LEFT | SS_NOTIFY  ///< the usual style
     };
     /// Bound to no control.
     CCUIStatic() : CCUISystemControl({"STATIC", STYLE, 0, 0, false, 60, 8}) {}
@@ -30,7 +30,9 @@ public:
         return reinterpret_cast<HBITMAP>(Send(STM_SETIMAGE, IMAGE_BITMAP, hBitmap));
     }
     /// @}
+    /// The icon; null: none.
     HICON GetIcon() const { return reinterpret_cast<HICON>(Send(STM_GETIMAGE, IMAGE_ICON)); }
+    /// The bitmap; null: none.
     HBITMAP GetBitmap() const
     {
         return reinterpret_cast<HBITMAP>(Send(STM_GETIMAGE, IMAGE_BITMAP));

@@ -151,13 +151,15 @@ protected:
         ScreenToClient(m_hWnd, &point);
         return point;
     }
+    /// A pointer as a parameter of a message.
     template <typename Param, typename T>
-    static Param FromPointer(T *p)  ///< a pointer as a message's parameter
+    static Param FromPointer(T *p)
     {
         return reinterpret_cast<Param>(p);
     }
+    /// For sorting: calls the Compare that lParam points to.
     template <typename Compare>
-    static int CALLBACK CallCompare(LPARAM lFirst, LPARAM lSecond, LPARAM lParam)  ///< sorts
+    static int CALLBACK CallCompare(LPARAM lFirst, LPARAM lSecond, LPARAM lParam)
     {
         return (*reinterpret_cast<Compare *>(lParam))(lFirst, lSecond);
     }

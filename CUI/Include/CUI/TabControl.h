@@ -15,7 +15,7 @@ public:
     /// The usual style. What is shown on a page is a sibling behind it, or a child of it.
     enum : DWORD
     {
-        STYLE = WS_TABSTOP | WS_CLIPSIBLINGS
+        STYLE = WS_TABSTOP | WS_CLIPSIBLINGS  ///< the usual style
     };
     /// Bound to no control.
     CCUITabControl() : CCUISystemControl({WC_TABCONTROLA, STYLE, 0, 0, true, 120, 80}) {}
@@ -31,14 +31,19 @@ public:
         item.lParam = lData;
         return Send(TCM_INSERTITEMA, static_cast<WPARAM>(nItem), &item);
     }
-    int AddItem(const char *pszText, int nImage = -1, LPARAM lData = 0)  ///< at the end
+    /// InsertItem at the end.
+    int AddItem(const char *pszText, int nImage = -1, LPARAM lData = 0)
     {
         return InsertItem(GetCount(), pszText, nImage, lData);
     }
+    /// Deletes an item.
     void DeleteItem(int nItem) { Send(TCM_DELETEITEM, static_cast<WPARAM>(nItem)); }
+    /// Deletes all items.
     void DeleteAllItems() { Send(TCM_DELETEALLITEMS); }
+    /// How many there are.
     int GetCount() const { return Send(TCM_GETITEMCOUNT); }
 
+    /// An item's text; "" where there is no such item.
     CCUString GetItemText(int nItem) const
     {
         TCITEMA item = {};
@@ -46,6 +51,7 @@ public:
         return FetchText(TCM_GETITEMA, static_cast<WPARAM>(nItem), &item, item.pszText,
                          item.cchTextMax);
     }
+    /// Gives an item another text.
     void SetItemText(int nItem, const char *pszText)
     {
         TCITEMA item = {};
@@ -53,6 +59,7 @@ public:
         item.pszText = InText(pszText);
         Send(TCM_SETITEMA, static_cast<WPARAM>(nItem), &item);
     }
+    /// The number or pointer that an item was given; 0 where there is no such item.
     LPARAM GetItemData(int nItem) const
     {
         TCITEMA item = {};
@@ -60,6 +67,7 @@ public:
         Send(TCM_GETITEMA, static_cast<WPARAM>(nItem), &item);
         return item.lParam;
     }
+    /// Gives an item another number or pointer.
     void SetItemData(int nItem, LPARAM lData)
     {
         TCITEMA item = {};

@@ -15,16 +15,18 @@ public:
     /// The usual style. TBS_VERT: upright.
     enum : DWORD
     {
-        STYLE = WS_TABSTOP | TBS_AUTOTICKS
+        STYLE = WS_TABSTOP | TBS_AUTOTICKS  ///< the usual style
     };
     /// Bound to no control.
     CCUITrackBar() : CCUISystemControl({TRACKBAR_CLASSA, STYLE, 0, 0, true, 60, 15}) {}
 
+    /// The first and the last position.
     void SetRange(int nMin, int nMax)
     {
         Send(TBM_SETRANGEMIN, FALSE, static_cast<LPARAM>(nMin));
         Send(TBM_SETRANGEMAX, TRUE, static_cast<LPARAM>(nMax));
     }
+    /// The position.
     int GetPos() const { return Send(TBM_GETPOS); }
     void SetPos(int nPos) { Send(TBM_SETPOS, TRUE, static_cast<LPARAM>(nPos)); }  ///< tells nobody
     /// The distance from tick to tick.

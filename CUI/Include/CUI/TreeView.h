@@ -17,7 +17,8 @@ public:
     /// Explorer 3: items can be checked.
     enum : DWORD
     {
-        STYLE = WS_TABSTOP | TVS_HASBUTTONS | TVS_HASLINES | TVS_LINESATROOT | TVS_SHOWSELALWAYS
+        STYLE = WS_TABSTOP | TVS_HASBUTTONS | TVS_HASLINES | TVS_LINESATROOT |
+                TVS_SHOWSELALWAYS  ///< the usual style
     };
     /// Bound to no control.
     CCUITreeView()
@@ -42,33 +43,40 @@ public:
         return Item(Send(TVM_INSERTITEMA, 0, &insert));
     }
     void DeleteItem(HTREEITEM hItem) { Send(TVM_DELETEITEM, 0, hItem); }  ///< and all in it
+    /// Deletes all items.
     void DeleteAllItems() { Send(TVM_DELETEITEM, 0, TVI_ROOT); }
+    /// How many there are.
     int GetCount() const { return Send(TVM_GETCOUNT); }
 
+    /// An item's text; "" where there is no such item.
     CCUString GetItemText(HTREEITEM hItem) const
     {
         TVITEMA item = Record(hItem, TVIF_TEXT);
         return FetchText(TVM_GETITEMA, 0, &item, item.pszText, item.cchTextMax);
     }
+    /// Gives an item another text.
     void SetItemText(HTREEITEM hItem, const char *pszText)
     {
         TVITEMA item = Record(hItem, TVIF_TEXT);
         item.pszText = InText(pszText);
         Send(TVM_SETITEMA, 0, &item);
     }
+    /// The number or pointer that an item was given; 0 where there is no such item.
     LPARAM GetItemData(HTREEITEM hItem) const
     {
         TVITEMA item = Record(hItem, TVIF_PARAM);
         Send(TVM_GETITEMA, 0, &item);
         return item.lParam;
     }
+    /// Gives an item another number or pointer.
     void SetItemData(HTREEITEM hItem, LPARAM lData)
     {
         TVITEMA item = Record(hItem, TVIF_PARAM);
         item.lParam = lData;
         Send(TVM_SETITEMA, 0, &item);
     }
-    void SetItemImage(HTREEITEM hItem, int nImage, int nSelected = -1)  ///< as InsertItem
+    /// Gives an item another image; see InsertItem.
+    void SetItemImage(HTREEITEM hItem, int nImage, int nSelected = -1)
     {
         TVITEMA item = Record(hItem, TVIF_IMAGE | TVIF_SELECTEDIMAGE);
         item.iImage = nImage;
@@ -103,8 +111,11 @@ public:
     HTREEITEM GetSelection() const { return Next(TVGN_CARET, nullptr); }
     void SelectItem(HTREEITEM hItem) { Send(TVM_SELECTITEM, TVGN_CARET, hItem); }
     /// @}
+    /// Shows or hides the children: TVE_EXPAND, TVE_COLLAPSE or TVE_TOGGLE.
     void Expand(HTREEITEM hItem, UINT nCode = TVE_EXPAND) { Send(TVM_EXPAND, nCode, hItem); }
+    /// Whether the children are shown.
     bool IsExpanded(HTREEITEM hItem) const { return (GetState(hItem) & TVIS_EXPANDED) != 0; }
+    /// Scrolls, and in a tree expands, no further than it must for the item to be seen.
     void EnsureVisible(HTREEITEM hItem) { Send(TVM_ENSUREVISIBLE, 0, hItem); }
     /// Of a tree with check boxes.
     /// @{
