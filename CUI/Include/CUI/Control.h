@@ -124,7 +124,6 @@ protected:
     static void Fill(HDC hDC, const RECT &rect, COLORREF cr);
     static bool IsHighContrast();    ///< whether the user has chosen such colours
     static int Scaled(int nPixels);  ///< from 96 dots per inch to those of the screen
-    bool IsInDialog() const;         ///< whether the parent is a dialog
     /// @}
 
     unsigned int m_nShownStates;  ///< the states that Paint shows; all at first
@@ -166,7 +165,6 @@ private:
     void SetHot(bool bHot);
     void AwaitLeave();
     bool IsInside(const POINT &point) const;
-    void PassFocusOn();
     CCUString GetTipText();
     void PaintTo(HDC hDC, const RECT &update);
     HBRUSH GetBackground(HDC hDC);

@@ -106,6 +106,13 @@ protected:
     void OnCancelMode() override;
     /// @}
 
+    /// Makes the window property lead here, or (with a null window) nowhere any more.
+    void PublishLayoutData(HWND hWnd);
+    /// Gives the focus to the next control, as Tab does; to the parent where there is none.
+    void PassFocusOn();
+    bool IsInDialog() const;             ///< whether the parent is a dialog
+    static CCUString TextOf(HWND hWnd);  ///< a window's text, of any length
+
     PropData m_propData;  ///< what the window property leads to
 
 private:

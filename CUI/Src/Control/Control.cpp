@@ -21,22 +21,8 @@ const LRESULT HIDE_FOCUS = 1;
 const LRESULT HIDE_UNDERLINES = 2;
 const UINT HIDE_PREFIX = 0x00100000;
 
-// The class of dialogs.
-const DWORD DIALOG_ATOM = 0x8002;
-
 const LONG REPLACED_STYLES =
     static_cast<LONG>(WS_CHILD | WS_VISIBLE | WS_DISABLED | WS_GROUP | WS_TABSTOP);
-
-CCUString TextOf(HWND hWnd)
-{
-    CCUString sText;
-    const int nLength = GetWindowTextLengthA(hWnd);
-    if (nLength > 0) {
-        GetWindowTextA(hWnd, sText.GetBuffer(nLength), nLength + 1);
-        sText.ReleaseBuffer();
-    }
-    return sText;
-}
 
 // Selects a font for as long as the object lives, on a DC that shows nothing.
 SIZE Measure(HWND hWnd, HFONT hFont, const char *pszText)
@@ -209,12 +195,6 @@ void CCUIControl::ReadCues()
     SetState(CUI_STATE_NO_UNDERLINE, (nCues & HIDE_UNDERLINES) != 0);
 }
 
-bool CCUIControl::IsInDialog() const
-{
-    const HWND hParent = m_hWnd ? GetParent(m_hWnd) : nullptr;
-    return hParent && GetClassLongA(hParent, GCW_ATOM) == DIALOG_ATOM;
-}
-
 // --- Text, font, colours ---
 
 void CCUIControl::SetText(const char *pszText)
@@ -327,20 +307,6 @@ void CCUIControl::Enable(bool bEnable)
         EnableWindow(m_hWnd, bEnable);
     else
         SetState(CUI_STATE_DISABLED, !bEnable);
-}
-
-// As Tab does; the window above takes the focus if there is nowhere else to go.
-void CCUIControl::PassFocusOn()
-{
-    CWatch watch(this);
-    const HWND hWnd = m_hWnd;
-    const HWND hParent = GetParent(hWnd);
-    if (IsInDialog())
-        SendMessageA(hParent, WM_NEXTDLGCTL, 0, 0);
-    else
-        SendMessageA(hParent, CUI_WM_TABKEY, reinterpret_cast<WPARAM>(hWnd), 0);
-    if (GetFocus() == hWnd)
-        SetFocus(hParent);
 }
 
 void CCUIControl::OnEnable(int bEnable)

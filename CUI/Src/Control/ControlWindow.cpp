@@ -14,6 +14,9 @@ const unsigned long DEFAULT_LAYOUT_FLAGS = 4;
 // The layout flags that concern the parent's other children too.
 const unsigned long WHOLE_LAYOUT_FLAGS = 0xFFFF0F00;
 
+// The class of dialogs.
+const DWORD DIALOG_ATOM = 0x8002;
+
 const LONG KIND_OF_WINDOW = static_cast<LONG>(WS_POPUP | WS_CHILD);
 
 void SetKindOfWindow(HWND hWnd, DWORD nKind)
@@ -53,8 +56,17 @@ CCUIControlWindow::CCUIControlWindow()
 // window that was detached, nor when the base's destructor destroys the window.
 CCUIControlWindow::~CCUIControlWindow()
 {
-    if (GetPropA(m_hPropertyOwner, CUI_CONTROL_PROPERTY) == &m_propData)
+    PublishLayoutData(nullptr);
+}
+
+void CCUIControlWindow::PublishLayoutData(HWND hWnd)
+{
+    if (m_hPropertyOwner && GetPropA(m_hPropertyOwner, CUI_CONTROL_PROPERTY) == &m_propData)
         SetPropA(m_hPropertyOwner, CUI_CONTROL_PROPERTY, nullptr);
+    m_hPropertyOwner = hWnd;
+    if (hWnd)
+        CU_ASSERT_TEXT(SetPropA(hWnd, CUI_CONTROL_PROPERTY, &m_propData),
+                       "SetProp(*this, g_sControlWindowProp, (HANDLE)&m_propData)");
 }
 
 int CCUIControlWindow::PreCreate(CREATESTRUCTA *pCreate)
@@ -72,9 +84,7 @@ int CCUIControlWindow::OnCreate(CREATESTRUCTA *pCreate)
     const int nResult = CCUIWindow::OnCreate(pCreate);
     if (nResult == -1 || watch.IsGone())
         return nResult;
-    m_hPropertyOwner = m_hWnd;
-    CU_ASSERT_TEXT(SetPropA(m_hWnd, CUI_CONTROL_PROPERTY, &m_propData),
-                   "SetProp(*this, g_sControlWindowProp, (HANDLE)&m_propData)");
+    PublishLayoutData(m_hWnd);
     return nResult;
 }
 
@@ -298,4 +308,33 @@ void CCUIControlWindow::OnCancelMode()
         SetFullScreen(FALSE);
     if (!watch.IsGone())
         CCUIWindow::OnCancelMode();
+}
+
+bool CCUIControlWindow::IsInDialog() const
+{
+    const HWND hParent = m_hWnd ? GetParent(m_hWnd) : nullptr;
+    return hParent && GetClassLongA(hParent, GCW_ATOM) == DIALOG_ATOM;
+}
+
+void CCUIControlWindow::PassFocusOn()
+{
+    const HWND hWnd = m_hWnd;
+    const HWND hParent = GetParent(hWnd);
+    if (IsInDialog())
+        SendMessageA(hParent, WM_NEXTDLGCTL, 0, 0);
+    else
+        SendMessageA(hParent, CUI_WM_TABKEY, reinterpret_cast<WPARAM>(hWnd), 0);
+    if (GetFocus() == hWnd)
+        SetFocus(hParent);
+}
+
+CCUString CCUIControlWindow::TextOf(HWND hWnd)
+{
+    CCUString sText;
+    const int nLength = GetWindowTextLengthA(hWnd);
+    if (nLength > 0) {
+        GetWindowTextA(hWnd, sText.GetBuffer(nLength), nLength + 1);
+        sText.ReleaseBuffer();
+    }
+    return sText;
 }

@@ -3,8 +3,8 @@
 #include <commctrl.h>
 
 #include "Base/Module.h"
-#include "Base/SystemLibrary.h"
 #include "CU/Dump.h"
+#include "SystemControls/CommonControls.h"
 
 namespace {
 
@@ -18,18 +18,6 @@ TOOLINFOA ToolOf(HWND hTool)
     tool.cbSize = CCSIZEOF_STRUCT(TOOLINFOA, lpszText);
     tool.hwnd = hTool;
     return tool;
-}
-
-// The library stays: windows of its classes may be there until the process ends.
-bool LoadControls()
-{
-    static const HMODULE s_hControls = CULoadSystemLibrary("comctl32.dll");
-    typedef void WINAPI InitCall();
-    static const auto s_init = reinterpret_cast<InitCall *>(
-        s_hControls ? GetProcAddress(s_hControls, "InitCommonControls") : nullptr);
-    if (s_init)
-        s_init();
-    return s_init != nullptr;
 }
 
 HWND TopLevelOf(HWND hWnd)
@@ -94,7 +82,7 @@ bool CCUIToolTip::MakeWindow(HWND hTool)
     m_hTip = nullptr;
     if (s_bMissing)
         return false;
-    if (LoadControls())
+    if (CUILoadCommonControls())
         m_hTip = CreateWindowExA(WS_EX_TOPMOST, TOOLTIPS_CLASSA, nullptr, WS_POPUP | TTS_ALWAYSTIP,
                                  0, 0, 0, 0, hOwner, nullptr, CUInstance(), nullptr);
     if (!m_hTip) {
