@@ -60,7 +60,7 @@ HWND FindStopBehind(HWND hWnd, HWND hTop, bool bBack)
 }
 
 // Whether a dialog around the window moves the focus.
-bool IsInDialog(HWND hWnd)
+bool IsInsideDialog(HWND hWnd)
 {
     while (hWnd && (StyleOf(hWnd) & WS_CHILD)) {
         hWnd = GetParent(hWnd);
@@ -111,7 +111,7 @@ bool CCUILayoutWindow::MoveFocus(HWND hFrom)
     if (!hStop) {
         const LRESULT nTaken =
             SendMessageA(GetParent(m_hWnd), CUI_WM_TABKEY, reinterpret_cast<WPARAM>(m_hWnd), 0);
-        if (nTaken || watch.IsGone() || !m_hWnd || IsInDialog(m_hWnd))
+        if (nTaken || watch.IsGone() || !m_hWnd || IsInsideDialog(m_hWnd))
             return nTaken != 0;
         hStop = FindStop(EndOf(m_hWnd, bBack), bBack);
     }
