@@ -168,7 +168,6 @@ private:
     bool IsInside(const POINT &point) const;
     void PassFocusOn();
     CCUString GetTipText();
-    void PaintTo(HDC hDC, const RECT &update);
     HBRUSH GetBackground(HDC hDC);
     void ReadCues();
 

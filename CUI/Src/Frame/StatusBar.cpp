@@ -2,12 +2,12 @@
 
 #include <commctrl.h>
 
-#include "Base/GdiGuards.h"
 #include "CU/Assert.h"
 #include "CUI/Data.h"
 #include "CUI/Draw.h"
 #include "Command/CommandText.h"
-#include "Frame/BufferedPaint.h"
+#include "Drawing/BufferedPaint.h"
+#include "Drawing/Look.h"
 #include "Frame/StatusPane.h"
 
 #define CU_SOURCE "StatusBar"
@@ -266,23 +266,24 @@ void CCUIStatusBar::OnSized()
 void CCUIStatusBar::OnPaint(HDC hDC)
 {
     const CUIData *const pData = CUIGetWinData();
-    const CCUIBufferedPaint paint(m_hWnd, hDC);
-    const CCUISelect font(paint, pData->hStatusFont);
+    CCUIBufferedPaint paint(m_hWnd, hDC);
+    const HDC hPicture = paint.Begin(pData->hStatusFont);
     const unsigned long crWindow = m_propData.crWindow;
     const DWORD crText = pData->crSys[IsWindowEnabled(m_hWnd) ? COLOR_BTNTEXT : COLOR_GRAYTEXT];
     // With the brush where there can be one: of few colours it mixes what the frame around has.
     if (crWindow == CUI_NO_WINDOW_COLOR)
-        FillRect(paint, &paint.Area(), pData->hbrBtnFace);
+        FillRect(hPicture, &paint.Area(), pData->hbrBtnFace);
     else
-        CUIDCFillSolidRect(paint, &paint.Area(), pData->ResolveColor(crWindow));
+        CUIDCFillSolidRect(hPicture, &paint.Area(), pData->ResolveColor(crWindow));
     for (int i = 0; i < m_pPanes->Count(); ++i) {
         const CCUIStatusPane &pane = (*m_pPanes)[i];
         if (paint.Touches(pane.rc))
-            pane.Draw(paint, m_bHelp && i == 0 ? &m_sHelp : nullptr, pData->ResolveColor(crText));
+            pane.Draw(hPicture, m_bHelp && i == 0 ? &m_sHelp : nullptr,
+                      pData->ResolveColor(crText));
     }
     RECT rcGrip = GripRect();
     if (m_bGrip && paint.Touches(rcGrip))
-        DrawFrameControl(paint, &rcGrip, DFC_SCROLL, DFCS_SCROLLSIZEGRIP);
+        DrawFrameControl(hPicture, &rcGrip, DFC_SCROLL, DFCS_SCROLLSIZEGRIP);
 }
 
 void CCUIStatusBar::ReloadPictures()
