@@ -14,7 +14,7 @@ int WINAPI WinMain(HINSTANCE hInstance, HINSTANCE, LPSTR, int nShow)
     statusBar.CreateBar(frame);
     client.CreateEx(WS_EX_CLIENTEDGE, "EDIT", "", WS_CHILD | WS_VISIBLE | ES_MULTILINE, 0, 0, 0, 0,
                     frame, reinterpret_cast<HMENU>(3));
-    frame.AddBar(&bar, CCUIFrameWindow::SideTop);
+    frame.AddBar(&bar, CUI_BAR_TOP);
     frame.SetStatusBar(&statusBar, nullptr);
     frame.SetClient(&client);
     ShowWindow(frame, nShow);

@@ -23,9 +23,10 @@ public:
     void ShowHelp(const CCUString &sText) override { m_help += Text("[%s]", sText.GetString()); }
     void ClearHelp() override { m_help += "clear"; }
 
-    int GetSide() const { return m_nSide; }
+    CUIBarSide GetSide() const { return m_side; }
 
-    int m_nMoves = 0, m_nSide = CCUIFrameWindow::SideLeft;
+    int m_nMoves = 0;
+    CUIBarSide m_side = CUI_BAR_LEFT;
     std::string m_help;
 };
 
@@ -62,7 +63,7 @@ class CFullFrame : public CTestFrame
 public:
     CFullFrame()
     {
-        AddBar(&m_bar, SideTop);
+        AddBar(&m_bar, CUI_BAR_TOP);
         SetStatusBar(&m_status);
         SetClient(&m_client);
         SetMenu(GetModuleHandleA(nullptr), MAKEINTRESOURCEA(700));
@@ -85,12 +86,12 @@ TEST(FrameWindow, PutsBarsAroundItsClientAndMovesOnlyWhatStandsWrong)
     CTestFrame frame;
     CBar top(frame, 30), hidden(frame, 10, 0), left(frame, 40), right(frame, 7), below(frame, 5),
         status(frame, 20), client(frame, 0), elsewhere(stranger, 5);
-    EXPECT_EQ(1, frame.AddBar(&top, CCUIFrameWindow::SideTop));
-    EXPECT_EQ(0, frame.AddBar(&elsewhere, CCUIFrameWindow::SideTop));
-    frame.AddBar(&hidden, CCUIFrameWindow::SideTop);
-    frame.AddBar(&left, CCUIFrameWindow::SideLeft);
-    frame.AddBar(&right, CCUIFrameWindow::SideRight);
-    frame.AddBar(&below, CCUIFrameWindow::SideBottom);
+    EXPECT_EQ(1, frame.AddBar(&top, CUI_BAR_TOP));
+    EXPECT_EQ(0, frame.AddBar(&elsewhere, CUI_BAR_TOP));
+    frame.AddBar(&hidden, CUI_BAR_TOP);
+    frame.AddBar(&left, CUI_BAR_LEFT);
+    frame.AddBar(&right, CUI_BAR_RIGHT);
+    frame.AddBar(&below, CUI_BAR_BOTTOM);
     frame.SetStatusBar(&status, nullptr);
     frame.SetClient(&client);
     RECT rc;
@@ -111,7 +112,7 @@ TEST(FrameWindow, PutsBarsAroundItsClientAndMovesOnlyWhatStandsWrong)
         {"no step", [&] { CFailPlan::Start(1), MoveWindow(frame, 0, 0, 500, 350, FALSE); }, 50, 40,
          "1 1"},
         {"destroyed", [&] { hidden.Destroy(); }, 50, 30, "1 0"},
-        {"other side", [&] { frame.AddBar(&left, CCUIFrameWindow::SideTop); }, 0, 80, "1 0"},
+        {"other side", [&] { frame.AddBar(&left, CUI_BAR_TOP); }, 0, 80, "1 0"},
         {"its own side", [&] { frame.AddBar(&left); }, 50, 30, "1 0"},
         {"removed", [&] { frame.RemoveBar(&left); }, 0, 30, "1 0"},
     };
@@ -137,10 +138,10 @@ TEST(FrameWindow, SurvivesWhateverGoesMeanwhileAndAClassThatTheSystemRefuses)
     auto frame = std::make_unique<CTestFrame>();
     auto bar = std::make_unique<CBar>(*frame, 20), client = std::make_unique<CBar>(*frame, 0),
          detached = std::make_unique<CBar>(*frame, 30);
-    frame->AddBar(bar.get(), CCUIFrameWindow::SideTop);
+    frame->AddBar(bar.get(), CUI_BAR_TOP);
     frame->SetStatusBar(bar.get(), bar.get());
     frame->SetClient(client.get());
-    frame->AddBar(detached.get(), CCUIFrameWindow::SideTop);
+    frame->AddBar(detached.get(), CUI_BAR_TOP);
     detached->Detach();
     detached.reset();
     bar.reset();

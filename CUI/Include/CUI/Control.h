@@ -87,7 +87,7 @@ public:
     unsigned int GetState() const { return m_nState; }
     /// Does what a click does. Nothing without a window or while it is disabled.
     void Click();
-    /// The size that the content needs, in pixels.
+    /// The size that the content needs, in pixels; the answer to CUI_WM_NATURALSIZE.
     virtual void GetNaturalSize(SIZE &size);
 
     int PreCreate(CREATESTRUCTA *pCreate) override;
@@ -110,7 +110,9 @@ protected:
     /// @{
     void SetState(unsigned int nBits, bool bOn);  ///< repaints if one of m_nShownStates changes
     void Repaint();                               ///< soon, all of it
-    void TellParent(UINT nCode);                  ///< WM_COMMAND; it may delete the control
+    void
+    ContentChanged();  ///< repaints, and tells a layout that it fits to; it may delete the control
+    void TellParent(UINT nCode);                          ///< WM_COMMAND; it may delete the control
     bool IsHeld() const { return m_press != PressNone; }  ///< by mouse or key, pressed or not
     const SIZE &GetTextSize();                            ///< pixels, on one line if it has no '\n'
     /// Draws the text with DrawText's flags, as the state wants it.

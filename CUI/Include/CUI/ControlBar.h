@@ -4,6 +4,7 @@
 /// Bars of buttons at the sides of a window.
 
 #include "CU/String.h"
+#include "CUI/BarSide.h"
 #include "CUI/Bitmap.h"
 #include "CUI/ControlWindow.h"
 #include "CUI/Platform.h"
@@ -11,15 +12,6 @@
 class CCUIBarItem;
 class CCUIBarItems;
 class CCUIMenu;
-
-/// The side of its parent that a bar is at.
-enum CUIBarSide
-{
-    CUI_BAR_TOP,     ///< across, as is the next
-    CUI_BAR_BOTTOM,  ///< under what the parent shows
-    CUI_BAR_LEFT,    ///< upright, as is the next
-    CUI_BAR_RIGHT    ///< behind what the parent shows
-};
 
 /// A bar of command buttons, separators and windows of any kind: a toolbar. The buttons are drawn
 /// by the bar itself. They show what their commands' handlers say, at once and after each idle

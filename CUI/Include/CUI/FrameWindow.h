@@ -4,6 +4,7 @@
 /// The main window of a program.
 
 #include "CU/String.h"
+#include "CUI/BarSide.h"
 #include "CUI/ControlWindow.h"
 #include "CUI/HelpText.h"
 #include "CUI/ResourceName.h"
@@ -33,15 +34,6 @@ class CCUIRecentFiles;
 class CUI_API CCUIFrameWindow : public CCUIWindow
 {
 public:
-    /// Where a bar stands.
-    enum Side
-    {
-        SideTop,     ///< from the left to the right, at the upper edge of the room left
-        SideBottom,  ///< the same at the lower edge
-        SideLeft,    ///< from the top to the bottom, at the left edge of the room left
-        SideRight    ///< the same at the right edge
-    };
-
     /// Bound to no window; routes commands.
     CCUIFrameWindow();
     ~CCUIFrameWindow() override;
@@ -101,14 +93,14 @@ public:
     /// GetFixedSize() and as long as the room that the bars before it have left; added again, it
     /// goes to the other side and keeps its turn. A hidden bar takes no room. 1, or 0 where it has
     /// no window in this frame.
-    int AddBar(CCUIControlWindow *pBar, Side side);
-    /// The same of a bar that knows its side itself and tells changes of it as a layout (a control
-    /// bar, which the user drags): its GetSide() is asked, whose values are those of Side.
+    int AddBar(CCUIControlWindow *pBar, CUIBarSide side);
+    /// The same of a bar that knows its side itself, as a control bar does, which the user drags:
+    /// its GetSide() is asked with each layout.
     template <typename Bar>
     int AddBar(Bar *pBar)
     {
-        return AddBar(pBar, SideTop, [](CCUIControlWindow *pAsked) {
-            return static_cast<Side>(static_cast<Bar *>(pAsked)->GetSide());
+        return AddBar(pBar, CUI_BAR_TOP, [](CCUIControlWindow *pAsked) {
+            return static_cast<Bar *>(pAsked)->GetSide();
         });
     }
     /// The frame forgets the bar, which stays where it is.
@@ -172,7 +164,9 @@ public:
     /// opens the arguments that begin neither with "/" nor with "-", one after the other.
     virtual void OnCommandLine(const CCUString &sCommandLine, const CCUString &sFolder);
 
-    /// Keys of full screen.
+    /// The accelerators come first. Behind them, of what nobody inside takes: Alt with a character
+    /// that is a mnemonic in the frame (CUITranslateMnemonic), F6 for the next control bar, with
+    /// Shift the one before (CCUIControlBar::ActivateNext), and the Escape of full screen.
     int PreTranslateMessage(MSG *pMsg) override;
 
 protected:
@@ -206,8 +200,9 @@ private:
     friend class CCUIFrameDocks;
     friend class CCUIRecentFiles;
 
-    typedef Side SideOf(CCUIControlWindow *pBar);
-    int AddBar(CCUIControlWindow *pBar, Side side, SideOf *pSideOf);
+    typedef CUIBarSide SideOf(CCUIControlWindow *pBar);
+    int AddBar(CCUIControlWindow *pBar, CUIBarSide side, SideOf *pSideOf);
+    bool TranslateOwnKey(const MSG &msg);
     bool Ask();
     void End();
     void KeepPlacement();

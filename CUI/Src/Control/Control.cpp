@@ -8,6 +8,7 @@
 #include "CUI/CommandHandler.h"
 #include "CUI/CommandMap.h"
 #include "CUI/Data.h"
+#include "CUI/LayoutWindow.h"
 #include "Control/ControlTip.h"
 #include "Drawing/BufferedPaint.h"
 #include "Drawing/Look.h"
@@ -160,17 +161,12 @@ long CCUIControl::OnMessage(UINT message, WPARAM wParam, LPARAM lParam)
         const long nResult = Default();
         if (!watch.IsGone() && m_hWnd) {
             m_sText = TextOf(m_hWnd);
-            m_textSize.cx = -1;
-            Repaint();
+            ContentChanged();
         }
         return nResult;
     }
-    case WM_SETFONT:
-        m_hFont = reinterpret_cast<HFONT>(wParam);
-        m_textSize.cx = -1;
-        if (LOWORD(lParam))
-            Repaint();
-        return 0;
+    case WM_SETFONT: SetFont(reinterpret_cast<HFONT>(wParam)); return 0;
+    case CUI_WM_NATURALSIZE: GetNaturalSize(*reinterpret_cast<SIZE *>(lParam)); return 1;
     case WM_GETFONT: return reinterpret_cast<long>(m_hFont);
     case WM_PRINTCLIENT: OnPaint(reinterpret_cast<HDC>(wParam)); return 0;
     case BM_CLICK: {
@@ -218,14 +214,22 @@ void CCUIControl::SetText(const char *pszText)
         return;
     }
     m_sText = pszText;
+    ContentChanged();
+}
+
+void CCUIControl::ContentChanged()
+{
     m_textSize.cx = -1;
+    Repaint();
+    if (m_hWnd && (m_propData.nLayoutFlags & CUI_PLACE_FIT))
+        SendMessageA(GetParent(m_hWnd), CUI_WM_LAYOUT, reinterpret_cast<WPARAM>(m_hWnd),
+                     CUI_LAYOUT_CHANGED);
 }
 
 void CCUIControl::SetFont(HFONT hFont)
 {
     m_hFont = hFont;
-    m_textSize.cx = -1;
-    Repaint();
+    ContentChanged();
 }
 
 void CCUIControl::SetTextColor(DWORD crText)
@@ -247,9 +251,10 @@ void CCUIControl::OnSysColorChange()
 
 void CCUIControl::OnWinIniChange(WPARAM nAction, const char *section)
 {
-    m_textSize.cx = -1;
-    Repaint();
-    CCUIControlWindow::OnWinIniChange(nAction, section);
+    CWatch watch(this);
+    ContentChanged();
+    if (!watch.IsGone() && m_hWnd)
+        CCUIControlWindow::OnWinIniChange(nAction, section);
 }
 
 const SIZE &CCUIControl::GetTextSize()

@@ -4,7 +4,7 @@
 #include "Base/Module.h"
 #include "Base/Wrap.h"
 #include "Dialog/LineEnds.h"
-#include "Window/WorkArea.h"
+#include "Window/Screen.h"
 
 namespace {
 
@@ -59,7 +59,7 @@ CArrangement::CArrangement(HWND hBox, const CCUIMessageContent &content)
       m_hFont(reinterpret_cast<HFONT>(SendMessageA(hBox, WM_GETFONT, 0, 0))),
       m_dc(hBox),
       m_select(m_dc, m_hFont ? m_hFont : GetStockObject(SYSTEM_FONT)),
-      m_work(CUIWorkArea(GetWindow(hBox, GW_OWNER))),
+      m_work(),
       m_margin(Units(7, 7)),
       m_gap(Units(4, 4)),
       m_icon(),
@@ -70,8 +70,11 @@ CArrangement::CArrangement(HWND hBox, const CCUIMessageContent &content)
       m_button(),
       m_nPerRow(1)
 {
+    const HWND hOwner = GetWindow(hBox, GW_OWNER);
     RECT window;
     RECT client;
+    m_work = hOwner && GetWindowRect(hOwner, &window) ? CUIScreenOf(window).work
+                                                      : CUIPrimaryScreen().work;
     GetWindowRect(hBox, &window);
     GetClientRect(hBox, &client);
     m_frame = {window.right - window.left - client.right,

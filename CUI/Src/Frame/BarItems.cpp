@@ -146,27 +146,37 @@ int CCUIBarItems::Thickness(bool bVertical)
     return m_nAcross + 2 * CUIScale(MARGIN);
 }
 
+// What stands upright has no room for it.
+bool CCUIBarItems::IsTooWide(const CCUIBarItem &item, bool bVertical) const
+{
+    return bVertical && item.hControl && item.size.cx > m_nAcross;
+}
+
+int CCUIBarItems::Length(bool bVertical) const
+{
+    int nLength = Grip() + CUIScale(MARGIN);
+    for (int i = 0; i < Count(); ++i) {
+        if (!IsTooWide(*m_items[i], bVertical))
+            nLength += Along(m_items[i]->size, bVertical);
+    }
+    return nLength;
+}
+
 void CCUIBarItems::Layout(bool bVertical, int cx, int cy)
 {
     m_bVertical = bVertical;
     const int nMargin = CUIScale(MARGIN);
     int nEnd = (bVertical ? cy : cx) - nMargin;
-    int nNeeded = Grip();
-    bool bOverflow = false;
-    for (int i = 0; i < Count(); ++i) {
-        CCUIBarItem &item = (*this)[i];
-        const bool bTooWide = bVertical && item.hControl && item.size.cx > m_nAcross;
-        bOverflow = bOverflow || (bTooWide && item.GetCommand());
-        nNeeded += bTooWide ? 0 : Along(item.size, bVertical);
-    }
-    bOverflow = bOverflow || nNeeded > nEnd;
+    bool bOverflow = Length(bVertical) - nMargin > nEnd;
+    for (int i = 0; i < Count(); ++i)
+        bOverflow = bOverflow || (m_items[i]->GetCommand() && IsTooWide(*m_items[i], bVertical));
     if (bOverflow)
         nEnd -= CUIScale(OVERFLOW_BUTTON);
     int nAt = Grip();
     bool bFull = false;
     for (int i = 0; i < Count(); ++i) {
         CCUIBarItem &item = (*this)[i];
-        const bool bTooWide = bVertical && item.hControl && item.size.cx > m_nAcross;
+        const bool bTooWide = IsTooWide(item, bVertical);
         const int nLength = Along(item.size, bVertical);
         bFull = bFull || (!bTooWide && nAt + nLength > nEnd);
         item.rcBefore = item.rc;

@@ -62,6 +62,8 @@ public:
     int Thickness(bool bVertical);
     // Buttons are measured anew: the font, the pictures or the texts are others.
     void ForgetSizes();
+    // The length that all of them need, for a bar of that thickness.
+    int Length(bool bVertical) const;
     // Gives each its place in a bar of that size. What has none is hidden from the first on that
     // does not fit, and windows that are too wide for a vertical bar.
     void Layout(bool bVertical, int cx, int cy);
@@ -92,6 +94,7 @@ public:
 
 private:
     bool HasPicture(const CCUIBarItem &item) const;
+    bool IsTooWide(const CCUIBarItem &item, bool bVertical) const;
     void Measure(CCUIBarItem &item, HDC hDC) const;
     void DrawButton(HDC hDC, const CCUIBarItem &item, CCUIBarLook look, bool bEnabled) const;
     void DrawPicture(HDC hDC, const RECT &rc, const CCUIBarItem &item, int x, bool bEnabled) const;

@@ -2,6 +2,7 @@
 
 #include "CUI/ControlBar.h"
 
+#include "CUI/LayoutWindow.h"
 #include "CUI/Menu.h"
 #include "CUI/ToolTip.h"
 #include "Command/CommandText.h"
@@ -469,6 +470,14 @@ bool CCUIControlBar::Handle(UINT message, WPARAM wParam, LPARAM lParam, long &re
 {
     switch (message) {
     case WM_ERASEBKGND: result = 1; return true;
+    case CUI_WM_NATURALSIZE: {
+        SIZE &size = *reinterpret_cast<SIZE *>(lParam);
+        const int nThickness = m_pItems->Thickness(IsVertical());
+        const int nLength = m_pItems->Length(IsVertical());
+        size.cx = IsVertical() ? nThickness : nLength;
+        size.cy = IsVertical() ? nLength : nThickness;
+        return true;
+    }
     case WM_MENUSELECT: SendMessageA(Target(), message, wParam, lParam); return true;
     case WM_SYSCOLORCHANGE: CUIReloadSystemColors(m_pItems->m_strip); break;
     case WM_MOUSELEAVE: MouseHasLeft(); break;

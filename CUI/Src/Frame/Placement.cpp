@@ -4,7 +4,7 @@
 
 #include "Base/Wrap.h"
 
-#include "Frame/Screen.h"
+#include "Window/Screen.h"
 
 namespace {
 

@@ -12,13 +12,6 @@
 
 #define CU_SOURCE "StatusBar"
 
-namespace {
-
-// What OnMenuSelect hears when a menu has closed.
-const UINT MENU_CLOSED = 0xFFFF;
-
-}  // namespace
-
 CCUIStatusBar::CCUIStatusBar() : m_pPanes(new CCUIStatusPanes), m_bHelp(false), m_bGrip(false)
 {
     CCUIStatusBar::AddPane(CUI_PANE_STRETCH, 1);
@@ -167,15 +160,13 @@ void CCUIStatusBar::ClearHelp()
 
 void CCUIStatusBar::ShowCommandHelp(UINT nID, UINT nFlags)
 {
-    const bool bCommand = nFlags != MENU_CLOSED && !(nFlags & (MF_POPUP | MF_SYSMENU));
-    CCUICommandHandler *const pHandler = bCommand ? CUIFindCommand(nID) : nullptr;
-    if (!pHandler) {
-        ClearHelp();
-        return;
-    }
     CWatch watch(this);
-    const CCUString sText = pHandler->GetLongTT(nID);
-    if (!watch.IsGone())
+    const CCUString sText = CUICommandHelp(nID, nFlags);
+    if (watch.IsGone())
+        return;
+    if (sText.IsEmpty())
+        ClearHelp();
+    else
         ShowHelp(sText);
 }
 
