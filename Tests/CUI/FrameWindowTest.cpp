@@ -1,11 +1,18 @@
 // A frame, its children and what the user and the system do to it.
+#include "Base/GdiGuards.h"
+#include "CUI/Button.h"
 #include "CUI/CommandHandler.h"
+#include "CUI/CommandMap.h"
+#include "CUI/ControlBar.h"
 #include "CUI/Data.h"
+#include "CUI/LayoutWindow.h"
+#include "CUI/StatusBar.h"
 #include "CUI/WindowClass.h"
 #include "FrameFixture.h"
 #include "Support/FailingCall.h"
 #include "Support/GdiCount.h"
 #include "Support/HeapWatch.h"
+#include "Support/PixelMap.h"
 #include "Support/Reports.h"
 
 namespace {
@@ -312,6 +319,71 @@ TEST(FrameWindow, ShowsTheHelpOfMenuItems)
         SendMessageA(frame, WM_MENUSELECT, MAKEWPARAM(item[0], item[1]), item[1] != 0xFFFF);
     EXPECT_EQ("[Opens a file][][][]clear", frame.m_status.m_help);
     EXPECT_EQ(0, reports.Total());
+}
+
+TEST(FrameWindow, HoldsControlBarsAndAStatusBarTogether)
+{
+    CCommand command;
+    CTestFrame frame;
+    CCUIControlBar bar, second;
+    CCUIStatusBar status;
+    CCUILayoutWindow client(CCUILayoutWindow::Row);
+    const unsigned ids[] = {1700};
+    for (CCUIControlBar *pBar : {&bar, &second}) {
+        pBar->CreateBar(frame, 1);
+        pBar->SetButtons(ids, 1);
+        frame.AddBar(pBar);
+    }
+    status.CreateBar(frame, 2);
+    status.SetText(0, "Ready");
+    frame.SetStatusBar(&status);
+    client.Create(nullptr, "", WS_CHILD | WS_VISIBLE, {0, 0, 0, 0}, frame, 3);
+    frame.SetClient(&client);
+    frame.BringToFront();
+    const LONG nThick = bar.GetFixedSize(), nStatus = status.GetFixedSize();
+    EXPECT_EQ(Rest(frame, 0, 2 * nThick, 0, nStatus), PlaceOf(client));
+    // The user drags a bar to the left, and what is around follows.
+    PostMessageA(bar, WM_MOUSEMOVE, 0, MAKELPARAM(3, 120));
+    PostMessageA(bar, WM_LBUTTONUP, 0, MAKELPARAM(3, 120));
+    SendMessageA(bar, WM_LBUTTONDOWN, 0, MAKELPARAM(3, 5));
+    EXPECT_EQ(CUI_BAR_LEFT, bar.GetSide());
+    EXPECT_EQ(Rest(frame, bar.GetFixedSize(), nThick, 0, nStatus), PlaceOf(client));
+    // A button under the mouse, or lit by the keyboard, has its help in the status bar.
+    const auto look = [&] {
+        UpdateWindow(status);
+        return ReadPixels(CCUIWindowDC(status), 200, nStatus);
+    };
+    const auto shown = [&] {
+        const CPixelMap before = look();
+        status.ShowHelp("Opens a file");
+        return look() == before;
+    };
+    const auto pressF6 = [&] { PressKey(GetFocus(), VK_F6); };
+    SendMessageA(second, WM_MOUSEMOVE, 0, MAKELPARAM(12, 8));
+    EXPECT_TRUE(shown());
+    SendMessageA(second, WM_MOUSELEAVE, 0, 0);
+    EXPECT_FALSE(shown());
+    for (const HWND hExpected : {bar.GetHandle(), second.GetHandle(), client.GetHandle()}) {
+        pressF6();
+        EXPECT_EQ(hExpected, GetFocus());
+        EXPECT_EQ(hExpected != client.GetHandle(), shown());
+        status.ClearHelp();
+    }
+    // Alt with a mnemonic, and a control that tells the layout its size.
+    CCUIButton button;
+    button.SetCommand(1700);
+    button.CreateControl(client, 1700, "&Open");
+    button.SetLayoutFlags(CUI_PLACE_FIT);
+    CCUICommandMap::IdleUpdate();
+    SIZE size = {};
+    button.GetNaturalSize(size);
+    EXPECT_EQ(Text("0,0,%ld,%ld", size.cx, size.cy), PlaceOf(button));
+    button.SetText("&Open the file that was open before");
+    button.GetNaturalSize(size);
+    EXPECT_EQ(Text("0,0,%ld,%ld", size.cx, size.cy), PlaceOf(button));
+    MSG msg = {bar, WM_SYSCHAR, 'o', 0, 0, {}};
+    EXPECT_TRUE(CCUIWindow::PerformPreTranslation(&msg));
+    EXPECT_EQ(1, command.m_nDone);
 }
 
 TEST(FrameWindow, OpensWhatIsDroppedAndWhatACommandLineNames)
