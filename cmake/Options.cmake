@@ -16,7 +16,7 @@ if(AUTORUN_CHECKED)
     $<$<COMPILE_LANGUAGE:CXX>:-fsanitize=undefined -fsanitize-undefined-trap-on-error>)
 endif()
 
-# Frame pointers cost below 1 % of size and let a stack be walked on machines without debug
+# Frame pointers cost 4 % of the code and let a stack be walked on machines without debug
 # information; unwind tables would not.
 add_library(autorun_product INTERFACE)
 target_link_libraries(autorun_product INTERFACE autorun_warnings autorun_platform Base)
