@@ -2,9 +2,12 @@
 
 #include "CU/File.h"
 #include "CUI/CommandHandler.h"
+#include "CUI/ControlBar.h"
 #include "CUI/FrameWindow.h"
+#include "CUI/MessageBox.h"
 #include "CUI/RecentFiles.h"
 #include "CUI/SingleInstance.h"
+#include "CUI/StatusBar.h"
 #include "Resource.h"
 
 class CNotes : public CCUIFrameWindow, private CCUICommandHandler
@@ -32,6 +35,12 @@ protected:
         const HINSTANCE hInstance = GetModuleHandle(nullptr);
         m_edit.Create("EDIT", "", WS_CHILD | WS_VISIBLE | WS_VSCROLL | ES_MULTILINE, {}, *this, 1);
         SetClient(&m_edit);
+        const unsigned buttons[] = {ID_SAVE, 0, ID_FULL_SCREEN};
+        m_bar.CreateBar(*this, 2, "Commands");
+        m_bar.SetButtons(buttons, 3);
+        AddBar(&m_bar);
+        m_status.CreateBar(*this, 3);
+        SetStatusBar(&m_status);
         SetMenu(hInstance, MAKEINTRESOURCE(IDR_NOTES));
         SetAccelerators(hInstance, MAKEINTRESOURCE(IDR_NOTES));
         AcceptFiles(true);
@@ -49,8 +58,8 @@ protected:
 
     bool QueryClose() override
     {
-        const int nAnswer = IsModified() ? MessageBoxA(*this, "Save the text?", "Notes",
-                                                       MB_YESNOCANCEL | MB_ICONQUESTION)
+        const int nAnswer = IsModified() ? CUIMessageBox(this, "Save the text?", "Notes",
+                                                         MB_YESNOCANCEL | MB_ICONQUESTION)
                                          : IDNO;
         return nAnswer == IDNO || (nAnswer == IDYES && Save());
     }
@@ -69,6 +78,16 @@ private:
     {
         return nID == ID_SAVE && !IsModified() ? 0 : CUI_COMMAND_ACTIVE;
     }
+    CCUString GetShortTT(unsigned nID) override
+    {
+        return nID == ID_SAVE ? "&Save\tCtrl+S" : "&Full screen\tF11";
+    }
+    CCUString GetLongTT(unsigned nID) override
+    {
+        return nID == ID_SAVE          ? "Writes the text to its file"
+               : nID == ID_FULL_SCREEN ? "Shows the text alone, or all again"
+                                       : "Closes the program";
+    }
 
     bool Save()
     {
@@ -86,6 +105,8 @@ private:
     }
 
     CCUIWindow m_edit;
+    CCUIControlBar m_bar;
+    CCUIStatusBar m_status;
     CCUIRecentFiles m_recent;
 };
 

@@ -224,10 +224,14 @@ TEST(ControlBar, PressesWhatTheMouseGoesDownAndUpOn)
     // Under the mouse a button has its help and its tip.
     bar->Mouse(WM_MOUSEMOVE, 1);
     bar->Mouse(WM_MOUSEMOVE, 1, 2);
-    NMTTDISPINFOA info = {};
-    info.hdr = {FindWindowA(TOOLTIPS_CLASSA, nullptr), 0, TTN_NEEDTEXTA};
-    SendMessageA(*bar, WM_NOTIFY, 0, reinterpret_cast<LPARAM>(&info));
-    EXPECT_STREQ("Save & go", info.lpszText);
+    char szTip[80] = "";
+    TOOLINFOA tool = {};
+    tool.cbSize = TTTOOLINFOA_V1_SIZE;
+    tool.hwnd = *bar;
+    tool.lpszText = szTip;
+    SendMessageA(FindWindowA(TOOLTIPS_CLASSA, nullptr), TTM_GETTEXTA, 0,
+                 reinterpret_cast<LPARAM>(&tool));
+    EXPECT_STREQ("&Save && go", szTip);
     bar->Mouse(WM_MOUSEMOVE, 3);
     SendMessageA(*bar, WM_MOUSELEAVE, 0, 0);
     EXPECT_EQ("help1001 help1002 help0 ", parent.Told());

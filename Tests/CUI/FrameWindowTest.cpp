@@ -1,11 +1,18 @@
 // A frame, its children and what the user and the system do to it.
+#include "Base/GdiGuards.h"
+#include "CUI/Button.h"
 #include "CUI/CommandHandler.h"
+#include "CUI/CommandMap.h"
+#include "CUI/ControlBar.h"
 #include "CUI/Data.h"
+#include "CUI/LayoutWindow.h"
+#include "CUI/StatusBar.h"
 #include "CUI/WindowClass.h"
 #include "FrameFixture.h"
 #include "Support/FailingCall.h"
 #include "Support/GdiCount.h"
 #include "Support/HeapWatch.h"
+#include "Support/PixelMap.h"
 #include "Support/Reports.h"
 
 namespace {
@@ -23,9 +30,10 @@ public:
     void ShowHelp(const CCUString &sText) override { m_help += Text("[%s]", sText.GetString()); }
     void ClearHelp() override { m_help += "clear"; }
 
-    int GetSide() const { return m_nSide; }
+    CUIBarSide GetSide() const { return m_side; }
 
-    int m_nMoves = 0, m_nSide = CCUIFrameWindow::SideLeft;
+    int m_nMoves = 0;
+    CUIBarSide m_side = CUI_BAR_LEFT;
     std::string m_help;
 };
 
@@ -62,7 +70,7 @@ class CFullFrame : public CTestFrame
 public:
     CFullFrame()
     {
-        AddBar(&m_bar, SideTop);
+        AddBar(&m_bar, CUI_BAR_TOP);
         SetStatusBar(&m_status);
         SetClient(&m_client);
         SetMenu(GetModuleHandleA(nullptr), MAKEINTRESOURCEA(700));
@@ -85,12 +93,12 @@ TEST(FrameWindow, PutsBarsAroundItsClientAndMovesOnlyWhatStandsWrong)
     CTestFrame frame;
     CBar top(frame, 30), hidden(frame, 10, 0), left(frame, 40), right(frame, 7), below(frame, 5),
         status(frame, 20), client(frame, 0), elsewhere(stranger, 5);
-    EXPECT_EQ(1, frame.AddBar(&top, CCUIFrameWindow::SideTop));
-    EXPECT_EQ(0, frame.AddBar(&elsewhere, CCUIFrameWindow::SideTop));
-    frame.AddBar(&hidden, CCUIFrameWindow::SideTop);
-    frame.AddBar(&left, CCUIFrameWindow::SideLeft);
-    frame.AddBar(&right, CCUIFrameWindow::SideRight);
-    frame.AddBar(&below, CCUIFrameWindow::SideBottom);
+    EXPECT_EQ(1, frame.AddBar(&top, CUI_BAR_TOP));
+    EXPECT_EQ(0, frame.AddBar(&elsewhere, CUI_BAR_TOP));
+    frame.AddBar(&hidden, CUI_BAR_TOP);
+    frame.AddBar(&left, CUI_BAR_LEFT);
+    frame.AddBar(&right, CUI_BAR_RIGHT);
+    frame.AddBar(&below, CUI_BAR_BOTTOM);
     frame.SetStatusBar(&status, nullptr);
     frame.SetClient(&client);
     RECT rc;
@@ -111,7 +119,7 @@ TEST(FrameWindow, PutsBarsAroundItsClientAndMovesOnlyWhatStandsWrong)
         {"no step", [&] { CFailPlan::Start(1), MoveWindow(frame, 0, 0, 500, 350, FALSE); }, 50, 40,
          "1 1"},
         {"destroyed", [&] { hidden.Destroy(); }, 50, 30, "1 0"},
-        {"other side", [&] { frame.AddBar(&left, CCUIFrameWindow::SideTop); }, 0, 80, "1 0"},
+        {"other side", [&] { frame.AddBar(&left, CUI_BAR_TOP); }, 0, 80, "1 0"},
         {"its own side", [&] { frame.AddBar(&left); }, 50, 30, "1 0"},
         {"removed", [&] { frame.RemoveBar(&left); }, 0, 30, "1 0"},
     };
@@ -137,10 +145,10 @@ TEST(FrameWindow, SurvivesWhateverGoesMeanwhileAndAClassThatTheSystemRefuses)
     auto frame = std::make_unique<CTestFrame>();
     auto bar = std::make_unique<CBar>(*frame, 20), client = std::make_unique<CBar>(*frame, 0),
          detached = std::make_unique<CBar>(*frame, 30);
-    frame->AddBar(bar.get(), CCUIFrameWindow::SideTop);
+    frame->AddBar(bar.get(), CUI_BAR_TOP);
     frame->SetStatusBar(bar.get(), bar.get());
     frame->SetClient(client.get());
-    frame->AddBar(detached.get(), CCUIFrameWindow::SideTop);
+    frame->AddBar(detached.get(), CUI_BAR_TOP);
     detached->Detach();
     detached.reset();
     bar.reset();
@@ -311,6 +319,71 @@ TEST(FrameWindow, ShowsTheHelpOfMenuItems)
         SendMessageA(frame, WM_MENUSELECT, MAKEWPARAM(item[0], item[1]), item[1] != 0xFFFF);
     EXPECT_EQ("[Opens a file][][][]clear", frame.m_status.m_help);
     EXPECT_EQ(0, reports.Total());
+}
+
+TEST(FrameWindow, HoldsControlBarsAndAStatusBarTogether)
+{
+    CCommand command;
+    CTestFrame frame;
+    CCUIControlBar bar, second;
+    CCUIStatusBar status;
+    CCUILayoutWindow client(CCUILayoutWindow::Row);
+    const unsigned ids[] = {1700};
+    for (CCUIControlBar *pBar : {&bar, &second}) {
+        pBar->CreateBar(frame, 1);
+        pBar->SetButtons(ids, 1);
+        frame.AddBar(pBar);
+    }
+    status.CreateBar(frame, 2);
+    status.SetText(0, "Ready");
+    frame.SetStatusBar(&status);
+    client.Create(nullptr, "", WS_CHILD | WS_VISIBLE, {0, 0, 0, 0}, frame, 3);
+    frame.SetClient(&client);
+    frame.BringToFront();
+    const LONG nThick = bar.GetFixedSize(), nStatus = status.GetFixedSize();
+    EXPECT_EQ(Rest(frame, 0, 2 * nThick, 0, nStatus), PlaceOf(client));
+    // The user drags a bar to the left, and what is around follows.
+    PostMessageA(bar, WM_MOUSEMOVE, 0, MAKELPARAM(3, 120));
+    PostMessageA(bar, WM_LBUTTONUP, 0, MAKELPARAM(3, 120));
+    SendMessageA(bar, WM_LBUTTONDOWN, 0, MAKELPARAM(3, 5));
+    EXPECT_EQ(CUI_BAR_LEFT, bar.GetSide());
+    EXPECT_EQ(Rest(frame, bar.GetFixedSize(), nThick, 0, nStatus), PlaceOf(client));
+    // A button under the mouse, or lit by the keyboard, has its help in the status bar.
+    const auto look = [&] {
+        UpdateWindow(status);
+        return ReadPixels(CCUIWindowDC(status), 200, nStatus);
+    };
+    const auto shown = [&] {
+        const CPixelMap before = look();
+        status.ShowHelp("Opens a file");
+        return look() == before;
+    };
+    const auto pressF6 = [&] { PressKey(GetFocus(), VK_F6); };
+    SendMessageA(second, WM_MOUSEMOVE, 0, MAKELPARAM(12, 8));
+    EXPECT_TRUE(shown());
+    SendMessageA(second, WM_MOUSELEAVE, 0, 0);
+    EXPECT_FALSE(shown());
+    for (const HWND hExpected : {bar.GetHandle(), second.GetHandle(), client.GetHandle()}) {
+        pressF6();
+        EXPECT_EQ(hExpected, GetFocus());
+        EXPECT_EQ(hExpected != client.GetHandle(), shown());
+        status.ClearHelp();
+    }
+    // Alt with a mnemonic, and a control that tells the layout its size.
+    CCUIButton button;
+    button.SetCommand(1700);
+    button.CreateControl(client, 1700, "&Open");
+    button.SetLayoutFlags(CUI_PLACE_FIT);
+    CCUICommandMap::IdleUpdate();
+    SIZE size = {};
+    button.GetNaturalSize(size);
+    EXPECT_EQ(Text("0,0,%ld,%ld", size.cx, size.cy), PlaceOf(button));
+    button.SetText("&Open the file that was open before");
+    button.GetNaturalSize(size);
+    EXPECT_EQ(Text("0,0,%ld,%ld", size.cx, size.cy), PlaceOf(button));
+    MSG msg = {bar, WM_SYSCHAR, 'o', 0, 0, {}};
+    EXPECT_TRUE(CCUIWindow::PerformPreTranslation(&msg));
+    EXPECT_EQ(1, command.m_nDone);
 }
 
 TEST(FrameWindow, OpensWhatIsDroppedAndWhatACommandLineNames)

@@ -29,3 +29,13 @@ inline int CUIHeight(const RECT &rect)
 {
     return CUWrapSub(rect.bottom, rect.top);
 }
+
+constexpr long CUILarger(long a, long b)
+{
+    return a > b ? a : b;
+}
+
+constexpr long CUISmaller(long a, long b)
+{
+    return a < b ? a : b;
+}

@@ -41,54 +41,54 @@ const COLORREF CUI_NO_KEY_COLOR = 0xFFFFFFFF;
 /// understands what dialogs say to the system's buttons: BM_GETCHECK, BM_SETCHECK, BM_GETSTATE,
 /// BM_SETSTATE, BM_SETSTYLE (for the default button) and BM_CLICK, and so CheckDlgButton and the
 /// like. A button that is bound to a command is checked when the command says so, and only then.
-class CUI_API CCUIButton : public CCUIControl
+class CCUIButton : public CCUIControl
 {
 public:
     /// Bound to no window.
-    explicit CCUIButton(CUIButtonKind kind = CUI_BUTTON_PUSH);
-    ~CCUIButton() override;
+    CUI_API explicit CCUIButton(CUIButtonKind kind = CUI_BUTTON_PUSH);
+    CUI_API ~CCUIButton() override;
 
     /// Flat or raised, at first. The mouse does not bring a flat one the focus.
-    void SetFlat(bool bFlat);
+    CUI_API void SetFlat(bool bFlat);
     /// A picture, which is shared: number nIndex in a row of pictures cx pixels wide (0: the whole
     /// bitmap). Pixels of the key colour, or of the button face without one, let the button shine
     /// through. A bitmap that is null: no picture.
-    void SetPicture(const CCUIBitmap &bitmap, int nIndex = 0, int cx = 0,
-                    COLORREF crKey = CUI_NO_KEY_COLOR);
+    CUI_API void SetPicture(const CCUIBitmap &bitmap, int nIndex = 0, int cx = 0,
+                            COLORREF crKey = CUI_NO_KEY_COLOR);
     /// CUI_PICTURE_LEFT at first.
-    void SetPicturePlace(CUIPicturePlace place);
+    CUI_API void SetPicturePlace(CUIPicturePlace place);
     /// BST_UNCHECKED, BST_CHECKED or BST_INDETERMINATE. To set it tells nobody; a checked radio
     /// button becomes the one of its group that Tab reaches.
     /// @{
-    void SetCheck(UINT nCheck);
-    UINT GetCheck() const;
+    CUI_API void SetCheck(UINT nCheck);
+    CUI_API UINT GetCheck() const;
     /// @}
     /// The menu that OnDropDown opens; not owned, and to stay while it is open.
     void SetDropMenu(CCUIMenu *pMenu) { m_pMenu = pMenu; }
     /// Whether Enter presses it in its dialog, which is told, as long as no other button has the
     /// focus.
-    void SetDefault(bool bDefault);
+    CUI_API void SetDefault(bool bDefault);
     /// Opens the menu and waits; the button is down meanwhile.
-    void DropDown();
+    CUI_API void DropDown();
 
-    void GetNaturalSize(SIZE &size) override;
-    void TimeOut(long nNow) override;
+    CUI_API void GetNaturalSize(SIZE &size) override;
+    CUI_API void TimeOut(long nNow) override;
 
 protected:
     /// Opens the menu below, or above where there is more room. Its commands go where a bound
     /// button's do; they come when this has returned. To fill the menu, override this.
-    virtual void OnDropDown();
+    CUI_API virtual void OnDropDown();
 
-    void Paint(HDC hDC, const RECT &rect) override;
-    void OnPress() override;
-    void OnRelease() override;
-    void OnClick() override;
-    int OnCreate(CREATESTRUCTA *pCreate) override;
-    long OnMessage(UINT message, WPARAM wParam, LPARAM lParam) override;
-    UINT OnGetDlgCode(const MSG *pMsg) override;
-    void OnLButtonDown(UINT nFlags, POINT &point) override;
-    void OnKeyDown(UINT nKey, UINT nRepeat, UINT nFlags) override;
-    void OnSysKeyDown(UINT nKey, UINT nRepeat, UINT nFlags) override;
+    CUI_API void Paint(HDC hDC, const RECT &rect) override;
+    CUI_API void OnPress() override;
+    CUI_API void OnRelease() override;
+    CUI_API void OnClick() override;
+    CUI_API int OnCreate(CREATESTRUCTA *pCreate) override;
+    CUI_API long OnMessage(UINT message, WPARAM wParam, LPARAM lParam) override;
+    CUI_API UINT OnGetDlgCode(const MSG *pMsg) override;
+    CUI_API void OnLButtonDown(UINT nFlags, POINT &point) override;
+    CUI_API void OnKeyDown(UINT nKey, UINT nRepeat, UINT nFlags) override;
+    CUI_API void OnSysKeyDown(UINT nKey, UINT nRepeat, UINT nFlags) override;
 
 private:
     struct CParts;

@@ -37,120 +37,123 @@ CUI_API int CUITranslateMnemonic(HWND hParent, const MSG *pMsg);
 ///
 /// A control may be deleted by whatever it tells or calls. It uses its CCUTimer (SetAlarm) itself.
 /// For the user-interface thread only.
-class CUI_API CCUIControl : public CCUIControlWindow, private CCUICommandView
+class CCUIControl : public CCUIControlWindow, private CCUICommandView
 {
 public:
     /// Bound to no window.
-    CCUIControl();
-    ~CCUIControl() override;
+    CUI_API CCUIControl();
+    CUI_API ~CCUIControl() override;
 
     /// Creates the window as a visible child that Tab reaches, as large as it is by nature where
     /// prc (the parent's client pixels) is null. A null text leaves what SetText said. 1 on
     /// success.
-    int CreateControl(HWND hParent, UINT nID, const char *pszText, const RECT *prc = nullptr);
+    CUI_API int CreateControl(HWND hParent, UINT nID, const char *pszText,
+                              const RECT *prc = nullptr);
     /// Creates the window in the place of a dialog's control, which is destroyed: with its
     /// identifier, text, font, place, turn in the tab order, visible and enabled as that was. 1 on
     /// success; 0, and a line in the trace, when there is no such control.
-    int ReplaceControl(HWND hDialog, UINT nID);
+    CUI_API int ReplaceControl(HWND hDialog, UINT nID);
 
     /// Binds the control to a command, whose number becomes the control's identifier: enabled,
     /// checked and, with CUI_COMMAND_TEXT, the text follow what the handler says (a command without
     /// a handler is disabled), the tooltip is its GetShortTT, and a click goes to the nearest
     /// window above that routes commands, or to the parent if none does. 0: no command.
     /// @{
-    void SetCommand(unsigned int nID);
+    CUI_API void SetCommand(unsigned int nID);
     unsigned int GetCommand() const { return CCUICommandView::GetCommand(); }
     /// @}
 
     /// The text, also through WM_SETTEXT and WM_GETTEXT; a character behind a single '&' is the
     /// mnemonic. It may be set before the window is there.
     /// @{
-    void SetText(const char *pszText);
+    CUI_API void SetText(const char *pszText);
     const CCUString &GetText() const { return m_sText; }
     /// @}
     /// The font, also through WM_SETFONT and WM_GETFONT; not owned. Null, at first: the font of
     /// menus as the user has set it.
     /// @{
-    void SetFont(HFONT hFont);
+    CUI_API void SetFont(HFONT hFont);
     HFONT GetFont() const { return m_hFont; }
     /// @}
     /// The colour of the text, as CUIData::ResolveColor takes it; that of buttons at first. The
     /// background has the colour of SetWindowColor, or the one that the parent answers to
     /// WM_CTLCOLORSTATIC.
-    void SetTextColor(DWORD crText);
+    CUI_API void SetTextColor(DWORD crText);
     /// The tip for a control without a command; null or "": none.
-    void SetToolTip(const char *pszText);
+    CUI_API void SetToolTip(const char *pszText);
     /// Enables or disables the window; it may be done before that is there. A focus that would be
     /// lost goes on to the next control.
-    void Enable(bool bEnable);
+    CUI_API void Enable(bool bEnable);
     /// CUIControlState bits.
     unsigned int GetState() const { return m_nState; }
     /// Does what a click does. Nothing without a window or while it is disabled.
-    void Click();
-    /// The size that the content needs, in pixels.
-    virtual void GetNaturalSize(SIZE &size);
+    CUI_API void Click();
+    /// The size that the content needs, in pixels; the answer to CUI_WM_NATURALSIZE.
+    CUI_API virtual void GetNaturalSize(SIZE &size);
 
-    int PreCreate(CREATESTRUCTA *pCreate) override;
-    int PreTranslateMessage(MSG *pMsg) override;
-    void TimeOut(long nNow) override;
+    CUI_API int PreCreate(CREATESTRUCTA *pCreate) override;
+    CUI_API int PreTranslateMessage(MSG *pMsg) override;
+    CUI_API void TimeOut(long nNow) override;
 
 protected:
     /// Paints the control, whose client area is rect, on the background and with font and colour
     /// set. What is done to the DC is undone afterwards. The text, in the middle, by default.
-    virtual void Paint(HDC hDC, const RECT &rect);
+    CUI_API virtual void Paint(HDC hDC, const RECT &rect);
     /// Mouse or space bar hold the control down. Nothing by default.
-    virtual void OnPress();
+    CUI_API virtual void OnPress();
     /// They were released while it was pressed. Clicks by default.
-    virtual void OnRelease();
+    CUI_API virtual void OnRelease();
     /// The control was clicked, by whatever means. Tells the parent by default.
-    virtual void OnClick();
-    void OnCommandChanged(unsigned short nState, const CCUString &sText) override;
+    CUI_API virtual void OnClick();
+    CUI_API void OnCommandChanged(unsigned short nState, const CCUString &sText) override;
 
     /// For derived classes.
     /// @{
-    void SetState(unsigned int nBits, bool bOn);  ///< repaints if one of m_nShownStates changes
-    void Repaint();                               ///< soon, all of it
-    void TellParent(UINT nCode);                  ///< WM_COMMAND; it may delete the control
+    CUI_API void SetState(unsigned int nBits,
+                          bool bOn);      ///< repaints if one of m_nShownStates changes
+    CUI_API void Repaint();               ///< soon, all of it
+    CUI_API void ContentChanged();        ///< repaints, tells a layout; it may delete the control
+    CUI_API void TellParent(UINT nCode);  ///< WM_COMMAND; it may delete the control
     bool IsHeld() const { return m_press != PressNone; }  ///< by mouse or key, pressed or not
-    const SIZE &GetTextSize();                            ///< pixels, on one line if it has no '\n'
+    CUI_API const SIZE &GetTextSize();                    ///< pixels, on one line if it has no '\n'
     /// Draws the text with DrawText's flags, as the state wants it.
-    void PaintText(HDC hDC, const RECT &rect, UINT nFormat);
+    CUI_API void PaintText(HDC hDC, const RECT &rect, UINT nFormat);
     /// The mark of the focus, where there is to be one.
-    void PaintFocus(HDC hDC, const RECT &rect);
+    CUI_API void PaintFocus(HDC hDC, const RECT &rect);
     COLORREF GetBackColor() const { return m_crBack; }  ///< of the background while it is painted
-    COLORREF GetTextColor() const;                      ///< resolved
+    CUI_API COLORREF GetTextColor() const;              ///< resolved
     /// Fills with the colour; one that a screen of 256 colours does not have is mixed of dots
     /// there.
-    static void Fill(HDC hDC, const RECT &rect, COLORREF cr);
-    static bool IsHighContrast();    ///< whether the user has chosen such colours
-    static int Scaled(int nPixels);  ///< from 96 dots per inch to those of the screen
+    CUI_API static void Fill(HDC hDC, const RECT &rect, COLORREF cr);
+    CUI_API static bool IsHighContrast();    ///< whether the user has chosen such colours
+    CUI_API static int Scaled(int nPixels);  ///< from 96 dots per inch to those of the screen
     /// @}
 
     unsigned int m_nShownStates;  ///< the states that Paint shows; all at first
     bool m_bFocusOnClick;         ///< the mouse brings the focus; true at first
     bool m_bOpaque;               ///< Paint covers everything, no background is needed
 
-    long WindowProc(UINT message, WPARAM wParam, LPARAM lParam) override;
-    long OnMessage(UINT message, WPARAM wParam, LPARAM lParam) override;
-    int OnCreate(CREATESTRUCTA *pCreate) override;
-    void OnDestroy() override;
-    void OnSize(UINT nType, int cx, int cy) override;
-    void OnPaint(HDC hDC) override;
-    int OnEraseBkgnd(HDC hDC) override;
-    void OnEnable(int bEnable) override;
-    void OnLButtonDown(UINT nFlags, POINT &point) override;
-    void OnLButtonUp(UINT nFlags, POINT &point) override;
-    void OnLButtonDblClk(UINT nFlags, POINT &point) override;
-    void OnMouseMove(UINT nFlags, POINT &point) override;
-    void OnMouseLeave() override;
-    void OnKeyDown(UINT nKey, UINT nRepeat, UINT nFlags) override;
-    void OnKeyUp(UINT nKey, UINT nRepeat, UINT nFlags) override;
-    void OnSetFocus(HWND hOld) override;
-    void OnKillFocus(HWND hNew) override;
-    void OnCancelMode() override;
-    void OnCaptureChanged(HWND hNew) override;
-    void OnSysColorChange() override;
-    void OnWinIniChange(WPARAM nAction, const char *section) override;
+    CUI_API long WindowProc(UINT message, WPARAM wParam, LPARAM lParam) override;
+    CUI_API long OnMessage(UINT message, WPARAM wParam, LPARAM lParam) override;
+    CUI_API int OnCreate(CREATESTRUCTA *pCreate) override;
+    CUI_API void OnDestroy() override;
+    CUI_API void OnSize(UINT nType, int cx, int cy) override;
+    CUI_API void OnPaint(HDC hDC) override;
+    CUI_API int OnEraseBkgnd(HDC hDC) override;
+    CUI_API void OnEnable(int bEnable) override;
+    CUI_API void OnLButtonDown(UINT nFlags, POINT &point) override;
+    CUI_API void OnLButtonUp(UINT nFlags, POINT &point) override;
+    CUI_API void OnLButtonDblClk(UINT nFlags, POINT &point) override;
+    CUI_API void OnMouseMove(UINT nFlags, POINT &point) override;
+    CUI_API void OnMouseLeave() override;
+    CUI_API void OnKeyDown(UINT nKey, UINT nRepeat, UINT nFlags) override;
+    CUI_API void OnKeyUp(UINT nKey, UINT nRepeat, UINT nFlags) override;
+    CUI_API void OnSetFocus(HWND hOld) override;
+    CUI_API void OnKillFocus(HWND hNew) override;
+    CUI_API void OnCancelMode() override;
+    CUI_API void OnCaptureChanged(HWND hNew) override;
+    CUI_API void OnSysColorChange() override;
+    CUI_API void OnWinIniChange(WPARAM nAction, const char *section) override;
 
 private:
     enum Press : unsigned char
@@ -166,7 +169,6 @@ private:
     void AwaitLeave();
     bool IsInside(const POINT &point) const;
     CCUString GetTipText();
-    void PaintTo(HDC hDC, const RECT &update);
     HBRUSH GetBackground(HDC hDC);
     void ReadCues();
 

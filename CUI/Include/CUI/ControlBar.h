@@ -4,27 +4,19 @@
 /// Bars of buttons at the sides of a window.
 
 #include "CU/String.h"
+#include "CUI/BarSide.h"
 #include "CUI/Bitmap.h"
 #include "CUI/ControlWindow.h"
 #include "CUI/Platform.h"
 
+class CCUIBarItem;
 class CCUIBarItems;
-class CCUIBarIdleWatch;
 class CCUIMenu;
 
-/// The side of its parent that a bar is at.
-enum CUIBarSide
-{
-    CUI_BAR_TOP,     ///< across, as is the next
-    CUI_BAR_BOTTOM,  ///< under what the parent shows
-    CUI_BAR_LEFT,    ///< upright, as is the next
-    CUI_BAR_RIGHT    ///< behind what the parent shows
-};
-
 /// A bar of command buttons, separators and windows of any kind: a toolbar. The buttons are drawn
-/// by the bar itself. They show what their commands' handlers say, before they are painted first
-/// and after each idle pass: enabled, checked and, where their texts are shown, the text; a command
-/// without a handler is disabled. Only a button that looks otherwise is painted again.
+/// by the bar itself. They show what their commands' handlers say, at once and after each idle
+/// pass: enabled, checked and, where their texts are shown, the text; a command without a handler
+/// is disabled. Only a button that looks otherwise is painted again.
 ///
 /// A button that is pressed sends WM_COMMAND with its command and, as its control, this bar to the
 /// command target, which carries the command out if it routes commands. While a button is under the
@@ -143,29 +135,28 @@ protected:
     /// @}
 
 private:
-    friend class CCUIBarIdleWatch;
+    friend class CCUIBarItem;
 
     static CCUIControlBar *Find(HWND hWnd);
     HWND Target() const;
     void LoadState();
     void SaveState() const;
-    void ItemAppended();
+    void Append(unsigned int nID, int nPicture, HWND hControl);
+    void ItemsFilled();
     void ItemsChanged();
     void TextsChanged();
-    void RefreshItem(int nItem, const CWatch &watch);
-    void SetItemText(int nItem, const CCUString &sText);
-    void SetItemState(int nItem, unsigned short nState);
+    void ShowCommand(CCUIBarItem &item, unsigned short nState, const CCUString &sText);
+    void AskText(CCUIBarItem &item);
+    void SetItemText(CCUIBarItem &item, const CCUString &sText);
     void Layout();
     void Relayout();
-    void ReloadPictures();
     void Repaint(const RECT *pRect = nullptr);
     void RepaintItem(int nItem);
 
     int HitTest(const POINT &point) const;
     bool CanPress(int nItem) const;
     void SetHot(int nItem);
-    void UpdateTip();
-    void DropTip();
+    void ShowTip(unsigned int nID);
     bool IsMouseOver() const;
     void MouseHasLeft();
     bool ShowDragCursor() const;
@@ -179,15 +170,14 @@ private:
     void LeaveKeyboard();
     void GoTo(int nItem);
     int NextItem(int nFrom, int nStep) const;
-    void PressByKey(bool bMenu);
+    void PressByKey();
     CUIBarSide SideAt(const POINT &screen) const;
     void Drag();
 
     static CCUIControlBar *s_pFirst;  // of all bars
     static HWND s_hFocusBefore;       // where the focus goes back to
 
-    CCUIBarItems *m_pItems;          // owned
-    CCUIBarIdleWatch *m_pIdleWatch;  // owned
+    CCUIBarItems *m_pItems;  // owned
     CCUIControlBar *m_pNext;
     CCUString m_sName;  // in the settings
     CUIBarSide m_side;
@@ -195,8 +185,8 @@ private:
     bool m_bDragging;
     bool m_bTracking;  // the system tells when the mouse leaves
     HWND m_hTarget;
-    HWND m_hTip;
-    int m_nHot;      // the item that is lit, -1: none
-    int m_nPressed;  // the item that the mouse went down on, or whose menu is open
-    bool m_bInside;  // the mouse is on that
+    int m_nHot;       // the item that is lit, -1: none
+    int m_nPressed;   // the item that the mouse went down on, or whose menu is open
+    bool m_bInside;   // the mouse is on that
+    bool m_bFilling;  // items come one after the other, to be laid out together
 };

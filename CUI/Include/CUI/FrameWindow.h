@@ -4,6 +4,7 @@
 /// The main window of a program.
 
 #include "CU/String.h"
+#include "CUI/BarSide.h"
 #include "CUI/ControlWindow.h"
 #include "CUI/HelpText.h"
 #include "CUI/ResourceName.h"
@@ -30,50 +31,41 @@ class CCUIRecentFiles;
 /// gives the focus back to the child that had it, and asks before it closes. None of the windows
 /// put together here is owned: their objects are the program's, usually members of its frame, and
 /// may go at any time. For the user-interface thread only.
-class CUI_API CCUIFrameWindow : public CCUIWindow
+class CCUIFrameWindow : public CCUIWindow
 {
 public:
-    /// Where a bar stands.
-    enum Side
-    {
-        SideTop,     ///< from the left to the right, at the upper edge of the room left
-        SideBottom,  ///< the same at the lower edge
-        SideLeft,    ///< from the top to the bottom, at the left edge of the room left
-        SideRight    ///< the same at the right edge
-    };
-
     /// Bound to no window; routes commands.
-    CCUIFrameWindow();
-    ~CCUIFrameWindow() override;
+    CUI_API CCUIFrameWindow();
+    CUI_API ~CCUIFrameWindow() override;
 
     /// Makes the window, hidden, where the system likes it. The name is that of the program, in the
     /// title behind the document's. 1, or 0 on failure. Create and CreateEx may be called instead.
-    int CreateFrame(const char *pszProgram);
+    CUI_API int CreateFrame(const char *pszProgram);
 
     /// A null class name becomes "pzl-FrameWindow", a class with the program's icon. A failed
     /// registration is reported as "CUIWindowClassRegister(CUI_CLASS_FRAMEWINDOW)". Children are
     /// clipped.
-    int PreCreate(CREATESTRUCTA *pCreate) override;
+    CUI_API int PreCreate(CREATESTRUCTA *pCreate) override;
     /// The first frame becomes the main frame.
-    void PostCreate() override;
+    CUI_API void PostCreate() override;
 
     // --- The main frame ---
 
     /// The frame whose end ends the program: when its window is destroyed, WM_QUIT is posted with
     /// exit code 0. It is the first one that is created while there is none; null: none.
-    static CCUIFrameWindow *GetMainFrame();
+    CUI_API static CCUIFrameWindow *GetMainFrame();
     /// Makes this frame the main frame in the place of the one that there is.
-    void MakeMainFrame();
+    CUI_API void MakeMainFrame();
 
     // --- Menu and keys ---
 
     /// Puts a menu bar on, and destroys the former one; null: none. It goes with the window. 1, or
     /// 0 when it stays the caller's: no window, or the system refuses. During full screen the menu
     /// comes back with the rest.
-    int SetMenu(HMENU hMenu);
+    CUI_API int SetMenu(HMENU hMenu);
     /// Loads a menu resource; 0 when there is none.
     /// @{
-    int SetMenu(HINSTANCE hInstance, const char *name);
+    CUI_API int SetMenu(HINSTANCE hInstance, const char *name);
     template <typename Wide>
     int SetMenu(HINSTANCE hInstance, const Wide *name)
     {
@@ -81,13 +73,13 @@ public:
     }
     /// @}
     /// The menu bar, also while full screen hides it; null: none.
-    HMENU GetMenu() const;
+    CUI_API HMENU GetMenu() const;
 
     using CCUIWindow::SetAccelerators;
     /// Loads a table of accelerators; 0 when there is none. The keys work in all that is inside the
     /// frame, and not while the frame is disabled.
     /// @{
-    int SetAccelerators(HINSTANCE hInstance, const char *name);
+    CUI_API int SetAccelerators(HINSTANCE hInstance, const char *name);
     template <typename Wide>
     int SetAccelerators(HINSTANCE hInstance, const Wide *name)
     {
@@ -101,22 +93,22 @@ public:
     /// GetFixedSize() and as long as the room that the bars before it have left; added again, it
     /// goes to the other side and keeps its turn. A hidden bar takes no room. 1, or 0 where it has
     /// no window in this frame.
-    int AddBar(CCUIControlWindow *pBar, Side side);
-    /// The same of a bar that knows its side itself and tells changes of it as a layout (a control
-    /// bar, which the user drags): its GetSide() is asked, whose values are those of Side.
+    CUI_API int AddBar(CCUIControlWindow *pBar, CUIBarSide side);
+    /// The same of a bar that knows its side itself, as a control bar does, which the user drags:
+    /// its GetSide() is asked with each layout.
     template <typename Bar>
     int AddBar(Bar *pBar)
     {
-        return AddBar(pBar, SideTop, [](CCUIControlWindow *pAsked) {
-            return static_cast<Side>(static_cast<Bar *>(pAsked)->GetSide());
+        return AddBar(pBar, CUI_BAR_TOP, [](CCUIControlWindow *pAsked) {
+            return static_cast<Bar *>(pAsked)->GetSide();
         });
     }
     /// The frame forgets the bar, which stays where it is.
-    void RemoveBar(CCUIControlWindow *pBar);
+    CUI_API void RemoveBar(CCUIControlWindow *pBar);
     /// Puts a status bar, a child of the frame, below everything; null: none. pHelp shows the help
     /// texts of menus for as long as the bar's window lives, usually the bar itself; null: nobody.
     /// @{
-    void SetStatusBar(CCUIControlWindow *pStatusBar, CCUIHelpText *pHelp);
+    CUI_API void SetStatusBar(CCUIControlWindow *pStatusBar, CCUIHelpText *pHelp);
     template <typename Bar>
     void SetStatusBar(Bar *pStatusBar)
     {
@@ -125,20 +117,20 @@ public:
     /// @}
     /// Gives a child of the frame all the room that is left, and the focus; null: nobody. The
     /// former one stays where it is, to be hidden or destroyed.
-    void SetClient(CCUIWindow *pClient);
+    CUI_API void SetClient(CCUIWindow *pClient);
     /// Gives the focus to the client, as a bar does that is done with the keyboard.
-    void FocusClient();
+    CUI_API void FocusClient();
     /// Puts all children to their places in one step; what stands right is left alone. The frame
     /// does so by itself when its size, a bar's or its visibility changes.
-    void Layout();
+    CUI_API void Layout();
 
     // --- The title ---
 
     /// "document* - program": the last part of a path, a mark while it is modified, and the name
     /// that the frame was created with. Without a document ("") the title is the program's name.
     /// @{
-    void SetDocument(const char *pszPath);
-    void SetModified(bool bModified);
+    CUI_API void SetDocument(const char *pszPath);
+    CUI_API void SetModified(bool bModified);
     const CCUString &GetDocument() const { return m_sDocument; }  ///< as it was set
     bool IsModified() const { return m_bModified; }
     /// @}
@@ -150,64 +142,67 @@ public:
     /// (CUI/Settings.h), value "Placement". A size of other dots per inch is scaled, and what no
     /// screen shows any more is moved onto the nearest. nShow: as WinMain gets it; minimised and
     /// maximised starts are honoured.
-    void ShowKept(const char *pszSection, int nShow = SW_SHOWNORMAL);
+    CUI_API void ShowKept(const char *pszSection, int nShow = SW_SHOWNORMAL);
     /// Restores a minimised frame and brings it, or the dialog that it waits for, to the front.
-    void BringToFront();
+    CUI_API void BringToFront();
 
     /// Covers the frame's screen, with neither caption nor menu nor bars, or goes back. Escape goes
     /// back too where nobody in the frame takes it. 1, or 0 without a window.
-    int SetFullScreen(bool bFull);
+    CUI_API int SetFullScreen(bool bFull);
     bool IsFullScreen() const { return m_bFullScreen; }  ///< what was set last
 
     // --- What comes from outside ---
 
     /// Whether files may be dropped on the frame.
-    void AcceptFiles(bool bAccept);
+    CUI_API void AcceptFiles(bool bAccept);
 
     /// Asked to open a file by the user: dropped, chosen from the recent files or named in a
     /// command line. The base does nothing.
-    virtual void OnOpenFile(const CCUString &sPath);
+    CUI_API virtual void OnOpenFile(const CCUString &sPath);
     /// The command line of this program, for which its entry calls it, or of another run of it
     /// (CUI/SingleInstance.h), which was started in that folder; "" is the current one. The base
     /// opens the arguments that begin neither with "/" nor with "-", one after the other.
-    virtual void OnCommandLine(const CCUString &sCommandLine, const CCUString &sFolder);
+    CUI_API virtual void OnCommandLine(const CCUString &sCommandLine, const CCUString &sFolder);
 
-    /// Keys of full screen.
-    int PreTranslateMessage(MSG *pMsg) override;
+    /// The accelerators come first. Behind them, of what nobody inside takes: Alt with a character
+    /// that is a mnemonic in the frame (CUITranslateMnemonic), F6 for the next control bar, with
+    /// Shift the one before (CCUIControlBar::ActivateNext), and the Escape of full screen.
+    CUI_API int PreTranslateMessage(MSG *pMsg) override;
 
 protected:
     /// Whether the frame may close: asked before OnClose destroys the window, and before the
     /// session ends. To be overridden where work may be lost; the base answers true.
-    virtual bool QueryClose();
+    CUI_API virtual bool QueryClose();
     /// Files were dropped at a client position. The base opens them, one after the other.
-    virtual void OnFilesDropped(const CCUString *pFiles, int nFiles, const POINT &point);
+    CUI_API virtual void OnFilesDropped(const CCUString *pFiles, int nFiles, const POINT &point);
 
     /// Lays out, remembers and gives back the focus, shows help texts, keeps the place, posts the
     /// end: an override calls its base.
     /// @{
-    long OnMessage(UINT message, WPARAM wParam, LPARAM lParam) override;
-    int OnCreate(CREATESTRUCTA *pCreate) override;
-    void OnDestroy() override;
-    void OnClose() override;
-    void OnActivate(UINT nState, UINT nMinimized, HWND hOther) override;
-    void OnSize(UINT nType, int cx, int cy) override;
-    void OnSetFocus(HWND hOld) override;
-    void OnParentNotify(UINT nEvent, UINT nID, LPARAM lParam) override;
-    void OnMenuSelect(UINT nItem, UINT nFlags, HMENU hMenu) override;
-    void OnInitMenuPopup(HMENU hMenu, UINT nIndex, int bSystemMenu) override;
-    void OnDropFiles(HDROP hDrop) override;
-    int OnQueryEndSession(UINT nReason) override;
-    void OnEndSession(int bEnding, UINT nReason) override;
-    void OnDisplayChange(UINT nBitsPerPixel, int cx, int cy) override;
-    void OnDpiChanged(UINT nDpi, const RECT *pSuggested) override;
+    CUI_API long OnMessage(UINT message, WPARAM wParam, LPARAM lParam) override;
+    CUI_API int OnCreate(CREATESTRUCTA *pCreate) override;
+    CUI_API void OnDestroy() override;
+    CUI_API void OnClose() override;
+    CUI_API void OnActivate(UINT nState, UINT nMinimized, HWND hOther) override;
+    CUI_API void OnSize(UINT nType, int cx, int cy) override;
+    CUI_API void OnSetFocus(HWND hOld) override;
+    CUI_API void OnParentNotify(UINT nEvent, UINT nID, LPARAM lParam) override;
+    CUI_API void OnMenuSelect(UINT nItem, UINT nFlags, HMENU hMenu) override;
+    CUI_API void OnInitMenuPopup(HMENU hMenu, UINT nIndex, int bSystemMenu) override;
+    CUI_API void OnDropFiles(HDROP hDrop) override;
+    CUI_API int OnQueryEndSession(UINT nReason) override;
+    CUI_API void OnEndSession(int bEnding, UINT nReason) override;
+    CUI_API void OnDisplayChange(UINT nBitsPerPixel, int cx, int cy) override;
+    CUI_API void OnDpiChanged(UINT nDpi, const RECT *pSuggested) override;
     /// @}
 
 private:
     friend class CCUIFrameDocks;
     friend class CCUIRecentFiles;
 
-    typedef Side SideOf(CCUIControlWindow *pBar);
-    int AddBar(CCUIControlWindow *pBar, Side side, SideOf *pSideOf);
+    typedef CUIBarSide SideOf(CCUIControlWindow *pBar);
+    int AddBar(CCUIControlWindow *pBar, CUIBarSide side, SideOf *pSideOf);
+    bool TranslateOwnKey(const MSG &msg);
     bool Ask();
     void End();
     void KeepPlacement();

@@ -100,7 +100,8 @@ public:
 
     /// Adds WS_CLIPCHILDREN and WS_EX_CONTROLPARENT.
     CUI_API int PreCreate(CREATESTRUCTA *pCreate) override;
-    /// Tab also from children that are no control windows.
+    /// Tab also from children that are no control windows; outside of dialogs mnemonics, too
+    /// (CUITranslateMnemonic).
     CUI_API int PreTranslateMessage(MSG *pMsg) override;
 
     // --- Settings; each lays out anew ---

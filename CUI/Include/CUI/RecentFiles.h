@@ -16,42 +16,42 @@ class CCUIFrameWindow;
 ///
 /// Several runs of the program share the list: it is read anew for every change and when the menu
 /// opens. Where the settings cannot be written it lasts as long as the object.
-class CUI_API CCUIRecentFiles : public CCUICommandHandler
+class CCUIRecentFiles : public CCUICommandHandler
 {
 public:
     /// Serves nMost commands (1 to 16) from nFirstID on; that many files are kept, in that section
     /// of the settings. The frame's menus show them and the frame opens them; a frame shows the
     /// list that was made for it last. Null: FillMenu and OnOpen are the program's. The frame may
     /// go first.
-    CCUIRecentFiles(CCUIFrameWindow *pFrame, unsigned int nFirstID, int nMost = 8,
-                    const char *pszSection = "Recent Files");
-    ~CCUIRecentFiles();
+    CUI_API CCUIRecentFiles(CCUIFrameWindow *pFrame, unsigned int nFirstID, int nMost = 8,
+                            const char *pszSection = "Recent Files");
+    CUI_API ~CCUIRecentFiles();
 
     /// Puts a file first, as one that was opened or saved does. A relative path is completed; the
     /// last file goes when there are too many.
-    void Add(const char *pszPath);
+    CUI_API void Add(const char *pszPath);
     /// Takes a file out of the list.
-    void Remove(const char *pszPath);
+    CUI_API void Remove(const char *pszPath);
 
     int GetCount() const { return m_nFiles; }  ///< as of the last change or opening of the menu
     /// The nIndex-th file, 0 the latest; "" where there is none.
-    CCUString GetFile(int nIndex) const;
+    CUI_API CCUString GetFile(int nIndex) const;
 
     /// Gives a menu that has an item of this block one for each file; any other menu is left alone.
     /// Their texts come from the handler, as CCUICommandMap::UpdateMenu sets them.
-    void FillMenu(HMENU hMenu);
+    CUI_API void FillMenu(HMENU hMenu);
 
     /// Opens the file; where it is gone, OnGone is told and it leaves the list.
-    void HandleCommand(unsigned int nID) override;
-    unsigned short GetState(unsigned int nID) override;
-    CCUString GetShortTT(unsigned int nID) override;
-    CCUString GetLongTT(unsigned int nID) override;
+    CUI_API void HandleCommand(unsigned int nID) override;
+    CUI_API unsigned short GetState(unsigned int nID) override;
+    CUI_API CCUString GetShortTT(unsigned int nID) override;
+    CUI_API CCUString GetLongTT(unsigned int nID) override;
 
 protected:
     /// Asks the frame to open the file (CCUIFrameWindow::OnOpenFile).
-    virtual void OnOpen(const CCUString &sPath);
+    CUI_API virtual void OnOpen(const CCUString &sPath);
     /// Tells the user that there is no such file any more, with nError, the system's reason.
-    virtual void OnGone(const CCUString &sPath, DWORD nError);
+    CUI_API virtual void OnGone(const CCUString &sPath, DWORD nError);
 
 private:
     friend class CCUIFrameWindow;

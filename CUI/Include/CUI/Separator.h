@@ -8,18 +8,18 @@
 
 /// An engraved line along the longer side of the window, in its middle. It takes no part in mouse
 /// and keyboard.
-class CUI_API CCUISeparator : public CCUIControl
+class CCUISeparator : public CCUIControl
 {
 public:
     /// Bound to no window.
-    CCUISeparator();
-    ~CCUISeparator() override;
+    CUI_API CCUISeparator();
+    CUI_API ~CCUISeparator() override;
 
     /// The room of a line, in both directions.
-    void GetNaturalSize(SIZE &size) override;
+    CUI_API void GetNaturalSize(SIZE &size) override;
 
 protected:
-    void Paint(HDC hDC, const RECT &rect) override;
-    long OnMessage(UINT message, WPARAM wParam, LPARAM lParam) override;
-    UINT OnGetDlgCode(const MSG *pMsg) override;
+    CUI_API void Paint(HDC hDC, const RECT &rect) override;
+    CUI_API long OnMessage(UINT message, WPARAM wParam, LPARAM lParam) override;
+    CUI_API UINT OnGetDlgCode(const MSG *pMsg) override;
 };

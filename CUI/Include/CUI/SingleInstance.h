@@ -18,7 +18,7 @@ struct CUIHandedOver;
 /// A mutex tells who is the first, so two runs that start at once never both are. The first has a
 /// hidden window from Start to the object's end, and serves it with its message loop. One object a
 /// process. For the user-interface thread only.
-class CUI_API CCUISingleInstance : private CCUIWindowHook
+class CCUISingleInstance : private CCUIWindowHook
 {
 public:
     /// What Start has found.
@@ -30,9 +30,9 @@ public:
     };
 
     /// Nothing is started.
-    CCUISingleInstance();
+    CUI_API CCUISingleInstance();
     /// The next run that starts will be the first.
-    ~CCUISingleInstance();
+    CUI_API ~CCUISingleInstance();
     CCUISingleInstance(const CCUISingleInstance &) = delete;
     CCUISingleInstance &operator=(const CCUISingleInstance &) = delete;
 
@@ -40,16 +40,16 @@ public:
     /// yet, or is busy, is waited for, nTimeout milliseconds at most; one that ends meanwhile gives
     /// this run its place. Where the system has no mutex to give, which is traced, this is a first
     /// run that no later one finds.
-    Outcome Start(const char *pszName, DWORD nTimeout = 5000);
+    CUI_API Outcome Start(const char *pszName, DWORD nTimeout = 5000);
 
 protected:
     /// A later run has handed over its command line, as GetCommandLine has it, and its current
     /// folder. The base brings the main frame to the front and passes them on to its OnCommandLine;
     /// without a main frame they are lost, which is traced.
-    virtual void OnLaterRun(const CCUString &sCommandLine, const CCUString &sFolder);
+    CUI_API virtual void OnLaterRun(const CCUString &sCommandLine, const CCUString &sFolder);
 
 private:
-    int OnHookMessage(UINT message, WPARAM wParam, LPARAM lParam, long &result) override;
+    CUI_API int OnHookMessage(UINT message, WPARAM wParam, LPARAM lParam, long &result) override;
     bool Receive(const COPYDATASTRUCT &data);
     void HandleReceived();
     void GiveUpPlace();

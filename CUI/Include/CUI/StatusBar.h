@@ -6,6 +6,7 @@
 #include "CU/String.h"
 #include "CUI/Bitmap.h"
 #include "CUI/ControlWindow.h"
+#include "CUI/HelpText.h"
 #include "CUI/Platform.h"
 
 class CCUIStatusPanes;
@@ -40,7 +41,7 @@ struct CUIPaneNotification
 /// the right. '&' is a character like any other, what does not fit ends in "...". A pane's number
 /// that is none is reported as "pPane", and nothing happens or "" is answered. Panes can be set up
 /// before there is a window. For the user-interface thread only.
-class CCUIStatusBar : public CCUIControlWindow
+class CCUIStatusBar : public CCUIControlWindow, public CCUIHelpText
 {
 public:
     /// With pane 0.
@@ -76,11 +77,12 @@ public:
     CUI_API void SetProgress(int nPane, int nValue, int nMost);
 
     /// Shows a help text in pane 0 until ClearHelp, over text, picture and progress.
-    CUI_API virtual void ShowHelp(const CCUString &sText);
+    CUI_API void ShowHelp(const CCUString &sText) override;
     /// Shows what pane 0 has now.
-    CUI_API virtual void ClearHelp();
-    /// Shows the long help (GetLongTT) of a command; without a handler as ClearHelp. Meant to be
-    /// called from OnMenuSelect with what it gets, an nFlags of 0xFFFF and a popup included.
+    CUI_API void ClearHelp() override;
+    /// Shows the long help (GetLongTT) of a command; without any as ClearHelp. For windows other
+    /// than frames, which do so by themselves, to be called from OnMenuSelect with what it gets, an
+    /// nFlags of 0xFFFF and a popup included.
     CUI_API void ShowCommandHelp(UINT nID, UINT nFlags = 0);
 
 protected:

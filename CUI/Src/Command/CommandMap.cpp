@@ -10,7 +10,6 @@
 #include "CUI/CommandHandler.h"
 #include "CUI/CommandView.h"
 #include "Command/CommandViewList.h"
-#include "Command/IdleWatch.h"
 
 #define CU_SOURCE "CommandMap"
 
@@ -98,7 +97,6 @@ void CCUICommandMap::IdleUpdate()
     // Not This(), which makes the tables: a program without commands needs none.
     s_this._IdleUpdate();
     UpdateViews();
-    CUITellIdleWatches();
 }
 
 void CCUICommandMap::Dump()
@@ -261,7 +259,7 @@ void CCUICommandMap::UpdateView(int nIndex)
     views.SetAsked(nIndex, HandlerToAsk(pHandler));
     const unsigned int nChange = s_nChange;
     views.BeginWalk();
-    const unsigned int nState = pHandler ? pHandler->GetState(nID) : 0;
+    const unsigned int nState = pHandler ? pHandler->GetState(nID) : CUI_COMMAND_NO_HANDLER;
     if (views.m_pEntries[nIndex].pView && nChange == s_nChange)
         CCUICommandView::Tell(nIndex, pHandler, nState);
     views.EndWalk();

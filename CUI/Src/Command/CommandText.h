@@ -9,18 +9,8 @@ inline CCUICommandHandler *CUIFindCommand(unsigned int nID)
     return nID < 1000 ? nullptr : CCUICommandMap::Lookup(nID);
 }
 
+// The long help of what OnMenuSelect names; "" where there is none.
+CCUString CUICommandHelp(UINT nItem, UINT nFlags);
+
 // What a menu item is called elsewhere: without the mark of its mnemonic and its shortcut.
-inline CCUString CUIPlainCommandText(const CCUString &sText)
-{
-    CCUString sPlain = sText.SpanExcluding("\t");
-    char *const pszText = sPlain.GetBuffer(0);
-    char *pszTo = pszText;
-    for (const char *psz = pszText; *psz; ++psz) {
-        if (*psz == '&' && psz[1])
-            ++psz;
-        *pszTo++ = *psz;
-    }
-    *pszTo = '\0';
-    sPlain.ReleaseBuffer();
-    return sPlain;
-}
+CCUString CUIPlainCommandText(const CCUString &sText);

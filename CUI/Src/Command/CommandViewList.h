@@ -17,6 +17,8 @@ struct CCUICommandViewEntry
 
 // A state that no command has: the view is to be told in any case.
 const unsigned int CUI_COMMAND_NOT_TOLD = 0x10000;
+// Nobody carries the command out. The view takes it for disabled, but hears when somebody comes.
+const unsigned int CUI_COMMAND_NO_HANDLER = 0x20000;
 
 // All views that have a command. While a pass is under way an entry keeps its place, so that the
 // pass knows it again after each call of others; those that go leave an empty one behind.

@@ -114,13 +114,13 @@ void CCUIButton::SetPicture(const CCUIBitmap &bitmap, int nIndex, int cx, COLORR
     m_picture.cy = bitmap.Height();
     m_xPicture = nIndex * m_picture.cx;
     m_crKey = crKey;
-    Repaint();
+    ContentChanged();
 }
 
 void CCUIButton::SetPicturePlace(CUIPicturePlace place)
 {
     m_place = place;
-    Repaint();
+    ContentChanged();
 }
 
 int CCUIButton::OnCreate(CREATESTRUCTA *pCreate)

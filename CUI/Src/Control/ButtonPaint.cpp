@@ -2,11 +2,11 @@
 
 #include "Base/Wrap.h"
 #include "CUI/BmpBlt.h"
-#include "CUI/BmpState.h"
 #include "CUI/Button.h"
 #include "CUI/Data.h"
 #include "CUI/Draw.h"
 #include "Control/ButtonParts.h"
+#include "Drawing/Look.h"
 
 namespace {
 
@@ -20,16 +20,11 @@ const int ARROW = 13;        // the room of the arrow
 const int ARROW_ROWS = 4;    // its height
 const int LEAST_WIDTH = 75;  // of a raised button with text alone
 
-int Larger(int a, int b)
-{
-    return a > b ? a : b;
-}
-
 // A rectangle of that size in the middle of another one; not above and left of its corner.
 RECT Centered(const RECT &rect, const SIZE &size)
 {
-    const int x = rect.left + Larger(0, (CUIWidth(rect) - size.cx) / 2);
-    const int y = rect.top + Larger(0, (CUIHeight(rect) - size.cy) / 2);
+    const int x = rect.left + CUILarger(0, (CUIWidth(rect) - size.cx) / 2);
+    const int y = rect.top + CUILarger(0, (CUIHeight(rect) - size.cy) / 2);
     return {x, y, x + size.cx, y + size.cy};
 }
 
@@ -56,9 +51,9 @@ SIZE CCUIButton::GetContentSize()
     const int nGap = bText && m_picture.cx ? Scaled(GAP) : 0;
     if (m_place == CUI_PICTURE_LEFT || m_place == CUI_PICTURE_RIGHT) {
         size.cx += m_picture.cx + nGap;
-        size.cy = Larger(size.cy, m_picture.cy);
+        size.cy = CUILarger(size.cy, m_picture.cy);
     } else {
-        size.cx = Larger(size.cx, m_picture.cx);
+        size.cx = CUILarger(size.cx, m_picture.cx);
         size.cy += m_picture.cy + nGap;
     }
     return size;
@@ -69,14 +64,14 @@ void CCUIButton::GetNaturalSize(SIZE &size)
     size = GetContentSize();
     if (HasMark()) {
         size.cx += Scaled(MARK) + Scaled(GAP) + 2;
-        size.cy = Larger(size.cy + 2, Scaled(MARK));
+        size.cy = CUILarger(size.cy + 2, Scaled(MARK));
         return;
     }
     const int nEdge = 2 * (m_bFlat ? Scaled(FLAT_EDGE) : Scaled(EDGE) + 2);
     size.cx += nEdge + (m_bFlat ? 0 : 2 * Scaled(SIDES));
     size.cy += nEdge;
     if (IsRaised() && !m_picture.cx)
-        size.cx = Larger(size.cx, Scaled(LEAST_WIDTH));
+        size.cx = CUILarger(size.cx, Scaled(LEAST_WIDTH));
     if (HasArrow())
         size.cx += Scaled(ARROW);
 }
@@ -91,7 +86,7 @@ void CCUIButton::Arrange(const RECT &client, CParts &parts)
         content.left += mark.cx + Scaled(GAP);
     } else if (HasArrow()) {
         parts.rcArrow = client;
-        parts.rcArrow.left = Larger(0, client.right - Scaled(ARROW));
+        parts.rcArrow.left = CUILarger(0, client.right - Scaled(ARROW));
         content.right = parts.rcArrow.left;
         if (m_kind == CUI_BUTTON_SPLIT)
             parts.rcFace = content;
@@ -218,21 +213,15 @@ void CCUIButton::PaintPicture(HDC hDC, const RECT &rect, COLORREF crFace)
     const CUIData &data = *CUIGetWinData();
     const COLORREF crKey =
         m_crKey == CUI_NO_KEY_COLOR ? data.ResolveColor(CUI_COLOR_BTNFACE) : m_crKey;
-    if (GetState() & CUI_STATE_DISABLED) {
-        // Of the area the last two columns and rows stay free.
-        CUIBmpStateRects rects = {
-            rect, rect, {m_xPicture, 0, m_xPicture + m_picture.cx, m_picture.cy}};
-        rects.rcArea.right += 2;
-        rects.rcArea.bottom += 2;
-        CUIBmpDrawState(hDC, &rects.rcArea, m_bitmap, CUIBMPSTATE_DISABLED, crKey,
-                        GetSysColor(COLOR_BTNHIGHLIGHT), GetSysColor(COLOR_BTNSHADOW));
-    } else if (crKey == crFace) {
+    const bool bDisabled = (GetState() & CUI_STATE_DISABLED) != 0;
+    if (!bDisabled && crKey == crFace) {
         CUIBmpBitBlt(hDC, rect.left, rect.top, m_bitmap, m_xPicture, 0, m_picture.cx, m_picture.cy,
                      m_bitmap, TRUE);
     } else {
         SetBkColor(hDC, crFace);
-        CUIBmpBgBltFull(hDC, rect.left, rect.top, m_bitmap, crKey, m_xPicture, 0, m_picture.cx,
-                        m_picture.cy);
+        CUIDrawStatePicture(hDC, rect.left, rect.top, m_bitmap,
+                            {m_xPicture, 0, m_xPicture + m_picture.cx, m_picture.cy}, crKey,
+                            bDisabled);
     }
 }
 
@@ -247,6 +236,5 @@ void CCUIButton::PaintArrow(HDC hDC, const RECT &rect)
     const int nShift = m_bOpen ? 1 : 0;
     const int x = rect.left + CUIWidth(rect) / 2 - nRows + nShift;
     const int y = rect.top + (CUIHeight(rect) - nRows) / 2 + nShift;
-    for (int i = 0; i < nRows; ++i)
-        CUIDCFillSolidRect(hDC, x + i, y + i, 2 * (nRows - i) - 1, 1, cr);
+    CUIDrawTriangle(hDC, x, y, nRows, true, cr);
 }

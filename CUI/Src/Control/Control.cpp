@@ -4,13 +4,14 @@
 #include "CUI/Control.h"
 
 #include "Base/GdiGuards.h"
-#include "Base/Wrap.h"
 #include "CU/Dump.h"
 #include "CUI/CommandHandler.h"
 #include "CUI/CommandMap.h"
 #include "CUI/Data.h"
-#include "CUI/OffScreenDC.h"
+#include "CUI/LayoutWindow.h"
 #include "Control/ControlTip.h"
+#include "Drawing/BufferedPaint.h"
+#include "Drawing/Look.h"
 
 namespace {
 
@@ -32,14 +33,6 @@ SIZE Measure(HWND hWnd, HFONT hFont, const char *pszText)
     RECT rect = {0, 0, 0, 0};
     DrawTextA(hDC, pszText, -1, &rect, DT_CALCRECT);
     return {rect.right, rect.bottom};
-}
-
-bool ReadHighContrast()
-{
-    HIGHCONTRASTA contrast = {};
-    contrast.cbSize = sizeof contrast;
-    return SystemParametersInfoA(SPI_GETHIGHCONTRAST, sizeof contrast, &contrast, 0) &&
-           (contrast.dwFlags & HCF_HIGHCONTRASTON);
 }
 
 }  // namespace
@@ -154,17 +147,12 @@ long CCUIControl::OnMessage(UINT message, WPARAM wParam, LPARAM lParam)
         const long nResult = Default();
         if (!watch.IsGone() && m_hWnd) {
             m_sText = TextOf(m_hWnd);
-            m_textSize.cx = -1;
-            Repaint();
+            ContentChanged();
         }
         return nResult;
     }
-    case WM_SETFONT:
-        m_hFont = reinterpret_cast<HFONT>(wParam);
-        m_textSize.cx = -1;
-        if (LOWORD(lParam))
-            Repaint();
-        return 0;
+    case WM_SETFONT: SetFont(reinterpret_cast<HFONT>(wParam)); return 0;
+    case CUI_WM_NATURALSIZE: GetNaturalSize(*reinterpret_cast<SIZE *>(lParam)); return 1;
     case WM_GETFONT: return reinterpret_cast<long>(m_hFont);
     case WM_PRINTCLIENT: OnPaint(reinterpret_cast<HDC>(wParam)); return 0;
     case BM_CLICK: {
@@ -206,14 +194,22 @@ void CCUIControl::SetText(const char *pszText)
         return;
     }
     m_sText = pszText;
+    ContentChanged();
+}
+
+void CCUIControl::ContentChanged()
+{
     m_textSize.cx = -1;
+    Repaint();
+    if (m_hWnd && (m_propData.nLayoutFlags & CUI_PLACE_FIT))
+        SendMessageA(GetParent(m_hWnd), CUI_WM_LAYOUT, reinterpret_cast<WPARAM>(m_hWnd),
+                     CUI_LAYOUT_CHANGED);
 }
 
 void CCUIControl::SetFont(HFONT hFont)
 {
     m_hFont = hFont;
-    m_textSize.cx = -1;
-    Repaint();
+    ContentChanged();
 }
 
 void CCUIControl::SetTextColor(DWORD crText)
@@ -235,9 +231,10 @@ void CCUIControl::OnSysColorChange()
 
 void CCUIControl::OnWinIniChange(WPARAM nAction, const char *section)
 {
-    m_textSize.cx = -1;
-    Repaint();
-    CCUIControlWindow::OnWinIniChange(nAction, section);
+    CWatch watch(this);
+    ContentChanged();
+    if (!watch.IsGone() && m_hWnd)
+        CCUIControlWindow::OnWinIniChange(nAction, section);
 }
 
 const SIZE &CCUIControl::GetTextSize()
@@ -254,21 +251,12 @@ void CCUIControl::GetNaturalSize(SIZE &size)
 
 bool CCUIControl::IsHighContrast()
 {
-    static DWORD s_dwStamp;
-    static bool s_bKnown;
-    static bool s_bHighContrast;
-    const DWORD dwStamp = CUIGetWinData()->dwColorStamp;
-    if (!s_bKnown || dwStamp != s_dwStamp) {
-        s_bHighContrast = ReadHighContrast();
-        s_dwStamp = dwStamp;
-        s_bKnown = true;
-    }
-    return s_bHighContrast;
+    return CUIIsHighContrast();
 }
 
 int CCUIControl::Scaled(int nPixels)
 {
-    return MulDiv(nPixels, CUIGetWinData()->cxPixelsPerInch, 96);
+    return CUIScale(nPixels);
 }
 
 // --- Commands ---
@@ -387,18 +375,21 @@ int CCUIControl::OnEraseBkgnd(HDC)
 
 void CCUIControl::OnPaint(HDC hDC)
 {
-    const HWND hWnd = m_hWnd;
-    if (hDC) {
-        RECT client;
-        GetClientRect(hWnd, &client);
-        PaintTo(hDC, client);
+    CCUIBufferedPaint paint(m_hWnd, hDC);
+    RECT client;
+    if (!GetClientRect(m_hWnd, &client) || IsRectEmpty(&client))
         return;
-    }
-    PAINTSTRUCT paint;
-    if (!BeginPaint(hWnd, &paint))
+    CWatch watch(this);
+    const HBRUSH hBrush = GetBackground(paint.Target());
+    if (watch.IsGone())
         return;
-    PaintTo(paint.hdc, paint.rcPaint);
-    EndPaint(hWnd, &paint);
+    const HDC hPicture = paint.Begin(m_hFont ? m_hFont : CUIGetWinData()->hMenuFont);
+    if (hBrush)
+        FillRect(hPicture, &client, hBrush);
+    else if (!m_bOpaque)
+        Fill(hPicture, client, m_crBack);
+    ::SetTextColor(hPicture, GetTextColor());
+    Paint(hPicture, client);
 }
 
 // The brush of the parent, which may have colours of its own; null for the window's own colour,
@@ -422,35 +413,6 @@ HBRUSH CCUIControl::GetBackground(HDC hDC)
     return reinterpret_cast<HBRUSH>(nBrush);
 }
 
-void CCUIControl::PaintTo(HDC hDC, const RECT &update)
-{
-    RECT client;
-    if (!GetClientRect(m_hWnd, &client) || IsRectEmpty(&client))
-        return;
-    CWatch watch(this);
-    const HBRUSH hBrush = GetBackground(hDC);
-    if (watch.IsGone())
-        return;
-    CCUIOffScreenDC *const pOffScreen = CUIGetOSDC();
-    const HDC hPicture = pOffScreen->GetDC(hDC, client.right, client.bottom);
-    if (hPicture) {
-        {
-            const CCUISavedDC saved(hPicture);
-            if (hBrush)
-                FillRect(hPicture, &client, hBrush);
-            else if (!m_bOpaque)
-                Fill(hPicture, client, m_crBack);
-            SelectObject(hPicture, m_hFont ? m_hFont : CUIGetWinData()->hMenuFont);
-            ::SetTextColor(hPicture, GetTextColor());
-            SetBkMode(hPicture, TRANSPARENT);
-            Paint(hPicture, client);
-        }
-        BitBlt(hDC, update.left, update.top, CUIWidth(update), CUIHeight(update), hPicture,
-               update.left, update.top, SRCCOPY);
-    }
-    pOffScreen->ReleaseDC();
-}
-
 void CCUIControl::Fill(HDC hDC, const RECT &rect, COLORREF cr)
 {
     const CUIData &data = *CUIGetWinData();
@@ -464,27 +426,15 @@ void CCUIControl::Fill(HDC hDC, const RECT &rect, COLORREF cr)
 
 void CCUIControl::PaintText(HDC hDC, const RECT &rect, UINT nFormat)
 {
-    RECT at = rect;
     if (m_nState & CUI_STATE_NO_UNDERLINE)
         nFormat |= HIDE_PREFIX;
-    if (!(m_nState & CUI_STATE_DISABLED)) {
-        ::SetTextColor(hDC, GetTextColor());
-    } else if (IsHighContrast()) {
-        ::SetTextColor(hDC, GetSysColor(COLOR_GRAYTEXT));
-    } else {
-        // Engraved: lit from above.
-        OffsetRect(&at, 1, 1);
-        ::SetTextColor(hDC, GetSysColor(COLOR_BTNHIGHLIGHT));
-        DrawTextA(hDC, m_sText, -1, &at, nFormat);
-        OffsetRect(&at, -1, -1);
-        ::SetTextColor(hDC, GetSysColor(COLOR_BTNSHADOW));
-    }
-    DrawTextA(hDC, m_sText, -1, &at, nFormat);
+    CUIDrawStateText(hDC, m_sText, rect, nFormat, GetTextColor(),
+                     (m_nState & CUI_STATE_DISABLED) != 0);
 }
 
 void CCUIControl::Paint(HDC hDC, const RECT &rect)
 {
-    PaintText(hDC, rect, DT_CENTER | DT_VCENTER | DT_SINGLELINE | DT_END_ELLIPSIS);
+    PaintText(hDC, rect, DT_CENTER | CUI_TEXT_LINE);
 }
 
 void CCUIControl::PaintFocus(HDC hDC, const RECT &rect)

@@ -27,10 +27,16 @@ void CUIHideControlTip(HWND hWnd)
         pToolTip->SetTool(nullptr, nullptr, nullptr);
 }
 
+void CUIRelayToControlTip(HWND hWnd, UINT message, WPARAM wParam, LPARAM lParam)
+{
+    if (CCUIToolTip *const pToolTip = s_toolTip.IfMade())
+        pToolTip->Relay(hWnd, message, wParam, lParam);
+}
+
 long CCUIControl::WindowProc(UINT message, WPARAM wParam, LPARAM lParam)
 {
-    if (message >= WM_MOUSEFIRST && message <= WM_MBUTTONDBLCLK && s_toolTip.IfMade())
-        s_toolTip.Get().Relay(m_hWnd, message, wParam, lParam);
+    if (message >= WM_MOUSEFIRST && message <= WM_MBUTTONDBLCLK)
+        CUIRelayToControlTip(m_hWnd, message, wParam, lParam);
     return CCUIControlWindow::WindowProc(message, wParam, lParam);
 }
 

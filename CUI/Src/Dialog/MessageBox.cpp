@@ -7,7 +7,7 @@
 #include "Dialog/MessageContent.h"
 #include "Dialog/MessageCopy.h"
 #include "Dialog/MessageLayout.h"
-#include "Frame/ProgramName.h"
+#include "Frame/Paths.h"
 
 namespace {
 

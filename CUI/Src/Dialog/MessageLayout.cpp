@@ -2,8 +2,9 @@
 
 #include "Base/GdiGuards.h"
 #include "Base/Module.h"
+#include "Base/Wrap.h"
 #include "Dialog/LineEnds.h"
-#include "Window/WorkArea.h"
+#include "Window/Screen.h"
 
 namespace {
 
@@ -12,16 +13,6 @@ const int MOST_MEASURED = 0x4000;
 
 // As the system draws a static text that breaks long words, too.
 const UINT TEXT_FORMAT = DT_WORDBREAK | DT_EXPANDTABS | DT_NOPREFIX | DT_EDITCONTROL;
-
-int Max(long nOne, long nOther)
-{
-    return nOne > nOther ? nOne : nOther;
-}
-
-int Min(long nOne, long nOther)
-{
-    return nOne < nOther ? nOne : nOther;
-}
 
 class CArrangement
 {
@@ -68,7 +59,7 @@ CArrangement::CArrangement(HWND hBox, const CCUIMessageContent &content)
       m_hFont(reinterpret_cast<HFONT>(SendMessageA(hBox, WM_GETFONT, 0, 0))),
       m_dc(hBox),
       m_select(m_dc, m_hFont ? m_hFont : GetStockObject(SYSTEM_FONT)),
-      m_work(CUIWorkArea(GetWindow(hBox, GW_OWNER))),
+      m_work(),
       m_margin(Units(7, 7)),
       m_gap(Units(4, 4)),
       m_icon(),
@@ -79,8 +70,11 @@ CArrangement::CArrangement(HWND hBox, const CCUIMessageContent &content)
       m_button(),
       m_nPerRow(1)
 {
+    const HWND hOwner = GetWindow(hBox, GW_OWNER);
     RECT window;
     RECT client;
+    m_work = hOwner && GetWindowRect(hOwner, &window) ? CUIScreenOf(window).work
+                                                      : CUIPrimaryScreen().work;
     GetWindowRect(hBox, &window);
     GetClientRect(hBox, &client);
     m_frame = {window.right - window.left - client.right,
@@ -135,12 +129,12 @@ void CArrangement::MeasureButtons()
         const CCUString sCaption =
             bCounts ? m_content.CountdownCaption(m_content.m_nSeconds) : button.sCaption;
         const SIZE size = Measure(sCaption, 0, DT_SINGLELINE);
-        m_button.cx = Max(m_button.cx, size.cx + around.cx);
-        m_button.cy = Max(m_button.cy, size.cy + around.cy);
+        m_button.cx = CUILarger(m_button.cx, size.cx + around.cx);
+        m_button.cy = CUILarger(m_button.cy, size.cy + around.cy);
     }
-    m_button.cx = Min(m_button.cx, m_most.cx);
+    m_button.cx = CUISmaller(m_button.cx, m_most.cx);
     const int nFits = (m_most.cx + m_gap.cx) / (m_button.cx + m_gap.cx);
-    m_nPerRow = Min(Max(nFits, 1), m_content.m_nButtons);
+    m_nPerRow = CUISmaller(CUILarger(nFits, 1), m_content.m_nButtons);
 }
 
 void CArrangement::MeasureCheck()
@@ -148,10 +142,10 @@ void CArrangement::MeasureCheck()
     if (m_content.m_sAnswerName.IsEmpty())
         return;
     const int nMark = GetSystemMetrics(SM_CXMENUCHECK) + m_gap.cx;
-    const int nRoom = Min(Units(280, 0).cx, m_most.cx - m_nColumn) - nMark;
+    const int nRoom = CUISmaller(Units(280, 0).cx, m_most.cx - m_nColumn) - nMark;
     m_check = Measure(m_content.CheckText(), nRoom, DT_WORDBREAK);
     m_check.cx += nMark;
-    m_check.cy = Max(m_check.cy + 2, Units(0, 10).cy);
+    m_check.cy = CUILarger(m_check.cy + 2, Units(0, 10).cy);
 }
 
 // Lines of a length that reads well; longer ones, if that would fill half of the screen.
@@ -160,9 +154,10 @@ void CArrangement::MeasureText()
     const CCUString &sText = m_content.m_sText;
     const int nRows = (m_content.m_nButtons + m_nPerRow - 1) / m_nPerRow;
     const int nOther = nRows * (m_button.cy + m_gap.cy) + m_margin.cy + m_check.cy + m_gap.cy;
-    const int nRoom = Max(m_most.cy - nOther, Units(0, 24).cy);
-    const int nWide = Max(MulDiv(m_most.cx, 5, 8), Min(Units(200, 0).cx, m_most.cx)) - m_nColumn;
-    const int nNarrow = Min(Units(280, 0).cx, nWide);
+    const int nRoom = CUILarger(m_most.cy - nOther, Units(0, 24).cy);
+    const int nWide =
+        CUILarger(MulDiv(m_most.cx, 5, 8), CUISmaller(Units(200, 0).cx, m_most.cx)) - m_nColumn;
+    const int nNarrow = CUISmaller(Units(280, 0).cx, nWide);
     m_bScrolls = sText.GetLength() > MOST_MEASURED;
     if (!m_bScrolls)
         m_text = Measure(sText, nNarrow, TEXT_FORMAT);
@@ -176,9 +171,9 @@ void CArrangement::MeasureText()
 int CArrangement::BodyWidth() const
 {
     const int nButtons = m_nPerRow * (m_button.cx + m_gap.cx) - m_gap.cx;
-    const int nText = m_nColumn + Max(m_text.cx, m_check.cx);
-    const int nCaption = Min(CaptionWidth(), m_most.cx / 2);
-    return Max(Max(nButtons, nText), nCaption);
+    const int nText = m_nColumn + CUILarger(m_text.cx, m_check.cx);
+    const int nCaption = CUISmaller(CaptionWidth(), m_most.cx / 2);
+    return CUILarger(CUILarger(nButtons, nText), nCaption);
 }
 
 void CArrangement::PlaceControl(UINT nID, int x, int y, SIZE size) const
@@ -211,7 +206,7 @@ void CArrangement::PlaceButtons(int nBody, int yTop) const
     const int nCount = m_content.m_nButtons;
     for (int i = 0; i < nCount; ++i) {
         const int nRow = i / m_nPerRow;
-        const int nInRow = Min(nCount - nRow * m_nPerRow, m_nPerRow);
+        const int nInRow = CUISmaller(nCount - nRow * m_nPerRow, m_nPerRow);
         const int nRowWidth = nInRow * (m_button.cx + m_gap.cx) - m_gap.cx;
         const int x = (nBody - nRowWidth) / 2 + i % m_nPerRow * (m_button.cx + m_gap.cx);
         PlaceControl(m_content.ControlOf(m_content.m_buttons[i]), m_margin.cx + x,
@@ -228,8 +223,9 @@ SIZE CArrangement::Place()
     const int xText = m_margin.cx + m_nColumn;
     int y = m_margin.cy;
     PlaceControl(CCUIMessageContent::ICON_ID, m_margin.cx, y, m_icon);
-    PlaceControl(CCUIMessageContent::TEXT_ID, xText, y + Max(m_icon.cy - text.cy, 0) / 2, text);
-    y += Max(m_icon.cy, text.cy);
+    PlaceControl(CCUIMessageContent::TEXT_ID, xText, y + CUILarger(m_icon.cy - text.cy, 0) / 2,
+                 text);
+    y += CUILarger(m_icon.cy, text.cy);
     if (m_check.cy) {
         y += m_margin.cy;
         PlaceControl(CCUIMessageContent::CHECK_ID, xText, y, m_check);
@@ -251,8 +247,8 @@ void CArrangement::PlaceBox(SIZE client) const
         GetWindowRect(hOwner, &around);
     const int x = (around.left + around.right - size.cx) / 2;
     const int y = (around.top + around.bottom - size.cy) / 2;
-    SetWindowPos(m_hBox, nullptr, Max(Min(x, m_work.right - size.cx), m_work.left),
-                 Max(Min(y, m_work.bottom - size.cy), m_work.top), size.cx, size.cy,
+    SetWindowPos(m_hBox, nullptr, CUILarger(CUISmaller(x, m_work.right - size.cx), m_work.left),
+                 CUILarger(CUISmaller(y, m_work.bottom - size.cy), m_work.top), size.cx, size.cy,
                  SWP_NOZORDER | SWP_NOACTIVATE);
 }
 

@@ -1,6 +1,7 @@
 #include "CUI/OffScreenDC.h"
 
 #include "Base/Lifetime.h"
+#include "Base/Wrap.h"
 #include "CU/Assert.h"
 #include "Drawing/DepthMemo.h"
 
@@ -9,11 +10,6 @@
 namespace {
 
 CCUIDepthMemo s_depth;
-
-int Larger(int a, int b)
-{
-    return a > b ? a : b;
-}
 
 }  // namespace
 
@@ -58,9 +54,9 @@ void CCUIOffScreenDC::Grow(HDC hDC, int cx, int cy)
         // Text drawn on a picture does not bring a box along.
         SetBkMode(m_memDC, TRANSPARENT);
     }
-    const CCUIBitmap bitmap(
-        CreateCompatibleBitmap(hDC, Larger(cx, m_bitmap.Width()), Larger(cy, m_bitmap.Height())),
-        nullptr);
+    const CCUIBitmap bitmap(CreateCompatibleBitmap(hDC, CUILarger(cx, m_bitmap.Width()),
+                                                   CUILarger(cy, m_bitmap.Height())),
+                            nullptr);
     // The old bitmap goes when the new one has taken its place in the DC: before that it cannot be
     // deleted. Without a new one it stays in use.
     if (SelectObject(m_memDC, static_cast<HBITMAP>(bitmap)))

@@ -1,12 +1,12 @@
 #include "Frame/BarItems.h"
 
-#include "CUI/BmpState.h"
-#include "CUI/CommandHandler.h"
-#include "CUI/Draw.h"
 #include "Base/GdiGuards.h"
 #include "Base/Wrap.h"
+#include "CUI/BmpState.h"
+#include "CUI/CommandHandler.h"
 #include "CUI/Data.h"
-#include "Frame/BufferedPaint.h"
+#include "CUI/Draw.h"
+#include "Drawing/Look.h"
 
 namespace {
 
@@ -21,11 +21,6 @@ const int ARROW = 12;
 const int OVERFLOW_BUTTON = 13;
 
 const RECT NOWHERE = {0, 0, 0, 0};
-
-int Larger(int a, int b)
-{
-    return a > b ? a : b;
-}
 
 // Whether a pattern of both is a tint of the face, and not what makes a text unreadable, as in the
 // schemes of high contrast.
@@ -42,36 +37,33 @@ LONG &Along(SIZE &size, bool bVertical)
 
 void DrawEdge(HDC hDC, const RECT &rc, bool bSunken)
 {
-    const COLORREF crHilite = CUISystemColor(COLOR_BTNHIGHLIGHT);
-    const COLORREF crShadow = CUISystemColor(COLOR_BTNSHADOW);
-    CUIDCDraw3dRect(hDC, &rc, bSunken ? crShadow : crHilite, bSunken ? crHilite : crShadow, 0, 0);
-}
-
-// An etched line between two points of a row or a column.
-void DrawEtched(HDC hDC, bool bUpright, int x, int y, int nLength)
-{
-    const COLORREF crHilite = CUISystemColor(COLOR_BTNHIGHLIGHT);
-    const COLORREF crShadow = CUISystemColor(COLOR_BTNSHADOW);
-    CUIDCFillSolidRect(hDC, x, y, bUpright ? 1 : nLength, bUpright ? nLength : 1, crShadow);
-    CUIDCFillSolidRect(hDC, x + bUpright, y + !bUpright, bUpright ? 1 : nLength,
-                       bUpright ? nLength : 1, crHilite);
-}
-
-// A triangle that points down, of nSize rows, its first row around the point.
-void DrawArrow(HDC hDC, int x, int y, int nSize, COLORREF cr)
-{
-    for (int i = 0; i < nSize; ++i)
-        CUIDCFillSolidRect(hDC, x - nSize + 1 + i, y + i, 2 * (nSize - i) - 1, 1, cr);
-}
-
-void DrawLine(HDC hDC, const CCUString &sText, RECT rc, UINT nAlign, COLORREF cr)
-{
-    const CCUITextColor color(hDC, cr);
-    DrawTextA(hDC, sText, -1, &rc,
-              nAlign | DT_SINGLELINE | DT_VCENTER | DT_NOPREFIX | DT_END_ELLIPSIS);
+    CUIDCDraw3dRect(hDC, &rc, CUISystemColor(bSunken ? COLOR_BTNSHADOW : COLOR_BTNHIGHLIGHT),
+                    CUISystemColor(bSunken ? COLOR_BTNHIGHLIGHT : COLOR_BTNSHADOW), 0, 0);
 }
 
 }  // namespace
+
+CCUIBarItems::~CCUIBarItems()
+{
+    while (Count() > 0)
+        Remove(Count() - 1);
+}
+
+void CCUIBarItems::Remove(int nItem)
+{
+    const CCUIBarItem *const pItem = m_items[nItem];
+    m_items.Remove(nItem, 1);
+    delete pItem;
+}
+
+bool CCUIBarItems::Has(const CCUIBarItem *pItem, unsigned int nID) const
+{
+    for (int i = 0; i < Count(); ++i) {
+        if (m_items[i] == pItem)
+            return pItem->GetCommand() == nID;
+    }
+    return false;
+}
 
 bool CCUIBarItems::HasPicture(const CCUIBarItem &item) const
 {
@@ -109,7 +101,7 @@ void CCUIBarItems::Measure(CCUIBarItem &item, HDC hDC) const
 {
     if (item.hControl || item.size.cx)
         return;
-    if (item.bSeparator) {
+    if (item.IsSeparator()) {
         item.size.cx = item.size.cy = CUIScale(SEPARATOR);
         return;
     }
@@ -126,13 +118,7 @@ void CCUIBarItems::Measure(CCUIBarItem &item, HDC hDC) const
         item.size.cx += CUIScale(GAP) - CUIScale(TEXT_PADDING) / 2;
     if (item.pMenu)
         item.size.cx += CUIScale(ARROW);
-    item.size.cy = Larger(text.cy, cyPicture) + CUIScale(PADDING);
-}
-
-CCUIBarItem &CCUIBarItems::Append()
-{
-    Add(CCUIBarItem());
-    return (*this)[Count() - 1];
+    item.size.cy = CUILarger(text.cy, cyPicture) + CUIScale(PADDING);
 }
 
 void CCUIBarItems::ForgetSizes()
@@ -155,9 +141,25 @@ int CCUIBarItems::Thickness(bool bVertical)
         CCUIBarItem &item = (*this)[i];
         Measure(item, screen);
         if (item.IsButton() || !bVertical)
-            m_nAcross = Larger(m_nAcross, bVertical ? item.size.cx : item.size.cy);
+            m_nAcross = CUILarger(m_nAcross, bVertical ? item.size.cx : item.size.cy);
     }
     return m_nAcross + 2 * CUIScale(MARGIN);
+}
+
+// What stands upright has no room for it.
+bool CCUIBarItems::IsTooWide(const CCUIBarItem &item, bool bVertical) const
+{
+    return bVertical && item.hControl && item.size.cx > m_nAcross;
+}
+
+int CCUIBarItems::Length(bool bVertical) const
+{
+    int nLength = Grip() + CUIScale(MARGIN);
+    for (int i = 0; i < Count(); ++i) {
+        if (!IsTooWide(*m_items[i], bVertical))
+            nLength += Along(m_items[i]->size, bVertical);
+    }
+    return nLength;
 }
 
 void CCUIBarItems::Layout(bool bVertical, int cx, int cy)
@@ -165,22 +167,16 @@ void CCUIBarItems::Layout(bool bVertical, int cx, int cy)
     m_bVertical = bVertical;
     const int nMargin = CUIScale(MARGIN);
     int nEnd = (bVertical ? cy : cx) - nMargin;
-    int nNeeded = Grip();
-    bool bOverflow = false;
-    for (int i = 0; i < Count(); ++i) {
-        CCUIBarItem &item = (*this)[i];
-        const bool bTooWide = bVertical && item.hControl && item.size.cx > m_nAcross;
-        bOverflow = bOverflow || (bTooWide && item.nID);
-        nNeeded += bTooWide ? 0 : Along(item.size, bVertical);
-    }
-    bOverflow = bOverflow || nNeeded > nEnd;
+    bool bOverflow = Length(bVertical) - nMargin > nEnd;
+    for (int i = 0; i < Count(); ++i)
+        bOverflow = bOverflow || (m_items[i]->GetCommand() && IsTooWide(*m_items[i], bVertical));
     if (bOverflow)
         nEnd -= CUIScale(OVERFLOW_BUTTON);
     int nAt = Grip();
     bool bFull = false;
     for (int i = 0; i < Count(); ++i) {
         CCUIBarItem &item = (*this)[i];
-        const bool bTooWide = bVertical && item.hControl && item.size.cx > m_nAcross;
+        const bool bTooWide = IsTooWide(item, bVertical);
         const int nLength = Along(item.size, bVertical);
         bFull = bFull || (!bTooWide && nAt + nLength > nEnd);
         item.rcBefore = item.rc;
@@ -225,14 +221,16 @@ void CCUIBarItems::Draw(HDC hDC, int nItem, CCUIBarLook look, bool bEnabled) con
         return;
     }
     const CCUIBarItem &item = (*this)[nItem];
-    if (item.bSeparator) {
-        const int nInset = CUIScale(MARGIN);
+    if (item.IsSeparator()) {
+        // The line is two pixels wide.
+        RECT rcLine = rc;
+        InflateRect(&rcLine, m_bVertical ? -CUIScale(MARGIN) : 0,
+                    m_bVertical ? 0 : -CUIScale(MARGIN));
         if (m_bVertical)
-            DrawEtched(hDC, false, rc.left + nInset, (rc.top + rc.bottom) / 2 - 1,
-                       CUIWidth(rc) - 2 * nInset);
+            rcLine.top = (rc.top + rc.bottom) / 2 - 1;
         else
-            DrawEtched(hDC, true, (rc.left + rc.right) / 2 - 1, rc.top + nInset,
-                       CUIHeight(rc) - 2 * nInset);
+            rcLine.left = (rc.left + rc.right) / 2 - 1;
+        ::DrawEdge(hDC, &rcLine, EDGE_ETCHED, m_bVertical ? BF_TOP : BF_LEFT);
     } else if (!item.hControl) {
         DrawButton(hDC, item, look, bEnabled && (item.nState & CUI_COMMAND_ACTIVE));
     }
@@ -258,13 +256,8 @@ void CCUIBarItems::DrawButton(HDC hDC, const CCUIBarItem &item, CCUIBarLook look
     if (HasText(item)) {
         const UINT nAlign = HasPicture(item) ? DT_LEFT : DT_CENTER;
         OffsetRect(&rcText, nPushed, nPushed);
-        if (!bEnabled) {
-            RECT rcHilite = rcText;
-            OffsetRect(&rcHilite, 1, 1);
-            DrawLine(hDC, item.sText, rcHilite, nAlign, CUISystemColor(COLOR_BTNHIGHLIGHT));
-        }
-        DrawLine(hDC, item.sText, rcText, nAlign,
-                 CUISystemColor(bEnabled ? COLOR_BTNTEXT : COLOR_BTNSHADOW));
+        CUIDrawStateText(hDC, item.sText, rcText, nAlign | DT_NOPREFIX | CUI_TEXT_LINE,
+                         CUISystemColor(COLOR_BTNTEXT), !bEnabled);
     }
     const bool bRaised = bEnabled && look != CUI_LOOK_PLAIN;
     if (bSunken || bRaised)
@@ -273,9 +266,9 @@ void CCUIBarItems::DrawButton(HDC hDC, const CCUIBarItem &item, CCUIBarLook look
         return;
     const RECT rcArrow = Arrow(item);
     const int nSize = CUIScale(3);
-    DrawArrow(hDC, (rcArrow.left + rcArrow.right) / 2,
-              (rcArrow.top + rcArrow.bottom - nSize) / 2 + nPushed, nSize,
-              CUISystemColor(bEnabled ? COLOR_BTNTEXT : COLOR_BTNSHADOW));
+    CUIDrawTriangle(hDC, (rcArrow.left + rcArrow.right) / 2 - nSize + 1,
+                    (rcArrow.top + rcArrow.bottom - nSize) / 2 + nPushed, nSize, true,
+                    CUISystemColor(bEnabled ? COLOR_BTNTEXT : COLOR_BTNSHADOW));
     if (bRaised)
         DrawEdge(hDC, rcArrow, look == CUI_LOOK_PRESSED);
 }

@@ -2,17 +2,20 @@
 
 #include "Base/Array.h"
 #include "CUI/Bitmap.h"
+#include "CUI/CommandView.h"
 
+class CCUIControlBar;
 class CCUIMenu;
 
-// One item of a control bar.
-struct CCUIBarItem
+// One item of a control bar: a button, where it has a command, a window, or else a separator.
+class CCUIBarItem final : public CCUICommandView
 {
-    unsigned int nID = 0;       // its command; 0: none
+public:
+    explicit CCUIBarItem(CCUIControlBar *pBar) : m_pBar(pBar) {}
+
     int nPicture = -1;          // its place in the strip; -1: none
     unsigned short nState = 0;  // of CCUICommandState what can be seen
-    bool bSeparator = false;
-    bool bArrow = false;  // the menu's arrow alone is pressed
+    bool bArrow = false;        // the menu's arrow alone is pressed
     CCUString sText;
     CCUIMenu *pMenu = nullptr;  // opened by the arrow
     HWND hControl = nullptr;
@@ -20,7 +23,14 @@ struct CCUIBarItem
     RECT rc = {0, 0, 0, 0};        // empty: there is no room
     RECT rcBefore = {0, 0, 0, 0};  // before the last layout
 
-    bool IsButton() const { return !bSeparator && !hControl; }
+    bool IsSeparator() const { return !GetCommand() && !hControl; }
+    bool IsButton() const { return GetCommand() && !hControl; }
+
+protected:
+    void OnCommandChanged(unsigned short nNewState, const CCUString &sNewText) override;
+
+private:
+    CCUIControlBar *const m_pBar;
 };
 
 // What makes an item look otherwise for the moment.
@@ -32,15 +42,28 @@ enum CCUIBarLook
 };
 
 // The items of a control bar: how large they are, where they stand, how they look.
-class CCUIBarItems : public CCUArray<CCUIBarItem>
+class CCUIBarItems
 {
 public:
-    // An empty item at the end.
-    CCUIBarItem &Append();
+    ~CCUIBarItems();
+    int Count() const { return m_items.Count(); }
+    CCUIBarItem &operator[](int nItem) const { return *m_items[nItem]; }
+    // Null for a number that is none, such as that of the button of what has no room.
+    CCUIBarItem *At(int nItem) const
+    {
+        return nItem >= 0 && nItem < Count() ? m_items[nItem] : nullptr;
+    }
+    // Whether it is still there, for the same command.
+    bool Has(const CCUIBarItem *pItem, unsigned int nID) const;
+    // Takes ownership.
+    void Add(CCUIBarItem *pItem) { m_items.Add(pItem); }
+    void Remove(int nItem);
     // The thickness of a bar with them.
     int Thickness(bool bVertical);
     // Buttons are measured anew: the font, the pictures or the texts are others.
     void ForgetSizes();
+    // The length that all of them need, for a bar of that thickness.
+    int Length(bool bVertical) const;
     // Gives each its place in a bar of that size. What has none is hidden from the first on that
     // does not fit, and windows that are too wide for a vertical bar.
     void Layout(bool bVertical, int cx, int cy);
@@ -71,11 +94,13 @@ public:
 
 private:
     bool HasPicture(const CCUIBarItem &item) const;
+    bool IsTooWide(const CCUIBarItem &item, bool bVertical) const;
     void Measure(CCUIBarItem &item, HDC hDC) const;
     void DrawButton(HDC hDC, const CCUIBarItem &item, CCUIBarLook look, bool bEnabled) const;
     void DrawPicture(HDC hDC, const RECT &rc, const CCUIBarItem &item, int x, bool bEnabled) const;
     void DrawOverflow(HDC hDC, CCUIBarLook look) const;
 
+    CCUArray<CCUIBarItem *> m_items;
     RECT m_rcOverflow = {0, 0, 0, 0};
     RECT m_rcOverflowBefore = {0, 0, 0, 0};
     int m_nAcross = 0;  // that the items have

@@ -2,16 +2,15 @@
 
 #include "CUI/ControlBar.h"
 
-#include "Base/GdiGuards.h"
+#include "Base/Wrap.h"
 #include "CU/Assert.h"
 #include "CUI/Data.h"
-#include "CUI/Draw.h"
 #include "CUI/Settings.h"
 #include "CUI/WindowClass.h"
 #include "Command/CommandText.h"
-#include "Command/IdleWatch.h"
+#include "Control/ControlTip.h"
+#include "Drawing/BufferedPaint.h"
 #include "Frame/BarItems.h"
-#include "Frame/BufferedPaint.h"
 
 #define CU_SOURCE "ControlBar"
 
@@ -22,31 +21,25 @@ const unsigned short SEEN = CUI_COMMAND_ACTIVE | CUI_COMMAND_CHECKED;
 
 }  // namespace
 
-class CCUIBarIdleWatch final : public CCUIIdleWatch
+void CCUIBarItem::OnCommandChanged(unsigned short nNewState, const CCUString &sNewText)
 {
-public:
-    explicit CCUIBarIdleWatch(CCUIControlBar *pBar) : m_pBar(pBar) {}
-    void AfterIdleUpdate() override { m_pBar->RefreshCommands(); }
-
-private:
-    CCUIControlBar *const m_pBar;
-};
+    m_pBar->ShowCommand(*this, nNewState, sNewText);
+}
 
 CCUIControlBar *CCUIControlBar::s_pFirst;
 
 CCUIControlBar::CCUIControlBar()
     : m_pItems(new CCUIBarItems),
-      m_pIdleWatch(new CCUIBarIdleWatch(this)),
       m_pNext(s_pFirst),
       m_side(CUI_BAR_TOP),
       m_bShown(true),
       m_bDragging(false),
       m_bTracking(false),
       m_hTarget(nullptr),
-      m_hTip(nullptr),
       m_nHot(-1),
       m_nPressed(-1),
-      m_bInside(false)
+      m_bInside(false),
+      m_bFilling(false)
 {
     s_pFirst = this;
     // Commands of the windows inside, and of menus that a button opens.
@@ -60,8 +53,7 @@ CCUIControlBar::~CCUIControlBar()
     while (*ppBar != this)
         ppBar = &(*ppBar)->m_pNext;
     *ppBar = m_pNext;
-    DropTip();
-    delete m_pIdleWatch;
+    CUIHideControlTip(m_hWnd);
     delete m_pItems;
 }
 
@@ -93,53 +85,56 @@ int CCUIControlBar::CreateBar(HWND hParent, UINT nID, const char *pszName, CUIBa
     return Create(nullptr, "", nStyle | (m_bShown ? WS_VISIBLE : 0), rcNone, hParent, nID);
 }
 
-// Its owner is the window that the bar is in, which may live on.
-void CCUIControlBar::DropTip()
-{
-    if (m_hTip)
-        DestroyWindow(m_hTip);
-    m_hTip = nullptr;
-}
-
 // --- Items ---
 
 void CCUIControlBar::SetButtons(const unsigned int *pnIDs, int nCount)
 {
     CWatch watch(this);
     RemoveAll();
+    if (watch.IsGone())
+        return;
+    m_bFilling = true;
     int nPicture = 0;
-    for (int i = 0; i < nCount && !watch.IsGone(); ++i) {
-        CCUIBarItem &item = m_pItems->Append();
-        item.nID = pnIDs[i];
-        item.bSeparator = item.nID == 0;
-        item.nPicture = item.bSeparator ? -1 : nPicture++;
-        RefreshItem(m_pItems->Count() - 1, watch);
-    }
+    for (int i = 0; i < nCount && !watch.IsGone(); ++i)
+        Append(pnIDs[i], pnIDs[i] ? nPicture++ : -1, nullptr);
     if (!watch.IsGone())
-        ItemsChanged();
+        ItemsFilled();
 }
 
-// The last item has been appended.
-void CCUIControlBar::ItemAppended()
+// The first look at the command may do what it likes with the bar.
+void CCUIControlBar::Append(unsigned int nID, int nPicture, HWND hControl)
 {
     CWatch watch(this);
-    RefreshItem(m_pItems->Count() - 1, watch);
-    if (!watch.IsGone())
-        ItemsChanged();
+    auto *const pItem = new CCUIBarItem(this);
+    pItem->nPicture = nPicture;
+    pItem->hControl = hControl;
+    if (hControl) {
+        RECT rect = {};
+        GetWindowRect(hControl, &rect);
+        pItem->size = {CUIWidth(rect), CUIHeight(rect)};
+    }
+    m_pItems->Add(pItem);
+    const bool bAlone = !m_bFilling;
+    m_bFilling = true;
+    pItem->SetCommand(nID);
+    if (!watch.IsGone() && bAlone)
+        ItemsFilled();
+}
+
+void CCUIControlBar::ItemsFilled()
+{
+    m_bFilling = false;
+    ItemsChanged();
 }
 
 void CCUIControlBar::AddButton(unsigned int nID, int nPicture)
 {
-    CCUIBarItem &item = m_pItems->Append();
-    item.nID = nID;
-    item.nPicture = nPicture;
-    ItemAppended();
+    Append(nID, nPicture, nullptr);
 }
 
 void CCUIControlBar::AddSeparator()
 {
-    m_pItems->Append().bSeparator = true;
-    ItemAppended();
+    Append(0, -1, nullptr);
 }
 
 void CCUIControlBar::AddControl(HWND hControl, unsigned int nID)
@@ -150,16 +145,8 @@ void CCUIControlBar::AddControl(HWND hControl, unsigned int nID)
     CWatch watch(this);
     if (GetParent(hControl) != m_hWnd)
         SetParent(hControl, m_hWnd);
-    if (watch.IsGone())
-        return;
-    RECT rect = {};
-    GetWindowRect(hControl, &rect);
-    CCUIBarItem &item = m_pItems->Append();
-    item.nID = nID;
-    item.hControl = hControl;
-    item.size.cx = rect.right - rect.left;
-    item.size.cy = rect.bottom - rect.top;
-    ItemAppended();
+    if (!watch.IsGone())
+        Append(nID, -1, hControl);
 }
 
 void CCUIControlBar::RemoveAll()
@@ -168,7 +155,7 @@ void CCUIControlBar::RemoveAll()
     m_nHot = m_nPressed = -1;
     while (!watch.IsGone() && m_pItems->Count() > 0) {
         const HWND hControl = (*m_pItems)[m_pItems->Count() - 1].hControl;
-        m_pItems->Remove(m_pItems->Count() - 1, 1);
+        m_pItems->Remove(m_pItems->Count() - 1);
         if (hControl)
             ShowWindow(hControl, SW_HIDE);
     }
@@ -180,7 +167,7 @@ void CCUIControlBar::SetDropDown(unsigned int nID, CCUIMenu *pMenu)
 {
     for (int i = 0; i < m_pItems->Count(); ++i) {
         CCUIBarItem &item = (*m_pItems)[i];
-        if (item.nID == nID && item.IsButton())
+        if (item.GetCommand() == nID && item.IsButton())
             item.pMenu = pMenu;
     }
     m_pItems->ForgetSizes();
@@ -205,9 +192,11 @@ void CCUIControlBar::TextsChanged()
 {
     CWatch watch(this);
     m_pItems->ForgetSizes();
-    RefreshCommands();
+    m_bFilling = true;
+    for (int i = 0; !watch.IsGone() && i < m_pItems->Count(); ++i)
+        AskText((*m_pItems)[i]);
     if (!watch.IsGone())
-        ItemsChanged();
+        ItemsFilled();
 }
 
 // --- Commands ---
@@ -216,65 +205,61 @@ void CCUIControlBar::RefreshCommands()
 {
     CWatch watch(this);
     for (int i = 0; !watch.IsGone() && i < m_pItems->Count(); ++i)
-        RefreshItem(i, watch);
+        (*m_pItems)[i].UpdateCommand();
 }
 
-// Looks at one command. Its handler may do what it likes with the bar and its items. What is as it
-// was costs nothing but the question.
-void CCUIControlBar::RefreshItem(int nItem, const CWatch &watch)
+// What is done last may be the end of the item and of the bar.
+void CCUIControlBar::ShowCommand(CCUIBarItem &item, unsigned short nState, const CCUString &sText)
 {
-    const unsigned int nID = (*m_pItems)[nItem].nID;
-    if (nID == 0)
+    const auto nSeen = static_cast<unsigned short>(nState & SEEN);
+    const bool bOther = nSeen != item.nState;
+    item.nState = nSeen;
+    if (item.hControl) {
+        EnableWindow(item.hControl, (nState & CUI_COMMAND_ACTIVE) != 0);
         return;
-    const auto isThere = [&] {
-        return !watch.IsGone() && nItem < m_pItems->Count() && (*m_pItems)[nItem].nID == nID;
-    };
-    CCUICommandHandler *const pHandler = CUIFindCommand(nID);
-    const unsigned short nState = pHandler ? pHandler->GetState(nID) : 0;
-    if (!isThere())
-        return;
-    CCUIBarItem &item = (*m_pItems)[nItem];
-    const bool bText = (nState & CUI_COMMAND_TEXT) || item.sText.IsEmpty();
-    if (bText && m_pItems->HasText(item) && pHandler && CUIFindCommand(nID) == pHandler) {
-        const CCUString sText = CUIPlainCommandText(pHandler->GetShortTT(nID));
-        if (isThere())
-            SetItemText(nItem, sText);
-        if (!isThere())
-            return;
     }
-    if ((*m_pItems)[nItem].nState != (nState & SEEN) || (*m_pItems)[nItem].hControl)
-        SetItemState(nItem, nState & SEEN);
+    if (bOther)
+        Repaint(&item.rc);
+    if (nState & CUI_COMMAND_TEXT)
+        SetItemText(item, sText);
+    else
+        AskText(item);
 }
 
-void CCUIControlBar::SetItemText(int nItem, const CCUString &sText)
+// A handler that does not say that its text changes is asked once.
+void CCUIControlBar::AskText(CCUIBarItem &item)
 {
-    CCUIBarItem &item = (*m_pItems)[nItem];
-    if (item.sText == sText)
+    const unsigned int nID = item.GetCommand();
+    if (!m_pItems->HasText(item) || !item.sText.IsEmpty())
         return;
-    item.sText = sText;
-    item.size.cx = 0;
-    if (m_hWnd)
-        ItemsChanged();
+    CCUICommandHandler *const pHandler = CUIFindCommand(nID);
+    if (!pHandler)
+        return;
+    CWatch watch(this);
+    const CCUString sText = pHandler->GetShortTT(nID);
+    if (!watch.IsGone() && m_pItems->Has(&item, nID))
+        SetItemText(item, sText);
 }
 
-void CCUIControlBar::SetItemState(int nItem, unsigned short nState)
+void CCUIControlBar::SetItemText(CCUIBarItem &item, const CCUString &sText)
 {
-    CCUIBarItem &item = (*m_pItems)[nItem];
-    const HWND hControl = item.hControl;
-    const bool bEnable = (nState & CUI_COMMAND_ACTIVE) != 0;
-    item.nState = nState;
-    if (!hControl)
-        RepaintItem(nItem);
-    if (hControl && (IsWindowEnabled(hControl) != 0) != bEnable)
-        EnableWindow(hControl, bEnable);
+    const CCUString sPlain = CUIPlainCommandText(sText);
+    if (item.sText == sPlain)
+        return;
+    item.sText = sPlain;
+    if (!m_pItems->HasText(item))
+        return;
+    item.size.cx = 0;
+    if (!m_bFilling)
+        ItemsChanged();
 }
 
 // --- Places ---
 
 RECT CCUIControlBar::GetItemRect(int nItem) const
 {
-    const RECT rcNone = {0, 0, 0, 0};
-    return nItem >= 0 && nItem < m_pItems->Count() ? (*m_pItems)[nItem].rc : rcNone;
+    const CCUIBarItem *const pItem = m_pItems->At(nItem);
+    return pItem ? pItem->rc : RECT{0, 0, 0, 0};
 }
 
 RECT CCUIControlBar::GetOverflowRect() const
@@ -313,7 +298,7 @@ void CCUIControlBar::Layout()
     for (int i = m_pItems->Count() - 1; i >= 0; --i) {
         const HWND hControl = (*m_pItems)[i].hControl;
         if (hControl && GetParent(hControl) != m_hWnd) {
-            m_pItems->Remove(i, 1);
+            m_pItems->Remove(i);
             m_nHot = m_nPressed = -1;
         }
     }
@@ -410,12 +395,12 @@ void CCUIControlBar::SaveState() const
 void CCUIControlBar::OnPaint(HDC hDC)
 {
     const CUIData *const pData = CUIGetWinData();
-    const CCUIBufferedPaint paint(m_hWnd, hDC);
-    const CCUISelect font(paint, pData->hMenuFont);
-    FillRect(paint, &paint.Area(), pData->hbrBtnFace);
+    CCUIBufferedPaint paint(m_hWnd, hDC);
+    const HDC hPicture = paint.Begin(pData->hMenuFont);
+    FillRect(hPicture, &paint.Area(), pData->hbrBtnFace);
     RECT client;
     GetClientRect(m_hWnd, &client);
-    m_pItems->DrawGrip(paint, IsVertical(), client.right, client.bottom);
+    m_pItems->DrawGrip(hPicture, IsVertical(), client.right, client.bottom);
     const bool bEnabled = IsWindowEnabled(m_hWnd) != 0;
     for (int i = 0; i <= m_pItems->Count(); ++i) {
         if (!paint.Touches(m_pItems->Place(i)))
@@ -423,11 +408,6 @@ void CCUIControlBar::OnPaint(HDC hDC)
         const CCUIBarLook look = i == m_nPressed && m_bInside ? CUI_LOOK_PRESSED
                                  : i == m_nHot                ? CUI_LOOK_HOT
                                                               : CUI_LOOK_PLAIN;
-        m_pItems->Draw(paint, i, look, bEnabled);
+        m_pItems->Draw(hPicture, i, look, bEnabled);
     }
-}
-
-void CCUIControlBar::ReloadPictures()
-{
-    CUIReloadSystemColors(m_pItems->m_strip);
 }

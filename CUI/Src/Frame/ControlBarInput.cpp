@@ -2,13 +2,13 @@
 
 #include "CUI/ControlBar.h"
 
-#include <commctrl.h>
-
+#include "CUI/LayoutWindow.h"
 #include "CUI/Menu.h"
+#include "CUI/ToolTip.h"
 #include "Command/CommandText.h"
+#include "Control/ControlTip.h"
+#include "Drawing/Look.h"
 #include "Frame/BarItems.h"
-#include "Frame/BarTip.h"
-#include "Frame/BufferedPaint.h"
 
 namespace {
 
@@ -48,8 +48,8 @@ bool CCUIControlBar::CanPress(int nItem) const
 {
     if (nItem < 0 || nItem > m_pItems->Count() || IsRectEmpty(&m_pItems->Place(nItem)))
         return false;
-    return nItem == m_pItems->Count() ||
-           ((*m_pItems)[nItem].IsButton() && ((*m_pItems)[nItem].nState & CUI_COMMAND_ACTIVE));
+    const CCUIBarItem *const pItem = m_pItems->At(nItem);
+    return !pItem || (pItem->IsButton() && (pItem->nState & CUI_COMMAND_ACTIVE));
 }
 
 // --- The lit item ---
@@ -58,21 +58,29 @@ void CCUIControlBar::SetHot(int nItem)
 {
     if (nItem == m_nHot)
         return;
+    CWatch watch(this);
     RepaintItem(m_nHot);
     m_nHot = nItem;
     RepaintItem(nItem);
-    UpdateTip();
-    const unsigned int nID = nItem >= 0 && nItem < m_pItems->Count() ? (*m_pItems)[nItem].nID : 0;
-    SendMessageA(Target(), WM_MENUSELECT, MAKEWPARAM(nID, nID ? 0 : MENU_CLOSED), 0);
+    const CCUIBarItem *const pItem = m_pItems->At(nItem);
+    const unsigned int nID = pItem ? pItem->GetCommand() : 0;
+    ShowTip(nID);
+    if (!watch.IsGone() && m_hWnd)
+        SendMessageA(Target(), WM_MENUSELECT, MAKEWPARAM(nID, nID ? 0 : MENU_CLOSED), 0);
 }
 
-void CCUIControlBar::UpdateTip()
+// Of the lit item, whose command that is.
+void CCUIControlBar::ShowTip(unsigned int nID)
 {
-    if (!m_hTip && m_nHot >= 0)
-        m_hTip = CUIMakeBarTip(m_hWnd);
-    const RECT rcNone = {0, 0, 0, 0};
-    if (m_hTip)
-        CUIMoveBarTip(m_hTip, m_hWnd, m_nHot >= 0 ? m_pItems->Place(m_nHot) : rcNone);
+    CWatch watch(this);
+    CCUICommandHandler *const pHandler = GetShowToolTips() ? CUIFindCommand(nID) : nullptr;
+    const CCUString sTip = pHandler ? pHandler->GetShortTT(nID) : CCUString();
+    if (watch.IsGone() || !m_hWnd)
+        return;
+    if (sTip.IsEmpty() || m_nHot < 0)
+        CUIHideControlTip(m_hWnd);
+    else
+        CUIControlTip().SetTool(m_hWnd, &m_pItems->Place(m_nHot), sTip);
 }
 
 bool CCUIControlBar::IsMouseOver() const
@@ -176,8 +184,9 @@ void CCUIControlBar::SendCommand(unsigned int nID)
 
 void CCUIControlBar::Press(int nItem)
 {
-    if (CanPress(nItem) && nItem < m_pItems->Count())
-        SendCommand((*m_pItems)[nItem].nID);
+    const CCUIBarItem *const pItem = m_pItems->At(nItem);
+    if (pItem && CanPress(nItem))
+        SendCommand(pItem->GetCommand());
 }
 
 void CCUIControlBar::OnCommand(UINT nCode, UINT nID, HWND hControl)
@@ -192,16 +201,6 @@ void CCUIControlBar::OnCommand(UINT nCode, UINT nID, HWND hControl)
 
 long CCUIControlBar::OnNotify(UINT nID, NMHDR *pHeader)
 {
-    if (m_hTip && pHeader->hwndFrom == m_hTip) {
-        if (pHeader->code == TTN_NEEDTEXTA && m_nHot >= 0 && m_nHot < m_pItems->Count() &&
-            GetShowToolTips())
-        {
-            const unsigned int nCommand = (*m_pItems)[m_nHot].nID;
-            if (CCUICommandHandler *const pHandler = CUIFindCommand(nCommand))
-                CUIAnswerBarTip(pHeader, CUIPlainCommandText(pHandler->GetShortTT(nCommand)));
-        }
-        return 0;
-    }
     CWatch watch(this);
     long result = 0;
     if (ReflectLastMessage(pHeader->hwndFrom, &result) || watch.IsGone())
@@ -217,8 +216,8 @@ void CCUIControlBar::OpenMenu(int nItem, CCUIMenu &menu)
     CWatch watch(this);
     m_nPressed = nItem;
     m_bInside = true;
-    if (nItem < m_pItems->Count())
-        (*m_pItems)[nItem].bArrow = true;
+    if (CCUIBarItem *const pItem = m_pItems->At(nItem))
+        pItem->bArrow = true;
     RepaintItem(nItem);
     const RECT rcItem = m_pItems->Place(nItem);
     RECT rcScreen = rcItem;
@@ -239,8 +238,8 @@ void CCUIControlBar::OpenMenu(int nItem, CCUIMenu &menu)
         PeekMessageA(&msg, m_hWnd, WM_LBUTTONDOWN, WM_LBUTTONDOWN, PM_REMOVE);
     if (watch.IsGone() || !m_hWnd)
         return;
-    if (nItem < m_pItems->Count())
-        (*m_pItems)[nItem].bArrow = false;
+    if (CCUIBarItem *const pItem = m_pItems->At(nItem))
+        pItem->bArrow = false;
     RepaintItem(nItem);
     EndPress();
     if (!watch.IsGone())
@@ -263,8 +262,8 @@ void CCUIControlBar::OpenOverflow()
         if (!IsRectEmpty(&item.rc))
             continue;
         // Only between commands.
-        bSeparator = bSeparator || item.bSeparator;
-        const unsigned int nID = item.nID;
+        bSeparator = bSeparator || item.IsSeparator();
+        const unsigned int nID = item.GetCommand();
         CCUICommandHandler *const pHandler = CUIFindCommand(nID);
         if (!pHandler)
             continue;
@@ -325,7 +324,8 @@ int CCUIControlBar::NextItem(int nFrom, int nStep) const
     int nItem = nFrom < 0 && nStep < 0 ? 0 : nFrom;
     for (int i = 0; i < nPlaces; ++i) {
         nItem = (nItem + nStep + nPlaces) % nPlaces;
-        const HWND hControl = nItem < m_pItems->Count() ? (*m_pItems)[nItem].hControl : nullptr;
+        const CCUIBarItem *const pItem = m_pItems->At(nItem);
+        const HWND hControl = pItem ? pItem->hControl : nullptr;
         const bool bStop = hControl && IsWindowVisible(hControl) && IsWindowEnabled(hControl) &&
                            (GetWindowLongA(hControl, GWL_STYLE) & WS_TABSTOP);
         if (bStop || CanPress(nItem))
@@ -336,37 +336,35 @@ int CCUIControlBar::NextItem(int nFrom, int nStep) const
 
 void CCUIControlBar::GoTo(int nItem)
 {
-    if (nItem >= 0 && nItem < m_pItems->Count() && (*m_pItems)[nItem].hControl)
-        SetFocus((*m_pItems)[nItem].hControl);
+    const CCUIBarItem *const pItem = m_pItems->At(nItem);
+    if (pItem && pItem->hControl)
+        SetFocus(pItem->hControl);
     else
         SetHot(nItem);
 }
 
-void CCUIControlBar::PressByKey(bool bMenu)
+void CCUIControlBar::PressByKey()
 {
     const int nItem = m_nHot;
     if (!CanPress(nItem))
         return;
     if (nItem == m_pItems->Count()) {
         OpenOverflow();
-    } else if (bMenu) {
-        if ((*m_pItems)[nItem].pMenu)
-            OpenMenu(nItem, *(*m_pItems)[nItem].pMenu);
-    } else {
-        // The command is for the window that had the focus.
-        CWatch watch(this);
-        LeaveKeyboard();
-        if (!watch.IsGone() && m_hWnd)
-            Press(nItem);
+        return;
     }
+    // The command is for the window that had the focus.
+    CWatch watch(this);
+    LeaveKeyboard();
+    if (!watch.IsGone() && m_hWnd)
+        Press(nItem);
 }
 
 void CCUIControlBar::OnKeyDown(UINT nKey, UINT nRepeat, UINT nFlags)
 {
-    const bool bMenuKey = nKey == (IsVertical() ? VK_RIGHT : VK_DOWN) && m_nHot >= 0 &&
-                          m_nHot < m_pItems->Count() && (*m_pItems)[m_nHot].pMenu;
-    if (bMenuKey) {
-        PressByKey(true);
+    const CCUIBarItem *const pItem = m_pItems->At(m_nHot);
+    if (pItem && pItem->pMenu && nKey == (IsVertical() ? VK_RIGHT : VK_DOWN)) {
+        if (CanPress(m_nHot))
+            OpenMenu(m_nHot, *pItem->pMenu);
         return;
     }
     switch (nKey) {
@@ -377,7 +375,7 @@ void CCUIControlBar::OnKeyDown(UINT nKey, UINT nRepeat, UINT nFlags)
     case VK_HOME: GoTo(NextItem(-1, 1)); break;
     case VK_END: GoTo(NextItem(0, -1)); break;
     case VK_RETURN:
-    case VK_SPACE: PressByKey(false); break;
+    case VK_SPACE: PressByKey(); break;
     case VK_ESCAPE: LeaveKeyboard(); break;
     default: CCUIControlWindow::OnKeyDown(nKey, nRepeat, nFlags); break;
     }
@@ -472,8 +470,16 @@ bool CCUIControlBar::Handle(UINT message, WPARAM wParam, LPARAM lParam, long &re
 {
     switch (message) {
     case WM_ERASEBKGND: result = 1; return true;
+    case CUI_WM_NATURALSIZE: {
+        SIZE &size = *reinterpret_cast<SIZE *>(lParam);
+        const int nThickness = m_pItems->Thickness(IsVertical());
+        const int nLength = m_pItems->Length(IsVertical());
+        size.cx = IsVertical() ? nThickness : nLength;
+        size.cy = IsVertical() ? nLength : nThickness;
+        return true;
+    }
     case WM_MENUSELECT: SendMessageA(Target(), message, wParam, lParam); return true;
-    case WM_SYSCOLORCHANGE: ReloadPictures(); break;
+    case WM_SYSCOLORCHANGE: CUIReloadSystemColors(m_pItems->m_strip); break;
     case WM_MOUSELEAVE: MouseHasLeft(); break;
     case WM_CANCELMODE: EndPress(); break;
     case WM_KILLFOCUS: SetHot(-1); break;
@@ -482,7 +488,7 @@ bool CCUIControlBar::Handle(UINT message, WPARAM wParam, LPARAM lParam, long &re
         m_nPressed = -1;
         break;
     case WM_DESTROY:
-        DropTip();
+        CUIHideControlTip(m_hWnd);
         m_nHot = m_nPressed = -1;
         m_bTracking = false;
         break;
@@ -532,9 +538,9 @@ long CCUIControlBar::WindowProc(UINT message, WPARAM wParam, LPARAM lParam)
         ItemsChanged();
         break;
     default:
-        // Behind the handlers: a move may have made the tip, or found it another item.
-        if (m_hTip && message >= WM_MOUSEFIRST && message <= WM_MBUTTONUP)
-            CUIRelayToBarTip(m_hTip, m_hWnd, message, wParam, lParam);
+        // Behind the handlers: a move may have found the tip another item.
+        if (message >= WM_MOUSEFIRST && message <= WM_MBUTTONUP)
+            CUIRelayToControlTip(m_hWnd, message, wParam, lParam);
         break;
     }
     return result;

@@ -15,19 +15,26 @@ bool IsShown(HWND hWnd)
 }
 
 // Cuts a strip off a side of the room, at most as much as there is.
-RECT Cut(RECT &room, CCUIFrameWindow::Side side, LONG nThickness)
+RECT Cut(RECT &room, CUIBarSide side, LONG nThickness)
 {
-    const bool bAcross = side == CCUIFrameWindow::SideTop || side == CCUIFrameWindow::SideBottom;
+    const bool bAcross = side < CUI_BAR_LEFT;
     const LONG nMost = bAcross ? room.bottom - room.top : room.right - room.left;
     const LONG n = nThickness < 0 ? 0 : nThickness > nMost ? nMost : nThickness;
     RECT strip = room;
     switch (side) {
-    case CCUIFrameWindow::SideTop: strip.bottom = room.top += n; break;
-    case CCUIFrameWindow::SideBottom: strip.top = room.bottom -= n; break;
-    case CCUIFrameWindow::SideLeft: strip.right = room.left += n; break;
-    case CCUIFrameWindow::SideRight: strip.left = room.right -= n; break;
+    case CUI_BAR_TOP: strip.bottom = room.top += n; break;
+    case CUI_BAR_BOTTOM: strip.top = room.bottom -= n; break;
+    case CUI_BAR_LEFT: strip.right = room.left += n; break;
+    case CUI_BAR_RIGHT: strip.left = room.right -= n; break;
     }
     return strip;
+}
+
+void Move(HWND hChild, const RECT &place, CCUIMoveBatch &moves)
+{
+    RECT now;
+    if (moves.Find(hChild, now))
+        moves.Add(hChild, now, place);
 }
 
 }  // namespace
@@ -47,7 +54,7 @@ int CCUIFrameDocks::FindBar(HWND hWnd) const
     return -1;
 }
 
-void CCUIFrameDocks::AddBar(CCUIControlWindow *pBar, CCUIFrameWindow::Side side,
+void CCUIFrameDocks::AddBar(CCUIControlWindow *pBar, CUIBarSide side,
                             CCUIFrameWindow::SideOf *pSideOf)
 {
     const CBar bar = {*pBar, pBar, side, pSideOf, false};
@@ -105,8 +112,8 @@ void CCUIFrameDocks::Place(HWND hFrame, const CBar &bar, RECT &room, CCUIMoveBat
 {
     if (!TakesRoom(hFrame, bar))
         return;
-    const CCUIFrameWindow::Side side = bar.pSideOf ? bar.pSideOf(bar.pBar) : bar.side;
-    moves.Add(hFrame, bar.hWnd, Cut(room, side, bar.pBar->GetFixedSize()));
+    const CUIBarSide side = bar.pSideOf ? bar.pSideOf(bar.pBar) : bar.side;
+    Move(bar.hWnd, Cut(room, side, bar.pBar->GetFixedSize()), moves);
 }
 
 void CCUIFrameDocks::Plan(HWND hFrame, CCUIMoveBatch &moves)
@@ -118,7 +125,7 @@ void CCUIFrameDocks::Plan(HWND hFrame, CCUIMoveBatch &moves)
         Place(hFrame, m_bars[i], room, moves);
     const HWND hClient = GetClient();
     if (IsIn(hFrame, hClient))
-        moves.Add(hFrame, hClient, room);
+        Move(hClient, room, moves);
 }
 
 void CCUIFrameDocks::ShowBars(bool bShow)

@@ -2,7 +2,7 @@
 
 #include "Base/Array.h"
 #include "CUI/FrameWindow.h"
-#include "Frame/MoveBatch.h"
+#include "Window/MoveBatch.h"
 
 // The children of a frame: who they are and where they stand. Their objects may go at any time, so
 // each is asked for by its window before it is touched.
@@ -17,8 +17,7 @@ public:
     static bool IsIn(HWND hFrame, HWND hWnd);
 
     // With a null pSideOf, which else tells the side.
-    void AddBar(CCUIControlWindow *pBar, CCUIFrameWindow::Side side,
-                CCUIFrameWindow::SideOf *pSideOf);
+    void AddBar(CCUIControlWindow *pBar, CUIBarSide side, CCUIFrameWindow::SideOf *pSideOf);
     void SetStatusBar(CCUIControlWindow *pBar, CCUIHelpText *pHelp);
     void SetClient(CCUIWindow *pClient);
     // Forgets a child; false where it is none of these.
@@ -38,7 +37,7 @@ private:
     {
         HWND hWnd;
         CCUIControlWindow *pBar;
-        CCUIFrameWindow::Side side;
+        CUIBarSide side;
         CCUIFrameWindow::SideOf *pSideOf;
         bool bHidden;  // by ShowBars
     };
@@ -48,7 +47,7 @@ private:
     int FindBar(HWND hWnd) const;
 
     CCUArray<CBar> m_bars;
-    CBar m_statusBar = {nullptr, nullptr, CCUIFrameWindow::SideBottom, nullptr, false};
+    CBar m_statusBar = {nullptr, nullptr, CUI_BAR_BOTTOM, nullptr, false};
     CCUIHelpText *m_pHelp = nullptr;
     HWND m_hClient = nullptr;
     CCUIWindow *m_pClient = nullptr;

@@ -72,21 +72,6 @@ bool TakeArgument(const char *&psz, CCUString &sArgument)
 
 }  // namespace
 
-CCUString CUIFullPath(const char *pszPath, const char *pszFolder)
-{
-    CCUString sPath = pszPath;
-    const bool bRelative = *pszPath != '\\' && *pszPath != '/' && sPath.Find(':') < 0;
-    if (bRelative && *pszFolder)
-        sPath = CCUString(pszFolder) + "\\" + sPath;
-    char *pszName = nullptr;
-    CCUString sFull;
-    const DWORD nRoom = GetFullPathNameA(sPath, 0, nullptr, &pszName);
-    const DWORD nLength =
-        GetFullPathNameA(sPath, nRoom, sFull.GetBuffer(static_cast<int>(nRoom)), &pszName);
-    sFull.ReleaseBuffer(nLength < nRoom ? static_cast<int>(nLength) : 0);
-    return sFull.IsEmpty() ? sPath : sFull;
-}
-
 void CCUIFrameWindow::AcceptFiles(bool bAccept)
 {
     if (!Exist())

@@ -7,7 +7,7 @@
 #include "CUI/Settings.h"
 #include "Frame/FrameDocks.h"
 #include "Frame/Placement.h"
-#include "Frame/Screen.h"
+#include "Window/Screen.h"
 
 namespace {
 

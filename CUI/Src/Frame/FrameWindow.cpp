@@ -4,11 +4,11 @@
 
 #include "Base/Array.h"
 #include "CU/Assert.h"
-#include "CUI/CommandHandler.h"
-#include "CUI/CommandMap.h"
-#include "CUI/Data.h"
+#include "CUI/Control.h"
+#include "CUI/ControlBar.h"
 #include "CUI/RecentFiles.h"
 #include "CUI/WindowClass.h"
+#include "Command/CommandText.h"
 #include "Frame/FrameDocks.h"
 #include "Frame/Paths.h"
 
@@ -18,8 +18,6 @@ namespace {
 
 // Children that change their size again and again while they are laid out come to no end.
 const int MOST_PASSES = 4;
-// Of commands with handlers; below are those of dialogs and the system.
-const UINT FIRST_COMMAND = 1000;
 const UINT MENU_CLOSED = 0xFFFF;
 
 CCUIFrameWindow *s_pMainFrame;
@@ -32,15 +30,6 @@ bool IsKey(UINT message)
 bool CanFocus(HWND hFrame, HWND hWnd)
 {
     return hWnd && IsChild(hFrame, hWnd) && IsWindowVisible(hWnd) && IsWindowEnabled(hWnd);
-}
-
-// The help text of a menu's item; "" where it has none.
-CCUString HelpOf(UINT nItem, UINT nFlags)
-{
-    const bool bCommand = !(nFlags & (MF_POPUP | MF_SYSMENU | MF_SEPARATOR));
-    CCUICommandHandler *const pHandler =
-        bCommand && nItem >= FIRST_COMMAND ? CCUICommandMap::Lookup(nItem) : nullptr;
-    return pHandler ? pHandler->GetLongTT(nItem) : CCUString();
 }
 
 }  // namespace
@@ -236,12 +225,22 @@ int CCUIFrameWindow::PreTranslateMessage(MSG *pMsg)
     CWatch watch(this);
     if (CCUIWindow::PreTranslateMessage(pMsg) || watch.IsGone())
         return 1;
-    const bool bEscape = pMsg->message == WM_KEYDOWN && pMsg->wParam == VK_ESCAPE;
     const bool bOwn = pMsg->hwnd == m_hWnd || IsChild(m_hWnd, pMsg->hwnd);
-    if (!bEscape || !bOwn || !m_bFullScreen)
-        return 0;
+    return bOwn && TranslateOwnKey(*pMsg);
+}
+
+bool CCUIFrameWindow::TranslateOwnKey(const MSG &msg)
+{
+    if (msg.message == WM_SYSCHAR)
+        return CUITranslateMnemonic(m_hWnd, &msg) != 0;
+    if (msg.message != WM_KEYDOWN)
+        return false;
+    if (msg.wParam == VK_F6)
+        return CCUIControlBar::ActivateNext(m_hWnd, GetKeyState(VK_SHIFT) < 0);
+    if (msg.wParam != VK_ESCAPE || !m_bFullScreen)
+        return false;
     SetFullScreen(false);
-    return 1;
+    return true;
 }
 
 void CCUIFrameWindow::OnInitMenuPopup(HMENU hMenu, UINT nIndex, int bSystemMenu)
@@ -256,7 +255,7 @@ void CCUIFrameWindow::OnMenuSelect(UINT nItem, UINT nFlags, HMENU hMenu)
     CWatch watch(this);
     if (m_pDocks->GetHelp()) {
         const bool bClosed = nFlags == MENU_CLOSED && !hMenu;
-        const CCUString sHelp = bClosed ? CCUString() : HelpOf(nItem, nFlags);
+        const CCUString sHelp = bClosed ? CCUString() : CUICommandHelp(nItem, nFlags);
         // The handler may have changed what there is.
         CCUIHelpText *const pHelp = watch.IsGone() ? nullptr : m_pDocks->GetHelp();
         if (pHelp && bClosed)
@@ -270,12 +269,12 @@ void CCUIFrameWindow::OnMenuSelect(UINT nItem, UINT nFlags, HMENU hMenu)
 
 // --- What is inside ---
 
-int CCUIFrameWindow::AddBar(CCUIControlWindow *pBar, Side side)
+int CCUIFrameWindow::AddBar(CCUIControlWindow *pBar, CUIBarSide side)
 {
     return AddBar(pBar, side, nullptr);
 }
 
-int CCUIFrameWindow::AddBar(CCUIControlWindow *pBar, Side side, SideOf *pSideOf)
+int CCUIFrameWindow::AddBar(CCUIControlWindow *pBar, CUIBarSide side, SideOf *pSideOf)
 {
     if (!pBar || !CCUIFrameDocks::IsIn(m_hWnd, *pBar))
         return 0;
@@ -321,7 +320,7 @@ void CCUIFrameWindow::Layout()
     m_bLayingOut = true;
     for (int i = 0; m_hWnd && m_bLayOutAgain && i < MOST_PASSES; ++i) {
         m_bLayOutAgain = false;
-        CCUIMoveBatch moves;
+        CCUIMoveBatch moves(m_hWnd);
         m_pDocks->Plan(m_hWnd, moves);
         moves.Perform();
         if (watch.IsGone())

@@ -2,7 +2,9 @@
 
 #include <stdio.h>
 
-#include "Frame/Screen.h"
+#include "Base/Wrap.h"
+
+#include "Window/Screen.h"
 
 namespace {
 
@@ -12,16 +14,6 @@ const LONG LEAST_SEEN = 64;
 const LONG FARTHEST = 32767;
 const int LEAST_DPI = 24;
 const int MOST_DPI = 2400;
-
-LONG Larger(LONG a, LONG b)
-{
-    return a > b ? a : b;
-}
-
-LONG Smaller(LONG a, LONG b)
-{
-    return a < b ? a : b;
-}
 
 void Move(RECT &rect, LONG x, LONG y)
 {
@@ -41,17 +33,17 @@ POINT WorkspaceOrigin()
 // Whether the user can take the window by its caption.
 bool IsWithinReach(const RECT &rect, const RECT &work)
 {
-    const LONG nSeen = Smaller(rect.right, work.right) - Larger(rect.left, work.left);
+    const LONG nSeen = CUISmaller(rect.right, work.right) - CUILarger(rect.left, work.left);
     const LONG nCaption = GetSystemMetrics(SM_CYCAPTION);
-    return nSeen >= Smaller(LEAST_SEEN, rect.right - rect.left) && rect.top >= work.top &&
+    return nSeen >= CUISmaller(LEAST_SEEN, rect.right - rect.left) && rect.top >= work.top &&
            rect.top + nCaption <= work.bottom;
 }
 
 // The part of a range that keeps its length, as far as there is room.
 void Fit(LONG &nFrom, LONG &nTo, LONG nFirst, LONG nEnd)
 {
-    const LONG nLength = Smaller(nTo - nFrom, nEnd - nFirst);
-    nFrom = Larger(Smaller(nFrom, nEnd - nLength), nFirst);
+    const LONG nLength = CUISmaller(nTo - nFrom, nEnd - nFirst);
+    nFrom = CUILarger(CUISmaller(nFrom, nEnd - nLength), nFirst);
     nTo = nFrom + nLength;
 }
 

@@ -4,6 +4,7 @@
 #include "CU/Dump.h"
 #include "CUI/Data.h"
 #include "CUI/FrameWindow.h"
+#include "CUI/MessageBox.h"
 #include "CUI/Settings.h"
 #include "Frame/Paths.h"
 
@@ -244,6 +245,5 @@ void CCUIRecentFiles::OnGone(const CCUString &sPath, DWORD nError)
     char szReason[256] = "";
     FormatMessageA(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr, nError, 0,
                    szReason, sizeof szReason, nullptr);
-    MessageBoxA(m_pFrame ? m_pFrame->GetHandle() : GetActiveWindow(), sPath + "\r\n\r\n" + szReason,
-                CUIFileName(sPath), MB_ICONEXCLAMATION);
+    CUIMessageBox(m_pFrame, sPath + "\n\n" + szReason, CUIFileName(sPath), MB_ICONEXCLAMATION);
 }

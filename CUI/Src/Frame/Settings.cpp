@@ -2,29 +2,13 @@
 
 #include "Base/Lifetime.h"
 #include "CU/Dump.h"
-#include "Frame/ProgramName.h"
+#include "Frame/Paths.h"
 
 namespace {
 
 CCUShared<CCUString> s_key;
 
 }  // namespace
-
-CCUString CUIProgramName()
-{
-    char path[MAX_PATH] = "";
-    GetModuleFileNameA(nullptr, path, MAX_PATH - 1);
-    const char *pszName = path;
-    for (const char *psz = path; *psz; psz = CharNextA(psz)) {
-        if (*psz == '\\')
-            pszName = psz + 1;
-    }
-    CCUString sName(pszName);
-    const int nDot = sName.ReverseFind('.');
-    if (nDot > 0)
-        sName = sName.Left(nDot);
-    return sName;
-}
 
 void CUISetSettingsKey(const char *pszKey)
 {

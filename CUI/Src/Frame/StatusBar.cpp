@@ -2,22 +2,15 @@
 
 #include <commctrl.h>
 
-#include "Base/GdiGuards.h"
 #include "CU/Assert.h"
 #include "CUI/Data.h"
 #include "CUI/Draw.h"
 #include "Command/CommandText.h"
-#include "Frame/BufferedPaint.h"
+#include "Drawing/BufferedPaint.h"
+#include "Drawing/Look.h"
 #include "Frame/StatusPane.h"
 
 #define CU_SOURCE "StatusBar"
-
-namespace {
-
-// What OnMenuSelect hears when a menu has closed.
-const UINT MENU_CLOSED = 0xFFFF;
-
-}  // namespace
 
 CCUIStatusBar::CCUIStatusBar() : m_pPanes(new CCUIStatusPanes), m_bHelp(false), m_bGrip(false)
 {
@@ -167,15 +160,13 @@ void CCUIStatusBar::ClearHelp()
 
 void CCUIStatusBar::ShowCommandHelp(UINT nID, UINT nFlags)
 {
-    const bool bCommand = nFlags != MENU_CLOSED && !(nFlags & (MF_POPUP | MF_SYSMENU));
-    CCUICommandHandler *const pHandler = bCommand ? CUIFindCommand(nID) : nullptr;
-    if (!pHandler) {
-        ClearHelp();
-        return;
-    }
     CWatch watch(this);
-    const CCUString sText = pHandler->GetLongTT(nID);
-    if (!watch.IsGone())
+    const CCUString sText = CUICommandHelp(nID, nFlags);
+    if (watch.IsGone())
+        return;
+    if (sText.IsEmpty())
+        ClearHelp();
+    else
         ShowHelp(sText);
 }
 
@@ -266,23 +257,24 @@ void CCUIStatusBar::OnSized()
 void CCUIStatusBar::OnPaint(HDC hDC)
 {
     const CUIData *const pData = CUIGetWinData();
-    const CCUIBufferedPaint paint(m_hWnd, hDC);
-    const CCUISelect font(paint, pData->hStatusFont);
+    CCUIBufferedPaint paint(m_hWnd, hDC);
+    const HDC hPicture = paint.Begin(pData->hStatusFont);
     const unsigned long crWindow = m_propData.crWindow;
     const DWORD crText = pData->crSys[IsWindowEnabled(m_hWnd) ? COLOR_BTNTEXT : COLOR_GRAYTEXT];
     // With the brush where there can be one: of few colours it mixes what the frame around has.
     if (crWindow == CUI_NO_WINDOW_COLOR)
-        FillRect(paint, &paint.Area(), pData->hbrBtnFace);
+        FillRect(hPicture, &paint.Area(), pData->hbrBtnFace);
     else
-        CUIDCFillSolidRect(paint, &paint.Area(), pData->ResolveColor(crWindow));
+        CUIDCFillSolidRect(hPicture, &paint.Area(), pData->ResolveColor(crWindow));
     for (int i = 0; i < m_pPanes->Count(); ++i) {
         const CCUIStatusPane &pane = (*m_pPanes)[i];
         if (paint.Touches(pane.rc))
-            pane.Draw(paint, m_bHelp && i == 0 ? &m_sHelp : nullptr, pData->ResolveColor(crText));
+            pane.Draw(hPicture, m_bHelp && i == 0 ? &m_sHelp : nullptr,
+                      pData->ResolveColor(crText));
     }
     RECT rcGrip = GripRect();
     if (m_bGrip && paint.Touches(rcGrip))
-        DrawFrameControl(paint, &rcGrip, DFC_SCROLL, DFCS_SCROLLSIZEGRIP);
+        DrawFrameControl(hPicture, &rcGrip, DFC_SCROLL, DFCS_SCROLLSIZEGRIP);
 }
 
 void CCUIStatusBar::ReloadPictures()

@@ -5,7 +5,7 @@
 #include "CUI/BmpBlt.h"
 #include "CUI/Data.h"
 #include "CUI/Draw.h"
-#include "Frame/BufferedPaint.h"
+#include "Drawing/Look.h"
 
 namespace {
 
@@ -13,11 +13,6 @@ namespace {
 const int GAP = 2;      // between panes, and above them
 const int PADDING = 3;  // between a pane's border and what is in it
 const int BORDER = 1;
-
-int Larger(int a, int b)
-{
-    return a > b ? a : b;
-}
 
 // The text behind the tabs that align it, and how it is aligned.
 const char *Aligned(const CCUString &sText, UINT &nAlign)
@@ -38,8 +33,7 @@ void DrawLine(HDC hDC, const CCUString &sText, RECT rc)
 {
     UINT nAlign = 0;
     const char *const pszText = Aligned(sText, nAlign);
-    DrawTextA(hDC, pszText, -1, &rc,
-              nAlign | DT_SINGLELINE | DT_VCENTER | DT_NOPREFIX | DT_END_ELLIPSIS);
+    DrawTextA(hDC, pszText, -1, &rc, nAlign | DT_NOPREFIX | CUI_TEXT_LINE);
 }
 
 int TextWidth(HDC hDC, const CCUString &sText)
@@ -116,7 +110,7 @@ int CCUIStatusPanes::NaturalHeight() const
     GetTextMetricsA(screen, &metrics);
     int cyContent = metrics.tmHeight + CUIScale(1);
     for (int i = 0; i < Count(); ++i)
-        cyContent = Larger(cyContent, (*this)[i].picture.Height());
+        cyContent = CUILarger(cyContent, (*this)[i].picture.Height());
     return CUIScale(GAP) + 2 * BORDER + cyContent + CUIScale(PADDING);
 }
 
@@ -141,7 +135,7 @@ int CCUIStatusPanes::Width(CCUIStatusPane &pane, HDC hDC) const
                 pane.cxContent += CUIScale(PADDING);
         }
     }
-    return Larger(pane.cxContent, pane.nSize);
+    return CUILarger(pane.cxContent, pane.nSize);
 }
 
 void CCUIStatusPanes::Layout(int cx, int cy)

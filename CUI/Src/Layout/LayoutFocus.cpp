@@ -1,5 +1,6 @@
 // The way of the focus through a layout.
 
+#include "CUI/Control.h"
 #include "CUI/LayoutWindow.h"
 
 namespace {
@@ -82,6 +83,9 @@ int CCUILayoutWindow::PreTranslateMessage(MSG *pMsg)
     CWatch watch(this);
     const bool bTab = pMsg->message == WM_KEYDOWN && pMsg->wParam == VK_TAB;
     if (bTab && (MoveFocus(pMsg->hwnd) || watch.IsGone()))
+        return 1;
+    if (pMsg->message == WM_SYSCHAR && !IsInsideDialog(m_hWnd) &&
+        CUITranslateMnemonic(m_hWnd, pMsg))
         return 1;
     return CCUIControlWindow::PreTranslateMessage(pMsg);
 }

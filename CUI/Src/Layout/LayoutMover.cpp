@@ -1,6 +1,5 @@
 #include "Layout/LayoutMover.h"
 
-#include "Base/Wrap.h"
 #include "Layout/Splitter.h"
 
 namespace {
@@ -26,9 +25,8 @@ int PlaceInReach(int nPos, int nSize, int nClient)
 
 CCUILayoutMover::CCUILayoutMover(HWND hLayout, CCUILayoutItems &items, bool bRow,
                                  const RECT &rcMargins, int nScrollPos)
-    : m_items(items), m_bRow(bRow), m_bBackwards(false), m_nScrollPos(nScrollPos), m_origin()
+    : CCUIMoveBatch(hLayout), m_items(items), m_bRow(bRow), m_nScrollPos(nScrollPos)
 {
-    ClientToScreen(hLayout, &m_origin);
     RECT rcClient = {};
     GetClientRect(hLayout, &rcClient);
     const SIZE client = CUISizeOf(rcClient);
@@ -36,65 +34,29 @@ CCUILayoutMover::CCUILayoutMover(HWND hLayout, CCUILayoutItems &items, bool bRow
     const int nBehind = bRow ? rcMargins.bottom : rcMargins.right;
     m_nClient = CUIAlong(bRow, client);
     m_across = {nBefore, Positive(CUIAcross(bRow, client) - nBefore - nBehind)};
-}
-
-// With the last ones first if they go outwards, so that none comes to lie on one that is still to
-// be moved, whose pixels Wine 8 would lose.
-bool CCUILayoutMover::Begin()
-{
-    CMove move;
-    int i = Count() - 1;
-    while (i >= 0 && !Get(i, move))
-        --i;
-    m_bBackwards = i >= 0 && move.rcNow.left + move.rcNow.top < move.rect.left + move.rect.top;
-    return i >= 0;
-}
-
-bool CCUILayoutMover::MoveAll() const
-{
-    CMove move;
-    HDWP hBatch = BeginDeferWindowPos(Count());
-    for (int i = 0; hBatch && i < Count(); ++i) {
-        if (Get(i, move))
-            hBatch = DeferWindowPos(hBatch, move.hWnd, nullptr, move.rect.left, move.rect.top,
-                                    CUIWidth(move.rect), CUIHeight(move.rect), move.nFlags);
+    for (int i = 0; i < items.Count(); ++i) {
+        if (!items[i].bPlaced)
+            continue;
+        PlaceChild(items[i]);
+        if (items[i].pSplitter)
+            PlaceSplitter(items[i]);
     }
-    return hBatch && EndDeferWindowPos(hBatch);
 }
 
-void CCUILayoutMover::Move(int nIndex) const
+void CCUILayoutMover::PlaceChild(const CCUILayoutItem &item)
 {
-    CMove move;
-    if (Get(nIndex, move))
-        SetWindowPos(move.hWnd, nullptr, move.rect.left, move.rect.top, CUIWidth(move.rect),
-                     CUIHeight(move.rect), move.nFlags);
+    RECT now;
+    if (Find(item.hWnd, now))
+        Add(item.hWnd, now, Place(item.nPos, item.nSize, Across(item, now)));
 }
 
-// The window nIndex, a child or the splitter behind it. False: it is not to be moved.
-bool CCUILayoutMover::Get(int nIndex, CMove &move) const
+void CCUILayoutMover::PlaceSplitter(const CCUILayoutItem &item)
 {
-    if (m_bBackwards)
-        nIndex = Count() - 1 - nIndex;
-    const CCUILayoutItem &item = m_items[nIndex / 2];
-    const bool bSplitter = nIndex % 2 != 0;
-    if (!item.bPlaced || (bSplitter && !item.pSplitter))
-        return false;
-    move.hWnd = bSplitter ? item.pSplitter->GetHandle() : item.hWnd;
-    RECT &now = move.rcNow, &then = move.rect;
-    if (!GetWindowRect(move.hWnd, &now))
-        return false;
-    OffsetRect(&now, -m_origin.x, -m_origin.y);
-    if (bSplitter) {
-        const CCUILayoutItem *const pNext = m_items.NextShown(item);
-        then = Place(item.nPos + item.nSize, pNext ? pNext->nGap : 0, m_across);
-    } else {
-        then = Place(item.nPos, item.nSize, Across(item, now));
-    }
-    const bool bMoved = now.left != then.left || now.top != then.top;
-    const bool bSized = CUIWidth(now) != CUIWidth(then) || CUIHeight(now) != CUIHeight(then);
-    move.nFlags = SWP_NOZORDER | SWP_NOOWNERZORDER | SWP_NOACTIVATE | (bMoved ? 0 : SWP_NOMOVE) |
-                  (bSized ? 0 : SWP_NOSIZE);
-    return bMoved || bSized;
+    RECT now;
+    const CCUILayoutItem *const pNext = m_items.NextShown(item);
+    const HWND hSplitter = item.pSplitter->GetHandle();
+    if (Find(hSplitter, now))
+        Add(hSplitter, now, Place(item.nPos + item.nSize, pNext ? pNext->nGap : 0, m_across));
 }
 
 CCUILayoutMover::CRange CCUILayoutMover::Across(const CCUILayoutItem &item, const RECT &rcNow) const

@@ -340,11 +340,7 @@ bool CCUILayoutWindow::MakeSplitter(HWND hChild)
 
 bool CCUILayoutWindow::MoveChildren()
 {
-    CCUILayoutMover mover(m_hWnd, *m_pItems, IsRow(), m_rcMargins, m_nScrollPos);
     CWatch watch(this);
-    if (!mover.Begin() || mover.MoveAll())
-        return !watch.IsGone();
-    for (int i = 0; !watch.IsGone() && m_hWnd && i < mover.Count(); ++i)
-        mover.Move(i);
+    CCUILayoutMover(m_hWnd, *m_pItems, IsRow(), m_rcMargins, m_nScrollPos).Perform();
     return !watch.IsGone();
 }

@@ -3,6 +3,7 @@
 #include "Base/GdiGuards.h"
 #include "CUI/Data.h"
 #include "CUI/Draw.h"
+#include "Drawing/Look.h"
 #include "Menu/MenuPictures.h"
 #include "Menu/MenuPopup.h"
 
@@ -16,16 +17,10 @@
 
 namespace {
 
-DWORD SysColor(int nIndex)
-{
-    const CUIData &data = *CUIGetWinData();
-    return data.ResolveColor(data.crSys[nIndex]);
-}
-
 // A colour on another; the second choice where they are the same, as on screens of few colours.
 DWORD Visible(DWORD cr, DWORD crBack, int nSecondChoice)
 {
-    return cr != crBack ? cr : SysColor(nSecondChoice);
+    return cr != crBack ? cr : CUISystemColor(nSecondChoice);
 }
 
 // A shape of vertical strips.
@@ -62,13 +57,6 @@ void DrawBullet(const CShape &shape, int nSize)
             ++nTop;
         shape.Strip(i, nTop, nSize - 2 * nTop);
     }
-}
-
-// A triangle that points to the right, twice as high as wide less one.
-void DrawArrow(const CShape &shape, int cx)
-{
-    for (int i = 0; i < cx; ++i)
-        shape.Strip(i, i, 2 * (cx - i) - 1);
 }
 
 }  // namespace
@@ -112,20 +100,20 @@ CCUIMenuPopup::CDrawing::CDrawing(const CCUIMenuPopup &popup, const CCUIMenuReco
       m_bDisabled(IsSet(ODS_GRAYED | ODS_DISABLED))
 {
     const CUIData &data = *CUIGetWinData();
-    m_crBack = SysColor(m_bSelected ? COLOR_HIGHLIGHT : COLOR_MENU);
+    m_crBack = CUISystemColor(m_bSelected ? COLOR_HIGHLIGHT : COLOR_MENU);
     if (m_bSelected && m_metrics.m_bFlat)
         m_crBack = data.ResolveColor(data.crMenuHilite);
     const int nPlain = m_bSelected ? COLOR_HIGHLIGHTTEXT : COLOR_MENUTEXT;
-    m_crText = SysColor(nPlain);
+    m_crText = CUISystemColor(nPlain);
     if (m_bDisabled)
-        m_crText = Visible(SysColor(COLOR_GRAYTEXT), m_crBack, nPlain);
+        m_crText = Visible(CUISystemColor(COLOR_GRAYTEXT), m_crBack, nPlain);
 }
 
 void CCUIMenuPopup::CDrawing::DrawBack() const
 {
     CUIDCFillSolidRect(m_hDC, &m_rc, m_crBack);
     if (m_bSelected && m_metrics.m_bFlat)
-        CUIDCDrawRect(m_hDC, &m_rc, SysColor(COLOR_HIGHLIGHT));
+        CUIDCDrawRect(m_hDC, &m_rc, CUISystemColor(COLOR_HIGHLIGHT));
 }
 
 void CCUIMenuPopup::CDrawing::DrawPicture() const
@@ -142,10 +130,11 @@ void CCUIMenuPopup::CDrawing::DrawPicture() const
         return;
     const RECT frame = {x - 2, y - 2, x + cx + 2, y + cy + 2};
     if (m_metrics.m_bFlat || m_metrics.m_bContrast)
-        CUIDCDrawRect(m_hDC, &frame, Visible(SysColor(COLOR_HIGHLIGHT), m_crBack, COLOR_MENUTEXT));
+        CUIDCDrawRect(m_hDC, &frame,
+                      Visible(CUISystemColor(COLOR_HIGHLIGHT), m_crBack, COLOR_MENUTEXT));
     else
-        CUIDCDraw3dRect(m_hDC, &frame, SysColor(COLOR_BTNSHADOW), SysColor(COLOR_BTNHIGHLIGHT), 0,
-                        0);
+        CUIDCDraw3dRect(m_hDC, &frame, CUISystemColor(COLOR_BTNSHADOW),
+                        CUISystemColor(COLOR_BTNHIGHLIGHT), 0, 0);
 }
 
 void CCUIMenuPopup::CDrawing::DrawLine(const char *pszText, int nLength, int nLeft, UINT nFormat,
@@ -180,9 +169,8 @@ void CCUIMenuPopup::CDrawing::DrawParts(DWORD cr, int nOffset) const
     }
     if (m_record.m_bSubmenu) {
         const int cx = (nSize + 1) / 2;
-        const CShape shape = {m_hDC, m_rc.right - m_metrics.m_nGap - cx + nOffset,
-                              Middle(2 * cx - 1) + nOffset, cr};
-        DrawArrow(shape, cx);
+        CUIDrawTriangle(m_hDC, m_rc.right - m_metrics.m_nGap - cx + nOffset,
+                        Middle(2 * cx - 1) + nOffset, cx, false, cr);
     }
 }
 
@@ -193,7 +181,7 @@ void CCUIMenuPopup::CDrawing::DrawContents() const
     SetBkMode(m_hDC, TRANSPARENT);
     // Disabled items of menus with relief are embossed.
     if (m_bDisabled && !m_bSelected && !m_metrics.m_bFlat && !m_metrics.m_bContrast)
-        DrawParts(SysColor(COLOR_BTNHIGHLIGHT), 1);
+        DrawParts(CUISystemColor(COLOR_BTNHIGHLIGHT), 1);
     DrawParts(m_crText, 0);
 }
 

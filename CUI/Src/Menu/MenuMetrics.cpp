@@ -4,6 +4,7 @@
 
 #include "Base/GdiGuards.h"
 #include "CUI/Data.h"
+#include "Drawing/Look.h"
 
 // Of Windows XP.
 #if !defined(SPI_GETFLATMENU)
@@ -12,13 +13,11 @@
 
 bool CCUIMenuMetrics::Refresh()
 {
-    // Systems that do not know these leave them alone.
+    // Systems that do not know this leave it alone.
     BOOL bFlat = FALSE;
     SystemParametersInfoA(SPI_GETFLATMENU, 0, &bFlat, 0);
-    HIGHCONTRASTA contrast = {sizeof contrast, 0, nullptr};
-    SystemParametersInfoA(SPI_GETHIGHCONTRAST, sizeof contrast, &contrast, 0);
     m_bFlat = bFlat != FALSE;
-    m_bContrast = (contrast.dwFlags & HCF_HIGHCONTRASTON) != 0;
+    m_bContrast = CUIIsHighContrast();
 
     const CUIData &data = *CUIGetWinData();
     const int cxCheck = GetSystemMetrics(SM_CXMENUCHECK);
@@ -30,7 +29,7 @@ bool CCUIMenuMetrics::Refresh()
     m_font = font;
     m_nDpi = data.cyPixelsPerInch;
     m_cxCheck = cxCheck;
-    m_nGap = MulDiv(4, m_nDpi, 96);
+    m_nGap = CUIScale(4);
     const CCUIMemoryDC memory(nullptr);
     const CCUISelect select(memory, data.hMenuFont);
     TEXTMETRICA text = {};

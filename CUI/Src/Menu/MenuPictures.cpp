@@ -1,9 +1,8 @@
 #include "Menu/MenuPictures.h"
 
 #include "Base/GdiGuards.h"
-#include "CUI/BmpBlt.h"
-#include "CUI/BmpState.h"
 #include "CUI/Data.h"
+#include "Drawing/Look.h"
 
 int CCUIMenuPictures::Find(UINT nID) const
 {
@@ -34,18 +33,6 @@ void CCUIMenuPictures::Refresh()
 
 void CCUIMenuPictures::Draw(HDC hDC, int x, int y, int nPicture, bool bDisabled) const
 {
-    const int cx = Width();
-    const int cy = Height();
-    const int xSource = nPicture * cx;
-    if (!bDisabled) {
-        CUIBmpBgBltFull(hDC, x, y, m_strip, m_crKey, xSource, 0, cx, cy);
-        return;
-    }
-    const CUIData &data = *CUIGetWinData();
-    // The embossed look has a light copy further down, and wants a margin for it.
-    RECT rects[] = {
-        {x, y, x + cx + 2, y + cy + 2}, {x, y, x + cx, y + cy}, {xSource, 0, xSource + cx, cy}};
-    CUIBmpDrawState(hDC, rects, m_strip, CUIBMPSTATE_DISABLED, m_crKey,
-                    data.ResolveColor(data.crSys[COLOR_BTNHIGHLIGHT]),
-                    data.ResolveColor(data.crSys[COLOR_BTNSHADOW]));
+    const int x0 = nPicture * Width();
+    CUIDrawStatePicture(hDC, x, y, m_strip, {x0, 0, x0 + Width(), Height()}, m_crKey, bDisabled);
 }

@@ -3,16 +3,12 @@
 #include <string.h>
 
 #include "Base/GdiGuards.h"
+#include "Base/Wrap.h"
 #include "CUI/Data.h"
 #include "Menu/MenuItem.h"
 #include "Menu/MenuPictures.h"
 
 namespace {
-
-int Larger(int n1, int n2)
-{
-    return n1 > n2 ? n1 : n2;
-}
 
 bool IsSame(const ACCEL &key1, const ACCEL &key2)
 {
@@ -96,7 +92,7 @@ CCUIMenuRecord *CCUIMenuPopup::Record(ULONG_PTR dwItemData) const
 
 void CCUIMenuPopup::Prepare(const CCUIMenuPictures *pPictures, const CCUIAccelerators &keys)
 {
-    const int nItems = Larger(GetMenuItemCount(m_hMenu), 0);
+    const int nItems = CUILarger(GetMenuItemCount(m_hMenu), 0);
     // First read them all: their texts may be in records that other items are about to get.
     auto *const items = new CUIMenuItem[static_cast<unsigned>(nItems)];
     for (int i = 0; i < nItems; ++i)
@@ -155,8 +151,8 @@ bool CCUIMenuPopup::Take(CCUIMenuRecord &record, const CUIMenuItem &item,
     record.m_key = key;
     record.m_sText = item.m_sText;
     if (pPictures) {
-        m_cxPicture = Larger(m_cxPicture, pPictures->Width());
-        m_cyPicture = Larger(m_cyPicture, pPictures->Height());
+        m_cxPicture = CUILarger(m_cxPicture, pPictures->Width());
+        m_cyPicture = CUILarger(m_cyPicture, pPictures->Height());
     }
     return bChanged;
 }
@@ -210,8 +206,8 @@ void CCUIMenuPopup::MeasureColumns()
             if (nNext > nFirst && (record.m_nType & (MFT_MENUBREAK | MFT_MENUBARBREAK)))
                 break;
             if (record.m_bDrawn) {
-                cxText = Larger(cxText, record.m_cxText);
-                cxKey = Larger(cxKey, record.m_cxKey);
+                cxText = CUILarger(cxText, record.m_cxText);
+                cxKey = CUILarger(cxKey, record.m_cxKey);
             }
         }
         for (int i = nFirst; i < nNext; ++i) {
@@ -229,13 +225,13 @@ void CCUIMenuPopup::Measure(const CCUIMenuRecord &record, MEASUREITEMSTRUCT &mea
         cx += 2 * m_metrics.m_cxChar + record.m_cxKeyColumn;
     measure.itemWidth = static_cast<UINT>(cx);
     measure.itemHeight =
-        static_cast<UINT>(Larger(m_metrics.m_cyText, m_cyPicture) + m_metrics.m_nGap);
+        static_cast<UINT>(CUILarger(m_metrics.m_cyText, m_cyPicture) + m_metrics.m_nGap);
 }
 
 // The place of marks and pictures is as wide as the widest of them.
 int CCUIMenuPopup::MarkWidth() const
 {
-    return Larger(m_metrics.m_cxCheck, m_cxPicture) + m_metrics.m_nGap;
+    return CUILarger(m_metrics.m_cxCheck, m_cxPicture) + m_metrics.m_nGap;
 }
 
 int CCUIMenuPopup::TextLeft() const

@@ -1,4 +1,4 @@
-#include "Frame/Screen.h"
+#include "Window/Screen.h"
 
 namespace {
 

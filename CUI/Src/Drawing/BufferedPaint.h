@@ -1,17 +1,10 @@
 #pragma once
 
-#include "CUI/Bitmap.h"
-
-// Pixels at 96 dots an inch, on the screen as it is.
-int CUIScale(int n);
-// The system's colour, as it is now, for GDI.
-COLORREF CUISystemColor(int nIndex);
-// A picture that has taken on the system's colours takes on those of now.
-void CUIReloadSystemColors(CCUIBitmap &bitmap);
+#include "CUI/Platform.h"
 
 // One painting of a window's client area, in its coordinates: into memory, from where what is to be
-// repainted goes to the window at the end, so that nothing flickers. No code of others may run
-// meanwhile: all threads share that memory.
+// repainted goes to the window at the end, so that nothing flickers. From Begin on no code of
+// others may run: all threads share that memory.
 class CCUIBufferedPaint
 {
 public:
@@ -21,7 +14,11 @@ public:
     CCUIBufferedPaint(const CCUIBufferedPaint &) = delete;
     CCUIBufferedPaint &operator=(const CCUIBufferedPaint &) = delete;
 
-    operator HDC() const { return m_hDC; }
+    // Gets the memory, with the font selected and a transparent background mode. What is set on it
+    // is undone at the end.
+    HDC Begin(HFONT hFont);
+    // The place of the picture, before Begin.
+    HDC Target() const { return m_hTarget; }
     // What is to be painted.
     const RECT &Area() const { return m_rcArea; }
     bool Touches(const RECT &rect) const;
@@ -31,6 +28,8 @@ private:
     HDC m_hGiven;
     HDC m_hTarget;
     HDC m_hDC;
+    int m_nSaved;
+    bool m_bBegun;
     PAINTSTRUCT m_paint;
     RECT m_rcArea;
 };

@@ -1,0 +1,51 @@
+#include "Drawing/BufferedPaint.h"
+
+#include "Base/Wrap.h"
+#include "CUI/OffScreenDC.h"
+
+CCUIBufferedPaint::CCUIBufferedPaint(HWND hWnd, HDC hGiven)
+    : m_hWnd(hWnd),
+      m_hGiven(hGiven),
+      m_hTarget(hGiven),
+      m_hDC(nullptr),
+      m_nSaved(0),
+      m_bBegun(false),
+      m_rcArea()
+{
+    if (hGiven) {
+        GetClientRect(hWnd, &m_rcArea);
+    } else {
+        m_hTarget = BeginPaint(hWnd, &m_paint);
+        m_rcArea = m_paint.rcPaint;
+    }
+}
+
+HDC CCUIBufferedPaint::Begin(HFONT hFont)
+{
+    RECT client = {};
+    GetClientRect(m_hWnd, &client);
+    m_hDC = CUIGetOSDC()->GetDC(m_hTarget, client.right, client.bottom);
+    m_bBegun = true;
+    m_nSaved = SaveDC(m_hDC);
+    SelectObject(m_hDC, hFont);
+    SetBkMode(m_hDC, TRANSPARENT);
+    return m_hDC;
+}
+
+CCUIBufferedPaint::~CCUIBufferedPaint()
+{
+    if (m_bBegun) {
+        BitBlt(m_hTarget, m_rcArea.left, m_rcArea.top, CUIWidth(m_rcArea), CUIHeight(m_rcArea),
+               m_hDC, m_rcArea.left, m_rcArea.top, SRCCOPY);
+        RestoreDC(m_hDC, m_nSaved);
+        CUIGetOSDC()->ReleaseDC();
+    }
+    if (!m_hGiven)
+        EndPaint(m_hWnd, &m_paint);
+}
+
+bool CCUIBufferedPaint::Touches(const RECT &rect) const
+{
+    RECT rcBoth;
+    return IntersectRect(&rcBoth, &rect, &m_rcArea) != 0;
+}
