@@ -6,6 +6,7 @@
 #include "CU/Assert.h"
 #include "CU/CU.h"
 #include "CU/DebugSwitch.h"
+#include "CU/ErrorText.h"
 #include "CU/Dump.h"
 #include "CU/IDGenerator.h"
 #include "CU/Language.h"
@@ -135,6 +136,18 @@ TEST(Process, InfoHandlersRunByNameOrAll)
     EXPECT_EQ(2, CURunProcessInfoHandlers());
     EXPECT_EQ(1, CURunProcessInfoHandlers("c") + CURunProcessInfoHandlers("b"));
     EXPECT_EQ("abc", g_info);
+}
+
+TEST(Process, ErrorsHaveTheSystemsTextsOrTheirNumbers)
+{
+    SetLastError(7);
+    const CCUString sText = CUErrorText(ERROR_FILE_NOT_FOUND);
+    EXPECT_EQ(7U, GetLastError());
+    char szText[256] = "";
+    FormatMessageA(FORMAT_MESSAGE_FROM_SYSTEM, nullptr, ERROR_FILE_NOT_FOUND, 0, szText,
+                   sizeof szText, nullptr);
+    EXPECT_STREQ(szText, sText + "\r\n");
+    EXPECT_STREQ("Error 536870912", CUErrorText(0x20000000));
 }
 
 TEST(Version, IsTheSystemsAnswer)

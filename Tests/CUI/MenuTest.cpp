@@ -263,9 +263,10 @@ TEST(Menu, LooksAsTheSystemsColoursAndFontsSayAtThatMoment)
     const HMENU hMenu = menu.GetHandle();
     for (UINT i = 0; i < 5; ++i)
         menu.Append(ID + i, "mmmmmm");
-    const UINT ids[] = {ID + 9, ID + 1, ID + 4};
-    ASSERT_TRUE(menu.SetPictures(Strip(), ids, 3));
-    EXPECT_FALSE(menu.SetPictures(CCUIBitmap(), ids, 3));
+    const UINT ids[] = {ID + 9, ID + 1, 0, ID + 4}, none[] = {0};
+    ASSERT_TRUE(menu.SetPictures(Strip(), ids));
+    EXPECT_FALSE(menu.SetPictures(CCUIBitmap(), ids));
+    EXPECT_FALSE(menu.SetPictures(Strip(), none));
     menu.SetDefault(ID + 2);
     menu.CheckRadio(ID, ID, ID);
     for (const BOOL bFlat : {FALSE, TRUE}) {

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "CU/Language.h"
+#include "CUI/ResourceCommands.h"
 
 TEST(ResourceString, LoadsTextsOfEveryLengthWhole)
 {
@@ -16,4 +17,14 @@ TEST(ResourceString, LoadsTextsOfEveryLengthWhole)
     CUSetCurrentLanguage("German");
     EXPECT_STREQ("short", CUIResourceString(nullptr, 20, false));
     EXPECT_STREQ("kurz", CUIResourceString(nullptr, 20, true));
+}
+
+TEST(ResourceString, HasTheShortAndTheLongTextOfACommand)
+{
+    CCUIResourceCommands commands(5000, 3);
+    const char *const texts[][2] = {{"Open", "Opens it."}, {"Close", ""}, {"", ""}};
+    for (UINT i = 0; i < 3; ++i) {
+        EXPECT_STREQ(texts[i][0], commands.GetShortTT(5000 + i));
+        EXPECT_STREQ(texts[i][1], commands.GetLongTT(5000 + i));
+    }
 }

@@ -26,6 +26,13 @@ enum CCUICommandState : unsigned short
     CUI_COMMAND_TEXT = 0x100   ///< the text of its menu items is what GetShortTT says
 };
 
+/// What GetState answers of a command that is enabled or not, and checked or not.
+constexpr unsigned short CUICommandState(bool bActive, bool bChecked = false)
+{
+    return static_cast<unsigned short>((bActive ? CUI_COMMAND_ACTIVE : 0) |
+                                       (bChecked ? CUI_COMMAND_CHECKED : 0));
+}
+
 /// Serves one command, or a block of commands with consecutive identifiers. It is in the
 /// CCUICommandMap from its construction to its destruction. For the user-interface thread only.
 class CUI_API CCUICommandHandler

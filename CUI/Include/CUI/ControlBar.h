@@ -60,7 +60,14 @@ public:
 
     /// Puts buttons in the place of all that is there: for each identifier one with the next
     /// picture of the strip, for each 0 a separator.
+    /// @{
     CUI_API void SetButtons(const unsigned int *pnIDs, int nCount);
+    template <int COUNT>
+    void SetButtons(const unsigned int (&nIDs)[COUNT])
+    {
+        SetButtons(nIDs, COUNT);
+    }
+    /// @}
     /// Appends a button with the strip's picture of that number, from 0; one that the strip does
     /// not have: with a text. The command is below 65,536, as the system has it.
     CUI_API void AddButton(unsigned int nID, int nPicture);

@@ -84,7 +84,8 @@ int CCUILayoutWindow::PreTranslateMessage(MSG *pMsg)
     const bool bTab = pMsg->message == WM_KEYDOWN && pMsg->wParam == VK_TAB;
     if (bTab && (MoveFocus(pMsg->hwnd) || watch.IsGone()))
         return 1;
-    if (pMsg->message == WM_SYSCHAR && !IsInDialog(m_hWnd) && CUITranslateMnemonic(m_hWnd, pMsg))
+    if (pMsg->message == WM_SYSCHAR && !IsInsideDialog(m_hWnd) &&
+        CUITranslateMnemonic(m_hWnd, pMsg))
         return 1;
     return CCUIControlWindow::PreTranslateMessage(pMsg);
 }

@@ -170,15 +170,19 @@ int CCUIMenu::SetPictures(const CCUIBitmap &strip, const UINT *pIDs, int nCount)
     CU_ASSERT(nCount > 0 && pIDs);
     if (nCount <= 0 || !pIDs)
         return 0;
-    if (strip.Width() < nCount) {
-        CUDump("CCUIMenu: %d pictures do not come from a strip of %d pixels\n", nCount,
-               strip.Width());
-        return 0;
-    }
     auto *const pPictures = new CCUIMenuPictures;
     pPictures->m_strip = strip;
-    for (int i = 0; i < nCount; ++i)
-        pPictures->m_ids.Add(pIDs[i]);
+    for (int i = 0; i < nCount; ++i) {
+        if (pIDs[i])
+            pPictures->m_ids.Add(pIDs[i]);
+    }
+    const int nPictures = pPictures->m_ids.Count();
+    if (nPictures == 0 || strip.Width() < nPictures) {
+        CUDump("CCUIMenu: %d pictures do not come from a strip of %d pixels\n", nPictures,
+               strip.Width());
+        delete pPictures;
+        return 0;
+    }
     m_pData->AddPictures(pPictures);
     return 1;
 }

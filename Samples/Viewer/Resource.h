@@ -1,0 +1,31 @@
+#define IDR_VIEWER 100
+#define IDR_NOTIFY 101
+#define IDD_OPTIONS 102
+#define IDB_TOOLS 103
+#define IDB_LARGE_TOOLS 104
+#define IDI_VIEWER 1014
+
+#define ID_OPEN 1000
+#define ID_PREVIOUS 1001
+#define ID_NEXT 1002
+#define ID_SLIDE_SHOW 1003
+#define ID_ZOOM_IN 1004
+#define ID_ZOOM_OUT 1005
+#define ID_ACTUAL_SIZE 1006
+#define ID_FIT 1007
+#define ID_FULL_SCREEN 1008
+#define ID_FOLDER_LIST 1009
+#define ID_OPTIONS 1010
+#define ID_LOG 1011
+#define ID_TO_FRONT 1012
+#define ID_EXIT 1013
+#define ID_SELECTED 1014
+#define ID_LOADING 1015
+#define ID_LOADED 1016
+
+#define ID_RECENT 1100
+
+#define IDC_SECONDS 201
+#define IDC_SPIN 202
+#define IDC_REPEAT 203
+#define IDC_NOTIFY 204
