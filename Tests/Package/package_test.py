@@ -4,7 +4,6 @@ Usage: package_test.py Package.test_WHAT   (AUTORUN_BUILD says what build)
 """
 
 import hashlib
-import itertools
 import os
 import pathlib
 import re
@@ -101,36 +100,6 @@ class Package(unittest.TestCase):
         self.assertIn(self.tree / "include/CUI/Window.h", headers)
         with ThreadPoolExecutor(os.cpu_count()) as pool:
             list(pool.map(compile_source, sources))
-
-    def test_mistakes(self):
-        """What a format cannot take does not compile, even without warnings; what should does."""
-        no_object, no_match = r"give GetString\(\)", "-W(error=)?format"
-        names = """CCUIDialog dialog(h, MAKEINTRESOURCE(1));
-            CCUIDialogTemplate dialogTemplate(h, MAKEINTRESOURCE(1));
-            CCUIMenu menu(h, MAKEINTRESOURCE(1), 0);
-            CCUIBitmap bitmap(MAKEINTRESOURCE(1), 0, h);
-            bitmap.Load(MAKEINTRESOURCE(1), 0, h);
-            if (bitmap)
-                CUIBmpBitBlt(hDC, -1, rc.top, bitmap, rc.left, 0u, 0, 0, bitmap, 0);
-            CUIBmpStretchBlt(hDC, -1, rc.top, 5, rc.right, bitmap, 0, 0, 0, 0, bitmap, 0);
-            CUIBmpTransparentBlt(hDC, rc.left, -1, bitmap, bitmap);
-            SelectObject(hDC, bitmap);"""
-        calls = ((names, None), ('CUDump("%s %d%%", s.GetString(), 1); s.Format(s, 1);', None),
-                 ('__extension__ s.Format("%I64d %lu", 1LL, GetLastError());', None),
-                 ('s.Format("%s", s);', no_object), ('CUDump("%d %s", 1, s + "!");', no_object),
-                 ('s.Format("%d %s", 1, 2);', no_match), ('CUDump("%s", 1.0);', no_match),
-                 ("s.Empty(); DeleteObject(CCUIBitmap());", "deleted function"))
-        headers = "".join(f"#include <{name}.h>\n" for name in (
-            "CU/Dump", "CUI/Dialog", "CUI/Menu", "CUI/Bitmap", "CUI/BmpBlt"))
-        for compiler, options, (call, problem) in itertools.product(
-                (self.gcc, self.clang), (("-DUNICODE",), ()), calls):
-            quiet = ("-w",) if problem == no_object else (*WARNINGS, "-Wsign-conversion")
-            done = subprocess.run(
-                [*compiler, "-std=c++14", *options, "-I", self.tree / "include", "-fsyntax-only",
-                 *quiet, "-xc++", "-"], text=True, capture_output=True, check=False,
-                input=f"{headers}void f(HDC hDC, HINSTANCE h, RECT rc) {{ {call} }}\n"
-                      if call == names else f"{headers}void f(CCUString s) {{ {call} }}\n")
-            self.assertRegex(done.stderr, problem or "^$", call)
 
     def test_archive(self):
         """Another build of it elsewhere gives the same bytes. Kept, it is quick the next time."""
