@@ -47,14 +47,6 @@ void RunDialog(int nRounds)
 }
 
 HPALETTE g_hSelected;
-HPALETTE WINAPI WatchSelectPalette(HDC hDC, HPALETTE hPalette, BOOL bForceBkgd)
-{
-    g_hSelected = hPalette;
-    // Not through the program's own import, which leads here.
-    static const auto s_pSelect = reinterpret_cast<decltype(&WatchSelectPalette)>(
-        GetProcAddress(GetModuleHandleA("gdi32"), "SelectPalette"));
-    return s_pSelect(hDC, hPalette, bForceBkgd);
-}
 
 // Realised: the colours changed, the window is to be painted again; the second time neither.
 void ExpectRealised(HWND hWnd, bool bRealised, UINT message, WPARAM wParam, LPARAM lParam)
@@ -111,15 +103,15 @@ TEST(Palette, IsRealizedWhenItIsAskedForAndWhenAnotherWas)
             GTEST_SKIP() << "the screen has no palette";
         {
             // The palette is the one that painting selects.
-            const CImportHook watch("SelectPalette", WatchSelectPalette);
+            const CFakeCall<HPALETTE(HDC, HPALETTE, BOOL)> watch(
+                "SelectPalette", [&](HDC hDC, HPALETTE hPalette, BOOL bForce) {
+                    return watch.Original(hDC, g_hSelected = hPalette, bForce);
+                });
             RedrawWindow(hWnd, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_UPDATENOW);
         }
         EXPECT_TRUE(g_hSelected);
-        const auto nOwn = reinterpret_cast<LONG>(hWnd);
         ExpectRealised(hWnd, true, WM_QUERYNEWPALETTE, 0, 0);
         ExpectRealised(hWnd, true, WM_PALETTECHANGED, 0x1234, 0);
-        // Its own change too: the window that changed the palette is in wParam.
-        ExpectRealised(hWnd, true, WM_PALETTECHANGED, static_cast<WPARAM>(nOwn), 0);
-        ExpectRealised(hWnd, false, WM_PALETTECHANGED, 0x1234, nOwn);
+        ExpectRealised(hWnd, false, WM_PALETTECHANGED, 0x1234, reinterpret_cast<LONG>(hWnd));
     });
 }

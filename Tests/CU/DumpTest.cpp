@@ -98,9 +98,6 @@ TEST_F(Dump, BringsATextToEveryOutputInOrder)
     CUDumpString("abc", 2);
     CUDumpString(nullptr, 5);
     EXPECT_EQ("ab;debugger:ab;;debugger:;", Events());
-    EXPECT_EQ("", m_directory.Contents("ZELTrace-*"));
-    CUDumpRegister(nullptr);
-    EXPECT_NE("", m_directory.Contents("ZELTrace-*"));
 }
 
 TEST_F(Dump, CutsWhatDoesNotFitIntoItsBuffer)

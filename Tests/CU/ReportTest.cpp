@@ -23,12 +23,6 @@ void First(FILE *file)
     fputs("first\n", file);
 }
 
-void Fleeting(FILE *file)
-{
-    fputs("fleeting\n", file);
-    CUUnregisterExceptionHandler(Fleeting);
-}
-
 const int CheckLine = __LINE__ + 3;
 __attribute__((noinline)) int FailTheCheck(int n)
 {
@@ -41,10 +35,16 @@ TEST(Assert, AppendsAReportToTheDaysFile)
 {
     const CTemporaryDirectory directory;
     const CFakeTime clock;
-    CFakeTime::s_now = CFakeTime::Local(2020, 1, 1) - 1;
+    const CFakeCall<DWORD(TIME_ZONE_INFORMATION *)> zone("GetTimeZoneInformation",
+                                                         [](TIME_ZONE_INFORMATION *west) {
+                                                             *west = {};
+                                                             west->Bias = 300;
+                                                             return TIME_ZONE_ID_UNKNOWN;
+                                                         });
+    CFakeTime::s_now = 1577854800 - 1;  // midnight there, and a second
     CUDisplayAssert("before", "Source", 1);
     ++CFakeTime::s_now;
-    for (void (*handler)(FILE *) : {Fleeting, First, First})
+    for (void (*handler)(FILE *) : {First, First})
         CURegisterExceptionHandler(handler);
     SetLastError(0xABCD);
     const int nLine = __LINE__ + 1;
@@ -65,12 +65,7 @@ TEST(Assert, AppendsAReportToTheDaysFile)
     const size_t nCheck = text.find(szText, nFailed);
     sprintf(szText, " ReportTest.cpp(%d)\r\n", nLine);
     EXPECT_NE(std::string::npos, text.find(szText, nCheck)) << text;
-    EXPECT_NE(std::string::npos, text.find("\r\n\r\nfleeting\r\nfirst\r\nfirst\r\n"));
-    CUUnregisterExceptionHandler(First);
-    CUDisplayAssert("after", "Source", 1);
-    const std::string after = directory.Contents("ZELTrace-2020-01-01.txt");
-    EXPECT_EQ(text.size(), after.find("====", text.size()));
-    EXPECT_STREQ("\r\n\r\nfirst\r\n", after.c_str() + after.size() - 11);
+    EXPECT_NE(std::string::npos, text.find("\r\n\r\nfirst\r\nfirst\r\n"));
 }
 
 TEST(Assert, ReportsTheFirstTenFailuresOnly)
@@ -78,27 +73,8 @@ TEST(Assert, ReportsTheFirstTenFailuresOnly)
     const CTemporaryDirectory directory;
     static LONG s_nReports = 0;
     CURegisterExceptionHandler([](FILE *) { InterlockedIncrement(&s_nReports); });
-    // It counts though it cannot be written.
-    CTemporaryDirectory::Set(directory.Path() + "\\missing");
-    EXPECT_EQ(0, CUDisplayAssert("a", "Source", 1));
-    CTemporaryDirectory::Set(directory.Path());
     CThreads::Run(32, [](int) { CUDisplayAssert("b", "Source", 1); });
-    EXPECT_EQ(9, s_nReports);
-}
-
-TEST(Assert, DatesAReportInTheUsersZone)
-{
-    const CTemporaryDirectory directory;
-    const CFakeTime clock;
-    CFakeTime::s_now = 1594000000;
-    const CFakeCall<DWORD(TIME_ZONE_INFORMATION *)> zone("GetTimeZoneInformation",
-                                                         [](TIME_ZONE_INFORMATION *west) {
-                                                             *west = {};
-                                                             west->Bias = 300;
-                                                             return TIME_ZONE_ID_UNKNOWN;
-                                                         });
-    CUDisplayAssert("a", "Source", 1);
-    EXPECT_NE(std::string::npos, directory.Contents("*").find(CCUTime().Format("%x %X")));
+    EXPECT_EQ(10, s_nReports);
 }
 
 // It may be written with a damaged heap.
@@ -183,23 +159,17 @@ CRASH RaiseUnknown()
     RaiseException(0xE1234567, 0, 0, nullptr);
 }
 
+CRASH CrashTwice()
+{
+    CURegisterExceptionHandler([](FILE *) { RaiseUnknown(); });
+    WriteToNull();
+}
+
 int WINAPI Recurse(volatile int n)
 {
     volatile char room[4096] = {};
     return s_nZero ? 0 : Recurse(n + 1) + room[0];
 }
-
-struct CAbstract
-{
-    CAbstract() { CallIt(); }
-    void CallIt() { Pure(); }  // NOLINT(clang-analyzer-cplusplus.PureVirtualCall): the point
-    virtual void Pure() = 0;
-};
-
-struct CConcrete : CAbstract
-{
-    void Pure() override {}
-};
 
 // With a debug-help library that faults, as the system's did on Windows 95. The second overflow
 // needs the guard page that the first one took.
@@ -224,15 +194,10 @@ struct CCase
 };
 const char *const ACCESS = "Exception:EXCEPTION_ACCESS_VIOLATION";
 const CCase s_cases[] = {
-    {"Null", 77, false, ACCESS, "CUTests.exe CallNull+0x", [] { CallNull(); }},
+    {"Null", 77, false, ACCESS, "CUTests.exe CallNull+0x", CallNull},
     {"Stack", 0xC00000FD, true, "Exception:EXCEPTION_STACK_OVERFLOW", "CUTests.exe Recurse+0x",
      [] { Recurse(0); }},
-    {"Pure", 77, false, "Exception:Pure Virtual Function Call", "CUTests.exe CAbstract::CallIt+0x",
-     [] { const CConcrete object; }},
-    {"Unknown", 77, false, "Exception:Unknown Exception", "CUTests.exe RaiseUnknown+0x",
-     [] { RaiseUnknown(); }},
-    {"Again", 0xE1234567, true, ACCESS, "CUTests.exe WriteToNull+0x",
-     [] { CURegisterExceptionHandler([](FILE *) { RaiseUnknown(); }), WriteToNull(); }},
+    {"Again", 0xE1234567, true, ACCESS, "CUTests.exe WriteToNull+0x", CrashTwice},
     {"Help", 0xC00000FD, true, "Exception:EXCEPTION_STACK_OVERFLOW", "CUTests.exe+0x",
      OverflowWithFaultyHelp}};
 
@@ -247,44 +212,29 @@ void Play(const CCase &c)
     c.crash();
 }
 
-// The part that a child plays, and the test of it: the report names what escaped, and the end is
-// left to whoever is to make it. A plain loop: TEST_P is too much for clang without optimisation.
-class CCrashTest : public testing::Test
+const bool s_bRegistered = [] {
+    for (const CCase &c : s_cases)
+        CChildProcess::Play(c.part, [&c] { Play(c); });
+    return true;
+}();
+
+}  // namespace
+
+TEST(CrashReport, NamesWhatEscapedAndLeavesTheEndToWhoIsToMakeIt)
 {
-public:
-    explicit CCrashTest(const CCase &c) : m_case(c) {}
-    void TestBody() override
-    {
+    for (const CCase &c : s_cases) {
         const CTemporaryDirectory directory;
-        EXPECT_EQ(m_case.nExitCode, CChildProcess(m_case.part).ExitCode());
+        EXPECT_EQ(c.nExitCode, CChildProcess(c.part).ExitCode()) << c.part;
         const std::string text = directory.Contents("ZELTrace-*");
-        // Free memory belongs to nobody.
-        EXPECT_EQ(std::string::npos, text.find("\n00000000 ")) << text;
         size_t n = 0;
-        for (const char *part :
-             {"====\r\n", m_case.exception, "  Code:", "Last Error:5a5a\r\n",
-              "\r\nEAX:", "\r\nEIP:", m_case.function, "\r\nthe handler's line\r\n"})
+        for (const char *part : {"====\r\n", c.exception, "  Code:", "Last Error:5a5a\r\n",
+                                 "\r\nEAX:", "\r\nEIP:", c.function, "\r\nthe handler's line\r\n"})
         {
             n = text.find(part, n);
             ASSERT_NE(std::string::npos, n) << part << "\n" << text;
         }
         // From the crash to main.
-        EXPECT_LT(4,
-                  std::count(text.c_str() + text.find("\r\nEIP:"), text.c_str() + text.size(), '+'))
-            << text;
+        const char *const pszStack = strstr(text.c_str(), "\r\nEIP:");
+        EXPECT_LT(4, std::count(pszStack, text.c_str() + text.size(), '+')) << text;
     }
-
-private:
-    const CCase &m_case;
-};
-
-const bool s_bRegistered = [] {
-    for (const CCase &c : s_cases) {
-        CChildProcess::Play(c.part, [&c] { Play(c); });
-        testing::RegisterTest("CrashReport", c.part, nullptr, nullptr, __FILE__, __LINE__,
-                              [&c] { return new CCrashTest(c); });
-    }
-    return true;
-}();
-
-}  // namespace
+}

@@ -5,9 +5,8 @@
 #include <vector>
 
 #include "CU/Clock.h"
-#include "CU/Registry.h"
 #include "Support/ImportHook.h"
-#include "Support/Reports.h"
+#include "Support/TemporaryDirectory.h"
 
 namespace {
 
@@ -77,13 +76,6 @@ CCUString Date(DWORD dwFlags)
     return szText;
 }
 
-// What "%sx" gives when the pictures are read afresh.
-CCUString AbbreviatedDate()
-{
-    CCUTime::TimeFormatChanged(true);
-    return Formatted("%sx");
-}
-
 }  // namespace
 
 TEST(Time, AgreesWithTheSystemBothWaysInEveryZone)
@@ -115,11 +107,10 @@ TEST(Time, AgreesWithTheSystemBothWaysInEveryZone)
 TEST(Time, NullStandsForTheCurrentZone)
 {
     const CTemporaryDirectory directory;
-    DWORD dwResult = TIME_ZONE_ID_STANDARD;
     const CFakeCall<DWORD(TIME_ZONE_INFORMATION *)> current("GetTimeZoneInformation",
-                                                            [&](TIME_ZONE_INFORMATION *zone) {
+                                                            [](TIME_ZONE_INFORMATION *zone) {
                                                                 *zone = s_eastern;
-                                                                return dwResult;
+                                                                return TIME_ZONE_ID_STANDARD;
                                                             });
     const CCUTime noon(2001, 7, 4, 12, 30, 15);
     EXPECT_EQ(994264215, noon.GetTime());
@@ -127,11 +118,6 @@ TEST(Time, NullStandsForTheCurrentZone)
     EXPECT_EQ((std::vector<int>{2001, 7, 4, 12, 30, 15, 4}),
               (std::vector<int>{noon.GetYear(), noon.GetMonth(), noon.GetDay(), noon.GetHour(),
                                 noon.GetMinute(), noon.GetSecond(), noon.GetDayOfWeek()}));
-    dwResult = TIME_ZONE_ID_INVALID;
-    Sleep(50);  // the zone is asked for once in a tick of the clock
-    const time_t time = 994264215;
-    const tm local = *localtime(&time);
-    EXPECT_EQ(0, memcmp(&local, noon.GetLocalTm(nullptr, nullptr), sizeof local));
 }
 
 TEST(Time, NegativeValuesBecomeTheMaximumExceptInCompoundOperators)
@@ -140,13 +126,7 @@ TEST(Time, NegativeValuesBecomeTheMaximumExceptInCompoundOperators)
     EXPECT_EQ(s_nMaximum, time.GetTime());
     time = 100L;
     EXPECT_EQ(s_nMaximum, (time - CCUTimeSpan(101)).GetTime());
-    EXPECT_EQ(0, (time + CCUTimeSpan(-100)).GetTime());
     EXPECT_EQ(-1, (time += CCUTimeSpan(-101)).GetTime());
-    EXPECT_EQ(s_nMaximum, CCUTime(time).GetTime());
-    // Neither the difference nor comparisons look at the replaced value.
-    EXPECT_EQ(101, (CCUTime(100L) - time).GetSpan());
-    EXPECT_LT(time, CCUTime(0L));
-    EXPECT_EQ(s_nMaximum - 1, (time -= CCUTimeSpan(-s_nMaximum)).GetTime());
 }
 
 TEST(Time, NowIsTheSystemsNow)
@@ -157,9 +137,6 @@ TEST(Time, NowIsTheSystemsNow)
     GetSystemTimeAsFileTime(&file);
     for (const CCUTime &now : {CCUTime(), CCUTime::GetTickCount(), CCUTime(local), CCUTime(file)})
         EXPECT_NEAR(static_cast<double>(now.GetTime()), static_cast<double>(time(nullptr)), 60);
-    local.wYear = 1899;
-    EXPECT_EQ(0, CCUTime(local).GetTime());
-    EXPECT_EQ(s_nMaximum, CCUTime(FILETIME{0, 0xFFFFFFFF}).GetTime());
 }
 
 TEST(Time, FieldsAtAndBeyondTheLimits)
@@ -208,76 +185,34 @@ TEST(Time, ParsesTimesAndDates)
 
 TEST(Time, SpansAreSplitFormattedAndParsed)
 {
-    CReports reports;
-    const CCUTimeSpan negative(-1, 0, 0, 30);
-    // 128 characters fit; of more only the first do.
-    const CCUString sLine('x', 128);
-    const CCUString cases[][3] = {
-        {"%%1 %D %H:%M:%S%%", "%1 0 -23:-59:-30%", ""},
-        {"a%x%", "ax", "0; 0"},
-        {sLine, sLine, ""},
-        {sLine + 'y', sLine, "pch < &szBuffer[128]"},
-        {sLine.Left(127) + "%H", sLine.Left(127) + '-', "pch < &szBuffer[128]"}};
-    for (const auto &item : cases) {
-        const auto format = [&] { EXPECT_STREQ(item[1], negative.Format(item[0])); };
-        EXPECT_STREQ(item[2], reports.Of("Time", format).c_str());
-    }
+    const CTemporaryDirectory directory;
+    EXPECT_STREQ("%1 0 -23:-59:-30%", CCUTimeSpan(-1, 0, 0, 30).Format("%%1 %D %H:%M:%S%%"));
+    EXPECT_STREQ(CCUString('x', 128), CCUTimeSpan(0).Format(CCUString('x', 129)));  // what fits
     CCUTimeSpan span(1, 2, 3, 4);
     EXPECT_STREQ("1 02:03:04", span.Format("%D %H:%M:%S"));
     EXPECT_FALSE(span.Parse("1:2:3"));
     EXPECT_EQ(93784, span.GetSpan());
     EXPECT_TRUE(span.Parse("1:-2:3:400 more"));
     EXPECT_EQ(86400 - 7200 + 180 + 400, span.GetSpan());
-    EXPECT_EQ(79779 + 79781, (span - 1L).GetSpan() + (span + 1L).GetSpan());
+    EXPECT_EQ(2 * 79780 - 1, (span - 2L).GetSpan() + (span + 1L).GetSpan());
 }
 
 TEST(Time, FormatExpandsTheUsersPicturesAndZoneNames)
 {
     char szTime[256] = "";
     GetTimeFormatA(LOCALE_USER_DEFAULT, 0, &s_fields, nullptr, szTime, sizeof szTime);
-    const CCUString sShort = Date(0), sFill('a', 127 - sShort.GetLength());
+    const CCUString sShort = Date(0);
     memcpy(s_zone.DaylightName, L"Zone of 32 characters, no NUL...", sizeof s_zone.DaylightName);
     const CCUString cases[][2] = {
         {"%x!%X %lx", sShort + "!" + szTime + ' ' + Date(DATE_LONGDATE)},
+        {"%sx", "Wed, Jul 4, 2001"},  // of the C locale's picture, its names cut short
         {"%Z|%z", "Zone of 32 characters, no NUL...|Zone of 32 characters, no NUL..."},
-        {"%Y-%m-%d %H:%M:%S %a %j%%", "2001-07-04 16:30:15 Wed 185%"},
-        {sFill + "%x", sFill + sShort},
-        {sFill + "%x1", ""}};
+        {"%Y-%m-%d %H:%M:%S %a %j%%", "2001-07-04 16:30:15 Wed 185%"}};
     for (const auto &item : cases)
         EXPECT_STREQ(item[1], Formatted(item[0])) << item[0];
     const CCUTime winter(2001, 1, 1, 0, 0, 0, -1, &s_zone);
     EXPECT_STREQ("Winter", winter.FormatTZI("%Z", &s_zone));
     EXPECT_STREQ("2000-12-31 22:00:00", winter.FormatGmt("%Y-%m-%d %H:%M:%S"));
-    // Names that hold codes, or make some with what is left of the format.
-    wcscpy(s_zone.DaylightName, L"%Zx");
-    EXPECT_STREQ("x", Formatted("%Z").Right(1));
-}
-
-TEST(Time, FormatReadsTheLongDatePictureAfreshWhenTold)
-{
-    EXPECT_TRUE(CCUTime::IsTimeFormatChanged());
-    // The settings of this process alone: other tests read the user's meanwhile.
-    CCURegistry ownUser(HKEY_CURRENT_USER, "Software\\CUTimeFormatTest", false);
-    ASSERT_EQ(ERROR_SUCCESS, RegOverridePredefKey(HKEY_CURRENT_USER, ownUser.GetKey()));
-    CCURegistry registry(HKEY_CURRENT_USER, "Control Panel\\International", false);
-    EXPECT_TRUE(registry.SetString("sLongDate", "dddd, MMMM dd, yyyy 'dddd MMMM'"));
-    EXPECT_STREQ("Wed, Jul 04, 2001 dddd MMMM", AbbreviatedDate());
-    // 80 bytes are read, and need not end in a NUL.
-    const CCUString sLong = "yyyy'" + CCUString('x', 73) + "'";
-    EXPECT_TRUE(registry.SetBinary("sLongDate", sLong + "  ", 80));
-    EXPECT_FALSE(CCUTime::IsTimeFormatChanged());
-    EXPECT_STREQ("Wed, Jul 04, 2001 dddd MMMM", Formatted("%sx"));
-    EXPECT_STREQ("2001" + CCUString('x', 73) + " ", AbbreviatedDate());
-    // Windows 95 keeps it in win.ini.
-    const CFakeCall<BOOL(OSVERSIONINFOA *)> system("GetVersionExA", [](OSVERSIONINFOA *version) {
-        version->dwPlatformId = VER_PLATFORM_WIN32_WINDOWS;
-        return TRUE;
-    });
-    EXPECT_TRUE(WriteProfileStringA("Intl", "sLongDate", "MMMM yyyy"));
-    EXPECT_STREQ("Jul 2001", AbbreviatedDate());
-    WriteProfileStringA("Intl", "sLongDate", nullptr);
-    RegOverridePredefKey(HKEY_CURRENT_USER, nullptr);
-    CCURegistry(HKEY_CURRENT_USER, "Software", false).DeleteKey("CUTimeFormatTest");
 }
 
 TEST(Clock, DoubleTimeFillsInBetweenTicks)
@@ -304,24 +239,4 @@ TEST(Clock, DoubleTimeFillsInBetweenTicks)
         counter.QuadPart = static_cast<LONGLONG>(step[1] * static_cast<double>(frequency.QuadPart));
         EXPECT_NEAR(step[2], CUDoubleTime(), 1e-5);
     }
-}
-
-TEST(Clock, IsSetWhereTheTimeExists)
-{
-    SYSTEMTIME set = {};
-    const CFakeCall<BOOL(const SYSTEMTIME *)> setTime("SetSystemTime", [&](const SYSTEMTIME *time) {
-        set = *time;
-        return time->wYear != 0;
-    });
-    UINT nBroadcast = 0;
-    const CFakeCall<BOOL(HWND, UINT, WPARAM, LPARAM)> notify(
-        "SendNotifyMessageA", [&](HWND hWnd, UINT message, WPARAM, LPARAM) {
-            nBroadcast = hWnd == HWND_BROADCAST ? message : 0;
-            return TRUE;
-        });
-    EXPECT_TRUE(CUSetSystemTime(994264215.75));
-    EXPECT_EQ(994264215, ToSeconds(set));
-    EXPECT_EQ(0u + WM_TIMECHANGE, nBroadcast);
-    for (const double never : {1e300, -1e300, -2e10})
-        EXPECT_FALSE(CUSetSystemTime(never)) << never;
 }

@@ -62,10 +62,10 @@ public:
     /// picture of the strip, for each 0 a separator.
     /// @{
     CUI_API void SetButtons(const unsigned int *pnIDs, int nCount);
-    template <int COUNT>
+    template <size_t COUNT>
     void SetButtons(const unsigned int (&nIDs)[COUNT])
     {
-        SetButtons(nIDs, COUNT);
+        SetButtons(nIDs, static_cast<int>(COUNT));
     }
     /// @}
     /// Appends a button with the strip's picture of that number, from 0; one that the strip does

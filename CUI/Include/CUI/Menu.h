@@ -122,10 +122,10 @@ public:
     /// (reported as "nCount > 0 && pIDs").
     /// @{
     CUI_API int SetPictures(const CCUIBitmap &strip, const UINT *pIDs, int nCount);
-    template <int COUNT>
+    template <size_t COUNT>
     int SetPictures(const CCUIBitmap &strip, const UINT (&nIDs)[COUNT])
     {
-        return SetPictures(strip, nIDs, COUNT);
+        return SetPictures(strip, nIDs, static_cast<int>(COUNT));
     }
     /// @}
 
