@@ -5,6 +5,7 @@ Usage: viewer_test.py   (within Tools/with-wine, AUTORUN_BUILD says what build)
 """
 
 import pathlib
+import re
 import shutil
 import subprocess
 import sys
@@ -83,6 +84,9 @@ class Viewer(unittest.TestCase):
         return place
 
     def test_by_mouse_and_keyboard(self):
+        files = set((ROOT / "Samples/Viewer").glob("*.[hc]*")) - {ROOT / "Samples/Viewer/Resource.h"}
+        lines = re.findall(r"^(?!\s*(?://|$))", "".join(file.read_text() for file in files), re.M)
+        self.assertLessEqual(len(lines), 400, "as the page says")
         viewer = self.start("a.bmp")
         first = self.shown("a")
         window = wait_for(lambda: windows("a.bmp - Picture Viewer"), "the window").pop()

@@ -105,7 +105,10 @@ protected:
     CUI_API virtual void OnRelease();
     /// The control was clicked, by whatever means. Tells the parent by default.
     CUI_API virtual void OnClick();
-    CUI_API void OnCommandChanged(unsigned short nState, const CCUString &sText) override;
+    void OnCommandChanged(unsigned short nState, const CCUString &sText) override
+    {
+        FollowCommand(nState, sText);
+    }
 
     /// For derived classes.
     /// @{
@@ -162,6 +165,8 @@ private:
         PressMouse,
         PressKey
     };
+    // Called in the header: see CCUIStatusBar::SetHelp.
+    CUI_API void FollowCommand(unsigned short nState, const CCUString &sText);
     void BeginPress(Press press);
     void EndPress(bool bInside);
     void CancelPress();

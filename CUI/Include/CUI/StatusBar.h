@@ -77,9 +77,9 @@ public:
     CUI_API void SetProgress(int nPane, int nValue, int nMost);
 
     /// Shows a help text in pane 0 until ClearHelp, over text, picture and progress.
-    CUI_API void ShowHelp(const CCUString &sText) override;
+    void ShowHelp(const CCUString &sText) override { SetHelp(true, sText); }
     /// Shows what pane 0 has now.
-    CUI_API void ClearHelp() override;
+    void ClearHelp() override { SetHelp(false, ""); }
     /// Shows the long help (GetLongTT) of a command; without any as ClearHelp. For windows other
     /// than frames, which do so by themselves, to be called from OnMenuSelect with what it gets, an
     /// nFlags of 0xFFFF and a popup included.
@@ -96,6 +96,9 @@ protected:
     /// @}
 
 private:
+    // What overrides functions of a second base calls in the headers: the compilers disagree on
+    // whether the way there from the base is exported as well.
+    CUI_API void SetHelp(bool bHelp, const CCUString &sText);
     CCUIStatusPane *Pane(int nPane) const;
     void Repaint(const RECT &rect);
     void Repaint(const CCUIStatusPane &pane, bool bWidth);

@@ -268,7 +268,7 @@ void CCUIControl::SetCommand(unsigned int nID)
     CCUICommandView::SetCommand(nID);
 }
 
-void CCUIControl::OnCommandChanged(unsigned short nState, const CCUString &sText)
+void CCUIControl::FollowCommand(unsigned short nState, const CCUString &sText)
 {
     CWatch watch(this);
     SetState(CUI_STATE_CHECKED, (nState & CUI_COMMAND_CHECKED) != 0);

@@ -140,21 +140,12 @@ void CCUIStatusBar::SetProgress(int nPane, int nValue, int nMost)
 
 // --- Help ---
 
-void CCUIStatusBar::ShowHelp(const CCUString &sText)
+void CCUIStatusBar::SetHelp(bool bHelp, const CCUString &sText)
 {
-    if (m_bHelp && m_sHelp == sText)
+    if (m_bHelp == bHelp && m_sHelp == sText)
         return;
-    m_bHelp = true;
+    m_bHelp = bHelp;
     m_sHelp = sText;
-    Repaint((*m_pPanes)[0], false);
-}
-
-void CCUIStatusBar::ClearHelp()
-{
-    if (!m_bHelp)
-        return;
-    m_bHelp = false;
-    m_sHelp.Empty();
     Repaint((*m_pPanes)[0], false);
 }
 

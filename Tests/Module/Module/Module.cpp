@@ -11,9 +11,11 @@
 #include "CU/Language.h"
 #include "CU/ThreadExit.h"
 #include "CU/Timer.h"
+#include "CUI/Button.h"
 #include "CUI/ControlWindow.h"
 #include "CUI/Dialog.h"
 #include "CUI/OffScreenDC.h"
+#include "CUI/StatusBar.h"
 #include "CUI/WindowClass.h"
 
 namespace {
@@ -37,6 +39,14 @@ public:
     CCUString m_sDumped;
 };
 
+// Classes with two bases, both of which find their functions.
+class CStatus : public CCUIStatusBar
+{
+};
+class CButton : public CCUIButton
+{
+};
+
 LRESULT CALLBACK OwnClassProc(HWND hWnd, UINT message, WPARAM wParam, LPARAM lParam)
 {
     return message == WM_APP ? 99 : DefWindowProcA(hWnd, message, wParam, lParam);
@@ -50,6 +60,8 @@ struct CThreadsPart
     // Objects that still have their windows when all others are destroyed.
     alignas(CCUIWindow) char m_attached[sizeof(CCUIWindow)], m_left[sizeof(CCUIWindow)];
     CCUIControlWindow m_control;
+    CStatus m_status;
+    CButton m_button;
     CCUIDialog m_dialog{GetModuleHandleA("Module.dll"), MAKEINTRESOURCEA(1)};
 
     bool Use(HWND hHosts)
@@ -92,6 +104,7 @@ private:
                m_own.Create("ModulesOwn", "", WS_POPUP, rect, nullptr, 0) &&
                SendMessageA(m_own, WM_APP, 0, 0) == 99 &&
                m_control.Create(nullptr, "", WS_CHILD, rect, m_window, 2) &&
+               m_status.CreateBar(m_window, 3) && m_button.CreateControl(m_window, 4, "") &&
                m_dialog.DoModeless(nullptr) && CCUIWindow::FromHandle(m_dialog) == &m_dialog &&
                (new (m_left) CCUIWindow)->Create("ModulesOwn", "", WS_POPUP, rect, nullptr, 0);
     }
