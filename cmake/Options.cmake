@@ -25,15 +25,36 @@ target_compile_definitions(autorun_product INTERFACE __USE_MINGW_ANSI_STDIO=0)
 target_compile_options(autorun_product INTERFACE
   $<$<COMPILE_LANGUAGE:CXX>:-fno-exceptions -fno-rtti -fno-threadsafe-statics -fno-asynchronous-unwind-tables -fno-omit-frame-pointer>
   $<$<COMPILE_LANGUAGE:CXX>:-ffunction-sections -fdata-sections>
-  $<$<AND:$<COMPILE_LANGUAGE:CXX>,$<CONFIG:Release>>:-Os>
+  $<$<AND:$<COMPILE_LANGUAGE:CXX>,$<CONFIG:Release>>:-Oz>
+  # Win32 aligns the stack to 4 bytes, which is enough here; clang knows. Without the limit GCC puts
+  # functions into others that get larger by it.
+  $<$<AND:$<COMPILE_LANG_AND_ID:CXX,GNU>,$<CONFIG:Release>>:-mpreferred-stack-boundary=2;-finline-limit=8>
+  # Arguments are pushed, which takes half of the code that storing them does, if no function has to
+  # reach for the pages of its stack one by one: none may need a page. autorun_large_frames names those
+  # that do.
+  $<$<AND:$<COMPILE_LANG_AND_ID:CXX,GNU>,$<CONFIG:Release>>:-mno-stack-arg-probe;-mno-accumulate-outgoing-args>
+  $<$<AND:$<COMPILE_LANG_AND_ID:CXX,GNU>,$<CONFIG:Release>>:-Wframe-larger-than=3584;-Walloca>
   # The same bytes wherever the sources stand.
   $<$<COMPILE_LANGUAGE:CXX>:-ffile-prefix-map=${CMAKE_SOURCE_DIR}=.>)
 
 # autorun_hot(NAME...): sources of the current folder where speed counts more than size.
 function(autorun_hot)
+  # Those that -O2 has without the limit above.
+  set(own_limits --param=max-inline-insns-single=70 --param=max-inline-insns-auto=15)
   list(TRANSFORM ARGN PREPEND Src/ OUTPUT_VARIABLE hot)
   list(TRANSFORM hot APPEND .cpp)
-  set_source_files_properties(${hot} PROPERTIES COMPILE_OPTIONS $<$<CONFIG:Release>:-O2>)
+  set_source_files_properties(${hot} PROPERTIES COMPILE_OPTIONS
+    "$<$<CONFIG:Release>:-O2;$<$<CXX_COMPILER_ID:GNU>:${own_limits}>>")
+endfunction()
+
+# autorun_large_frames(NAME...): sources of the current folder with functions whose variables take a page
+# of the stack or more.
+function(autorun_large_frames)
+  list(TRANSFORM ARGN PREPEND Src/ OUTPUT_VARIABLE large)
+  list(TRANSFORM large APPEND .cpp)
+  set(options -mstack-arg-probe -maccumulate-outgoing-args -Wno-frame-larger-than)
+  set_property(SOURCE ${large} APPEND PROPERTY COMPILE_OPTIONS
+    "$<$<AND:$<CXX_COMPILER_ID:GNU>,$<CONFIG:Release>>:${options}>")
 endfunction()
 
 # One file that needs the system's libraries only; address randomisation and no execution of data;
