@@ -11,6 +11,7 @@
 #include "CU/Language.h"
 #include "CU/ThreadExit.h"
 #include "CU/Timer.h"
+#include "CUI/Button.h"
 #include "CUI/ControlWindow.h"
 #include "CUI/Dialog.h"
 #include "CUI/OffScreenDC.h"
@@ -37,6 +38,14 @@ public:
     CCUString m_sDumped;
 };
 
+// Of a class that the launcher exports by numbers.
+class CCountingButton : public CCUIButton
+{
+public:
+    void OnClick() override { ++m_nClicks; }
+    int m_nClicks = 0;
+};
+
 LRESULT CALLBACK OwnClassProc(HWND hWnd, UINT message, WPARAM wParam, LPARAM lParam)
 {
     return message == WM_APP ? 99 : DefWindowProcA(hWnd, message, wParam, lParam);
@@ -50,6 +59,7 @@ struct CThreadsPart
     // Objects that still have their windows when all others are destroyed.
     alignas(CCUIWindow) char m_attached[sizeof(CCUIWindow)], m_left[sizeof(CCUIWindow)];
     CCUIControlWindow m_control;
+    CCountingButton m_button;
     CCUIDialog m_dialog{GetModuleHandleA("Module.dll"), MAKEINTRESOURCEA(1)};
 
     bool Use(HWND hHosts)
@@ -92,8 +102,17 @@ private:
                m_own.Create("ModulesOwn", "", WS_POPUP, rect, nullptr, 0) &&
                SendMessageA(m_own, WM_APP, 0, 0) == 99 &&
                m_control.Create(nullptr, "", WS_CHILD, rect, m_window, 2) &&
+               m_button.CreateControl(m_window, 3, "&Text") && ClickButton() &&
                m_dialog.DoModeless(nullptr) && CCUIWindow::FromHandle(m_dialog) == &m_dialog &&
                (new (m_left) CCUIWindow)->Create("ModulesOwn", "", WS_POPUP, rect, nullptr, 0);
+    }
+    bool ClickButton()
+    {
+        SIZE size = {};
+        m_button.GetNaturalSize(size);
+        SendMessageA(m_button, BM_CLICK, 0, 0);
+        m_button.SetCheck(BST_CHECKED);
+        return size.cx > 0 && m_button.m_nClicks == 1 && m_button.GetCheck() == BST_CHECKED;
     }
 };
 
