@@ -1,5 +1,5 @@
-# What AutoRun.exe exports: the names that the headers mark with CU_API and CUI_API, held against the
-# list AutoRun/exports.txt.
+# What AutoRun.exe exports: the names that the headers mark with CU_API and CUI_API, without those that
+# no program can name, held against the list AutoRun/exports.txt.
 
 find_program(AUTORUN_PYTHON python3 REQUIRED)
 set(AUTORUN_EXPORTS_TOOL ${CMAKE_SOURCE_DIR}/Tools/exports.py)
@@ -22,15 +22,32 @@ function(autorun_note_exports library)
   set_property(GLOBAL APPEND PROPERTY AUTORUN_EXPORTS_NAMES ${names})
 endfunction()
 
+# autorun_find_hidden_members(): what the headers mark and no program can name goes to the file `hidden`.
+function(autorun_find_hidden_members)
+  set(tool ${CMAKE_SOURCE_DIR}/Tools/hidden_members.py)
+  set(folders ${CMAKE_SOURCE_DIR}/CU/Include ${CMAKE_SOURCE_DIR}/CUI/Include)
+  list(TRANSFORM folders APPEND /*.h OUTPUT_VARIABLE patterns)
+  file(GLOB_RECURSE headers CONFIGURE_DEPENDS ${patterns})
+  set(hidden ${CMAKE_CURRENT_BINARY_DIR}/hidden.txt)
+  add_custom_command(OUTPUT ${hidden}
+    COMMAND ${AUTORUN_PYTHON} ${tool} ${hidden} ${folders}
+    DEPENDS ${tool} ${headers}
+    VERBATIM)
+  add_custom_target(hidden_members DEPENDS ${hidden})
+  set(hidden ${hidden} PARENT_SCOPE)
+endfunction()
+
 # autorun_check_exports(): fails, with the names, where the list is not what the libraries have; makes
 # what the linker takes of it.
 function(autorun_check_exports)
+  autorun_find_hidden_members()
   get_property(names GLOBAL PROPERTY AUTORUN_EXPORTS_NAMES)
   set(to ${CMAKE_CURRENT_BINARY_DIR})
   set(files ${to}/keep.rsp ${to}/export.def ${to}/import.def)
   add_custom_command(OUTPUT ${files}
-    COMMAND ${AUTORUN_PYTHON} ${AUTORUN_EXPORTS_TOOL} check ${AUTORUN_EXPORTS_LIST} ${to} ${names}
-    DEPENDS ${AUTORUN_EXPORTS_TOOL} ${AUTORUN_EXPORTS_LIST} ${names}
+    COMMAND ${AUTORUN_PYTHON} ${AUTORUN_EXPORTS_TOOL} check ${AUTORUN_EXPORTS_LIST} ${to}
+      ${hidden} ${names}
+    DEPENDS ${AUTORUN_EXPORTS_TOOL} ${AUTORUN_EXPORTS_LIST} ${hidden} ${names}
     VERBATIM)
   add_custom_target(exports DEPENDS ${files})
   set_property(GLOBAL PROPERTY AUTORUN_EXPORTS_FOLDER ${to})

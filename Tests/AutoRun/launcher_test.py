@@ -162,8 +162,29 @@ class Exports(LauncherTest):
                   windows_path(BUILD / "Tests/Module.dll"))
         self.close(process)
 
+    def test_keep_their_numbers(self):
+        """A name that went and is back gets a new number, and so does one of two that share one."""
+        text = (ROOT / "AutoRun/exports.txt").read_text()
+        last = int(re.search(r"given: @(\d+)\n", text)[1])
+        gone, first, second = re.findall(r"^_Z.* @\d+ .*\n", text, re.M)[:3]
+        number = re.search(r" @\d+ ", first)[0]
+        with tempfile.TemporaryDirectory() as folder:
+            path = pathlib.Path(folder, "exports.txt")
+            path.write_text(text.replace(gone, "").replace(
+                second, re.sub(r" @\d+ ", number, second)))
+            output_of(ROOT / "Tools/exports.py", "write", path, BUILD / "AutoRun/hidden.txt",
+                      BUILD / "CU/CU.exports", BUILD / "CUI/CUI.exports")
+            for line, new in (f"given: @{last}\n", last + 2), (gone, last + 1), (second, last + 2):
+                text = text.replace(line, re.sub(r"@\d+", f"@{new}", line))
+            self.assertEqual(text, path.read_text())
+
     def test_are_those_listed_and_imports_those_that_the_first_windows_has(self):
-        listed = re.findall("^([^; \n]+)", (ROOT / "AutoRun/exports.txt").read_text(), re.M)
+        text = (ROOT / "AutoRun/exports.txt").read_text()
+        numbers = [int(number) for number in re.findall(r"^[^;\n]+? @(\d+)\b", text, re.M)]
+        listed = [name for name, number in
+                  re.findall(r"^([^; \n]+)(?: = \S+)?( @\d+)?", text, re.M) if not number]
+        last = int(re.search(r"^; Last number given: @(\d+)$", text, re.M)[1])
+        numbers += range(last + 1, last + 1 + len(listed))
         allowed = set()
         for word in (ROOT / "Tests/AutoRun/imports.txt").read_text().split():
             library = word if word.endswith(":") else library
@@ -172,6 +193,8 @@ class Exports(LauncherTest):
             dump = output_of("i686-w64-mingw32-objdump", "-p", "-h", launcher)
             imports, exports = dump.split("[Ordinal/Name Pointer] Table\n")
             self.assertEqual(sorted(listed), re.findall(r"\] (\S+)", exports.split("\n\n")[0]))
+            self.assertEqual(sorted(numbers), [int(number) for number in re.findall(
+                r"\+base\[ *(\d+)\] \w+ Export RVA", imports)])
             for table in imports.split("DLL Name: ")[1:]:
                 library, _, names = table.partition("\n")
                 for name in re.findall(r"^\t[0-9a-f]+\t *\d+ +(\S+)", names, re.M):

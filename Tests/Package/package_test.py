@@ -102,6 +102,33 @@ class Package(unittest.TestCase):
         with ThreadPoolExecutor(os.cpu_count()) as pool:
             list(pool.map(compile_source, sources))
 
+    def test_imports(self):
+        """What headers, derived classes and samples use of the framework, the launcher exports."""
+        headers = sorted((self.tree / "include").rglob("*.h"))
+        names = set(re.findall(r"^class (?:CUI?_API )?(\w+)\b[^;]*$",
+                           "".join(path.read_text() for path in headers), re.M))
+        self.assertIn("CCUIButton", names)
+        derived = self.folder / "derived.cpp"
+        derived.write_text("#include <type_traits>\n" + "".join(
+            f'#include "{header}"\n' for header in headers) + """
+            template <class Base, bool = std::is_polymorphic<Base>::value &&
+                                         !std::is_final<Base>::value>
+            struct CDerived : Base { virtual void Anchor() {} };
+            template <class Base> struct CDerived<Base, false> {};
+            """ + "".join(f"template struct CDerived<{name}>;\n" for name in sorted(names)))
+        samples = (self.tree / "share/doc/AutoRun").rglob("*.cpp")
+
+        def link(compiler, *options, source):
+            made = self.folder / f"{compiler[0]}-{source.stem}"
+            output_of(*compiler, *options, "-DCU_IMPORTS", "-DCUI_IMPORTS", "-I",
+                      self.tree / "include", "-c", source, "-o", f"{made}.o")
+            output_of(*self.gcc, "-shared", f"{made}.o", self.tree / "lib/libAutoRun.dll.a",
+                      "-lgdi32", "-lcomctl32", "-o", f"{made}.dll")
+
+        for source in (derived, *samples):
+            link(self.gcc, "-fkeep-inline-functions", source=source)
+            link(self.clang, source=source)
+
     def test_mistakes(self):
         """What a format cannot take does not compile, even without warnings; what should does."""
         no_object, no_match = r"give GetString\(\)", "-W(error=)?format"

@@ -39,12 +39,15 @@ public:
     CCUString m_sDumped;
 };
 
-// Classes with two bases, both of which find their functions.
+// Of classes with two bases, both of which find their functions, that the launcher exports by numbers.
 class CStatus : public CCUIStatusBar
 {
 };
-class CButton : public CCUIButton
+class CCountingButton : public CCUIButton
 {
+public:
+    void OnClick() override { ++m_nClicks; }
+    int m_nClicks = 0;
 };
 
 LRESULT CALLBACK OwnClassProc(HWND hWnd, UINT message, WPARAM wParam, LPARAM lParam)
@@ -61,7 +64,7 @@ struct CThreadsPart
     alignas(CCUIWindow) char m_attached[sizeof(CCUIWindow)], m_left[sizeof(CCUIWindow)];
     CCUIControlWindow m_control;
     CStatus m_status;
-    CButton m_button;
+    CCountingButton m_button;
     CCUIDialog m_dialog{GetModuleHandleA("Module.dll"), MAKEINTRESOURCEA(1)};
 
     bool Use(HWND hHosts)
@@ -104,9 +107,18 @@ private:
                m_own.Create("ModulesOwn", "", WS_POPUP, rect, nullptr, 0) &&
                SendMessageA(m_own, WM_APP, 0, 0) == 99 &&
                m_control.Create(nullptr, "", WS_CHILD, rect, m_window, 2) &&
-               m_status.CreateBar(m_window, 3) && m_button.CreateControl(m_window, 4, "") &&
+               m_status.CreateBar(m_window, 3) &&
+               m_button.CreateControl(m_window, 4, "&Text") && ClickButton() &&
                m_dialog.DoModeless(nullptr) && CCUIWindow::FromHandle(m_dialog) == &m_dialog &&
                (new (m_left) CCUIWindow)->Create("ModulesOwn", "", WS_POPUP, rect, nullptr, 0);
+    }
+    bool ClickButton()
+    {
+        SIZE size = {};
+        m_button.GetNaturalSize(size);
+        SendMessageA(m_button, BM_CLICK, 0, 0);
+        m_button.SetCheck(BST_CHECKED);
+        return size.cx > 0 && m_button.m_nClicks == 1 && m_button.GetCheck() == BST_CHECKED;
     }
 };
 
