@@ -8,13 +8,11 @@
 #include "CUI/CommandHandler.h"
 #include "CUI/CommandMap.h"
 #include "CUI/Data.h"
-#include "CUI/Settings.h"
 #include "CUI/StatusBar.h"
-#include "CUI/WindowClass.h"
 #include "Support/GdiCount.h"
 #include "Support/ImportHook.h"
 #include "Support/PixelMap.h"
-#include "Support/Reports.h"
+#include "Support/TestSettings.h"
 #include "Support/UpdateArea.h"
 
 namespace {
@@ -289,7 +287,7 @@ TEST(ControlBar, GoesFromButtonToButtonByTheKeyboardAndGivesTheFocusBack)
 
 TEST(ControlBar, DocksWhereItIsDraggedAndRemembersThat)
 {
-    CUISetSettingsKey("Software\\CUITests\\Bars Test");
+    const CTestSettings settings;
     CParent parent;
     MoveWindow(parent, 50, 50, 300, 300, FALSE);
     CBar bar(parent, "main");
@@ -314,37 +312,17 @@ TEST(ControlBar, DocksWhereItIsDraggedAndRemembersThat)
     ASSERT_TRUE(later.CreateBar(parent, 4, "main", CUI_BAR_BOTTOM));
     EXPECT_EQ(CUI_BAR_RIGHT, later.GetSide());
     EXPECT_FALSE(later.IsBarShown() || IsWindowVisible(later));
-    CCURegistry registry(HKEY_CURRENT_USER, "Software\\CUITests", false);
-    EXPECT_TRUE(registry.DeleteKey("Bars Test"));
 }
 
-TEST(ControlBar, IsOfItsClassAndReportsWhereThatCannotBe)
+TEST(ControlBar, LeavesNothingBehind)
 {
-    CReports reports;
     CParent parent;
-    g_nRegisteredClasses = 0;
-    {
-        const CFakeCall<BOOL(HINSTANCE, const char *, WNDCLASSA *)> unknown(
-            "GetClassInfoA", [](auto...) { return FALSE; });
-        const CFakeCall<ATOM(const WNDCLASSA *)> none("RegisterClassA",
-                                                      [](auto...) { return ATOM(0); });
-        CCUIControlBar bar;
-        bar.CreateBar(parent, 3);
-    }
-    EXPECT_EQ(1, reports.Count("CUIWindowClassRegister(CUI_CLASS_CONTROLBAR)", "ControlBar"));
-    g_nRegisteredClasses = 0;
-    int nGdi = 0;
-    for (int i = 0; i < 60; ++i) {
+    ExpectNoGdiLeft(40, [&] {
         CBar bar(parent);
-        char szClass[32] = "";
-        GetClassNameA(bar, szClass, sizeof szClass);
-        EXPECT_STREQ("pzl-ControlBAR", szClass);
         bar.Mouse(WM_MOUSEMOVE, 0);
         CCUIStatusBar status;
         status.CreateBar(parent, 4);
         MoveWindow(status, 0, 100, 100, 20, TRUE);
         UpdateWindow(status);
-        nGdi = i == 10 ? GdiCount() : nGdi;
-    }
-    EXPECT_GE(nGdi + 2, GdiCount());
+    });
 }

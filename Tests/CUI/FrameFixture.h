@@ -1,31 +1,8 @@
 #pragma once
 
 #include "CUI/FrameWindow.h"
-#include "CUI/Settings.h"
+#include "Support/TestSettings.h"
 #include "Support/TestWindow.h"
-
-// Settings of the test's own, gone with the object.
-class CTestSettings
-{
-public:
-    CTestSettings() { CUISetSettingsKey("Software\\CUITests\\Frame"); }
-    ~CTestSettings()
-    {
-        CUISetSettingsKey(nullptr);
-        CCURegistry(HKEY_CURRENT_USER, "Software\\CUITests", false).DeleteKey("Frame");
-    }
-    static std::string Get(const char *value)
-    {
-        CCUString sText;
-        CCURegistry(HKEY_CURRENT_USER, "Software\\CUITests\\Frame\\Test").GetString(value, sText);
-        return sText.GetString();
-    }
-    static void Set(const char *value, const std::string &text)
-    {
-        CCURegistry(HKEY_CURRENT_USER, "Software\\CUITests\\Frame\\Test", false)
-            .SetString(value, text.c_str());
-    }
-};
 
 // A frame that writes down what it is asked; it eats the WM_QUIT that its end posts.
 class CTestFrame : public CScripted<CCUIFrameWindow>

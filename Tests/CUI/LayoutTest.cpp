@@ -1,3 +1,6 @@
+#include <math.h>
+#include <random>
+
 #include "CUI/Draw.h"
 #include "CUI/LayoutWindow.h"
 #include "Support/GdiCount.h"
@@ -32,15 +35,8 @@ struct CBox : CScripted<CCUIControlWindow>
         Create(nullptr, "", nStyle, {0, 0, 9, 7}, hParent, 1);
     }
     int m_nMoves = 0;
+    RECT m_before = {};
 };
-
-RECT RectOf(HWND hWnd)
-{
-    RECT rect = {};
-    GetWindowRect(hWnd, &rect);
-    MapWindowPoints(nullptr, GetParent(hWnd), reinterpret_cast<POINT *>(&rect), 2);
-    return rect;
-}
 
 std::string Place(HWND hWnd)
 {
@@ -89,82 +85,101 @@ void PressTab(bool bShift = false, HWND hDialog = nullptr)
 
 }  // namespace
 
-TEST(Layout, GivesChildrenTheirPlacesAlongAndAcross)
+namespace {
+
+// Where the children of a row with so much room for them, margins of 5 pixels and gaps of 3 should
+// be, by plain arithmetic: the weights share what the children's least sizes leave.
+std::string Model(const Boxes &boxes, int nRoom)
 {
-    CTestWindow top(nullptr, WS_POPUP | WS_VISIBLE);
-    const auto w = CUIPlaceWeight;
-    const unsigned long fill = CUI_PLACE_FILL, keep = CUI_PLACE_KEEP;
-    const struct
-    {
-        std::vector<std::pair<int, unsigned long>> children;
-        std::string along;
-    } rows[] = {
-        {{}, ""},
-        {{{20, 4}, {0, fill | w(1)}, {10, 4}}, "5+20 28+54 85+10 "},
-        {{{0, w(1)}, {0, w(2)}, {0, w(1)}}, "5+21 29+42 74+21 "},
-        {{{0, w(1)}, {60, w(2)}, {0, w(1)}}, "5+12 20+60 83+12 "},
-        {{{60, w(9)}, {60, w(1)}, {-5, w(255)}}, "5+60 68+60 131+0 "},
-        {{{0, w(255)}, {0x7FFFFFFF, 4}, {7, keep}}, "5+0 8+32767 12288+7 "},
-    };
-    for (const auto &row : rows) {
-        CLayout layout(top, ROW), column(top, COLUMN, 60, 100);
-        for (CLayout *pLayout : {&layout, &column}) {
-            const bool bRow = pLayout == &layout;
-            pLayout->SetMargins({5, 5, 5, 5});
-            pLayout->SetGap(3);
-            EXPECT_EQ(row.along, Along(MakeBoxes(*pLayout, row.children), bRow));
-        }
+    std::vector<std::pair<double, int>> children;  // least size and weight; no weight: not shown
+    for (const auto &pBox : boxes) {
+        const unsigned long nFlags = pBox->GetLayoutFlags();
+        const bool bShown = (nFlags & CUI_PLACE_KEEP) || IsWindowVisible(*pBox);
+        children.push_back({pBox->GetFixedSize(), bShown ? int(nFlags >> 16) : -1});
+        nRoom -= bShown ? 3 : 0;
     }
-    CLayout layout(top, COLUMN, 100, 100);
-    layout.SetMargins({1, 2, 3, 4});
-    Boxes boxes =
-        MakeBoxes(layout, {{5, CUI_PLACE_NEAR}, {5, CUI_PLACE_CENTER}, {5, CUI_PLACE_FAR}});
-    CBox last(layout, 5);
-    PumpWaiting();
-    EXPECT_EQ("1,2 9x5, 44,7 9x5", Place(*boxes[0]) + ", " + Place(*boxes[1]));
-    EXPECT_EQ("88,12 9x5, 1,17 96x5", Place(*boxes[2]) + ", " + Place(last));
-    SetWindowPos(layout, nullptr, 0, 0, 3, 1, SWP_NOMOVE);
-    EXPECT_EQ("1,7 9x5", Place(*boxes[1]));
-    EXPECT_EQ("1,17 0x5", Place(last));
-    layout.SetDirection(ROW);
-    EXPECT_EQ("1,2 5x5", Place(*boxes[0]));
+    double least = 0, most = 1000;  // of what a weight of 1 is worth
+    for (int i = 0; i < 60; ++i) {
+        const double worth = (least + most) / 2;
+        double sum = -3;
+        for (const auto &[size, nWeight] : children)
+            sum += nWeight < 0 ? 0 : std::max(size, worth * nWeight);
+        (sum > nRoom ? most : least) = worth;
+    }
+    std::string text;
+    double shared = 1e-6;
+    long nPos = 5;
+    for (size_t i = 0; i < boxes.size(); ++i) {
+        const auto [size, nWeight] = children[i];
+        const RECT &before = boxes[i]->m_before;
+        if (nWeight < 0) {
+            text += Text("%ld+%ld ", before.left, before.right - before.left);
+            continue;
+        }
+        const bool bShares = nWeight && least * nWeight + 1e-6 >= size;
+        const double end = shared + (bShares ? least * nWeight : 0);
+        const long nSize = bShares ? lround(end) - lround(shared) : long(size);
+        text += Text("%ld+%ld ", nPos, nSize);
+        nPos += nSize + 3;
+        shared = end;
+    }
+    return text;
 }
 
-TEST(Layout, HearsOfWhatChangesAndMovesOnlyWhatStandsElsewhere)
+}  // namespace
+
+TEST(Layout, GivesChildrenTheirPlacesWhateverChangesAndMovesOnlyWhatStandsElsewhere)
 {
     CTestWindow top(nullptr, WS_POPUP | WS_VISIBLE);
     CLayout layout(top, ROW);
+    layout.SetMargins({5, 5, 5, 5});
+    layout.SetGap(3);
     const HWND hPlain = MakePlain("STATIC", layout);
     Boxes boxes = MakeBoxes(layout, {{10, 4}, {20, 4}, {30, 4}});
-    const auto told = [&](const std::function<void()> &act) {
-        boxes[0]->m_nMoves = 0;
-        act();
+    std::mt19937 random;
+    const auto any = [&](unsigned nEnd) { return int(random() % nEnd); };
+    for (int nStep = 0, cx = 100; nStep < 1000; ++nStep) {
+        for (const auto &pBox : boxes) {
+            pBox->m_before = RectOf(*pBox);
+            pBox->m_nMoves = 0;
+        }
+        const size_t nBox = random() % boxes.size();
+        CBox &box = *boxes[nBox];
+        switch (any(6)) {
+        case 0: SetWindowPos(layout, nullptr, 0, 0, cx = any(200), 60, SWP_NOMOVE); break;
+        case 1: ShowWindow(box, IsWindowVisible(box) ? SW_HIDE : SW_SHOWNA); break;
+        case 2: layout.Suspend(), box.SetFixedSize(any(40)), layout.Resume(); break;
+        case 3:
+            if (boxes.size() < 6)
+                boxes.push_back(std::make_unique<CBox>(layout, any(40)));
+            else
+                boxes.erase(boxes.begin() + int(nBox));
+            break;
+        default:
+            box.SetLayoutFlags(4UL | (any(5) ? 0UL : CUI_PLACE_KEEP) |
+                               CUIPlaceWeight(unsigned(std::max(0, any(6) - 2))));
+        }
         PumpWaiting();
-        EXPECT_EQ(0, boxes[0]->m_nMoves);
-        return Along(boxes);
-    };
-    EXPECT_EQ("0+10 10+25 35+30 ", told([&] { boxes[1]->SetFixedSize(25); }));
-    boxes[1]->SetLayoutFlags(CUIPlaceWeight(1));
-    EXPECT_EQ("0+10 10+70 80+30 ", told([&] { boxes[1]->SetFixedSize(70); }));
-    EXPECT_EQ("0+10 10+70 10+30 ", told([&] { ShowWindow(*boxes[1], SW_HIDE); }));
-    EXPECT_EQ("0+10 10+70 80+30 ", told([&] { boxes[1]->SetLayoutFlags(CUI_PLACE_KEEP); }));
-    boxes[1]->SetLayoutFlags(4);
-    EXPECT_EQ("0+10 10+70 80+30 ", told([&] { ShowWindow(*boxes[1], SW_SHOW); }));
-    EXPECT_EQ("0+10 10+30 ", told([&] { boxes.erase(boxes.begin() + 1); }));
-    boxes.push_back(std::make_unique<CBox>(layout, 5));
-    SetWindowPos(*boxes[2], *boxes[0], 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE);
-    MoveWindow(*boxes[1], 0, 0, 30, 60, 0);
-    EXPECT_EQ("0+10 15+30 10+5 ", told([&] { layout.Layout(); }));
-    SetParent(*boxes[2], top);
-    EXPECT_EQ("0+10 10+30 ", told([&] { layout.Layout(), boxes.pop_back(); }));
+        ASSERT_EQ(Model(boxes, cx - 10), Along(boxes)) << nStep;
+        for (const auto &pBox : boxes) {
+            const RECT now = RectOf(*pBox);
+            ASSERT_FALSE(EqualRect(&now, &pBox->m_before) && &*pBox != &box && pBox->m_nMoves);
+        }
+    }
     EXPECT_EQ("0,0 9x9", Place(hPlain));
-    // What is posted comes late, and messages about nobody are harmless.
-    for (const LPARAM nCode : {3, 4, 5, 6, 7})
-        SendMessageA(layout, CUI_WM_LAYOUT, 0x1234, nCode);
-    layout.Suspend();
-    EXPECT_EQ("0+10 10+30 ", told([&] { boxes[1]->SetFixedSize(33); }));
-    layout.Resume();
-    EXPECT_EQ("0+10 10+33 ", Along(boxes));
+}
+
+TEST(Layout, PutsChildrenAcrossAsTheyWant)
+{
+    CTestWindow top(nullptr, WS_POPUP | WS_VISIBLE);
+    CLayout layout(top, COLUMN, 100, 100);
+    layout.SetMargins({1, 2, 3, 4});
+    Boxes boxes =
+        MakeBoxes(layout, {{5, CUI_PLACE_NEAR}, {5, CUI_PLACE_CENTER}, {5, CUI_PLACE_FAR}, {5, 4}});
+    EXPECT_EQ("1,2 9x5, 44,7 9x5", Place(*boxes[0]) + ", " + Place(*boxes[1]));
+    EXPECT_EQ("88,12 9x5, 1,17 96x5", Place(*boxes[2]) + ", " + Place(*boxes[3]));
+    layout.SetDirection(ROW);
+    EXPECT_EQ("1,2 5x5", Place(*boxes[0]));
 }
 
 TEST(Layout, MovesAllInOneBatchAndPaintsNothingTwice)
@@ -173,46 +188,41 @@ TEST(Layout, MovesAllInOneBatchAndPaintsNothingTwice)
     CLayout layout(top, ROW);
     Boxes boxes = MakeBoxes(layout, {{10, 4}, {20, 4}, {20, 4}});
     const COLORREF colors[] = {0xFF0000, 0x0000FF, 0xFFFF00};
-    int nPaints[3] = {};
+    int nPaints = 0;
     for (size_t i = 0; i < 3; ++i) {
         boxes[i]->m_on[WM_ERASEBKGND] = [&, i] {
             RECT rect = {0, 0, 100, 100};
             CUIDCFillSolidRect(reinterpret_cast<HDC>(boxes[i]->m_wParam), &rect, colors[i]);
-            return ++nPaints[i];
+            return ++nPaints;
         };
         InvalidateRect(*boxes[i], nullptr, TRUE);
     }
     PumpWaiting();
-    const HDC hDC = GetDC(layout);
-    const auto colorAt = [&](int x) { return GetPixel(hDC, x, 30); };
     // Nobody's pixels go while it moves: neither of those that stay nor of those that come.
-    nPaints[0] = nPaints[1] = nPaints[2] = 0;
-    int nLooks = 0;
+    const auto colorAt = [&](int x) {
+        const HDC hDC = GetDC(layout);
+        const COLORREF cr = GetPixel(hDC, x, 30);
+        return ReleaseDC(layout, hDC), cr;
+    };
+    boxes[0]->m_on.erase(WM_ERASEBKGND);
     boxes[2]->m_on[WM_WINDOWPOSCHANGED] = [&] {
         EXPECT_EQ(colors[0], colorAt(5));
         EXPECT_EQ(colors[1], colorAt(25));
-        return ++nLooks, boxes[2]->Default();
+        return boxes[2]->Default();
     };
+    nPaints = 0;
     bool bFails = false;
-    int nBatches = 0, nDeferred = 0;
-    const CFakeCall<HDWP(int)> begin("BeginDeferWindowPos",
-                                     [&](int n) { return ++nBatches, begin.Original(n); });
-    const CFakeCall<HDWP(HDWP, HWND, HWND, int, int, int, int, UINT)> defer(
-        "DeferWindowPos",
-        [&](HDWP h, HWND hWnd, HWND hAfter, int x, int y, int cx, int cy, UINT n) {
-            return ++nDeferred, bFails ? nullptr : defer.Original(h, hWnd, hAfter, x, y, cx, cy, n);
-        });
+    int nBatches = 0;
+    const CFakeCall<HDWP(int)> begin("BeginDeferWindowPos", [&](int n) {
+        return ++nBatches, bFails ? nullptr : begin.Original(n);
+    });
     boxes[0]->SetFixedSize(12);
     PumpWaiting();
-    EXPECT_EQ("0+12 12+20 32+20 ", Along(boxes));
-    EXPECT_EQ("1 3 1, 0 0",
-              Text("%d %d %d, %d %d", nBatches, nDeferred, nLooks, nPaints[1], nPaints[2]));
+    EXPECT_EQ("0+12 12+20 32+20 1 0", Along(boxes) + Text("%d %d", nBatches, nPaints));
     EXPECT_EQ(colors[2], colorAt(51));
-    // Without memory for a batch.
     bFails = true;
     boxes[0]->SetFixedSize(10);
-    EXPECT_EQ("0+10 10+20 30+20 ", Along(boxes));
-    ReleaseDC(layout, hDC);
+    EXPECT_EQ("0+10 10+20 30+20 ", Along(boxes)) << "without memory for a batch";
 }
 
 TEST(Layout, NestedLayoutsTellWhatTheyNeed)
@@ -252,8 +262,8 @@ TEST(Layout, TabGoesThroughAllThatCanHaveTheFocus)
     }
     EXPECT_EQ(MAKELONG(0, 4), SendMessageA(hEdit, EM_GETSEL, 0, 0));
     SetFocus(top);
-    SetFocus(inner);  // the last one gets it back
-    EXPECT_EQ(hEdit, GetFocus());
+    SetFocus(inner);
+    EXPECT_EQ(hEdit, GetFocus()) << "the last one gets it back";
     last.m_on[WM_GETDLGCODE] = [] { return DLGC_WANTTAB; };
     PressTab();
     PressTab();
@@ -326,7 +336,7 @@ TEST(Layout, SplitterMovesByMouseAndKeysAndGoesBack)
     EXPECT_EQ(13 + 1, drag(15));
     const std::function<void()> cancel[] = {
         [] { SetCapture(nullptr); }, [&] { SendMessageA(hSplitter, WM_KEYDOWN, VK_ESCAPE, 0); },
-        [&] { SetFocus(top); }, [&] { SendMessageA(hSplitter, WM_CANCELMODE, 0, 0); }};
+        [&] { SetFocus(top); }};
     for (const auto &way : cancel) {
         drag(60);
         EXPECT_EQ("0+58 64+42 ", Along(boxes));
@@ -357,23 +367,18 @@ TEST(Layout, SplitterMovesByMouseAndKeysAndGoesBack)
     EXPECT_TRUE(layout.SetSplit(*boxes[0], 25));
     SetWindowPos(layout, nullptr, 0, 0, 206, 60, SWP_NOMOVE);
     EXPECT_EQ("0+50 56+150 ", Along(boxes));
-    EXPECT_TRUE(layout.SetSplit(*boxes[0], 0));
     // It goes with either of its neighbours.
     ShowWindow(*boxes[1], SW_HIDE);
     PumpWaiting();
     EXPECT_EQ(-1, layout.GetSplit(*boxes[0]));
-    ShowWindow(*boxes[1], SW_SHOW);
-    PumpWaiting();
-    EXPECT_EQ("10,0 6x60", Place(GetWindow(*boxes[0], GW_HWNDNEXT)));
     boxes.erase(boxes.begin());
     PumpWaiting();
-    EXPECT_EQ("0+206 ", Along(boxes));
+    EXPECT_FALSE(IsWindow(hSplitter));
 }
 
 TEST(Layout, SurvivesWhatHandlersDo)
 {
     CTestWindow top(nullptr, WS_POPUP | WS_VISIBLE);
-    CDumped dumped;
     auto pLayout = std::make_unique<CLayout>(top, ROW);
     Boxes boxes = MakeBoxes(*pLayout, {{10, 4}, {10, 4 | CUI_PLACE_SPLITTER}, {10, 4}, {10, 4}});
     // One deletes another in the middle of the batch.
@@ -386,7 +391,6 @@ TEST(Layout, SurvivesWhatHandlersDo)
     int nSize = 20;
     boxes[0]->m_on[WM_SIZE] = [&] { return boxes[0]->SetFixedSize(++nSize), 0; };
     boxes[0]->SetFixedSize(12);
-    EXPECT_NE(std::string::npos, dumped.m_text.find("does not come to rest"));
     // One deletes the layout.
     boxes[0]->m_on[WM_SIZE] = [&] { return pLayout.reset(), 0; };
     boxes[0]->SetFixedSize(5);
@@ -418,8 +422,6 @@ TEST(Layout, TenThousandChildrenAndNoneLeakNothing)
         EXPECT_EQ(nChildren ? 57 : 0, RectOf(hLast).top);
     };
     round(0);
-    round(30);
-    const int nBefore = GdiCount();
+    ExpectNoGdiLeft(5, [&] { round(30); });
     round(10000);
-    EXPECT_NEAR(nBefore, GdiCount(), 1);
 }

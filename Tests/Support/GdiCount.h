@@ -1,5 +1,7 @@
 #pragma once
 
+#include <gtest/gtest.h>
+
 #include "CU/Platform.h"
 
 // How many GDI objects the process has, counted in the system's own table, which the process
@@ -14,4 +16,18 @@ inline int GdiCount()
     for (int i = 0; i < 65536; ++i)
         nCount += pTable[i * 24 + 14] != 0;
     return nCount;
+}
+
+// Does `work` so often, and expects that it leaves no GDI objects behind.
+template <typename Work>
+void ExpectNoGdiLeft(int nTimes, Work work)
+{
+    const int WARM_UP = 5;
+    int nBefore = 0;
+    for (int i = 0; i < nTimes + WARM_UP; ++i) {
+        if (i == WARM_UP)
+            nBefore = GdiCount();
+        work();
+    }
+    EXPECT_NEAR(nBefore, GdiCount(), 2);
 }

@@ -20,6 +20,10 @@ struct CPixelMap
         if (x >= 0 && y >= 0 && x < cx && y < cy)
             pixels[static_cast<size_t>(y * cx + x)] = cr;
     }
+    int Count(COLORREF cr) const
+    {
+        return static_cast<int>(std::count(pixels.begin(), pixels.end(), cr));
+    }
     bool operator==(const CPixelMap &map) const { return cx == map.cx && pixels == map.pixels; }
 
     int cx, cy;

@@ -87,6 +87,32 @@ inline void PumpWaiting()
         CCUIWindow::PumpMessage(&msg);
 }
 
+// Does so until something is the case, for a minute at most.
+template <typename Condition>
+bool PumpUntil(Condition condition)
+{
+    for (int nQuiet = 0; nQuiet < 6000 && !condition(); PumpWaiting())
+        nQuiet += MsgWaitForMultipleObjects(0, nullptr, FALSE, 10, QS_ALLINPUT) == WAIT_TIMEOUT;
+    return condition();
+}
+
+inline std::string TextOf(HWND hWnd)
+{
+    std::string text(static_cast<size_t>(GetWindowTextLengthA(hWnd)) + 1, '\0');
+    GetWindowTextA(hWnd, &text[0], static_cast<int>(text.size()));
+    return text.c_str();
+}
+
+// A window's place: a child's in its parent's client area, another's on the screen.
+inline RECT RectOf(HWND hWnd)
+{
+    RECT rect = {};
+    GetWindowRect(hWnd, &rect);
+    if (GetWindowLongA(hWnd, GWL_STYLE) & WS_CHILD)
+        MapWindowPoints(nullptr, GetParent(hWnd), reinterpret_cast<POINT *>(&rect), 2);
+    return rect;
+}
+
 // printf into a std::string.
 std::string Text(const char *format, ...) CU_PRINTF(1, 2);
 inline std::string Text(const char *format, ...)

@@ -201,7 +201,7 @@ private:
     friend class CCUIRecentFiles;
 
     typedef CUIBarSide SideOf(CCUIControlWindow *pBar);
-    int AddBar(CCUIControlWindow *pBar, CUIBarSide side, SideOf *pSideOf);
+    CUI_API int AddBar(CCUIControlWindow *pBar, CUIBarSide side, SideOf *pSideOf);
     bool TranslateOwnKey(const MSG &msg);
     bool Ask();
     void End();

@@ -39,7 +39,8 @@ public:
     CCUString m_sDumped;
 };
 
-// Of classes with two bases, both of which find their functions, that the launcher exports by numbers.
+// Of classes with two bases, both of which find their functions, that the launcher exports by
+// numbers.
 class CStatus : public CCUIStatusBar
 {
 };
@@ -107,9 +108,9 @@ private:
                m_own.Create("ModulesOwn", "", WS_POPUP, rect, nullptr, 0) &&
                SendMessageA(m_own, WM_APP, 0, 0) == 99 &&
                m_control.Create(nullptr, "", WS_CHILD, rect, m_window, 2) &&
-               m_status.CreateBar(m_window, 3) &&
-               m_button.CreateControl(m_window, 4, "&Text") && ClickButton() &&
-               m_dialog.DoModeless(nullptr) && CCUIWindow::FromHandle(m_dialog) == &m_dialog &&
+               m_status.CreateBar(m_window, 3) && m_button.CreateControl(m_window, 4, "&Text") &&
+               ClickButton() && m_dialog.DoModeless(nullptr) &&
+               CCUIWindow::FromHandle(m_dialog) == &m_dialog &&
                (new (m_left) CCUIWindow)->Create("ModulesOwn", "", WS_POPUP, rect, nullptr, 0);
     }
     bool ClickButton()
