@@ -124,7 +124,7 @@ class Package(unittest.TestCase):
 
         def link(compiler, *options, source):
             made = self.folder / f"{compiler[0]}-{source.stem}"
-            output_of(*compiler, *options, "-DCU_IMPORTS", "-DCUI_IMPORTS", "-I",
+            output_of(*compiler, *options, "-std=c++17", "-DCU_IMPORTS", "-DCUI_IMPORTS", "-I",
                       self.tree / "include", "-c", source, "-o", f"{made}.o")
             output_of(*self.gcc, "-shared", f"{made}.o", self.tree / "lib/libAutoRun.dll.a",
                       *missing, "-lgdi32", "-lcomctl32", "-o", f"{made}.dll")

@@ -18,6 +18,8 @@ public:
     /// As CCUICommandHandler. A null instance is the program's.
     CUI_API CCUIResourceCommands(unsigned int nID, unsigned int nIDRange,
                                  HINSTANCE hInstance = nullptr);
+    /// As CCUICommandHandler's.
+    CUI_API ~CCUIResourceCommands();
 
     CUI_API CCUString GetShortTT(unsigned int nID) override;
     CUI_API CCUString GetLongTT(unsigned int nID) override;

@@ -9,6 +9,9 @@ CCUIResourceCommands::CCUIResourceCommands(unsigned int nID, unsigned int nIDRan
 {
 }
 
+// Here, since only this source has the class's table of functions to give to modules.
+CCUIResourceCommands::~CCUIResourceCommands() = default;
+
 CCUString CCUIResourceCommands::GetShortTT(unsigned int nID)
 {
     return CUIResourceString(m_hInstance, nID, false).SpanExcluding("\n");
