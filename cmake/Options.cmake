@@ -38,6 +38,16 @@ target_compile_options(autorun_product INTERFACE
   # The same bytes wherever the sources stand.
   $<$<COMPILE_LANGUAGE:CXX>:-ffile-prefix-map=${CMAKE_SOURCE_DIR}=.>)
 
+# Programs on the framework: as their users would compile them, without what the product does for its
+# size.
+add_library(autorun_program INTERFACE)
+target_link_libraries(autorun_program INTERFACE autorun_warnings autorun_platform Base)
+target_compile_definitions(autorun_program INTERFACE __USE_MINGW_ANSI_STDIO=0)
+target_compile_options(autorun_program INTERFACE
+  $<$<COMPILE_LANGUAGE:CXX>:-fno-exceptions -fno-rtti -fno-asynchronous-unwind-tables>
+  $<$<COMPILE_LANGUAGE:CXX>:-ffunction-sections -fdata-sections>
+  $<$<COMPILE_LANGUAGE:CXX>:-ffile-prefix-map=${CMAKE_SOURCE_DIR}=.>)
+
 # autorun_hot(NAME...): sources of the current folder where speed counts more than size.
 function(autorun_hot)
   # Those that -O2 has without the limit above.

@@ -1,0 +1,36 @@
+#pragma once
+
+#include <memory>
+
+#include "Model/Problem.h"
+#include "Model/Skin.h"
+
+// Where a skin lives: a launcher, or a skin folder (Skin.rc and the pictures that it names). It keeps
+// what it read, so that saving changes only what was edited.
+class CSkinFile
+{
+public:
+    virtual ~CSkinFile() {}
+    CSkinFile(const CSkinFile &) = delete;
+    CSkinFile &operator=(const CSkinFile &) = delete;
+
+    // A folder, a Skin.rc in one, or a launcher. Null when it cannot be read: why is among the
+    // problems, as is what could be read but not understood.
+    static std::unique_ptr<CSkinFile> Open(const CCUString &sPath, CProblems &problems);
+
+    // As it was read, or saved last.
+    const CSkin &Skin() const { return m_skin; }
+    const CCUString &Path() const { return m_sPath; }
+    virtual bool IsFolder() const = 0;
+
+    // Writes the file that it was read from anew with these looks, to `sPath`, which may be the same
+    // or another: everything else in it stays to the byte. Under a new name first, then renamed:
+    // when it fails, what was at `sPath` is whole, the reason is among the problems.
+    virtual bool Save(const CSkin &skin, const CCUString &sPath, CProblems &problems) = 0;
+
+protected:
+    CSkinFile() {}
+
+    CCUString m_sPath;
+    CSkin m_skin;
+};

@@ -1,0 +1,50 @@
+#pragma once
+
+#include "Model/WideText.h"
+
+enum SkinEntryKind
+{
+    EntryText,
+    EntryCommand,
+    EntryPoint,
+    EntryRect,
+    EntryColor,
+    EntryFont
+};
+
+// What the launcher reads below one id of the string table.
+struct SkinEntry
+{
+    UINT m_nID;
+    const char *m_pszSymbol;   // "IDS_SETUP", as scripts name it
+    SkinEntryKind m_kind;
+    const char *m_pszCaption;  // "Install line", as the window names it
+    bool m_bUsed;              // false: read, but shown nowhere
+};
+
+const int SKIN_ENTRY_COUNT = 27;
+extern const SkinEntry SKIN_ENTRIES[SKIN_ENTRY_COUNT];
+
+// Null: the launcher does not read that id.
+const SkinEntry *FindSkinEntry(UINT nID);
+
+// A font as the table writes it.
+struct SkinFont
+{
+    int m_nPoints;
+    int m_nBold;    // above 0: bold
+    int m_nItalic;  // other than 0: italic
+    CCUString m_sFace;
+};
+
+// These read as the launcher does, and tell whether it would read the whole entry; what the text
+// does not reach stays. A colour's components are as they are written, whatever their size.
+bool ParsePoint(const CCUString &sText, POINT &point);
+bool ParseRect(const CCUString &sText, RECT &rect);
+bool ParseColor(const CCUString &sText, int (&components)[3]);
+bool ParseFont(const CCUString &sText, SkinFont &font);
+
+CCUString FormatPoint(const POINT &point);
+CCUString FormatRect(const RECT &rect);
+CCUString FormatColor(COLORREF color);
+CCUString FormatFont(const SkinFont &font);
