@@ -23,11 +23,22 @@ int Systems(HWND owner, UINT nFlags)
     return MessageBoxA(owner, "text", "title", nFlags);
 }
 
+// The window in front of the owner, once it has the focus: that the box before had it the screen
+// may tell late.
+HWND FocusedBox(HWND owner)
+{
+    const HWND hBox = GetLastActivePopup(owner);
+    EXPECT_TRUE(PumpUntil([=] {
+        return IsChild(hBox, GetFocus()) || (SetForegroundWindow(hBox), IsChild(hBox, GetFocus()));
+    }));
+    return hBox;
+}
+
 // Shows a box, has `act` called once when it is there, and returns its answer.
 int Ask(const Show &show, const Act &act)
 {
     CTestWindow owner(nullptr, WS_OVERLAPPEDWINDOW | WS_VISIBLE);
-    owner.m_on[WM_APP] = [&] { return act(GetLastActivePopup(owner)), 0; };
+    owner.m_on[WM_APP] = [&] { return act(FocusedBox(owner)), 0; };
     PostMessageA(owner, WM_APP, 0, 0);
     return show(owner);
 }
