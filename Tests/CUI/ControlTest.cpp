@@ -91,7 +91,6 @@ TEST(Control, IsPressedWhileMouseOrKeyHoldItAndClicksWhenTheyLetGo)
         {'o', [&] { SetCapture(other); }},
         {'e', [&] { button.Enable(false); }},
         {'f', [&] { Send(button, WM_KILLFOCUS); }},
-        {'f', [&] { Send(button, WM_KILLFOCUS); }},
         {'S', [&] { Send(button, WM_KEYDOWN, VK_SPACE, 1); }},
         {'s', [&] { Send(button, WM_KEYUP, VK_SPACE, 1); }},
         {'x', [&] { Send(button, WM_KEYDOWN, VK_ESCAPE, 1); }},
@@ -206,6 +205,20 @@ TEST(Control, MayBeDeletedByItsOwnCommand)
             EXPECT_EQ(nullptr, button);
         }
     }
+    // Or while it is asked for its text; and a neighbour that goes does not keep its group.
+    const CHeapWatch heap;
+    auto pText = std::make_unique<CScripted<CCUIButton>>(CUI_BUTTON_RADIO);
+    CScripted<CCUIControlWindow> neighbour;
+    pText->CreateControl(frame, 5, "text");
+    CreateTestWindow(neighbour, frame, WS_CHILD);
+    CButton last(frame, 6, CUI_BUTTON_RADIO);
+    neighbour.m_on[WM_GETDLGCODE] = [] { return DLGC_RADIOBUTTON; };
+    neighbour.m_on[BM_SETCHECK] = [&] { return neighbour.Destroy(), 0; };
+    last.SetCheck(BST_CHECKED);
+    pText->Click();
+    EXPECT_EQ(UINT(BST_UNCHECKED), last.GetCheck());
+    pText->m_on[WM_GETTEXTLENGTH] = [&] { return pText.reset(), 0; };
+    pText->SetText("new");
 }
 
 namespace {
@@ -300,6 +313,10 @@ TEST(Control, MnemonicsWorkOutsideOfDialogs)
         c(parent, 7, CUI_BUTTON_CHECK, "&Same && more");
     const HWND hLabel = MakePlain("STATIC", parent), hEdit = MakePlain("EDIT", parent);
     SetWindowTextA(hLabel, "&Name");
+    CTestWindow disabled(parent, WS_CHILD | WS_VISIBLE | WS_DISABLED);
+    CButton inside(disabled, 8, CUI_BUTTON_PUSH, "&More");
+    const HWND hPath = CreateWindowA("STATIC", "a&more", WS_CHILD | WS_VISIBLE | SS_NOPREFIX, 0, 0,
+                                     9, 9, parent, nullptr, nullptr, nullptr);
     for (const HWND hWnd : {hLabel, hEdit})
         SetWindowLongA(hWnd, GWL_STYLE, WS_CHILD | WS_VISIBLE | WS_TABSTOP);
     SetFocus(a);
@@ -319,6 +336,7 @@ TEST(Control, MnemonicsWorkOutsideOfDialogs)
     MSG msg = {parent, WM_SYSCHAR, 'n', 1 << 29, 0, {}};
     EXPECT_EQ(1, CUITranslateMnemonic(parent, &msg));
     EXPECT_EQ(hEdit, GetFocus());
+    EXPECT_TRUE(IsWindow(hPath));
 }
 
 TEST(Control, RepeatsAsTheKeyboardDoesWhileItIsHeldDown)
@@ -422,6 +440,29 @@ TEST(Control, ShowsEachStateAndWhatIsBehind)
         EXPECT_TRUE(disabled == ReadPixels(hDC, 80, 30));
         ReleaseDC(button, hDC);
     }
+}
+
+TEST(Control, IsMirroredAllButItsText)
+{
+    CParent parent;
+    std::vector<int> columns[2];  // where the text's pixels lie, from column to column
+    for (const bool bMirrored : {false, true}) {
+        SetWindowLongA(parent, GWL_EXSTYLE, bMirrored ? 0x00400000 : 0);
+        CButton button(parent, 5, CUI_BUTTON_CHECK, "FL");
+        UpdateWindow(button);
+        RECT rect;
+        GetWindowRect(button, &rect);
+        const HDC hScreen = GetDC(nullptr);
+        SetViewportOrgEx(hScreen, rect.left + (bMirrored ? 0 : 17), rect.top, nullptr);
+        const CPixelMap map = ReadPixels(hScreen, 63, 30);  // all but the mark
+        ReleaseDC(nullptr, hScreen);
+        for (int i = 0; i < 63 * 30; ++i) {
+            if (map.At(i / 30, i % 30) == GetSysColor(COLOR_BTNTEXT))
+                columns[bMirrored].push_back(i % 30);
+        }
+    }
+    EXPECT_LT(4u, columns[0].size());
+    EXPECT_EQ(columns[0], columns[1]);
 }
 
 TEST(Control, LeavesNothingBehind)

@@ -12,6 +12,7 @@ namespace {
 
 const auto COLUMN = CCUILayoutWindow::Column;
 const auto ROW = CCUILayoutWindow::Row;
+const LONG MIRRORED = 0x00400000;  // WS_EX_LAYOUTRTL
 const DWORD SHOWN = WS_CHILD | WS_VISIBLE | WS_CLIPSIBLINGS | WS_TABSTOP;
 
 struct CLayout : CScripted<CCUILayoutWindow>
@@ -220,6 +221,12 @@ TEST(Layout, MovesAllInOneBatchAndPaintsNothingTwice)
     PumpWaiting();
     EXPECT_EQ("0+12 12+20 32+20 1 0", Along(boxes) + Text("%d %d", nBatches, nPaints));
     EXPECT_EQ(colors[2], colorAt(51));
+    boxes[2]->m_on.clear();
+    SetWindowLongA(layout, GWL_EXSTYLE, MIRRORED);
+    layout.Layout();
+    EXPECT_EQ("0+12 12+20 32+20 2", Along(boxes) + Text("%d", nBatches));
+    layout.Layout();
+    EXPECT_EQ(2, nBatches);
     bFails = true;
     boxes[0]->SetFixedSize(10);
     EXPECT_EQ("0+10 10+20 30+20 ", Along(boxes)) << "without memory for a batch";
@@ -367,6 +374,9 @@ TEST(Layout, SplitterMovesByMouseAndKeysAndGoesBack)
     EXPECT_TRUE(layout.SetSplit(*boxes[0], 25));
     SetWindowPos(layout, nullptr, 0, 0, 206, 60, SWP_NOMOVE);
     EXPECT_EQ("0+50 56+150 ", Along(boxes));
+    SetWindowLongA(layout, GWL_EXSTYLE, MIRRORED);
+    SendMessageA(hSplitter, WM_KEYDOWN, VK_LEFT, 0);
+    EXPECT_EQ("0+58 64+142 ", Along(boxes));
     // It goes with either of its neighbours.
     ShowWindow(*boxes[1], SW_HIDE);
     PumpWaiting();
@@ -394,6 +404,14 @@ TEST(Layout, SurvivesWhatHandlersDo)
     // One deletes the layout.
     boxes[0]->m_on[WM_SIZE] = [&] { return pLayout.reset(), 0; };
     boxes[0]->SetFixedSize(5);
+    // One destroys its window, of which a new one is laid out as ever.
+    pLayout = std::make_unique<CLayout>(top, ROW);
+    boxes = MakeBoxes(*pLayout, {{10, CUI_PLACE_FIT}});
+    boxes[0]->m_on[CUI_WM_NATURALSIZE] = [&] { return pLayout->Destroy(), 1; };
+    boxes[0]->SetLayoutFlags(CUI_PLACE_FIT | CUI_PLACE_FILL);
+    boxes.clear();
+    pLayout->Create(nullptr, "", SHOWN, {0, 0, 100, 60}, top, 0);
+    EXPECT_EQ("0+10 ", Along(MakeBoxes(*pLayout, {{10, 4}})));
     // The mouse lets go when the layout is gone.
     pLayout = std::make_unique<CLayout>(top, ROW);
     boxes = MakeBoxes(*pLayout, {{10, 4 | CUI_PLACE_SPLITTER}, {10, 4}});

@@ -52,7 +52,8 @@ public:
     CUI_API void SetFlat(bool bFlat);
     /// A picture, which is shared: number nIndex in a row of pictures cx pixels wide (0: the whole
     /// bitmap). Pixels of the key colour, or of the button face without one, let the button shine
-    /// through. A bitmap that is null: no picture.
+    /// through. It has the pixels that it has: at more dots per inch the program takes a larger
+    /// one. A bitmap that is null: no picture.
     CUI_API void SetPicture(const CCUIBitmap &bitmap, int nIndex = 0, int cx = 0,
                             COLORREF crKey = CUI_NO_KEY_COLOR);
     /// CUI_PICTURE_LEFT at first.

@@ -55,6 +55,9 @@ public:
     void SetCurSel(int nItem) { Send(CB_SETCURSEL, static_cast<WPARAM>(nItem)); }
     /// @}
 
+    /// As high as the system makes the field.
+    CUI_API void GetNaturalSize(SIZE &size) override;
+
     void DropDown(bool bDrop) { Send(CB_SHOWDROPDOWN, bDrop); }  ///< or closes the list
     /// Whether the list is open.
     bool IsDropped() const { return Send(CB_GETDROPPEDSTATE) != 0; }

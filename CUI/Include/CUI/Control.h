@@ -35,6 +35,9 @@ CUI_API int CUITranslateMnemonic(HWND hParent, const MSG *pMsg);
 /// other window. What a control says goes to its parent as WM_COMMAND, with BN_CLICKED and its
 /// identifier.
 ///
+/// In a mirrored window (WS_EX_LAYOUTRTL, on Windows 98 and 2000) all of it is mirrored, pictures
+/// too, but not the text; WS_EX_RTLREADING has that read from right to left.
+///
 /// A control may be deleted by whatever it tells or calls. It uses its CCUTimer (SetAlarm) itself.
 /// For the user-interface thread only.
 class CCUIControl : public CCUIControlWindow, private CCUICommandView
@@ -175,6 +178,7 @@ private:
     bool IsInside(const POINT &point) const;
     CCUString GetTipText();
     HBRUSH GetBackground(HDC hDC);
+    bool ReadText();
     void ReadCues();
 
     unsigned int m_nState;

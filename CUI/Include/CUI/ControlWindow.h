@@ -108,6 +108,9 @@ protected:
 
     /// Makes the window property lead here, or (with a null window) nowhere any more.
     void PublishLayoutData(HWND hWnd);
+    /// Tells the parent, of a window with CUI_PLACE_FIT, that its content needs another size. It
+    /// may delete the window.
+    void NaturalSizeChanged();
     /// Gives the focus to the next control, as Tab does; to the parent where there is none.
     void PassFocusOn();
     bool IsInDialog() const;             ///< whether the parent is a dialog

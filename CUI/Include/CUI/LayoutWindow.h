@@ -58,8 +58,9 @@ constexpr unsigned long CUIPlaceWeight(unsigned nWeight)
 }
 
 /// A layout asks a child with CUI_PLACE_FIT for the size in which all of it can be seen, its
-/// borders included. lParam is a SIZE*, in pixels, which is 0 by 0 before. Layout windows answer
-/// GetMinimumSize. A child whose answer would be another one now sends CUI_LAYOUT_CHANGED.
+/// borders included. lParam is a SIZE*, in pixels, which is 0 by 0 before; the answer is nonzero,
+/// or the child keeps the size that it has. Layout windows answer GetMinimumSize, controls
+/// GetNaturalSize. A child whose answer would be another one now sends CUI_LAYOUT_CHANGED.
 const UINT CUI_WM_NATURALSIZE = WM_USER + 0x3300;
 
 class CCUILayoutItems;
@@ -82,8 +83,8 @@ class CCUILayoutItems;
 /// to the first. What CUI_WM_CHILDFOCUS tells it, it tells its parent too, with the same window.
 ///
 /// It paints its background, in its window colour or else the button face's, and clips its
-/// children. Places are in the window's client pixels from the left to the right: a mirrored window
-/// (WS_EX_LAYOUTRTL) is not provided for.
+/// children. In a mirrored window (WS_EX_LAYOUTRTL, on Windows 98 and 2000) left is right and right
+/// is left, for rows, places across, margins and splitters alike.
 class CCUILayoutWindow : public CCUIControlWindow
 {
 public:

@@ -12,11 +12,12 @@
 class CCUISpinButton : public CCUISystemControl
 {
 public:
-    /// The usual style: at the right edge of its field, whose number it writes.
+    /// The usual style: at the right edge of its field, whose number it writes. The field is the
+    /// control that was created just before; without UDS_AUTOBUDDY, what SetBuddy says.
     enum : DWORD
     {
-        STYLE =
-            UDS_ALIGNRIGHT | UDS_ARROWKEYS | UDS_SETBUDDYINT | UDS_NOTHOUSANDS  ///< the usual style
+        STYLE = UDS_AUTOBUDDY | UDS_ALIGNRIGHT | UDS_ARROWKEYS | UDS_SETBUDDYINT |
+                UDS_NOTHOUSANDS  ///< the usual style
     };
     /// Bound to no control.
     CCUISpinButton() : CCUISystemControl({UPDOWN_CLASSA, STYLE, 0, 0, true, 11, 14}) {}

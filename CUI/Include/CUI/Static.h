@@ -19,6 +19,9 @@ public:
     /// Bound to no control.
     CCUIStatic() : CCUISystemControl({"STATIC", STYLE, 0, 0, false, 60, 8}) {}
 
+    /// Of its text, as wide as its longest line, or of its picture.
+    CUI_API void GetNaturalSize(SIZE &size) override;
+
     /// The picture of one with SS_ICON or SS_BITMAP; not owned. Returns the one before.
     /// @{
     HICON SetIcon(HICON hIcon)

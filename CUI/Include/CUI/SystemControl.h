@@ -50,7 +50,7 @@ public:
     /// Creates the control as a visible child. The style is the one given, with WS_CHILD and
     /// WS_VISIBLE; 0: the usual one of the class, its member STYLE. It has the font of its parent,
     /// else that of menus, also after the user has chosen another. prc is in client pixels of the
-    /// parent; null: the usual size, at its corner. 1 on success.
+    /// parent; null: at its corner, as large as GetNaturalSize says. 1 on success.
     CUI_API int CreateControl(HWND hParent, UINT nID, const char *pszText = nullptr,
                               DWORD dwStyle = 0, const RECT *prc = nullptr);
     /// Binds the object to the control of a dialog, or of any other window. The control must be of
@@ -86,6 +86,10 @@ public:
     /// boxes, check boxes and the backgrounds of track bars.
     CUI_API void SetTextColor(DWORD crText);
 
+    /// The size that the control needs, in pixels; the answer to CUI_WM_NATURALSIZE. The usual one
+    /// of its class for its font, unless the class says otherwise.
+    CUI_API virtual void GetNaturalSize(SIZE &size);
+
     CUI_API int PreCreate(CREATESTRUCTA *pCreate) override;
     CUI_API int PreTranslateMessage(MSG *pMsg) override;
 
@@ -119,6 +123,7 @@ protected:
     /// OnReturn.
     virtual bool IsReturnFor(HWND hFocus) const { return hFocus == m_hWnd; }
 
+    CUI_API long OnMessage(UINT message, WPARAM wParam, LPARAM lParam) override;
     CUI_API int OnReflectedMessage(UINT message, WPARAM wParam, LPARAM lParam,
                                    long &result) override;
     CUI_API int OnReflectedNotification(UINT nID, NMHDR *pHeader, long &result) override;

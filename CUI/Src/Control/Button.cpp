@@ -5,6 +5,7 @@
 #include "CUI/Data.h"
 #include "CUI/Menu.h"
 #include "Control/ButtonParts.h"
+#include "Window/Mirrored.h"
 
 namespace {
 
@@ -19,9 +20,11 @@ LONG StyleOf(HWND hWnd)
     return GetWindowLongA(hWnd, GWL_STYLE);
 }
 
-// The siblings of a group, in a circle.
+// The siblings of a group, in a circle; null for a window that is gone.
 HWND NextInGroup(HWND hWnd)
 {
+    if (!IsWindow(hWnd))
+        return nullptr;
     const HWND hNext = GetWindow(hWnd, GW_HWNDNEXT);
     if (hNext && !(StyleOf(hNext) & WS_GROUP))
         return hNext;
@@ -160,7 +163,9 @@ void CCUIButton::UncheckGroup()
 {
     CWatch watch(this);
     const HWND hOwn = m_hWnd;
-    for (HWND hWnd = NextInGroup(hOwn); hWnd && hWnd != hOwn; hWnd = NextInGroup(hWnd)) {
+    HWND hNext = nullptr;
+    for (HWND hWnd = NextInGroup(hOwn); hWnd && hWnd != hOwn; hWnd = hNext) {
+        hNext = NextInGroup(hWnd);
         if (IsRadio(hWnd))
             SendMessageA(hWnd, BM_SETCHECK, BST_UNCHECKED, 0);
         if (watch.IsGone() || m_hWnd != hOwn)
@@ -283,8 +288,9 @@ void CCUIButton::OnLButtonDown(UINT nFlags, POINT &point)
 
 void CCUIButton::OnKeyDown(UINT nKey, UINT nRepeat, UINT nFlags)
 {
-    const bool bForward = nKey == VK_RIGHT || nKey == VK_DOWN;
-    const bool bBackward = nKey == VK_LEFT || nKey == VK_UP;
+    const bool bMirrored = CUIIsMirrored(m_hWnd);
+    const bool bForward = nKey == VK_DOWN || nKey == (bMirrored ? VK_LEFT : VK_RIGHT);
+    const bool bBackward = nKey == VK_UP || nKey == (bMirrored ? VK_RIGHT : VK_LEFT);
     if (m_kind == CUI_BUTTON_RADIO && (bForward || bBackward) && MoveInGroup(bForward))
         return;
     if (HasArrow() && nKey == VK_F4)
@@ -350,6 +356,7 @@ void CCUIButton::OnDropDown()
         pOwner = FromHandle(GetParent(m_hWnd));
     RECT rect;
     GetWindowRect(m_hWnd, &rect);
-    POINT at = {rect.left, rect.bottom};
+    // The menu of a mirrored window begins at the right.
+    POINT at = {CUIIsMirrored(m_hWnd) ? rect.right : rect.left, rect.bottom};
     (pOwner ? pOwner : this)->DisplayPopupMenu(m_pMenu, TPM_LEFTALIGN | TPM_VERTICAL, at, &rect);
 }

@@ -4,6 +4,7 @@
 #include "CUI/Control.h"
 
 #include "Base/GdiGuards.h"
+#include "Base/Wrap.h"
 #include "CU/Dump.h"
 #include "CUI/CommandHandler.h"
 #include "CUI/CommandMap.h"
@@ -25,15 +26,7 @@ const UINT HIDE_PREFIX = 0x00100000;
 const LONG REPLACED_STYLES =
     static_cast<LONG>(WS_CHILD | WS_VISIBLE | WS_DISABLED | WS_GROUP | WS_TABSTOP);
 
-// Selects a font for as long as the object lives, on a DC that shows nothing.
-SIZE Measure(HWND hWnd, HFONT hFont, const char *pszText)
-{
-    const CCUIWindowDC hDC(hWnd);
-    const CCUISelect font(hDC, hFont);
-    RECT rect = {0, 0, 0, 0};
-    DrawTextA(hDC, pszText, -1, &rect, DT_CALCRECT);
-    return {rect.right, rect.bottom};
-}
+const LONG RTL_READING = static_cast<LONG>(WS_EX_RTLREADING);
 
 }  // namespace
 
@@ -100,8 +93,11 @@ int CCUIControl::ReplaceControl(HWND hDialog, UINT nID)
     m_hFont = reinterpret_cast<HFONT>(SendMessageA(hOld, WM_GETFONT, 0, 0));
     m_textSize.cx = -1;
     const LONG nStyle = GetWindowLongA(hOld, GWL_STYLE) & REPLACED_STYLES;
+    const LONG nExStyle = GetWindowLongA(hOld, GWL_EXSTYLE) & RTL_READING;
     CWatch watch(this);
-    if (!Create(nullptr, TextOf(hOld), static_cast<DWORD>(nStyle), rect, hDialog, nID) ||
+    if (!CreateEx(static_cast<DWORD>(nExStyle), nullptr, TextOf(hOld), static_cast<DWORD>(nStyle),
+                  rect.left, rect.top, CUIWidth(rect), CUIHeight(rect), hDialog,
+                  reinterpret_cast<HMENU>(nID)) ||
         watch.IsGone())
         return 0;
     const HWND hWnd = m_hWnd;
@@ -118,8 +114,8 @@ int CCUIControl::OnCreate(CREATESTRUCTA *pCreate)
     const int nResult = CCUIControlWindow::OnCreate(pCreate);
     if (nResult == -1 || watch.IsGone())
         return nResult;
-    m_sText = TextOf(m_hWnd);
-    m_textSize.cx = -1;
+    if (!ReadText())
+        return nResult;
     SetState(CUI_STATE_DISABLED, (pCreate->style & static_cast<LONG>(WS_DISABLED)) != 0);
     ReadCues();
     // The command was heard of before there was a window to be enabled and to have a text.
@@ -145,10 +141,8 @@ long CCUIControl::OnMessage(UINT message, WPARAM wParam, LPARAM lParam)
     case WM_SETTEXT: {
         CWatch watch(this);
         const long nResult = Default();
-        if (!watch.IsGone() && m_hWnd) {
-            m_sText = TextOf(m_hWnd);
+        if (!watch.IsGone() && ReadText())
             ContentChanged();
-        }
         return nResult;
     }
     case WM_SETFONT: SetFont(reinterpret_cast<HFONT>(wParam)); return 0;
@@ -173,6 +167,18 @@ long CCUIControl::OnMessage(UINT message, WPARAM wParam, LPARAM lParam)
     }
     default: return CCUIControlWindow::OnMessage(message, wParam, lParam);
     }
+}
+
+// False: the control or its window went meanwhile.
+bool CCUIControl::ReadText()
+{
+    CWatch watch(this);
+    const CCUString sText = m_hWnd ? TextOf(m_hWnd) : CCUString();
+    if (watch.IsGone() || !m_hWnd)
+        return false;
+    m_sText = sText;
+    m_textSize.cx = -1;
+    return true;
 }
 
 void CCUIControl::ReadCues()
@@ -201,9 +207,7 @@ void CCUIControl::ContentChanged()
 {
     m_textSize.cx = -1;
     Repaint();
-    if (m_hWnd && (m_propData.nLayoutFlags & CUI_PLACE_FIT))
-        SendMessageA(GetParent(m_hWnd), CUI_WM_LAYOUT, reinterpret_cast<WPARAM>(m_hWnd),
-                     CUI_LAYOUT_CHANGED);
+    NaturalSizeChanged();
 }
 
 void CCUIControl::SetFont(HFONT hFont)
@@ -240,7 +244,8 @@ void CCUIControl::OnWinIniChange(WPARAM nAction, const char *section)
 const SIZE &CCUIControl::GetTextSize()
 {
     if (m_textSize.cx < 0)
-        m_textSize = Measure(m_hWnd, m_hFont ? m_hFont : CUIGetWinData()->hMenuFont, m_sText);
+        m_textSize =
+            CUIMeasureText(m_hWnd, m_hFont ? m_hFont : CUIGetWinData()->hMenuFont, m_sText, 0);
     return m_textSize;
 }
 
@@ -428,6 +433,8 @@ void CCUIControl::PaintText(HDC hDC, const RECT &rect, UINT nFormat)
 {
     if (m_nState & CUI_STATE_NO_UNDERLINE)
         nFormat |= HIDE_PREFIX;
+    if (GetWindowLongA(m_hWnd, GWL_EXSTYLE) & RTL_READING)
+        nFormat |= DT_RTLREADING;
     CUIDrawStateText(hDC, m_sText, rect, nFormat, GetTextColor(),
                      (m_nState & CUI_STATE_DISABLED) != 0);
 }

@@ -2,6 +2,7 @@
 
 #include "CU/Assert.h"
 #include "CUI/Data.h"
+#include "CUI/LayoutWindow.h"
 #include "CUI/WindowClass.h"
 #include "Control/ControlProperty.h"
 
@@ -308,6 +309,13 @@ void CCUIControlWindow::OnCancelMode()
         SetFullScreen(FALSE);
     if (!watch.IsGone())
         CCUIWindow::OnCancelMode();
+}
+
+void CCUIControlWindow::NaturalSizeChanged()
+{
+    if (m_hWnd && (m_propData.nLayoutFlags & CUI_PLACE_FIT))
+        SendMessageA(GetParent(m_hWnd), CUI_WM_LAYOUT, reinterpret_cast<WPARAM>(m_hWnd),
+                     CUI_LAYOUT_CHANGED);
 }
 
 bool CCUIControlWindow::IsInDialog() const

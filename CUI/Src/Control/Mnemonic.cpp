@@ -30,8 +30,23 @@ LRESULT DialogCode(HWND hWnd)
     return SendMessageA(hWnd, WM_GETDLGCODE, 0, 0);
 }
 
+// Where '&' is a character as any other, as in a path.
+bool HasNoPrefix(HWND hWnd, LRESULT nCode)
+{
+    return (nCode & DLGC_STATIC) && (GetWindowLongA(hWnd, GWL_STYLE) & SS_NOPREFIX);
+}
+
+// Neither the window nor one around it, up to that one, is disabled.
+bool TakesInput(HWND hWnd, HWND hTop)
+{
+    while (hWnd && hWnd != hTop && IsWindowEnabled(hWnd))
+        hWnd = GetParent(hWnd);
+    return !hWnd || hWnd == hTop;
+}
+
 struct CSearch
 {
+    HWND hTop;
     UINT nUpper;
     HWND hFocus;
     HWND hFirst;  // of those found
@@ -45,10 +60,11 @@ BOOL CALLBACK Visit(HWND hWnd, LPARAM lParam)
     auto &search = *reinterpret_cast<CSearch *>(lParam);
     if (hWnd == search.hFocus)
         search.bBehindFocus = true;
-    if (!IsWindowVisible(hWnd) || !IsWindowEnabled(hWnd))
+    if (!IsWindowVisible(hWnd) || !TakesInput(hWnd, search.hTop))
         return TRUE;
     char szText[LONGEST_TEXT] = "";
-    if (!(DialogCode(hWnd) & (DLGC_BUTTON | DLGC_STATIC)) ||
+    const LRESULT nCode = DialogCode(hWnd);
+    if (!(nCode & (DLGC_BUTTON | DLGC_STATIC)) || HasNoPrefix(hWnd, nCode) ||
         !GetWindowTextA(hWnd, szText, LONGEST_TEXT) || !HasMnemonic(szText, search.nUpper))
         return TRUE;
     ++search.nCount;
@@ -66,7 +82,7 @@ int CUITranslateMnemonic(HWND hParent, const MSG *pMsg)
     if (pMsg->message != WM_SYSCHAR || pMsg->wParam <= ' ')
         return 0;
     CSearch search = {
-        Upper(static_cast<UINT>(pMsg->wParam)), GetFocus(), nullptr, nullptr, 0, false};
+        hParent, Upper(static_cast<UINT>(pMsg->wParam)), GetFocus(), nullptr, nullptr, 0, false};
     EnumChildWindows(hParent, Visit, reinterpret_cast<LPARAM>(&search));
     const HWND hFound = search.hNext ? search.hNext : search.hFirst;
     if (!hFound)

@@ -3,6 +3,32 @@
 #include "Base/Wrap.h"
 #include "CUI/OffScreenDC.h"
 
+namespace {
+
+// Of Windows 98 and 2000.
+const DWORD RIGHT_TO_LEFT = 0x1;
+
+typedef DWORD WINAPI GetLayoutCall(HDC);
+typedef DWORD WINAPI SetLayoutCall(HDC, DWORD);
+
+// In memory x counts as it does in the place of the picture: in a mirrored window from right to
+// left, where the system writes texts from left to right all the same. What is drawn otherwise
+// would be seen in a mirror.
+void LayOutAs(HDC hDC, HDC hTarget)
+{
+    static const HMODULE s_hGdi = GetModuleHandleA("gdi32.dll");
+    static const auto s_getLayout =
+        reinterpret_cast<GetLayoutCall *>(GetProcAddress(s_hGdi, "GetLayout"));
+    static const auto s_setLayout =
+        reinterpret_cast<SetLayoutCall *>(GetProcAddress(s_hGdi, "SetLayout"));
+    if (!s_getLayout || !s_setLayout)
+        return;
+    if (s_getLayout(hTarget) & RIGHT_TO_LEFT)
+        s_setLayout(hDC, RIGHT_TO_LEFT);
+}
+
+}  // namespace
+
 CCUIBufferedPaint::CCUIBufferedPaint(HWND hWnd, HDC hGiven)
     : m_hWnd(hWnd),
       m_hGiven(hGiven),
@@ -27,6 +53,7 @@ HDC CCUIBufferedPaint::Begin(HFONT hFont)
     m_hDC = CUIGetOSDC()->GetDC(m_hTarget, client.right, client.bottom);
     m_bBegun = true;
     m_nSaved = SaveDC(m_hDC);
+    LayOutAs(m_hDC, m_hTarget);
     SelectObject(m_hDC, hFont);
     SetBkMode(m_hDC, TRANSPARENT);
     return m_hDC;
@@ -37,7 +64,7 @@ CCUIBufferedPaint::~CCUIBufferedPaint()
     if (m_bBegun) {
         BitBlt(m_hTarget, m_rcArea.left, m_rcArea.top, CUIWidth(m_rcArea), CUIHeight(m_rcArea),
                m_hDC, m_rcArea.left, m_rcArea.top, SRCCOPY);
-        RestoreDC(m_hDC, m_nSaved);
+        RestoreDC(m_hDC, m_nSaved);  // the layout too
         CUIGetOSDC()->ReleaseDC();
     }
     if (!m_hGiven)

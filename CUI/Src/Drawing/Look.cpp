@@ -1,5 +1,6 @@
 #include "Drawing/Look.h"
 
+#include "Base/GdiGuards.h"
 #include "Base/Wrap.h"
 #include "CUI/BmpBlt.h"
 #include "CUI/BmpState.h"
@@ -39,6 +40,15 @@ void CUIReloadSystemColors(CCUIBitmap &bitmap)
     const CUIBitmapSource *const pSource = bitmap.GetData()->m_pSource;
     if (pSource && (pSource->m_wFlags & CUIBMP_SYSCOLORS))
         bitmap.ReLoad(nullptr, nullptr, 0);
+}
+
+SIZE CUIMeasureText(HWND hWnd, HFONT hFont, const char *pszText, UINT nFormat)
+{
+    const CCUIWindowDC hDC(hWnd);
+    const CCUISelect font(hDC, hFont);
+    RECT rect = {0, 0, 0, 0};
+    DrawTextA(hDC, pszText, -1, &rect, DT_CALCRECT | nFormat);
+    return {rect.right, rect.bottom};
 }
 
 void CUIDrawTriangle(HDC hDC, int x, int y, int nSize, bool bDown, COLORREF cr)

@@ -13,6 +13,8 @@ bool CUIIsHighContrast();
 // A picture that has taken on the system's colours takes on those of now.
 void CUIReloadSystemColors(CCUIBitmap &bitmap);
 
+// The size of a text by DrawText, in the font of a window or, null, the system's.
+SIZE CUIMeasureText(HWND hWnd, HFONT hFont, const char *pszText, UINT nFormat);
 // A triangle of nSize rows or columns from the point on, which points down or to the right; it is
 // twice as broad as high less one.
 void CUIDrawTriangle(HDC hDC, int x, int y, int nSize, bool bDown, COLORREF cr);

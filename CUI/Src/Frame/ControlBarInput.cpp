@@ -476,6 +476,7 @@ bool CCUIControlBar::Handle(UINT message, WPARAM wParam, LPARAM lParam, long &re
         const int nLength = m_pItems->Length(IsVertical());
         size.cx = IsVertical() ? nThickness : nLength;
         size.cy = IsVertical() ? nLength : nThickness;
+        result = 1;
         return true;
     }
     case WM_MENUSELECT: SendMessageA(Target(), message, wParam, lParam); return true;

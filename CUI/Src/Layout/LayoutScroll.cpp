@@ -3,6 +3,7 @@
 #include "CUI/Data.h"
 #include "CUI/LayoutWindow.h"
 #include "Layout/LayoutItems.h"
+#include "Window/Mirrored.h"
 
 namespace {
 
@@ -87,11 +88,11 @@ void CCUILayoutWindow::ScrollIntoView(HWND hWnd)
     RECT rect = {}, rcChild = {};
     GetWindowRect(hWnd, &rect);
     GetWindowRect(hChild, &rcChild);
-    POINT origin = {};
-    ClientToScreen(m_hWnd, &origin);
+    MapWindowPoints(nullptr, m_hWnd, reinterpret_cast<POINT *>(&rect), 2);
+    MapWindowPoints(nullptr, m_hWnd, reinterpret_cast<POINT *>(&rcChild), 2);
     // Children far out do not stand where they belong.
     const CCUILayoutItem *const pItem = m_pItems->Find(hChild);
-    const int nStands = IsRow() ? rcChild.left - origin.x : rcChild.top - origin.y;
+    const int nStands = IsRow() ? rcChild.left : rcChild.top;
     const int nInside = IsRow() ? rect.left - rcChild.left : rect.top - rcChild.top;
     const int nFrom = nInside + (pItem ? pItem->nPos : nStands + m_nScrollPos);
     const int nTo = nFrom + CUIAlong(IsRow(), CUISizeOf(rect));
@@ -166,6 +167,6 @@ void CCUILayoutWindow::OnMouseWheel(UINT nFlags, int nDelta, POINT &point)
 
 void CCUILayoutWindow::OnMouseHWheel(UINT nFlags, int nDelta, POINT &point)
 {
-    if (!IsRow() || !Wheel(nDelta))
+    if (!IsRow() || !Wheel(CUIIsMirrored(m_hWnd) ? -nDelta : nDelta))
         CCUIControlWindow::OnMouseHWheel(nFlags, nDelta, point);
 }

@@ -260,9 +260,13 @@ bool CCUILayoutWindow::Ask()
             continue;
         (*m_pItems)[i].bAsk = false;
         SIZE size = {};
-        SendMessageA(hChild, CUI_WM_NATURALSIZE, 0, reinterpret_cast<LPARAM>(&size));
+        const LRESULT nKnown =
+            SendMessageA(hChild, CUI_WM_NATURALSIZE, 0, reinterpret_cast<LPARAM>(&size));
         if (watch.IsGone() || !m_hWnd)
             return false;
+        RECT rect = {};
+        if (!nKnown && GetWindowRect(hChild, &rect))
+            size = CUIMakeSize(IsRow(), 0, CUIAcross(IsRow(), CUISizeOf(rect)));
         if (i < m_pItems->Count() && (*m_pItems)[i].hWnd == hChild)
             (*m_pItems)[i].natural = size;
     }
@@ -275,9 +279,12 @@ SIZE CCUILayoutWindow::GetMinimumSize()
     if (m_hWnd && !m_bLayingOut) {
         CWatch watch(this);
         m_bLayingOut = true;
-        if (!Refresh())
+        const bool bStands = Refresh();
+        if (watch.IsGone())
             return {};
         m_bLayingOut = false;
+        if (!bStands)
+            return {};
         if (m_bAgain)
             LayoutSoon();
         Measure();

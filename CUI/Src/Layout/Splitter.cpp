@@ -3,6 +3,7 @@
 #include "Base/GdiGuards.h"
 #include "CUI/Data.h"
 #include "CUI/Draw.h"
+#include "Window/Mirrored.h"
 
 namespace {
 
@@ -194,13 +195,14 @@ void CCUISplitter::OnKillFocus(HWND hNew)
 void CCUISplitter::OnKeyDown(UINT nKey, UINT nRepeat, UINT nFlags)
 {
     const bool bRow = m_layout.IsRow();
+    const bool bMirrored = bRow && CUIIsMirrored(m_layout);
     const int nStep = GetKeyState(VK_CONTROL) < 0 ? 1 : Scaled(KEY_STEP);
     if (nKey == VK_ESCAPE && m_state != Idle)
         End(false);
     else if (nKey == (bRow ? VK_LEFT : VK_UP))
-        MoveByKey(-nStep);
+        MoveByKey(bMirrored ? nStep : -nStep);
     else if (nKey == (bRow ? VK_RIGHT : VK_DOWN))
-        MoveByKey(nStep);
+        MoveByKey(bMirrored ? -nStep : nStep);
     else if (nKey == VK_HOME)
         MoveByKey(-ALL_THE_WAY);
     else if (nKey == VK_END)

@@ -9,6 +9,14 @@ const int FRAME = 2;
 
 }  // namespace
 
+void CCUIComboBox::GetNaturalSize(SIZE &size)
+{
+    CCUISystemControl::GetNaturalSize(size);
+    RECT window = {};
+    GetWindowRect(m_hWnd, &window);
+    size.cy = CUIHeight(window);
+}
+
 // A list drops down as far as the control was made taller than its field, which in a layout it
 // never is.
 void CCUIComboBox::MakeRoomForList(int nRows)

@@ -5,6 +5,7 @@
 #include "CU/Assert.h"
 #include "CU/Dump.h"
 #include "CUI/Data.h"
+#include "CUI/LayoutWindow.h"
 #include "SystemControls/CommonControls.h"
 
 #define CU_SOURCE "SystemControl"
@@ -95,31 +96,56 @@ int CCUISystemControl::CreateControl(HWND hParent, UINT nID, const char *pszText
                                      const RECT *prc)
 {
     const RECT rect = prc ? *prc : RECT{0, 0, 0, 0};
+    const char *const pszClass = m_class.pszName;
     CWatch watch(this);
     if (!CreateEx(m_class.dwExStyle, nullptr, pszText,
                   WS_CHILD | WS_VISIBLE | (dwStyle ? dwStyle : m_class.dwStyle), rect.left,
                   rect.top, CUIWidth(rect), CUIHeight(rect), hParent, reinterpret_cast<HMENU>(nID)))
     {
-        CUDump("No control of class %s, gle: %lu\n", m_class.pszName, GetLastError());
+        CUDump("No control of class %s, gle: %lu\n", pszClass, GetLastError());
         return 0;
     }
     if (watch.IsGone())
         return 0;
-    m_hSharedFont = nullptr;
     UseSharedFont();
-    if (!prc && m_hWnd) {
-        const SIZE character = AverageCharacter(m_hWnd, m_hSharedFont);
-        SetWindowPos(m_hWnd, nullptr, 0, 0, MulDiv(m_class.cx, character.cx, UNITS_X),
-                     MulDiv(m_class.cy, character.cy, UNITS_Y),
+    if (!prc && !watch.IsGone() && m_hWnd) {
+        SIZE size = {};
+        GetNaturalSize(size);
+        SetWindowPos(m_hWnd, nullptr, 0, 0, size.cx, size.cy,
                      SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
     }
     return 1;
 }
 
+void CCUISystemControl::GetNaturalSize(SIZE &size)
+{
+    // Some have no text, and keep no font.
+    const HFONT hFont = GetFont();
+    const SIZE character = AverageCharacter(m_hWnd, hFont ? hFont : m_hSharedFont);
+    size = {MulDiv(m_class.cx, character.cx, UNITS_X), MulDiv(m_class.cy, character.cy, UNITS_Y)};
+}
+
+long CCUISystemControl::OnMessage(UINT message, WPARAM wParam, LPARAM lParam)
+{
+    if (message == CUI_WM_NATURALSIZE) {
+        GetNaturalSize(*reinterpret_cast<SIZE *>(lParam));
+        return 1;
+    }
+    CWatch watch(this);
+    const long nResult = CCUIControlWindow::OnMessage(message, wParam, lParam);
+    if ((message == WM_SETFONT || message == WM_SETTEXT || message == STM_SETIMAGE) &&
+        !watch.IsGone())
+        NaturalSizeChanged();
+    return nResult;
+}
+
 void CCUISystemControl::UseSharedFont()
 {
+    CWatch watch(this);
     const auto hParentFont =
         reinterpret_cast<HFONT>(SendMessageA(GetParent(m_hWnd), WM_GETFONT, 0, 0));
+    if (watch.IsGone())
+        return;
     m_hSharedFont = hParentFont ? hParentFont : CUIGetWinData()->hMenuFont;
     SetFont(m_hSharedFont);
 }
@@ -127,8 +153,12 @@ void CCUISystemControl::UseSharedFont()
 // The fonts of the system's settings have been made anew; the old ones are gone.
 void CCUISystemControl::OnWinIniChange(WPARAM nAction, const char *section)
 {
-    if (m_hSharedFont && GetFont() == m_hSharedFont)
+    const HFONT hFont = GetFont();
+    CWatch watch(this);
+    if (m_hSharedFont && (!hFont || hFont == m_hSharedFont))
         UseSharedFont();
+    if (watch.IsGone())
+        return;
     CCUIControlWindow::OnWinIniChange(nAction, section);
 }
 

@@ -1,15 +1,20 @@
 #include "Window/MoveBatch.h"
 
 #include "Base/Wrap.h"
+#include "Window/Mirrored.h"
 
-CCUIMoveBatch::CCUIMoveBatch(HWND hParent) : m_origin()
+CCUIMoveBatch::CCUIMoveBatch(HWND hParent) : m_origin(), m_bMirrored(CUIIsMirrored(hParent))
 {
     ClientToScreen(hParent, &m_origin);
 }
 
 bool CCUIMoveBatch::Find(HWND hChild, RECT &now) const
 {
-    return GetWindowRect(hChild, &now) && OffsetRect(&now, -m_origin.x, -m_origin.y);
+    if (!GetWindowRect(hChild, &now) || !OffsetRect(&now, -m_origin.x, -m_origin.y))
+        return false;
+    if (m_bMirrored)
+        now = {-now.right, now.top, -now.left, now.bottom};
+    return true;
 }
 
 void CCUIMoveBatch::Add(HWND hChild, const RECT &now, const RECT &place)

@@ -30,4 +30,5 @@ private:
 
     CCUArray<CMove> m_moves;
     POINT m_origin;
+    const bool m_bMirrored;
 };
