@@ -307,10 +307,21 @@ TEST(ControlBar, DocksWhereItIsDraggedAndRemembersThat)
     EXPECT_EQ(CUI_BAR_TOP, bar.GetSide());
     EXPECT_EQ("layout3 ", drag({{290, 150}, {280, 5}}, WM_LBUTTONUP));
     EXPECT_EQ(CUI_BAR_RIGHT, bar.GetSide());
+    std::string sides;
+    CFakeCall<BOOL(HMENU, UINT, int, int, HWND, TPMPARAMS *)> track(
+        "TrackPopupMenuEx", [&](HMENU hMenu, auto...) {
+            char szText[20];
+            for (UINT i = 0; GetMenuStringA(hMenu, i, szText, 20, MF_BYPOSITION); ++i)
+                sides += Text("%s%u ", szText, GetMenuState(hMenu, i, MF_BYPOSITION));
+            return 1 + CUI_BAR_LEFT;
+        });
+    SendMessageA(bar, WM_CONTEXTMENU, 0, -1);
+    EXPECT_EQ("&Top0 &Unten0 &Left0 &Right520 layout3 ", sides + parent.Told());
+    EXPECT_EQ(CUI_BAR_LEFT, bar.GetSide());
     bar.ShowBar(false);
     CCUIControlBar later;
     ASSERT_TRUE(later.CreateBar(parent, 4, "main", CUI_BAR_BOTTOM));
-    EXPECT_EQ(CUI_BAR_RIGHT, later.GetSide());
+    EXPECT_EQ(CUI_BAR_LEFT, later.GetSide());
     EXPECT_FALSE(later.IsBarShown() || IsWindowVisible(later));
 }
 

@@ -200,6 +200,18 @@ TEST(MessageBoxes, KeepsAnAnswerThatTheUserWantsKept)
     EXPECT_EQ(IDNO, ask(1, false));
 }
 
+TEST(MessageBoxes, SpeaksAsTheProgramDoes)
+{
+    CCUIMessageBox box("text", "title");
+    box.AddButton(IDCLOSE);
+    box.SetDontAsk("texts");
+    Ask(box, [&](HWND hBox) {
+        EXPECT_EQ("title: text *S&chluss", Describe(hBox));
+        EXPECT_EQ("Nie &mehr", TextOf(GetDlgItem(hBox, 0xF000)));
+        Press(VK_ESCAPE)(hBox);
+    });
+}
+
 TEST(MessageBoxes, CountsDownUntilTheUserTouchesIt)
 {
     const auto caption = [](HWND hBox) { return TextOf(ButtonsOf(hBox).begin()->second); };

@@ -10,7 +10,8 @@ int CUIScale(int n);
 COLORREF CUISystemColor(int nIndex);
 // Whether the user has chosen colours of high contrast.
 bool CUIIsHighContrast();
-// A picture that has taken on the system's colours takes on those of now.
+// A picture that has taken on the system's colours takes on those of now. It stays as it is where
+// it cannot be loaded any more.
 void CUIReloadSystemColors(CCUIBitmap &bitmap);
 
 // A triangle of nSize rows or columns from the point on, which points down or to the right; it is
