@@ -5,29 +5,17 @@
 
 #include "CUI/BmpLoad.h"
 #include "CUI/BmpState.h"
-#include "CUI/CommandHandler.h"
 #include "CUI/CommandMap.h"
 #include "CUI/Data.h"
 #include "CUI/StatusBar.h"
 #include "Support/GdiCount.h"
 #include "Support/ImportHook.h"
 #include "Support/PixelMap.h"
+#include "Support/TestCommand.h"
 #include "Support/TestSettings.h"
 #include "Support/UpdateArea.h"
 
 namespace {
-
-class CCommand final : public CCUICommandHandler
-{
-public:
-    explicit CCommand(unsigned int nID) : CCUICommandHandler(nID, 1) {}
-    unsigned short GetState(unsigned int) override { return m_onState(), m_nState; }
-    CCUString GetShortTT(unsigned int) override { return m_text; }
-
-    unsigned short m_nState = CUI_COMMAND_ACTIVE;
-    const char *m_text = "&Save && go\tCtrl+S";
-    std::function<void()> m_onState = [] {};
-};
 
 // Writes down what a bar tells its parent, and puts it along its upper or left edge.
 struct CParent : CTestWindow
@@ -88,7 +76,12 @@ struct CBar : CScripted<CCUIControlBar>
 
 struct CCommands
 {
-    CCommand commands[3] = {CCommand(1000), CCommand(1001), CCommand(1002)};
+    CCommands()
+    {
+        for (CTestCommand &command : commands)
+            command.m_text = "&Save && go\tCtrl+S";
+    }
+    CTestCommand commands[3] = {CTestCommand(1000), CTestCommand(1001), CTestCommand(1002)};
 };
 
 }  // namespace
