@@ -88,7 +88,8 @@ public:
     /// The strip of pictures, each cxPicture pixels wide; null or narrower: texts in their place.
     /// In the disabled look what has the colours of the button's face or highlight is background:
     /// load the strip with CUIBMP_SYSCOLORS, and it goes along with changes of the system's
-    /// colours.
+    /// colours. Pictures are not stretched: screens of 120 dots an inch and more
+    /// (CUIData::cyPixelsPerInch) want a strip of larger ones.
     CUI_API void SetPictures(const CCUIBitmap &strip, int cxPicture);
     /// Whether buttons have texts beside their pictures; false at first.
     CUI_API void ShowTexts(bool bShow);
