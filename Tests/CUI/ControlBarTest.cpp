@@ -222,7 +222,7 @@ TEST(ControlBar, PressesWhatTheMouseGoesDownAndUpOn)
     tool.lpszText = szTip;
     SendMessageA(FindWindowA(TOOLTIPS_CLASSA, nullptr), TTM_GETTEXTA, 0,
                  reinterpret_cast<LPARAM>(&tool));
-    EXPECT_STREQ("&Save && go", szTip);
+    EXPECT_STREQ("Save & go", szTip);
     bar->Mouse(WM_MOUSEMOVE, 3);
     SendMessageA(*bar, WM_MOUSELEAVE, 0, 0);
     EXPECT_EQ("help1001 help1002 help0 ", parent.Told());
