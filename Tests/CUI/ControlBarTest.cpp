@@ -5,29 +5,17 @@
 
 #include "CUI/BmpLoad.h"
 #include "CUI/BmpState.h"
-#include "CUI/CommandHandler.h"
 #include "CUI/CommandMap.h"
 #include "CUI/Data.h"
 #include "CUI/StatusBar.h"
 #include "Support/GdiCount.h"
 #include "Support/ImportHook.h"
 #include "Support/PixelMap.h"
+#include "Support/TestCommand.h"
 #include "Support/TestSettings.h"
 #include "Support/UpdateArea.h"
 
 namespace {
-
-class CCommand final : public CCUICommandHandler
-{
-public:
-    explicit CCommand(unsigned int nID) : CCUICommandHandler(nID, 1) {}
-    unsigned short GetState(unsigned int) override { return m_onState(), m_nState; }
-    CCUString GetShortTT(unsigned int) override { return m_text; }
-
-    unsigned short m_nState = CUI_COMMAND_ACTIVE;
-    const char *m_text = "&Save && go\tCtrl+S";
-    std::function<void()> m_onState = [] {};
-};
 
 // Writes down what a bar tells its parent, and puts it along its upper or left edge.
 struct CParent : CTestWindow
@@ -88,7 +76,12 @@ struct CBar : CScripted<CCUIControlBar>
 
 struct CCommands
 {
-    CCommand commands[3] = {CCommand(1000), CCommand(1001), CCommand(1002)};
+    CCommands()
+    {
+        for (CTestCommand &command : commands)
+            command.m_text = "&Save && go\tCtrl+S";
+    }
+    CTestCommand commands[3] = {CTestCommand(1000), CTestCommand(1001), CTestCommand(1002)};
 };
 
 }  // namespace
@@ -229,7 +222,7 @@ TEST(ControlBar, PressesWhatTheMouseGoesDownAndUpOn)
     tool.lpszText = szTip;
     SendMessageA(FindWindowA(TOOLTIPS_CLASSA, nullptr), TTM_GETTEXTA, 0,
                  reinterpret_cast<LPARAM>(&tool));
-    EXPECT_STREQ("&Save && go", szTip);
+    EXPECT_STREQ("Save & go", szTip);
     bar->Mouse(WM_MOUSEMOVE, 3);
     SendMessageA(*bar, WM_MOUSELEAVE, 0, 0);
     EXPECT_EQ("help1001 help1002 help0 ", parent.Told());
@@ -307,10 +300,21 @@ TEST(ControlBar, DocksWhereItIsDraggedAndRemembersThat)
     EXPECT_EQ(CUI_BAR_TOP, bar.GetSide());
     EXPECT_EQ("layout3 ", drag({{290, 150}, {280, 5}}, WM_LBUTTONUP));
     EXPECT_EQ(CUI_BAR_RIGHT, bar.GetSide());
+    std::string sides;
+    CFakeCall<BOOL(HMENU, UINT, int, int, HWND, TPMPARAMS *)> track(
+        "TrackPopupMenuEx", [&](HMENU hMenu, auto...) {
+            char szText[20];
+            for (UINT i = 0; GetMenuStringA(hMenu, i, szText, 20, MF_BYPOSITION); ++i)
+                sides += Text("%s%u ", szText, GetMenuState(hMenu, i, MF_BYPOSITION));
+            return 1 + CUI_BAR_LEFT;
+        });
+    SendMessageA(bar, WM_CONTEXTMENU, 0, -1);
+    EXPECT_EQ("&Top0 &Unten0 &Left0 &Right520 layout3 ", sides + parent.Told());
+    EXPECT_EQ(CUI_BAR_LEFT, bar.GetSide());
     bar.ShowBar(false);
     CCUIControlBar later;
     ASSERT_TRUE(later.CreateBar(parent, 4, "main", CUI_BAR_BOTTOM));
-    EXPECT_EQ(CUI_BAR_RIGHT, later.GetSide());
+    EXPECT_EQ(CUI_BAR_LEFT, later.GetSide());
     EXPECT_FALSE(later.IsBarShown() || IsWindowVisible(later));
 }
 

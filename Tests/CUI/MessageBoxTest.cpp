@@ -128,10 +128,8 @@ TEST(MessageBoxes, IsCancelledWhereThereIsACancelButton)
     CCUIMessageBox box("text", "title", MB_YESNO);
     EXPECT_TRUE(box.AddButton(100, "&Now") && box.AddButton(101, "&Later"));
     box.SetCancelButton(101);
-    EXPECT_EQ(101, Ask(box, abort));
     EXPECT_EQ(101, Ask(box, Press(VK_ESCAPE)));
     EXPECT_EQ(100, Ask(box, Press('N')));
-    EXPECT_EQ(101, Ask(box, Click(1)));
 }
 
 TEST(MessageBoxes, IsAsLargeAsItsTextNeedsAndTheScreenAllows)
@@ -149,7 +147,7 @@ TEST(MessageBoxes, IsAsLargeAsItsTextNeedsAndTheScreenAllows)
         CCUIMessageBox box(text.c_str(), "title", MB_YESNOCANCEL | MB_ICONHAND);
         box.SetDontAsk("size");
         Ask(box, [&](HWND hBox) {
-            const RECT rect = RectOf(hBox), owner = RectOf(GetWindow(hBox, GW_OWNER));
+            const RECT rect = RectOf(hBox);
             RECT both;
             EXPECT_TRUE(UnionRect(&both, &rect, &work) && EqualRect(&both, &work));
             RECT client;
@@ -173,13 +171,9 @@ TEST(MessageBoxes, IsAsLargeAsItsTextNeedsAndTheScreenAllows)
             DrawTextA(hDC, text.c_str(), -1, &needed, DT_CALCRECT | DT_WORDBREAK | DT_EDITCONTROL);
             ReleaseDC(hText, hDC);
             EXPECT_TRUE(needed.right <= place.right && bScrolls == (needed.bottom > place.bottom));
-            if (bScrolls) {
-                Press(VK_NEXT)(hBox);
-                PumpWaiting();
-                EXPECT_LT(0, SendMessageA(hText, EM_GETFIRSTVISIBLELINE, 0, 0));
-            }
-            const int nOff = owner.top + owner.bottom - rect.top - rect.bottom;
-            EXPECT_TRUE(text != "Short" || abs(nOff) <= 1);
+            Press(VK_NEXT)(hBox);
+            PumpWaiting();
+            EXPECT_EQ(bScrolls, SendMessageA(hText, EM_GETFIRSTVISIBLELINE, 0, 0) > 0);
             Press(VK_ESCAPE)(hBox);
         });
     }
@@ -215,8 +209,6 @@ TEST(MessageBoxes, CountsDownUntilTheUserTouchesIt)
 {
     const auto caption = [](HWND hBox) { return TextOf(ButtonsOf(hBox).begin()->second); };
     CCUIMessageBox box("text", "title", MB_YESNO);
-    box.SetCountdown(2);
-    EXPECT_EQ(IDYES, Ask(box, [&](HWND hBox) { EXPECT_EQ("&Yes (2)", caption(hBox)); }));
     const CMultimediaHook hook(g_multimedia.getTime, Time);
     for (const bool bTouch : {false, true}) {
         box.SetCountdown(5);
@@ -239,10 +231,14 @@ TEST(MessageBoxes, CountsDownUntilTheUserTouchesIt)
     }
 }
 
-TEST(MessageBoxes, CopiesItselfInTheSystemsForm)
+TEST(MessageBoxes, SpeaksAsTheProgramDoesAndCopiesItselfInTheSystemsForm)
 {
-    CCUIMessageBox box("One\nTwo", "Title", MB_YESNO);
+    CCUIMessageBox box("One\nTwo", "Title");
+    box.AddButton(IDCLOSE);
+    box.AddButton(20, "&More");
+    box.SetDontAsk("texts", "Nie &mehr");
     Ask(box, [&](HWND hBox) {
+        EXPECT_EQ("Title: One\nTwo *S&chluss &More", Describe(hBox));
         for (const BYTE nDown : {BYTE(0x80), BYTE(0)}) {
             BYTE keys[256] = {};
             keys[VK_CONTROL] = nDown;
@@ -254,7 +250,7 @@ TEST(MessageBoxes, CopiesItselfInTheSystemsForm)
     const std::string line = std::string(27, '-') + "\r\n";
     ASSERT_TRUE(OpenClipboard(nullptr));
     const HANDLE hText = GetClipboardData(CF_TEXT);
-    EXPECT_EQ(line + "Title\r\n" + line + "One\r\nTwo\r\n" + line + "Yes   No   \r\n" + line,
+    EXPECT_EQ(line + "Title\r\n" + line + "One\r\nTwo\r\n" + line + "Schluss   More   \r\n" + line,
               std::string(static_cast<const char *>(GlobalLock(hText))));
     GlobalUnlock(hText);
     CloseClipboard();

@@ -29,8 +29,9 @@ class CCUIMenu;
 ///
 /// The parent, such as a frame window, puts the bar at its GetSide, as thick as its GetFixedSize,
 /// and hears of changes by CUI_WM_LAYOUT. Dragged by its grip the bar goes from side to side as the
-/// mouse gets near another one; Escape brings it back. In a vertical bar, windows that are wider
-/// than the widest button have no room.
+/// mouse gets near another one; Escape brings it back. Its context menu has the sides, too, unless
+/// SetContextMenu gives it another one. In a vertical bar, windows that are wider than the widest
+/// button have no room.
 ///
 /// Keyboard: a bar that has the focus (ActivateNext) lights a button; arrow keys, Home and End go
 /// from one to the next, Enter and Space press it, Escape gives the focus back to the window that
@@ -87,7 +88,8 @@ public:
     /// The strip of pictures, each cxPicture pixels wide; null or narrower: texts in their place.
     /// In the disabled look what has the colours of the button's face or highlight is background:
     /// load the strip with CUIBMP_SYSCOLORS, and it goes along with changes of the system's
-    /// colours.
+    /// colours. Pictures are not stretched: screens of 120 dots an inch and more
+    /// (CUIData::cyPixelsPerInch) want a strip of larger ones.
     CUI_API void SetPictures(const CCUIBitmap &strip, int cxPicture);
     /// Whether buttons have texts beside their pictures; false at first.
     CUI_API void ShowTexts(bool bShow);
@@ -131,6 +133,8 @@ protected:
     CUI_API void OnLButtonUp(UINT nFlags, POINT &point) override;
     CUI_API void OnMouseMove(UINT nFlags, POINT &point) override;
     CUI_API void OnKeyDown(UINT nKey, UINT nRepeat, UINT nFlags) override;
+    /// The context menu, if it has one; else, of a bar that can be docked, one of the four sides.
+    CUI_API void OnContextMenu(HWND hWnd, POINT &point) override;
     CUI_API long WindowProc(UINT message, WPARAM wParam, LPARAM lParam) override;
     /// @}
 

@@ -44,10 +44,10 @@ public:
     CUI_API ~CCUIMessageBox() override;
 
     /// Adds a button to the right of those added before; the first one takes the place of the set
-    /// that the flags name. The identifier, 1 to 0xEFFF, is what DoModal answers. A null caption is
-    /// the system's for IDOK to IDCONTINUE (11), in the user's language where the system tells it
-    /// (Windows 2000 and later), else in English. Returns 1; or 0, reported, for an identifier out
-    /// of range or used already, and for more than 12 buttons.
+    /// that the flags name. The identifier, 1 to 0xEFFF, is what DoModal answers. A null caption
+    /// is, for IDOK to IDCONTINUE (11), the program's (CUI/FrameworkText.h); without one the
+    /// system's, in the user's language (Windows 2000 and later), else English. Returns 1; or 0,
+    /// reported, for an identifier out of range or used already, and for more than 12 buttons.
     CUI_API int AddButton(int nID, const char *pszCaption = nullptr);
     /// The button that has the focus at first; without a call the flags say which.
     CUI_API void SetDefaultButton(int nID);
@@ -59,8 +59,9 @@ public:
     /// Adds a check box to keep the answer by, under that name in the program's settings
     /// (CUI/Settings.h): while an answer is kept that the box has a button for, DoModal returns it
     /// at once, without a box. Cancel, where there are other buttons, is no answer to keep. A null
-    /// pszCheck is "Do not ask again" in English, with one button "Do not show this again". A null
-    /// or empty name takes the check box away.
+    /// pszCheck is "Do not ask again", with one button "Do not show this again", in English unless
+    /// the program has these texts (CUI/FrameworkText.h). A null or empty name takes the check box
+    /// away.
     CUI_API void SetDontAsk(const char *pszName, const char *pszCheck = nullptr);
     /// Presses the default button when so many seconds (1 to 99999; 0: never) have passed, and
     /// shows them behind its caption. A key or mouse button that is pressed in the box ends it.

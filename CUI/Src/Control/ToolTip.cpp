@@ -4,6 +4,7 @@
 
 #include "Base/Module.h"
 #include "CU/Dump.h"
+#include "Command/CommandText.h"
 #include "SystemControls/CommonControls.h"
 
 namespace {
@@ -47,7 +48,9 @@ void CCUIToolTip::SetTool(HWND hTool, const RECT *prc, const char *pszText)
         tool.rect = *prc;
     else
         GetClientRect(hTool, &tool.rect);
-    tool.lpszText = const_cast<char *>(pszText);
+    // Plain already: Wine 8 underlines what the system leaves out.
+    CCUString sText = CUIPlainCommandText(pszText);
+    tool.lpszText = sText.GetBuffer(0);
     if (SendMessageA(m_hTip, TTM_ADDTOOLA, 0, reinterpret_cast<LPARAM>(&tool)))
         m_hTool = hTool;
 }
@@ -83,8 +86,9 @@ bool CCUIToolTip::MakeWindow(HWND hTool)
     if (s_bMissing)
         return false;
     if (CUILoadCommonControls())
-        m_hTip = CreateWindowExA(WS_EX_TOPMOST, TOOLTIPS_CLASSA, nullptr, WS_POPUP | TTS_ALWAYSTIP,
-                                 0, 0, 0, 0, hOwner, nullptr, CUInstance(), nullptr);
+        m_hTip = CreateWindowExA(WS_EX_TOPMOST, TOOLTIPS_CLASSA, nullptr,
+                                 WS_POPUP | TTS_ALWAYSTIP | TTS_NOPREFIX, 0, 0, 0, 0, hOwner,
+                                 nullptr, CUInstance(), nullptr);
     if (!m_hTip) {
         s_bMissing = true;
         CUDump("No tooltips, gle: %lu\n", GetLastError());

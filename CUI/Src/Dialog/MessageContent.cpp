@@ -3,6 +3,7 @@
 #include "CU/Assert.h"
 #include "CUI/Data.h"
 #include "Dialog/Answers.h"
+#include "Dialog/FrameworkText.h"
 
 #define CU_SOURCE "MessageBox"
 
@@ -23,11 +24,9 @@ const BYTE SETS[][SET_SIZE] = {
     {IDCANCEL, ID_TRYAGAIN, ID_CONTINUE},
 };
 
-const int STANDARD_SIZE = 64;
-
 // The system's captions: Windows 2000 and later have them among the strings of user32.dll, in the
 // order of their identifiers.
-const char *StandardCaption(int nID, char (&szCaption)[STANDARD_SIZE])
+CCUString StandardCaption(int nID)
 {
     static const char *const CAPTIONS[] = {"OK",      "Cancel",     "&Abort",   "&Retry",
                                            "&Ignore", "&Yes",       "&No",      "&Close",
@@ -36,10 +35,12 @@ const char *StandardCaption(int nID, char (&szCaption)[STANDARD_SIZE])
     if (nID > ID_CONTINUE)
         return "";
     const int nIndex = nID - IDOK;
-    const UINT nString = FIRST_STRING + static_cast<UINT>(nIndex);
-    return LoadStringA(GetModuleHandleA("user32.dll"), nString, szCaption, STANDARD_SIZE) > 0
-               ? szCaption
-               : CAPTIONS[nIndex];
+    char szCaption[64];
+    const bool bSystem =
+        LoadStringA(GetModuleHandleA("user32.dll"), FIRST_STRING + static_cast<UINT>(nIndex),
+                    szCaption, sizeof szCaption) > 0;
+    return CUIFrameworkText(CUI_TEXT_BUTTON + static_cast<UINT>(nID),
+                            bSystem ? szCaption : CAPTIONS[nIndex]);
 }
 
 }  // namespace
@@ -74,10 +75,9 @@ CCUIMessageContent::CCUIMessageContent(const char *pszText, const char *pszCapti
 
 void CCUIMessageContent::AddButton(int nID, const char *pszCaption)
 {
-    char szStandard[STANDARD_SIZE];
     CCUIMessageButton &button = m_buttons[m_nButtons++];
     button.nID = nID;
-    button.sCaption = pszCaption ? pszCaption : StandardCaption(nID, szStandard);
+    button.sCaption = pszCaption ? CCUString(pszCaption) : StandardCaption(nID);
 }
 
 bool CCUIMessageContent::AddOwnButton(int nID, const char *pszCaption)
@@ -154,7 +154,8 @@ CCUString CCUIMessageContent::CheckText() const
 {
     if (!m_sCheckText.IsEmpty())
         return m_sCheckText;
-    return m_nButtons == 1 ? "&Do not show this again" : "&Do not ask again";
+    return m_nButtons == 1 ? CUIFrameworkText(CUI_TEXT_DONT_SHOW, "&Do not show this again")
+                           : CUIFrameworkText(CUI_TEXT_DONT_ASK, "&Do not ask again");
 }
 
 int CCUIMessageContent::KeptAnswer() const

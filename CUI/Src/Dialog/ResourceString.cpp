@@ -1,7 +1,9 @@
 #include "CUI/ResourceString.h"
 
+#include "Base/Module.h"
 #include "CU/Dump.h"
 #include "CU/Language.h"
+#include "Dialog/FrameworkText.h"
 
 namespace {
 
@@ -40,4 +42,10 @@ CCUString CUIResourceString(HINSTANCE hInst, UINT nID, bool bLocalize)
     char szText[BLOCK] = "";
     const int nLength = LoadStringA(hInst, nID, szText, BLOCK);
     return IsCut(nLength, BLOCK) ? LongString(hInst, nID) : CCUString(szText);
+}
+
+CCUString CUIFrameworkText(UINT nID, const char *pszElse)
+{
+    const CCUString sText = CUIResourceString(CUInstance(), nID, true);
+    return sText.IsEmpty() ? CCUString(pszElse) : sText;
 }

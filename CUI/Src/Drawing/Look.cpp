@@ -38,8 +38,13 @@ bool CUIIsHighContrast()
 void CUIReloadSystemColors(CCUIBitmap &bitmap)
 {
     const CUIBitmapSource *const pSource = bitmap.GetData()->m_pSource;
-    if (pSource && (pSource->m_wFlags & CUIBMP_SYSCOLORS))
-        bitmap.ReLoad(nullptr, nullptr, 0);
+    if (!pSource || !(pSource->m_wFlags & CUIBMP_SYSCOLORS) ||
+        pSource->m_dwColorStamp == CUIGetWinData()->dwColorStamp)
+        return;
+    const CCUIBitmap before = bitmap;
+    bitmap.ReLoad(nullptr, nullptr, 0);
+    if (bitmap.Width() != before.Width())
+        bitmap = before;
 }
 
 SIZE CUIMeasureText(HWND hWnd, HFONT hFont, const char *pszText, UINT nFormat)

@@ -10,7 +10,8 @@ int CUIScale(int n);
 COLORREF CUISystemColor(int nIndex);
 // Whether the user has chosen colours of high contrast.
 bool CUIIsHighContrast();
-// A picture that has taken on the system's colours takes on those of now.
+// A picture that has taken on the system's colours takes on those of now. It stays as it is where
+// it cannot be loaded any more.
 void CUIReloadSystemColors(CCUIBitmap &bitmap);
 
 // The size of a text by DrawText, in the font of a window or, null, the system's.

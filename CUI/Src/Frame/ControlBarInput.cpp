@@ -1,4 +1,4 @@
-// The bar as its user sees it: mouse, keyboard, menus, tooltips, docking.
+// The bar as its user sees it: mouse, keyboard, menus, tooltips.
 
 #include "CUI/ControlBar.h"
 
@@ -17,14 +17,6 @@ const UINT MENU_CLOSED = 0xFFFF;
 // Asks whether the mouse has left, where the system does not tell.
 const UINT LEAVE_TIMER = 1;
 const UINT LEAVE_MILLISECONDS = 100;
-// How near to a side of its parent a bar docks there, in pixels at 96 dots an inch.
-const int DOCK_DISTANCE = 40;
-
-bool IsKey(UINT message)
-{
-    return message >= WM_KEYFIRST && message <= WM_KEYLAST;
-}
-
 }  // namespace
 
 HWND CCUIControlBar::s_hFocusBefore;
@@ -398,71 +390,6 @@ int CCUIControlBar::PreTranslateMessage(MSG *pMsg)
     return CCUIControlWindow::PreTranslateMessage(pMsg);
 }
 
-// --- Docking ---
-
-// The side that the mouse is near to; the present one is left only for another.
-CUIBarSide CCUIControlBar::SideAt(const POINT &screen) const
-{
-    const HWND hParent = GetParent(m_hWnd);
-    RECT rc;
-    GetClientRect(hParent, &rc);
-    POINT at = screen;
-    MapWindowPoints(nullptr, hParent, &at, 1);
-    const LONG distances[] = {at.y, rc.bottom - at.y, at.x, rc.right - at.x};
-    const LONG nNear = CUIScale(DOCK_DISTANCE);
-    CUIBarSide best = m_side;
-    for (int i = CUI_BAR_TOP; i <= CUI_BAR_RIGHT; ++i) {
-        if (distances[i] < nNear && distances[m_side] >= nNear && distances[i] < distances[best])
-            best = static_cast<CUIBarSide>(i);
-    }
-    return best;
-}
-
-// As the system moves windows: a loop until the button is up, in which keys mean nothing but Escape
-// the end of it. The moves themselves come to OnMouseMove.
-void CCUIControlBar::Drag()
-{
-    CWatch watch(this);
-    const CUIBarSide before = m_side;
-    SetHot(-1);
-    if (watch.IsGone() || !m_hWnd)
-        return;
-    m_bDragging = true;
-    SetCapture(m_hWnd);
-    while (!watch.IsGone() && m_bDragging && GetCapture() == m_hWnd) {
-        MSG msg;
-        if (!GetMessageA(&msg, nullptr, 0, 0)) {
-            PostQuitMessage(static_cast<int>(msg.wParam));
-            break;
-        }
-        if (!IsKey(msg.message)) {
-            TranslateMessage(&msg);
-            DispatchMessageA(&msg);
-        } else if (msg.message == WM_KEYDOWN && msg.wParam == VK_ESCAPE) {
-            SetSide(before);
-            break;
-        }
-    }
-    if (watch.IsGone())
-        return;
-    m_bDragging = false;
-    EndPress();
-    if (!watch.IsGone() && m_side != before)
-        SaveState();
-}
-
-bool CCUIControlBar::ShowDragCursor() const
-{
-    POINT point;
-    if (!m_pItems->m_bGrip || !GetCursorPos(&point))
-        return false;
-    MapWindowPoints(nullptr, m_hWnd, &point, 1);
-    if ((IsVertical() ? point.y : point.x) >= m_pItems->Grip())
-        return false;
-    SetCursor(LoadCursorA(nullptr, MAKEINTRESOURCEA(32646)));  // IDC_SIZEALL
-    return true;
-}
-
 // --- Messages ---
 
 // What is done before a message takes its way. True: it does not.
@@ -487,6 +414,7 @@ bool CCUIControlBar::Handle(UINT message, WPARAM wParam, LPARAM lParam, long &re
     case WM_CAPTURECHANGED:
         RepaintItem(m_nPressed);
         m_nPressed = -1;
+        m_bDragging = false;
         break;
     case WM_DESTROY:
         CUIHideControlTip(m_hWnd);

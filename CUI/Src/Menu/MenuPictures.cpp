@@ -19,13 +19,7 @@ void CCUIMenuPictures::Refresh()
     if (dwStamp == m_dwColorStamp)
         return;
     m_dwColorStamp = dwStamp;
-    const CUIBitmapSource *const pSource = m_strip.GetData()->m_pSource;
-    if (pSource && (pSource->m_wFlags & CUIBMP_SYSCOLORS) && pSource->m_dwColorStamp != dwStamp) {
-        const CCUIBitmap before = m_strip;
-        m_strip.ReLoad(nullptr, nullptr, 0);
-        if (m_strip.Width() < m_ids.Count())
-            m_strip = before;
-    }
+    CUIReloadSystemColors(m_strip);
     const CCUIMemoryDC memory(nullptr);
     const CCUISelect bitmap(memory, m_strip);
     m_crKey = GetPixel(memory, 0, 0);
