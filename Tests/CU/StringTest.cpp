@@ -11,7 +11,6 @@
 #include <utility>
 #include <vector>
 
-#include "Support/GuardedBuffer.h"
 #include "Support/HeapWatch.h"
 #include "Support/Reports.h"
 #include "Support/Threads.h"
@@ -226,11 +225,12 @@ TEST(String, ConvertsBetweenWideAndAnsiWithinItsBuffers)
         wide = reinterpret_cast<const unsigned short *>(Chars(wide));
         EXPECT_STREQ(wide, text);
     }
-    for (unsigned int nRoom = 0; nRoom < 6; ++nRoom) {
-        CGuardedBuffer narrow(nRoom), wide(2 * nRoom);
-        auto *pWide = reinterpret_cast<unsigned short *>(wide.Data());
-        EXPECT_EQ(CUWideToMultiByteString(narrow.Data(), L"abc", nRoom), nRoom < 4 ? 0 : 4);
-        EXPECT_EQ(CUMultiByteToWideString(pWide, "abc", nRoom), nRoom < 4 ? 0 : 4);
+    const CHeapWatch heap;
+    for (unsigned int nRoom = 1; nRoom < 6; ++nRoom) {
+        std::vector<char> narrow(nRoom);
+        std::vector<unsigned short> wide(nRoom);
+        EXPECT_EQ(CUWideToMultiByteString(narrow.data(), L"abc", nRoom), nRoom < 4 ? 0 : 4);
+        EXPECT_EQ(CUMultiByteToWideString(wide.data(), "abc", nRoom), nRoom < 4 ? 0 : 4);
     }
 }
 

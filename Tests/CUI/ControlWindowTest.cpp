@@ -1,29 +1,7 @@
 #include "CUI/ControlWindow.h"
-#include "Support/Reports.h"
 #include "Support/TestWindow.h"
 
 namespace {
-
-// A layout window that writes down what its children tell it.
-struct CLayout : CTestWindow
-{
-    CLayout() : CTestWindow(nullptr, WS_POPUP | WS_VISIBLE)
-    {
-        m_on[CUI_WM_LAYOUT] = [=] {
-            m_told += Text("%ld%s, ", m_lParam, m_wParam ? "" : " all");
-            return 7;
-        };
-        SetForegroundWindow(m_hWnd);
-        UpdateWindow(m_hWnd);
-    }
-    // What has been told since the last call, after what was posted.
-    std::string Told()
-    {
-        PumpWaiting();
-        return std::exchange(m_told, "");
-    }
-    std::string m_told;
-};
 
 struct CControl : CScripted<CCUIControlWindow>
 {
@@ -47,45 +25,19 @@ struct CEvents : CCUIWindowEventCallback
 
 }  // namespace
 
-TEST(ControlWindow, PublishesItsLayoutDataAndTellsTheParentOfChangesOnce)
+TEST(ControlWindow, RepaintsItselfAndWhatIsAroundItInANewColour)
 {
-    CLayout layout;
-    auto control = std::make_unique<CControl>(layout);
-    const HWND hWnd = *control;
-    const auto *const published =
-        static_cast<CCUIControlWindow::PropData *>(GetPropA(hWnd, "pzl-ControlWindow"));
-    ASSERT_TRUE(published);
-    EXPECT_EQ(0x3FFFFFFU, published->crWindow);
-    layout.Told();
-    const std::string all = "3 all, ", one = "6, ";
-    const struct
-    {
-        unsigned long nFlags;
-        int nSize, bChanging;
-        std::string told;
-    } steps[] = {{4, 21, 0, one}, {5, 21, 0, one},      {0x100, 21, 0, all},
-                 {4, 21, 0, all}, {0x1000, 21, 0, one}, {0x80000000, 21, 0, all},
-                 {7, 23, 1, ""}};
-    for (const auto &step : steps) {
-        InvalidateRect(layout, nullptr, FALSE);
-        control->SetColorChanging(step.bChanging);
-        control->SetLayoutFlags(step.nFlags);
-        EXPECT_EQ(step.told != all, GetUpdateRect(layout, nullptr, FALSE)) << step.nFlags;
-        control->SetFixedSize(step.nSize);
-        EXPECT_EQ(step.told, layout.Told()) << step.nFlags;
-        EXPECT_EQ(step.nFlags, published->nLayoutFlags);
-        EXPECT_EQ(step.nSize, published->nFixedSize);
-    }
-    // A new colour repaints the window and what is around it.
+    CTestWindow parent(nullptr, WS_POPUP | WS_VISIBLE);
+    CControl control(parent);
     RECT around = {};
     int nPaints = 0;
-    layout.m_on[WM_PAINT] = [&] { return GetUpdateRect(layout, &around, 0), layout.Default(); };
-    control->m_on[WM_PAINT] = [&] { return ++nPaints, control->Default(); };
-    control->SetWindowColor(0x3FFFFFF);
-    EXPECT_EQ(1, control->GetColorChanging());
+    parent.m_on[WM_PAINT] = [&] { return GetUpdateRect(parent, &around, 0), parent.Default(); };
+    control.m_on[WM_PAINT] = [&] { return ++nPaints, control.Default(); };
+    PumpWaiting();
+    nPaints = 0;
+    control.SetWindowColor(0x3FFFFFF);  // as it was
     EXPECT_EQ(0, nPaints);
-    control->SetWindowColor(0x0000FF);
-    EXPECT_EQ(0, control->GetColorChanging());
+    control.SetWindowColor(0x0000FF);
     const RECT expected = {8, 18, 62, 52};
     EXPECT_TRUE(EqualRect(&expected, &around));
     EXPECT_LT(0, nPaints);
@@ -93,7 +45,8 @@ TEST(ControlWindow, PublishesItsLayoutDataAndTellsTheParentOfChangesOnce)
 
 TEST(ControlWindow, TakesTheScreenAndGoesBackToItsPlace)
 {
-    CLayout layout;
+    CTestWindow layout(nullptr, WS_POPUP | WS_VISIBLE);
+    SetForegroundWindow(layout);
     CControl below(layout), above(layout);
     auto control = std::make_unique<CControl>(layout);
     const HWND hWnd = *control;
@@ -124,7 +77,7 @@ TEST(ControlWindow, TakesTheScreenAndGoesBackToItsPlace)
         EXPECT_EQ(GetDesktopWindow(), GetAncestor(hWnd, GA_PARENT));
         EXPECT_EQ(hWnd, GetFocus());
         way();
-        layout.Told();
+        PumpWaiting();
         EXPECT_EQ(0, control->GetFullScreen());
         EXPECT_EQ("30 40 100 120, style 40000000 0", place());
         EXPECT_EQ(layout.GetHandle(), GetParent(hWnd));

@@ -2,6 +2,7 @@
 
 #include "CUI/DialogTemplate.h"
 #include "Support/FakeResource.h"
+#include "Support/HeapWatch.h"
 
 namespace {
 
@@ -43,7 +44,8 @@ TEST(DialogTemplate, SaysOfBothFormsWhatTheSystemMakesOfThemAndOfACutOneWhatIsTh
             static_cast<const BYTE *>(LockResource(LoadResource(nullptr, hResource)));
         const DWORD nWhole = SizeofResource(nullptr, hResource);
         ExpectLikeTheSystem(CCUIDialogTemplate(nullptr, MAKEINTRESOURCEW(nID)));
-        for (DWORD nSize = 0; nSize < nWhole; ++nSize) {
+        const CHeapWatch heap;
+        for (DWORD nSize = 1; nSize < nWhole; ++nSize) {
             const CFakeResource cut(std::vector<BYTE>(pBytes, pBytes + nSize));
             const CCUIDialogTemplate dialogTemplate(nullptr, "");
             CCUString sText;

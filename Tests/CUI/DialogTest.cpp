@@ -75,31 +75,6 @@ TEST(Dialog, EndsWithWhatItWasToldInEveryWay)
     }
 }
 
-// A handler of the owner's begins and ends another run, and so does one after the end.
-TEST(Dialog, KeepsARunApartFromOthersInside)
-{
-    CTestWindow frame, popup(frame, WS_POPUP), child(popup, WS_CHILD);
-    CTestDialog dialog;
-    int nRuns = 0;
-    const auto endWithNumber = [&](CTestDialog &running) {
-        EXPECT_TRUE(running.IsActive());
-        const int nRun = ++nRuns;
-        running.EndDialog(static_cast<unsigned>(nRun));
-        if (nRun == 2) {
-            EXPECT_EQ(3, running.DoModal(nullptr));
-        }
-    };
-    frame.m_on[WM_ENABLE] = [&] {
-        if (nRuns == 0) {
-            EXPECT_EQ(1, dialog.Run(endWithNumber));
-        }
-        return 0;
-    };
-    EXPECT_EQ(2, dialog.Run(endWithNumber, &child));
-    EXPECT_EQ(3, nRuns);
-    EXPECT_FALSE(dialog.IsActive());
-}
-
 TEST(Dialog, AnswersWhatCannotRun)
 {
     const CReports reports;

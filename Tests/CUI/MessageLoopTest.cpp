@@ -114,31 +114,8 @@ TEST(MessageLoop, ServesWhatAnIdleLoopMayServe)
     MSG msg;
     for (const auto &[hWnd, message, bStays] : posted)
         EXPECT_EQ(bStays, PeekMessageA(&msg, hWnd, message, message, PM_REMOVE)) << message;
-    // Waiting: a message that comes later is served too.
-    SetTimer(window, 1, 10, nullptr);
-    window.m_on[WM_TIMER] = [&] { return ++nServed, KillTimer(window, 1); };
-    CCUIWindow::IdleLoop(-60, 0);
-    EXPECT_EQ(3, nServed);
     // The end of the program is not swallowed.
-    for (const int bRestricted : {0, 1}) {
-        PostQuitMessage(4);
-        CCUIWindow::IdleLoop(-60000, bRestricted);
-        EXPECT_TRUE(PeekMessageA(&msg, nullptr, WM_QUIT, WM_QUIT, PM_REMOVE));
-    }
-}
-
-TEST(MessageLoop, AbortsOwnedDialogsTheDeepestFirst)
-{
-    std::string order;
-    CTestWindow frame, first(frame, WS_POPUP), second(first, WS_POPUP);
-    for (CTestWindow *pWindow : {&first, &second}) {
-        MakePlain("BUTTON", *pWindow, IDNO);
-        MakePlain("BUTTON", *pWindow, IDCANCEL);
-        pWindow->m_on[WM_COMMAND] = [=, &order, &first] {
-            order += Text("%s%u ", pWindow == &first ? "first" : "second", pWindow->m_wParam);
-            return pWindow->m_wParam == IDNO && pWindow->Destroy();
-        };
-    }
-    CCUIWindow::AbortDialog(frame);
-    EXPECT_EQ("second2 second7 first2 first7 ", order);
+    PostQuitMessage(4);
+    CCUIWindow::IdleLoop(-60000, 0);
+    EXPECT_TRUE(PeekMessageA(&msg, nullptr, WM_QUIT, WM_QUIT, PM_REMOVE));
 }

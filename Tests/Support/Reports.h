@@ -21,30 +21,24 @@ public:
         return static_cast<int>(std::count(all.begin(), all.end(), source + ": " + expression));
     }
     int Total() const { return static_cast<int>(All().size()); }
-    // Those since the last call, as "Source: expression", in order.
-    std::vector<std::string> Asserts()
-    {
-        const std::vector<std::string> all = All();
-        const auto first = all.begin() + m_nSeen;
-        m_nSeen = all.end() - all.begin();
-        return std::vector<std::string>(first, all.end());
-    }
     // The expressions alone of what `source` reports while `act` runs, with "; " between them.
     template <typename Act>
     std::string Of(const std::string &source, Act act)
     {
         std::string texts;
-        Asserts();
+        const size_t nBefore = All().size();
         act();
-        for (const std::string &text : Asserts()) {
-            const bool bIts = text.find(source + ": ") == 0;
-            texts += (texts.empty() ? "" : "; ") + text.substr(bIts ? source.size() + 2 : 0);
+        const std::vector<std::string> all = All();
+        for (size_t i = nBefore; i < all.size(); ++i) {
+            const bool bIts = all[i].find(source + ": ") == 0;
+            texts += (texts.empty() ? "" : "; ") + all[i].substr(bIts ? source.size() + 2 : 0);
         }
         return texts;
     }
     const CTemporaryDirectory &Directory() const { return m_directory; }
 
 private:
+    // As "Source: expression", in order.
     std::vector<std::string> All() const
     {
         std::istringstream text(m_directory.Contents("ZELTrace-*.txt"));
@@ -59,7 +53,6 @@ private:
     }
 
     CTemporaryDirectory m_directory;
-    int m_nSeen = 0;
 };
 
 // What goes to the trace while the object lives.
