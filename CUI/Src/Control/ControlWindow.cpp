@@ -4,6 +4,7 @@
 #include "CUI/Data.h"
 #include "CUI/WindowClass.h"
 #include "Control/ControlProperty.h"
+#include "Window/WindowText.h"
 
 #define CU_SOURCE "ControlWindow"
 
@@ -330,11 +331,5 @@ void CCUIControlWindow::PassFocusOn()
 
 CCUString CCUIControlWindow::TextOf(HWND hWnd)
 {
-    CCUString sText;
-    const int nLength = GetWindowTextLengthA(hWnd);
-    if (nLength > 0) {
-        GetWindowTextA(hWnd, sText.GetBuffer(nLength), nLength + 1);
-        sText.ReleaseBuffer();
-    }
-    return sText;
+    return CUIWindowText(hWnd);
 }
