@@ -8,6 +8,7 @@ CCUIBufferedPaint::CCUIBufferedPaint(HWND hWnd, HDC hGiven)
       m_hGiven(hGiven),
       m_hTarget(hGiven),
       m_hDC(nullptr),
+      m_hOldPalette(nullptr),
       m_nSaved(0),
       m_bBegun(false),
       m_rcArea()
@@ -20,13 +21,19 @@ CCUIBufferedPaint::CCUIBufferedPaint(HWND hWnd, HDC hGiven)
     }
 }
 
-HDC CCUIBufferedPaint::Begin(HFONT hFont)
+HDC CCUIBufferedPaint::Begin(HFONT hFont, HPALETTE hPalette)
 {
     RECT client = {};
     GetClientRect(m_hWnd, &client);
     m_hDC = CUIGetOSDC()->GetDC(m_hTarget, client.right, client.bottom);
     m_bBegun = true;
     m_nSaved = SaveDC(m_hDC);
+    if (hPalette) {
+        m_hOldPalette = SelectPalette(m_hTarget, hPalette, FALSE);
+        RealizePalette(m_hTarget);
+        SelectPalette(m_hDC, hPalette, FALSE);
+        RealizePalette(m_hDC);
+    }
     SelectObject(m_hDC, hFont);
     SetBkMode(m_hDC, TRANSPARENT);
     return m_hDC;
@@ -38,6 +45,8 @@ CCUIBufferedPaint::~CCUIBufferedPaint()
         BitBlt(m_hTarget, m_rcArea.left, m_rcArea.top, CUIWidth(m_rcArea), CUIHeight(m_rcArea),
                m_hDC, m_rcArea.left, m_rcArea.top, SRCCOPY);
         RestoreDC(m_hDC, m_nSaved);
+        if (m_hOldPalette)
+            SelectPalette(m_hTarget, m_hOldPalette, TRUE);
         CUIGetOSDC()->ReleaseDC();
     }
     if (!m_hGiven)
