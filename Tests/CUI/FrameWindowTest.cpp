@@ -305,8 +305,9 @@ TEST(FrameWindow, CoversTheScreenAndComesBackAsItWas)
     EXPECT_EQ(4, command.m_nDone);
 }
 
-TEST(FrameWindow, GivesTheFocusBackToTheChildThatHadIt)
+TEST(FrameWindow, ShowsTheHelpOfMenuItemsAndGivesTheFocusBack)
 {
+    CReports reports;
     CCommand command;
     CTestWindow other(nullptr, WS_POPUP | WS_VISIBLE);
     CFullFrame frame;
@@ -325,13 +326,6 @@ TEST(FrameWindow, GivesTheFocusBackToTheChildThatHadIt)
     EnableWindow(frame, FALSE);
     PressKey(frame.m_client, VK_F7);
     EXPECT_EQ(0, command.m_nDone) << "a dialog is open";
-}
-
-TEST(FrameWindow, ShowsTheHelpOfMenuItems)
-{
-    CReports reports;
-    CCommand command;
-    CFullFrame frame;
     const UINT items[][2] = {{1700, MF_HILITE}, {1700, MF_POPUP}, {999, 0}, {1701, 0}, {0, 0xFFFF}};
     for (const auto &item : items)
         SendMessageA(frame, WM_MENUSELECT, MAKEWPARAM(item[0], item[1]), item[1] != 0xFFFF);
@@ -360,29 +354,22 @@ TEST(FrameWindow, HoldsControlBarsAndAStatusBarTogether)
     frame.BringToFront();
     const LONG nThick = bar.GetFixedSize(), nStatus = status.GetFixedSize();
     EXPECT_EQ(Rest(frame, 0, 2 * nThick, 0, nStatus), PlaceOf(client));
-    // The user drags a bar to the left, and what is around follows.
-    PostMessageA(bar, WM_MOUSEMOVE, 0, MAKELPARAM(3, 120));
-    PostMessageA(bar, WM_LBUTTONUP, 0, MAKELPARAM(3, 120));
-    SendMessageA(bar, WM_LBUTTONDOWN, 0, MAKELPARAM(3, 5));
-    EXPECT_EQ(CUI_BAR_LEFT, bar.GetSide());
-    EXPECT_EQ(Rest(frame, bar.GetFixedSize(), nThick, 0, nStatus), PlaceOf(client));
     // A button under the mouse, or lit by the keyboard, has its help in the status bar.
-    const auto look = [&] {
-        UpdateWindow(status);
-        return ReadPixels(CCUIWindowDC(status), 200, nStatus);
-    };
     const auto shown = [&] {
+        const auto look = [&] {
+            UpdateWindow(status);
+            return ReadPixels(CCUIWindowDC(status), 200, nStatus);
+        };
         const CPixelMap before = look();
         status.ShowHelp("Opens a file");
         return look() == before;
     };
-    const auto pressF6 = [&] { PressKey(GetFocus(), VK_F6); };
     SendMessageA(second, WM_MOUSEMOVE, 0, MAKELPARAM(12, 8));
     EXPECT_TRUE(shown());
     SendMessageA(second, WM_MOUSELEAVE, 0, 0);
     EXPECT_FALSE(shown());
     for (const HWND hExpected : {bar.GetHandle(), second.GetHandle(), client.GetHandle()}) {
-        pressF6();
+        PressKey(GetFocus(), VK_F6);
         EXPECT_EQ(hExpected, GetFocus());
         EXPECT_EQ(hExpected != client.GetHandle(), shown());
         status.ClearHelp();
