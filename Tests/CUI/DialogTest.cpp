@@ -285,7 +285,7 @@ TEST(Dialog, ExchangesWhatItsControlsHold)
     EXPECT_EQ("label|7|1", TextOf(GetDlgItem(dialog, 1000)) + "|" +
                                TextOf(GetDlgItem(dialog, 1001)) + "|" +
                                Text("%u", IsDlgButtonChecked(dialog, 1004)));
-    for (const UINT nID : {1002, 1003})
+    for (const int nID : {1002, 1003})
         for (int i = 0; i < 2; ++i)
             SendDlgItemMessageA(dialog, nID, nID == 1002 ? LB_ADDSTRING : CB_ADDSTRING, 0,
                                 reinterpret_cast<LPARAM>("entry"));

@@ -148,7 +148,7 @@ TEST(StatusBar, TakesTheLongHelpOfCommandsAndTheUsersFont)
         std::string m_said;
     } hearing;
     CReports reports;
-    for (const UINT nID : {1000, 7, 1001})
+    for (const UINT nID : {1000U, 7U, 1001U})
         hearing.ShowCommandHelp(nID);
     hearing.ShowCommandHelp(1000, MF_POPUP), hearing.ShowCommandHelp(1000, 0xFFFF);
     EXPECT_EQ("Long help----", hearing.m_said);
