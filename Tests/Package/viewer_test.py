@@ -96,7 +96,8 @@ class Viewer(unittest.TestCase):
         keys("Down")  # in the list
         self.shown("b")
         keys("F11")
-        self.assertEqual(((1024 - 60) // 2, (768 - 90) // 2), self.shown("b")[:2])
+        middle = (1024 - 60) // 2, (768 - 90) // 2
+        wait_for(lambda: self.shown("b")[:2] == middle, "full screen")
         keys("Escape", "Prior")
         self.assertEqual(first, self.shown("a"))
 
