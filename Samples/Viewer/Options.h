@@ -35,26 +35,20 @@ public:
 private:
     int OnInitDialog(HWND hFocus, LPARAM lParam) override
     {
-        m_seconds.Bind(*this, IDC_SPIN);
-        m_seconds.SetRange(1, 3600);
+        m_spin.Bind(*this, IDC_SPIN);
+        m_spin.SetRange(1, 3600);
         m_repeat.ReplaceControl(*this, IDC_REPEAT);
         m_notify.ReplaceControl(*this, IDC_NOTIFY);
+        CenterOnOwner();
         return CCUIDialog::OnInitDialog(hFocus, lParam);
     }
     int ExchangeData(unsigned short nDirection) override
     {
-        if (nDirection == CUI_TOSCREEN) {
-            m_seconds.SetPos(m_nSeconds);
-            m_repeat.SetCheck(m_bRepeat);
-            m_notify.SetCheck(m_bNotify);
-        } else {
-            m_nSeconds = m_seconds.GetPos();
-            m_bRepeat = m_repeat.GetCheck() == BST_CHECKED;
-            m_bNotify = m_notify.GetCheck() == BST_CHECKED;
-        }
-        return 1;
+        return ExchangeInt(nDirection, IDC_SECONDS, m_nSeconds, 1, 3600) &&
+               ExchangeCheck(nDirection, IDC_REPEAT, m_bRepeat) &&
+               ExchangeCheck(nDirection, IDC_NOTIFY, m_bNotify);
     }
 
-    CCUISpinButton m_seconds;
+    CCUISpinButton m_spin;
     CCUIButton m_repeat{CUI_BUTTON_CHECK}, m_notify{CUI_BUTTON_CHECK};
 };

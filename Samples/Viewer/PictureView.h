@@ -16,6 +16,7 @@ public:
     void SetPicture(const CCUIBitmap &picture)
     {
         m_picture = picture;
+        SetPalette(picture);
         Fit();
     }
     const CCUIBitmap &GetPicture() const { return m_picture; }

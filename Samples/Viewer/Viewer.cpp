@@ -60,6 +60,7 @@ private:
         m_view.SetLayoutFlags(CUI_PLACE_FILL | CUIPlaceWeight(1));
         m_view.CreateControl(m_row, 2, "");
         SetClient(&m_row);
+        OnFullScreen(false);
 
         m_icon.SetCommandTarget(*this);
         m_icon.SetContextMenu(&m_iconMenu);
@@ -74,12 +75,7 @@ private:
         CUDumpUnRegister(this);
         CCUIFrameWindow::OnDestroy();
     }
-    // So full screen begins and ends.
-    void OnSize(UINT nType, int cx, int cy) override
-    {
-        m_list.Show(m_options.m_bList && !IsFullScreen());
-        CCUIFrameWindow::OnSize(nType, cx, cy);
-    }
+    void OnFullScreen(bool bFull) override { m_list.Show(m_options.m_bList && !bFull); }
     void TimeOut(long) override { PlaySlides(m_list.Step(1, m_options.m_bRepeat != 0)); }
     void OnDump(const CCUString &sText) override { m_sLog = (m_sLog + sText).Right(20000); }
 

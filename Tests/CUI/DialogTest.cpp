@@ -230,3 +230,55 @@ TEST(Dialog, PaintsItsColour)
     const CSysColors colors;
     expectBrush(WM_CTLCOLORDLG, GetSysColor(COLOR_BTNFACE));
 }
+
+TEST(Dialog, ExchangesWhatItsControlsHold)
+{
+    struct CData : CTestDialog
+    {
+        int ExchangeData(unsigned short nDirection) override
+        {
+            return ExchangeText(nDirection, 1000, m_sLabel) &&
+                   ExchangeInt(nDirection, 1001, m_nNumber, -5, 3600) &&
+                   ExchangeSelection(nDirection, 1002, m_nItem) &&
+                   ExchangeSelection(nDirection, 1003, m_nEntry) &&
+                   ExchangeCheck(nDirection, 1004, m_nCheck) &&
+                   ExchangeCheck(nDirection, 999, m_nMissing) &&
+                   ExchangeRadio(nDirection, 1004, 1004, m_nRadio);
+        }
+        int ExchangeFail(int nID, CCUString &sMessage) override
+        {
+            return m_record += Text("%d: %s ", nID, sMessage.GetString()), 0;
+        }
+        using CCUIDialog::CenterOnOwner;
+        CCUString m_sLabel = "label";
+        int m_nNumber = 7, m_nItem = -1, m_nEntry = -1, m_nCheck = 1, m_nMissing = 4, m_nRadio = 0;
+    } dialog;
+    CTestWindow owner;
+    owner.Move({-30, 100, 670, 700});
+    owner.Show();
+    dialog.DoModeless(&owner);
+    EXPECT_EQ("label|7|1", TextOf(GetDlgItem(dialog, 1000)) + "|" +
+                               TextOf(GetDlgItem(dialog, 1001)) + "|" +
+                               Text("%u", IsDlgButtonChecked(dialog, 1004)));
+    for (const int nID : {1002, 1003})
+        for (int i = 0; i < 2; ++i)
+            SendDlgItemMessageA(dialog, nID, nID == 1002 ? LB_ADDSTRING : CB_ADDSTRING, 0,
+                                reinterpret_cast<LPARAM>("entry"));
+    SendDlgItemMessageA(dialog, 1002, LB_SETCURSEL, 1, 0);
+    SendDlgItemMessageA(dialog, 1003, CB_SETCURSEL, 1, 0);
+    CheckDlgButton(dialog, 1004, BST_UNCHECKED);
+    dialog.CenterOnOwner();
+    const RECT rc = dialog.GetPlace();
+    EXPECT_EQ("320 400", Text("%ld %ld", (rc.left + rc.right) / 2, (rc.top + rc.bottom) / 2));
+    for (const char *text : {"", "3601", "-6", "1x", "99999999999", " 3600 "}) {
+        EXPECT_TRUE(dialog.Exist());
+        SetDlgItemTextA(dialog, 1001, text);
+        dialog.OnOK();
+    }
+    EXPECT_FALSE(dialog.Exist());
+    const std::string fail = "1001: -5 - 3600 ";
+    EXPECT_EQ(fail + fail + fail + fail + fail, dialog.m_record);
+    EXPECT_EQ("3600 1 1 0 4 -1",
+              Text("%d %d %d %d %d %d", dialog.m_nNumber, dialog.m_nItem, dialog.m_nEntry,
+                   dialog.m_nCheck, dialog.m_nMissing, dialog.m_nRadio));
+}

@@ -244,11 +244,9 @@ TEST(FrameWindow, KeepsItsPlaceAndFindsAScreenForIt)
         EXPECT_EQ(row.bMaximized, IsZoomed(frame) != 0) << row.kept;
         EXPECT_TRUE(IsWindowVisible(frame) && (row.bMaximized || row.place == PlaceOf(frame)));
         SendMessageA(frame, WM_ENDSESSION, TRUE, 0);
-        const std::string kept = row.place + (row.bMaximized ? ",1" : ",0") + dpi;
-        EXPECT_EQ(kept, CTestSettings::Get("Placement"));
-        CTestSettings::Set("Placement", "");
-        frame.Destroy();
-        EXPECT_EQ(kept, CTestSettings::Get("Placement"));
+        EXPECT_FALSE(frame.Exist());
+        EXPECT_EQ(row.place + (row.bMaximized ? ",1" : ",0") + dpi,
+                  CTestSettings::Get("Placement"));
     }
 }
 
@@ -256,8 +254,11 @@ TEST(FrameWindow, CoversTheScreenAndComesBackAsItWas)
 {
     const CTestSettings settings;
     CCommand command;
+    const int cx = GetSystemMetrics(SM_CXSCREEN), cy = GetSystemMetrics(SM_CYSCREEN);
+    const std::string screen = Text("0,0,%d,%d ", cx, cy), full = screen + screen + "000 0";
     for (const int nMaximized : {0, 1}) {
-        CTestSettings::Set("Placement", Text("100,90,400,290,%d,96", nMaximized));
+        const std::string kept = Text("100,90,400,290,%d,96", nMaximized);
+        CTestSettings::Set("Placement", kept);
         CFullFrame frame;
         frame.ShowKept("Test");
         const HMENU hMenu = GetMenu(frame);
@@ -269,26 +270,44 @@ TEST(FrameWindow, CoversTheScreenAndComesBackAsItWas)
                         GetWindowLongA(frame, GWL_STYLE) & WS_CAPTION);
         };
         const std::string before = look();
-        for (const bool bByKey : {false, true}) {
-            EXPECT_EQ(1, frame.SetFullScreen(true));
-            const std::string screen =
-                Text("0,0,%d,%d ", GetSystemMetrics(SM_CXSCREEN), GetSystemMetrics(SM_CYSCREEN));
-            EXPECT_EQ(screen + screen + "000 0", look());
-            PressKey(frame.m_client, VK_F7);
-            bByKey ? PressKey(frame.m_client, VK_ESCAPE) : void(frame.SetFullScreen(false));
+        const std::function<void(bool)> set = [&](bool bFull) { frame.SetFullScreen(bFull); };
+        const std::function<void(bool)> steps[] = {
+            set,
+            [&](bool bFull) {
+                bFull ? set(true) : PressKey(frame.m_client, VK_F7);
+                PressKey(frame.m_client, bFull ? VK_F7 : VK_ESCAPE);
+            },
+            // Whoever is told asks for the other one.
+            [&](bool bFull) {
+                frame.m_onFull = [&, bFull] { frame.SetFullScreen(bFull); };
+                frame.SetFullScreen(!bFull), set(bFull);
+            },
+            [&](bool bFull) {
+                ShowWindow(frame, SW_MINIMIZE);
+                SendMessageA(frame, WM_DISPLAYCHANGE, 32, 0);
+                EXPECT_TRUE(IsIconic(frame));
+                ShowWindow(frame, SW_RESTORE), set(bFull);
+            }};
+        for (const auto &step : steps) {
+            frame.m_asked.clear();
+            step(true);
+            EXPECT_EQ(full, look());
+            step(false);
             EXPECT_EQ(before, look());
+            EXPECT_EQ("full|back|", frame.m_asked.substr(0, 10));
         }
-        frame.SetFullScreen(true);
+        set(true);
         EXPECT_EQ(hMenu, frame.GetMenu());
         frame.Destroy();
-        EXPECT_EQ(Text("100,90,400,290,%d,96", nMaximized), CTestSettings::Get("Placement"));
+        EXPECT_EQ(kept, CTestSettings::Get("Placement"));
         EXPECT_FALSE(IsMenu(hMenu));
     }
     EXPECT_EQ(4, command.m_nDone);
 }
 
-TEST(FrameWindow, GivesTheFocusBackToTheChildThatHadIt)
+TEST(FrameWindow, ShowsTheHelpOfMenuItemsAndGivesTheFocusBack)
 {
+    CReports reports;
     CCommand command;
     CTestWindow other(nullptr, WS_POPUP | WS_VISIBLE);
     CFullFrame frame;
@@ -307,13 +326,6 @@ TEST(FrameWindow, GivesTheFocusBackToTheChildThatHadIt)
     EnableWindow(frame, FALSE);
     PressKey(frame.m_client, VK_F7);
     EXPECT_EQ(0, command.m_nDone) << "a dialog is open";
-}
-
-TEST(FrameWindow, ShowsTheHelpOfMenuItems)
-{
-    CReports reports;
-    CCommand command;
-    CFullFrame frame;
     const UINT items[][2] = {{1700, MF_HILITE}, {1700, MF_POPUP}, {999, 0}, {1701, 0}, {0, 0xFFFF}};
     for (const auto &item : items)
         SendMessageA(frame, WM_MENUSELECT, MAKEWPARAM(item[0], item[1]), item[1] != 0xFFFF);
@@ -342,45 +354,30 @@ TEST(FrameWindow, HoldsControlBarsAndAStatusBarTogether)
     frame.BringToFront();
     const LONG nThick = bar.GetFixedSize(), nStatus = status.GetFixedSize();
     EXPECT_EQ(Rest(frame, 0, 2 * nThick, 0, nStatus), PlaceOf(client));
-    // The user drags a bar to the left, and what is around follows.
-    PostMessageA(bar, WM_MOUSEMOVE, 0, MAKELPARAM(3, 120));
-    PostMessageA(bar, WM_LBUTTONUP, 0, MAKELPARAM(3, 120));
-    SendMessageA(bar, WM_LBUTTONDOWN, 0, MAKELPARAM(3, 5));
-    EXPECT_EQ(CUI_BAR_LEFT, bar.GetSide());
-    EXPECT_EQ(Rest(frame, bar.GetFixedSize(), nThick, 0, nStatus), PlaceOf(client));
     // A button under the mouse, or lit by the keyboard, has its help in the status bar.
-    const auto look = [&] {
-        UpdateWindow(status);
-        return ReadPixels(CCUIWindowDC(status), 200, nStatus);
-    };
     const auto shown = [&] {
+        const auto look = [&] {
+            UpdateWindow(status);
+            return ReadPixels(CCUIWindowDC(status), 200, nStatus);
+        };
         const CPixelMap before = look();
         status.ShowHelp("Opens a file");
         return look() == before;
     };
-    const auto pressF6 = [&] { PressKey(GetFocus(), VK_F6); };
     SendMessageA(second, WM_MOUSEMOVE, 0, MAKELPARAM(12, 8));
     EXPECT_TRUE(shown());
     SendMessageA(second, WM_MOUSELEAVE, 0, 0);
     EXPECT_FALSE(shown());
     for (const HWND hExpected : {bar.GetHandle(), second.GetHandle(), client.GetHandle()}) {
-        pressF6();
+        PressKey(GetFocus(), VK_F6);
         EXPECT_EQ(hExpected, GetFocus());
         EXPECT_EQ(hExpected != client.GetHandle(), shown());
         status.ClearHelp();
     }
-    // Alt with a mnemonic, and a control that tells the layout its size.
     CCUIButton button;
     button.SetCommand(1700);
     button.CreateControl(client, 1700, "&Open");
-    button.SetLayoutFlags(CUI_PLACE_FIT);
     CCUICommandMap::IdleUpdate();
-    SIZE size = {};
-    button.GetNaturalSize(size);
-    EXPECT_EQ(Text("0,0,%ld,%ld", size.cx, size.cy), PlaceOf(button));
-    button.SetText("&Open the file that was open before");
-    button.GetNaturalSize(size);
-    EXPECT_EQ(Text("0,0,%ld,%ld", size.cx, size.cy), PlaceOf(button));
     MSG msg = {bar, WM_SYSCHAR, 'o', 0, 0, {}};
     EXPECT_TRUE(CCUIWindow::PerformPreTranslation(&msg));
     EXPECT_EQ(1, command.m_nDone);
@@ -393,17 +390,65 @@ TEST(FrameWindow, OpensWhatIsDroppedAndWhatACommandLineNames)
     const std::string longName = "D:\\" + std::string(400, 'n');
     const std::string drop =
         "\x14" + std::string(19, 0) + "C:\\one.txt" + std::string(1, 0) + longName;
-    const HGLOBAL hDrop = GlobalAlloc(GHND, drop.size() + 2);
-    memcpy(GlobalLock(hDrop), drop.data(), drop.size());
-    GlobalUnlock(hDrop);
-    SendMessageA(frame, WM_DROPFILES, reinterpret_cast<WPARAM>(hDrop), 0);
+    const auto send = [&] {
+        const HGLOBAL hDrop = GlobalAlloc(GHND, drop.size() + 2);
+        memcpy(GlobalLock(hDrop), drop.data(), drop.size());
+        GlobalUnlock(hDrop);
+        SendMessageA(frame, WM_DROPFILES, reinterpret_cast<WPARAM>(hDrop), 0);
+    };
+    SendMessageA(frame, WM_DROPFILES, 0x1234, 0);
+    send();
     EXPECT_EQ("C:\\one.txt|" + longName + "|", frame.m_asked);
+    EnableWindow(frame, FALSE);
+    send(), frame.OnCommandLine("p a.txt", "");
+    EnableWindow(frame, TRUE);
+    EXPECT_EQ("C:\\one.txt|" + longName + "|", frame.m_asked) << "a dialog is open";
     frame.m_asked.clear();
     frame.OnCommandLine(
         "\"C:\\my programs\\p.exe\"  \"a b.txt\" /x -y C:\\d\\..\\e.txt\t\\\\s\\t\\f "
         "\"\" q\"r s\".txt",
         "C:\\in");
     EXPECT_EQ("C:\\in\\a b.txt|C:\\e.txt|\\\\s\\t\\f|C:\\in\\qr s.txt|", frame.m_asked);
+}
+
+TEST(FrameWindow, PassesOnWhatIsSaidOfPalettes)
+{
+    const CCUIOwned<HPALETTE> palette(CreateHalftonePalette(nullptr));
+    CTestFrame frame;
+    CCUIControl plain, picture;
+    const RECT rc = {0, 0, 20, 20};
+    plain.CreateControl(frame, 1, "", &rc);
+    picture.CreateControl(frame, 2, "", &rc);
+    frame.BringToFront();
+    std::string realized;
+    UINT nChanged = 3;
+    int nCaps = RC_PALETTE;
+    const CFakeCall<UINT(HDC)> realize("RealizePalette", [&](HDC hDC) {
+        const bool bIts = GetCurrentObject(hDC, OBJ_PAL) == palette;
+        realized += !bIts ? "?" : WindowFromDC(hDC) == picture.GetHandle() ? "window " : "memory ";
+        return nChanged;
+    });
+    const CFakeCall<int(HDC, int)> caps("GetDeviceCaps", [&](HDC hDC, int nIndex) {
+        return nIndex == RASTERCAPS ? nCaps : caps.Original(hDC, nIndex);
+    });
+    const auto send = [&](UINT message, HWND hChanged) {
+        UpdateWindow(picture);
+        realized.clear();
+        const LRESULT answer = SendMessageA(frame, message, reinterpret_cast<WPARAM>(hChanged), 0);
+        return Text("%ld %s%d", answer, realized.c_str(), GetUpdateRect(picture, nullptr, FALSE));
+    };
+    EXPECT_EQ("0 0", send(WM_QUERYNEWPALETTE, nullptr));
+    picture.SetPalette(palette);
+    EXPECT_EQ("1 window 1", send(WM_QUERYNEWPALETTE, nullptr));
+    realized.clear();
+    UpdateWindow(picture);
+    EXPECT_EQ("window memory ", realized) << "painted";
+    EXPECT_EQ("0 0", send(WM_PALETTECHANGED, picture));
+    EXPECT_EQ("0 window 1", send(WM_PALETTECHANGED, frame));
+    nChanged = 0;
+    EXPECT_EQ("0 window 0", send(WM_PALETTECHANGED, frame));
+    nCaps = 0;
+    EXPECT_EQ("0 0", send(WM_QUERYNEWPALETTE, nullptr)) << "no such screen";
 }
 
 TEST(FrameWindow, LeavesNothingBehind)

@@ -81,11 +81,11 @@ TEST(NotifyIcon, OwnsTheIconsItLoads)
 {
     const CShell shell(true);
     int nLoaded = 0;
-    std::vector<HICON> destroyed;
+    std::string destroyed;
     const CFakeCall<HANDLE(HINSTANCE, const char *, UINT, int, int, UINT)> load(
         "LoadImageA", [&](auto...) { return reinterpret_cast<HANDLE>(++nLoaded); });
-    const CFakeCall<BOOL(HICON)> destroy("DestroyIcon",
-                                         [&](HICON h) { return destroyed.push_back(h), TRUE; });
+    const CFakeCall<BOOL(HICON)> destroy(
+        "DestroyIcon", [&](HICON h) { return destroyed += Text("%d ", int(h)), TRUE; });
     {
         CIcon icon;
         icon.Add(nullptr, "name", "tip");
@@ -93,8 +93,7 @@ TEST(NotifyIcon, OwnsTheIconsItLoads)
         icon.SetIcon(Icon());
         icon.Add(nullptr, L"third", "tip");
     }
-    const std::vector<HICON> expected = {HICON(1), HICON(2), HICON(3)};
-    EXPECT_EQ(expected, destroyed);
+    EXPECT_EQ("1 2 3 ", destroyed);
 }
 
 TEST(NotifyIcon, BringsClicksAndCommandsToTheTarget)

@@ -224,3 +224,31 @@ TEST(Window, ShowsItsContextMenuWhereItIsAskedFor)
     SendMessageA(window, WM_CONTEXTMENU, 0, MAKELONG(-1, -1));
     EXPECT_EQ(Text("%ld %ld", corner.x, corner.y), Text("%ld %ld", at.left, at.top));
 }
+
+TEST(Window, IsMovedShownAndNamedWithoutItsHandle)
+{
+    CTestWindow window;
+    CCUIWindow child, none;
+    CreateTestWindow(child, window, WS_CHILD);
+    window.Move({20, 30, 220, 180});
+    window.Show();
+    child.Move({-5, 7, 60, 50});
+    const RECT place = window.GetPlace(), in = child.GetPlace(), client = child.GetClientArea();
+    EXPECT_EQ(
+        "20 30 220 180 -5 7 60 50 65 43",
+        Text("%ld %ld %ld %ld %ld %ld %ld %ld %ld %ld", place.left, place.top, place.right,
+             place.bottom, in.left, in.top, in.right, in.bottom, client.right, client.bottom));
+    EXPECT_TRUE(window.IsShown() && !child.IsShown() && child.IsEnabled());
+    child.Show();
+    child.Focus();
+    UpdateWindow(child);
+    EXPECT_TRUE(child.HasFocus() && !window.HasFocus() && !GetUpdateRect(child, nullptr, FALSE));
+    child.Invalidate();
+    child.Enable(false);
+    child.SetText("a caption");
+    EXPECT_TRUE(GetUpdateRect(child, nullptr, FALSE) && !child.IsEnabled());
+    EXPECT_STREQ("a caption", child.GetText());
+    none.Focus(), none.Show(), none.Invalidate(), none.SetText("x");
+    EXPECT_FALSE(none.IsShown() || none.HasFocus() || none.GetPlace().right);
+    EXPECT_STREQ("", none.GetText());
+}

@@ -82,6 +82,11 @@ public:
     /// background has the colour of SetWindowColor, or the one that the parent answers to
     /// WM_CTLCOLORSTATIC.
     CUI_API void SetTextColor(DWORD crText);
+    /// The colours that Paint needs on a screen that has a palette, of 256 colours: realised in
+    /// front of the other windows' while the program is, behind them else. Not owned; null, at
+    /// first: none. A frame passes on what the system says of palettes; another top-level window
+    /// does so by SendMessageToDescendants, with WM_QUERYNEWPALETTE and WM_PALETTECHANGED.
+    CUI_API void SetPalette(HPALETTE hPalette);
     /// The tip for a control without a command; null or "": none.
     CUI_API void SetToolTip(const char *pszText);
     /// Enables or disables the window; it may be done before that is there. A focus that would be
@@ -180,11 +185,13 @@ private:
     HBRUSH GetBackground(HDC hDC);
     bool ReadText();
     void ReadCues();
+    UINT Realize();
 
     unsigned int m_nState;
     CCUString m_sText;
     CCUString m_sToolTip;
     HFONT m_hFont;
+    HPALETTE m_hPalette;
     DWORD m_crText;
     COLORREF m_crBack;
     SIZE m_textSize;  // cx below 0: to be measured

@@ -138,6 +138,29 @@ public:
     virtual void EndDialog(unsigned nResult);
 
 protected:
+    /// For ExchangeData: moves what a control holds in that direction, 1, or 0 when it cannot be
+    /// taken, which the user has been told (ExchangeFail). A control that is not there is traced,
+    /// and its data stays as it is.
+    /// @{
+    /// The text of any control; no more than nMost characters can be typed there, 0: as many as the
+    /// system takes.
+    int ExchangeText(unsigned short nDirection, int nID, CCUString &sText, int nMost = 0);
+    /// A number in decimal digits, from nLeast to nMost. What else stands there is answered with
+    /// "nLeast - nMost", or with the message.
+    int ExchangeInt(unsigned short nDirection, int nID, int &nValue, int nLeast, int nMost,
+                    const char *pszMessage = nullptr);
+    /// A check box: BST_UNCHECKED (0), BST_CHECKED (1) or BST_INDETERMINATE (2).
+    int ExchangeCheck(unsigned short nDirection, int nID, int &nCheck);
+    /// Radio buttons of consecutive identifiers: which of them is checked, counted from 0; -1:
+    /// none.
+    int ExchangeRadio(unsigned short nDirection, int nFirstID, int nLastID, int &nChecked);
+    /// Which item of a list box or combo box is selected, counted from 0; -1: none.
+    int ExchangeSelection(unsigned short nDirection, int nID, int &nSelected);
+    /// @}
+    /// For OnInitDialog: moves the dialog to the middle of its owner, without one of the primary
+    /// screen, and as far as it must to be seen whole.
+    void CenterOnOwner();
+
     /// For ExchangeData, which returns the result: tells the user that a control's text cannot be
     /// taken, and the trace which control that is; puts the focus there, with the text selected.
     /// Returns 0.

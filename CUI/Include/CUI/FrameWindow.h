@@ -138,7 +138,7 @@ public:
     // --- Place ---
 
     /// Shows the frame at the place, in the size and in the state (normal or maximised) that it had
-    /// when it was last destroyed or the session ended, which the settings keep in that section
+    /// when it was last destroyed, which the settings keep in that section
     /// (CUI/Settings.h), value "Placement". A size of other dots per inch is scaled, and what no
     /// screen shows any more is moved onto the nearest. nShow: as WinMain gets it; minimised and
     /// maximised starts are honoured.
@@ -157,7 +157,8 @@ public:
     CUI_API void AcceptFiles(bool bAccept);
 
     /// Asked to open a file by the user: dropped, chosen from the recent files or named in a
-    /// command line. The base does nothing.
+    /// command line. The base does nothing. While the frame is disabled, as a dialog's owner is,
+    /// files from outside are not opened, which is traced: the dialog comes to the front.
     CUI_API virtual void OnOpenFile(const CCUString &sPath);
     /// The command line of this program, for which its entry calls it, or of another run of it
     /// (CUI/SingleInstance.h), which was started in that folder; "" is the current one. The base
@@ -171,10 +172,14 @@ public:
 
 protected:
     /// Whether the frame may close: asked before OnClose destroys the window, and before the
-    /// session ends. To be overridden where work may be lost; the base answers true.
+    /// session ends, which then destroys it as well. To be overridden where work may be lost; the
+    /// base answers true.
     CUI_API virtual bool QueryClose();
     /// Files were dropped at a client position. The base opens them, one after the other.
     CUI_API virtual void OnFilesDropped(const CCUString *pFiles, int nFiles, const POINT &point);
+    /// Full screen begins or ends: the bars are hidden or shown, the frame is about to be moved.
+    /// What else is not to be seen with them is hidden here; the base does nothing.
+    CUI_API virtual void OnFullScreen(bool bFull);
 
     /// Lays out, remembers and gives back the focus, shows help texts, keeps the place, posts the
     /// end: an override calls its base.
@@ -203,6 +208,7 @@ private:
     typedef CUIBarSide SideOf(CCUIControlWindow *pBar);
     CUI_API int AddBar(CCUIControlWindow *pBar, CUIBarSide side, SideOf *pSideOf);
     bool TranslateOwnKey(const MSG &msg);
+    bool MayOpen(const CCUString &sPath);
     bool Ask();
     void End();
     void KeepPlacement();
@@ -221,8 +227,10 @@ private:
     HMENU m_hMenuBefore;
     HWND m_hFocus;  // had the focus when the frame was deactivated
     bool m_bModified;
-    bool m_bFullScreen;
-    bool m_bAsking;  // QueryClose is under way
+    bool m_bFullScreen;  // what was set last, which m_bCovering follows
+    bool m_bCovering;
+    bool m_bSwitching;  // between the two
+    bool m_bAsking;     // QueryClose is under way
     bool m_bLayingOut;
     bool m_bLayOutAgain;  // something has changed meanwhile
 };

@@ -52,7 +52,7 @@ public:
     CUI_API int CreateBar(HWND hParent, UINT nID);
 
     /// Appends a pane and returns its number. nSize: pixels, or the weight of a stretching pane (at
-    /// least 1).
+    /// least 1), 32,767 at the most.
     CUI_API int AddPane(CUIPaneWidth width, int nSize);
     /// Changes the width of a pane.
     CUI_API void SetPaneWidth(int nPane, CUIPaneWidth width, int nSize);

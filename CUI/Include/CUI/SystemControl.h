@@ -62,11 +62,6 @@ public:
     /// which leaves the layout's property behind.
     CUI_API HWND Unbind();
 
-    /// The control's text.
-    /// @{
-    CCUString GetText() const { return TextOf(m_hWnd); }
-    void SetText(const char *pszText) { SetWindowTextA(m_hWnd, pszText ? pszText : ""); }
-    /// @}
     /// The font; not owned. Null: the system's.
     /// @{
     void SetFont(HFONT hFont) { Send(WM_SETFONT, FromPointer<WPARAM>(hFont), 1); }
@@ -74,10 +69,6 @@ public:
     /// @}
     /// Enables or disables it. A focus that would be lost goes on to the next control.
     CUI_API void Enable(bool bEnable);
-    bool IsEnabled() const { return IsWindowEnabled(m_hWnd) != 0; }  ///< and not disabled
-    /// Shows or hides it.
-    void Show(bool bShow) { ShowWindow(m_hWnd, bShow ? SW_SHOWNA : SW_HIDE); }
-    bool IsShown() const { return HasStyle(WS_VISIBLE); }  ///< whatever its parents are
     /// Off, while much is changed: nothing is painted; on again: all of it. A hidden control stays
     /// hidden.
     CUI_API void SetRedraw(bool bRedraw);

@@ -9,6 +9,7 @@
 #include <shellapi.h>
 
 class CCUIMenu;
+class CCUString;
 class CCUIWindow;
 class CCUIWindowHookList;
 
@@ -353,6 +354,28 @@ public:
 
     /// What the last OnShowToolTips said; 1 at first.
     int GetShowToolTips() const { return m_bShowToolTips; }
+
+    // --- What programs do daily. Without a window nothing is done, and nothing answered. ---
+
+    void Show(bool bShow = true);  ///< or hides it; a top-level window becomes the active one
+    bool IsShown() const;          ///< and not hidden, whatever its parents are
+    void Enable(bool bEnable);     ///< or disables it
+    bool IsEnabled() const;        ///< and not disabled, whatever its parents are
+    void Focus();                  ///< gives it the keyboard focus
+    bool HasFocus() const;         ///< itself, not a child
+    /// The caption, or the text of a control, of any length. Null counts as "".
+    /// @{
+    void SetText(const char *pszText);
+    CCUString GetText() const;
+    /// @}
+    /// The whole window, in the parent's client pixels or, of a top-level window, in those of the
+    /// screen. Move leaves order and activation as they are.
+    /// @{
+    RECT GetPlace() const;
+    void Move(const RECT &place);
+    /// @}
+    RECT GetClientArea() const;                  ///< in client pixels: left and top are 0
+    void Invalidate(const RECT *prc = nullptr);  ///< to be painted soon; null: all of it
 
     // --- Messages ---
 

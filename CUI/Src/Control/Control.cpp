@@ -36,6 +36,7 @@ CCUIControl::CCUIControl()
       m_bOpaque(false),
       m_nState(0),
       m_hFont(nullptr),
+      m_hPalette(nullptr),
       m_crText(CUIGetWinData()->crSys[COLOR_BTNTEXT]),
       m_crBack(0),
       m_textSize{-1, 0},
@@ -158,6 +159,11 @@ long CCUIControl::OnMessage(UINT message, WPARAM wParam, LPARAM lParam)
             Click();
         return 0;
     }
+    case WM_QUERYNEWPALETTE: return Realize() != GDI_ERROR;
+    case WM_PALETTECHANGED:
+        if (reinterpret_cast<HWND>(wParam) != m_hWnd)
+            Realize();
+        return 0;
     case UPDATE_UI_STATE: {
         CWatch watch(this);
         const long nResult = Default();
@@ -388,13 +394,34 @@ void CCUIControl::OnPaint(HDC hDC)
     const HBRUSH hBrush = GetBackground(paint.Target());
     if (watch.IsGone())
         return;
-    const HDC hPicture = paint.Begin(m_hFont ? m_hFont : CUIGetWinData()->hMenuFont);
+    const HDC hPicture = paint.Begin(m_hFont ? m_hFont : CUIGetWinData()->hMenuFont, m_hPalette);
     if (hBrush)
         FillRect(hPicture, &client, hBrush);
     else if (!m_bOpaque)
         Fill(hPicture, client, m_crBack);
     ::SetTextColor(hPicture, GetTextColor());
     Paint(hPicture, client);
+}
+
+void CCUIControl::SetPalette(HPALETTE hPalette)
+{
+    m_hPalette = hPalette;
+    Realize();
+    Repaint();
+}
+
+// How many colours of the screen are others now; GDI_ERROR where there is no palette to realise.
+UINT CCUIControl::Realize()
+{
+    if (!m_hPalette || !m_hWnd)
+        return GDI_ERROR;
+    const CCUIWindowDC hDC(m_hWnd);
+    const HPALETTE hOld = SelectPalette(hDC, m_hPalette, FALSE);
+    const UINT nChanged = RealizePalette(hDC);
+    SelectPalette(hDC, hOld, TRUE);
+    if (nChanged != 0 && nChanged != GDI_ERROR)
+        Repaint();
+    return nChanged;
 }
 
 // The brush of the parent, which may have colours of its own; null for the window's own colour,

@@ -5,6 +5,7 @@
 #include "CUI/LayoutWindow.h"
 #include "CUI/WindowClass.h"
 #include "Control/ControlProperty.h"
+#include "Window/WindowText.h"
 
 #define CU_SOURCE "ControlWindow"
 
@@ -338,11 +339,5 @@ void CCUIControlWindow::PassFocusOn()
 
 CCUString CCUIControlWindow::TextOf(HWND hWnd)
 {
-    CCUString sText;
-    const int nLength = GetWindowTextLengthA(hWnd);
-    if (nLength > 0) {
-        GetWindowTextA(hWnd, sText.GetBuffer(nLength), nLength + 1);
-        sText.ReleaseBuffer();
-    }
-    return sText;
+    return CUIWindowText(hWnd);
 }

@@ -3,6 +3,7 @@
 #include "Base/GdiGuards.h"
 #include "Base/Module.h"
 #include "Base/Wrap.h"
+#include "Dialog/DialogPlace.h"
 #include "Dialog/LineEnds.h"
 #include "Window/Screen.h"
 
@@ -240,16 +241,7 @@ SIZE CArrangement::Place()
 // In the middle of the owner, or of the screen where no owner is to be seen.
 void CArrangement::PlaceBox(SIZE client) const
 {
-    const SIZE size = {client.cx + m_frame.cx, client.cy + m_frame.cy};
-    const HWND hOwner = GetWindow(m_hBox, GW_OWNER);
-    RECT around = m_work;
-    if (hOwner && IsWindowVisible(hOwner) && !IsIconic(hOwner))
-        GetWindowRect(hOwner, &around);
-    const int x = (around.left + around.right - size.cx) / 2;
-    const int y = (around.top + around.bottom - size.cy) / 2;
-    SetWindowPos(m_hBox, nullptr, CUILarger(CUISmaller(x, m_work.right - size.cx), m_work.left),
-                 CUILarger(CUISmaller(y, m_work.bottom - size.cy), m_work.top), size.cx, size.cy,
-                 SWP_NOZORDER | SWP_NOACTIVATE);
+    CUICenterOnOwner(m_hBox, {client.cx + m_frame.cx, client.cy + m_frame.cy});
 }
 
 void CArrangement::Arrange()

@@ -34,6 +34,7 @@ CCUIBufferedPaint::CCUIBufferedPaint(HWND hWnd, HDC hGiven)
       m_hGiven(hGiven),
       m_hTarget(hGiven),
       m_hDC(nullptr),
+      m_hOldPalette(nullptr),
       m_nSaved(0),
       m_bBegun(false),
       m_rcArea()
@@ -46,7 +47,7 @@ CCUIBufferedPaint::CCUIBufferedPaint(HWND hWnd, HDC hGiven)
     }
 }
 
-HDC CCUIBufferedPaint::Begin(HFONT hFont)
+HDC CCUIBufferedPaint::Begin(HFONT hFont, HPALETTE hPalette)
 {
     RECT client = {};
     GetClientRect(m_hWnd, &client);
@@ -54,6 +55,12 @@ HDC CCUIBufferedPaint::Begin(HFONT hFont)
     m_bBegun = true;
     m_nSaved = SaveDC(m_hDC);
     LayOutAs(m_hDC, m_hTarget);
+    if (hPalette) {
+        m_hOldPalette = SelectPalette(m_hTarget, hPalette, FALSE);
+        RealizePalette(m_hTarget);
+        SelectPalette(m_hDC, hPalette, FALSE);
+        RealizePalette(m_hDC);
+    }
     SelectObject(m_hDC, hFont);
     SetBkMode(m_hDC, TRANSPARENT);
     return m_hDC;
@@ -65,6 +72,8 @@ CCUIBufferedPaint::~CCUIBufferedPaint()
         BitBlt(m_hTarget, m_rcArea.left, m_rcArea.top, CUIWidth(m_rcArea), CUIHeight(m_rcArea),
                m_hDC, m_rcArea.left, m_rcArea.top, SRCCOPY);
         RestoreDC(m_hDC, m_nSaved);  // the layout too
+        if (m_hOldPalette)
+            SelectPalette(m_hTarget, m_hOldPalette, TRUE);
         CUIGetOSDC()->ReleaseDC();
     }
     if (!m_hGiven)

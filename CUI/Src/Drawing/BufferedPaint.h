@@ -14,9 +14,9 @@ public:
     CCUIBufferedPaint(const CCUIBufferedPaint &) = delete;
     CCUIBufferedPaint &operator=(const CCUIBufferedPaint &) = delete;
 
-    // Gets the memory, with the font selected and a transparent background mode. What is set on it
-    // is undone at the end.
-    HDC Begin(HFONT hFont);
+    // Gets the memory, with the font selected and a transparent background mode; the palette, if
+    // any, is realised there and in the window. What is set on it is undone at the end.
+    HDC Begin(HFONT hFont, HPALETTE hPalette = nullptr);
     // The place of the picture, before Begin.
     HDC Target() const { return m_hTarget; }
     // What is to be painted.
@@ -28,6 +28,7 @@ private:
     HDC m_hGiven;
     HDC m_hTarget;
     HDC m_hDC;
+    HPALETTE m_hOldPalette;  // of the target; null: left alone
     int m_nSaved;
     bool m_bBegun;
     PAINTSTRUCT m_paint;

@@ -108,7 +108,8 @@ bool CCUIFrameDocks::TakesRoom(HWND hFrame, const CBar &bar)
     return IsBound(bar.pBar, bar.hWnd) && IsIn(hFrame, bar.hWnd) && IsShown(bar.hWnd);
 }
 
-void CCUIFrameDocks::Place(HWND hFrame, const CBar &bar, RECT &room, CCUIMoveBatch &moves)
+// By value: what it asks a bar may add another.
+void CCUIFrameDocks::Place(HWND hFrame, CBar bar, RECT &room, CCUIMoveBatch &moves)
 {
     if (!TakesRoom(hFrame, bar))
         return;

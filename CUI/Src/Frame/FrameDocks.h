@@ -43,7 +43,7 @@ private:
     };
 
     static bool TakesRoom(HWND hFrame, const CBar &bar);
-    static void Place(HWND hFrame, const CBar &bar, RECT &room, CCUIMoveBatch &moves);
+    static void Place(HWND hFrame, CBar bar, RECT &room, CCUIMoveBatch &moves);
     int FindBar(HWND hWnd) const;
 
     CCUArray<CBar> m_bars;

@@ -83,6 +83,10 @@ void CCUIFrameWindow::AcceptFiles(bool bAccept)
 
 void CCUIFrameWindow::OnDropFiles(HDROP hDrop)
 {
+    // Any program may send such a message; the system's function reads what is not there.
+    if (!GlobalLock(hDrop))
+        return;
+    GlobalUnlock(hDrop);
     if (!s_drop.Find()) {
         CUDump("Unable to list dropped files, gle: %lu\n", GetLastError());
         return;
@@ -102,8 +106,17 @@ void CCUIFrameWindow::OnFilesDropped(const CCUString *pFiles, int nFiles, const 
 {
     CWatch watch(this);
     BringToFront();
-    for (int i = 0; i < nFiles && !watch.IsGone(); ++i)
+    for (int i = 0; i < nFiles && !watch.IsGone() && MayOpen(pFiles[i]); ++i)
         OnOpenFile(pFiles[i]);
+}
+
+// Not under an open dialog, which may be about the document that there is.
+bool CCUIFrameWindow::MayOpen(const CCUString &sPath)
+{
+    if (!Exist() || IsWindowEnabled(m_hWnd))
+        return true;
+    CUDump("A dialog is open, so this file is not: %s\n", sPath.GetString());
+    return false;
 }
 
 void CCUIFrameWindow::OnOpenFile(const CCUString &) {}
@@ -115,7 +128,8 @@ void CCUIFrameWindow::OnCommandLine(const CCUString &sCommandLine, const CCUStri
     CCUString sArgument;
     TakeArgument(psz, sArgument);  // the program
     while (!watch.IsGone() && TakeArgument(psz, sArgument)) {
-        if (!sArgument.IsEmpty() && *sArgument != '/' && *sArgument != '-')
+        const bool bOption = *sArgument == '/' || *sArgument == '-';
+        if (!sArgument.IsEmpty() && !bOption && MayOpen(sArgument))
             OnOpenFile(CUIFullPath(sArgument, sFolder));
     }
 }

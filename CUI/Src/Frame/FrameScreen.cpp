@@ -54,7 +54,7 @@ void CCUIFrameWindow::KeepPlacement()
     if (m_sSection.IsEmpty() || !CUIOpenSettings(registry, m_sSection, false))
         return;
     WINDOWPLACEMENT placement = m_before;
-    if (!m_bFullScreen)
+    if (!m_bCovering)
         GetPlacement(m_hWnd, placement);
     CCUIPlacement kept = CUIPlacementOf(placement);
     kept.nDpi = ScreenDpi();
@@ -76,12 +76,22 @@ void CCUIFrameWindow::BringToFront()
     SetForegroundWindow(GetLastActivePopup(hWnd));
 }
 
+// What is asked for while the frame goes there or back follows afterwards.
 int CCUIFrameWindow::SetFullScreen(bool bFull)
 {
     if (!Exist())
         return 0;
-    if (bFull != m_bFullScreen)
-        bFull ? EnterFullScreen() : LeaveFullScreen();
+    m_bFullScreen = bFull;
+    if (m_bSwitching)
+        return 1;
+    CWatch watch(this);
+    m_bSwitching = true;
+    while (m_hWnd && m_bFullScreen != m_bCovering) {
+        m_bCovering ? LeaveFullScreen() : EnterFullScreen();
+        if (watch.IsGone())
+            return 1;
+    }
+    m_bSwitching = false;
     return 1;
 }
 
@@ -95,20 +105,30 @@ void CCUIFrameWindow::EnterFullScreen()
     GetPlacement(m_hWnd, m_before);
     m_hMenuBefore = ::GetMenu(m_hWnd);
     m_nStyleBefore = GetWindowLongA(m_hWnd, GWL_STYLE) & FRAME_STYLE;
-    m_bFullScreen = true;
+    m_bCovering = true;
     m_pDocks->ShowBars(false);
-    // Somebody may have gone back meanwhile.
-    if (watch.IsGone() || !m_bFullScreen)
+    if (!watch.IsGone() && m_bCovering)
+        OnFullScreen(true);
+    if (watch.IsGone() || !m_bCovering)
         return;
     const LONG nStyle = GetWindowLongA(m_hWnd, GWL_STYLE);
     SetWindowLongA(m_hWnd, GWL_STYLE, nStyle & ~(FRAME_STYLE | WS_MAXIMIZE));
     ::SetMenu(m_hWnd, nullptr);
-    if (!watch.IsGone() && m_bFullScreen)
+    if (!watch.IsGone() && m_bCovering)
         CoverScreen();
 }
 
 void CCUIFrameWindow::CoverScreen()
 {
+    if (IsIconic(m_hWnd)) {
+        WINDOWPLACEMENT placement;
+        GetPlacement(m_hWnd, placement);
+        CCUIPlacement restored = CUIPlacementOf(placement);
+        restored.rect = CUIScreenOf(restored.rect).all;
+        placement = CUIToShow(restored, SW_SHOWMINNOACTIVE);
+        SetWindowPlacement(m_hWnd, &placement);
+        return;
+    }
     RECT rect;
     GetWindowRect(m_hWnd, &rect);
     rect = CUIScreenOf(rect).all;
@@ -119,26 +139,31 @@ void CCUIFrameWindow::CoverScreen()
 void CCUIFrameWindow::LeaveFullScreen()
 {
     CWatch watch(this);
-    m_bFullScreen = false;
-    const HMENU hMenu = m_hMenuBefore;
-    m_hMenuBefore = nullptr;
-    if (!IsWindowVisible(m_hWnd))
+    const HWND hWnd = m_hWnd;
+    m_pDocks->ShowBars(true);
+    if (!watch.IsGone() && m_hWnd == hWnd)
+        OnFullScreen(false);
+    if (watch.IsGone() || m_hWnd != hWnd)
+        return;
+    if (!IsWindowVisible(hWnd))
         m_before.showCmd = SW_HIDE;
     const WINDOWPLACEMENT before = m_before;
-    const HWND hWnd = m_hWnd;
+    const HMENU hMenu = m_hMenuBefore;
+    m_bCovering = false;
+    m_hMenuBefore = nullptr;
     SetWindowLongA(hWnd, GWL_STYLE, GetWindowLongA(hWnd, GWL_STYLE) | m_nStyleBefore);
     ::SetMenu(hWnd, hMenu);
-    if (!watch.IsGone())
-        m_pDocks->ShowBars(true);
     SetWindowPos(hWnd, nullptr, 0, 0, 0, 0,
                  SWP_FRAMECHANGED | SWP_NOMOVE | SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
     SetWindowPlacement(hWnd, &before);
 }
 
+void CCUIFrameWindow::OnFullScreen(bool) {}
+
 void CCUIFrameWindow::OnDisplayChange(UINT nBitsPerPixel, int cx, int cy)
 {
     CWatch watch(this);
-    if (m_bFullScreen)
+    if (m_bCovering)
         CoverScreen();
     if (!watch.IsGone() && m_hWnd)
         CCUIWindow::OnDisplayChange(nBitsPerPixel, cx, cy);
@@ -146,7 +171,7 @@ void CCUIFrameWindow::OnDisplayChange(UINT nBitsPerPixel, int cx, int cy)
 
 void CCUIFrameWindow::OnDpiChanged(UINT, const RECT *pSuggested)
 {
-    if (m_bFullScreen)
+    if (m_bCovering)
         CoverScreen();
     else if (pSuggested)
         SetWindowPos(m_hWnd, nullptr, pSuggested->left, pSuggested->top, CUIWidth(*pSuggested),

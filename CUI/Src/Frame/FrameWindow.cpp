@@ -3,6 +3,7 @@
 #include "CUI/FrameWindow.h"
 
 #include "Base/Array.h"
+#include "Base/GdiGuards.h"
 #include "CU/Assert.h"
 #include "CUI/Control.h"
 #include "CUI/ControlBar.h"
@@ -27,6 +28,29 @@ bool IsKey(UINT message)
     return message >= WM_KEYFIRST && message <= WM_KEYLAST;
 }
 
+// Whether the screen has one. All others send the messages of palettes, too.
+bool HasPalette()
+{
+    const CCUIWindowDC screen(nullptr);
+    return (GetDeviceCaps(screen, RASTERCAPS) & RC_PALETTE) != 0;
+}
+
+// The first window inside that has a palette gets the one in front.
+BOOL CALLBACK OfferPaletteTo(HWND hWnd, LPARAM lParam)
+{
+    auto &bTaken = *reinterpret_cast<bool *>(lParam);
+    bTaken = SendMessageA(hWnd, WM_QUERYNEWPALETTE, 0, 0) != 0;
+    return !bTaken;
+}
+
+bool OfferPalette(HWND hFrame)
+{
+    bool bTaken = false;
+    if (HasPalette())
+        EnumChildWindows(hFrame, OfferPaletteTo, reinterpret_cast<LPARAM>(&bTaken));
+    return bTaken;
+}
+
 bool CanFocus(HWND hFrame, HWND hWnd)
 {
     return hWnd && IsChild(hFrame, hWnd) && IsWindowVisible(hWnd) && IsWindowEnabled(hWnd);
@@ -43,6 +67,8 @@ CCUIFrameWindow::CCUIFrameWindow()
       m_hFocus(nullptr),
       m_bModified(false),
       m_bFullScreen(false),
+      m_bCovering(false),
+      m_bSwitching(false),
       m_bAsking(false),
       m_bLayingOut(false),
       m_bLayOutAgain(false)
@@ -119,6 +145,7 @@ void CCUIFrameWindow::End()
         DestroyMenu(m_hMenuBefore);
     m_hMenuBefore = nullptr;
     m_bFullScreen = false;
+    m_bCovering = false;
     m_hFocus = nullptr;
     if (s_pMainFrame == this) {
         s_pMainFrame = nullptr;
@@ -161,19 +188,21 @@ int CCUIFrameWindow::OnQueryEndSession(UINT)
     return Ask();
 }
 
-// The process may be ended before the window is destroyed.
+// The process may be ended before its windows are destroyed: what is kept at their end would not
+// be.
 void CCUIFrameWindow::OnEndSession(int bEnding, UINT nReason)
 {
     if (bEnding)
-        KeepPlacement();
-    CCUIWindow::OnEndSession(bEnding, nReason);
+        Destroy();
+    else
+        CCUIWindow::OnEndSession(bEnding, nReason);
 }
 
 // --- Menu and keys ---
 
 HMENU CCUIFrameWindow::GetMenu() const
 {
-    return m_bFullScreen ? m_hMenuBefore : ::GetMenu(m_hWnd);
+    return m_bCovering ? m_hMenuBefore : ::GetMenu(m_hWnd);
 }
 
 int CCUIFrameWindow::SetMenu(HMENU hMenu)
@@ -181,7 +210,7 @@ int CCUIFrameWindow::SetMenu(HMENU hMenu)
     if (!Exist())
         return 0;
     const HMENU hOld = GetMenu();
-    if (m_bFullScreen)
+    if (m_bCovering)
         m_hMenuBefore = hMenu;
     else if (!::SetMenu(m_hWnd, hMenu))
         return 0;
@@ -339,10 +368,15 @@ void CCUIFrameWindow::OnSize(UINT nType, int cx, int cy)
 
 long CCUIFrameWindow::OnMessage(UINT message, WPARAM wParam, LPARAM lParam)
 {
-    if (message != CUI_WM_LAYOUT)
-        return CCUIWindow::OnMessage(message, wParam, lParam);
-    Layout();
-    return 0;
+    switch (message) {
+    case CUI_WM_LAYOUT: Layout(); return 0;
+    case WM_QUERYNEWPALETTE: return OfferPalette(m_hWnd);
+    case WM_PALETTECHANGED:
+        if (HasPalette())
+            SendMessageToDescendants(m_hWnd, message, wParam, lParam, nullptr);
+        return 0;
+    default: return CCUIWindow::OnMessage(message, wParam, lParam);
+    }
 }
 
 void CCUIFrameWindow::OnParentNotify(UINT nEvent, UINT nID, LPARAM lParam)

@@ -12,6 +12,13 @@
 
 #define CU_SOURCE "StatusBar"
 
+namespace {
+
+// No window is wider; sums of sizes and weights stay in an int.
+const int MOST_SIZE = 32767;
+
+}  // namespace
+
 CCUIStatusBar::CCUIStatusBar() : m_pPanes(new CCUIStatusPanes), m_bHelp(false), m_bGrip(false)
 {
     CCUIStatusBar::AddPane(CUI_PANE_STRETCH, 1);
@@ -58,7 +65,7 @@ void CCUIStatusBar::SetPaneWidth(int nPane, CUIPaneWidth width, int nSize)
         return;
     const int nLeast = width == CUI_PANE_STRETCH ? 1 : 0;
     pPane->width = width;
-    pPane->nSize = nSize < nLeast ? nLeast : nSize;
+    pPane->nSize = nSize < nLeast ? nLeast : nSize > MOST_SIZE ? MOST_SIZE : nSize;
     Layout();
 }
 

@@ -1,9 +1,12 @@
 #include "CUI/Window.h"
 
+#include "Base/Wrap.h"
 #include "CU/Dump.h"
+#include "CU/String.h"
 #include "CUI/Menu.h"
 #include "Window/WindowBinding.h"
 #include "Window/WindowHookList.h"
+#include "Window/WindowText.h"
 #include "Window/WindowThread.h"
 
 namespace {
@@ -168,4 +171,86 @@ int CCUIWindow::SendMessageToDescendants(HWND hWnd, UINT message, WPARAM wParam,
     const CSending sending = {message, wParam, lParam, pnSent};
     EnumChildWindows(hWnd, SendToDescendant, reinterpret_cast<LPARAM>(&sending));
     return 1;
+}
+
+// --- What programs do daily ---
+
+void CCUIWindow::Show(bool bShow)
+{
+    ShowWindow(m_hWnd, bShow ? SW_SHOW : SW_HIDE);
+}
+
+bool CCUIWindow::IsShown() const
+{
+    return (GetWindowLongA(m_hWnd, GWL_STYLE) & WS_VISIBLE) != 0;
+}
+
+void CCUIWindow::Enable(bool bEnable)
+{
+    EnableWindow(m_hWnd, bEnable);
+}
+
+bool CCUIWindow::IsEnabled() const
+{
+    return IsWindowEnabled(m_hWnd) != 0;
+}
+
+void CCUIWindow::Focus()
+{
+    if (m_hWnd)
+        SetFocus(m_hWnd);
+}
+
+bool CCUIWindow::HasFocus() const
+{
+    return m_hWnd && GetFocus() == m_hWnd;
+}
+
+void CCUIWindow::SetText(const char *pszText)
+{
+    SetWindowTextA(m_hWnd, pszText ? pszText : "");
+}
+
+CCUString CUIWindowText(HWND hWnd)
+{
+    CCUString sText;
+    const int nLength = GetWindowTextLengthA(hWnd);
+    if (nLength > 0) {
+        GetWindowTextA(hWnd, sText.GetBuffer(nLength), nLength + 1);
+        sText.ReleaseBuffer();
+    }
+    return sText;
+}
+
+CCUString CCUIWindow::GetText() const
+{
+    return CUIWindowText(m_hWnd);
+}
+
+RECT CCUIWindow::GetPlace() const
+{
+    RECT rect = {0, 0, 0, 0};
+    GetWindowRect(m_hWnd, &rect);
+    if (GetWindowLongA(m_hWnd, GWL_STYLE) & WS_CHILD)
+        MapWindowPoints(nullptr, GetParent(m_hWnd), reinterpret_cast<POINT *>(&rect), 2);
+    return rect;
+}
+
+void CCUIWindow::Move(const RECT &place)
+{
+    SetWindowPos(m_hWnd, nullptr, place.left, place.top, CUIWidth(place), CUIHeight(place),
+                 SWP_NOZORDER | SWP_NOACTIVATE);
+}
+
+RECT CCUIWindow::GetClientArea() const
+{
+    RECT rect = {0, 0, 0, 0};
+    GetClientRect(m_hWnd, &rect);
+    return rect;
+}
+
+void CCUIWindow::Invalidate(const RECT *prc)
+{
+    if (m_hWnd)
+        InvalidateRect(m_hWnd, prc, TRUE);
 }
