@@ -1,21 +1,28 @@
 #pragma once
 
+#include <atomic>
+
+#include "Base/Compiler.h"
 #include "CU/Platform.h"
 
 // All that threads share without a lock goes by this header: what is read and written here, what is
 // changed in one step by the system's Interlocked functions.
 
 // Whoever reads a value sees all that its writer has written before. On this processor both are
-// plain moves; the compiler keeps their order. Always inline: a call would be longer than the move.
+// plain moves, and the fences are for the compiler, which keeps their order. Always inline: a call
+// would be longer than the move.
 template <typename T>
-__attribute__((always_inline)) inline T CULoadAcquire(const volatile T &place)
+CU_ALWAYS_INLINE T CULoadAcquire(const volatile T &place)
 {
-    return __atomic_load_n(&place, __ATOMIC_ACQUIRE);
+    const T value = place;
+    std::atomic_thread_fence(std::memory_order_acquire);
+    return value;
 }
 template <typename T>
-__attribute__((always_inline)) inline void CUStoreRelease(volatile T &place, T value)
+CU_ALWAYS_INLINE void CUStoreRelease(volatile T &place, T value)
 {
-    __atomic_store_n(&place, value, __ATOMIC_RELEASE);
+    std::atomic_thread_fence(std::memory_order_release);
+    place = value;
 }
 
 // A word that is written by one thread at a time and read by all: no plain access slips in.
@@ -27,8 +34,8 @@ public:
     CCUAtomic(const CCUAtomic &) = delete;
     CCUAtomic &operator=(const CCUAtomic &) = delete;
 
-    __attribute__((always_inline)) T Get() const { return CULoadAcquire(m_value); }
-    __attribute__((always_inline)) void Set(T value) { CUStoreRelease(m_value, value); }
+    CU_ALWAYS_INLINE T Get() const { return CULoadAcquire(m_value); }
+    CU_ALWAYS_INLINE void Set(T value) { CUStoreRelease(m_value, value); }
 
 private:
     T m_value;
@@ -42,7 +49,7 @@ enum CUOnceState : LONG
 };
 
 // True for the thread that is to do the work; the others come back when it is done.
-__attribute__((noinline)) inline bool CUBeginOnce(volatile LONG &nState)
+CU_NOINLINE inline bool CUBeginOnce(volatile LONG &nState)
 {
     if (InterlockedCompareExchange(&nState, CUOnceRunning, CUOnceUntouched) == CUOnceUntouched)
         return true;

@@ -3,6 +3,7 @@
 #include "CU/Platform.h"
 
 #include "Base/Atomic.h"
+#include "Base/Compiler.h"
 
 // The two kinds of locks. CCULazyLock is waited for and may be taken again by the thread that has
 // it; CCUTryLock is for caches, where nobody needs to wait.
@@ -36,7 +37,7 @@ public:
     }
 
 private:
-    __attribute__((noinline)) void Make()
+    CU_NOINLINE void Make()
     {
         InitializeCriticalSection(&m_section);
         if (!m_bListed) {

@@ -4,6 +4,7 @@
 
 #include <mmsystem.h>
 
+#include "Base/Compiler.h"
 #include "Base/Lifetime.h"
 
 extern "C" IMAGE_DOS_HEADER __ImageBase;  // NOLINT(readability-identifier-naming): the linker's
@@ -24,7 +25,7 @@ inline HINSTANCE CUInstance()
 // thread. (The system does, in DestroyWindow, when the window's parent or children belong to one.)
 
 #if defined(CU_MODULE)
-#define CU_UNLOAD __attribute__((weak))
+#define CU_UNLOAD CU_WEAK
 #else
 #define CU_UNLOAD
 #endif
@@ -62,8 +63,8 @@ void CUUnloadWindow(HWND hWnd);
 // In a module, the callback for multimedia timers that posts uMessage with the timer's identifier
 // to the window that is its user data. It stands outside of the module. Null when it cannot be had.
 // In a program there is no such function.
-#if !defined(CU_MODULE)
-__attribute__((weak))
+#if defined(CU_MODULE)
+LPTIMECALLBACK CUModuleTimerCallback(UINT uMessage);
+#else
+CU_WEAK LPTIMECALLBACK CUModuleTimerCallback(UINT uMessage);
 #endif
-LPTIMECALLBACK
-CUModuleTimerCallback(UINT uMessage);

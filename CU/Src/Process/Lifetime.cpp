@@ -4,6 +4,7 @@
 
 #include <stdlib.h>
 
+#include "Base/Sections.h"
 #include "CU/CU.h"
 
 CUModuleEnd g_moduleEnd = CUModuleStays;
@@ -35,14 +36,15 @@ void RunLastCalls()
     }
 }
 
-// Runs before the constructors of all statics: the first function to be registered is called behind
-// the destructors of them all.
-__attribute__((constructor(101))) void RegisterLastCalls()
+// The first function to be registered is called behind the destructors of all statics.
+void RegisterLastCalls()
 {
     atexit(RunLastCalls);
 }
 
 }  // namespace
+
+CU_BEFORE_STATICS(g_CURegisterLastCalls, RegisterLastCalls)
 
 void CUAtLast(CCULastCall &call, void (*function)(CCULastCall &call))
 {

@@ -33,11 +33,14 @@ void FreeKept(CCULastCall &)
 // The thread that starts the program keeps string blocks; later nobody could tell which one that
 // is. A program that defines its own operators is linked without this source: no block is kept
 // there, and its operators see each one come and go.
-__attribute__((constructor)) void Keep()
+const struct CKeeper
 {
-    CUKeepStringBlocks();
-    CUAtLast(s_lastCall, FreeKept);
-}
+    CKeeper()
+    {
+        CUKeepStringBlocks();
+        CUAtLast(s_lastCall, FreeKept);
+    }
+} KEEPER;
 
 }  // namespace
 

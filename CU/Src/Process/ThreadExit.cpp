@@ -3,6 +3,7 @@
 #include "Base/Atomic.h"
 #include "Base/Lock.h"
 #include "Base/Module.h"
+#include "Base/Sections.h"
 #include "CU/CU.h"
 #include "Process/ThreadExit.h"
 
@@ -185,12 +186,7 @@ bool CURegisterThreadExitHandler(CCUThreadExitHandler *pHandler)
     return CCUThreadExitList::Add(pHandler);
 }
 
-// The linker collects the loader's callbacks from this section.
-extern "C" {
-extern const PIMAGE_TLS_CALLBACK g_CUThreadEndCallback;
-__attribute__((section(".CRT$XLD"), used)) const PIMAGE_TLS_CALLBACK g_CUThreadEndCallback =
-    OnLoaderNotice;
-}
+CU_LOADER_CALLBACK(g_CUThreadEndCallback, OnLoaderNotice)
 
 // Windows XP and before do not tell the loader's callbacks of modules that came after the start.
 void CUModuleThreadEnd()

@@ -2,6 +2,7 @@
 
 #include <string.h>
 
+#include "Base/Compiler.h"
 #include "Base/Lock.h"
 #include "Base/SystemLibrary.h"
 #include "Report/FaultGuard.h"
@@ -82,7 +83,7 @@ DWORD WINAPI TranslateAddress(HANDLE, HANDLE, LPADDRESS address)
 
 bool HasEnoughStack()
 {
-    const char *const here = static_cast<const char *>(__builtin_frame_address(0));
+    const char *const here = reinterpret_cast<const char *>(CU_FRAME_ADDRESS());
     MEMORY_BASIC_INFORMATION memory;
     return VirtualQuery(here, &memory, sizeof memory) &&
            here - static_cast<const char *>(memory.AllocationBase) >= STACK_FOR_LIBRARY;

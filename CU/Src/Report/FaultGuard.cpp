@@ -1,6 +1,40 @@
 #include "Report/FaultGuard.h"
 
+#include "Base/Compiler.h"
 #include "CU/Platform.h"
+
+namespace {
+
+// A stack overflow uses up the guard page that tells of it; another one would end the process at
+// once. Systems before Windows XP have no function that puts the page back.
+void RestoreStackGuard()
+{
+    typedef int __cdecl ResetFunction();
+    const HMODULE hLibrary = GetModuleHandleA("msvcrt.dll");
+    if (const FARPROC reset = GetProcAddress(hLibrary, "_resetstkoflw"))
+        reinterpret_cast<ResetFunction *>(reset)();
+}
+
+}  // namespace
+
+#if defined(_MSC_VER)
+
+CU_NOINLINE bool CUCallGuarded(void (*call)(void *), void *argument)
+{
+    DWORD dwCode = 0;
+    __try
+    {
+        call(argument);
+        return true;
+    } __except (dwCode = GetExceptionCode(), EXCEPTION_EXECUTE_HANDLER)
+    {
+    }
+    if (dwCode == static_cast<DWORD>(EXCEPTION_STACK_OVERFLOW))
+        RestoreStackGuard();
+    return false;
+}
+
+#else
 
 namespace {
 
@@ -57,19 +91,9 @@ EXCEPTION_DISPOSITION __cdecl OnException(EXCEPTION_RECORD *record, void *frame,
     __builtin_longjmp(guard->state, 1);
 }
 
-// A stack overflow uses up the guard page that tells of it; another one would end the process at
-// once. Systems before Windows XP have no function that puts the page back.
-void RestoreStackGuard()
-{
-    typedef int __cdecl ResetFunction();
-    const HMODULE hLibrary = GetModuleHandleA("msvcrt.dll");
-    if (const FARPROC reset = GetProcAddress(hLibrary, "_resetstkoflw"))
-        reinterpret_cast<ResetFunction *>(reset)();
-}
-
 }  // namespace
 
-__attribute__((noinline)) bool CUCallGuarded(void (*call)(void *), void *argument)
+CU_NOINLINE bool CUCallGuarded(void (*call)(void *), void *argument)
 {
     CGuard guard;
     guard.record.Next = FirstHandler();
@@ -87,3 +111,5 @@ __attribute__((noinline)) bool CUCallGuarded(void (*call)(void *), void *argumen
         RestoreStackGuard();
     return false;
 }
+
+#endif

@@ -4,6 +4,7 @@
 #include <stdio.h>
 #include <string.h>
 
+#include "Base/Compiler.h"
 #include "Base/KeepLastError.h"
 #include "Base/Lock.h"
 #include "Process/ThreadExit.h"
@@ -205,7 +206,7 @@ int CUFormatStack(const CCUStackAddresses &stack, char *buffer, unsigned int siz
     return nLines;
 }
 
-__attribute__((noinline)) int CUGetStackTrace(HANDLE hThread, char *buffer, unsigned int size)
+CU_NOINLINE int CUGetStackTrace(HANDLE hThread, char *buffer, unsigned int size)
 {
     const CCUKeepLastError keepLastError;
     CCUStackAddresses stack = {};
@@ -215,10 +216,10 @@ __attribute__((noinline)) int CUGetStackTrace(HANDLE hThread, char *buffer, unsi
     if (!bUnknown && IsCallingThread(hThread)) {
         // From where the thread will stand when this function has returned.
         CONTEXT context = {};
-        const DWORD dwFrame = reinterpret_cast<DWORD>(__builtin_frame_address(0));
-        context.Eip = reinterpret_cast<DWORD>(__builtin_return_address(0));
-        context.Ebp = *reinterpret_cast<const DWORD *>(dwFrame);
-        context.Esp = dwFrame + 2 * sizeof(DWORD);
+        void *const *const frame = CU_FRAME_ADDRESS();
+        context.Ebp = reinterpret_cast<DWORD>(frame[0]);
+        context.Eip = reinterpret_cast<DWORD>(frame[1]);
+        context.Esp = reinterpret_cast<DWORD>(frame + 2);
         CUWalkStack(hThread, context, stack);
     } else if (!bUnknown) {
         WalkOtherThread(hThread, stack);

@@ -5,6 +5,8 @@
 #include <limits.h>
 #include <string.h>
 
+#include "Base/Compiler.h"
+
 inline const char *CUOrEmpty(const char *psz)
 {
     return psz ? psz : "";
@@ -53,7 +55,7 @@ inline int CUToLength(long long nLength)
 inline int CUSum(int n1, int n2)
 {
     int nSum = 0;
-    if (__builtin_add_overflow(n1, n2, &nSum))
+    if (CUAddOverflows(n1, n2, nSum))
         return n1 < 0 ? INT_MIN : INT_MAX;
     return nSum;
 }

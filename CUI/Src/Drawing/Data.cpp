@@ -228,10 +228,10 @@ struct CProcessData : CUIData
 CCUShared<CProcessData> s_data;
 
 // With the colours and settings of the program's start.
-__attribute__((constructor)) void MakeAtStart()
+const struct CMaker
 {
-    s_data.Get();
-}
+    CMaker() { s_data.Get(); }
+} MAKER;
 
 }  // namespace
 

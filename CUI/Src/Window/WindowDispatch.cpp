@@ -1,6 +1,7 @@
 // The way of a message, from top to bottom: the window procedure, the window's object, the object's
 // hooks, the message table, the base handlers, default processing.
 
+#include "Base/Compiler.h"
 #include "CU/Assert.h"
 #include "CUI/Menu.h"
 #include "Menu/MenuHooks.h"
@@ -12,7 +13,7 @@
 #define CU_SOURCE "Window"
 
 // What all the base handlers call: a copy in each would only make the program larger.
-#define CUI_OUT_OF_LINE __attribute__((noinline))
+#define CUI_OUT_OF_LINE CU_NOINLINE
 
 CCUIWindow::CWatch::CWatch(CCUIWindow *pWindow) : m_pWindow(pWindow), m_pNext(pWindow->m_pWatch)
 {
