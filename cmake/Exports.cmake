@@ -2,8 +2,8 @@
 # no program can name, held against the list AutoRun/exports.txt.
 
 find_program(AUTORUN_PYTHON python3 REQUIRED)
-set(AUTORUN_EXPORTS_TOOL ${CMAKE_SOURCE_DIR}/Tools/exports.py)
-set(AUTORUN_EXPORTS_LIST ${CMAKE_SOURCE_DIR}/AutoRun/exports.txt)
+set(AUTORUN_EXPORTS_TOOL ${AutoRun_SOURCE_DIR}/Tools/exports.py)
+set(AUTORUN_EXPORTS_LIST ${AutoRun_SOURCE_DIR}/AutoRun/exports.txt)
 
 # autorun_note_exports(LIBRARY): LIBRARY is compiled with <LIBRARY>_EXPORTS; what the compiler notes of
 # it moves from the library to a file beside it, so that a program linked with the library exports
@@ -24,8 +24,8 @@ endfunction()
 
 # autorun_find_hidden_members(): what the headers mark and no program can name goes to the file `hidden`.
 function(autorun_find_hidden_members)
-  set(tool ${CMAKE_SOURCE_DIR}/Tools/hidden_members.py)
-  set(folders ${CMAKE_SOURCE_DIR}/CU/Include ${CMAKE_SOURCE_DIR}/CUI/Include)
+  set(tool ${AutoRun_SOURCE_DIR}/Tools/hidden_members.py)
+  set(folders ${AutoRun_SOURCE_DIR}/CU/Include ${AutoRun_SOURCE_DIR}/CUI/Include)
   list(TRANSFORM folders APPEND /*.h OUTPUT_VARIABLE patterns)
   file(GLOB_RECURSE headers CONFIGURE_DEPENDS ${patterns})
   set(hidden ${CMAKE_CURRENT_BINARY_DIR}/hidden.txt)
@@ -69,7 +69,7 @@ function(autorun_make_import_library program)
   target_compile_definitions(${program} INTERFACE CU_IMPORTS CUI_IMPORTS)
   foreach(library CU CUI)
     target_include_directories(${program} INTERFACE
-      $<BUILD_INTERFACE:${CMAKE_SOURCE_DIR}/${library}/Include>)
+      $<BUILD_INTERFACE:${AutoRun_SOURCE_DIR}/${library}/Include>)
   endforeach()
   add_custom_command(TARGET ${program} POST_BUILD
     COMMAND ${CMAKE_DLLTOOL} --deterministic-libraries --temp-prefix ${program}

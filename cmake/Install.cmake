@@ -3,16 +3,27 @@
 include(CMakePackageConfigHelpers)
 
 set(package_dir lib/cmake/AutoRun)
-target_compile_definitions(AutoRun INTERFACE ${autorun_system})
-install(TARGETS CU CUI AutoRun EXPORT AutoRun
-  RUNTIME DESTINATION bin
-  ARCHIVE DESTINATION lib
-  INCLUDES DESTINATION include)
+set(where RUNTIME DESTINATION bin ARCHIVE DESTINATION lib INCLUDES DESTINATION include)
+# A build of the framework alone, for another configuration, may be installed into the same folder.
+install(TARGETS CU CUI EXPORT AutoRunFramework ${where})
+install(EXPORT AutoRunFramework NAMESPACE AutoRun:: DESTINATION ${package_dir})
+if(AUTORUN_LAUNCHER)
+  target_compile_definitions(AutoRun INTERFACE ${autorun_system})
+  install(TARGETS AutoRun EXPORT AutoRunLauncher ${where})
+  install(EXPORT AutoRunLauncher NAMESPACE AutoRun:: DESTINATION ${package_dir})
+endif()
 install(DIRECTORY CU/Include/CU CUI/Include/CUI DESTINATION include)
-install(EXPORT AutoRun FILE AutoRunConfig.cmake NAMESPACE AutoRun:: DESTINATION ${package_dir})
-# Another minor version may have other classes, and with them other decorated names.
-write_basic_package_version_file(AutoRunConfigVersion.cmake COMPATIBILITY SameMinorVersion)
-install(FILES ${CMAKE_CURRENT_BINARY_DIR}/AutoRunConfigVersion.cmake DESTINATION ${package_dir})
+# Another minor version may have other classes, and with them other decorated names. What is wrong with
+# a 64-bit compiler the package says itself.
+write_basic_package_version_file(AutoRunConfigVersion.cmake
+  COMPATIBILITY SameMinorVersion ARCH_INDEPENDENT)
+install(FILES cmake/AutoRunConfig.cmake cmake/CheckCompiler.cmake
+  ${CMAKE_CURRENT_BINARY_DIR}/AutoRunConfigVersion.cmake DESTINATION ${package_dir})
+
+# The sources, for those who build them with their own project.
+install(DIRECTORY Base CU CUI DESTINATION src)
+install(FILES CMakeLists.txt DESTINATION src)
+install(FILES cmake/CheckCompiler.cmake cmake/Options.cmake DESTINATION src/cmake)
 
 set(doc_dir share/doc/AutoRun)
 install(FILES Docs/Framework.md DESTINATION ${doc_dir} RENAME README.md)

@@ -35,6 +35,10 @@ class Package(unittest.TestCase):
         self.clang = ("clang++", "--target=i686-w64-windows-gnu", *(
             f"-isystem{library}{part}" for part in ("", "/i686-w64-mingw32", "/backward")))
 
+    def configure(self, source, build, *options):
+        output_of("cmake", "-S", source, "-B", build, "-G", "Ninja", "-DCMAKE_SYSTEM_NAME=Windows",
+                  f"-DCMAKE_CXX_COMPILER={self.gcc[0]}", f"-DCMAKE_PREFIX_PATH={self.tree}", *options)
+
     def test_program(self):
         """The page leads to programs that work."""
         page = (self.tree / "share/doc/AutoRun/README.md").read_text()
@@ -84,6 +88,23 @@ class Package(unittest.TestCase):
         headers = sorted((self.tree / "include").rglob("*.h"))
         sources = [((*self.clang, "-std=c++14"), [header]) for header in headers]
         sources.append(((*self.gcc, "-std=c++20", "-DUNICODE", "-D_UNICODE"), headers[::-1]))
+        # What Visual Studio's compiler would read. The system's headers here are not its own, and so
+        # come before, as for GCC, and with their warnings and errors left out.
+        prelude = self.folder / "prelude.h"
+        system = set(re.findall("#include <.*>", "".join(path.read_text() for path in headers)))
+        prelude.write_text("#define WIN32_LEAN_AND_MEAN\n#define _X86_\n#include <windows.h>\n" +
+                           "\n".join(sorted(system)) + "\n#define __attribute__(words) of_gnu\n" +
+                           "".join(f"#undef __{name}__\n" for name in ("GNUC", "clang")))
+        windows_only = ("clang++", "--target=i686-pc-windows-msvc", "-fgnuc-version=12.2", "-nostdinc",
+                        "-DWINVER=0x0400", "-D_WIN32_WINNT=0x0400", "-DNOMINMAX", "-std=c++17",
+                        *(f"-isystem{folder}" for folder in (
+                            output_of("clang", "-print-resource-dir").strip() + "/include",
+                            "/usr/i686-w64-mingw32/include")), "-include", prelude)
+        said = subprocess.run(
+            [*windows_only, "-I", self.tree / "include", "-fsyntax-only", "-ferror-limit=0",
+             *WARNINGS, "-xc++", "-"], text=True, capture_output=True, check=False,
+            input="".join(f'#include "{header}"\n' for header in headers)).stderr
+        self.assertNotRegex(said, re.escape(str(self.tree)) + ".*: (error|warning)")
 
         def compile_source(source):
             output_of(*source[0], "-I", self.tree / "include", "-fsyntax-only", *WARNINGS,
