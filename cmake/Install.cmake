@@ -10,6 +10,7 @@ install(EXPORT AutoRunFramework NAMESPACE AutoRun:: DESTINATION ${package_dir})
 if(AUTORUN_LAUNCHER)
   target_compile_definitions(AutoRun INTERFACE ${autorun_system})
   install(TARGETS AutoRun EXPORT AutoRunLauncher ${where})
+  install(FILES $<TARGET_FILE_DIR:AutoRun>/AutoRun.map DESTINATION bin)
   install(EXPORT AutoRunLauncher NAMESPACE AutoRun:: DESTINATION ${package_dir})
 endif()
 install(DIRECTORY CU/Include/CU CUI/Include/CUI DESTINATION include)
@@ -24,6 +25,9 @@ install(FILES cmake/AutoRunConfig.cmake cmake/CheckCompiler.cmake
 install(DIRECTORY Base CU CUI DESTINATION src)
 install(FILES CMakeLists.txt DESTINATION src)
 install(FILES cmake/CheckCompiler.cmake cmake/Options.cmake DESTINATION src/cmake)
+
+# What debuggers show of its classes.
+install(DIRECTORY Tools/debugging/ DESTINATION share/AutoRun)
 
 set(doc_dir share/doc/AutoRun)
 install(FILES Docs/Framework.md DESTINATION ${doc_dir} RENAME README.md)
