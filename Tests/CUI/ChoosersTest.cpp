@@ -170,9 +170,12 @@ TEST(Choosers, GiveWhatTheUserChooses)
     EXPECT_FALSE(CUIChooseSaveFile(&cancel, sPath));
     EXPECT_EQ(DWORD(ERROR_CANCELLED), GetLastError());
     EXPECT_TRUE(IsWindowEnabled(cancel));
-    sPath = folder.c_str();
+    // One beside which no other test makes or deletes folders, while the chooser lists them.
+    char szSystem[MAX_PATH] = "";
+    GetSystemDirectoryA(szSystem, MAX_PATH);
+    sPath = szSystem;
     EXPECT_TRUE(CUIChooseFolder(&browse, sPath, "Where to?"));
-    EXPECT_EQ(0, sPath.CompareNoCase(folder.c_str()));
+    EXPECT_EQ(0, sPath.CompareNoCase(szSystem)) << sPath;
     COLORREF crText = RGB(255, 0, 0);
     LOGFONTA font = {};
     strcpy(font.lfFaceName, "Liberation Sans");
