@@ -38,3 +38,6 @@
 #define IDS_RUN_ICON_POS 37
 #define IDS_SETUP_ICON_POS 38
 #define IDS_EXIT_ICON_POS 39
+
+// Of the disc: the launcher does not read it.
+#define IDS_DISC_LABEL 40

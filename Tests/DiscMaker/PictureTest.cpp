@@ -126,7 +126,7 @@ TEST(Picture, ShowsWhatIsUnderTransparency)
 TEST(Picture, ImportsPng)
 {
     const CTemporaryDirectory folder;
-    const CCUString sPath = (folder.Path() + "\a.bmp").c_str();
+    const CCUString sPath = (folder.Path() + "\\a.bmp").c_str();
     const BYTE png[] = {137, 80,  78,  71,  13,  10,  26,  10, 0,  0,  0,   13,  73,  72, 68,
                         82,  0,   0,   0,   2,   0,   0,   0,  1,  8,  6,   0,   0,   0,  244,
                         34,  127, 138, 0,   0,   0,   17,  73, 68, 65, 84,  120, 218, 99, 224,

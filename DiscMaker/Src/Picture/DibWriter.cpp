@@ -1,5 +1,6 @@
 #include "Picture/DibWriter.h"
 
+#include <limits.h>
 #include <string.h>
 
 #include <algorithm>
@@ -132,7 +133,7 @@ CBlob WriteDib(const CPixels &pixels)
 
 CBlob WriteBmp(const CBlob &dib)
 {
-    if (!dib || dib->size() < sizeof(BITMAPCOREHEADER) || dib->size() > MAXLONG / 2)
+    if (!dib || dib->size() < sizeof(BITMAPCOREHEADER) || dib->size() > LONG_MAX / 2)
         return nullptr;
     BITMAPFILEHEADER header = {};
     header.bfType = 0x4D42;  // "BM"

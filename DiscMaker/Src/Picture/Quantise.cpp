@@ -1,5 +1,7 @@
 #include "Picture/Quantise.h"
 
+#include <limits.h>
+
 #include <algorithm>
 
 namespace {
@@ -130,7 +132,7 @@ int Distance(DWORD nColor, int nRed, int nGreen, int nBlue)
 size_t FindNearest(const std::vector<DWORD> &colors, int nRed, int nGreen, int nBlue)
 {
     size_t nNearest = 0;
-    int nLeast = MAXLONG;
+    int nLeast = LONG_MAX;
     for (size_t i = 0; i < colors.size(); ++i) {
         const int nDistance = Distance(colors[i], nRed, nGreen, nBlue);
         if (nDistance < nLeast) {
