@@ -8,7 +8,7 @@
 #define IDD_DISC 103
 #define IDB_TOOLS 104
 #define IDB_LARGE_TOOLS 105
-#define IDI_DISC_MAKER 1
+#define IDI_DISC_MAKER 1014
 
 #define ID_NEW 1000
 #define ID_OPEN 1001

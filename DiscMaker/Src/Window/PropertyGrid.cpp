@@ -181,7 +181,8 @@ void CPropertyGrid::Rearrange()
 void CPropertyGrid::OnSize(UINT nType, int cx, int cy)
 {
     CCUIControlWindow::OnSize(nType, cx, cy);
-    m_cxNames = std::max(LEAST_COLUMN, std::min(m_cxNames, cx - LEAST_COLUMN));
+    if (cx > 2 * LEAST_COLUMN)
+        m_cxNames = std::min(m_cxNames, cx - LEAST_COLUMN);
     Rearrange();
     InvalidateRect(m_hWnd, nullptr, FALSE);
 }
@@ -285,6 +286,7 @@ void CPropertyGrid::SelectRow(int nRow)
 
 void CPropertyGrid::FocusEditor()
 {
+    m_document.Seal();
     SetFocus(m_edit);
     m_edit.SetSelection(0, -1);
 }
