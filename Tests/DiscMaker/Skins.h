@@ -52,7 +52,7 @@ inline CSkin GoodSkin()
     for (const auto &text : texts)
         skin.m_texts[0].m_entries[text.m_nID] = CWideText(text.m_pszText, 1252);
     skin.m_pictures[PictureBackground] = TestPictureBlob(514, 345, MakePixel(240, 240, 220));
-    skin.m_pictures[PictureProduct] = TestPictureBlob(100, 50, MakePixel(250, 240, 240));
+    skin.m_pictures[PictureProduct] = TestPictureBlob(100, 50, MakePixel(250, 240, 250));
     skin.m_pictures[PictureBullet] = TestPictureBlob(16, 16, MakePixel(0, 0, 99));
     skin.m_icon = std::make_shared<const std::vector<BYTE>>(std::vector<BYTE>{0, 0, 1, 0, 0, 0});
     return skin;

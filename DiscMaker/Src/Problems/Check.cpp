@@ -78,3 +78,11 @@ void CheckSkin(const CSkin &skin, const CCUString &sContents, CProblems &problem
     });
     problems.insert(problems.end(), found.begin(), found.end());
 }
+
+void CheckPrograms(const CSkin &skin, const CCUString &sContents, CProblems &problems)
+{
+    for (size_t i = 0; i < skin.m_texts.size(); ++i) {
+        CSkinCheck check(skin, i, problems);
+        CheckCommands(check, sContents);
+    }
+}

@@ -7,3 +7,6 @@
 // `sContents` is the folder with what the disc is to hold beside the launcher; empty: there is none,
 // and nothing is said of programs that are missing.
 void CheckSkin(const CSkin &skin, const CCUString &sContents, CProblems &problems);
+
+// The lines' commands alone.
+void CheckPrograms(const CSkin &skin, const CCUString &sContents, CProblems &problems);

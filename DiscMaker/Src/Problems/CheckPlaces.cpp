@@ -78,7 +78,7 @@ void CheckDescription(CSkinCheck &check)
 
 RECT Core(const CSkinItem &item)
 {
-    RECT rect = item.m_rect;
+    RECT rect = item.m_seen;
     if (item.m_nText != 0)
         InflateRect(&rect, -TEXT_MARGIN, -TEXT_MARGIN);
     return rect;

@@ -1,6 +1,7 @@
 #include "Problems/SkinLook.h"
 
 #include <limits.h>
+#include <stdlib.h>
 
 #include <algorithm>
 
@@ -63,13 +64,35 @@ SIZE TextSize(HDC hDC, const std::vector<WCHAR> &text)
     return size;
 }
 
-// Opaque, as launchers draw pictures.
-void Draw(CPixels &onto, const CPixels &picture, const POINT &at)
+// More than what few colours and dithering make of the same one.
+bool IsOther(DWORD nOne, DWORD nOther)
 {
-    for (LONGLONG y = std::max<LONGLONG>(0, at.y); y < std::min<LONGLONG>(onto.m_cy, Sum(at.y, picture.m_cy)); ++y) {
-        for (LONGLONG x = std::max<LONGLONG>(0, at.x); x < std::min<LONGLONG>(onto.m_cx, Sum(at.x, picture.m_cx)); ++x)
-            onto.Row(static_cast<int>(y))[x] = picture.Row(static_cast<int>(y - at.y))[x - at.x];
+    const int nMost = 16;
+    return abs(static_cast<int>(RedOf(nOne)) - static_cast<int>(RedOf(nOther))) > nMost ||
+           abs(static_cast<int>(GreenOf(nOne)) - static_cast<int>(GreenOf(nOther))) > nMost ||
+           abs(static_cast<int>(BlueOf(nOne)) - static_cast<int>(BlueOf(nOther))) > nMost;
+}
+
+// Opaque, as launchers draw pictures. Returns the part that looks different from then on: a picture
+// that is to look cut out has the background's own pixels in it.
+RECT Draw(CPixels &onto, const CPixels &picture, const POINT &at)
+{
+    const RECT whole = RectAt(at, picture.m_cx, picture.m_cy);
+    const RECT window = {0, 0, onto.m_cx, onto.m_cy};
+    RECT part;
+    RECT seen = {};
+    IntersectRect(&part, &whole, &window);
+    for (LONG y = part.top; y < part.bottom; ++y) {
+        DWORD *const pOnto = onto.Row(y);
+        const DWORD *const pPicture = picture.Row(y - at.y);
+        for (LONG x = part.left; x < part.right; ++x) {
+            const RECT pixel = {x, y, x + 1, y + 1};
+            if (IsOther(pOnto[x], pPicture[x - at.x]))
+                UnionRect(&seen, &seen, &pixel);
+            pOnto[x] = pPicture[x - at.x];
+        }
     }
+    return seen;
 }
 
 bool ReadPicture(const CSkin &skin, SkinPicture picture, CPixels &pixels)
@@ -119,8 +142,9 @@ void CSkinLook::AddPicture(const CSkin &skin, SkinPicture picture, SkinItemKind 
         pixels = CPixels();
     POINT at = {};
     const bool bPlaced = ReadPlace(nPlace, at);
-    m_items.push_back({kind, 0, nPlace, RectAt(at, pixels.m_cx, pixels.m_cy), bPlaced});
-    Draw(m_picture, pixels, at);
+    const RECT rect = RectAt(at, pixels.m_cx, pixels.m_cy);
+    const RECT seen = Draw(m_picture, pixels, at);
+    m_items.push_back({kind, 0, nPlace, rect, kind == ItemProduct ? seen : rect, bPlaced});
 }
 
 HFONT CSkinLook::MakeFont(UINT nEntry)
@@ -141,7 +165,8 @@ void CSkinLook::AddText(HDC hDC, SkinItemKind kind, UINT nText, UINT nPlace)
     const bool bPlaced = ReadPlace(nPlace, at);
     const CWideText *const pText = m_strings.Find(nText);
     const SIZE size = pText ? LineSize(hDC, pText->Data(), pText->Length()) : SIZE();
-    m_items.push_back({kind, nText, nPlace, RectAt(at, size.cx, size.cy), bPlaced});
+    const RECT rect = RectAt(at, size.cx, size.cy);
+    m_items.push_back({kind, nText, nPlace, rect, rect, bPlaced});
 }
 
 void CSkinLook::AddDescription(HDC hDC)
@@ -153,7 +178,7 @@ void CSkinLook::AddDescription(HDC hDC)
     RECT shown = RectAt({m_rectDescription.left, m_rectDescription.top}, m_sizeDescription.cx,
                         m_sizeDescription.cy);
     IntersectRect(&shown, &shown, &m_rectDescription);
-    m_items.push_back({ItemDescription, IDS_ABOUT, IDS_ABOUT_RECT, shown, bPlaced});
+    m_items.push_back({ItemDescription, IDS_ABOUT, IDS_ABOUT_RECT, shown, shown, bPlaced});
 }
 
 void CSkinLook::ReadHighlight()
