@@ -1,6 +1,7 @@
 // How the main window opens and saves.
 #include "CUI/Choosers.h"
 #include "CUI/MessageBox.h"
+#include "File/SkinFolder.h"
 #include "Window/MainWindow.h"
 #include "Window/ProgramPath.h"
 
@@ -10,7 +11,6 @@ const char *const OPEN_FILTER =
     "Launchers and skins (*.exe;*.rc)|*.exe;*.rc|Launchers (*.exe)|*.exe|Skins (*.rc)|*.rc";
 const char *const LAUNCHER_FILTER = "Launchers (*.exe)|*.exe";
 const char *const LAUNCHER_NAME = "AutoRun.exe";
-const char *const SKIN_NAME = "Skin";
 
 }  // namespace
 
@@ -158,6 +158,13 @@ bool CMainWindow::SaveTo(std::unique_ptr<CSkinFile> &file, const CCUString &sPat
     }
     if (&file != &m_file)
         m_file = std::move(file);
+    Saved(problems);
+    return true;
+}
+
+// The document is what m_file is.
+void CMainWindow::Saved(const CProblems &problems)
+{
     m_bUntitled = false;
     m_fileProblems = problems;
     m_bCheck = true;
@@ -165,7 +172,6 @@ bool CMainWindow::SaveTo(std::unique_ptr<CSkinFile> &file, const CCUString &sPat
     m_recovery.Forget();
     m_recent.Add(m_file->Path());
     ShowName();
-    return true;
 }
 
 bool CMainWindow::SaveAsLauncher()
@@ -190,11 +196,18 @@ bool CMainWindow::SaveAsFolder()
         return false;
     if (m_file && m_file->IsFolder())
         return SaveTo(m_file, sFolder);
+    m_document.Seal();
     CProblems problems;
-    std::unique_ptr<CSkinFile> folder = CSkinFile::Open(ProgramFolder() + SKIN_NAME, problems);
-    if (!folder)
-        ShowProblems("There is no skin folder beside Disc Maker to make another one of.", problems);
-    return folder && SaveTo(folder, sFolder);
+    std::unique_ptr<CSkinFile> folder;
+    if (CSkinFolder::Export(m_document.Skin(), sFolder, problems))
+        folder = CSkinFile::Open(sFolder, problems);
+    if (!folder) {
+        ShowProblems("It was not saved.", problems);
+        return false;
+    }
+    m_file = std::move(folder);
+    Saved(problems);
+    return true;
 }
 
 // Some launcher: the document's, the one beside this program, or one that the user names.

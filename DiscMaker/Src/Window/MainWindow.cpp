@@ -5,6 +5,7 @@
 #include "CUI/Settings.h"
 #include "Model/SkinEntry.h"
 #include "Problems/Check.h"
+#include "Resource.h"
 
 namespace {
 
@@ -352,7 +353,7 @@ void CMainWindow::OnProblem(const CProblem &problem)
 {
     if (!problem.m_nEntry)
         return;
-    if (FindSkinEntry(problem.m_nEntry) || problem.m_nEntry == ENTRY_DISC_LABEL)
+    if (FindSkinEntry(problem.m_nEntry) || problem.m_nEntry == IDS_DISC_LABEL)
         m_grid.SelectEntry(problem.m_nEntry, true);
     else
         m_grid.SelectResource(problem.m_nEntry);

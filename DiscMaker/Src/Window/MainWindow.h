@@ -70,6 +70,7 @@ private:
     bool SaveAsLauncher();
     bool SaveAsFolder();
     bool SaveTo(std::unique_ptr<CSkinFile> &file, const CCUString &sPath);
+    void Saved(const CProblems &problems);
     void ShowName();
     void ShowProblems(const char *pszText, const CProblems &problems);
     std::unique_ptr<CSkinFile> OpenLauncher(bool bAsk);

@@ -90,7 +90,7 @@ std::vector<PropertyRow> MakePropertyRows(const CSkin &skin)
 {
     std::vector<PropertyRow> rows;
     rows.push_back({PropertyRow::Heading, 0, "Disc"});
-    rows.push_back({PropertyRow::Entry, ENTRY_DISC_LABEL, "Label"});
+    rows.push_back({PropertyRow::Entry, IDS_DISC_LABEL, "Label"});
     rows.push_back({PropertyRow::Icon, 0, "Icon"});
     if (skin.m_texts.size() > 1)
         rows.push_back({PropertyRow::Language, 0, "Language"});

@@ -4,9 +4,6 @@
 
 #include "Model/Document.h"
 
-// The disc's label stands in the string table too; launchers pass it over.
-const UINT ENTRY_DISC_LABEL = 40;
-
 // One line of the table of properties.
 struct PropertyRow
 {
