@@ -16,30 +16,36 @@ const char *const LAUNCHER_NAME = "AutoRun.exe";
 
 void CMainWindow::Begin()
 {
+    const CCUString sLauncher = ProgramFolder() + LAUNCHER_NAME;
+    if (GetFileAttributesA(sLauncher) == INVALID_FILE_ATTRIBUTES || !OpenPath(sLauncher, true))
+        m_document.Start(CSkin());
+    ShowName();
+}
+
+void CMainWindow::OfferRecovery()
+{
     CSkin skin;
     CCUString sPath;
-    if (m_recovery.Find(skin, sPath)) {
-        const CCUString sName = sPath.IsEmpty() ? CCUString("A new skin") : sPath;
-        CCUIMessageBox box(sName + " was not saved when Disc Maker ended last time.",
-                           "Disc Maker", MB_ICONQUESTION);
-        box.AddButton(IDYES, "&Restore");
-        box.AddButton(IDNO, "&Discard");
-        if (box.DoModal(this) == IDYES) {
-            if (!sPath.IsEmpty())
-                m_file = CSkinFile::Open(sPath, m_fileProblems);
-            m_bUntitled = !m_file;
-            m_document.Start(skin, false);
-            ShowName();
-            return;
-        }
+    if (!m_recovery.Find(skin, sPath))
+        return;
+    const CCUString sName = sPath.IsEmpty() ? CCUString("A new disc") : sPath;
+    CCUIMessageBox box(sName + " was not saved when Disc Maker ended last time.", "Disc Maker",
+                       MB_ICONQUESTION);
+    box.AddButton(IDYES, "&Restore");
+    box.AddButton(IDNO, "&Discard");
+    if (box.DoModal(this) != IDYES) {
         m_recovery.Forget();
+        return;
     }
     CProblems problems;
-    const CCUString sLauncher = ProgramFolder() + LAUNCHER_NAME;
-    if (GetFileAttributesA(sLauncher) != INVALID_FILE_ATTRIBUTES)
-        OpenPath(sLauncher, true);
-    else
-        m_document.Start(CSkin());
+    std::unique_ptr<CSkinFile> file;
+    if (!sPath.IsEmpty())
+        file = CSkinFile::Open(sPath, problems);
+    m_bUntitled = !file;
+    if (file)
+        m_file = std::move(file);
+    m_fileProblems = problems;
+    m_document.Start(skin, false);
     ShowName();
 }
 

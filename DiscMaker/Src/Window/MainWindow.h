@@ -30,9 +30,10 @@ public:
     ~CMainWindow() override;
 
     void OnOpenFile(const CCUString &sPath) override;
-    // Offers what a crash has left behind; else begins with the launcher beside this program, as a
-    // skin without a name.
+    // Begins with the looks of the launcher beside this program, as a disc without a name.
     void Begin();
+    // Offers what a crash has left behind, if there is anything.
+    void OfferRecovery();
 
     // For tests.
     CDocument &Document() { return m_document; }

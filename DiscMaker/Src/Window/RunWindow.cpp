@@ -25,6 +25,7 @@ int RunWindow(int nShow)
                  SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
     window.Begin();
     window.ShowKept("Frame", nShow);
+    window.OfferRecovery();
     window.OnCommandLine(GetCommandLineA(), "");
     return CCUIWindow::RunLoop();
 }
