@@ -3,6 +3,7 @@
 #include "File/FileBytes.h"
 #include "File/FileProblem.h"
 #include "File/LauncherFile.h"
+#include "File/SkinFolder.h"
 #include "Model/Blob.h"
 
 namespace {
@@ -24,10 +25,10 @@ bool IsScript(const CCUString &sPath)
 
 std::unique_ptr<CSkinFile> CSkinFile::Open(const CCUString &sPath, CProblems &problems)
 {
-    if (FolderExists(sPath) || IsScript(sPath)) {
-        AddProblem(problems, ProblemError, sPath, "Skin folders cannot be opened yet.");
-        return nullptr;
-    }
+    if (FolderExists(sPath))
+        return CSkinFolder::Read(JoinPath(sPath, SKIN_SCRIPT_NAME), problems);
+    if (IsScript(sPath))
+        return CSkinFolder::Read(sPath, problems);
     DWORD nError = NO_ERROR;
     const CBlob bytes = ReadFileBytes(sPath, &nError);
     if (!bytes) {
