@@ -90,6 +90,10 @@ TEST(Command, ChecksAppliesAndDraws)
     EXPECT_EQ(0, applied.m_nExitCode) << applied.m_text;
     EXPECT_TRUE(ReadText(TEST_OTHER_LAUNCHER) == ReadText(folder.Path() + "\\a.exe"));
 
+    const std::string exported = "\"" + folder.Path() + "\\skin\"";
+    EXPECT_EQ(0, Ask(folder, "/export " + launcher + " " + exported).m_nExitCode);
+    EXPECT_EQ(0, Ask(folder, "/check " + exported).m_nExitCode);
+    EXPECT_EQ(2, Ask(folder, "/export " + launcher + " " + exported).m_nExitCode);
     for (const char *name : {"\\p.png", "\\p.bmp"}) {
         const std::string picture = folder.Path() + name;
         ASSERT_EQ(0, Ask(folder, "/picture " + launcher + " \"" + picture + "\"").m_nExitCode);
@@ -99,6 +103,7 @@ TEST(Command, ChecksAppliesAndDraws)
         EXPECT_EQ(440, pixels.m_cx);
         EXPECT_EQ(300, pixels.m_cy);
     }
+    system(("cmd /c rmdir /s /q \"" + folder.Path() + "\"").c_str());
 }
 
 // A disc by the command: the launcher has the looks, and what is missing is told, once.

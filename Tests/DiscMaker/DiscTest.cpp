@@ -119,7 +119,7 @@ TEST_F(CDiscTest, CopiesTheContentsAndListsTheSums)
     const WCHAR greek[] = L"\\in\\\x3B1\x3B2.txt";
     const CCUString sFolder = Path().c_str();
     std::wstring wide(MAX_PATH, 0);
-    wide.resize(MultiByteToWideChar(CP_ACP, 0, sFolder, -1, &wide[0], MAX_PATH) - 1);
+    wide.resize(size_t(MultiByteToWideChar(CP_ACP, 0, sFolder, -1, &wide[0], MAX_PATH) - 1));
     CloseHandle(
         CreateFileW((wide + greek).c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW, 0, nullptr));
     CStopAt progress(~0ULL);

@@ -33,7 +33,8 @@ CPixels Gradient(int cx, int cy)
     CPixels pixels;
     pixels.Create(cx, cy);
     for (int i = 0; i < cx * cy; ++i)
-        pixels.Row(i / cx)[i % cx] = MakePixel(i % cx * 255U / cx, i / cx * 255U / cy, 120);
+        pixels.Row(i / cx)[i % cx] =
+            MakePixel(UINT(i % cx * 255 / cx), UINT(i / cx * 255 / cy), 120);
     return pixels;
 }
 

@@ -7,6 +7,7 @@
 #include "Command/PictureCommand.h"
 #include "Disc/MakeDisc.h"
 #include "File/SkinFile.h"
+#include "File/SkinFolder.h"
 #include "Problems/Check.h"
 
 namespace {
@@ -65,6 +66,12 @@ bool Apply(const CWords &words, CProblems &problems)
     return pLauncher->Save(pSkin->Skin(), sLauncher, problems);
 }
 
+bool Export(const CWords &words, CProblems &problems)
+{
+    const auto pFile = Open(words[0], problems);
+    return pFile && CSkinFolder::Export(pFile->Skin(), words[1], problems);
+}
+
 bool Picture(const CWords &words, CProblems &problems)
 {
     const auto pFile = Open(words[0], problems);
@@ -97,6 +104,7 @@ const struct CCommand
 } COMMANDS[] = {
     {"/check", 1, 2, Check, "/check FILE [CONTENTS]               tells what is wrong with a skin"},
     {"/apply", 3, 3, Apply, "/apply SKIN /to LAUNCHER             puts a skin into a launcher"},
+    {"/export", 2, 2, Export, "/export FILE FOLDER                  writes its skin as a new folder"},
     {"/picture", 2, 2, Picture, "/picture FILE OUT.png                draws the launcher's window"},
     {"/disc", 3, 5, Disc, "/disc FILE CONTENTS OUT [/launcher LAUNCHER]   makes a disc's folder"}};
 

@@ -11,12 +11,3 @@ bool CPixels::Create(LONGLONG cx, LONGLONG cy)
     m_colors.clear();
     return true;
 }
-
-bool CPixels::IsTransparent() const
-{
-    for (const DWORD nPixel : m_pixels) {
-        if (AlphaOf(nPixel) != 0xFF)
-            return true;
-    }
-    return false;
-}

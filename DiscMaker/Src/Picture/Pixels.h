@@ -18,9 +18,11 @@ struct CPixels
 
     // Makes room for that size, in which nothing is drawn; false when no picture may be so large.
     bool Create(LONGLONG cx, LONGLONG cy);
-    DWORD *Row(int y) { return m_pixels.data() + static_cast<size_t>(y) * m_cx; }
-    const DWORD *Row(int y) const { return m_pixels.data() + static_cast<size_t>(y) * m_cx; }
-    bool IsTransparent() const;
+    DWORD *Row(int y) { return m_pixels.data() + RowStart(y); }
+    const DWORD *Row(int y) const { return m_pixels.data() + RowStart(y); }
+
+private:
+    size_t RowStart(int y) const { return static_cast<size_t>(y) * static_cast<size_t>(m_cx); }
 };
 
 const DWORD OPAQUE_PIXEL = 0xFF000000;

@@ -14,6 +14,9 @@ namespace {
 const int PIXELS_PER_INCH = 96;
 const int POINTS_PER_INCH = 72;
 
+const UINT BULLET_PLACES[] = {IDS_SETUP_ICON_POS, IDS_EXIT_ICON_POS, IDS_RUN_ICON_POS,
+                              IDS_HELP_ICON_POS};
+
 // Numbers in a skin can be any; sums with sizes of pictures and texts must not wrap.
 LONG Sum(LONG n, LONG nLength)
 {
@@ -109,8 +112,7 @@ CSkinLook::CSkinLook(const CSkin &skin, const CSkinStrings &strings)
     if (!ReadPicture(skin, PictureBackground, m_picture))
         m_picture = CPixels();
     AddPicture(skin, PictureProduct, ItemProduct, IDS_PRODUCT_POS);
-    for (const UINT nPlace :
-         {IDS_SETUP_ICON_POS, IDS_EXIT_ICON_POS, IDS_RUN_ICON_POS, IDS_HELP_ICON_POS})
+    for (const UINT nPlace : BULLET_PLACES)
         AddPicture(skin, PictureBullet, ItemBullet, nPlace);
 
     const CCUIMemoryDC hDC(nullptr);
