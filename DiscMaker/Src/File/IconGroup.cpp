@@ -91,11 +91,10 @@ std::vector<UINT> RemovePictures(CResourceTree &tree, const CResourceNode *pGrou
     for (const UINT nId : PicturesOf(pGroup)) {
         if (IsUsedElsewhere(tree, pGroup, nId))
             continue;
-        const CResourceNode *pPicture = tree.Find(RtIcon(), nId);
-        if (!pPicture)
+        // A damaged list may name it twice.
+        if (!tree.Find(RtIcon(), nId))
             continue;
-        while ((pPicture = tree.Find(RtIcon(), nId)) != nullptr)
-            tree.Remove(RtIcon(), nId, pPicture->m_name.m_nId);
+        tree.RemoveAll(RtIcon(), nId);
         freed.push_back(nId);
     }
     return freed;

@@ -296,8 +296,11 @@ private:
             return;
         if (signature.m_nAddress >= FileEnd() &&
             CByteView(m_bytes).Has(signature.m_nAddress, signature.m_nSize))
-            m_bytes.erase(m_bytes.begin() + signature.m_nAddress,
-                          m_bytes.begin() + signature.m_nAddress + signature.m_nSize);
+        {
+            std::vector<BYTE> bytes = CByteView(m_bytes).Part(0, signature.m_nAddress).Copy();
+            Append(bytes, CByteView(m_bytes).From(signature.m_nAddress + signature.m_nSize));
+            m_bytes.swap(bytes);
+        }
         PutDirectory(IMAGE_DIRECTORY_ENTRY_SECURITY, 0, 0);
     }
 

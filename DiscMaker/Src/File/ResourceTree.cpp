@@ -115,7 +115,7 @@ void RemoveBelow(CResourceNode &parent, const UINT *pPath, int nLevels)
         return;
     if (nLevels > 1)
         RemoveBelow(*pNode, pPath + 1, nLevels - 1);
-    if (pNode->m_children.empty())
+    if (nLevels == 1 || pNode->m_children.empty())
         parent.m_children.erase(parent.m_children.begin() + (pNode - parent.m_children.data()));
 }
 
@@ -170,4 +170,10 @@ void CResourceTree::Remove(UINT nType, UINT nId, UINT nLanguage)
 {
     const UINT path[LEVELS] = {nType, nId, nLanguage};
     RemoveBelow(m_root, path, LEVELS);
+}
+
+void CResourceTree::RemoveAll(UINT nType, UINT nId)
+{
+    const UINT path[] = {nType, nId};
+    RemoveBelow(m_root, path, 2);
 }

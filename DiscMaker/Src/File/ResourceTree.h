@@ -56,6 +56,8 @@ public:
     void Set(UINT nType, UINT nId, UINT nLanguage, const CBlob &data);
     // Takes it away, and directories that are empty then.
     void Remove(UINT nType, UINT nId, UINT nLanguage);
+    // The same in all languages.
+    void RemoveAll(UINT nType, UINT nId);
 
 private:
     CResourceNode m_root;

@@ -15,8 +15,9 @@ struct CKnownName
 
 #define NAME(name) {#name, name}
 
-// The launcher's script has these from its own header and from the system's.
+// The launcher's script has these from its own header, from the system's and from its compiler.
 const CKnownName KNOWN_NAMES[] = {
+    {"RC_INVOKED", 1}, {"_WIN32", 1},
     NAME(IDD_AUTORUN), NAME(IDI_AUTORUN), NAME(IDB_BACKGROUND), NAME(IDB_PRODUCT), NAME(IDB_BULLET),
     NAME(IDS_SETUP), NAME(IDS_EXIT), NAME(IDS_EXIT_POS), NAME(IDS_SETUP_POS), NAME(IDS_ABOUT_RECT),
     NAME(IDS_CAPTION), NAME(IDS_SETUP_COMMAND), NAME(IDS_HIGHLIGHT_COLOR), NAME(IDS_SPARE_COLOR),
@@ -252,41 +253,52 @@ private:
 
 }  // namespace
 
-CScriptSymbols::CScriptSymbols()
-{
-    for (const CKnownName &name : KNOWN_NAMES)
-        m_values[name.m_pszName] = CValue{true, name.m_nValue};
-    m_values["RC_INVOKED"] = CValue{true, 1};
-    m_values["_WIN32"] = CValue{true, 1};
-}
-
 void CScriptSymbols::Define(const CCUString &sName, const CCUString &sMeaning)
 {
-    CValue value = {false, 0};
-    value.m_bNumber = Evaluate(sMeaning, false, value.m_nValue);
+    CValue value = {ValueUnknown, 0};
+    if (Evaluate(sMeaning, false, value.m_nValue))
+        value.m_kind = ValueNumber;
     m_values[sName] = value;
 }
 
 void CScriptSymbols::Undefine(const CCUString &sName)
 {
-    m_values.erase(sName);
+    m_values[sName] = CValue{ValueNone, 0};
+}
+
+CScriptSymbols::CValue CScriptSymbols::Value(const CCUString &sName) const
+{
+    const auto value = m_values.find(sName);
+    if (value != m_values.end())
+        return value->second;
+    for (const CKnownName &name : KNOWN_NAMES) {
+        if (sName == name.m_pszName)
+            return CValue{ValueNumber, name.m_nValue};
+    }
+    return CValue{ValueNone, 0};
 }
 
 bool CScriptSymbols::Find(const CCUString &sName, long &nValue) const
 {
-    const auto value = m_values.find(sName);
-    if (value == m_values.end() || !value->second.m_bNumber)
-        return false;
-    nValue = value->second.m_nValue;
-    return true;
+    const CValue value = Value(sName);
+    if (value.m_kind == ValueNumber)
+        nValue = value.m_nValue;
+    return value.m_kind == ValueNumber;
 }
 
 CCUString CScriptSymbols::NameOf(const char *pszPrefix, UINT nValue) const
 {
+    const size_t nPrefix = strlen(pszPrefix);
+    const long nWanted = static_cast<long>(nValue);
     for (const auto &value : m_values) {
-        if (value.second.m_bNumber && value.second.m_nValue == static_cast<long>(nValue) &&
-            strncmp(value.first, pszPrefix, strlen(pszPrefix)) == 0)
+        if (value.second.m_kind == ValueNumber && value.second.m_nValue == nWanted &&
+            strncmp(value.first, pszPrefix, nPrefix) == 0)
             return value.first;
+    }
+    for (const CKnownName &name : KNOWN_NAMES) {
+        if (name.m_nValue == nWanted && strncmp(name.m_pszName, pszPrefix, nPrefix) == 0 &&
+            !m_values.count(name.m_pszName))
+            return name.m_pszName;
     }
     return "";
 }

@@ -9,12 +9,10 @@
 class CScriptSymbols
 {
 public:
-    CScriptSymbols();
-
     // A name whose meaning is no number is known too, but has no value.
     void Define(const CCUString &sName, const CCUString &sMeaning);
     void Undefine(const CCUString &sName);
-    bool IsDefined(const CCUString &sName) const { return m_values.count(sName) != 0; }
+    bool IsDefined(const CCUString &sName) const { return Value(sName).m_kind != ValueNone; }
     bool Find(const CCUString &sName, long &nValue) const;
     // The name that begins with a prefix and has a value; empty if there is none.
     CCUString NameOf(const char *pszPrefix, UINT nValue) const;
@@ -24,10 +22,18 @@ public:
     bool Evaluate(const CCUString &sExpression, bool bUnknown, long &nValue) const;
 
 private:
+    enum ValueKind
+    {
+        ValueNone,
+        ValueUnknown,
+        ValueNumber
+    };
     struct CValue
     {
-        bool m_bNumber;
+        ValueKind m_kind;
         long m_nValue;
     };
-    std::map<CCUString, CValue> m_values;
+    CValue Value(const CCUString &sName) const;
+
+    std::map<CCUString, CValue> m_values;  // what the script says itself
 };
