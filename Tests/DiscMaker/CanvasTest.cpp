@@ -66,7 +66,7 @@ TEST(Canvas, MovesAndSizesWhatIsDragged)
     window.Drag({13, 300}, {600, 300});
     EXPECT_STREQ("486,280,490,320", window.m_document.Entry(IDS_ABOUT_RECT));
     // What ends the drag otherwise takes it back.
-    for (const UINT message : {WM_CANCELMODE, WM_CAPTURECHANGED}) {
+    for (const UINT message : {UINT{WM_CANCELMODE}, UINT{WM_CAPTURECHANGED}}) {
         window.Mouse(WM_LBUTTONDOWN, 60, 180);
         window.Mouse(WM_MOUSEMOVE, 90, 180);
         EXPECT_STREQ("76,172", window.m_document.Entry(IDS_RUN_POS));

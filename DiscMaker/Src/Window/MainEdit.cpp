@@ -18,7 +18,6 @@
 namespace {
 
 const int POINTS_PER_INCH = 72;
-const int PIXELS_PER_INCH = 96;
 const DWORD MOST_ICON_BYTES = 1024 * 1024;
 
 bool IsEdit(HWND hWnd)

@@ -316,13 +316,12 @@ void CMainWindow::OnCanvasZoom()
     m_status.SetText(PaneZoom, sZoom);
 }
 
-void CMainWindow::OnPropertyRow(const PropertyRow &row)
+void CMainWindow::OnPropertyRow(const PropertyRow &row, bool bChosen)
 {
-    CCUString sHelp = RowHelp(row);
-    m_note.Show(row.m_sCaption, sHelp, RowFault(m_document, row));
+    m_note.Show(row.m_sCaption, RowHelp(row), RowFault(m_document, row));
     const FaceItem item =
         row.m_kind == PropertyRow::Entry ? FaceItemOf(row.m_nID) : ItemNone;
-    if (!m_bFromCanvas && item != ItemNone && !m_canvas.IsSelected(item)) {
+    if (bChosen && !m_bFromCanvas && item != ItemNone && !m_canvas.IsSelected(item)) {
         m_bFromCanvas = true;
         m_canvas.Select(item);
         m_bFromCanvas = false;

@@ -100,7 +100,7 @@ private:
     void OnCanvasSelection() override;
     void OnCanvasActivate(FaceItem item) override;
     void OnCanvasZoom() override;
-    void OnPropertyRow(const PropertyRow &row) override;
+    void OnPropertyRow(const PropertyRow &row, bool bChosen) override;
     void OnPropertyButton(const PropertyRow &row) override;
     void OnProblem(const CProblem &problem) override;
     void OnIdle() override;

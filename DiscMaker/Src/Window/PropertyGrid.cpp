@@ -70,7 +70,7 @@ void CPropertyGrid::Read(const SkinPart *pPart)
         if (m_nSelected >= RowCount() || m_nSelected < 0)
             m_nSelected = NextRow(-1, 1);
         Rearrange();
-        LoadEditor();
+        LoadEditor(false);
         InvalidateRect(m_hWnd, nullptr, FALSE);
         return;
     }
@@ -79,9 +79,9 @@ void CPropertyGrid::Read(const SkinPart *pPart)
             continue;
         InvalidateRow(i);
         if (i == m_nSelected && !m_bTaking)
-            LoadEditor();
+            LoadEditor(false);
         else if (i == m_nSelected)
-            m_host.OnPropertyRow(Row(i));
+            m_host.OnPropertyRow(Row(i), false);
         return;
     }
 }
@@ -246,7 +246,7 @@ void CPropertyGrid::PlaceEditor()
                  SWP_NOZORDER | SWP_NOACTIVATE);
 }
 
-void CPropertyGrid::LoadEditor()
+void CPropertyGrid::LoadEditor(bool bChosen)
 {
     if (m_nSelected < 0)
         return;
@@ -259,7 +259,7 @@ void CPropertyGrid::LoadEditor()
     m_bLoading = false;
     m_edit.Show(true);
     ShowWindow(m_button, HasRowButton(row) ? SW_SHOWNA : SW_HIDE);
-    m_host.OnPropertyRow(row);
+    m_host.OnPropertyRow(row, bChosen);
 }
 
 void CPropertyGrid::SelectRow(int nRow)
@@ -272,7 +272,7 @@ void CPropertyGrid::SelectRow(int nRow)
         m_nSelected = nRow;
         InvalidateRow(nRow);
         m_sBefore = RowEditText(m_document, Row(nRow));
-        LoadEditor();
+        LoadEditor(true);
     }
     RECT client;
     GetClientRect(m_hWnd, &client);

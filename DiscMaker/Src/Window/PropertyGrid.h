@@ -12,8 +12,9 @@ class CPropertyGrid;
 class CPropertyHost
 {
 public:
-    // Another row is selected, or what it says has changed.
-    virtual void OnPropertyRow(const PropertyRow &row) = 0;
+    // The selected row is another one, which the user has chosen (bChosen), or what it says has
+    // changed.
+    virtual void OnPropertyRow(const PropertyRow &row, bool bChosen) = 0;
     // Something is to be chosen for a row.
     virtual void OnPropertyButton(const PropertyRow &row) = 0;
 
@@ -81,7 +82,7 @@ private:
     void Rearrange();
     void ScrollTo(int nPos);
     void PlaceEditor();
-    void LoadEditor();
+    void LoadEditor(bool bChosen);
     void SelectRow(int nRow);
     void FocusEditor();
     bool TranslateKey(WPARAM nKey);
