@@ -58,12 +58,12 @@ TEST(Picture, ReadsEveryBitmapAsTheSystemDoes)
 TEST(Picture, ReadsOldKinds)
 {
     CBmpBytes runs(5, 3, 4, 40, BI_RLE4);
-    runs.m_pixels = {3, 0x12, 0, 0, 0, 3, 0x45, 0x60, 0, 2, 1, 1, 1, 0x77, 0, 1};
+    runs.m_pixels = {3, 0x12, 0, 0, 0, 5, 0x45, 0x60, 0x10, 0, 0, 0, 0, 2, 4, 0, 1, 0x77, 0, 1};
     runs.m_info.biSizeImage = runs.m_pixels.size();
     const std::vector<BYTE> dib = runs.Packed(0);
     CPixels pixels;
     ASSERT_EQ(nullptr, ReadDib(dib.data(), dib.size(), 0, pixels));
-    const int expected[3][5] = {{-1, -1, -1, -1, 7}, {4, 5, 6, -1, -1}, {1, 2, 1, -1, -1}};
+    const int expected[3][5] = {{-1, -1, -1, -1, 7}, {4, 5, 6, 0, 1}, {1, 2, 1, -1, -1}};
     for (int i = 0; i < 15; ++i) {
         const int nIndex = expected[i / 5][i % 5];
         const RGBQUAD quad = nIndex < 0 ? RGBQUAD() : runs.m_table[static_cast<size_t>(nIndex)];

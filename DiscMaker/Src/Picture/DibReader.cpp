@@ -277,7 +277,7 @@ void CDib::ReadRuns(CPixels &pixels) const
                 return;
             for (UINT i = 0; i < nCode; ++i)
                 writer.Put(indexAt(p, i));
-            p += std::min<ptrdiff_t>((nBytes + 1) / 2 * 2, pEnd - p);
+            p += std::min(static_cast<ptrdiff_t>((nBytes + 1) / 2 * 2), pEnd - p);
         }
     }
 }

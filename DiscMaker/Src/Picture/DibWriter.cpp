@@ -46,7 +46,8 @@ BITMAPINFOHEADER MakeHeader(const CPixels &pixels, WORD nDepth, size_t nColors)
     header.biHeight = pixels.m_cy;
     header.biPlanes = 1;
     header.biBitCount = nDepth;
-    header.biSizeImage = static_cast<DWORD>((pixels.m_cx * nDepth + 31) / 32 * 4 * pixels.m_cy);
+    const DWORD nRow = (static_cast<DWORD>(pixels.m_cx) * nDepth + 31) / 32 * 4;
+    header.biSizeImage = nRow * static_cast<DWORD>(pixels.m_cy);
     header.biClrUsed = static_cast<DWORD>(nColors);
     return header;
 }
@@ -137,8 +138,8 @@ CBlob WriteBmp(const CBlob &dib)
         return nullptr;
     BITMAPFILEHEADER header = {};
     header.bfType = 0x4D42;  // "BM"
-    header.bfSize = static_cast<DWORD>(sizeof header + dib->size());
-    header.bfOffBits = static_cast<DWORD>(sizeof header + BitsOffset(*dib));
+    header.bfSize = sizeof header + static_cast<DWORD>(dib->size());
+    header.bfOffBits = sizeof header + static_cast<DWORD>(BitsOffset(*dib));
     std::vector<BYTE> bytes;
     bytes.reserve(header.bfSize);
     Append(bytes, &header, sizeof header);

@@ -40,7 +40,7 @@ std::vector<DWORD> ExactColors(const std::vector<CPixels> &pictures)
 
 std::vector<DWORD> FindOwnColors(const std::vector<CPixels> &pictures)
 {
-    const std::vector<DWORD> exact = ExactColors(pictures);
+    std::vector<DWORD> exact = ExactColors(pictures);
     if (!exact.empty())
         return exact;
     CColorCount count;
@@ -62,6 +62,7 @@ std::vector<DWORD> MakeTable(const std::vector<DWORD> &own)
 std::vector<RGBQUAD> ToQuads(const std::vector<DWORD> &table)
 {
     std::vector<RGBQUAD> quads;
+    quads.reserve(table.size());
     for (const DWORD nColor : table)
         quads.push_back({static_cast<BYTE>(BlueOf(nColor)), static_cast<BYTE>(GreenOf(nColor)),
                          static_cast<BYTE>(RedOf(nColor)), 0});

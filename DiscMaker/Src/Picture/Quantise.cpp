@@ -1,6 +1,7 @@
 #include "Picture/Quantise.h"
 
 #include <limits.h>
+#include <math.h>
 
 #include <algorithm>
 
@@ -28,6 +29,11 @@ double Mean(const CBin &bin, int nChannel)
     return bin.m_sum[nChannel] / bin.m_nCount;
 }
 
+int RoundMean(const CBin &bin, int nChannel)
+{
+    return static_cast<int>(lround(Mean(bin, nChannel)));
+}
+
 void AddBin(CBin &sum, const CBin &bin)
 {
     sum.m_nCount += bin.m_nCount;
@@ -39,7 +45,7 @@ DWORD MeanPixel(const CBin &bin)
 {
     UINT channels[3];
     for (int i = 0; i < 3; ++i)
-        channels[i] = static_cast<UINT>(Mean(bin, i) + 0.5);
+        channels[i] = static_cast<UINT>(RoundMean(bin, i));
     return MakePixel(channels[0], channels[1], channels[2]);
 }
 
@@ -149,8 +155,8 @@ void MoveToMiddles(const std::vector<CBin> &bins, std::vector<DWORD> &colors, si
     std::vector<CBin> sums(colors.size());
     for (const CBin &bin : bins) {
         const size_t nNearest =
-            FindNearest(colors, static_cast<int>(Mean(bin, 0) + 0.5),
-                        static_cast<int>(Mean(bin, 1) + 0.5), static_cast<int>(Mean(bin, 2) + 0.5));
+            FindNearest(colors, RoundMean(bin, 0),
+                        RoundMean(bin, 1), RoundMean(bin, 2));
         AddBin(sums[nNearest], bin);
     }
     for (size_t i = nFixed; i < colors.size(); ++i) {
