@@ -313,9 +313,9 @@ void CCanvas::Select(FaceItem item)
 
 void CCanvas::SelectAll()
 {
-    std::vector<FaceItem> items;
+    std::vector<FaceItem> items(FaceItemCount);
     for (int i = 0; i < FaceItemCount; ++i)
-        items.push_back(static_cast<FaceItem>(i));
+        items[static_cast<size_t>(i)] = static_cast<FaceItem>(i);
     SetSelection(items);
 }
 

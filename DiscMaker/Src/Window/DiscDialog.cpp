@@ -11,7 +11,6 @@ const char *const SECTION = "Disc";
 const char *const OUT_VALUE = "Out";
 const int PARTS = 1000;
 
-// Paths are shown whole; sentences end.
 CCUString TextOf(const CProblems &problems)
 {
     CCUString sText;
@@ -54,7 +53,10 @@ int CDiscDialog::ExchangeData(unsigned short nDirection)
     }
     m_sContents = m_contents.GetText();
     m_sOut = m_out.GetText();
-    CCUString sMessage = "Which folder shall become the disc? It may not exist yet.";
+    CCUString sMessage = m_sContents.IsEmpty() ? "Which folder holds what shall be on the disc?"
+                                               : "Which folder shall become the disc?";
+    if (m_sContents.IsEmpty())
+        return ExchangeFail(IDC_CONTENTS, sMessage);
     return m_sOut.IsEmpty() ? ExchangeFail(IDC_OUT, sMessage) : 1;
 }
 

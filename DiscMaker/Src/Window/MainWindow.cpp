@@ -316,9 +316,20 @@ void CMainWindow::OnCanvasZoom()
     m_status.SetText(PaneZoom, sZoom);
 }
 
+// What is wrong with a row as it is typed, else what the last check has found.
+CCUString CMainWindow::FaultOf(const PropertyRow &row) const
+{
+    CCUString sFault = RowFault(m_document, row);
+    for (const CProblem &problem : m_list.Problems()) {
+        if (sFault.IsEmpty() && row.m_kind == PropertyRow::Entry && problem.m_nEntry == row.m_nID)
+            sFault = problem.m_sWhat + " " + problem.m_sEffect;
+    }
+    return sFault;
+}
+
 void CMainWindow::OnPropertyRow(const PropertyRow &row, bool bChosen)
 {
-    m_note.Show(row.m_sCaption, RowHelp(row), RowFault(m_document, row));
+    m_note.Show(row.m_sCaption, RowHelp(row), FaultOf(row));
     const FaceItem item =
         row.m_kind == PropertyRow::Entry ? FaceItemOf(row.m_nID) : ItemNone;
     if (bChosen && !m_bFromCanvas && item != ItemNone && !m_canvas.IsSelected(item)) {
@@ -383,6 +394,8 @@ void CMainWindow::OnIdle()
     CheckSkin(m_document.Skin(), m_sContents, problems);
     m_list.Show(problems);
     m_grid.SetProblems(problems);
+    if (m_grid.Selected())
+        OnPropertyRow(*m_grid.Selected(), false);
     CCUString sCount;
     sCount.Format(problems.size() == 1 ? "1 problem" : "%u problems",
                   static_cast<unsigned>(problems.size()));

@@ -105,6 +105,7 @@ private:
     void OnProblem(const CProblem &problem) override;
     void OnIdle() override;
     void ShowPlace();
+    CCUString FaultOf(const PropertyRow &row) const;
 
     CDocument m_document;
     CRecovery m_recovery;
