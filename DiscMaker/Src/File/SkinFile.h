@@ -25,12 +25,26 @@ public:
 
     // Writes the file that it was read from anew with these looks, to `sPath`, which may be the same
     // or another: everything else in it stays to the byte. Under a new name first, then renamed:
-    // when it fails, what was at `sPath` is whole, the reason is among the problems.
+    // when it fails, what was at `sPath` is whole, the reason is among the problems. Then `sPath` is
+    // this file's place, and `skin` what it holds.
     virtual bool Save(const CSkin &skin, const CCUString &sPath, CProblems &problems) = 0;
+    // The same for a copy elsewhere: this file's place and skin stay.
+    virtual bool SaveCopy(const CSkin &skin, const CCUString &sPath,
+                          CProblems &problems) const = 0;
+    // Save refuses while what it would replace is not what was read there: somebody else has changed
+    // it. This makes the next Save go on all the same.
+    void OverwriteChanges() { m_bOverwrite = true; }
 
 protected:
-    CSkinFile() {}
+    CSkinFile() : m_bOverwrite(false) {}
+
+    // Whether both paths lead to the same place, as far as their names say.
+    static bool IsSamePath(const CCUString &sPath, const CCUString &sOther);
+    // Whether somebody has changed the file since; told as a problem, but for the case that the file
+    // is to be overwritten.
+    bool IsChanged(const CCUString &sPath, const CBlob &bytes, CProblems &problems) const;
 
     CCUString m_sPath;
     CSkin m_skin;
+    bool m_bOverwrite;
 };

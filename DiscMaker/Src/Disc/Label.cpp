@@ -1,0 +1,43 @@
+#include "Disc/Label.h"
+
+#include <string.h>
+
+#include "Problems/SkinStrings.h"
+#include "Resource.h"
+
+const char *const BAD_LABEL_CHARACTERS = "*/:;?\\\"<>|";
+
+namespace {
+
+bool IsBad(char ch)
+{
+    return static_cast<BYTE>(ch) < 0x20 || strchr(BAD_LABEL_CHARACTERS, ch);
+}
+
+}  // namespace
+
+bool HasBadLabelCharacter(const CCUString &sLabel)
+{
+    for (const char *p = sLabel; *p; ++p) {
+        if (IsBad(*p))
+            return true;
+    }
+    return false;
+}
+
+CCUString LabelOf(const CSkin &skin)
+{
+    if (skin.m_texts.empty())
+        return "";
+    const CSkinStrings strings(skin, 0);
+    CCUString sLabel = strings.Read(IDS_DISC_LABEL);
+    if (sLabel.IsEmpty())
+        sLabel = strings.Read(IDS_TITLE);
+    sLabel = sLabel.Left(MAX_LABEL);
+    for (int i = 0; i < sLabel.GetLength(); ++i) {
+        if (IsBad(sLabel[i]))
+            sLabel.SetAt(i, '_');
+    }
+    sLabel.TrimRight();
+    return sLabel;
+}
