@@ -86,10 +86,11 @@ TEST(LauncherFile, WritesWhatTheToolsWrite)
     const auto shipped = Launcher(problems);
     const CBlob other = ReadFileBytes(TEST_OTHER_LAUNCHER);
     const auto wanted = CLauncherFile::Read("b", other, problems);
-    EXPECT_TRUE(*shipped->WithSkin(wanted->Skin(), problems) == *other);
+    EXPECT_TRUE(SameBytes(shipped->WithSkin(wanted->Skin(), problems), other)) << Lines(problems);
     const auto folder = CSkinFile::Open(SKIN_FOLDERS[1], problems);
-    EXPECT_TRUE(*shipped->WithSkin(folder->Skin(), problems) == *other);
-    EXPECT_TRUE(*shipped->WithSkin(shipped->Skin(), problems) == image.Bytes());
+    EXPECT_TRUE(SameBytes(shipped->WithSkin(folder->Skin(), problems), other)) << Lines(problems);
+    EXPECT_TRUE(
+        SameBytes(shipped->WithSkin(shipped->Skin(), problems), ReadFileBytes(TEST_LAUNCHER)));
     EXPECT_EQ("", Lines(problems));
 }
 

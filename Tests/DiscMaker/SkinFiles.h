@@ -6,6 +6,7 @@
 
 #include "File/FileBytes.h"
 #include "File/SkinFile.h"
+#include "Model/Blob.h"
 #include "Support/TemporaryDirectory.h"
 
 // The two skins of the project: as sources, and in launchers that the tools made of them.
@@ -71,6 +72,6 @@ inline void ExpectSameSkin(const CSkin &a, const CSkin &b)
         EXPECT_TRUE(a.m_texts[i].m_entries == b.m_texts[i].m_entries);
     }
     for (int i = 0; i < PictureCount; ++i)
-        EXPECT_TRUE(*a.m_pictures[i] == *b.m_pictures[i]) << i;
-    EXPECT_TRUE(*a.m_icon == *b.m_icon);
+        EXPECT_TRUE(SameBytes(a.m_pictures[i], b.m_pictures[i])) << i;
+    EXPECT_TRUE(SameBytes(a.m_icon, b.m_icon));
 }

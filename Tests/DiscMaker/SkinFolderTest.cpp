@@ -223,7 +223,8 @@ TEST(SkinFolder, WritesPicturesBesideTheScript)
         const bool bSaved = file->Save(skin, path.c_str(), problems);
         CFailPlan::s_nFailAt = 0;
         const auto now = CSkinFile::Open(path.c_str(), problems);
-        ExpectSameSkin(now->Skin(), bSaved ? skin : before);
+        EXPECT_TRUE(now) << Lines(problems);
+        ExpectSameSkin(now ? now->Skin() : CSkin(), bSaved ? skin : before);
         EXPECT_EQ(6u, directory.Files("skin\\*").size());
         if (bSaved) {
             EXPECT_TRUE(file->Save(before, path.c_str(), problems)) << Lines(problems);

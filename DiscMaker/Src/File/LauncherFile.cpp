@@ -98,8 +98,9 @@ void PutPicture(CResourceTree &tree, UINT nId, LANGID nLanguage, const CBlob &pi
 bool PutVersion(CResourceTree &tree, const CVersionStrings &strings)
 {
     const CResourceNode *const pOld = tree.Find(TypeOf(RT_VERSION), VERSION_ID);
-    const std::vector<BYTE> data =
-        pOld ? WriteVersionStrings(CByteView(*pOld->m_data), strings) : std::vector<BYTE>();
+    if (!pOld)
+        return false;
+    const std::vector<BYTE> data = WriteVersionStrings(CByteView(*pOld->m_data), strings);
     if (!data.empty())
         tree.Set(TypeOf(RT_VERSION), VERSION_ID, pOld->m_name.m_nId, MakeBlob(data));
     return !data.empty();
@@ -274,7 +275,7 @@ CBlob CLauncherFile::WithSkin(const CSkin &skin, CProblems &problems) const
     CResourceTree tree = m_resources;
     if (!PutSkin(tree, skin, problems))
         return m_bytes;
-    const CBlob bytes = MakeBlob(m_image.WithResources(tree));
+    CBlob bytes = MakeBlob(m_image.WithResources(tree));
     CProblems unused;
     const auto check = Read(m_sPath, bytes, unused);
     if (!check || !check->HasSkin(skin)) {

@@ -48,9 +48,10 @@ CBlob ReadBmpFile(const CBlob &file)
 CBlob MakeBmpFile(const CBlob &picture)
 {
     std::vector<BYTE> file;
-    file.reserve(BMP_HEAD_SIZE + picture->size());
+    const size_t nSize = BMP_HEAD_SIZE + picture->size();
+    file.reserve(nSize);
     AppendWord(file, BMP_MARK);
-    AppendDword(file, static_cast<DWORD>(BMP_HEAD_SIZE + picture->size()));
+    AppendDword(file, static_cast<DWORD>(nSize));
     AppendDword(file, 0);
     AppendDword(file, BMP_HEAD_SIZE + BitsOffset(CByteView(*picture)));
     Append(file, CByteView(*picture));

@@ -94,6 +94,17 @@ bool CScriptLexer::SkipSpace()
     return true;
 }
 
+// Whether a character of a text has a second one: an escape, "" or one of two bytes.
+bool CScriptLexer::IsPair(size_t nPlace) const
+{
+    const WCHAR ch = m_text.At(nPlace);
+    if (ch == '"')
+        return m_text.At(nPlace + 1) == '"';
+    const bool bLead =
+        !m_text.IsWide() && IsDBCSLeadByteEx(m_nCodePage, static_cast<BYTE>(ch)) != FALSE;
+    return (ch == '\\' || bLead) && !m_text.IsNewLine(nPlace + 1);
+}
+
 // From the first quotation mark on to behind the last one, or to the end of the line.
 void CScriptLexer::SkipText()
 {
@@ -102,17 +113,11 @@ void CScriptLexer::SkipText()
         if (const size_t nSplice = SplicedAt(m_nPlace)) {
             m_nPlace += nSplice - 1;
             ++m_nLine;
-        } else if (ch == '\\' && !m_text.IsNewLine(m_nPlace + 1)) {
-            ++m_nPlace;
-        } else if (ch == '"' && m_text.At(m_nPlace + 1) == '"') {
+        } else if (IsPair(m_nPlace)) {
             ++m_nPlace;
         } else if (ch == '"') {
             ++m_nPlace;
             return;
-        } else if (!m_text.IsWide() && IsDBCSLeadByteEx(m_nCodePage, static_cast<BYTE>(ch)) &&
-                   !m_text.IsNewLine(m_nPlace + 1))
-        {
-            ++m_nPlace;
         }
     }
     if (m_nPlace > m_text.Length())

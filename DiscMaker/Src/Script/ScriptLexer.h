@@ -46,6 +46,7 @@ private:
     void SkipText();
     void SkipDirective();
     size_t SplicedAt(size_t nPlace) const;
+    bool IsPair(size_t nPlace) const;
     CScriptToken Token(ScriptTokenKind kind, size_t nStart, UINT nLine) const;
 
     const CScriptText &m_text;

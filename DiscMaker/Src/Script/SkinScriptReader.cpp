@@ -89,7 +89,8 @@ bool CSkinScriptReader::Is(const char *pszWord) const
 
 bool CSkinScriptReader::IsCharacter(char ch) const
 {
-    return m_token.m_kind == TokenOther && m_script.m_text.At(m_token.m_nStart) == ch;
+    return m_token.m_kind == TokenOther &&
+           m_script.m_text.At(m_token.m_nStart) == static_cast<BYTE>(ch);
 }
 
 CCUString CSkinScriptReader::Chars(size_t nStart, size_t nEnd) const
