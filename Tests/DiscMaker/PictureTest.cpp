@@ -9,7 +9,6 @@
 #include "Picture/Import.h"
 #include "Picture/Palette.h"
 #include "Support/BmpBytes.h"
-#include "Support/GuardedBuffer.h"
 #include "Support/TemporaryDirectory.h"
 
 namespace {
@@ -82,6 +81,11 @@ TEST(Picture, SurvivesHostileBytes)
     const DWORD odd[] = {0, 1, 0x7FFFFFFF, 0x80000000, 0xFFFFFFFF, 12, 16, 40, 56, 108, 3, 6};
     const CBmpBytes seeds[] = {{9, 6, 8, 40, BI_RLE8}, {7, 5, 4},   {7, 5, 16, 40, BI_BITFIELDS},
                                {7, 5, 32, 124},        {7, -5, 24}, {8, 4, 1}};
+    // Each ends right before a page that nobody may touch.
+    const size_t ROOM = 0x10000;
+    BYTE *const room =
+        static_cast<BYTE *>(VirtualAlloc(nullptr, ROOM + 1, MEM_RESERVE, PAGE_NOACCESS));
+    ASSERT_TRUE(VirtualAlloc(room, ROOM, MEM_COMMIT, PAGE_READWRITE));
     for (int i = 0; i < 20000; ++i) {
         std::vector<BYTE> dib = seeds[random() % 6].Packed(0);
         dib.resize(dib.size() - random() % 3 * (random() % dib.size()) / 2);
@@ -89,9 +93,8 @@ TEST(Picture, SurvivesHostileBytes)
             memcpy(&dib[random() % 11 * 4], random() % 2 ? &odd[random() % 12] : &odd[5], 4);
         if (!dib.empty())
             dib[random() % dib.size()] = static_cast<BYTE>(random());
-        CGuardedBuffer guarded(dib.size());
-        std::copy(dib.begin(), dib.end(), guarded.Data());
-        const BYTE *const p = reinterpret_cast<const BYTE *>(guarded.Data());
+        BYTE *const p = room + ROOM - dib.size();
+        std::copy(dib.begin(), dib.end(), p);
         CPixels pixels;
         const bool bTaken = !ReadDib(p, dib.size(), random() % 8 ? 0 : random() % 99, pixels);
         EXPECT_TRUE(!bTaken || WriteDib(pixels));
