@@ -278,6 +278,13 @@ TEST(MessageBoxes, ShowsIconHelpAndCaptionOfItsOwner)
     EXPECT_EQ(IDOK, CUIMessageBox(&owner, "text", nullptr, nFlags));
     EXPECT_EQ("beep 48 help", told);
     EXPECT_TRUE(IsWindowEnabled(owner));
+    // A message that cannot be shown is not lost.
+    const CDumped trace;
+    const CFakeCall<HWND(HINSTANCE, const DLGTEMPLATE *, HWND, DLGPROC, LPARAM)> none(
+        "CreateDialogIndirectParamA", [](auto...) { return nullptr; });
+    EXPECT_EQ(IDCANCEL, CUIMessageBox(&owner, "lost", nullptr, MB_OK));
+    EXPECT_NE(std::string::npos, trace.m_text.find(": lost\n"));
+    EXPECT_TRUE(IsWindowEnabled(owner));
 }
 
 TEST(MessageBoxes, GoesWithItsOwnerAndLeavesNothing)
