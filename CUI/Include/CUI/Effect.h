@@ -50,14 +50,14 @@ public:
     /// The ways in which something can go.
     enum Direction
     {
-        Right,
-        RightDown,
-        Down,
-        LeftDown,
-        Left,
-        LeftUp,
-        Up,
-        RightUp
+        Right,      ///< to the right
+        RightDown,  ///< to the lower right corner
+        Down,       ///< down
+        LeftDown,   ///< to the lower left corner
+        Left,       ///< to the left
+        LeftUp,     ///< to the upper left corner
+        Up,         ///< up
+        RightUp     ///< to the upper right corner
     };
 
     ~CCUITimeBasedEffect() override;

@@ -56,6 +56,7 @@ public:
     void SetBackground(const CUIEffectPicture &background);
 
 protected:
+    /// Without pictures, on the colour of windows.
     CCUIPictureEffect();
 
     /// The settings.
