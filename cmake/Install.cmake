@@ -19,5 +19,5 @@ install(FILES Docs/Framework.md DESTINATION ${doc_dir} RENAME README.md)
 file(GLOB doc_pictures Docs/*.png)
 list(FILTER doc_pictures EXCLUDE REGEX launcher)
 install(FILES ${doc_pictures} DESTINATION ${doc_dir})
-install(DIRECTORY Samples/Hello Samples/Frame Samples/Viewer DESTINATION ${doc_dir}
+install(DIRECTORY Samples/Hello Samples/Frame Samples/Viewer Samples/Prober DESTINATION ${doc_dir}
   PATTERN "*.py" EXCLUDE)

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <deque>
 #include <map>
 #include <memory>
 #include <random>
@@ -13,6 +14,7 @@
 #include "CU/Dump.h"
 #include "CU/ProberClient.h"
 #include "Support/ChildProcess.h"
+#include "Support/GuardedBuffer.h"
 #include "Support/TestTimer.h"
 #include "Support/Threads.h"
 
@@ -113,9 +115,12 @@ TEST(Prober, DiesWhileOthersRead)
             }
             return;
         }
-        for (int i = 0; i < 3000; ++i) {
+        for (int i = 0; i < 1000; ++i) {
             auto pAlive = std::make_unique<long>(7);
-            const auto compute = [](void *p) { return *static_cast<long *>(p); };
+            const auto compute = [](void *p) {
+                Sleep(0);
+                return *static_cast<long *>(p);
+            };
             auto pComputed = std::make_unique<CCUProberFunction>("\\Dying", "Function", compute, "",
                                                                  "", pAlive.get());
             const CCUProberText text("\\Dying", "Text", "text");
@@ -239,9 +244,9 @@ TEST(Prober, IsReadAndSetFromAnotherProcess)
     CCUProberText longText("\\Outside", "Long text");
     longText.Set(CCUString('x', 10000));
     open.SetOpen(true);
-    std::vector<std::unique_ptr<CCUProberLong>> many;
+    std::deque<CCUProberLong> many;
     for (int i = 0; i < 6000; ++i)
-        many.push_back(std::make_unique<CCUProberLong>("\\Outside", "Many", i));
+        many.emplace_back("\\Outside", "Many", i);
     std::unique_ptr<CCUProberLong> added;
     const CChildProcess asker("ProberAsker",
                               std::to_string(reinterpret_cast<UINT_PTR>(CUGetWindow())).c_str());
@@ -263,20 +268,27 @@ TEST(Prober, AnswersNoRequestThatIsNotWellFormed)
     const HWND hWnd = CUGetWindow();
     const UINT uSet = RegisterWindowMessageA("CUProberSet");
     std::mt19937 random(20);
-    int nAnswered = 0;
+    CGuardedBuffer buffer(20);
+    int nAnswered = 0, nWrong = 0;
     for (int i = 0; i < 1000000; ++i) {
         // Of plausible words mostly.
-        std::vector<DWORD> words(random() % 5);
-        for (DWORD &word : words)
-            word = random() % 2 ? random() % 6 : random();
-        COPYDATASTRUCT data = {random() % 8 ? 0x43555051 : random(), words.size() * 4,
-                               words.data()};
-        data.cbData -= data.cbData && random() % 4 == 0 ? random() % 4 : 0;
-        nAnswered += SendMessageA(hWnd, WM_COPYDATA, 0, reinterpret_cast<LPARAM>(&data)) != 0;
+        const DWORD nSize = random() % 20;
+        DWORD words[5] = {random() % 6};
+        for (int j = 1; j < 5; ++j)
+            words[j] = random() % 2 ? random() % 6 : random();
+        char *const pData = buffer.Data() + 20 - nSize;
+        memcpy(pData, words, nSize);
+        COPYDATASTRUCT data = {random() % 8 ? 0x43555051 : random(), nSize, pData};
+        const bool bAnswered = SendMessageA(hWnd, WM_COPYDATA, 0, reinterpret_cast<LPARAM>(&data));
+        nAnswered += bAnswered;
+        const bool bRead = nSize > 8 && nSize % 4 == 0 && words[1] == 0;
+        if (words[0] == 3 && bAnswered != (data.dwData == 0x43555051 && bRead))
+            ++nWrong;
         if (i % 16 == 0)
             SendMessageA(hWnd, uSet, random() % 2 ? random() : random() % 100000, 0);
     }
     EXPECT_GT(nAnswered, 100);
+    EXPECT_EQ(0, nWrong);
     EXPECT_EQ(0, SendMessageA(hWnd, WM_COPYDATA, 0, 0));
     EXPECT_STREQ("unchanged", text.Get());
     CCUProberClient client;
