@@ -14,7 +14,6 @@
 #include "CU/Dump.h"
 #include "CU/ProberClient.h"
 #include "Support/ChildProcess.h"
-#include "Support/GuardedBuffer.h"
 #include "Support/TestTimer.h"
 #include "Support/Threads.h"
 
@@ -268,7 +267,11 @@ TEST(Prober, AnswersNoRequestThatIsNotWellFormed)
     const HWND hWnd = CUGetWindow();
     const UINT uSet = RegisterWindowMessageA("CUProberSet");
     std::mt19937 random(20);
-    CGuardedBuffer buffer(20);
+    // Requests end right before a page that nobody may touch.
+    const size_t PAGE = 4096;
+    char *const page =
+        static_cast<char *>(VirtualAlloc(nullptr, PAGE + 1, MEM_RESERVE, PAGE_NOACCESS));
+    ASSERT_TRUE(VirtualAlloc(page, PAGE, MEM_COMMIT, PAGE_READWRITE));
     int nAnswered = 0, nWrong = 0;
     for (int i = 0; i < 1000000; ++i) {
         // Of plausible words mostly.
@@ -276,7 +279,7 @@ TEST(Prober, AnswersNoRequestThatIsNotWellFormed)
         DWORD words[5] = {random() % 6};
         for (int j = 1; j < 5; ++j)
             words[j] = random() % 2 ? random() % 6 : random();
-        char *const pData = buffer.Data() + 20 - nSize;
+        char *const pData = page + PAGE - nSize;
         memcpy(pData, words, nSize);
         COPYDATASTRUCT data = {random() % 8 ? 0x43555051 : random(), nSize, pData};
         const bool bAnswered = SendMessageA(hWnd, WM_COPYDATA, 0, reinterpret_cast<LPARAM>(&data));

@@ -12,6 +12,7 @@ const unsigned ID_COUNT = 1010, ID_RESET = 1011, ID_NEW = 1012, ID_OPEN = 1013, 
 const UINT IDB_BUTTONS = 1, IDI_PROGRAM = 2, IDC_WRAP = 3, IDC_NAME = 4, IDC_FILES = 5, IDB_DAY = 6,
            IDB_NIGHT = 7;
 
+static long nQueued, nUsed;
 void Save();
 int Open(const CCUString &sPath);
 

@@ -7,6 +7,8 @@
 #include "CU/Dump.h"
 #include "CU/File.h"
 #include "CU/IDGenerator.h"
+#include "CU/Prober.h"
+#include "CU/ProberClient.h"
 #include "CU/Registry.h"
 #include "CU/String.h"
 #include "CU/ThreadExit.h"
@@ -193,4 +195,83 @@ void ShowVersion()
     if (system.IsWinNT() && system.GetMajor() >= 5)
         CUDump("Windows 2000 or later: %s\n", system.GetVerString().GetString());
     //! [CCUVersionInfo]
+}
+
+void ShowProber()
+{
+    //! [CCUProber]
+    CUProberValue value;
+    if (CCUProber::Get(CCUProber::Find("\\Copier\\Files"), value) == CU_PROBER_DONE)
+        CUDump("%ld files so far\n", value.nLong);
+    CCUProber::Dump("\\Copier");  // all that it has, to the trace
+    //! [CCUProber]
+}
+
+void ShowProberClient()
+{
+    //! [CCUProberClient]
+    CCUProberClient client;
+    for (HWND h = nullptr; (h = CCUProberClient::GetNextProgram(h)) != nullptr;)
+        if (client.Connect(h))
+            CUDump("%s has %d values\n", client.GetProgram().GetString(), client.List());
+    //! [CCUProberClient]
+}
+
+//! [CCUProberVariable]
+// Variables of one thing stand below one path; one that others may set says so.
+static CCUProberLong s_speed("\\Copier", "Speed", 8, "how much at once", "MiB");
+void LetOthersSetTheSpeed()
+{
+    s_speed.SetOpen(true);
+}
+//! [CCUProberVariable]
+
+//! [CCUProberLong]
+static CCUProberLong s_files("\\Copier", "Files", 0, "that were copied");
+void CountFile()
+{
+    s_files.Add(1);  // on any thread
+}
+//! [CCUProberLong]
+
+//! [CCUProberDouble]
+static CCUProberDouble s_share("\\Copier", "Share", 0, "of the work that is done");
+void TellShare(double fDone)
+{
+    s_share.Set(fDone);
+}
+//! [CCUProberDouble]
+
+//! [CCUProberFlag]
+static CCUProberFlag s_verify("\\Copier", "Verify", true, "reads back what it wrote");
+bool IsVerified()
+{
+    return s_verify;
+}
+//! [CCUProberFlag]
+
+//! [CCUProberText]
+static CCUProberText s_current("\\Copier", "Current", "", "the file that is being copied");
+void TellFile(const CCUString &sPath)
+{
+    s_current.Set(sPath);
+}
+//! [CCUProberText]
+
+//! [CCUProberFunction]
+static long QueueLength(void *)
+{
+    return 3;  // whatever it takes to know it
+}
+static CCUProberFunction s_queue("\\Copier", "Queue", QueueLength, "files that wait");
+//! [CCUProberFunction]
+
+void ShowProberWatch(HWND hWindow)
+{
+    //! [CCUProberWatch]
+    CCUProberWatch watch("\\Copier", hWindow, WM_APP);
+    // In the handler of WM_APP:
+    while (const unsigned long nID = watch.Next())
+        CUDump("%lu was set\n", nID);
+    //! [CCUProberWatch]
 }
