@@ -1,5 +1,6 @@
 # What `cmake --install` lays out: the framework for other projects, which find it as the CMake
-# package AutoRun (Docs/Framework.md), and the launcher.
+# package AutoRun (Docs/Framework.md), and the launcher. The component DiscMaker is apart from that: what
+# somebody gets who makes discs.
 include(CMakePackageConfigHelpers)
 
 set(package_dir lib/cmake/AutoRun)
@@ -21,3 +22,10 @@ list(FILTER doc_pictures EXCLUDE REGEX launcher)
 install(FILES ${doc_pictures} DESTINATION ${doc_dir})
 install(DIRECTORY Samples/Hello Samples/Frame Samples/Viewer DESTINATION ${doc_dir}
   PATTERN "*.py" EXCLUDE)
+
+set(maker_options COMPONENT DiscMaker EXCLUDE_FROM_ALL)
+install(PROGRAMS $<TARGET_FILE:DiscMaker> $<TARGET_FILE:AutoRun> DESTINATION . ${maker_options})
+install(DIRECTORY DiscMaker/Help DESTINATION . ${maker_options})
+install(FILES Docs/launcher.png DESTINATION Help ${maker_options})
+install(DIRECTORY AutoRun/Skin/ DESTINATION Skins/Fennick ${maker_options} PATTERN "*.py" EXCLUDE)
+install(DIRECTORY Disc/Skins/ DESTINATION Skins ${maker_options} PATTERN "*.py" EXCLUDE)
