@@ -1,5 +1,6 @@
 # What `cmake --install` lays out: the framework for other projects, which find it as the CMake
-# package AutoRun (Docs/Framework.md), and the launcher.
+# package AutoRun (Docs/Framework.md), and the launcher. The component DiscMaker is apart from that: what
+# somebody gets who makes discs.
 include(CMakePackageConfigHelpers)
 
 set(package_dir lib/cmake/AutoRun)
@@ -30,3 +31,10 @@ if(AUTORUN_MANUAL)
     COMMAND \"${CMAKE_SOURCE_DIR}/Tools/make-manual\" \"${manual}\" COMMAND_ERROR_IS_FATAL ANY)")
   install(DIRECTORY ${manual}/html/ DESTINATION ${doc_dir}/manual)
 endif()
+
+set(maker_options COMPONENT DiscMaker EXCLUDE_FROM_ALL)
+install(PROGRAMS $<TARGET_FILE:DiscMaker> $<TARGET_FILE:AutoRun> DESTINATION . ${maker_options})
+install(DIRECTORY DiscMaker/Help DESTINATION . ${maker_options})
+install(FILES Docs/launcher.png DESTINATION Help ${maker_options})
+install(DIRECTORY AutoRun/Skin/ DESTINATION Skins/Fennick ${maker_options} PATTERN "*.py" EXCLUDE)
+install(DIRECTORY Disc/Skins/ DESTINATION Skins ${maker_options} PATTERN "*.py" EXCLUDE)

@@ -29,6 +29,16 @@ std::unique_ptr<CSkinFile> Open(const CCUString &sPath, CProblems &problems)
     return CSkinFile::Open(sPath, problems);
 }
 
+// To be written elsewhere: not without a picture that could not be read, which would take it away from
+// a launcher or a disc that has it.
+std::unique_ptr<CSkinFile> OpenWhole(const CCUString &sPath, CProblems &problems)
+{
+    std::unique_ptr<CSkinFile> pFile = Open(sPath, problems);
+    if (HasErrors(problems))
+        pFile.reset();
+    return pFile;
+}
+
 bool Fail(CProblems &problems, const CCUString &sWhere, const CCUString &sWhat)
 {
     problems.push_back({ProblemError, 0, sWhere, sWhat, ""});
@@ -57,7 +67,7 @@ bool Apply(const CWords &words, CProblems &problems)
     const CCUString &sLauncher = words[2];
     if (words[1].CompareNoCase("/to") != 0)
         return Fail(problems, words[1], "\"/to\" is wanted here, and a launcher.");
-    const auto pSkin = Open(words[0], problems);
+    const auto pSkin = OpenWhole(words[0], problems);
     const auto pLauncher = pSkin ? Open(sLauncher, problems) : nullptr;
     if (!pLauncher)
         return false;
@@ -84,7 +94,7 @@ bool Disc(const CWords &words, CProblems &problems)
     const bool bLauncherNamed = words.size() > 3;
     if (bLauncherNamed && (words.size() != 5 || words[3].CompareNoCase("/launcher") != 0))
         return Fail(problems, words[3], "\"/launcher\" is wanted here, and a launcher.");
-    const auto pFile = Open(words[0], problems);
+    const auto pFile = OpenWhole(words[0], problems);
     if (!pFile)
         return false;
     CheckSkin(pFile->Skin(), words[1], problems);

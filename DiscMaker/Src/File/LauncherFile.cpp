@@ -307,7 +307,9 @@ bool CLauncherFile::Save(const CSkin &skin, const CCUString &sPath, CProblems &p
     if (!bytes)
         return false;
     CFileSet files;
-    if (!SameBytes(ReadFileBytes(sPath), bytes))
+    // What is there was held against the old bytes a moment ago and need not be read once more.
+    const bool bKnown = !m_bOverwrite && IsSamePath(sPath, m_sPath);
+    if ((bKnown && !SameBytes(bytes, m_bytes)) || !SameBytes(ReadFileBytes(sPath), bytes))
         files.Add(sPath, bytes);
     if (!files.Commit(problems))
         return false;

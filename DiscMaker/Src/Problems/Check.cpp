@@ -66,8 +66,9 @@ CCUString WithNumber(const char *pszFormat, int nNumber)
 
 void CheckSkin(const CSkin &skin, const CCUString &sContents, CProblems &problems)
 {
+    // The pictures first: of what is wrong with them, such as two that were swapped, follows much else.
+    CheckPictures(skin, problems);
     CProblems found;
-    CheckPictures(skin, found);
     if (skin.m_texts.empty())
         found.push_back({ProblemError, 0, "", "There are no texts at all.",
                          "The launcher shows an empty picture and starts nothing."});
