@@ -17,10 +17,11 @@ install(FILES ${CMAKE_CURRENT_BINARY_DIR}/AutoRunConfigVersion.cmake DESTINATION
 
 set(doc_dir share/doc/AutoRun)
 install(FILES Docs/Framework.md DESTINATION ${doc_dir} RENAME README.md)
+install(FILES CHANGELOG.md DESTINATION ${doc_dir})
 file(GLOB doc_pictures Docs/*.png)
 list(FILTER doc_pictures EXCLUDE REGEX launcher)
 install(FILES ${doc_pictures} DESTINATION ${doc_dir})
-install(DIRECTORY Samples/Hello Samples/Frame Samples/Viewer DESTINATION ${doc_dir}
+install(DIRECTORY Samples/Hello Samples/Frame Samples/Tutorial Samples/Viewer Samples/Effects DESTINATION ${doc_dir}
   PATTERN "*.py" EXCLUDE)
 
 set(maker_options COMPONENT DiscMaker EXCLUDE_FROM_ALL)
@@ -29,3 +30,10 @@ install(DIRECTORY DiscMaker/Help DESTINATION . ${maker_options})
 install(FILES Docs/launcher.png DESTINATION Help ${maker_options})
 install(DIRECTORY AutoRun/Skin/ DESTINATION Skins/Fennick ${maker_options} PATTERN "*.py" EXCLUDE)
 install(DIRECTORY Disc/Skins/ DESTINATION Skins ${maker_options} PATTERN "*.py" EXCLUDE)
+
+if(AUTORUN_MANUAL)
+  set(manual ${CMAKE_BINARY_DIR}/manual)
+  install(CODE "execute_process(
+    COMMAND \"${CMAKE_SOURCE_DIR}/Tools/make-manual\" \"${manual}\" COMMAND_ERROR_IS_FATAL ANY)")
+  install(DIRECTORY ${manual}/html/ DESTINATION ${doc_dir}/manual)
+endif()

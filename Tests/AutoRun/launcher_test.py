@@ -168,7 +168,7 @@ class Exports(LauncherTest):
                          "Subsystem\t\t00000002"):
                 self.assertIn(f"\n{line}", dump)
             resources = int(re.search(r"\.rsrc +([0-9a-f]+)", dump)[1], 16)
-            self.assertLess(os.path.getsize(launcher) - resources, 256 * 1024)
+            self.assertLess(os.path.getsize(launcher) - resources, 288 * 1024)
 
 
 # What depends on the colours that the screen has. Whether the palette was realised is only seen

@@ -5,6 +5,7 @@
 #include "Support/Reports.h"
 #include "Support/SysColors.h"
 #include "Support/TestWindow.h"
+#include "Support/Threads.h"
 
 namespace {
 
@@ -73,6 +74,27 @@ TEST(Dialog, EndsWithWhatItWasToldInEveryWay)
         EXPECT_TRUE(IsWindowEnabled(owner));
         EXPECT_EQ(nWindows, WindowCount());
     }
+}
+
+// The loop waits in the very call that serves the message of the other thread.
+TEST(Dialog, IsCancelledByAnotherThread)
+{
+    struct CIdle : CCUIIdleCallback
+    {
+        void OnIdle() override { m_bIdle = true; }
+        volatile bool m_bIdle = false;
+    } idle;
+    CCUIWindow::SetIdleCallback(&idle);
+    CTestDialog dialog;
+    CThreads::Run(2, [&](int nThread) {
+        if (nThread == 0) {
+            EXPECT_EQ(IDCANCEL, dialog.DoModal(nullptr));
+            return;
+        }
+        while (!idle.m_bIdle)
+            Sleep(1);
+        SendMessageA(dialog, WM_COMMAND, IDCANCEL, 0);
+    });
 }
 
 TEST(Dialog, AnswersWhatCannotRun)

@@ -119,7 +119,7 @@ class Package(unittest.TestCase):
             output_of(*compiler, *options, "-std=c++17", "-DCU_IMPORTS", "-DCUI_IMPORTS", "-I",
                       self.tree / "include", "-c", source, "-o", f"{made}.o")
             output_of(*self.gcc, "-shared", f"{made}.o", self.tree / "lib/libAutoRun.dll.a",
-                      *missing, "-lgdi32", "-lcomctl32", "-o", f"{made}.dll")
+                      *missing, "-lgdi32", "-lcomctl32", "-loleaut32", "-o", f"{made}.dll")
 
         for source in (derived, *samples):
             link(self.gcc, "-fkeep-inline-functions", source=source)
