@@ -52,7 +52,7 @@ inline void WriteFileBytes(const std::string &path, const std::string &bytes)
 // A folder with copies of all files of another one.
 inline std::string CopyFolder(const CTemporaryDirectory &directory, const std::string &from)
 {
-    const std::string to = directory.Path() + "\\skin";
+    std::string to = directory.Path() + "\\skin";
     CreateDirectoryA(to.c_str(), nullptr);
     WIN32_FIND_DATAA found;
     const HANDLE search = FindFirstFileA((from + "/*").c_str(), &found);
