@@ -103,6 +103,31 @@ TEST(Canvas, SelectsAndArranges)
               canvas.Selection());
 }
 
+TEST(Canvas, TakesALinesBulletAlong)
+{
+    CCanvasWindow window;
+    CCanvas &canvas = window.m_canvas;
+    const auto bullet = [&] { return window.m_document.Entry(IDS_RUN_ICON_POS); };
+    canvas.SetSnapping(false);
+    window.Drag({60, 180}, {80, 177});
+    canvas.Nudge(1, 2);
+    EXPECT_STREQ("36,175", bullet());
+    canvas.SelectAll();  // both are moved once
+    canvas.Nudge(-1, 0);
+    EXPECT_STREQ("35,175", bullet());
+    canvas.Select(ItemRunBullet);
+    canvas.Nudge(0, 9);
+    EXPECT_STREQ("35,184", bullet());
+    EXPECT_STREQ("66,171", window.m_document.Entry(IDS_RUN_POS)) << "a bullet goes alone";
+    for (int i = 0; i < 4; ++i)
+        window.m_document.Undo();
+    EXPECT_STREQ("15,176", bullet());
+    window.m_document.SetEntry(IDS_RUN_ICON_POS, "");
+    canvas.Select(ItemRun);
+    canvas.Nudge(1, 1);
+    EXPECT_STREQ("", bullet());
+}
+
 TEST(Canvas, SnapsToTheNearestEdge)
 {
     EXPECT_EQ(3, Snap(10, 30, {13, 34}, 4).m_nBy);

@@ -172,6 +172,12 @@ TEST_F(CDiscTest, RefusesPlacesThatMeet)
 TEST_F(CDiscTest, LosesNothingWhenItFails)
 {
     ASSERT_TRUE(Make());
+    const std::string killed = Path() + "\\out.unfinished";
+    CreateDirectoryA(killed.c_str(), nullptr);
+    ASSERT_TRUE(Make());
+    ASSERT_EQ(1U, m_problems.size());
+    EXPECT_TRUE(strstr(ProblemLine(m_problems[0]), "out.unfinished: A disc that was not finished"));
+    RemoveDirectoryA(killed.c_str());
     CStopAt progress(2 << 20);
     EXPECT_FALSE(Make("\\out", "\\in", &progress));
     EXPECT_STREQ("The work was stopped.", m_problems[0].m_sWhat);

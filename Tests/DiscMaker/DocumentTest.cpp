@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 #include <functional>
+#include <random>
 
 #include "Model/Document.h"
 #include "Model/EntryLines.h"
@@ -79,6 +80,50 @@ TEST(Document, TakesBackEveryKindOfChangeToTheByte)
     }
 }
 
+// A thousand changes, undos and redos at random, beside a list of whole states.
+TEST(Document, GoesBackAndForthAsAListOfStatesDoes)
+{
+    CDocument document;
+    document.Start(TestSkin());
+    std::vector<std::vector<BYTE>> states = {All(document)};
+    size_t nAt = 0;
+    std::minstd_rand random(7);
+    for (int i = 0; i < 1000; ++i) {
+        const unsigned nWhat = random() % 4;
+        if (nWhat == 0) {
+            document.Undo();
+            nAt -= nAt > 0;
+        } else if (nWhat == 1) {
+            document.Redo();
+            nAt += nAt + 1 < states.size();
+        } else {
+            const CDocumentStep step(document);
+            document.SetEntry(IDS_TITLE + random() % 3, CCUString(char('a' + random() % 9), 3));
+            document.SetVersion(random() % 2 ? "ProductName" : "Other", random() % 3 ? "x" : "");
+            if (All(document) != states[nAt]) {
+                states.resize(++nAt);
+                states.push_back(All(document));
+            }
+        }
+        ASSERT_EQ(states[nAt], All(document)) << i;
+        ASSERT_TRUE(document.CanUndo() == (nAt > 0) &&
+                    document.CanRedo() == (nAt + 1 < states.size()));
+    }
+}
+
+TEST(Document, KeepsCharactersThatNoFieldCanShow)
+{
+    CSkin skin = TestSkin();
+    const WCHAR russian[] = {0x0434, 0x0436, 'a'};
+    skin.m_texts[0].m_entries[IDS_TITLE] = CWideText(russian, 3);
+    CDocument document;
+    document.Start(skin);
+    document.SetEntry(IDS_TITLE, document.Entry(IDS_TITLE) + "b");
+    const CWideText *const pText = document.Text(document.EntryPart(IDS_TITLE));
+    ASSERT_EQ(4U, pText->Length());
+    EXPECT_TRUE(CWideText(pText->Data(), 3) == CWideText(russian, 3) && pText->Data()[3] == 'b');
+}
+
 TEST(Document, JoinsWhatFollowsEachOtherUntilItIsSealedOrSaved)
 {
     CDocument document;
@@ -156,8 +201,9 @@ TEST(SkinBytes, TakesNothingThatIsNotWhole)
 CHILD_PROCESS(KeepAndCrash)
 {
     CRecovery kept;
-    kept.Keep(CSkin(), "first");
-    kept.Keep(TestSkin(), "C:\\a b.exe");
+    CProblems problems;
+    kept.Keep(CSkin(), "first", problems);
+    kept.Keep(TestSkin(), "C:\\a b.exe", problems);
     TerminateProcess(GetCurrentProcess(), 3);
 }
 

@@ -235,12 +235,14 @@ TEST(LauncherFile, LosesNothingWhenItCannotSave)
         CloseHandle(used);
     }
     SetFileAttributesA(path.c_str(), FILE_ATTRIBUTE_NORMAL);
+    EXPECT_FALSE(file->IsOutdated());
     WriteFileBytes(path, "changed");
     problems.clear();
     EXPECT_FALSE(file->Save(skin, path.c_str(), problems));
     EXPECT_TRUE(strstr(Lines(problems).c_str(), "has changed the file")) << Lines(problems);
     EXPECT_EQ("changed", Contents(path));
-    file->OverwriteChanges();
+    EXPECT_TRUE(file->IsOutdated());
+    file->OverwriteChanges(true);
     EXPECT_TRUE(file->Save(skin, path.c_str(), problems));
     EXPECT_EQ("Other", TextOf(CSkinFile::Open(path.c_str(), problems)->Skin(), IDS_TITLE));
 }

@@ -265,3 +265,16 @@ TEST(SkinFolder, WritesPicturesBesideTheScript)
     EXPECT_FALSE(file->Save(skin, shared.Path().c_str(), problems));
     EXPECT_TRUE(strstr(Lines(problems).c_str(), "a.bmp: Another program has changed"));
 }
+
+TEST(SkinFolder, SaysThatNotEveryCompilerKnowsTheMarkOfUtf8)
+{
+    const std::string mark = "\xEF\xBB\xBF", table = "STRINGTABLE { 28 \"\xC3\xA4\" }\n";
+    for (const auto &pragma : {"", "#pragma code_page(65001)\n"}) {
+        CScriptFolder folder(mark + pragma + table);
+        const auto file = folder.Open();
+        ASSERT_TRUE(file);
+        EXPECT_EQ("\xE4", TextOf(file->Skin(), IDS_TITLE));
+        const std::string lines = Lines(folder.m_problems);
+        EXPECT_EQ(!*pragma, lines.find("#pragma code_page(65001)") != std::string::npos) << lines;
+    }
+}

@@ -384,8 +384,23 @@ void CCanvas::Nudge(int x, int y)
     }
 }
 
+// Whether it is the bullet of a line that is moved, and not moved by itself.
+bool CCanvas::Follows(FaceItem item) const
+{
+    POINT place;
+    return FaceItemInfoOf(item).m_bBullet && !IsSelected(item) &&
+           IsSelected(static_cast<FaceItem>(item - 1)) &&
+           ParsePoint(m_document.Entry(FaceItemInfoOf(item).m_nPlace), place);
+}
+
 void CCanvas::PutItem(FaceItem item, const RECT &rect)
 {
+    const FaceItem bullet = BulletOf(item);
+    if (bullet != ItemNone && Follows(bullet)) {
+        const RECT &from = m_rects[item], &at = m_rects[bullet];
+        m_document.SetEntry(FaceItemInfoOf(bullet).m_nPlace,
+                            FormatPoint({at.left + rect.left - from.left, at.top + rect.top - from.top}));
+    }
     const UINT nPlace = FaceItemInfoOf(item).m_nPlace;
     m_document.SetEntry(nPlace, item == ItemAbout ? FormatRect(rect)
                                                   : FormatPoint({rect.left, rect.top}));

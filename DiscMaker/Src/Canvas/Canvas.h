@@ -30,7 +30,8 @@ protected:
 // The launcher's face, to be arranged with mouse and keyboard.
 //
 //     click               selects an item, with Ctrl one more; beside all items: a frame selects
-//     drag                moves what is selected; Alt: without snapping; Escape: back
+//     drag                moves what is selected; Alt: without snapping; Escape: back. A line takes
+//                         its bullet along, a bullet goes alone
 //     grips               size the description
 //     arrow keys          nudge by a pixel, with Shift by ten
 //     Tab, Shift+Tab      the next item; from the last on to the next control
@@ -150,6 +151,7 @@ private:
     void MoveTo(POINT by);
     void SizeTo(const POINT &by);
     std::vector<LONG> SnapLines(bool bAcross) const;
+    bool Follows(FaceItem item) const;
     void PutItem(FaceItem item, const RECT &rect);
 
     CDocument &m_document;

@@ -216,7 +216,7 @@ std::vector<LONG> CCanvas::SnapLines(bool bAcross) const
     const SIZE &size = m_picture.Size();
     std::vector<LONG> lines = {0, bAcross ? size.cx : size.cy};
     for (int i = 0; i < FaceItemCount; ++i) {
-        if (IsSelected(static_cast<FaceItem>(i)))
+        if (IsSelected(static_cast<FaceItem>(i)) || Follows(static_cast<FaceItem>(i)))
             continue;
         const RECT &rect = m_rects[i];
         lines.push_back(bAcross ? rect.left : rect.top);

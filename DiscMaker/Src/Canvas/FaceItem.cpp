@@ -35,6 +35,12 @@ const FaceItemInfo &FaceItemInfoOf(FaceItem item)
     return ITEMS[item];
 }
 
+FaceItem BulletOf(FaceItem item)
+{
+    const bool bLine = item != ItemNone && ITEMS[item].m_nLine != HotSpotNone && !ITEMS[item].m_bBullet;
+    return bLine ? static_cast<FaceItem>(item + 1) : ItemNone;
+}
+
 FaceItem FaceItemOf(UINT nEntry)
 {
     for (int i = 0; i < FaceItemCount; ++i) {

@@ -32,6 +32,8 @@ struct FaceItemInfo
 };
 
 const FaceItemInfo &FaceItemInfoOf(FaceItem item);
+// Of a line its bullet, else ItemNone.
+FaceItem BulletOf(FaceItem item);
 // The item that an entry is about, or ItemNone.
 FaceItem FaceItemOf(UINT nEntry);
 

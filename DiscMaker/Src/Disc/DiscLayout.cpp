@@ -216,6 +216,10 @@ bool CDiscLayout::Run(const CDiscPath &launcher, const CCUString &sAutorunInf,
 {
     if (!PlacesAreGood() || !ReadContents() || !MayReplaceOld() || !HasSpace())
         return false;
+    if (DiscExists(m_out.With(".unfinished")))
+        Add(m_problems, ProblemNote, m_out.With(".unfinished"),
+            "A disc that was not finished has left this folder; its maker was ended, or still runs.",
+            "It is not needed for this disc.");
     m_unfinished = FreeName(".unfinished");
     CDiscWriter writer(m_unfinished, m_tree.Size(), pProgress, m_problems);
     if (WriteAll(writer, launcher, sAutorunInf) && TakePlace())

@@ -48,6 +48,7 @@ bool CSkinFile::IsChanged(const CCUString &sPath, const CBlob &bytes, CProblems 
     DWORD nError = NO_ERROR;
     const CBlob now = ReadFileBytes(sPath, &nError);
     const bool bGone = nError == ERROR_FILE_NOT_FOUND || nError == ERROR_PATH_NOT_FOUND;
+    m_bOutdated = m_bOutdated || (now && !SameBytes(now, bytes));
     if (m_bOverwrite || bGone || SameBytes(now, bytes))
         return false;
     if (now)

@@ -32,8 +32,13 @@ public:
     virtual bool SaveCopy(const CSkin &skin, const CCUString &sPath,
                           CProblems &problems) const = 0;
     // Save refuses while what it would replace is not what was read there: somebody else has changed
-    // it. This makes the next Save go on all the same.
-    void OverwriteChanges() { m_bOverwrite = true; }
+    // it, says IsOutdated from then on. OverwriteChanges makes the next Save go on all the same.
+    bool IsOutdated() const { return m_bOutdated; }
+    void OverwriteChanges(bool bOverwrite)
+    {
+        m_bOverwrite = bOverwrite;
+        m_bOutdated = false;
+    }
 
 protected:
     CSkinFile() : m_bOverwrite(false) {}
@@ -47,4 +52,7 @@ protected:
     CCUString m_sPath;
     CSkin m_skin;
     bool m_bOverwrite;
+
+private:
+    mutable bool m_bOutdated = false;
 };

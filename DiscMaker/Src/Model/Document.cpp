@@ -11,6 +11,11 @@ CCUString ShownText(const CWideText &text)
     return text.ToCodePage(SHOWN_CODE_PAGE);
 }
 
+CWideText EditedText(const CWideText *pText, const CCUString &sText)
+{
+    return (pText ? *pText : CWideText()).Edited(sText, SHOWN_CODE_PAGE);
+}
+
 }  // namespace
 
 void CDocument::Start(const CSkin &skin, bool bSaved)
@@ -53,17 +58,27 @@ SkinPart CDocument::VersionPart(const char *pszName)
 
 CCUString CDocument::Entry(UINT nID) const
 {
-    if (m_nLanguage >= m_skin.m_texts.size())
-        return CCUString();
-    const auto &entries = m_skin.m_texts[m_nLanguage].m_entries;
-    const auto found = entries.find(nID);
-    return found == entries.end() ? CCUString() : ShownText(found->second);
+    const CWideText *const pText = Text(EntryPart(nID));
+    return pText ? ShownText(*pText) : CCUString();
 }
 
 CCUString CDocument::Version(const char *pszName) const
 {
-    const auto found = m_skin.m_version.find(CWideText(pszName, SHOWN_CODE_PAGE));
-    return found == m_skin.m_version.end() ? CCUString() : ShownText(found->second);
+    const CWideText *const pText = Text(VersionPart(pszName));
+    return pText ? ShownText(*pText) : CCUString();
+}
+
+const CWideText *CDocument::Text(const SkinPart &part) const
+{
+    if (part.m_kind == SkinPart::Version) {
+        const auto found = m_skin.m_version.find(part.m_name);
+        return found == m_skin.m_version.end() ? nullptr : &found->second;
+    }
+    if (part.m_kind != SkinPart::Entry || part.m_nLanguage >= m_skin.m_texts.size())
+        return nullptr;
+    const auto &entries = m_skin.m_texts[part.m_nLanguage].m_entries;
+    const auto found = entries.find(part.m_nID);
+    return found == entries.end() ? nullptr : &found->second;
 }
 
 // --- Steps ---
@@ -190,7 +205,7 @@ void CDocument::SetEntry(UINT nID, const CCUString &sText)
 {
     if (m_nLanguage >= m_skin.m_texts.size() || sText == Entry(nID))
         return;
-    const CWideText text(sText, SHOWN_CODE_PAGE);
+    const CWideText text = EditedText(Text(EntryPart(nID)), sText);
     SetText(EntryPart(nID), &text);
 }
 
@@ -198,7 +213,7 @@ void CDocument::SetVersion(const char *pszName, const CCUString &sText)
 {
     if (sText == Version(pszName))
         return;
-    const CWideText text(sText, SHOWN_CODE_PAGE);
+    const CWideText text = EditedText(Text(VersionPart(pszName)), sText);
     SetText(VersionPart(pszName), text.IsEmpty() ? nullptr : &text);
 }
 

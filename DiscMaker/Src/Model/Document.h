@@ -2,6 +2,7 @@
 
 #include <deque>
 
+#include "Model/Problem.h"
 #include "Model/SkinChange.h"
 
 // Hears of every change of a document.
@@ -34,10 +35,17 @@ public:
     // The language whose texts are shown and edited: an index of Skin().m_texts.
     size_t Language() const { return m_nLanguage; }
     void SetLanguage(size_t nLanguage);
+    // Whether what it is about is shown: it is of this language, or of none.
+    bool IsShown(const CProblem &problem) const
+    {
+        return problem.m_nTexts < 0 || static_cast<size_t>(problem.m_nTexts) == m_nLanguage;
+    }
 
     // A text in this system's code page, as the launcher shows it here; empty where there is none.
     CCUString Entry(UINT nID) const;
     CCUString Version(const char *pszName) const;
+    // The text itself, of an entry or a version text; null where there is none.
+    const CWideText *Text(const SkinPart &part) const;
     // The part of an entry in the language that is shown, and of a version text.
     SkinPart EntryPart(UINT nID) const;
     static SkinPart VersionPart(const char *pszName);
@@ -50,9 +58,12 @@ public:
     void CancelStep();
     void Seal() { m_bSealed = true; }
 
-    // What is so already changes nothing. An empty text takes a version text away.
+    // What is so already changes nothing. Of an edited text what was not touched stays, characters
+    // that this system's code page lacks included. An empty text takes a version text away.
     void SetEntry(UINT nID, const CCUString &sText);
     void SetVersion(const char *pszName, const CCUString &sText);
+    // As Text gave it; null: none.
+    void SetText(const SkinPart &part, const CWideText *pText);
     void SetPicture(SkinPicture picture, const CBlob &blob);
     void SetIcon(const CBlob &blob);
     // All of another skin's values, of the languages that there are here.
@@ -77,7 +88,6 @@ private:
 
     void Add(const CSkinChange &change);
     void OpenStep();
-    void SetText(const SkinPart &part, const CWideText *pText);
     void SetBlob(const SkinPart &part, const CBlob &blob);
     void Tell(const SkinPart *pPart);
 

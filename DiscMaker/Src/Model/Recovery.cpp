@@ -1,7 +1,7 @@
 #include "Model/Recovery.h"
 
 #include "Base/TempDirectory.h"
-#include "CU/Dump.h"
+#include "CU/ErrorText.h"
 #include "Model/SkinBytes.h"
 
 namespace {
@@ -23,6 +23,7 @@ bool Write(HANDLE hFile, const CSkin &skin, const CCUString &sPath)
     const DWORD nPath = static_cast<DWORD>(sPath.GetLength()) + 1;
     const DWORD nBytes = static_cast<DWORD>(bytes.size());
     DWORD nDone = 0;
+    SetLastError(ERROR_DISK_FULL);  // of a write that ends early
     return WriteFile(hFile, static_cast<const char *>(sPath), nPath, &nDone, nullptr) &&
            nDone == nPath && WriteFile(hFile, bytes.data(), nBytes, &nDone, nullptr) &&
            nDone == nBytes && FlushFileBuffers(hFile);
@@ -48,26 +49,26 @@ bool Read(HANDLE hFile, CSkin &skin, CCUString &sPath)
 
 }  // namespace
 
-bool CRecovery::Keep(const CSkin &skin, const CCUString &sPath)
+bool CRecovery::Keep(const CSkin &skin, const CCUString &sPath, CProblems &problems)
 {
     const CCUString sFolder = TempFolder();
-    if (sFolder.IsEmpty())
-        return false;
     CCUString sFile;
     sFile.Format("%sDiscMaker-%lx-%u.recovery", static_cast<const char *>(sFolder),
                  GetCurrentProcessId(), ++m_nNext);
-    const HANDLE hFile = CreateFileA(sFile, GENERIC_READ | GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS,
-                                     FILE_ATTRIBUTE_TEMPORARY, nullptr);
-    if (hFile == INVALID_HANDLE_VALUE) {
-        CUDump("DiscMaker: %s cannot be written: error %lu\n", static_cast<const char *>(sFile),
-               GetLastError());
-        return false;
-    }
-    if (!Write(hFile, skin, sPath)) {
-        CUDump("DiscMaker: %s cannot be written: error %lu\n", static_cast<const char *>(sFile),
-               GetLastError());
-        CloseHandle(hFile);
-        DeleteFileA(sFile);
+    const HANDLE hFile =
+        sFolder.IsEmpty() ? INVALID_HANDLE_VALUE
+                          : CreateFileA(sFile, GENERIC_READ | GENERIC_WRITE, 0, nullptr,
+                                        CREATE_ALWAYS, FILE_ATTRIBUTE_TEMPORARY, nullptr);
+    const bool bOpen = hFile != INVALID_HANDLE_VALUE;
+    if (!bOpen || !Write(hFile, skin, sPath)) {
+        problems.push_back({ProblemNote, 0, bOpen ? sFile : sFolder,
+                            "What is not saved cannot be kept for the case of a crash: " +
+                                CUErrorText(GetLastError()),
+                            "Save often."});
+        if (bOpen) {
+            CloseHandle(hFile);
+            DeleteFileA(sFile);
+        }
         return false;
     }
     Forget();

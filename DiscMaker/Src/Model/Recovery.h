@@ -2,6 +2,7 @@
 
 #include <vector>
 
+#include "Model/Problem.h"
 #include "Model/Skin.h"
 
 // What is kept of an unsaved skin in the user's temporary folder, so that a crash loses nothing. The
@@ -16,8 +17,8 @@ public:
     CRecovery &operator=(const CRecovery &) = delete;
 
     // Keeps the skin and the path that it has, in the place of what was kept before; which stays when
-    // that cannot be written. False then.
-    bool Keep(const CSkin &skin, const CCUString &sPath);
+    // that cannot be written. False then, and why is among the problems.
+    bool Keep(const CSkin &skin, const CCUString &sPath, CProblems &problems);
     // There is nothing to be kept any more.
     void Forget();
 

@@ -18,6 +18,9 @@ public:
     // What the code page lacks comes out as a similar character or as its default one; `*pLost` says
     // whether any did.
     CCUString ToCodePage(UINT nCodePage, bool *pLost = nullptr) const;
+    // What becomes of it when what ToCodePage gave is edited to `sText`: before and behind what was
+    // changed every character stays, also those that the code page lacks.
+    CWideText Edited(const CCUString &sText, UINT nCodePage) const;
 
     size_t Length() const { return m_text.size(); }
     bool IsEmpty() const { return m_text.empty(); }

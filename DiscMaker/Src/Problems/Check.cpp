@@ -30,7 +30,11 @@ void CheckLanguage(const CSkin &skin, size_t nLanguage, const CCUString &sConten
 }  // namespace
 
 CSkinCheck::CSkinCheck(const CSkin &skin, size_t nLanguage, CProblems &problems)
-    : m_skin(skin), m_strings(skin, nLanguage), m_look(skin, m_strings), m_problems(problems)
+    : m_skin(skin),
+      m_strings(skin, nLanguage),
+      m_look(skin, m_strings),
+      m_nTexts(static_cast<int>(nLanguage)),
+      m_problems(problems)
 {
     if (skin.m_texts.size() > 1)
         m_sWhere = LanguageName(m_strings.Language());
@@ -39,7 +43,7 @@ CSkinCheck::CSkinCheck(const CSkin &skin, size_t nLanguage, CProblems &problems)
 void CSkinCheck::Add(ProblemWeight weight, UINT nEntry, const CCUString &sWhat,
                      const CCUString &sEffect)
 {
-    m_problems.push_back({weight, nEntry, m_sWhere, sWhat, sEffect});
+    m_problems.push_back({weight, nEntry, m_sWhere, sWhat, sEffect, m_nTexts});
 }
 
 void CSkinCheck::Note(UINT nEntry, const CCUString &sWhat, const CCUString &sEffect)

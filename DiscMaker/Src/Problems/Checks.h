@@ -21,6 +21,7 @@ public:
 
 private:
     CCUString m_sWhere;
+    const int m_nTexts;
     CProblems &m_problems;
 };
 

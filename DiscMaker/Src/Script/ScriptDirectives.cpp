@@ -167,5 +167,5 @@ void CSkinScriptReader::Pragma(const CCUString &sRest, UINT nLine)
     if (!IsValidCodePage(static_cast<UINT>(nCodePage)))
         return Error(nLine, "This system does not have the code page of the script.");
     SetCodePage(static_cast<UINT>(nCodePage));
-    m_bCodePageSaid = true;
+    m_bCodePageSaid = m_bPragma = true;
 }

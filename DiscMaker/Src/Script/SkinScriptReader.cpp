@@ -65,6 +65,11 @@ bool CSkinScriptReader::Read()
         Statement();
     if (!m_conditions.empty())
         Error(m_token.m_nLine, "An #if is not ended by #endif.");
+    if (m_script.m_text.HasUtf8Mark() && !m_bPragma)
+        m_problems.push_back({ProblemWarning, 0, m_sWhere,
+                              "The file says by its first three bytes that it is UTF-8, which not every "
+                              "resource compiler knows. Add #pragma code_page(65001).",
+                              "a compiler may take umlauts and the like for other characters"});
     m_script.m_nCodePage = m_nCodePage;
     m_script.m_nLanguage = m_nLanguage;
     return m_nErrors == 0;

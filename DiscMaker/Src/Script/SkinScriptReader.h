@@ -70,6 +70,7 @@ private:
     UINT m_nCodePage;
     LANGID m_nLanguage;
     bool m_bCodePageSaid;
+    bool m_bPragma = false;  // said so that every compiler knows it
     bool m_bEncodingTold;
     int m_nErrors;
     // One for each #if that is open: whether one of its groups has been read.

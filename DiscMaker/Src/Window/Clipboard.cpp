@@ -119,6 +119,23 @@ CCUString TextFromClipboard(HWND hWnd)
     return pText ? CCUString(pText, static_cast<int>(nLength)) : CCUString();
 }
 
+bool LosesCharacters(HWND hWnd)
+{
+    if (!IsClipboardFormatAvailable(CF_UNICODETEXT))
+        return false;  // the system knows no others
+    const COpenClipboard clipboard(hWnd);
+    if (!clipboard)
+        return false;
+    const CClipboardBytes bytes(CF_UNICODETEXT);
+    const WCHAR *const pText = reinterpret_cast<const WCHAR *>(bytes.Data());
+    size_t nLength = 0;
+    while (nLength < bytes.Size() / sizeof(WCHAR) && pText[nLength])
+        ++nLength;
+    bool bLost = false;
+    CWideText(pText, nLength).ToCodePage(CP_ACP, &bLost);
+    return bLost;
+}
+
 bool CanPaste()
 {
     return IsClipboardFormatAvailable(SkinFormat()) || IsClipboardFormatAvailable(CF_TEXT);

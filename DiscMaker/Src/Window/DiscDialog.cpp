@@ -11,14 +11,6 @@ const char *const SECTION = "Disc";
 const char *const OUT_VALUE = "Out";
 const int PARTS = 1000;
 
-CCUString TextOf(const CProblems &problems)
-{
-    CCUString sText;
-    for (const CProblem &problem : problems)
-        sText += ProblemLine(problem) + "\n";
-    return sText;
-}
-
 }  // namespace
 
 CDiscDialog::CDiscDialog(const CSkin &skin, const CCUString &sLauncher, const CCUString &sContents)
@@ -41,6 +33,7 @@ int CDiscDialog::OnInitDialog(HWND hFocus, LPARAM lParam)
     m_state.Bind(*this, IDC_STATE);
     m_progress.Bind(*this, IDC_PROGRESS);
     m_progress.SetRange(0, PARTS);
+    CenterOnOwner();
     return CCUIDialog::OnInitDialog(hFocus, lParam);
 }
 
@@ -109,7 +102,7 @@ void CDiscDialog::OnOK()
     }
     SetFocus(m_out);
     if (!m_bStopped)
-        CUIMessageBox(this, "There is no disc.\n\n" + TextOf(m_problems), "Make the disc",
+        CUIMessageBox(this, "The disc was not made.\n\n" + ProblemsInWords(m_problems), "Make the disc",
                       MB_OK | MB_ICONERROR);
 }
 

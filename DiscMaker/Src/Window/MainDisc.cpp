@@ -2,6 +2,7 @@
 #include "Base/SystemLibrary.h"
 #include "CUI/Choosers.h"
 #include "CUI/MessageBox.h"
+#include "File/FileBytes.h"
 #include "Window/DiscDialog.h"
 #include "Window/MainWindow.h"
 #include "Window/ProgramPath.h"
@@ -18,8 +19,10 @@ void CMainWindow::ChooseContents()
 void CMainWindow::Preview()
 {
     const std::unique_ptr<CSkinFile> launcher = OpenLauncher(true);
+    // A line would start nothing, or something else, where a contents folder has gone.
+    const bool bContents = !m_sContents.IsEmpty() && FolderExists(m_sContents);
     CProblems problems;
-    if (launcher && !m_preview.Run(*launcher, m_document.Skin(), problems))
+    if (launcher && !m_preview.Run(*launcher, m_document.Skin(), bContents ? m_sContents : "", problems))
         ShowProblems("There is no preview.", problems);
 }
 
@@ -36,11 +39,14 @@ void CMainWindow::MakeDiscNow()
     }
     if (nAnswer != IDOK)
         return;
-    CCUString sText = "The disc is in\n" + dialog.Out() + "\n\nBurn what is in this folder.";
-    for (const CProblem &problem : dialog.Problems())
-        sText += "\n" + ProblemLine(problem);
+    const CProblems &problems = dialog.Problems();
+    CCUString sText = "The disc is in\n" + dialog.Out() + "\n\n";
+    if (problems.empty())
+        sText += "Burn what is in this folder.";
+    else
+        sText += "Before you burn what is in this folder:\n\n" + ProblemsInWords(problems);
     CUIMessageBox(this, sText, "Make the disc",
-                  MB_OK | (dialog.Problems().empty() ? MB_ICONINFORMATION : MB_ICONWARNING));
+                  MB_OK | (problems.empty() ? MB_ICONINFORMATION : MB_ICONWARNING));
 }
 
 void CMainWindow::ShowHelpPage()

@@ -75,13 +75,17 @@ CBlob ReadIcon(const CCUString &sPath)
 
 // --- Clipboard ---
 
+bool CMainWindow::IsTyping()
+{
+    return IsEdit(GetFocus());
+}
+
 // A field that is being typed in has its own clipboard commands.
 bool CMainWindow::SendToEdit(UINT message, WPARAM wParam, LPARAM lParam)
 {
-    const HWND hFocus = GetFocus();
-    if (!IsEdit(hFocus))
+    if (!IsTyping())
         return false;
-    SendMessageA(hFocus, message, wParam, lParam);
+    SendMessageA(GetFocus(), message, wParam, lParam);
     return true;
 }
 

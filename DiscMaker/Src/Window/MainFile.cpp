@@ -1,6 +1,7 @@
 // How the main window opens and saves.
 #include "CUI/Choosers.h"
 #include "CUI/MessageBox.h"
+#include "File/FileBytes.h"
 #include "File/SkinFolder.h"
 #include "Window/MainWindow.h"
 #include "Window/ProgramPath.h"
@@ -86,10 +87,8 @@ void CMainWindow::ShowName()
 
 void CMainWindow::ShowProblems(const char *pszText, const CProblems &problems)
 {
-    CCUString sText = CCUString(pszText) + "\n";
-    for (const CProblem &problem : problems)
-        sText += "\n" + ProblemLine(problem);
-    CUIMessageBox(this, sText, "Disc Maker", MB_OK | MB_ICONERROR);
+    CUIMessageBox(this, CCUString(pszText) + "\n\n" + ProblemsInWords(problems), "Disc Maker",
+                  MB_OK | MB_ICONERROR);
 }
 
 void CMainWindow::NewFrom()
@@ -143,24 +142,24 @@ bool CMainWindow::SaveTo(std::unique_ptr<CSkinFile> &file, const CCUString &sPat
 {
     m_document.Seal();
     CProblems problems;
+    file->OverwriteChanges(false);
     bool bSaved = file->Save(m_document.Skin(), sPath, problems);
-    if (!bSaved) {
-        CCUString sText = "It was not saved.\n";
-        for (const CProblem &problem : problems)
-            sText += "\n" + ProblemLine(problem);
-        CCUIMessageBox box(sText, "Disc Maker", MB_ICONWARNING);
+    if (!bSaved && file->IsOutdated()) {
+        CCUIMessageBox box("It was not saved.\n\n" + ProblemsInWords(problems), "Disc Maker",
+                           MB_ICONWARNING);
         box.AddButton(IDRETRY, "Save &anyway");
         box.AddButton(IDCANCEL);
         box.SetDefaultButton(IDCANCEL);
         if (box.DoModal(this) != IDRETRY)
             return false;
-        file->OverwriteChanges();
+        file->OverwriteChanges(true);
         problems.clear();
         bSaved = file->Save(m_document.Skin(), sPath, problems);
-        if (!bSaved) {
-            ShowProblems("It was not saved.", problems);
-            return false;
-        }
+        file->OverwriteChanges(false);
+    }
+    if (!bSaved) {
+        ShowProblems("It was not saved.", problems);
+        return false;
     }
     if (&file != &m_file)
         m_file = std::move(file);
@@ -195,13 +194,25 @@ bool CMainWindow::SaveAsLauncher()
     return launcher && SaveTo(launcher, sPath);
 }
 
+// Whether there is no other skin in a folder, or the user does not want it any more.
+bool CMainWindow::MayReplaceSkin(const CCUString &sFolder)
+{
+    const CCUString sScript = JoinPath(sFolder, SKIN_SCRIPT_NAME);
+    if (!FileExists(sScript) || (!m_bUntitled && m_file->Path().CompareNoCase(sScript) == 0))
+        return true;
+    return CUIMessageBox(this,
+                         "There is a skin in this folder already:\n" + sScript +
+                             "\n\nReplace its script and its pictures of the same names?",
+                         "Save as skin folder", MB_OKCANCEL | MB_ICONWARNING | MB_DEFBUTTON2) == IDOK;
+}
+
 bool CMainWindow::SaveAsFolder()
 {
     CCUString sFolder = m_file && m_file->IsFolder() && !m_bUntitled ? m_file->Path() : CCUString();
-    if (!CUIChooseFolder(this, sFolder, "The folder for the skin; what is in it of a skin is replaced:"))
+    if (!CUIChooseFolder(this, sFolder, "The folder for the skin:"))
         return false;
     if (m_file && m_file->IsFolder())
-        return SaveTo(m_file, sFolder);
+        return MayReplaceSkin(sFolder) && SaveTo(m_file, sFolder);
     m_document.Seal();
     CProblems problems;
     std::unique_ptr<CSkinFile> folder;
@@ -240,6 +251,11 @@ void CMainWindow::KeepForCrash()
     if (!m_document.IsModified() || m_nKept == m_document.Revision())
         return;
     const CCUString sPath = m_file && !m_bUntitled ? m_file->Path() : CCUString();
-    if (m_recovery.Keep(m_document.Skin(), sPath))
+    CProblems problems;
+    if (m_recovery.Keep(m_document.Skin(), sPath, problems))
         m_nKept = m_document.Revision();
+    if (problems.empty() == m_keepProblems.empty())
+        return;
+    m_keepProblems = problems;
+    m_bCheck = true;
 }

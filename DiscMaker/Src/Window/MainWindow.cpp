@@ -6,6 +6,7 @@
 #include "Model/SkinEntry.h"
 #include "Problems/Check.h"
 #include "Resource.h"
+#include "Window/Clipboard.h"
 
 namespace {
 
@@ -265,6 +266,8 @@ unsigned short CMainWindow::GetState(unsigned int nID)
     const bool bSelected = !m_canvas.Selection().empty();
     switch (nID) {
     case ID_SAVE: return CUICommandState(m_document.IsModified() || m_bUntitled);
+    case ID_CUT: return CUICommandState(IsTyping());
+    case ID_PASTE: return CUICommandState(CanPaste());
     case ID_UNDO: return CUICommandState(m_document.CanUndo());
     case ID_REDO: return CUICommandState(m_document.CanRedo());
     case ID_EDIT_TEXT: return CUICommandState(bSelected);
@@ -292,12 +295,13 @@ void CMainWindow::OnSkinChanged(const SkinPart *pPart)
 void CMainWindow::OnCanvasSelection()
 {
     ShowPlace();
-    if (m_canvas.Selection().empty())
+    // The row that has chosen the item stays the selected one.
+    if (m_canvas.Selection().empty() || m_bFollowing)
         return;
     const FaceItemInfo &info = FaceItemInfoOf(m_canvas.Selection()[0]);
-    m_bFromCanvas = true;
+    m_bFollowing = true;
     m_grid.SelectEntry(info.m_nPlace, false);
-    m_bFromCanvas = false;
+    m_bFollowing = false;
 }
 
 void CMainWindow::OnCanvasActivate(FaceItem item)
@@ -321,21 +325,22 @@ CCUString CMainWindow::FaultOf(const PropertyRow &row) const
 {
     CCUString sFault = RowFault(m_document, row);
     for (const CProblem &problem : m_list.Problems()) {
-        if (sFault.IsEmpty() && row.m_kind == PropertyRow::Entry && problem.m_nEntry == row.m_nID)
-            sFault = problem.m_sWhat + " " + problem.m_sEffect;
+        if (sFault.IsEmpty() && row.m_kind == PropertyRow::Entry &&
+            problem.m_nEntry == row.m_nID && m_document.IsShown(problem))
+            sFault = ProblemWhat(problem) + " " + ProblemEffect(problem);
     }
     return sFault;
 }
 
 void CMainWindow::OnPropertyRow(const PropertyRow &row, bool bChosen)
 {
-    m_note.Show(row.m_sCaption, RowHelp(row), FaultOf(row));
+    m_note.Show(row.m_sCaption, RowHelp(m_document, row), FaultOf(row));
     const FaceItem item =
         row.m_kind == PropertyRow::Entry ? FaceItemOf(row.m_nID) : ItemNone;
-    if (bChosen && !m_bFromCanvas && item != ItemNone && !m_canvas.IsSelected(item)) {
-        m_bFromCanvas = true;
+    if (bChosen && !m_bFollowing && item != ItemNone && !m_canvas.IsSelected(item)) {
+        m_bFollowing = true;
         m_canvas.Select(item);
-        m_bFromCanvas = false;
+        m_bFollowing = false;
     }
 }
 
@@ -363,6 +368,10 @@ void CMainWindow::OnProblem(const CProblem &problem)
 {
     if (!problem.m_nEntry)
         return;
+    if (!m_document.IsShown(problem)) {
+        m_document.SetLanguage(static_cast<size_t>(problem.m_nTexts));
+        m_bCheck = true;
+    }
     if (FindSkinEntry(problem.m_nEntry) || problem.m_nEntry == IDS_DISC_LABEL)
         m_grid.SelectEntry(problem.m_nEntry, true);
     else
@@ -391,6 +400,7 @@ void CMainWindow::OnIdle()
     m_bCheck = false;
     m_nChecked = m_document.Revision();
     CProblems problems = m_fileProblems;
+    problems.insert(problems.end(), m_keepProblems.begin(), m_keepProblems.end());
     CheckSkin(m_document.Skin(), m_sContents, problems);
     m_list.Show(problems);
     m_grid.SetProblems(problems);

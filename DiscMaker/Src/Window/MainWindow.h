@@ -70,6 +70,7 @@ private:
     bool Save();
     bool SaveAsLauncher();
     bool SaveAsFolder();
+    bool MayReplaceSkin(const CCUString &sFolder);
     bool SaveTo(std::unique_ptr<CSkinFile> &file, const CCUString &sPath);
     void Saved(const CProblems &problems);
     void ShowName();
@@ -88,6 +89,7 @@ private:
     void ChooseIcon();
     void ChooseLanguage();
     void ShareAllColors();
+    static bool IsTyping();
     bool SendToEdit(UINT message, WPARAM wParam, LPARAM lParam);
 
     // The disc; see MainDisc.cpp.
@@ -113,6 +115,7 @@ private:
     std::unique_ptr<CSkinFile> m_file;  // null: the skin was recovered
     bool m_bUntitled = true;            // m_file is only where the skin began
     CProblems m_fileProblems;           // of reading it
+    CProblems m_keepProblems;           // of keeping what a crash would lose
     CCUString m_sContents;              // of the disc; empty: none chosen
 
     CCUIMenu m_menu;
@@ -132,5 +135,5 @@ private:
     unsigned m_nChecked = 0;  // revision whose problems are shown
     unsigned m_nKept = 0;     // revision that is kept in case of a crash
     bool m_bCheck = true;
-    bool m_bFromCanvas = false;  // the canvas has chosen the row
+    bool m_bFollowing = false;   // canvas and properties just select what the other has
 };

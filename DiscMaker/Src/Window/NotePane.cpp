@@ -5,7 +5,6 @@
 
 namespace {
 
-const COLORREF FAULT_COLOR = RGB(208, 0, 0);
 const UINT TEXT_FORMAT = DT_WORDBREAK | DT_NOPREFIX;
 
 }  // namespace
@@ -17,6 +16,11 @@ CNotePane::CNotePane()
 }
 
 CNotePane::~CNotePane() = default;
+
+COLORREF CNotePane::FaultColor()
+{
+    return IsHighContrast() ? GetSysColor(COLOR_WINDOWTEXT) : RGB(208, 0, 0);
+}
 
 void CNotePane::Show(const CCUString &sCaption, const CCUString &sHelp, const CCUString &sFault)
 {
@@ -41,7 +45,7 @@ void CNotePane::Paint(HDC hDC, const RECT &rect)
         line.top += DrawTextA(hDC, m_sCaption, m_sCaption.GetLength(), &line, TEXT_FORMAT);
     }
     if (!m_sFault.IsEmpty()) {
-        const CCUITextColor red(hDC, IsHighContrast() ? GetTextColor() : FAULT_COLOR);
+        const CCUITextColor red(hDC, FaultColor());
         line.top += DrawTextA(hDC, m_sFault, m_sFault.GetLength(), &line, TEXT_FORMAT);
     }
     DrawTextA(hDC, m_sHelp, m_sHelp.GetLength(), &line, TEXT_FORMAT);

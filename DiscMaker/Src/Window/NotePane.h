@@ -9,6 +9,9 @@ public:
     CNotePane();
     ~CNotePane() override;
 
+    // In which faults are marked, here and beside it.
+    static COLORREF FaultColor();
+
     void Show(const CCUString &sCaption, const CCUString &sHelp, const CCUString &sFault);
 
 protected:

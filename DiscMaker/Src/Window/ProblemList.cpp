@@ -3,7 +3,6 @@
 #include <algorithm>
 
 #include "CUI/Data.h"
-#include "Model/SkinEntry.h"
 
 namespace {
 
@@ -12,18 +11,10 @@ const char *WeightText(ProblemWeight weight)
     return weight == ProblemError ? "Error" : weight == ProblemWarning ? "Warning" : "Note";
 }
 
-CCUString PlaceText(const CProblem &problem)
-{
-    const SkinEntry *const pEntry = FindSkinEntry(problem.m_nEntry);
-    if (pEntry && problem.m_sWhere.IsEmpty())
-        return pEntry->m_pszCaption;
-    return problem.m_sWhere;
-}
-
 bool IsSame(const CProblem &a, const CProblem &b)
 {
     return a.m_weight == b.m_weight && a.m_nEntry == b.m_nEntry && a.m_sWhere == b.m_sWhere &&
-           a.m_sWhat == b.m_sWhat && a.m_sEffect == b.m_sEffect;
+           a.m_sWhat == b.m_sWhat && a.m_sEffect == b.m_sEffect && a.m_nTexts == b.m_nTexts;
 }
 
 }  // namespace
@@ -52,9 +43,9 @@ void CProblemList::Show(const CProblems &problems)
     DeleteAllItems();
     for (const CProblem &problem : problems) {
         const int nItem = AddItem(WeightText(problem.m_weight));
-        SetItemText(nItem, 1, PlaceText(problem));
-        SetItemText(nItem, 2, problem.m_sWhat);
-        SetItemText(nItem, 3, problem.m_sEffect);
+        SetItemText(nItem, 1, ProblemPlace(problem));
+        SetItemText(nItem, 2, ProblemWhat(problem));
+        SetItemText(nItem, 3, ProblemEffect(problem));
     }
     SetRedraw(true);
 }

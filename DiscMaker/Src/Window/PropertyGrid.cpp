@@ -90,7 +90,8 @@ void CPropertyGrid::SetProblems(const CProblems &problems)
 {
     std::vector<bool> marks(m_rows.size(), false);
     for (const CProblem &problem : problems) {
-        const int nRow = problem.m_nEntry ? Find(PropertyRow::Entry, problem.m_nEntry) : -1;
+        const bool bShown = problem.m_nEntry && m_document.IsShown(problem);
+        const int nRow = bShown ? Find(PropertyRow::Entry, problem.m_nEntry) : -1;
         if (nRow >= 0 && problem.m_weight != ProblemNote)
             marks[static_cast<size_t>(nRow)] = true;
     }
@@ -271,7 +272,8 @@ void CPropertyGrid::SelectRow(int nRow)
         InvalidateRow(m_nSelected);
         m_nSelected = nRow;
         InvalidateRow(nRow);
-        m_sBefore = RowEditText(m_document, Row(nRow));
+        const CWideText *const pBefore = RowOwnText(m_document, Row(nRow));
+        m_before.reset(pBefore ? new CWideText(*pBefore) : nullptr);
         LoadEditor(true);
     }
     RECT client;
@@ -320,6 +322,15 @@ void CPropertyGrid::TakeText()
     InvalidateRow(m_nSelected);
 }
 
+// What the row had, to the character: the field may not be able to show it.
+void CPropertyGrid::PutBack()
+{
+    if (m_nSelected < 0 || !IsRowText(Row(m_nSelected)))
+        return;
+    const CDocumentStep step(m_document, JOIN_TYPING + static_cast<UINT>(m_nSelected));
+    m_document.SetText(RowPart(m_document, Row(m_nSelected)), m_before.get());
+}
+
 void CPropertyGrid::PressButton()
 {
     if (m_nSelected < 0 || !HasRowButton(Row(m_nSelected)))
@@ -360,7 +371,7 @@ bool CPropertyGrid::TranslateKey(WPARAM nKey)
     case VK_PRIOR: SelectRow(NextRow(m_nSelected, -nPage)); break;
     case VK_NEXT: SelectRow(NextRow(m_nSelected, nPage)); break;
     case VK_F4: PressButton(); return true;
-    case VK_ESCAPE: m_edit.SetText(m_sBefore); break;
+    case VK_ESCAPE: PutBack(); break;
     default: return false;
     }
     FocusEditor();

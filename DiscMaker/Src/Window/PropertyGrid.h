@@ -2,9 +2,9 @@
 
 #include "CUI/Button.h"
 #include "CUI/ControlWindow.h"
-#include "CUI/Edit.h"
 #include "Model/Problem.h"
 #include "Window/PropertyRows.h"
+#include "Window/TextField.h"
 
 class CPropertyGrid;
 
@@ -87,6 +87,7 @@ private:
     void FocusEditor();
     bool TranslateKey(WPARAM nKey);
     void TakeText();
+    void PutBack();
     void PressButton();
     void InvalidateRow(int nRow);
     bool HasFault(int nRow) const;
@@ -97,11 +98,11 @@ private:
 
     CDocument &m_document;
     CPropertyHost &m_host;
-    CCUIEdit m_edit;
+    CTextField m_edit;
     CCUIButton m_button;
     std::vector<PropertyRow> m_rows;
     std::vector<bool> m_problems;  // of each row
-    CCUString m_sBefore;           // what the row had when it was selected
+    std::unique_ptr<CWideText> m_before;  // what the row had when it was selected
     int m_nSelected = -1;
     int m_cyRow = 20;
     int m_cxNames = 110;

@@ -4,12 +4,12 @@
 #include "CUI/Draw.h"
 #include "CUI/OffScreenDC.h"
 #include "Model/SkinEntry.h"
+#include "Window/NotePane.h"
 #include "Window/PropertyGrid.h"
 
 namespace {
 
 const UINT TEXT_FORMAT = DT_SINGLELINE | DT_VCENTER | DT_NOPREFIX | DT_END_ELLIPSIS;
-const COLORREF FAULT_COLOR = RGB(208, 0, 0);
 
 int Scaled(int nPixels)
 {
@@ -82,13 +82,14 @@ void CPropertyGrid::PaintHeading(HDC hDC, const RECT &rect, const CCUString &sTe
     Text(hDC, rect, sText, GetSysColor(COLOR_BTNTEXT));
 }
 
-// A red frame where something is wrong; a colour with a sample of it.
+// A frame where something is wrong; a colour with a sample of it.
 void CPropertyGrid::PaintValue(HDC hDC, RECT rect, int nRow) const
 {
     const PropertyRow &row = Row(nRow);
     if (HasFault(nRow)) {
-        CUIDCDrawRect(hDC, &rect, FAULT_COLOR);
-        CUIDCFillSolidRect(hDC, rect.left, rect.top, Scaled(3), rect.bottom - rect.top, FAULT_COLOR);
+        const COLORREF cr = CNotePane::FaultColor();
+        CUIDCDrawRect(hDC, &rect, cr);
+        CUIDCFillSolidRect(hDC, rect.left, rect.top, Scaled(3), rect.bottom - rect.top, cr);
     }
     if (nRow == m_nSelected)
         return;  // under the editor

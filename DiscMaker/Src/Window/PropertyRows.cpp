@@ -145,6 +145,11 @@ CCUString RowEditText(const CDocument &document, const PropertyRow &row)
     return row.m_nID == IDS_ABOUT ? ToOneLine(sText) : sText;
 }
 
+const CWideText *RowOwnText(const CDocument &document, const PropertyRow &row)
+{
+    return IsRowText(row) ? document.Text(RowPart(document, row)) : nullptr;
+}
+
 void SetRowText(CDocument &document, const PropertyRow &row, const CCUString &sText)
 {
     if (row.m_kind == PropertyRow::Entry)
@@ -179,7 +184,9 @@ CCUString RowFault(const CDocument &document, const PropertyRow &row)
     return CCUString();
 }
 
-CCUString RowHelp(const PropertyRow &row)
+namespace {
+
+CCUString HelpOf(const PropertyRow &row)
 {
     const SkinEntry *const pEntry = FindSkinEntry(row.m_nID);
     switch (row.m_kind) {
@@ -195,6 +202,18 @@ CCUString RowHelp(const PropertyRow &row)
     case PropertyRow::Heading: break;
     }
     return CCUString();
+}
+
+}  // namespace
+
+CCUString RowHelp(const CDocument &document, const PropertyRow &row)
+{
+    bool bLost = false;
+    if (const CWideText *const pText = RowOwnText(document, row))
+        pText->ToCodePage(CP_ACP, &bLost);
+    return bLost ? "Some characters cannot be shown in this field. They stay until they are "
+                   "overwritten. " + HelpOf(row)
+                 : HelpOf(row);
 }
 
 SkinPart RowPart(const CDocument &document, const PropertyRow &row)

@@ -28,6 +28,7 @@ CTextDialog::~CTextDialog() = default;
 int CTextDialog::OnInitDialog(HWND hFocus, LPARAM lParam)
 {
     m_edit.Bind(*this, IDC_TEXT);
+    CenterOnOwner();
     return CCUIDialog::OnInitDialog(hFocus, lParam);
 }
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "CUI/Dialog.h"
-#include "CUI/Edit.h"
+#include "Window/TextField.h"
 
 // A text of several lines, with '\n' between them, to be edited.
 class CTextDialog : public CCUIDialog
@@ -18,5 +18,5 @@ protected:
 
 private:
     CCUString m_sText;
-    CCUIEdit m_edit;
+    CTextField m_edit;
 };
