@@ -195,10 +195,12 @@ TEST(ControlBar, PressesWhatTheMouseGoesDownAndUpOn)
     bar->Mouse(WM_MOUSEMOVE, 1);
     bar->Mouse(WM_LBUTTONUP, 1);
     EXPECT_EQ("1000 ", parent.Told());
-    bar->Mouse(WM_LBUTTONDOWN, 0);
-    SendMessageA(*bar, WM_CANCELMODE, 0, 0);
-    bar->Mouse(WM_LBUTTONUP, 0);
-    EXPECT_EQ("", parent.Told());
+    for (const UINT message : {UINT{WM_CAPTURECHANGED}, UINT{WM_CANCELMODE}}) {
+        bar->Mouse(WM_LBUTTONDOWN, 0);
+        SendMessageA(*bar, message, 0, 0);
+        bar->Mouse(WM_LBUTTONUP, 0);
+        EXPECT_EQ("", parent.Told());
+    }
     // Under the mouse a button has its help and its tip.
     bar->Mouse(WM_MOUSEMOVE, 1);
     bar->Mouse(WM_MOUSEMOVE, 1, 2);
@@ -234,16 +236,12 @@ TEST(ControlBar, GoesFromButtonToButtonByTheKeyboardAndGivesTheFocusBack)
     SetFocus(parent);
     EXPECT_TRUE(CCUIControlBar::ActivateNext(parent));
     EXPECT_EQ(bar.GetHandle(), GetFocus());
-    for (const UINT nKey : {VK_RIGHT, VK_DOWN, VK_END, VK_HOME, VK_LEFT})
-        bar.Key(nKey);
+    for (const int nKey : {VK_RIGHT, VK_DOWN, VK_END, VK_HOME, VK_LEFT})
+        bar.Key(static_cast<UINT>(nKey));
     EXPECT_EQ("help1000 help1002 help1000 help1002 help1000 help1002 ", parent.Told());
     bar.Key(VK_SPACE);
     EXPECT_EQ("help0 1002 ", parent.Told());
     EXPECT_EQ(parent.GetHandle(), GetFocus());
-    for (const HWND hExpected : {bar.GetHandle(), second.GetHandle(), parent.GetHandle()}) {
-        EXPECT_TRUE(CCUIControlBar::ActivateNext(parent));
-        EXPECT_EQ(hExpected, GetFocus());
-    }
     EXPECT_TRUE(CCUIControlBar::ActivateNext(parent, true));
     EXPECT_EQ(second.GetHandle(), GetFocus());
     second.Key(VK_ESCAPE);

@@ -86,7 +86,9 @@ TEST(Layout, GivesChildrenTheirPlacesWhateverChanges)
     const HWND hPlain = MakePlain("STATIC", layout);
     Boxes boxes = MakeBoxes(layout, {{10, 4}, {20, 4}, {30, 4}});
     const auto widen = [&](int cx) { SetWindowPos(layout, nullptr, 0, 0, cx, 60, SWP_NOMOVE); };
-    const auto want = [&](int nBox, unsigned long nFlags) { boxes[nBox]->SetLayoutFlags(nFlags); };
+    const auto want = [&](size_t nBox, unsigned long nFlags) {
+        boxes[nBox]->SetLayoutFlags(nFlags);
+    };
     const std::pair<const char *, std::function<void()>> steps[] = {
         {"5+10 18+20 41+30 ", [&] { boxes[0]->m_nMoves = 0; }},
         {"5+10 18+44 65+30 ", [&] { want(1, 4 | CUIPlaceWeight(1)); }},
@@ -305,9 +307,6 @@ TEST(Layout, SplitterMovesByMouseAndKeysAndGoesBack)
     SendMessageA(hSplitter, WM_KEYDOWN, VK_LEFT, 0);
     EXPECT_EQ("0+58 64+142 ", Along(boxes));
     // It goes with either of its neighbours.
-    ShowWindow(*boxes[1], SW_HIDE);
-    PumpWaiting();
-    EXPECT_EQ(-1, layout.GetSplit(*boxes[0]));
     boxes.erase(boxes.begin());
     PumpWaiting();
     EXPECT_FALSE(IsWindow(hSplitter));

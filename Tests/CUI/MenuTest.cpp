@@ -116,6 +116,7 @@ TEST(Menu, CallsKeysAsTheLayoutDoesAndInEnglishWhereThatHasNoWords)
         {{FVIRTKEY | FCONTROL | FSHIFT, VK_F5, 1}, "Ctrl+Shift+F5", "STRG+42+F5"},
         {{FVIRTKEY | FCONTROL, 'O', 1}, "Ctrl+O", "STRG+O"},
         {{FVIRTKEY, VK_PRIOR, 1}, "Page Up", "73e"},
+        {{FVIRTKEY, VK_NUMPAD5, 1}, "Num 5", "Num 5"},
         {{FCONTROL, 'A', 1}, "Shift+A", "42+A"},
         {{FALT, '?', 1}, "Alt+?", "56+?"},
     };
@@ -330,8 +331,7 @@ TEST(Menu, RunsByKeyboardInItsPopupsAndSurvivesWhatHappensToIt)
     fill(menu);
     run(menu, {VK_DOWN, VK_RETURN});
     run(menu, {'s', 't'});
-    run(menu, {'o'});
-    EXPECT_EQ("1 2 1 ", handler.Done());
+    EXPECT_EQ("1 2 ", handler.Done());
 
     // The object, or the menu, goes while the menu is shown.
     for (const bool bObject : {true, false}) {

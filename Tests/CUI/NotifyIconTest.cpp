@@ -52,7 +52,7 @@ TEST(NotifyIcon, TellsTheShellWhatEachVersionTakesAndOwnsTheIconsItLoads)
         "DestroyIcon", [&](HICON h) { return destroyed += Text("%d ", int(h)), TRUE; });
     for (const bool bBalloons : {false, true}) {
         CShell shell(bBalloons);
-        const std::string size = bBalloons ? "488" : "88";
+        const int nSize = bBalloons ? 488 : 88;
         {
             CIcon icon;
             EXPECT_FALSE(icon.SetTip("none") || icon.Add(HICON(nullptr), "none"));
@@ -63,8 +63,8 @@ TEST(NotifyIcon, TellsTheShellWhatEachVersionTakesAndOwnsTheIconsItLoads)
             shell.Asked();
             SendMessageA(shell.s_hWnd, CURegisterMessageId("TaskbarCreated"), 0, 0);
             EXPECT_TRUE(icon.SetTip(longTip.c_str()));
-            EXPECT_EQ("add " + size + " 7 tip modify " + size + " 4 " +
-                          longTip.substr(0, bBalloons ? 127 : 63) + " ",
+            const std::string tip = longTip.substr(0, bBalloons ? 127 : 63);
+            EXPECT_EQ(Text("add %d 7 tip modify %d 4 %s ", nSize, nSize, tip.c_str()),
                       shell.Asked());
             EXPECT_EQ(bBalloons, icon.ShowBalloon("title", "text") != 0);
             EXPECT_EQ(bBalloons ? "modify 488 16 text " : "", shell.Asked());
@@ -73,7 +73,7 @@ TEST(NotifyIcon, TellsTheShellWhatEachVersionTakesAndOwnsTheIconsItLoads)
             icon.Add(nullptr, "third", "tip");
             shell.Asked();
         }
-        EXPECT_EQ("delete " + size + " 0  ", shell.Asked());
+        EXPECT_EQ(Text("delete %d 0  ", nSize), shell.Asked());
     }
     EXPECT_EQ("1 2 3 4 5 6 ", destroyed);
 }

@@ -72,7 +72,7 @@ TEST(RecentFiles, ShowInTheMenuOpenAndTellWhatIsGone)
     folder.Make("there.txt");
     const std::string there = folder.Path() + "\\there.txt";
     recent.Add(there.c_str());
-    for (const WPARAM nID : {1710, 1712})
+    for (const WPARAM nID : {1710U, 1712U})
         SendMessageA(frame, WM_COMMAND, nID, 0);
     EXPECT_EQ(there + "| C:\\A & B.txt 2", frame.m_asked + " " + recent.m_gone);
     for (int i = 0; i < 12; ++i)
