@@ -6,6 +6,7 @@
 /// a pixel's place in it, p is the progress, and round(n) the whole part of n + 0.5.
 
 #include "CUI/Bitmap.h"
+#include "CUI/Data.h"
 #include "CUI/Effect.h"
 
 class CCUIEffectScene;
@@ -57,7 +58,7 @@ public:
 
 protected:
     /// Without pictures, on the colour of windows.
-    CCUIPictureEffect();
+    CCUIPictureEffect() = default;
 
     /// The settings.
     /// @{
@@ -79,7 +80,7 @@ protected:
     const CCUIEffectScene *GetScene() const { return m_pScene; }
 
 private:
-    CUIEffectPicture m_background;
+    CUIEffectPicture m_background{CUIGetWinData()->crSys[COLOR_WINDOW]};
     CUIEffectPicture m_pictures[2];
     CCUIEffectScene *m_pScene = nullptr;
 };

@@ -3,8 +3,6 @@
 #include "CUI/Effects.h"
 #include "Effect/EffectScene.h"
 
-CCUIPictureEffect::CCUIPictureEffect() : m_background(CUIGetWinData()->crSys[COLOR_WINDOW]) {}
-
 CCUIPictureEffect::~CCUIPictureEffect()
 {
     delete m_pScene;
