@@ -1,5 +1,9 @@
 #include "CUI/Effects.h"
 
+#include <math.h>
+#include <numeric>
+
+#include "CUI/Draw.h"
 #include "CUI/OffScreenDC.h"
 #include "Support/FakeClock.h"
 #include "Support/GdiCount.h"
@@ -57,8 +61,13 @@ struct CScene
         return bIn && small.At(x, y) != KEY ? small.At(x, y) : CLR_INVALID;
     }
     COLORREF First(int x, int y) const { return Keyed(x, y) == CLR_INVALID ? BACK : Keyed(x, y); }
+    void Set(CCUITransitionEffect &effect) const
+    {
+        effect.SetBackground(BACK);
+        effect.SetPictures(keyed, full);
+    }
     // Of a transition, where the second picture is.
-    Model Mix(std::function<bool(int x, int y, double p)> second) const
+    Model Mix(const std::function<bool(int x, int y, double p)> &second) const
     {
         return
             [=](int x, int y, double p) { return second(x, y, p) ? blocks.At(x, y) : First(x, y); };
@@ -88,17 +97,23 @@ CPixelMap Read(HDC hDC, int cx, int cy)
 
 int Nearest(double f)
 {
-    return static_cast<int>(f + 0.5);
+    return static_cast<int>(lround(f));
 }
 
 void ExpectFrames(const std::string &name, CCUITimeBasedEffect &effect, const Model &model)
 {
+    // The DC has an origin of its own, and clips a corner.
     CTestSurface surface(CPixelMap(W + 4, H + 3, 0xFF0000));
+    ExcludeClipRect(surface, 0, 0, 9, 9);
     for (const double p : {0.0, 0.75, 0.25, 0.5, 1.0}) {
         CPixelMap wanted(W + 4, H + 3, 0xFF0000);
-        for (int i = 0; i < W * H; ++i)
-            wanted.Set(i % W + 2, i / W + 1, model(i % W, i / W, p));
-        effect.Draw(surface, {2, 1, W + 2, H + 1}, p);
+        for (int i = 0; i < W * H; ++i) {
+            if (i % W >= 7 || i / W >= 8)
+                wanted.Set(i % W + 2, i / W + 1, model(i % W, i / W, p));
+        }
+        SetViewportOrgEx(surface, -3, -3, nullptr);
+        effect.Draw(surface, {5, 4, W + 5, H + 4}, p);
+        SetViewportOrgEx(surface, 0, 0, nullptr);
         EXPECT_TRUE(Read(surface, W + 4, H + 3) == wanted) << name << " at " << p;
     }
 }
@@ -109,8 +124,7 @@ void ExpectWipes(const CScene &s)
     for (int i = 0; i < 16; ++i) {
         const int dx = STEPS[i / 2][0], dy = STEPS[i / 2][1], nEdge = i % 2 * 13;
         CCUIWipeEffect wipe;
-        wipe.SetBackground(BACK);
-        wipe.SetPictures(s.keyed, s.full);
+        s.Set(wipe);
         wipe.SetDirection(static_cast<CCUITimeBasedEffect::Direction>(i / 2));
         wipe.SetEdgeWidth(nEdge);
         ExpectFrames(Text("wipe %d", i), wipe, s.Mix([=](int x, int y, double p) {
@@ -129,8 +143,7 @@ void ExpectWipes(const CScene &s)
 void ExpectReveals(const CScene &s)
 {
     std::vector<int> ranks(7 * 5);
-    for (int i = 0; i < 35; ++i)
-        ranks[static_cast<size_t>(i)] = i;
+    std::iota(ranks.begin(), ranks.end(), 0);
     unsigned long r = 1;
     for (unsigned long i = 34; i > 0; --i) {
         r = 1664525 * r + 1013904223;
@@ -154,8 +167,7 @@ void ExpectReveals(const CScene &s)
         }};
     for (int i = 0; i < 6; ++i) {
         CCUIRevealEffect reveal;
-        reveal.SetBackground(BACK);
-        reveal.SetPictures(s.keyed, s.full);
+        s.Set(reveal);
         reveal.SetShape(static_cast<CCUIRevealEffect::Shape>(i));
         reveal.SetSize(10);
         ExpectFrames(Text("reveal %d", i), reveal, s.Mix(shapes[i]));
@@ -218,12 +230,10 @@ TEST(Effect, EveryPixelIsWhatTheFormulaSays)
         ExpectScrolls(s);
         ExpectShrinks(s);
         CCUIBlinkEffect blink;
-        blink.SetBackground(BACK);
-        blink.SetPictures(s.keyed, RGB(0, 0, 255));
+        s.Set(blink);
         blink.SetBlinks(3);
-        ExpectFrames("blink", blink, [&](int x, int y, double p) {
-            return static_cast<int>(p * 6) % 2 ? RGB(0, 0, 255) : s.First(x, y);
-        });
+        ExpectFrames("blink", blink,
+                     s.Mix([](int, int, double p) { return static_cast<int>(p * 6) % 2 != 0; }));
     }
 }
 
@@ -269,22 +279,18 @@ public:
 protected:
     void Render(HDC hDC, const RECT &rect, double fProgress) override
     {
-        const HBRUSH hBrush = CreateSolidBrush(0xFF00);
-        FillRect(hDC, &rect, hBrush);
-        DeleteObject(hBrush);
+        CUIDCFillSolidRect(hDC, &rect, 0xFF00);
         m_log += Text("%d ", Nearest(fProgress * 100));
     }
     void OnEnd(bool bFinished) override
     {
         m_log += bFinished ? "end" : "lost";
-        const std::function<void()> act = m_onEnd;  // it may delete this
-        act();
+        (std::function<void()>(m_onEnd))();  // a copy, which may delete this
     }
     void OnTurn(long nPass) override
     {
         m_log += Text("turn%ld ", nPass);
-        const std::function<void()> act = m_onTurn;
-        act();
+        (std::function<void()>(m_onTurn))();
     }
 
 private:
@@ -322,63 +328,58 @@ TEST(Effect, RunsByTheClock)
     effect.Resume();
     s.clock.Run(1000);
     EXPECT_EQ("80 90 100 end", effect.Take());
-    EXPECT_EQ(CCUITimeBasedEffect::Finished, effect.GetState());
+    EXPECT_EQ(CLogged::Finished, effect.GetState());
 
     effect.SetFrameTime(50);
-    effect.SetRepeat(CCUITimeBasedEffect::ToAndFro, 3);
-    effect.SetEasing(CCUITimeBasedEffect::EaseIn);
+    effect.SetRepeat(CLogged::ToAndFro, 3);
+    effect.SetEasing(CLogged::EaseIn);
     effect.SetBackwards(true);
     effect.Start(&s.window, RC);
     s.clock.Run(1000);
     EXPECT_EQ("100 75 0 turn1 25 100 turn2 75 0 end", effect.Take());
-    effect.SetRepeat(CCUITimeBasedEffect::Repeated);
+    effect.SetRepeat(CLogged::Repeated);
     effect.Start(&s.window, RC);
     s.clock.Run(100);
     s.clock.Jump(260);
     s.clock.Run(40);
     EXPECT_EQ("100 75 100 turn1 64 turn3 100 turn4 ", effect.Take());
-    EXPECT_EQ(0.82,
-              Nearest(100 * CCUITimeBasedEffect::Ease(CCUITimeBasedEffect::EaseBoth, 0.7)) / 100.0);
-    EXPECT_EQ(0.51,
-              Nearest(100 * CCUITimeBasedEffect::Ease(CCUITimeBasedEffect::EaseOut, 0.3)) / 100.0);
+    EXPECT_EQ("0.82 0.51", Text("%.2f %.2f", CLogged::Ease(CLogged::EaseBoth, 0.7),
+                                CLogged::Ease(CLogged::EaseOut, 0.3)));
     CReports reports;
-    CCUIWindow none;
     EXPECT_EQ("pWindow && pWindow->GetHandle()",
-              reports.Of("Effect", [&] { effect.Start(&none, RC); }));
+              reports.Of("Effect", [&] { effect.Start(nullptr, RC); }));
 }
 
 TEST(Effect, WhatCannotBeSeenCostsNothing)
 {
     CStage s;
-    CTestWindow child(s.window, WS_CHILD | WS_CLIPSIBLINGS | WS_VISIBLE);
-    CTestWindow cover(s.window, WS_CHILD | WS_CLIPSIBLINGS);
+    CTestWindow cover(s.window, WS_CHILD), child(s.window, WS_CHILD | WS_CLIPSIBLINGS | WS_VISIBLE);
     CLogged effect;
-    effect.SetRepeat(CCUITimeBasedEffect::Repeated);
+    effect.SetRepeat(CLogged::Repeated);
     effect.Start(&child, {0, 0, 9, 9});
-    const std::pair<std::function<void()>, std::function<void()>> ways[] = {
-        {[&] { ShowWindow(child, SW_HIDE); }, [&] { ShowWindow(child, SW_SHOW); }},
-        {[&] { ShowWindow(s.window, SW_HIDE); }, [&] { ShowWindow(s.window, SW_SHOW); }},
-        {[&] { ShowWindow(s.window, SW_MINIMIZE); }, [&] { ShowWindow(s.window, SW_RESTORE); }},
-        {[&] {
-             SetWindowPos(cover, HWND_TOP, 0, 0, 0, 0, SWP_SHOWWINDOW | SWP_NOMOVE | SWP_NOSIZE);
-         },
-         [&] { ShowWindow(cover, SW_HIDE); }}};
+    struct
+    {
+        HWND hWnd;
+        int nAway, nBack;
+    } const ways[] = {{child, SW_HIDE, SW_SHOW},
+                      {s.window, SW_HIDE, SW_SHOW},
+                      {s.window, SW_MINIMIZE, SW_RESTORE},
+                      {cover, SW_SHOW, SW_HIDE}};
     for (const auto &way : ways) {
-        s.clock.Run(50);
-        way.first();
+        ShowWindow(way.hWnd, way.nAway);
         s.clock.Run(50);
         effect.Take();
         s.clock.m_delays.clear();
         s.clock.Run(5000);
         EXPECT_EQ("", effect.Take()) << &way - ways;
         EXPECT_TRUE(s.clock.m_delays.empty() && !s.clock.IsPending()) << &way - ways;
-        way.second();
+        ShowWindow(way.hWnd, way.nBack);
         s.clock.Run(50);
         EXPECT_GE(effect.Take().size(), 8U) << &way - ways;
     }
     // The end of a run is told all the same, and in time.
     ShowWindow(s.window, SW_HIDE);
-    effect.SetRepeat(CCUITimeBasedEffect::Once);
+    effect.SetRepeat(CLogged::Once);
     effect.Start(&child, RC);
     s.clock.Run(99);
     EXPECT_EQ("", effect.Take());
@@ -427,22 +428,19 @@ TEST(Effect, MayBeDeletedAndLoseItsWindowAnywhere)
         auto *const pEffect = new CLogged;
         auto *const pWindow = new CScripted<>;
         CreateTestWindow(*pWindow, nullptr, WS_POPUP | WS_VISIBLE);
-        pEffect->SetRepeat(CCUITimeBasedEffect::Repeated, 2);
+        pEffect->SetRepeat(CLogged::Repeated, 2);
         pEffect->Start(pWindow, RC);
         bool bGone = false;
         const auto goes = [&] { bGone = true, delete pEffect; };
         // Deleted at the end, at a turn, when the window is lost in any way, at a turn of its own.
         pEffect->m_onEnd = goes;
-        pEffect->m_onTurn = [&, i] {
-            if (i == 1)
-                goes();
-            else if (i == 2)
-                pWindow->Destroy();
-            else if (i == 3)
-                delete pWindow;
-            else if (i == 4)
-                DestroyWindow(pWindow->Detach());
-        };
+        const std::function<void()> ways[] = {[] {},
+                                              goes,
+                                              [&] { pWindow->Destroy(); },
+                                              [&] { delete pWindow; },
+                                              [&] { DestroyWindow(pWindow->Detach()); },
+                                              [] {}};
+        pEffect->m_onTurn = ways[i];
         s.clock.Run(i < 5 ? 300 : 50);
         if (i == 5)
             pWindow->Destroy();
@@ -462,16 +460,14 @@ TEST(Effect, FiveThousandLeaveNothingBehind)
     const CScene scene(32);
     int nDone = 0, nLive = 0;
     ExpectNoGdiLeft(5000, [&] {
+        if (++nDone == 3)
+            nLive = heap.Live();
         CCUIWipeEffect effect;
         effect.SetPictures(scene.keyed, scene.full);
         effect.SetEdgeWidth(nDone % 2 * 8);
         effect.SetDirection(CCUITimeBasedEffect::RightDown);
         effect.Start(&s.window, RC);
         s.clock.Run(1);
-        if (++nDone % 3 == 0)
-            effect.Stop();
-        if (nDone == 3)
-            nLive = heap.Live();
     });
     EXPECT_EQ(nLive, heap.Live());
     // Frames themselves take nothing from the heap, but for the first one.
@@ -489,26 +485,25 @@ TEST(Effect, FiveThousandLeaveNothingBehind)
 TEST(Effect, ShowsTheLastPictureAtOnceWhereAnimationIsNotWanted)
 {
     CStage s;
-    bool bOld = false;
-    CFakeCall<BOOL(UINT, UINT, void *, UINT)> system(
-        "SystemParametersInfoA", [&](UINT nAction, UINT n, void *p, UINT nFlags) {
-            if (nAction != 0x1042 && nAction != 0x103E)
-                return system.Original(nAction, n, p, nFlags);
-            *static_cast<BOOL *>(p) = FALSE;
-            return BOOL(!bOld);
+    BOOL bKnown = TRUE;  // to the system
+    const CFakeCall<BOOL(UINT, UINT, void *, UINT)> system(
+        "SystemParametersInfoA", [&](UINT nAction, UINT, void *p, UINT) {
+            if (nAction == 0x1042 || nAction == 0x103E)
+                *static_cast<BOOL *>(p) = FALSE;
+            return bKnown;
         });
     CLogged effect;
     for (const int nPasses : {0, 1, 2}) {
-        effect.SetRepeat(CCUITimeBasedEffect::ToAndFro, nPasses);
+        effect.SetRepeat(CLogged::ToAndFro, nPasses);
         effect.Start(&s.window, RC);
         s.clock.Run(500);
         EXPECT_EQ(nPasses == 2 ? "0 end" : "100 end", effect.Take());
     }
-    bOld = true;  // a system that has neither setting
+    bKnown = FALSE;
     effect.Start(&s.window, RC);
     s.clock.Run(10);
     EXPECT_EQ("0 10 ", effect.Take());
-    bOld = false;
+    bKnown = TRUE;
     SendMessageA(s.window, WM_SETTINGCHANGE, 0, 0);
     s.clock.Run(10);
     EXPECT_EQ("0 end0 ", effect.Take());

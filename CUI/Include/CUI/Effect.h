@@ -117,6 +117,7 @@ public:
     static bool IsAnimationWanted();
 
 protected:
+    /// Stopped.
     CCUITimeBasedEffect() = default;
 
     /// The run is over, with its last picture shown (bFinished), or with the window lost before. No
@@ -141,6 +142,7 @@ private:
     void TimeOut(long nNow) override;
     int OnHookMessage(UINT message, WPARAM wParam, LPARAM lParam, long &result) override;
     void OnUnbound() override;
+    void LetGo();
     long Elapsed(unsigned long uNow) const;
     bool IsBehindEnd(long nPass) const;
     bool Advance(unsigned long uNow);

@@ -23,7 +23,7 @@ const int MOST_SKIPPED = 64;
 
 CCUITimeBasedEffect::~CCUITimeBasedEffect()
 {
-    Stop();
+    LetGo();
 }
 
 // --- Runs ---
@@ -67,13 +67,18 @@ void CCUITimeBasedEffect::Resume()
 
 void CCUITimeBasedEffect::Stop()
 {
+    LetGo();
+    Discard();
+}
+
+void CCUITimeBasedEffect::LetGo()
+{
     if (!m_pWindow)
         return;
     KillAlarm();
     m_pWindow->RemoveMessageHook(this);
     m_pWindow = nullptr;
     m_state = Stopped;
-    Discard();
 }
 
 void CCUITimeBasedEffect::Move(const RECT &rect)

@@ -89,5 +89,5 @@ void CUIDrawEffectPicture(HDC hDC, HDC hMask, const CUIEffectPicture &picture, i
 // The whole number nearest to a share of n.
 inline int CUIEffectRound(double fShare, int n)
 {
-    return static_cast<int>(fShare * n + 0.5);
+    return static_cast<int>(2 * fShare * n + 1) / 2;
 }

@@ -28,8 +28,8 @@ public:
     CFront(CCUITimeBasedEffect::Direction direction, int cx, int cy, int nEdge)
         : m_cx(cx), m_cy(cy), m_nEdge(nEdge)
     {
-        static const signed char STEPS[][2] = {{1, 0},  {1, 1},   {0, 1},  {-1, 1},
-                                               {-1, 0}, {-1, -1}, {0, -1}, {1, -1}};
+        static const short STEPS[][2] = {{1, 0},  {1, 1},   {0, 1},  {-1, 1},
+                                         {-1, 0}, {-1, -1}, {0, -1}, {1, -1}};
         m_dx = STEPS[direction][0];
         m_dy = STEPS[direction][1];
     }
