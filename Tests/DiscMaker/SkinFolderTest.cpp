@@ -268,9 +268,10 @@ TEST(SkinFolder, WritesPicturesBesideTheScript)
 
 TEST(SkinFolder, SaysThatNotEveryCompilerKnowsTheMarkOfUtf8)
 {
-    const std::string mark = "\xEF\xBB\xBF", table = "STRINGTABLE { 28 \"\xC3\xA4\" }\n";
-    for (const auto &pragma : {"", "#pragma code_page(65001)\n"}) {
-        CScriptFolder folder(mark + pragma + table);
+    for (const char *const pragma : {"", "#pragma code_page(65001)\n"}) {
+        std::string script = "\xEF\xBB\xBF";
+        script.append(pragma).append("STRINGTABLE { 28 \"\xC3\xA4\" }\n");
+        CScriptFolder folder(script);
         const auto file = folder.Open();
         ASSERT_TRUE(file);
         EXPECT_EQ("\xE4", TextOf(file->Skin(), IDS_TITLE));

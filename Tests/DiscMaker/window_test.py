@@ -22,27 +22,24 @@ from launcher import (BUILD, NONE, RUN, reference, wait_for, windows,  # noqa: E
 SETTINGS = r"HKCU\Software\Disc Maker"
 
 
-class Window(unittest.TestCase):
+class MakerWindow(unittest.TestCase):
+    """A folder, and Disc Maker with no memory of earlier runs."""
+
     def setUp(self):
         self.folder = pathlib.Path(tempfile.mkdtemp(prefix="maker"))
         self.addCleanup(shutil.rmtree, self.folder)
-        self.addCleanup(subprocess.run, ["wine", "reg", "delete", SETTINGS, "/f"], check=False,
-                        stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
-        self.forget_crashes()
-        self.addCleanup(self.forget_crashes)  # it is killed
-        self.launcher = self.folder / "AutoRun.exe"
-        shutil.copy(BUILD / "AutoRun/AutoRun.exe", self.launcher)
-        self.first = self.launcher.read_bytes()
-        self.pictures, self.spots = reference(self.launcher)
-        process = subprocess.Popen(["wine", windows_path(BUILD / "DiscMaker/DiscMaker.exe"),
-                                    windows_path(self.launcher)])
+        self.forget()
+        self.addCleanup(self.forget)  # it may be killed
+
+    def start(self, *words):
+        process = subprocess.Popen(["wine", *map(windows_path, words)])
         self.addCleanup(process.wait)
         self.addCleanup(process.kill)
-        wait_for(lambda: windows("AutoRun.exe - Disc Maker"), "the window")
-        self.left, self.top = wait_for(lambda: self.find(self.pictures[NONE]), "the launcher's face")
+        return process
 
     @staticmethod
-    def forget_crashes():
+    def forget():
+        subprocess.run(["wine", "reg", "delete", SETTINGS, "/f"], check=False, capture_output=True)
         users = pathlib.Path(os.environ["WINEPREFIX"]) / "drive_c/users"
         for kept in users.glob("*/Temp/DiscMaker-*.recovery"):
             kept.unlink()
@@ -61,6 +58,18 @@ class Window(unittest.TestCase):
 
     def mouse(self, x, y, *action):
         xdotool("mousemove", self.left + x, self.top + y, *action)
+
+
+class Window(MakerWindow):
+    def setUp(self):
+        super().setUp()
+        self.launcher = self.folder / "AutoRun.exe"
+        shutil.copy(BUILD / "AutoRun/AutoRun.exe", self.launcher)
+        self.first = self.launcher.read_bytes()
+        self.pictures, self.spots = reference(self.launcher)
+        self.start(BUILD / "DiscMaker/DiscMaker.exe", self.launcher)
+        wait_for(lambda: windows("AutoRun.exe - Disc Maker"), "the window")
+        self.left, self.top = wait_for(lambda: self.find(self.pictures[NONE]), "the launcher's face")
 
     def save(self, before):
         xdotool("key", "ctrl+s")

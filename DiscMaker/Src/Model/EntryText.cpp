@@ -105,7 +105,7 @@ CCUString EntryInWords(const SkinEntry &entry, const CCUString &sText)
             return sText;
         sWords.Format("%ld, %ld", point.x, point.y);
         return sWords;
-    default: return ToOneLine(sText);
+    default: return entry.m_nID == IDS_ABOUT ? ToOneLine(sText) : sText;
     }
 }
 

@@ -170,9 +170,14 @@ long CMainWindow::OnMessage(UINT message, WPARAM wParam, LPARAM lParam)
         message == WM_PALETTECHANGED && reinterpret_cast<HWND>(wParam) != m_canvas.GetHandle();
     if (message != WM_QUERYNEWPALETTE && !bOther)
         return CCUIFrameWindow::OnMessage(message, wParam, lParam);
+    // To draw with other colours of the screen changes them once more.
+    if (m_bRealizing)
+        return 0;
+    m_bRealizing = true;
     const bool bChanged = m_canvas.Face().RealizeBackground(m_canvas);
     if (bChanged)
-        InvalidateRect(m_canvas, nullptr, FALSE);
+        m_canvas.Read(nullptr);  // its bitmaps have the screen's colours
+    m_bRealizing = false;
     return bChanged;
 }
 

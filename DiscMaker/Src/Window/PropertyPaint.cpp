@@ -16,6 +16,12 @@ int Scaled(int nPixels)
     return MulDiv(nPixels, CUIGetWinData()->cyPixelsPerInch, 96);
 }
 
+// What a screen of 256 colours does not have is mixed of dots.
+void Fill(HDC hDC, const RECT &rect, int nSysColor)
+{
+    FillRect(hDC, &rect, GetSysColorBrush(nSysColor));
+}
+
 void Text(HDC hDC, RECT rect, const CCUString &sText, COLORREF crText)
 {
     rect.left += Scaled(4);
@@ -39,7 +45,7 @@ void CPropertyGrid::OnPaint(HDC)
     const HDC hMemDC = CUIGetOSDC()->GetDC(hDC, part.right, part.bottom);
     if (hMemDC) {
         const CCUISavedDC saved(hMemDC);
-        CUIDCFillSolidRect(hMemDC, &part, GetSysColor(COLOR_WINDOW));
+        Fill(hMemDC, part, COLOR_WINDOW);
         SetBkMode(hMemDC, TRANSPARENT);
         for (int i = 0; i < RowCount(); ++i) {
             const RECT rect = RowRect(i);
@@ -61,13 +67,12 @@ void CPropertyGrid::PaintRow(HDC hDC, int nRow) const
         PaintHeading(hDC, rect, row.m_sCaption);
         return;
     }
-    const COLORREF crLine = GetSysColor(COLOR_BTNFACE);
-    CUIDCFillSolidRect(hDC, 0, rect.bottom - 1, rect.right, 1, crLine);
-    CUIDCFillSolidRect(hDC, m_cxNames, rect.top, 1, m_cyRow, crLine);
+    Fill(hDC, {0, rect.bottom - 1, rect.right, rect.bottom}, COLOR_BTNFACE);
+    Fill(hDC, {m_cxNames, rect.top, m_cxNames + 1, rect.bottom}, COLOR_BTNFACE);
     RECT name = {0, rect.top, m_cxNames, rect.bottom - 1};
     const bool bSelected = nRow == m_nSelected;
     if (bSelected)
-        CUIDCFillSolidRect(hDC, &name, GetSysColor(COLOR_HIGHLIGHT));
+        Fill(hDC, name, COLOR_HIGHLIGHT);
     const CCUISelect font(hDC, CUIGetWinData()->hMenuFont);
     name.left = Scaled(8);
     Text(hDC, name, row.m_sCaption,
@@ -77,7 +82,7 @@ void CPropertyGrid::PaintRow(HDC hDC, int nRow) const
 
 void CPropertyGrid::PaintHeading(HDC hDC, const RECT &rect, const CCUString &sText) const
 {
-    CUIDCFillSolidRect(hDC, &rect, GetSysColor(COLOR_BTNFACE));
+    Fill(hDC, rect, COLOR_BTNFACE);
     const CCUISelect font(hDC, CUIGetWinData()->hMenuFontBold);
     Text(hDC, rect, sText, GetSysColor(COLOR_BTNTEXT));
 }
