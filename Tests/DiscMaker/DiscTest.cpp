@@ -157,6 +157,19 @@ TEST_F(CDiscTest, ReplacesOnlyWhatItWrote)
     ExpectRefused("The contents have a file of the name", "\\new");
 }
 
+TEST_F(CDiscTest, IsNotMadeWithoutABackground)
+{
+    ASSERT_TRUE(Make());
+    CSkin skin = GoodSkin();
+    skin.m_pictures[PictureBackground] = nullptr;
+    m_problems.clear();
+    EXPECT_FALSE(MakeDisc(skin, TEST_LAUNCHER, (Path() + "\\in").c_str(),
+                          (Path() + "\\out").c_str(), nullptr, m_problems));
+    ASSERT_EQ(1U, m_problems.size());
+    EXPECT_EQ(UINT{IDB_BACKGROUND}, m_problems[0].m_nEntry);
+    ExpectOldDisc();
+}
+
 TEST_F(CDiscTest, RefusesPlacesThatMeet)
 {
     ExpectRefused("is not there", "\\out", "\\none");

@@ -21,12 +21,7 @@ bool ReadPixels(const CFacePicture &face, CPixels &pixels)
 {
     if (!face.GetDC() || !pixels.Create(face.Size().cx, face.Size().cy))
         return false;
-    BITMAPINFO info = {};
-    info.bmiHeader.biSize = sizeof info.bmiHeader;
-    info.bmiHeader.biWidth = pixels.m_cx;
-    info.bmiHeader.biHeight = -pixels.m_cy;
-    info.bmiHeader.biPlanes = 1;
-    info.bmiHeader.biBitCount = 32;
+    BITMAPINFO info = pixels.Info();
     void *pBits = nullptr;
     const CCUIOwned<HBITMAP> section(
         CreateDIBSection(face.GetDC(), &info, DIB_RGB_COLORS, &pBits, nullptr, 0));

@@ -5,6 +5,7 @@
 #include "Disc/DiscLayout.h"
 #include "File/SkinFile.h"
 #include "Problems/Check.h"
+#include "Resource.h"
 
 namespace {
 
@@ -32,6 +33,12 @@ private:
     CCUString m_sPath;
 };
 
+bool Fail(CProblems &problems, UINT nEntry, const CCUString &sWhere, const CCUString &sWhat)
+{
+    problems.push_back({ProblemError, nEntry, sWhere, sWhat, "There is no new disc."});
+    return false;
+}
+
 bool MakeLauncher(const CSkin &skin, const CCUString &sLauncher, const CCUString &sPath,
                   CProblems &problems)
 {
@@ -42,8 +49,8 @@ bool MakeLauncher(const CSkin &skin, const CCUString &sLauncher, const CCUString
     if (pLauncher && !pLauncher->IsFolder())
         return pLauncher->SaveCopy(skin, sPath, problems);
     if (pLauncher)
-        problems.push_back({ProblemError, 0, sLauncher, "A launcher is wanted here, no skin folder.",
-                            "There is no new disc."});
+        problems.push_back({ProblemError, 0, sLauncher,
+                            "A launcher is wanted here, no skin folder.", "There is no new disc."});
     return false;
 }
 
@@ -52,13 +59,13 @@ bool MakeLauncher(const CSkin &skin, const CCUString &sLauncher, const CCUString
 bool MakeDisc(const CSkin &skin, const CCUString &sLauncher, const CCUString &sContents,
               const CCUString &sOut, CDiscProgress *pProgress, CProblems &problems)
 {
+    if (!skin.m_pictures[PictureBackground])
+        return Fail(problems, IDB_BACKGROUND, "",
+                    "The background is missing, without which the launcher has no window.");
     const CTemporaryFile launcher;
-    if (launcher.Path().IsEmpty()) {
-        problems.push_back({ProblemError, 0, "",
-                            "There is no temporary folder: " + CUErrorText(GetLastError()),
-                            "There is no new disc."});
-        return false;
-    }
+    if (launcher.Path().IsEmpty())
+        return Fail(problems, 0, "",
+                    "There is no temporary folder: " + CUErrorText(GetLastError()));
     if (!MakeLauncher(skin, sLauncher, launcher.Path(), problems) ||
         !LayOutDisc(launcher.Path(), MakeAutorunInf(skin), sContents, sOut, pProgress, problems))
         return false;

@@ -11,3 +11,14 @@ bool CPixels::Create(LONGLONG cx, LONGLONG cy)
     m_colors.clear();
     return true;
 }
+
+BITMAPINFO CPixels::Info() const
+{
+    BITMAPINFO info = {};
+    info.bmiHeader.biSize = sizeof info.bmiHeader;
+    info.bmiHeader.biWidth = m_cx;
+    info.bmiHeader.biHeight = -m_cy;
+    info.bmiHeader.biPlanes = 1;
+    info.bmiHeader.biBitCount = 32;
+    return info;
+}

@@ -20,6 +20,8 @@ struct CPixels
     bool Create(LONGLONG cx, LONGLONG cy);
     DWORD *Row(int y) { return m_pixels.data() + RowStart(y); }
     const DWORD *Row(int y) const { return m_pixels.data() + RowStart(y); }
+    // What GDI is told of such pixels.
+    BITMAPINFO Info() const;
 
 private:
     size_t RowStart(int y) const { return static_cast<size_t>(y) * static_cast<size_t>(m_cx); }

@@ -172,12 +172,7 @@ bool CopyBitmap(HBITMAP hBitmap, CPixels &pixels)
     if (!GetObjectA(hBitmap, sizeof bitmap, &bitmap) ||
         !pixels.Create(bitmap.bmWidth, bitmap.bmHeight))
         return false;
-    BITMAPINFO info = {};
-    info.bmiHeader.biSize = sizeof info.bmiHeader;
-    info.bmiHeader.biWidth = pixels.m_cx;
-    info.bmiHeader.biHeight = -pixels.m_cy;
-    info.bmiHeader.biPlanes = 1;
-    info.bmiHeader.biBitCount = 32;
+    BITMAPINFO info = pixels.Info();
     const CCUIWindowDC hScreen(nullptr);
     if (!GetDIBits(hScreen, hBitmap, 0, static_cast<UINT>(pixels.m_cy), pixels.m_pixels.data(),
                    &info, DIB_RGB_COLORS))
