@@ -221,8 +221,15 @@ TEST(Recovery, GivesBackWhatAProgramThatCrashedHadKept)
     EXPECT_EQ(PackSkin(TestSkin()), PackSkin(skin));
     EXPECT_FALSE(CRecovery().Find(skin, sPath)) << "somebody has it";
     EXPECT_EQ(1U, temp.Files("*").size());
+    // Nothing that is there is overwritten: numbers of processes come again.
+    char szTaken[40];
+    sprintf(szTaken, "DiscMaker-%lx-1.recovery", GetCurrentProcessId());
+    temp.Make(szTaken);
+    CProblems problems;
+    EXPECT_TRUE(found.Keep(skin, sPath, problems));
+    EXPECT_EQ(2U, temp.Files("*").size());
     found.Forget();
-    EXPECT_TRUE(temp.Files("*").empty());
+    EXPECT_EQ(std::vector<std::string>{szTaken}, temp.Files("*"));
 }
 
 TEST(EntryText, GoesToTheClipboardAndBack)
