@@ -111,6 +111,26 @@ TEST(Document, GoesBackAndForthAsAListOfStatesDoes)
     }
 }
 
+// A launcher has its languages in another order than a script.
+TEST(Document, TakesTheTextsOfAnotherSkinByTheirLanguages)
+{
+    const auto skin = [](const std::vector<LANGID> &languages) {
+        CSkin made;
+        for (const LANGID n : languages)
+            made.m_texts.push_back({n, {{IDS_TITLE, CWideText(FormatPoint({n, 0}), 1252)}}});
+        return made;
+    };
+    CDocument document;
+    document.Start(skin({7, 9, 12}));
+    document.SetAll(skin({9, 7, 10}));
+    EXPECT_EQ(skin({7, 9, 10}).m_texts[2].m_entries, document.Skin().m_texts[2].m_entries);
+    EXPECT_STREQ("7,0", document.Entry(IDS_TITLE));
+    document.SetAll(skin({9}));
+    EXPECT_STREQ("7,0", document.Entry(IDS_TITLE));
+    document.SetAll(skin({0}));
+    EXPECT_STREQ("0,0", document.Entry(IDS_TITLE));
+}
+
 TEST(Document, KeepsCharactersThatNoFieldCanShow)
 {
     CSkin skin = TestSkin();
@@ -221,8 +241,15 @@ TEST(Recovery, GivesBackWhatAProgramThatCrashedHadKept)
     EXPECT_EQ(PackSkin(TestSkin()), PackSkin(skin));
     EXPECT_FALSE(CRecovery().Find(skin, sPath)) << "somebody has it";
     EXPECT_EQ(1U, temp.Files("*").size());
+    // Nothing that is there is overwritten: numbers of processes come again.
+    char szTaken[40];
+    sprintf(szTaken, "DiscMaker-%lx-1.recovery", GetCurrentProcessId());
+    temp.Make(szTaken);
+    CProblems problems;
+    EXPECT_TRUE(found.Keep(skin, sPath, problems));
+    EXPECT_EQ(2U, temp.Files("*").size());
     found.Forget();
-    EXPECT_TRUE(temp.Files("*").empty());
+    EXPECT_EQ(std::vector<std::string>{szTaken}, temp.Files("*"));
 }
 
 TEST(EntryText, GoesToTheClipboardAndBack)

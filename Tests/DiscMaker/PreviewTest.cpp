@@ -24,6 +24,10 @@ TEST(Preview, RunsTheSkinAndLeavesNothing)
     const std::string left = temp.Path() + "\\DiscMaker-fffffff1-3";
     CreateDirectoryA(left.c_str(), nullptr);
     WriteFileBytes(left + "\\AutoRun.exe", "of a program that crashed");
+    char szTaken[40];
+    sprintf(szTaken, "\\DiscMaker-%lx-1", GetCurrentProcessId());
+    const std::string taken = temp.Path() + szTaken;
+    CreateDirectoryA(taken.c_str(), nullptr);
     CProblems problems;
     const auto launcher = CSkinFile::Open(TEST_LAUNCHER, problems);
     CSkin skin = launcher->Skin();
@@ -41,6 +45,7 @@ TEST(Preview, RunsTheSkinAndLeavesNothing)
         EXPECT_EQ(WAIT_OBJECT_0, WaitForSingleObject(hProcess, 60000));
         CloseHandle(hProcess);
     }
+    EXPECT_TRUE(RemoveDirectoryA(taken.c_str()));
     EXPECT_TRUE(std::filesystem::is_empty(temp.Path()));
     const CFakeCall<BOOL(const char *, LPSECURITY_ATTRIBUTES)> full(
         "CreateDirectoryA", [](const char *, LPSECURITY_ATTRIBUTES) {

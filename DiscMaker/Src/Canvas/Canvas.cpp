@@ -416,6 +416,8 @@ UINT CCanvas::OnGetDlgCode(const MSG *)
 int CCanvas::PreTranslateMessage(MSG *pMsg)
 {
     if (pMsg->message == WM_KEYDOWN && pMsg->wParam == VK_TAB && GetKeyState(VK_CONTROL) >= 0) {
+        if (m_drag != DragNone)
+            return 1;  // what is dragged stays selected
         bool bLeft;
         StepSelection(GetKeyState(VK_SHIFT) < 0, bLeft);
         if (!bLeft)

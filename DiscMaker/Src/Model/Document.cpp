@@ -16,6 +16,25 @@ CWideText EditedText(const CWideText *pText, const CCUString &sText)
     return (pText ? *pText : CWideText()).Edited(sText, SHOWN_CODE_PAGE);
 }
 
+const CSkinTexts *FindLanguage(const CSkin &skin, LANGID nLanguage)
+{
+    for (const CSkinTexts &texts : skin.m_texts) {
+        if (texts.m_nLanguage == nLanguage)
+            return &texts;
+    }
+    return nullptr;
+}
+
+// The texts of one skin for another's language number i; null: there are none. A language that only
+// one of them has counts as the one that stands in its place.
+const CSkinTexts *TextsFor(const CSkin &from, const CSkin &to, size_t i)
+{
+    const CSkinTexts *const pSame = FindLanguage(from, to.m_texts[i].m_nLanguage);
+    if (pSame || i >= from.m_texts.size() || FindLanguage(to, from.m_texts[i].m_nLanguage))
+        return pSame;
+    return &from.m_texts[i];
+}
+
 }  // namespace
 
 void CDocument::Start(const CSkin &skin, bool bSaved)
@@ -235,12 +254,14 @@ void CDocument::SetIcon(const CBlob &blob)
 void CDocument::SetAll(const CSkin &skin)
 {
     const CDocumentStep step(*this);
-    const size_t nLanguages = std::min(skin.m_texts.size(), m_skin.m_texts.size());
-    for (size_t i = 0; i < nLanguages; ++i) {
+    for (size_t i = 0; i < m_skin.m_texts.size(); ++i) {
+        const CSkinTexts *const pTexts = TextsFor(skin, m_skin, i);
+        if (!pTexts)
+            continue;
         SkinPart part = EntryPart(0);
         part.m_nLanguage = i;
         const std::map<UINT, CWideText> old = m_skin.m_texts[i].m_entries;
-        const std::map<UINT, CWideText> &entries = skin.m_texts[i].m_entries;
+        const std::map<UINT, CWideText> &entries = pTexts->m_entries;
         for (const auto &entry : old) {
             part.m_nID = entry.first;
             if (!entries.count(entry.first))

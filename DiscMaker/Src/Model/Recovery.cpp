@@ -53,12 +53,15 @@ bool CRecovery::Keep(const CSkin &skin, const CCUString &sPath, CProblems &probl
 {
     const CCUString sFolder = TempFolder();
     CCUString sFile;
-    sFile.Format("%sDiscMaker-%lx-%u.recovery", static_cast<const char *>(sFolder),
-                 GetCurrentProcessId(), ++m_nNext);
-    const HANDLE hFile =
-        sFolder.IsEmpty() ? INVALID_HANDLE_VALUE
-                          : CreateFileA(sFile, GENERIC_READ | GENERIC_WRITE, 0, nullptr,
-                                        CREATE_ALWAYS, FILE_ATTRIBUTE_TEMPORARY, nullptr);
+    HANDLE hFile = INVALID_HANDLE_VALUE;
+    // A program that crashed may have had the number of this process.
+    for (bool bTaken = !sFolder.IsEmpty(); bTaken;) {
+        sFile.Format("%sDiscMaker-%lx-%u.recovery", static_cast<const char *>(sFolder),
+                     GetCurrentProcessId(), ++m_nNext);
+        hFile = CreateFileA(sFile, GENERIC_READ | GENERIC_WRITE, 0, nullptr, CREATE_NEW,
+                            FILE_ATTRIBUTE_TEMPORARY, nullptr);
+        bTaken = hFile == INVALID_HANDLE_VALUE && GetLastError() == ERROR_FILE_EXISTS;
+    }
     const bool bOpen = hFile != INVALID_HANDLE_VALUE;
     if (!bOpen || !Write(hFile, skin, sPath)) {
         problems.push_back({ProblemNote, 0, bOpen ? sFile : sFolder,

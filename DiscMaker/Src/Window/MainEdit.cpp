@@ -1,9 +1,10 @@
 // How the main window changes what is selected.
 #include <stdlib.h>
 
-#include "CU/File.h"
 #include "CUI/Choosers.h"
 #include "CUI/MessageBox.h"
+#include "File/FileBytes.h"
+#include "File/IconGroup.h"
 #include "Model/EntryLines.h"
 #include "Model/EntryText.h"
 #include "Picture/Import.h"
@@ -18,7 +19,6 @@
 namespace {
 
 const int POINTS_PER_INCH = 72;
-const DWORD MOST_ICON_BYTES = 1024 * 1024;
 
 bool IsEdit(HWND hWnd)
 {
@@ -54,21 +54,6 @@ void SetIfThere(CDocument &document, const CEntryTexts &entries, UINT nFrom, UIN
     const auto found = entries.find(nFrom);
     if (found != entries.end() && nFrom && nTo)
         document.SetEntry(nTo, found->second);
-}
-
-CBlob ReadIcon(const CCUString &sPath)
-{
-    CCUFile file;
-    if (!file.Open(sPath, CCUFile::modeRead | CCUFile::shareDenyNone))
-        return CBlob();
-    const DWORD nSize = file.GetLength();
-    if (nSize < 22 || nSize > MOST_ICON_BYTES)
-        return CBlob();
-    const auto bytes = std::make_shared<std::vector<BYTE>>(nSize);
-    if (file.Read(bytes->data(), nSize) != nSize)
-        return CBlob();
-    const std::vector<BYTE> &b = *bytes;
-    return b[0] == 0 && b[1] == 0 && b[2] == 1 && b[3] == 0 && b[4] ? bytes : CBlob();
 }
 
 }  // namespace
@@ -219,8 +204,8 @@ void CMainWindow::ChooseIcon()
     CCUString sPath;
     if (!CUIChooseOpenFile(this, sPath, "Icons (*.ico)|*.ico"))
         return;
-    const CBlob icon = ReadIcon(sPath);
-    if (icon)
+    const CBlob icon = ReadFileBytes(sPath);
+    if (icon && IsIconFile(CByteView(*icon)))
         m_document.SetIcon(icon);
     else
         CUIMessageBox(this, sPath + "\nis no icon, or cannot be read.", "Icon",

@@ -112,7 +112,7 @@ private:
     CDocument m_document;
     CRecovery m_recovery;
     CPreview m_preview;
-    std::unique_ptr<CSkinFile> m_file;  // null: the skin was recovered
+    std::unique_ptr<CSkinFile> m_file;  // null: the skin began with no file
     bool m_bUntitled = true;            // m_file is only where the skin began
     CProblems m_fileProblems;           // of reading it
     CProblems m_keepProblems;           // of keeping what a crash would lose

@@ -78,9 +78,15 @@ bool CPreview::Run(const CSkinFile &launcher, const CSkin &skin, const CCUString
     const CCUString sTemp = TempFolder();
     RemoveLeftPreviews(sTemp);
     CCUString sFolder;
-    sFolder.Format("%s%s%lx-%u", static_cast<const char *>(sTemp), FOLDER_NAME, GetCurrentProcessId(),
-                   ++m_nNext);
-    if (sTemp.IsEmpty() || !CreateDirectoryA(sFolder, nullptr)) {
+    bool bMade = false;
+    // A program that crashed may have had the number of this process.
+    for (bool bTaken = !sTemp.IsEmpty(); bTaken;) {
+        sFolder.Format("%s%s%lx-%u", static_cast<const char *>(sTemp), FOLDER_NAME,
+                       GetCurrentProcessId(), ++m_nNext);
+        bMade = CreateDirectoryA(sFolder, nullptr) != 0;
+        bTaken = !bMade && GetLastError() == ERROR_ALREADY_EXISTS;
+    }
+    if (!bMade) {
         AddError(problems, sFolder, "The folder for the preview cannot be made");
         return false;
     }

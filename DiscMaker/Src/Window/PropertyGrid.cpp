@@ -69,6 +69,9 @@ void CPropertyGrid::Read(const SkinPart *pPart)
         m_problems.assign(m_rows.size(), false);
         if (m_nSelected >= RowCount() || m_nSelected < 0)
             m_nSelected = NextRow(-1, 1);
+        else if (Row(m_nSelected).m_kind == PropertyRow::Heading)
+            m_nSelected = NextRow(m_nSelected, 1);  // a row above has come or gone
+        KeepBefore();
         Rearrange();
         LoadEditor(false);
         InvalidateRect(m_hWnd, nullptr, FALSE);
@@ -272,8 +275,7 @@ void CPropertyGrid::SelectRow(int nRow)
         InvalidateRow(m_nSelected);
         m_nSelected = nRow;
         InvalidateRow(nRow);
-        const CWideText *const pBefore = RowOwnText(m_document, Row(nRow));
-        m_before.reset(pBefore ? new CWideText(*pBefore) : nullptr);
+        KeepBefore();
         LoadEditor(true);
     }
     RECT client;
@@ -320,6 +322,13 @@ void CPropertyGrid::TakeText()
     }
     m_bTaking = false;
     InvalidateRow(m_nSelected);
+}
+
+void CPropertyGrid::KeepBefore()
+{
+    const CWideText *const pBefore =
+        m_nSelected >= 0 ? RowOwnText(m_document, Row(m_nSelected)) : nullptr;
+    m_before.reset(pBefore ? new CWideText(*pBefore) : nullptr);
 }
 
 // What the row had, to the character: the field may not be able to show it.

@@ -87,6 +87,7 @@ private:
     void FocusEditor();
     bool TranslateKey(WPARAM nKey);
     void TakeText();
+    void KeepBefore();
     void PutBack();
     void PressButton();
     void InvalidateRow(int nRow);
@@ -102,7 +103,7 @@ private:
     CCUIButton m_button;
     std::vector<PropertyRow> m_rows;
     std::vector<bool> m_problems;  // of each row
-    std::unique_ptr<CWideText> m_before;  // what the row had when it was selected
+    std::unique_ptr<CWideText> m_before;  // what the row had when it was selected, or read
     int m_nSelected = -1;
     int m_cyRow = 20;
     int m_cxNames = 110;
