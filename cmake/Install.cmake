@@ -19,7 +19,7 @@ set(doc_dir share/doc/AutoRun)
 install(FILES Docs/Framework.md DESTINATION ${doc_dir} RENAME README.md)
 install(FILES CHANGELOG.md DESTINATION ${doc_dir})
 file(GLOB doc_pictures Docs/*.png)
-list(FILTER doc_pictures EXCLUDE REGEX launcher)
+list(FILTER doc_pictures EXCLUDE REGEX "/(launcher|disc-maker)\\.png$")
 install(FILES ${doc_pictures} DESTINATION ${doc_dir})
 install(DIRECTORY Samples/Hello Samples/Frame Samples/Tutorial Samples/Viewer Samples/Effects Samples/Prober
   DESTINATION ${doc_dir}
