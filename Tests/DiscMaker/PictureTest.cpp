@@ -101,6 +101,23 @@ TEST(Picture, SurvivesHostileBytes)
     }
 }
 
+// As many jumps to the right as 32 bits hold, and one pixel that has no place then.
+TEST(Picture, StaysInTheRowHoweverManyJumpsThereAre)
+{
+    CBmpBytes runs(200, 1, 8, 40, BI_RLE8);
+    runs.m_pixels.clear();
+    std::vector<BYTE> dib = runs.Packed(0);
+    const BYTE jump[] = {0, 2, 255, 0};
+    const size_t nJumps = 0x80000000 / 255 + 1;
+    dib.reserve(dib.size() + nJumps * sizeof jump + 2);
+    for (size_t i = 0; i < nJumps; ++i)
+        dib.insert(dib.end(), jump, jump + sizeof jump);
+    dib.insert(dib.end(), {1, 7});
+    CPixels pixels;
+    ASSERT_EQ(nullptr, ReadDib(dib.data(), dib.size(), 0, pixels));
+    EXPECT_EQ(std::vector<DWORD>(200, OPAQUE_PIXEL), pixels.m_pixels);
+}
+
 TEST(Picture, ComesBackAsItWasWritten)
 {
     for (CPixels picture : {Gradient(13, 5), Gradient(3, 3)}) {
