@@ -3,6 +3,7 @@
 #include <fstream>
 #include <random>
 
+#include "File/PictureFile.h"
 #include "Picture/DibReader.h"
 #include "Picture/DibWriter.h"
 #include "Picture/Flatten.h"
@@ -125,7 +126,7 @@ TEST(Picture, ComesBackAsItWasWritten)
             for (const DWORD n : picture.m_pixels)
                 picture.m_colors.push_back({BYTE(BlueOf(n)), BYTE(GreenOf(n)), BYTE(RedOf(n)), 0});
         }
-        const CBlob file = WriteBmp(WriteDib(picture));
+        const CBlob file = MakeBmpFile(WriteDib(picture));
         CPixels back;
         ASSERT_EQ(nullptr, ReadBmp(file->data(), file->size(), back));
         EXPECT_EQ(picture.m_pixels, back.m_pixels);

@@ -5,6 +5,7 @@
 #include "CU/File.h"
 #include "Canvas/FacePicture.h"
 #include "Canvas/SkinFace.h"
+#include "File/PictureFile.h"
 #include "Picture/DibWriter.h"
 #include "Picture/PngWriter.h"
 
@@ -67,5 +68,5 @@ bool WriteFacePicture(const CSkin &skin, const CCUString &sPath, CProblems &prob
     if (!ReadPixels(picture, pixels))
         return Fail(problems, "", "The window cannot be drawn: there is too little memory.");
     const bool bBmp = sPath.Right(4).CompareNoCase(".bmp") == 0;
-    return WriteBytes(sPath, bBmp ? WriteBmp(WriteDib(pixels)) : WritePng(pixels), problems);
+    return WriteBytes(sPath, bBmp ? MakeBmpFile(WriteDib(pixels)) : WritePng(pixels), problems);
 }
