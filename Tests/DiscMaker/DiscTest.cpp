@@ -223,4 +223,11 @@ TEST(AutorunInf, HasTheLabel)
         CWideText("What?\r\nA title of more than 32 characters", 1252);
     EXPECT_TRUE(strstr(MakeAutorunInf(skin), "label=What___A title of more than 32 c\r\n"))
         << MakeAutorunInf(skin);
+    // The second byte of these characters is a backslash; half of one does not stay at the end.
+    const CCUString sSoft = "\x83\\\x95\\";
+    skin.m_texts[0] = {MAKELANGID(LANG_JAPANESE, SUBLANG_DEFAULT), {}};
+    skin.m_texts[0].m_entries[IDS_DISC_LABEL] =
+        CWideText("123456789 123456789 12345678?" + sSoft, 932);
+    EXPECT_TRUE(strstr(MakeAutorunInf(skin), "label=123456789 123456789 12345678_\x83\\\r\n"))
+        << MakeAutorunInf(skin);
 }

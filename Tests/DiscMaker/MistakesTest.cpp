@@ -7,6 +7,7 @@
 #include "DiscMaker/Commands.h"
 #include "DiscMaker/SkinFiles.h"
 #include "DiscMaker/Skins.h"
+#include "File/PictureFile.h"
 #include "Picture/PngWriter.h"
 #include "Support/ImportHook.h"
 
@@ -89,8 +90,9 @@ FMistake InFile(const char *name, const std::string &bytes)
 
 FMistake InPicture(const char *name, int cx, int cy, DWORD nPixel)
 {
-    return
-        [=](const CMaker &maker) { maker.Draw(name, WriteBmp(TestPictureBlob(cx, cy, nPixel))); };
+    return [=](const CMaker &maker) {
+        maker.Draw(name, MakeBmpFile(TestPictureBlob(cx, cy, nPixel)));
+    };
 }
 
 CBlob Png()

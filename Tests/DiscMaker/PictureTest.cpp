@@ -3,6 +3,7 @@
 #include <fstream>
 #include <random>
 
+#include "File/PictureFile.h"
 #include "Picture/DibReader.h"
 #include "Picture/DibWriter.h"
 #include "Picture/Flatten.h"
@@ -101,6 +102,23 @@ TEST(Picture, SurvivesHostileBytes)
     }
 }
 
+// As many jumps to the right as 32 bits hold, and one pixel that has no place then.
+TEST(Picture, StaysInTheRowHoweverManyJumpsThereAre)
+{
+    CBmpBytes runs(200, 1, 8, 40, BI_RLE8);
+    runs.m_pixels.clear();
+    std::vector<BYTE> dib = runs.Packed(0);
+    const BYTE jump[] = {0, 2, 255, 0};
+    const size_t nJumps = 0x80000000 / 255 + 1;
+    dib.reserve(dib.size() + nJumps * sizeof jump + 2);
+    for (size_t i = 0; i < nJumps; ++i)
+        dib.insert(dib.end(), jump, jump + sizeof jump);
+    dib.insert(dib.end(), {1, 7});
+    CPixels pixels;
+    ASSERT_EQ(nullptr, ReadDib(dib.data(), dib.size(), 0, pixels));
+    EXPECT_EQ(std::vector<DWORD>(200, OPAQUE_PIXEL), pixels.m_pixels);
+}
+
 TEST(Picture, ComesBackAsItWasWritten)
 {
     for (CPixels picture : {Gradient(13, 5), Gradient(3, 3)}) {
@@ -108,7 +126,7 @@ TEST(Picture, ComesBackAsItWasWritten)
             for (const DWORD n : picture.m_pixels)
                 picture.m_colors.push_back({BYTE(BlueOf(n)), BYTE(GreenOf(n)), BYTE(RedOf(n)), 0});
         }
-        const CBlob file = WriteBmp(WriteDib(picture));
+        const CBlob file = MakeBmpFile(WriteDib(picture));
         CPixels back;
         ASSERT_EQ(nullptr, ReadBmp(file->data(), file->size(), back));
         EXPECT_EQ(picture.m_pixels, back.m_pixels);

@@ -1,10 +1,10 @@
 #include "Command/PictureCommand.h"
 
 #include "Base/GdiGuards.h"
-#include "CU/ErrorText.h"
-#include "CU/File.h"
 #include "Canvas/FacePicture.h"
 #include "Canvas/SkinFace.h"
+#include "File/FileSet.h"
+#include "File/PictureFile.h"
 #include "Picture/DibWriter.h"
 #include "Picture/PngWriter.h"
 
@@ -36,16 +36,6 @@ bool ReadPixels(const CFacePicture &face, CPixels &pixels)
     return true;
 }
 
-bool WriteBytes(const CCUString &sPath, const CBlob &bytes, CProblems &problems)
-{
-    CCUFile file;
-    const UINT nSize = static_cast<UINT>(bytes->size());
-    if (file.Open(sPath, CCUFile::modeWrite | CCUFile::modeCreate) &&
-        file.Write(bytes->data(), nSize) == nSize)
-        return true;
-    return Fail(problems, sPath, "The picture cannot be written: " + CUErrorText(GetLastError()));
-}
-
 }  // namespace
 
 bool WriteFacePicture(const CSkin &skin, const CCUString &sPath, CProblems &problems)
@@ -62,5 +52,7 @@ bool WriteFacePicture(const CSkin &skin, const CCUString &sPath, CProblems &prob
     if (!ReadPixels(picture, pixels))
         return Fail(problems, "", "The window cannot be drawn: there is too little memory.");
     const bool bBmp = sPath.Right(4).CompareNoCase(".bmp") == 0;
-    return WriteBytes(sPath, bBmp ? WriteBmp(WriteDib(pixels)) : WritePng(pixels), problems);
+    CFileSet files;
+    files.Add(sPath, bBmp ? MakeBmpFile(WriteDib(pixels)) : WritePng(pixels));
+    return files.Commit(problems);
 }

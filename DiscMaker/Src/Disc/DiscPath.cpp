@@ -33,11 +33,10 @@ CDiscPath::CDiscPath(const CCUString &sPath) : m_text(1)
     const DWORD nLength = GetFullPathNameA(sPath, sizeof szPath, szPath, &pszName);
     if (sPath.IsEmpty() || nLength == 0 || nLength >= sizeof szPath)
         return;
-    CCUString sFull = szPath;
+    m_text = ToWide(szPath, CP_ACP);
     // "C:\Disc\" and "C:\Disc" are the same; "C:\" stays.
-    while (sFull.GetLength() > 3 && sFull.Right(1) == "\\")
-        sFull = sFull.Left(sFull.GetLength() - 1);
-    m_text = ToWide(sFull, CP_ACP);
+    while (Length() > 3 && m_text[Length() - 1] == L'\\')
+        m_text.erase(m_text.end() - 2);
 }
 
 CDiscPath::CDiscPath(const WCHAR *pszPath) : m_text(pszPath, pszPath + lstrlenW(pszPath) + 1) {}

@@ -14,11 +14,17 @@ bool IsBad(char ch)
     return static_cast<BYTE>(ch) < 0x20 || strchr(BAD_LABEL_CHARACTERS, ch);
 }
 
+// The second byte of a character of two may look like any of these.
+int CharacterSize(const char *p, UINT nCodePage)
+{
+    return IsDBCSLeadByteEx(nCodePage, static_cast<BYTE>(*p)) && p[1] ? 2 : 1;
+}
+
 }  // namespace
 
-bool HasBadLabelCharacter(const CCUString &sLabel)
+bool HasBadLabelCharacter(const CCUString &sLabel, UINT nCodePage)
 {
-    for (const char *p = sLabel; *p; ++p) {
+    for (const char *p = sLabel; *p; p += CharacterSize(p, nCodePage)) {
         if (IsBad(*p))
             return true;
     }
@@ -33,11 +39,14 @@ CCUString LabelOf(const CSkin &skin)
     CCUString sLabel = strings.Read(IDS_DISC_LABEL);
     if (sLabel.IsEmpty())
         sLabel = strings.Read(IDS_TITLE);
-    sLabel = sLabel.Left(MAX_LABEL);
-    for (int i = 0; i < sLabel.GetLength(); ++i) {
-        if (IsBad(sLabel[i]))
-            sLabel.SetAt(i, '_');
+    CCUString sClean;
+    for (const char *p = sLabel; *p;) {
+        const int nSize = CharacterSize(p, strings.CodePage());
+        if (sClean.GetLength() + nSize > MAX_LABEL)
+            break;
+        sClean += IsBad(*p) ? CCUString("_") : CCUString(p, nSize);
+        p += nSize;
     }
-    sLabel.TrimRight();
-    return sLabel;
+    sClean.TrimRight();
+    return sClean;
 }

@@ -14,10 +14,13 @@ DWORD AttributesOf(const CCUString &sPath)
 
 int NameStart(const CCUString &sPath)
 {
-    int nStart = sPath.GetLength();
-    while (nStart > 0 && !strchr("\\/:", sPath[nStart - 1]))
-        --nStart;
-    return nStart;
+    const char *const pszPath = sPath;
+    const char *pszName = pszPath;
+    for (const char *p = pszPath; *p; p = CharNextA(p)) {
+        if (*p == '\\' || *p == '/' || *p == ':')
+            pszName = p + 1;
+    }
+    return static_cast<int>(pszName - pszPath);
 }
 
 }  // namespace

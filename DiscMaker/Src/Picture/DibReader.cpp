@@ -216,7 +216,9 @@ public:
     bool IsFull() const { return m_y >= m_pixels.m_cy; }
     void Put(UINT nIndex)
     {
-        if (m_x < m_pixels.m_cx && nIndex < m_pixels.m_colors.size())
+        if (m_x >= m_pixels.m_cx)
+            return;
+        if (nIndex < m_pixels.m_colors.size())
             m_pixels.Row(m_pixels.m_cy - 1 - m_y)[m_x] = ToPixel(m_pixels.m_colors[nIndex]);
         ++m_x;
     }
@@ -227,7 +229,8 @@ public:
     }
     void Move(int cx, int cy)
     {
-        m_x += cx;
+        // Not beyond the row's end: the jumps of a large file could add up to a place before it.
+        m_x = std::min(m_x + cx, m_pixels.m_cx);
         m_y += cy;
     }
 

@@ -1,8 +1,5 @@
 #include "Picture/DibWriter.h"
 
-#include <limits.h>
-#include <string.h>
-
 #include <algorithm>
 
 namespace {
@@ -105,44 +102,10 @@ CBlob WriteTrueColor(const CPixels &pixels)
     return std::make_shared<const std::vector<BYTE>>(std::move(bytes));
 }
 
-// Where a resource's pixels start.
-size_t BitsOffset(const std::vector<BYTE> &dib)
-{
-    BITMAPINFOHEADER header = {};
-    memcpy(&header, dib.data(), std::min(dib.size(), sizeof header));
-    if (header.biSize == sizeof(BITMAPCOREHEADER)) {
-        BITMAPCOREHEADER core;
-        memcpy(&core, dib.data(), sizeof core);
-        return sizeof core + (core.bcBitCount <= 8 ? sizeof(RGBTRIPLE) << core.bcBitCount : 0);
-    }
-    size_t nOffset = header.biSize;
-    if (header.biCompression == BI_BITFIELDS && header.biSize == sizeof header)
-        nOffset += 3 * sizeof(DWORD);
-    const size_t nColors = header.biClrUsed != 0       ? header.biClrUsed
-                           : header.biBitCount <= 8 ? size_t(1) << header.biBitCount
-                                                       : 0;
-    return nOffset + std::min<size_t>(nColors, dib.size()) * sizeof(RGBQUAD);
-}
-
 }  // namespace
 
 CBlob WriteDib(const CPixels &pixels)
 {
     const CBlob indexed = pixels.m_colors.empty() ? nullptr : WriteIndexed(pixels);
     return indexed ? indexed : WriteTrueColor(pixels);
-}
-
-CBlob WriteBmp(const CBlob &dib)
-{
-    if (!dib || dib->size() < sizeof(BITMAPCOREHEADER) || dib->size() > LONG_MAX / 2)
-        return nullptr;
-    BITMAPFILEHEADER header = {};
-    header.bfType = 0x4D42;  // "BM"
-    header.bfSize = sizeof header + static_cast<DWORD>(dib->size());
-    header.bfOffBits = sizeof header + static_cast<DWORD>(BitsOffset(*dib));
-    std::vector<BYTE> bytes;
-    bytes.reserve(header.bfSize);
-    Append(bytes, &header, sizeof header);
-    Append(bytes, dib->data(), dib->size());
-    return std::make_shared<const std::vector<BYTE>>(std::move(bytes));
 }

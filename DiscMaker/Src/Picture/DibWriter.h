@@ -7,6 +7,3 @@
 // left out. With the picture's own table in 8 bits if it has one that holds all its pixels, else in
 // 24 bits.
 CBlob WriteDib(const CPixels &pixels);
-
-// The bytes of a .bmp file with that resource. Null for none, and for one that no file can hold.
-CBlob WriteBmp(const CBlob &dib);

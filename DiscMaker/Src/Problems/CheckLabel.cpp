@@ -9,7 +9,7 @@ void CheckLabel(CSkinCheck &check)
         check.Warn(IDS_DISC_LABEL,
                    WithNumber("The disc's label has more than %d characters.", MAX_LABEL),
                    "The rest is cut off.");
-    if (HasBadLabelCharacter(sLabel))
+    if (HasBadLabelCharacter(sLabel, check.m_strings.CodePage()))
         check.Warn(IDS_DISC_LABEL,
                    CCUString("The disc's label has a character that a label cannot have: one of ") +
                        BAD_LABEL_CHARACTERS + " or a line break.",

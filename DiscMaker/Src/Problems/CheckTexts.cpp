@@ -1,7 +1,6 @@
-#include <string.h>
-
 #include "Problems/Checks.h"
 #include "Resource.h"
+#include "Script/ScriptLiteral.h"
 
 namespace {
 
@@ -36,35 +35,13 @@ void CheckCodePage(CSkinCheck &check, const SkinEntry &entry, const CWideText &t
                "A question mark or a similar character is shown.");
 }
 
-// The bytes of one character in UTF-8, from its first; 0: there is none.
-int Utf8Length(const char *p)
-{
-    const BYTE nFirst = static_cast<BYTE>(*p);
-    const int nLength = nFirst < 0x80                      ? 1
-                        : nFirst >= 0xC2 && nFirst < 0xE0  ? 2
-                        : nFirst >= 0xE0 && nFirst < 0xF0  ? 3
-                        : nFirst >= 0xF0 && nFirst < 0xF5  ? 4
-                                                           : 0;
-    for (int i = 1; i < nLength; ++i) {
-        if ((static_cast<BYTE>(p[i]) & 0xC0) != 0x80)
-            return 0;
-    }
-    return nLength;
-}
-
 // Whether it has characters beyond ASCII which, as bytes, are UTF-8 throughout. Hardly any text that
 // was meant as it stands is.
 bool LooksLikeUtf8(const CCUString &sBytes)
 {
+    const BYTE *const pBytes = reinterpret_cast<const BYTE *>(sBytes.GetString());
     bool bBeyond = false;
-    for (const char *p = sBytes; *p;) {
-        const int nLength = Utf8Length(p);
-        if (nLength == 0)
-            return false;
-        bBeyond = bBeyond || nLength > 1;
-        p += nLength;
-    }
-    return bBeyond;
+    return IsUtf8(CByteView(pBytes, static_cast<size_t>(sBytes.GetLength())), &bBeyond) && bBeyond;
 }
 
 void CheckEncoding(CSkinCheck &check, const SkinEntry &entry, const CWideText &text)
