@@ -97,6 +97,7 @@ TEST(Dialog, IsCancelledByAnotherThread)
             Sleep(1);
         SendMessageA(dialog, WM_COMMAND, IDCANCEL, 0);
     });
+    CCUIWindow::SetIdleCallback(nullptr);
 }
 
 TEST(Dialog, AnswersWhatCannotRun)
