@@ -29,7 +29,7 @@ struct CProgram
 class CProgramTree : public CCUITreeView
 {
 public:
-    // Looks which programs run.
+    // Looks which programs run, and asks those again that have not answered.
     void FindPrograms()
     {
         std::vector<HWND> windows;
@@ -42,6 +42,8 @@ public:
                 DeleteItem(pGone->m_hItem);
             }
         }
+        for (const auto &pProgram : m_programs)
+            pProgram->m_bAnswers = true;
         for (const HWND hWnd : windows) {
             const auto isIt = [hWnd](const auto &pProgram) { return pProgram->m_hWindow == hWnd; };
             if (std::none_of(m_programs.begin(), m_programs.end(), isIt))
@@ -59,7 +61,7 @@ public:
             program.m_bAnswers =
                 program.m_client.Read(program.m_ids.data(), program.m_values.data(),
                                       static_cast<int>(program.m_ids.size()));
-            if (program.m_client.IsTreeChanged())
+            if (program.m_client.IsTreeChanged() || program.m_ids.empty())
                 ListVariables(program);
             for (size_t i = 0; i < program.m_items.size(); ++i)
                 ShowValue(program, i);

@@ -172,7 +172,8 @@ TEST(Prober, HasTheDebugSwitchesAndTheFrameworksOwnCounts)
 {
     SetEnvironmentVariableA("CU_DEBUG", "TimeOutThreshold=250;Switch=3");
     CCUDebugSwitch switched("\\Debug\\Test", "Switch");
-    EXPECT_EQ("3", Value(switched.GetID()));
+    switched.Add(1);
+    EXPECT_EQ("4", Value(switched.GetID()));
     CTestTimer timer;
     timer.SetAlarm(3600000);
     EXPECT_EQ("250", Value(CCUProber::Find("\\Debug\\Timer\\TimeOutThreshold")));

@@ -1,5 +1,7 @@
 // Dialogs: runs one in another, every way of ending one, owners, data and changes.
 
+#include <limits.h>
+
 #include "CUI/Data.h"
 #include "CUI/Dialog.h"
 #include "Support/Reports.h"
@@ -261,7 +263,7 @@ TEST(Dialog, ExchangesWhatItsControlsHold)
         int ExchangeData(unsigned short nDirection) override
         {
             return ExchangeText(nDirection, 1000, m_sLabel) &&
-                   ExchangeInt(nDirection, 1001, m_nNumber, -5, 3600) &&
+                   ExchangeInt(nDirection, 1001, m_nNumber, -5, m_nMost) &&
                    ExchangeSelection(nDirection, 1002, m_nItem) &&
                    ExchangeSelection(nDirection, 1003, m_nEntry) &&
                    ExchangeCheck(nDirection, 1004, m_nCheck) &&
@@ -274,7 +276,8 @@ TEST(Dialog, ExchangesWhatItsControlsHold)
         }
         using CCUIDialog::CenterOnOwner;
         CCUString m_sLabel = "label";
-        int m_nNumber = 7, m_nItem = -1, m_nEntry = -1, m_nCheck = 1, m_nMissing = 4, m_nRadio = 0;
+        int m_nMost = 3600, m_nNumber = 7, m_nItem = -1, m_nEntry = -1, m_nCheck = 1,
+            m_nMissing = 4, m_nRadio = 0;
     } dialog;
     CTestWindow owner;
     owner.Move({-30, 100, 670, 700});
@@ -304,4 +307,12 @@ TEST(Dialog, ExchangesWhatItsControlsHold)
     EXPECT_EQ("3600 1 1 0 4 -1",
               Text("%d %d %d %d %d %d", dialog.m_nNumber, dialog.m_nItem, dialog.m_nEntry,
                    dialog.m_nCheck, dialog.m_nMissing, dialog.m_nRadio));
+    dialog.m_nMost = INT_MAX;
+    dialog.DoModeless(&owner);
+    for (const char *text : {"2147483648", "2147483647"}) {
+        EXPECT_TRUE(dialog.Exist());
+        SetDlgItemTextA(dialog, 1001, text);
+        dialog.OnOK();
+    }
+    EXPECT_EQ(INT_MAX, dialog.m_nNumber);
 }

@@ -300,6 +300,11 @@ TEST(FrameWindow, PassesOnWhatIsSaidOfPalettes)
     picture.SetPalette(palette);
     frame.BringToFront();
     std::string realized;
+    const CFakeCall<HPALETTE(HDC, HPALETTE, BOOL)> select(
+        "SelectPalette", [&](HDC hDC, HPALETTE hPalette, BOOL bBehind) {
+            realized += bBehind && hPalette == palette ? "behind " : "";
+            return select.Original(hDC, hPalette, bBehind);
+        });
     const CFakeCall<UINT(HDC)> realize("RealizePalette", [&](HDC hDC) {
         const bool bIts = GetCurrentObject(hDC, OBJ_PAL) == palette;
         realized += !bIts ? "?" : WindowFromDC(hDC) == picture.GetHandle() ? "window " : "memory ";
@@ -317,7 +322,7 @@ TEST(FrameWindow, PassesOnWhatIsSaidOfPalettes)
     PumpWaiting();
     EXPECT_EQ("1 window window memory ", send(WM_QUERYNEWPALETTE, nullptr)) << "and painted";
     EXPECT_EQ("0 ", send(WM_PALETTECHANGED, picture));
-    EXPECT_EQ("0 window window memory ", send(WM_PALETTECHANGED, frame));
+    EXPECT_EQ("0 behind window window memory ", send(WM_PALETTECHANGED, frame));
 }
 
 TEST(FrameWindow, LeavesNothingBehind)

@@ -32,6 +32,12 @@ public:
     }
     operator long() const { return Get(); }
     /// @}
+    /// Adds to the value, what the user has set included.
+    void Add(long nMore)
+    {
+        Get();
+        CCUProberLong::Add(nMore);
+    }
 
     /// The list of all switches, in the order in which they were constructed; null at the end. Not
     /// while another thread may destroy one.

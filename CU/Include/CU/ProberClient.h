@@ -56,7 +56,7 @@ public:
     /// Reads many variables, some 5,000 with one request, each of which gets a result of its own.
     /// False, with CU_PROBER_NO_ANSWER for those that are left, when the program has not answered.
     CU_API bool Read(const unsigned long *pIDs, CUProberValue *pValues, int nCount);
-    /// Sets one that the program has opened; see CCUProber::Set.
+    /// Sets one that the program has opened; see CCUProber::Set. The text is not null.
     CU_API CUProberResult Set(unsigned long nID, const char *pszText);
 
 private:

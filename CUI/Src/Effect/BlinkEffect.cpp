@@ -1,7 +1,4 @@
-#include "CU/Assert.h"
 #include "Effect/EffectScene.h"
-
-#define CU_SOURCE "Effect"
 
 bool CCUIBlinkEffect::ShowsSecond(double fProgress) const
 {
