@@ -27,8 +27,8 @@ CCanvas::~CCanvas() = default;
 int CCanvas::CreateCanvas(HWND hParent, UINT nID)
 {
     return CreateEx(WS_EX_CLIENTEDGE, nullptr, "",
-                    WS_CHILD | WS_VISIBLE | WS_TABSTOP | WS_HSCROLL | WS_VSCROLL, 0, 0, 0, 0, hParent,
-                    reinterpret_cast<HMENU>(static_cast<UINT_PTR>(nID)));
+                    WS_CHILD | WS_VISIBLE | WS_TABSTOP | WS_HSCROLL | WS_VSCROLL, 0, 0, 0, 0,
+                    hParent, reinterpret_cast<HMENU>(static_cast<UINT_PTR>(nID)));
 }
 
 // --- What is shown ---
@@ -127,9 +127,7 @@ RECT CCanvas::ToClient(const RECT &face) const
 
 POINT CCanvas::ToFace(const POINT &client) const
 {
-    const auto down = [this](int n) {
-        return (n * 100 - (n < 0 ? m_nZoom - 1 : 0)) / m_nZoom;
-    };
+    const auto down = [this](int n) { return (n * 100 - (n < 0 ? m_nZoom - 1 : 0)) / m_nZoom; };
     return {down(client.x - m_origin.x), down(client.y - m_origin.y)};
 }
 
@@ -398,12 +396,13 @@ void CCanvas::PutItem(FaceItem item, const RECT &rect)
     const FaceItem bullet = BulletOf(item);
     if (bullet != ItemNone && Follows(bullet)) {
         const RECT &from = m_rects[item], &at = m_rects[bullet];
-        m_document.SetEntry(FaceItemInfoOf(bullet).m_nPlace,
-                            FormatPoint({at.left + rect.left - from.left, at.top + rect.top - from.top}));
+        m_document.SetEntry(
+            FaceItemInfoOf(bullet).m_nPlace,
+            FormatPoint({at.left + rect.left - from.left, at.top + rect.top - from.top}));
     }
     const UINT nPlace = FaceItemInfoOf(item).m_nPlace;
-    m_document.SetEntry(nPlace, item == ItemAbout ? FormatRect(rect)
-                                                  : FormatPoint({rect.left, rect.top}));
+    m_document.SetEntry(nPlace,
+                        item == ItemAbout ? FormatRect(rect) : FormatPoint({rect.left, rect.top}));
 }
 
 // --- Keyboard ---

@@ -16,10 +16,10 @@ const struct
 } GRIPS[] = {{0, 0, IDC_SIZENWSE}, {1, 0, IDC_SIZENS}, {2, 0, IDC_SIZENESW}, {2, 1, IDC_SIZEWE},
              {2, 2, IDC_SIZENWSE}, {1, 2, IDC_SIZENS}, {0, 2, IDC_SIZENESW}, {0, 1, IDC_SIZEWE}};
 
-const int GRIP_REACH = 3;  // client pixels to each side
-const int CLICK_REACH = 2; // what the mouse may move in a click
-const int SNAP_REACH = 4;  // client pixels
-const int LEAST_SIZE = 4;  // of the description, in pixels
+const int GRIP_REACH = 3;   // client pixels to each side
+const int CLICK_REACH = 2;  // what the mouse may move in a click
+const int SNAP_REACH = 4;   // client pixels
+const int LEAST_SIZE = 4;   // of the description, in pixels
 
 }  // namespace
 
@@ -173,8 +173,8 @@ void CCanvas::BeginDrag(DragMode mode, const POINT &client)
 
 void CCanvas::DragTo(const POINT &client)
 {
-    const bool bFar = abs(client.x - m_dragStart.x) > CLICK_REACH ||
-                      abs(client.y - m_dragStart.y) > CLICK_REACH;
+    const bool bFar =
+        abs(client.x - m_dragStart.x) > CLICK_REACH || abs(client.y - m_dragStart.y) > CLICK_REACH;
     if (!m_bDragged && !bFar)
         return;
     m_bDragged = true;

@@ -139,9 +139,9 @@ void CCanvas::PaintMarks(HDC hDC)
     if (m_nGuideY != NO_GUIDE)
         CUIDCFillSolidRect(hDC, m_origin.x, ToClientY(m_nGuideY), size.cx, 1, crGuide);
     if (m_drag == DragFrame && m_bDragged) {
-        const RECT frame = {std::min(m_dragStart.x, m_dragEnd.x), std::min(m_dragStart.y, m_dragEnd.y),
-                            std::max(m_dragStart.x, m_dragEnd.x) + 1,
-                            std::max(m_dragStart.y, m_dragEnd.y) + 1};
+        const RECT frame = {
+            std::min(m_dragStart.x, m_dragEnd.x), std::min(m_dragStart.y, m_dragEnd.y),
+            std::max(m_dragStart.x, m_dragEnd.x) + 1, std::max(m_dragStart.y, m_dragEnd.y) + 1};
         DrawFocusRect(hDC, &frame);
     }
 }

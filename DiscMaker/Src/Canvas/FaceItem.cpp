@@ -19,7 +19,7 @@ const FaceItemInfo ITEMS[FaceItemCount] = {
 };
 
 // The last that is drawn comes first.
-const FaceItem FROM_TOP[] = {ItemHelp,       ItemRun,         ItemExit,      ItemSetup,
+const FaceItem FROM_TOP[] = {ItemHelp,       ItemRun,         ItemExit,       ItemSetup,
                              ItemAbout,      ItemTitle,       ItemHelpBullet, ItemRunBullet,
                              ItemExitBullet, ItemSetupBullet, ItemProduct};
 
@@ -37,7 +37,8 @@ const FaceItemInfo &FaceItemInfoOf(FaceItem item)
 
 FaceItem BulletOf(FaceItem item)
 {
-    const bool bLine = item != ItemNone && ITEMS[item].m_nLine != HotSpotNone && !ITEMS[item].m_bBullet;
+    const bool bLine =
+        item != ItemNone && ITEMS[item].m_nLine != HotSpotNone && !ITEMS[item].m_bBullet;
     return bLine ? static_cast<FaceItem>(item + 1) : ItemNone;
 }
 
@@ -45,8 +46,8 @@ FaceItem FaceItemOf(UINT nEntry)
 {
     for (int i = 0; i < FaceItemCount; ++i) {
         const FaceItemInfo &info = ITEMS[i];
-        if (nEntry && (info.m_nPlace == nEntry || info.m_nText == nEntry ||
-                       info.m_nCommand == nEntry))
+        if (nEntry &&
+            (info.m_nPlace == nEntry || info.m_nText == nEntry || info.m_nCommand == nEntry))
             return static_cast<FaceItem>(i);
     }
     return nEntry == IDS_TITLE_FONT ? ItemTitle : nEntry == IDS_ABOUT_FONT ? ItemAbout : ItemNone;

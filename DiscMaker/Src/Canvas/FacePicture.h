@@ -12,8 +12,8 @@ public:
     CFacePicture(const CFacePicture &) = delete;
     CFacePicture &operator=(const CFacePicture &) = delete;
 
-    // Makes the picture as large as the face is, or, without a background, as large as most are, and
-    // draws it all. The lines are measured then, if they were not.
+    // Makes the picture as large as the face is, or, without a background, as large as most are,
+    // and draws it all. The lines are measured then, if they were not.
     void Draw(CLauncherFace &face, int nHotSpot);
     // Draws what is inside of a rectangle.
     void DrawPart(CLauncherFace &face, int nHotSpot, const RECT &part);

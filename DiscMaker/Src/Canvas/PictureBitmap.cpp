@@ -35,8 +35,8 @@ const BITMAPINFOHEADER *SoundHeader(const std::vector<BYTE> &bytes)
         pHeader->biWidth < 1 || pHeader->biWidth > MOST_PIXELS || cy == 0 || cy > MOST_PIXELS ||
         cy < -MOST_PIXELS || pHeader->biBitCount > 32)
         return nullptr;
-    const unsigned long long nSize = 0ULL + pHeader->biSize + TableSize(*pHeader) +
-                                     BitsSize(*pHeader);
+    const unsigned long long nSize =
+        0ULL + pHeader->biSize + TableSize(*pHeader) + BitsSize(*pHeader);
     return nSize <= bytes.size() ? pHeader : nullptr;
 }
 

@@ -12,6 +12,6 @@ struct SnapResult
     LONG m_nAt = 0;  // the line that it snaps to
 };
 
-// Of the edges (left, right, or top, bottom) of what is moved, the one that is nearest to one of the
-// lines, if that is no more than nReach pixels away.
+// Of the edges (left, right, or top, bottom) of what is moved, the one that is nearest to one of
+// the lines, if that is no more than nReach pixels away.
 SnapResult Snap(LONG nFirst, LONG nSecond, const std::vector<LONG> &lines, int nReach);

@@ -29,8 +29,8 @@ std::unique_ptr<CSkinFile> Open(const CCUString &sPath, CProblems &problems)
     return CSkinFile::Open(sPath, problems);
 }
 
-// To be written elsewhere: not without a picture that could not be read, which would take it away from
-// a launcher or a disc that has it.
+// To be written elsewhere: not without a picture that could not be read, which would take it away
+// from a launcher or a disc that has it.
 std::unique_ptr<CSkinFile> OpenWhole(const CCUString &sPath, CProblems &problems)
 {
     std::unique_ptr<CSkinFile> pFile = Open(sPath, problems);
@@ -98,9 +98,9 @@ bool Disc(const CWords &words, CProblems &problems)
     if (!pFile)
         return false;
     CheckSkin(pFile->Skin(), words[1], problems);
-    const CCUString sLauncher = bLauncherNamed        ? words[4]
+    const CCUString sLauncher = bLauncherNamed      ? words[4]
                                 : pFile->IsFolder() ? OwnLauncher()
-                                                      : pFile->Path();
+                                                    : pFile->Path();
     return MakeDisc(pFile->Skin(), sLauncher, words[1], words[2], nullptr, problems);
 }
 
@@ -114,17 +114,20 @@ const struct CCommand
 } COMMANDS[] = {
     {"/check", 1, 2, Check, "/check FILE [CONTENTS]               tells what is wrong with a skin"},
     {"/apply", 3, 3, Apply, "/apply SKIN /to LAUNCHER             puts a skin into a launcher"},
-    {"/export", 2, 2, Export, "/export FILE FOLDER                  writes its skin as a new folder"},
+    {"/export", 2, 2, Export,
+     "/export FILE FOLDER                  writes its skin as a new folder"},
     {"/picture", 2, 2, Picture, "/picture FILE OUT.png                draws the launcher's window"},
     {"/disc", 3, 5, Disc, "/disc FILE CONTENTS OUT [/launcher LAUNCHER]   makes a disc's folder"}};
 
 void WriteUsage(const COutput &output)
 {
-    output.WriteLine("Disc Maker makes discs that start by themselves. Without a command it shows "
-                     "its window.");
+    output.WriteLine(
+        "Disc Maker makes discs that start by themselves. Without a command it shows "
+        "its window.");
     for (const CCommand &command : COMMANDS)
         output.WriteLine(CCUString("  DiscMaker ") + command.m_pszUsage);
-    output.WriteLine("A FILE is a launcher or a skin folder; OUT of a picture ends in .png or .bmp.");
+    output.WriteLine(
+        "A FILE is a launcher or a skin folder; OUT of a picture ends in .png or .bmp.");
     output.WriteLine("Exit code 0: done; 1: done, but there are problems; 2: not done.");
 }
 

@@ -31,9 +31,9 @@ std::vector<WCHAR> LongForm(const CDiscPath &path)
 
 HANDLE Create(const CDiscPath &path, DWORD nAccess, DWORD nShare, DWORD nHow, DWORD nFlags)
 {
-    return IsWide() ? CreateFileW(LongForm(path).data(), nAccess, nShare, nullptr, nHow, nFlags,
-                                  nullptr)
-                    : CreateFileA(path.Text(), nAccess, nShare, nullptr, nHow, nFlags, nullptr);
+    return IsWide()
+               ? CreateFileW(LongForm(path).data(), nAccess, nShare, nullptr, nHow, nFlags, nullptr)
+               : CreateFileA(path.Text(), nAccess, nShare, nullptr, nHow, nFlags, nullptr);
 }
 
 bool IsSameName(const CDiscPath &one, const CDiscPath &other)
@@ -67,8 +67,7 @@ ULONGLONG SizeOf(const Data &data)
 class CSearch
 {
 public:
-    explicit CSearch(const CDiscPath &folder)
-        : m_hFind(INVALID_HANDLE_VALUE), m_wide(), m_narrow()
+    explicit CSearch(const CDiscPath &folder) : m_hFind(INVALID_HANDLE_VALUE), m_wide(), m_narrow()
     {
         const CDiscPath pattern = folder.Join(L"*");
         *m_hFind.Receive() = IsWide() ? FindFirstFileW(LongForm(pattern).data(), &m_wide)
@@ -111,9 +110,8 @@ bool ReadFolder(const CDiscPath &folder, std::vector<CFound> &found)
             found.push_back(std::move(one));
     } while (search.Next());
     const bool bAll = GetLastError() == ERROR_NO_MORE_FILES;
-    std::sort(found.begin(), found.end(), [](const CFound &left, const CFound &right) {
-        return left.m_name < right.m_name;
-    });
+    std::sort(found.begin(), found.end(),
+              [](const CFound &left, const CFound &right) { return left.m_name < right.m_name; });
     return bAll;
 }
 

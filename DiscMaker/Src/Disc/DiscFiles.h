@@ -3,8 +3,8 @@
 #include "Base/Handle.h"
 #include "Disc/DiscPath.h"
 
-// The file system by wide names, of any length, where the system takes them (NT); else by those of its
-// code page. What fails leaves the thread's last error.
+// The file system by wide names, of any length, where the system takes them (NT); else by those of
+// its code page. What fails leaves the thread's last error.
 
 HANDLE DiscOpen(const CDiscPath &path);       // to read; nobody may write meanwhile
 HANDLE DiscCreateNew(const CDiscPath &path);  // fails when it is there

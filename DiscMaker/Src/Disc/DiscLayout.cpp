@@ -52,8 +52,8 @@ private:
     const CDiscPath m_contents;
     const CDiscPath m_out;
     CProblems &m_problems;
-    CDiscTree m_tree;         // of the contents
-    CDiscTree m_old;          // of the disc that is there
+    CDiscTree m_tree;        // of the contents
+    CDiscTree m_old;         // of the disc that is there
     CDiscPath m_unfinished;  // where the new one grows
 };
 
@@ -91,8 +91,9 @@ bool CDiscLayout::ReadContents()
     for (const CDiscTree::CFile &file : m_tree.m_files) {
         for (const char *const pszName : {LAUNCHER_NAME, INF_NAME, SUMS_NAME}) {
             if (file.m_path.Text().CompareNoCase(pszName) == 0)
-                return Fail(file.m_path, "The contents have a file of the name that the disc's own "
-                                         "has. Take it out or give it another name.");
+                return Fail(file.m_path,
+                            "The contents have a file of the name that the disc's own "
+                            "has. Take it out or give it another name.");
         }
         if (lstrlenW(file.m_path.Name()) > MAX_NAME || file.m_path.Length() > MAX_DISC_PATH)
             Add(m_problems, ProblemWarning, file.m_path, "This name is too long for a disc.",
@@ -218,7 +219,8 @@ bool CDiscLayout::Run(const CDiscPath &launcher, const CCUString &sAutorunInf,
         return false;
     if (DiscExists(m_out.With(".unfinished")))
         Add(m_problems, ProblemNote, m_out.With(".unfinished"),
-            "A disc that was not finished has left this folder; its maker was ended, or still runs.",
+            "A disc that was not finished has left this folder; its maker was ended, or still "
+            "runs.",
             "It is not needed for this disc.");
     m_unfinished = FreeName(".unfinished");
     CDiscWriter writer(m_unfinished, m_tree.Size(), pProgress, m_problems);
@@ -241,8 +243,9 @@ CCUString MakeAutorunInf(const CSkin &skin)
     return sText;
 }
 
-bool LayOutDisc(const CCUString &sLauncher, const CCUString &sAutorunInf, const CCUString &sContents,
-                const CCUString &sOut, CDiscProgress *pProgress, CProblems &problems)
+bool LayOutDisc(const CCUString &sLauncher, const CCUString &sAutorunInf,
+                const CCUString &sContents, const CCUString &sOut, CDiscProgress *pProgress,
+                CProblems &problems)
 {
     return CDiscLayout(sContents, sOut, problems).Run(CDiscPath(sLauncher), sAutorunInf, pProgress);
 }

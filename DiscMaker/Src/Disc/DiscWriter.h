@@ -5,8 +5,8 @@
 #include "Disc/SumsFile.h"
 #include "Model/Problem.h"
 
-// Writes files below one folder and keeps their sums. The first failure, or the user's wish to stop,
-// becomes a problem, and nothing is written from then on.
+// Writes files below one folder and keeps their sums. The first failure, or the user's wish to
+// stop, becomes a problem, and nothing is written from then on.
 class CDiscWriter
 {
 public:

@@ -8,8 +8,8 @@ class CDiscProgress
 {
 public:
     virtual ~CDiscProgress() {}
-    // `nDone` of `nTotal` bytes are written; `sFile` is the one in work, relative to the disc. False:
-    // stop.
+    // `nDone` of `nTotal` bytes are written; `sFile` is the one in work, relative to the disc.
+    // False: stop.
     virtual bool OnProgress(ULONGLONG nDone, ULONGLONG nTotal, const CCUString &sFile) = 0;
 };
 

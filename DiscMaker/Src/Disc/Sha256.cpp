@@ -104,7 +104,8 @@ __attribute__((target("sha,sse4.1,ssse3"), force_align_arg_pointer)) void CSha25
 {
     const __m128i order = _mm_set_epi64x(0x0C0D0E0F08090A0B, 0x0405060700010203);
     // The instructions want the words as ABEF and CDGH.
-    const __m128i low = _mm_shuffle_epi32(_mm_loadu_si128(reinterpret_cast<__m128i *>(pState)), 0xB1);
+    const __m128i low =
+        _mm_shuffle_epi32(_mm_loadu_si128(reinterpret_cast<__m128i *>(pState)), 0xB1);
     const __m128i high =
         _mm_shuffle_epi32(_mm_loadu_si128(reinterpret_cast<__m128i *>(pState + 4)), 0x1B);
     __m128i abef = _mm_alignr_epi8(low, high, 8);
@@ -114,8 +115,8 @@ __attribute__((target("sha,sse4.1,ssse3"), force_align_arg_pointer)) void CSha25
         const __m128i cdghBefore = cdgh;
         __m128i words[4];
         for (int i = 0; i < 4; ++i)
-            words[i] = _mm_shuffle_epi8(
-                _mm_loadu_si128(reinterpret_cast<const __m128i *>(p) + i), order);
+            words[i] =
+                _mm_shuffle_epi8(_mm_loadu_si128(reinterpret_cast<const __m128i *>(p) + i), order);
 #pragma GCC unroll 16
         for (int i = 0; i < ROUNDS / 4; ++i) {
             __m128i &now = words[i & 3];

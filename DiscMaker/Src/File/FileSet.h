@@ -2,9 +2,9 @@
 
 #include "File/FileBytes.h"
 
-// Files that change together. Each is written beside its place under a new name, brought to the disk
-// and read back; only when all are there they take their places. Whatever fails, what was at these
-// places is there again.
+// Files that change together. Each is written beside its place under a new name, brought to the
+// disk and read back; only when all are there they take their places. Whatever fails, what was at
+// these places is there again.
 class CFileSet
 {
 public:
@@ -24,8 +24,8 @@ private:
     {
         CCUString m_sPath;
         CBlob m_bytes;
-        CCUString m_sNew;       // where it stands until it takes its place; empty: nowhere
-        CCUString m_sOld;       // where what it replaced stands; empty: nowhere
+        CCUString m_sNew;  // where it stands until it takes its place; empty: nowhere
+        CCUString m_sOld;  // where what it replaced stands; empty: nowhere
         bool m_bPlaced = false;
     };
     static bool Write(CFile &file, CProblems &problems);

@@ -29,8 +29,8 @@ UINT RtGroup()
 bool IsIconList(const CByteView &list, size_t nEntrySize)
 {
     const size_t nCount = list.Word(4);
-    return list.Word(0) == 0 && list.Word(2) == 1 && nCount > 0 &&
-           nCount <= MOST_PICTURES && list.Has(HEAD_SIZE, nCount * nEntrySize);
+    return list.Word(0) == 0 && list.Word(2) == 1 && nCount > 0 && nCount <= MOST_PICTURES &&
+           list.Has(HEAD_SIZE, nCount * nEntrySize);
 }
 
 size_t EntryAt(size_t nIndex, size_t nEntrySize)

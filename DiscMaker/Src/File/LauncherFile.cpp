@@ -122,8 +122,8 @@ bool IsSound(const CSkin &skin, CProblems &problems)
 {
     bool bFit = true;
     if (skin.m_icon && !IsIconFile(CByteView(*skin.m_icon))) {
-        problems.push_back(CProblem{ProblemError, IDI_AUTORUN, "", "The icon is no whole .ico file.",
-                                    "it cannot be saved"});
+        problems.push_back(CProblem{ProblemError, IDI_AUTORUN, "",
+                                    "The icon is no whole .ico file.", "it cannot be saved"});
         bFit = false;
     }
     for (const CSkinTexts &texts : skin.m_texts) {
@@ -216,8 +216,8 @@ void CLauncherFile::ReadPictures(CProblems &problems)
                                         "only one of them is shown and changed here"});
     }
     if (!ReadIcon(m_resources, IDI_AUTORUN, m_skin.m_icon))
-        problems.push_back(CProblem{ProblemWarning, IDI_AUTORUN, m_sPath,
-                                    "The icon is damaged.", "the disc has none"});
+        problems.push_back(CProblem{ProblemWarning, IDI_AUTORUN, m_sPath, "The icon is damaged.",
+                                    "the disc has none"});
 }
 
 void CLauncherFile::ReadVersion(CProblems &problems)

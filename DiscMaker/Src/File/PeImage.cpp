@@ -132,8 +132,9 @@ bool CPeImage::ReadSection(CSection &section, size_t nHeader, size_t nSections) 
     const size_t nHeadersEnd = m_nSectionTable + nSections * SECTION_HEADER_SIZE;
     return section.m_nAddress < ADDRESS_LIMIT &&
            section.m_nVirtualSize < ADDRESS_LIMIT - section.m_nAddress &&
-           (section.m_nFileSize == 0 || (section.m_nFileOffset >= nHeadersEnd &&
-            CByteView(m_bytes).Has(section.m_nFileOffset, section.m_nFileSize)));
+           (section.m_nFileSize == 0 ||
+            (section.m_nFileOffset >= nHeadersEnd &&
+             CByteView(m_bytes).Has(section.m_nFileOffset, section.m_nFileSize)));
 }
 
 CPeImage::CDirectory CPeImage::Directory(UINT nIndex) const
@@ -219,8 +220,8 @@ public:
 private:
     DWORD EndAddress(const CSection &section) const
     {
-        return static_cast<DWORD>(AlignUp(section.m_nAddress + section.m_nVirtualSize,
-                                          m_image.m_nSectionAlignment));
+        return static_cast<DWORD>(
+            AlignUp(section.m_nAddress + section.m_nVirtualSize, m_image.m_nSectionAlignment));
     }
 
     bool FitsInPlace()
@@ -268,8 +269,7 @@ private:
         section.m_nAddress = EndAddress(m_sections.back());
         section.m_nVirtualSize = m_nSize;
         section.m_nFileSize = m_nFileSize;
-        section.m_nFileOffset =
-            static_cast<DWORD>(AlignUp(m_nShiftFrom, m_image.m_nFileAlignment));
+        section.m_nFileOffset = static_cast<DWORD>(AlignUp(m_nShiftFrom, m_image.m_nFileAlignment));
         m_nShift = section.m_nFileOffset - m_nShiftFrom + m_nFileSize;
         m_nSection = m_sections.size();
         m_sections.push_back(section);

@@ -77,8 +77,9 @@ private:
 
     void WriteEntry(const CResourceNode &node, size_t nEntry)
     {
-        PutDword(m_bytes, nEntry, node.m_name.m_bText ? HIGH_BIT | WriteName(node.m_name.m_sText)
-                                                      : node.m_name.m_nId);
+        PutDword(
+            m_bytes, nEntry,
+            node.m_name.m_bText ? HIGH_BIT | WriteName(node.m_name.m_sText) : node.m_name.m_nId);
         const size_t nTarget =
             IsResource(node) ? WriteRecord(node) : HIGH_BIT | WriteDirectory(node);
         PutDword(m_bytes, nEntry + 4, static_cast<DWORD>(nTarget));

@@ -101,10 +101,10 @@ CResourceNode &FindOrAdd(CResourceNode &parent, UINT nId)
         return *pNode;
     CResourceNode node;
     node.m_name = nId;
-    const auto place = std::find_if(
-        parent.m_children.begin(), parent.m_children.end(), [nId](const CResourceNode &child) {
-            return !child.m_name.m_bText && child.m_name.m_nId > nId;
-        });
+    const auto place = std::find_if(parent.m_children.begin(), parent.m_children.end(),
+                                    [nId](const CResourceNode &child) {
+                                        return !child.m_name.m_bText && child.m_name.m_nId > nId;
+                                    });
     return *parent.m_children.insert(place, node);
 }
 

@@ -10,7 +10,8 @@ struct CResourceName
 
     bool operator==(const CResourceName &other) const
     {
-        return m_bText == other.m_bText && (m_bText ? m_sText == other.m_sText : m_nId == other.m_nId);
+        return m_bText == other.m_bText &&
+               (m_bText ? m_sText == other.m_sText : m_nId == other.m_nId);
     }
 
     UINT m_nId;
@@ -40,9 +41,9 @@ struct CResourceNode
 class CResourceTree
 {
 public:
-    // Reads the resource section, which stands at an address in the program. False when it is cut or
-    // damaged: nothing is kept then. What points in circles or at the same bytes again and again is
-    // damaged.
+    // Reads the resource section, which stands at an address in the program. False when it is cut
+    // or damaged: nothing is kept then. What points in circles or at the same bytes again and again
+    // is damaged.
     bool Read(const CByteView &section, DWORD nAddress);
     // The section that has these, to stand at an address; its size is the same everywhere. The
     // layout is that of windres: a launcher that it made comes out as it was.

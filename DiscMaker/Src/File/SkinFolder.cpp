@@ -16,10 +16,11 @@ const UINT FILE_IDS[] = {IDB_BACKGROUND, IDB_PRODUCT, IDB_BULLET, IDI_AUTORUN};
 const char *const FILE_NAMES[] = {"Background", "Product", "Bullet", "AutoRun"};
 
 // A new skin folder begins with these lines.
-const char NEW_SCRIPT[] = "// The looks of a disc.\r\n\r\n"
-                          "#pragma code_page(65001)\r\n\r\n"
-                          "#include \"Resource.h\"\r\n\r\n"
-                          "LANGUAGE LANG_NEUTRAL, SUBLANG_NEUTRAL\r\n\r\n";
+const char NEW_SCRIPT[] =
+    "// The looks of a disc.\r\n\r\n"
+    "#pragma code_page(65001)\r\n\r\n"
+    "#include \"Resource.h\"\r\n\r\n"
+    "LANGUAGE LANG_NEUTRAL, SUBLANG_NEUTRAL\r\n\r\n";
 
 CCUString ScriptPath(const CCUString &sPath)
 {
@@ -67,8 +68,8 @@ bool SameTexts(const std::vector<CSkinTexts> &a, const std::vector<CSkinTexts> &
     for (const CSkinTexts &texts : a) {
         bool bFound = false;
         for (const CSkinTexts &other : b)
-            bFound = bFound || (other.m_nLanguage == texts.m_nLanguage &&
-                                other.m_entries == texts.m_entries);
+            bFound = bFound ||
+                     (other.m_nLanguage == texts.m_nLanguage && other.m_entries == texts.m_entries);
         if (!bFound)
             return false;
     }
@@ -146,8 +147,8 @@ bool CSkinFolder::HasChanged(CProblems &problems) const
 {
     bool bChanged = IsChanged(m_sPath, m_bytes, problems);
     for (const CPictureFile &file : m_files)
-        bChanged = (file.m_bytes && IsChanged(PathOf(file.m_sName), file.m_bytes, problems)) ||
-                   bChanged;
+        bChanged =
+            (file.m_bytes && IsChanged(PathOf(file.m_sName), file.m_bytes, problems)) || bChanged;
     return bChanged;
 }
 
@@ -179,8 +180,8 @@ void CSkinFolder::AddPicture(int nFile, const CBlob &picture, const CCUString &s
     if (!bChanged && !bElsewhere)
         return;
     // Whatever shares a file goes on sharing it until it is another picture.
-    const bool bKeepsName = IsInside(old.m_sName) &&
-                            (!bChanged || m_script.CountUses(old.m_sName) == 1);
+    const bool bKeepsName =
+        IsInside(old.m_sName) && (!bChanged || m_script.CountUses(old.m_sName) == 1);
     const CCUString sName = bKeepsName ? old.m_sName : NameFor(nFile, sFolder);
     if (sName != old.m_sName)
         editor.SetPicture(nFile == ICON, FILE_IDS[nFile], sName);

@@ -143,7 +143,8 @@ void CDocument::OpenStep()
         return;
     m_bOpen = true;
     const bool bJoins = !m_bSealed && m_nJoin && m_nDone == m_steps.size() && m_nDone > 0 &&
-                        m_steps.back().m_nJoin == m_nJoin && !(m_bSavedKnown && m_nSaved == m_nDone);
+                        m_steps.back().m_nJoin == m_nJoin &&
+                        !(m_bSavedKnown && m_nSaved == m_nDone);
     if (bJoins)
         return;
     if (m_bSavedKnown && m_nSaved > m_nDone)

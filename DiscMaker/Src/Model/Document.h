@@ -19,8 +19,9 @@ protected:
 // The skin that is being edited: every change can be undone, and it is known whether there is
 // something to be saved.
 //
-// Changes are made in steps, each of which is undone as one. Steps of the same kind that follow each
-// other, as typing in a field or nudging with the arrow keys makes them, become one until Seal.
+// Changes are made in steps, each of which is undone as one. Steps of the same kind that follow
+// each other, as typing in a field or nudging with the arrow keys makes them, become one until
+// Seal.
 class CDocument
 {
 public:

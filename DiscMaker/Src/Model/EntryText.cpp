@@ -6,7 +6,7 @@
 
 namespace {
 
-const char *const FACES[] = {"Arial",   "Courier", "Courier New",     "MS Sans Serif",
+const char *const FACES[] = {"Arial",    "Courier", "Courier New",     "MS Sans Serif",
                              "MS Serif", "Symbol",  "Times New Roman", "Times",
                              "Helv",     "System",  "Small Fonts",     "Wingdings"};
 
@@ -72,7 +72,8 @@ CCUString EntryHelp(const SkinEntry &entry)
     case IDS_CAPTION: return "The title of the launcher's window, as the task bar shows it.";
     case IDS_ABOUT: return "The description; \\n begins a new line, nothing else does.";
     case IDS_ABOUT_RECT:
-        return "Left, top, right and bottom of the description, in pixels. What does not fit is cut "
+        return "Left, top, right and bottom of the description, in pixels. What does not fit is "
+               "cut "
                "off.";
     default: break;
     }

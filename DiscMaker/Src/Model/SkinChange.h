@@ -51,9 +51,9 @@ private:
     SkinPart m_part;
     bool m_bHad = false;  // there was an entry; there is one
     bool m_bHas = false;
-    size_t m_nStart = 0;        // of what is different
-    std::vector<WCHAR> m_cut;   // what was there
-    std::vector<WCHAR> m_put;   // what is there
+    size_t m_nStart = 0;       // of what is different
+    std::vector<WCHAR> m_cut;  // what was there
+    std::vector<WCHAR> m_put;  // what is there
     CBlob m_before;
     CBlob m_after;
 };

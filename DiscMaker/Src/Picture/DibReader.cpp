@@ -190,8 +190,8 @@ void CDib::ReadRow(const BYTE *pRow, DWORD *pPixels, const CPixels &pixels) cons
     const bool bPlain = m_header.biBitCount == 32 && m_masks[0] == 0xFF0000 &&
                         m_masks[1] == 0x00FF00 && m_masks[2] == 0x0000FF && m_masks[3] == 0;
     for (int x = 0; x < pixels.m_cx; ++x) {
-        pPixels[x] = bPlain ? ReadAt<DWORD>(pRow + 4 * x) | OPAQUE_PIXEL
-                            : Pixel(pRow, x, pixels.m_colors);
+        pPixels[x] =
+            bPlain ? ReadAt<DWORD>(pRow + 4 * x) | OPAQUE_PIXEL : Pixel(pRow, x, pixels.m_colors);
     }
 }
 

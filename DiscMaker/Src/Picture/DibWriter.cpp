@@ -20,8 +20,8 @@ public:
     {
         for (size_t i = 0; i < std::min(colors.size(), MAX_COLORS); ++i) {
             const RGBQUAD &color = colors[i];
-            m_indexes.insert({MakePixel(color.rgbRed, color.rgbGreen, color.rgbBlue),
-                              static_cast<BYTE>(i)});
+            m_indexes.insert(
+                {MakePixel(color.rgbRed, color.rgbGreen, color.rgbBlue), static_cast<BYTE>(i)});
         }
     }
     // Null: not in the table.

@@ -67,8 +67,9 @@ bool ReadPictureFile(const CCUString &sPath, CPixels &pixels, CProblems &problem
     const PictureFormat format = FormatOf(file);
     if (format == FormatBmp) {
         const char *const pszWhy = ReadBmp(file.data(), file.size(), pixels);
-        return !pszWhy || Fail(problems, sPath, CCUString("The bitmap cannot be read: ") + pszWhy +
-                                                    ". Save it anew as a BMP of 24 bits.");
+        return !pszWhy || Fail(problems, sPath,
+                               CCUString("The bitmap cannot be read: ") + pszWhy +
+                                   ". Save it anew as a BMP of 24 bits.");
     }
     if (format == FormatNone)
         return Fail(problems, sPath, "This is no picture that can be read. Save it as BMP.");
@@ -77,8 +78,9 @@ bool ReadPictureFile(const CCUString &sPath, CPixels &pixels, CProblems &problem
     if (format == FormatPng)
         return Fail(problems, sPath,
                     "This system cannot read this PNG file. Save the picture as BMP of 24 bits.");
-    return Fail(problems, sPath, "The picture is damaged, too large, or of a kind that this system "
-                                 "cannot read. Save it as BMP of 24 bits.");
+    return Fail(problems, sPath,
+                "The picture is damaged, too large, or of a kind that this system "
+                "cannot read. Save it as BMP of 24 bits.");
 }
 
 CBlob ImportPicture(const CCUString &sPath, CProblems &problems)

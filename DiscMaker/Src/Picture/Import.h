@@ -4,8 +4,8 @@
 #include "Model/Skin.h"
 #include "Picture/Pixels.h"
 
-// Reads a picture file: BMP of any kind by itself; PNG, JPEG and GIF as far as the system can. False
-// when it cannot: why, and what helps, is among the problems.
+// Reads a picture file: BMP of any kind by itself; PNG, JPEG and GIF as far as the system can.
+// False when it cannot: why, and what helps, is among the problems.
 bool ReadPictureFile(const CCUString &sPath, CPixels &pixels, CProblems &problems);
 
 // The same as a resource for launchers; null when it cannot be read. What is transparent becomes

@@ -30,8 +30,7 @@ std::vector<DWORD> ExactColors(const std::vector<CPixels> &pictures)
     std::set<DWORD> colors;
     for (const CPixels &picture : pictures) {
         for (const DWORD nPixel : picture.m_pixels) {
-            if (!system.count(nPixel) && colors.insert(nPixel).second &&
-                colors.size() > OWN_COLORS)
+            if (!system.count(nPixel) && colors.insert(nPixel).second && colors.size() > OWN_COLORS)
                 return std::vector<DWORD>();
         }
     }
@@ -46,8 +45,8 @@ std::vector<DWORD> FindOwnColors(const std::vector<CPixels> &pictures)
     CColorCount count;
     for (const CPixels &picture : pictures)
         count.Add(picture);
-    return count.FindColors(OWN_COLORS, std::vector<DWORD>(SYSTEM_COLORS,
-                                                           SYSTEM_COLORS + 2 * HALF_SYSTEM));
+    return count.FindColors(OWN_COLORS,
+                            std::vector<DWORD>(SYSTEM_COLORS, SYSTEM_COLORS + 2 * HALF_SYSTEM));
 }
 
 std::vector<DWORD> MakeTable(const std::vector<DWORD> &own)

@@ -155,8 +155,7 @@ void MoveToMiddles(const std::vector<CBin> &bins, std::vector<DWORD> &colors, si
     std::vector<CBin> sums(colors.size());
     for (const CBin &bin : bins) {
         const size_t nNearest =
-            FindNearest(colors, RoundMean(bin, 0),
-                        RoundMean(bin, 1), RoundMean(bin, 2));
+            FindNearest(colors, RoundMean(bin, 0), RoundMean(bin, 1), RoundMean(bin, 2));
         AddBin(sums[nNearest], bin);
     }
     for (size_t i = nFixed; i < colors.size(); ++i) {

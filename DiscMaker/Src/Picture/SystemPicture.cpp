@@ -14,8 +14,7 @@ namespace {
 template <typename Function>
 void Find(HMODULE hLibrary, const char *pszName, Function *&function, bool &bFound)
 {
-    function =
-        hLibrary ? reinterpret_cast<Function *>(GetProcAddress(hLibrary, pszName)) : nullptr;
+    function = hLibrary ? reinterpret_cast<Function *>(GetProcAddress(hLibrary, pszName)) : nullptr;
     bFound = bFound && function;
 }
 

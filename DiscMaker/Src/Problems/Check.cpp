@@ -70,7 +70,8 @@ CCUString WithNumber(const char *pszFormat, int nNumber)
 
 void CheckSkin(const CSkin &skin, const CCUString &sContents, CProblems &problems)
 {
-    // The pictures first: of what is wrong with them, such as two that were swapped, follows much else.
+    // The pictures first: of what is wrong with them, such as two that were swapped, follows much
+    // else.
     CheckPictures(skin, problems);
     CProblems found;
     if (skin.m_texts.empty())

@@ -10,8 +10,9 @@ const char *const NOTHING_HAPPENS = "A click on the line does nothing.";
 // What the launcher can start.
 const char *const EXTENSIONS[] = {"exe", "com", "bat", "cmd", "pif"};
 // Of every Windows; they need not be on the disc.
-const char *const SYSTEM_PROGRAMS[] = {"notepad.exe", "write.exe",    "explorer.exe", "control.exe",
-                                       "rundll32.exe", "winhlp32.exe", "regedit.exe"};
+const char *const SYSTEM_PROGRAMS[] = {"notepad.exe", "write.exe",    "explorer.exe",
+                                       "control.exe", "rundll32.exe", "winhlp32.exe",
+                                       "regedit.exe"};
 
 template <size_t N>
 bool IsAmong(const CCUString &sText, const char *const (&texts)[N])
@@ -104,8 +105,9 @@ private:
 bool CCommandCheck::IsWritten()
 {
     if (HasControlCharacter(m_sCommand))
-        return Fail("there is a tab or a line break in the command. In Skin.rc a backslash is "
-                    "written twice: \"Tools\\\\Setup.exe\".");
+        return Fail(
+            "there is a tab or a line break in the command. In Skin.rc a backslash is "
+            "written twice: \"Tools\\\\Setup.exe\".");
     if (Count(m_sCommand, '"') % 2 != 0)
         return Fail("a quote has no partner. In Skin.rc a quote is written twice.");
     if (m_sProgram.IsEmpty())

@@ -6,10 +6,10 @@
 #include "Resource.h"
 
 // How well a text can be told from what is under it: the contrast ratio of the Web Content
-// Accessibility Guidelines 2, (L1 + 0.05) / (L2 + 0.05), with the relative luminance L of the lighter
-// and the darker colour. They ask for 3 at least where text is large, and so is this: a fifth of the
-// pixels may be worse, such as a line of the picture that runs through. The line under the mouse has
-// a white edge and a black shadow, which help: it needs 2.
+// Accessibility Guidelines 2, (L1 + 0.05) / (L2 + 0.05), with the relative luminance L of the
+// lighter and the darker colour. They ask for 3 at least where text is large, and so is this: a
+// fifth of the pixels may be worse, such as a line of the picture that runs through. The line under
+// the mouse has a white edge and a black shadow, which help: it needs 2.
 
 namespace {
 

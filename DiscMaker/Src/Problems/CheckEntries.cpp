@@ -23,7 +23,8 @@ void CheckMissing(CSkinCheck &check, const SkinEntry &entry)
     if (entry.m_bUsed)
         check.Warn(entry.m_nID, sWhat, MissingEffect(entry));
     else
-        check.Note(entry.m_nID, sWhat, "It is not used, but the launcher writes a report about it.");
+        check.Note(entry.m_nID, sWhat,
+                   "It is not used, but the launcher writes a report about it.");
 }
 
 }  // namespace
@@ -34,6 +35,7 @@ void CheckEntries(CSkinCheck &check)
         CheckMissing(check, entry);
     for (const auto &own : check.m_strings.Own()) {
         if (!own.second.IsEmpty() && !FindSkinEntry(own.first) && own.first != IDS_DISC_LABEL)
-            check.Note(own.first, "The launcher does not use this entry.", "Nothing of it is seen.");
+            check.Note(own.first, "The launcher does not use this entry.",
+                       "Nothing of it is seen.");
     }
 }

@@ -9,9 +9,9 @@ const int LARGEST_POINTS = 72;
 
 // Faces of one word, as far as the launcher reads a face. "Times", "Helv" and "Helvetica" are other
 // names that every Windows knows for its own.
-const char *const FACES_EVERYWHERE[] = {"Arial",    "Times",     "Helv",   "Helvetica", "Courier",
-                                        "System",   "Fixedsys",  "Terminal", "Symbol",
-                                        "Wingdings", "Roman",    "Modern", "Script"};
+const char *const FACES_EVERYWHERE[] = {"Arial",  "Times",    "Helv",     "Helvetica", "Courier",
+                                        "System", "Fixedsys", "Terminal", "Symbol",    "Wingdings",
+                                        "Roman",  "Modern",   "Script"};
 // With Windows 98 and 2000, or the browser that came then.
 const char *const FACES_LATER[] = {"Verdana", "Tahoma", "Georgia", "Impact", "Webdings"};
 
@@ -45,14 +45,15 @@ void CheckFace(CSkinCheck &check, const SkinEntry &entry, const CCUString &sText
     const CCUString sCaption = CCUString(entry.m_pszCaption) + ": ";
     const CCUString sWritten = FaceAsWritten(sText);
     if (sWritten != sFace)
-        check.Warn(entry.m_nID, sCaption + "the face \"" + sWritten + "\" is cut to \"" + sFace +
-                                    "\": a face ends at its first space and after 31 characters.",
+        check.Warn(entry.m_nID,
+                   sCaption + "the face \"" + sWritten + "\" is cut to \"" + sFace +
+                       "\": a face ends at its first space and after 31 characters.",
                    IsAmong(sFace, FACES_EVERYWHERE)
                        ? "Windows finds a similar face under that name."
                        : "Windows takes some other face, and texts get another width.");
     else if (IsAmong(sFace, FACES_LATER))
-        check.Note(entry.m_nID, sCaption + "Windows 95 and NT 4 may not have the face \"" + sFace +
-                                    "\".",
+        check.Note(entry.m_nID,
+                   sCaption + "Windows 95 and NT 4 may not have the face \"" + sFace + "\".",
                    "They take some other face, and texts get another width.");
     else if (!IsAmong(sFace, FACES_EVERYWHERE))
         check.Warn(entry.m_nID, sCaption + "not every system has the face \"" + sFace + "\".",

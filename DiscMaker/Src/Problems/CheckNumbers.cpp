@@ -131,10 +131,10 @@ void CheckRest(CSkinCheck &check, const SkinEntry &entry, const CCUString &sText
         return;
     const char *const pszWhat =
         *pRest == ',' ? " has more numbers than " : " has something behind its numbers: wanted is ";
-    check.Warn(entry.m_nID,
-               CCUString(entry.m_pszCaption) + ": " + Quoted(sText) + pszWhat +
-                   FormOf(entry.m_kind) + ".",
-               "The launcher leaves out " + Quoted(pRest) + ".");
+    check.Warn(
+        entry.m_nID,
+        CCUString(entry.m_pszCaption) + ": " + Quoted(sText) + pszWhat + FormOf(entry.m_kind) + ".",
+        "The launcher leaves out " + Quoted(pRest) + ".");
 }
 
 void CheckRanges(CSkinCheck &check, const SkinEntry &entry, const CNumbers &numbers)
@@ -144,10 +144,11 @@ void CheckRanges(CSkinCheck &check, const SkinEntry &entry, const CNumbers &numb
             check.Warn(entry.m_nID, CCUString(entry.m_pszCaption) + ": a number is far too large.",
                        "The launcher takes any other number for it.");
         if (entry.m_kind == EntryColor && (number.m_nValue < 0 || number.m_nValue > 255))
-            check.Warn(entry.m_nID,
-                       CCUString(entry.m_pszCaption) +
-                           WithNumber(": %d is no part of a colour; 0 to 255 are.", number.m_nValue),
-                       WithNumber("The launcher takes %d instead.", number.m_nValue & 255));
+            check.Warn(
+                entry.m_nID,
+                CCUString(entry.m_pszCaption) +
+                    WithNumber(": %d is no part of a colour; 0 to 255 are.", number.m_nValue),
+                WithNumber("The launcher takes %d instead.", number.m_nValue & 255));
     }
 }
 

@@ -33,8 +33,8 @@ void CheckReadable(const CSkin &skin, int nPicture, CPixels &pixels, CProblems &
     const CBlob &dib = skin.m_pictures[nPicture];
     const ProblemWeight weight = nPicture == PictureBackground ? ProblemError : ProblemWarning;
     if (!dib || dib->empty()) {
-        Add(problems, weight, picture.m_nID,
-            CCUString("The ") + picture.m_pszName + " is missing.", picture.m_pszMissing);
+        Add(problems, weight, picture.m_nID, CCUString("The ") + picture.m_pszName + " is missing.",
+            picture.m_pszMissing);
         return;
     }
     const char *const pszWhy = ReadDib(dib->data(), dib->size(), 0, pixels);

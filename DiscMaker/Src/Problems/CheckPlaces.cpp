@@ -28,8 +28,9 @@ bool IsThere(const CSkinItem &item)
 
 CCUString PixelsText(LONGLONG nPixels)
 {
-    return nPixels == 1 ? CCUString("1 pixel")
-                        : WithNumber("%d pixels", static_cast<int>(std::min<LONGLONG>(nPixels, LONG_MAX)));
+    return nPixels == 1
+               ? CCUString("1 pixel")
+               : WithNumber("%d pixels", static_cast<int>(std::min<LONGLONG>(nPixels, LONG_MAX)));
 }
 
 void CheckInside(CSkinCheck &check, const CSkinItem &item)
@@ -44,8 +45,7 @@ void CheckInside(CSkinCheck &check, const CSkinItem &item)
     }
     const LONGLONG beyond[] = {static_cast<LONGLONG>(rect.right) - window.right,
                                static_cast<LONGLONG>(rect.bottom) - window.bottom,
-                               -static_cast<LONGLONG>(rect.left),
-                               -static_cast<LONGLONG>(rect.top)};
+                               -static_cast<LONGLONG>(rect.left), -static_cast<LONGLONG>(rect.top)};
     const char *const edges[] = {"right", "lower", "left", "upper"};
     for (int i = 0; i < 4; ++i) {
         if (beyond[i] > 0)
@@ -66,8 +66,9 @@ void CheckDescription(CSkinCheck &check)
     const LONGLONG nRight = size.cx - (static_cast<LONGLONG>(rect.right) - rect.left);
     const LONGLONG nBelow = size.cy - (static_cast<LONGLONG>(rect.bottom) - rect.top);
     if (nRight > 0)
-        check.Warn(IDS_ABOUT, "Description: a line is " + PixelsText(nRight) +
-                                  " too long for its rectangle. Lines end at \\n only.",
+        check.Warn(IDS_ABOUT,
+                   "Description: a line is " + PixelsText(nRight) +
+                       " too long for its rectangle. Lines end at \\n only.",
                    "The end of the line is cut off.");
     if (nBelow > 0)
         check.Warn(IDS_ABOUT,

@@ -29,14 +29,13 @@ void CheckCodePage(CSkinCheck &check, const SkinEntry &entry, const CWideText &t
         return;
     const int nCodePage = static_cast<int>(check.m_strings.CodePage());
     check.Warn(entry.m_nID,
-               CaptionOf(entry) + "the character " +
-                   FirstLost(text, check.m_strings.CodePage()) +
+               CaptionOf(entry) + "the character " + FirstLost(text, check.m_strings.CodePage()) +
                    WithNumber(" is not in the disc's code page %d.", nCodePage),
                "A question mark or a similar character is shown.");
 }
 
-// Whether it has characters beyond ASCII which, as bytes, are UTF-8 throughout. Hardly any text that
-// was meant as it stands is.
+// Whether it has characters beyond ASCII which, as bytes, are UTF-8 throughout. Hardly any text
+// that was meant as it stands is.
 bool LooksLikeUtf8(const CCUString &sBytes)
 {
     const BYTE *const pBytes = reinterpret_cast<const BYTE *>(sBytes.GetString());
@@ -50,9 +49,10 @@ void CheckEncoding(CSkinCheck &check, const SkinEntry &entry, const CWideText &t
     const CCUString sBytes = text.ToCodePage(check.m_strings.CodePage(), &bLost);
     if (!bLost && LooksLikeUtf8(sBytes))
         check.Warn(entry.m_nID,
-                   CaptionOf(entry) + "this looks like UTF-8 that was read as something else. Add "
-                                      "#pragma code_page(65001) to Skin.rc, or save it in the "
-                                      "disc's code page.",
+                   CaptionOf(entry) +
+                       "this looks like UTF-8 that was read as something else. Add "
+                       "#pragma code_page(65001) to Skin.rc, or save it in the "
+                       "disc's code page.",
                    "\"" + sBytes + "\" is shown just so.");
 }
 
@@ -74,8 +74,8 @@ struct CAmpersands
     }
 };
 
-// The description is drawn with mnemonics; the title and the lines are not, but the lines are measured
-// with them.
+// The description is drawn with mnemonics; the title and the lines are not, but the lines are
+// measured with them.
 void CheckAmpersands(CSkinCheck &check, const SkinEntry &entry, const CCUString &sText)
 {
     const CAmpersands found(sText);
@@ -89,8 +89,7 @@ void CheckAmpersands(CSkinCheck &check, const SkinEntry &entry, const CCUString 
         check.Warn(entry.m_nID,
                    CaptionOf(entry) + "\"&&\" stands for one \"&\" in the description only.",
                    "Both are shown.");
-    else if (found.m_nSingle > 0 && entry.m_nID != IDS_TITLE &&
-        entry.m_nID != IDS_CAPTION)
+    else if (found.m_nSingle > 0 && entry.m_nID != IDS_TITLE && entry.m_nID != IDS_CAPTION)
         check.Note(entry.m_nID, CaptionOf(entry) + "has \"&\" in it.",
                    "The zone for the mouse ends a little before the text does.");
 }

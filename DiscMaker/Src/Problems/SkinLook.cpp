@@ -116,7 +116,8 @@ CSkinLook::CSkinLook(const CSkin &skin, const CSkinStrings &strings)
         AddPicture(skin, PictureBullet, ItemBullet, nPlace);
 
     const CCUIMemoryDC hDC(nullptr);
-    // In the order in which the launcher reads them: what a font does not say is as in the one before.
+    // In the order in which the launcher reads them: what a font does not say is as in the one
+    // before.
     const CCUIOwned<HFONT> title(MakeFont(IDS_TITLE_FONT));
     const CCUIOwned<HFONT> item(MakeFont(IDS_ITEM_FONT));
     const CCUIOwned<HFONT> about(MakeFont(IDS_ABOUT_FONT));

@@ -17,10 +17,10 @@ enum SkinItemKind
 struct CSkinItem
 {
     SkinItemKind m_kind;
-    UINT m_nText;   // entry of the text; 0 for pictures
-    UINT m_nPlace;  // entry of the place
-    RECT m_rect;    // what it covers, in pixels of the window; empty when there is nothing to draw
-    RECT m_seen;    // of the product picture the part that looks different from the background
+    UINT m_nText;    // entry of the text; 0 for pictures
+    UINT m_nPlace;   // entry of the place
+    RECT m_rect;     // what it covers, in pixels of the window; empty when there is nothing to draw
+    RECT m_seen;     // of the product picture the part that looks different from the background
     bool m_bPlaced;  // false: the place cannot be read, and the launcher takes (0, 0)
 };
 

@@ -8,8 +8,8 @@ UINT CodePageOf(LANGID nLanguage);
 // "German", as the system calls the language; "neutral" for the neutral one.
 CCUString LanguageName(LANGID nLanguage);
 
-// The string table as a launcher reads it in one of its languages. The system looks for a language in
-// each block of 16 entries apart: where a block is missing, it takes another language's.
+// The string table as a launcher reads it in one of its languages. The system looks for a language
+// in each block of 16 entries apart: where a block is missing, it takes another language's.
 class CSkinStrings
 {
 public:

@@ -79,7 +79,8 @@ void CSkinScriptReader::Condition(const CCUString &sWord, const CCUString &sRest
         else if (sWord == "ifndef")
             nValue = !bDefined;
         else if (!m_script.m_symbols.Evaluate(sRest, true, nValue))
-            Add(ProblemNote, nLine, "This #if is not understood here.", "what it holds is not read");
+            Add(ProblemNote, nLine, "This #if is not understood here.",
+                "what it holds is not read");
         m_conditions.push_back(nValue != 0);
         if (!nValue)
             SkipGroup();
@@ -113,8 +114,8 @@ void CSkinScriptReader::SkipGroup()
             return m_conditions.pop_back();
         long nValue = 0;
         const bool bRead =
-            sWord == "else" || (sWord == "elif" && m_script.m_symbols.Evaluate(sRest, true, nValue) &&
-                                nValue != 0);
+            sWord == "else" ||
+            (sWord == "elif" && m_script.m_symbols.Evaluate(sRest, true, nValue) && nValue != 0);
         if (bRead && !m_conditions.back()) {
             m_conditions.back() = true;
             return;
@@ -145,7 +146,8 @@ void CSkinScriptReader::Include(const CCUString &sRest, UINT nLine)
         return;
     CScriptLexer lexer(header);
     for (CScriptToken token = lexer.NextDirective(); token.m_kind != TokenEnd;
-         token = lexer.NextDirective()) {
+         token = lexer.NextDirective())
+    {
         std::vector<char> chars;
         for (size_t i = token.m_nStart + 1; i < token.m_nEnd; ++i)
             chars.push_back(static_cast<char>(header.At(i)));

@@ -98,8 +98,7 @@ bool CScriptEditor::FindLines(const CScriptRange &statement, CScriptRange &lines
     }
     bool bComment = false;
     for (; lines.m_nEnd < text.Length() && !text.IsNewLine(lines.m_nEnd); ++lines.m_nEnd) {
-        bComment = bComment ||
-                   (text.At(lines.m_nEnd) == '/' && text.At(lines.m_nEnd + 1) == '/');
+        bComment = bComment || (text.At(lines.m_nEnd) == '/' && text.At(lines.m_nEnd + 1) == '/');
         if (!bComment && !text.IsSpace(lines.m_nEnd))
             return false;
     }
@@ -217,8 +216,8 @@ void CScriptEditor::AddTable(const CSkinTexts &texts)
         if (text.second.IsEmpty())
             continue;
         AppendAscii(entries, INDENT);
-        AppendChars(entries, EntryChars(nullptr, text.first,
-                                        Literal(text.second, m_script.CodePage())));
+        AppendChars(entries,
+                    EntryChars(nullptr, text.first, Literal(text.second, m_script.CodePage())));
         AppendLine(entries, "");
     }
     if (entries.empty())
@@ -227,8 +226,8 @@ void CScriptEditor::AddTable(const CSkinTexts &texts)
     AppendLine(m_end, "STRINGTABLE");
     if (texts.m_nLanguage != m_script.Language()) {
         char line[32] = "";
-        _snprintf(line, sizeof line - 1, "LANGUAGE 0x%02X, 0x%02X", PRIMARYLANGID(texts.m_nLanguage),
-                  SUBLANGID(texts.m_nLanguage));
+        _snprintf(line, sizeof line - 1, "LANGUAGE 0x%02X, 0x%02X",
+                  PRIMARYLANGID(texts.m_nLanguage), SUBLANGID(texts.m_nLanguage));
         AppendLine(m_end, line);
     }
     AppendLine(m_end, "BEGIN");
@@ -325,8 +324,8 @@ void CScriptEditor::SetPicture(bool bIcon, UINT nId, const CCUString &sFile)
 
 std::vector<BYTE> CScriptEditor::Finish() const
 {
-    // From the end on, so that the places of the others stay. What is put in at a place comes in front
-    // of what is replaced there.
+    // From the end on, so that the places of the others stay. What is put in at a place comes in
+    // front of what is replaced there.
     std::vector<CEdit> edits = m_edits;
     std::stable_sort(edits.begin(), edits.end(), [](const CEdit &a, const CEdit &b) {
         if (a.m_range.m_nStart != b.m_range.m_nStart)

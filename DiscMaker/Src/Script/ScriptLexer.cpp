@@ -122,7 +122,8 @@ void CScriptLexer::SkipText()
     }
     if (m_nPlace > m_text.Length())
         m_nPlace = m_text.Length();
-    m_pszFault = "A text has no quotation mark at its end (one behind a single \\ does not end it).";
+    m_pszFault =
+        "A text has no quotation mark at its end (one behind a single \\ does not end it).";
 }
 
 void CScriptLexer::SkipDirective()

@@ -3,7 +3,8 @@
 #include "Model/WideText.h"
 #include "Script/ScriptText.h"
 
-// Whether bytes are UTF-8 through and through; pMany, if not null, gets whether any is beyond ASCII.
+// Whether bytes are UTF-8 through and through; pMany, if not null, gets whether any is beyond
+// ASCII.
 bool IsUtf8(const CByteView &bytes, bool *pMany = nullptr);
 
 // What a text between two places of a script says, quotation marks and all, as resource compilers

@@ -17,11 +17,11 @@ struct CScriptRange
 // One entry of a string table, or of the version's texts.
 struct CScriptEntry
 {
-    UINT m_nID;             // 0 in the version
-    CWideText m_sKey;       // the version's name for it; empty in a string table
-    CScriptRange m_whole;   // from the id, or VALUE, to the end of the text
-    CScriptRange m_text;    // all adjacent literals
-    CScriptRange m_name;    // the id
+    UINT m_nID;            // 0 in the version
+    CWideText m_sKey;      // the version's name for it; empty in a string table
+    CScriptRange m_whole;  // from the id, or VALUE, to the end of the text
+    CScriptRange m_text;   // all adjacent literals
+    CScriptRange m_name;   // the id
     UINT m_nLine;
     UINT m_nCodePage;
     CWideText m_sText;
@@ -43,16 +43,17 @@ struct CScriptPicture
     UINT m_nID;
     UINT m_nLine;
     CScriptRange m_whole;
-    CScriptRange m_name;   // with quotation marks, if there are any
-    CCUString m_sFile;     // with backslashes
+    CScriptRange m_name;  // with quotation marks, if there are any
+    CCUString m_sFile;    // with backslashes
 };
 
 // What a skin's resource script says, and where.
 class CSkinScript
 {
 public:
-    // False when a resource compiler would refuse it; sWhere is what problems call it. #include lines
-    // give the names that headers beside the script define: sFolder is where they are; empty: none.
+    // False when a resource compiler would refuse it; sWhere is what problems call it. #include
+    // lines give the names that headers beside the script define: sFolder is where they are; empty:
+    // none.
     bool Read(const CByteView &file, const CCUString &sWhere, const CCUString &sFolder,
               CProblems &problems);
 

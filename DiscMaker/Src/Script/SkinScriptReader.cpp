@@ -8,10 +8,11 @@ const UINT DEFAULT_CODE_PAGE = 1252;
 const int MOST_ERRORS = 20;
 const int DEEPEST_BLOCK = 8;
 
-const char *const MEMORY_FLAGS[] = {"PRELOAD", "LOADONCALL", "FIXED",  "MOVEABLE",
-                                    "DISCARDABLE", "PURE",   "IMPURE", "SHARED", "NONSHARED"};
+const char *const MEMORY_FLAGS[] = {"PRELOAD", "LOADONCALL", "FIXED",  "MOVEABLE", "DISCARDABLE",
+                                    "PURE",    "IMPURE",     "SHARED", "NONSHARED"};
 // These have their lines and a block; all others a file's name or a block.
-const char *const BLOCK_TYPES[] = {"DIALOG", "DIALOGEX", "MENU", "MENUEX", "ACCELERATORS", "TOOLBAR"};
+const char *const BLOCK_TYPES[] = {"DIALOG", "DIALOGEX",     "MENU",
+                                   "MENUEX", "ACCELERATORS", "TOOLBAR"};
 // After a number these begin another statement, so that an END is missing.
 const char *const FILE_TYPES[] = {"BITMAP", "ICON", "CURSOR", "FONT", "RCDATA", "VERSIONINFO"};
 
@@ -66,10 +67,11 @@ bool CSkinScriptReader::Read()
     if (!m_conditions.empty())
         Error(m_token.m_nLine, "An #if is not ended by #endif.");
     if (m_script.m_text.HasUtf8Mark() && !m_bPragma)
-        m_problems.push_back({ProblemWarning, 0, m_sWhere,
-                              "The file says by its first three bytes that it is UTF-8, which not every "
-                              "resource compiler knows. Add #pragma code_page(65001).",
-                              "a compiler may take umlauts and the like for other characters"});
+        m_problems.push_back(
+            {ProblemWarning, 0, m_sWhere,
+             "The file says by its first three bytes that it is UTF-8, which not every "
+             "resource compiler knows. Add #pragma code_page(65001).",
+             "a compiler may take umlauts and the like for other characters"});
     m_script.m_nCodePage = m_nCodePage;
     m_script.m_nLanguage = m_nLanguage;
     return m_nErrors == 0;

@@ -79,8 +79,8 @@ bool CopyToClipboard(HWND hWnd, const CCUString &sText, const CSkin *pSkin)
     const COpenClipboard clipboard(hWnd);
     if (!clipboard || !EmptyClipboard())
         return false;
-    bool bDone = Put(CF_TEXT, static_cast<const char *>(sText),
-                     static_cast<size_t>(sText.GetLength()) + 1);
+    bool bDone =
+        Put(CF_TEXT, static_cast<const char *>(sText), static_cast<size_t>(sText.GetLength()) + 1);
     if (pSkin) {
         // The system may give back more bytes than were put there.
         std::vector<BYTE> bytes = PackSkin(*pSkin);

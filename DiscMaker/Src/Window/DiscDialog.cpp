@@ -102,8 +102,8 @@ void CDiscDialog::OnOK()
     }
     SetFocus(m_out);
     if (!m_bStopped)
-        CUIMessageBox(this, "The disc was not made.\n\n" + ProblemsInWords(m_problems), "Make the disc",
-                      MB_OK | MB_ICONERROR);
+        CUIMessageBox(this, "The disc was not made.\n\n" + ProblemsInWords(m_problems),
+                      "Make the disc", MB_OK | MB_ICONERROR);
 }
 
 // Stops the work, or closes the dialog.

@@ -22,7 +22,8 @@ void CMainWindow::Preview()
     // A line would start nothing, or something else, where a contents folder has gone.
     const bool bContents = !m_sContents.IsEmpty() && FolderExists(m_sContents);
     CProblems problems;
-    if (launcher && !m_preview.Run(*launcher, m_document.Skin(), bContents ? m_sContents : "", problems))
+    if (launcher &&
+        !m_preview.Run(*launcher, m_document.Skin(), bContents ? m_sContents : "", problems))
         ShowProblems("There is no preview.", problems);
 }
 
@@ -58,8 +59,9 @@ void CMainWindow::ShowHelpPage()
     const auto pExecute =
         hShell ? reinterpret_cast<ShellExecuteFunction>(GetProcAddress(hShell, "ShellExecuteA"))
                : nullptr;
-    const bool bShown = pExecute && reinterpret_cast<UINT_PTR>(pExecute(
-                                        *this, "open", sPage, nullptr, nullptr, SW_SHOWNORMAL)) > 32;
+    const bool bShown =
+        pExecute && reinterpret_cast<UINT_PTR>(
+                        pExecute(*this, "open", sPage, nullptr, nullptr, SW_SHOWNORMAL)) > 32;
     if (!bShown)
         CUIMessageBox(this, "The page of help cannot be shown:\n" + sPage, "Help",
                       MB_OK | MB_ICONWARNING);

@@ -145,11 +145,12 @@ void CMainWindow::PickFont(const PropertyRow &row)
                              logFont.lfFaceName};
     m_document.SetEntry(row.m_nID, FormatFont(chosen));
     if (!IsFaceEverywhere(chosen.m_sFace))
-        CUIMessageBox(this,
-                      "Not every Windows has the face " + chosen.m_sFace +
-                          ". Where it is missing, the launcher shows another one, which may be wider "
-                          "or narrower.\n\nArial, Courier and Times are everywhere.",
-                      "Font", MB_OK | MB_ICONINFORMATION, "Face");
+        CUIMessageBox(
+            this,
+            "Not every Windows has the face " + chosen.m_sFace +
+                ". Where it is missing, the launcher shows another one, which may be wider "
+                "or narrower.\n\nArial, Courier and Times are everywhere.",
+            "Font", MB_OK | MB_ICONINFORMATION, "Face");
 }
 
 void CMainWindow::PickColor(const PropertyRow &row)
@@ -171,8 +172,8 @@ void CMainWindow::ChooseProgram(const PropertyRow &row)
     choice.pszTitle = "Which program on the disc shall the line start?";
     choice.pszFolder = m_sContents;
     CCUString sPath;
-    if (!CUIChooseOpenFile(this, sPath, "Programs (*.exe;*.com;*.bat)|*.exe;*.com;*.bat|All files|*.*",
-                           &choice))
+    if (!CUIChooseOpenFile(this, sPath,
+                           "Programs (*.exe;*.com;*.bat)|*.exe;*.com;*.bat|All files|*.*", &choice))
         return;
     const CCUString sCommand = CommandOfProgram(sPath, m_sContents);
     if (sCommand.IsEmpty())

@@ -181,8 +181,8 @@ void CMainWindow::Saved(const CProblems &problems)
 
 bool CMainWindow::SaveAsLauncher()
 {
-    CCUString sPath = m_file && !m_bUntitled && !m_file->IsFolder() ? m_file->Path()
-                                                                    : CCUString(LAUNCHER_NAME);
+    CCUString sPath =
+        m_file && !m_bUntitled && !m_file->IsFolder() ? m_file->Path() : CCUString(LAUNCHER_NAME);
     CCUIFileChoice choice;
     choice.pszTitle = "Save as launcher";
     choice.pszExtension = "exe";
@@ -203,7 +203,8 @@ bool CMainWindow::MayReplaceSkin(const CCUString &sFolder)
     return CUIMessageBox(this,
                          "There is a skin in this folder already:\n" + sScript +
                              "\n\nReplace its script and its pictures of the same names?",
-                         "Save as skin folder", MB_OKCANCEL | MB_ICONWARNING | MB_DEFBUTTON2) == IDOK;
+                         "Save as skin folder",
+                         MB_OKCANCEL | MB_ICONWARNING | MB_DEFBUTTON2) == IDOK;
 }
 
 bool CMainWindow::SaveAsFolder()
@@ -230,8 +231,8 @@ bool CMainWindow::SaveAsFolder()
 // Some launcher: the document's, the one beside this program, or one that the user names.
 std::unique_ptr<CSkinFile> CMainWindow::OpenLauncher(bool bAsk)
 {
-    CCUString sPath = m_file && !m_file->IsFolder() ? m_file->Path()
-                                                    : ProgramFolder() + LAUNCHER_NAME;
+    CCUString sPath =
+        m_file && !m_file->IsFolder() ? m_file->Path() : ProgramFolder() + LAUNCHER_NAME;
     if (GetFileAttributesA(sPath) == INVALID_FILE_ATTRIBUTES) {
         CCUIFileChoice choice;
         choice.pszTitle = "Which launcher shall be used?";

@@ -21,10 +21,10 @@ enum
     PaneProblems
 };
 
-const unsigned TOOLS[] = {ID_NEW,     ID_OPEN,     ID_SAVE,       0, ID_UNDO,      ID_REDO,
-                          0,          ID_ZOOM_IN,  ID_ZOOM_OUT,   0, ID_ZONES,     ID_SNAP,
-                          0,          ID_ALIGN_LEFT, ID_ALIGN_TOP, ID_SPACE_DOWN, 0, ID_PREVIEW,
-                          ID_MAKE_DISC};
+const unsigned TOOLS[] = {
+    ID_NEW,       ID_OPEN,       ID_SAVE, 0,          ID_UNDO,     ID_REDO, 0,
+    ID_ZOOM_IN,   ID_ZOOM_OUT,   0,       ID_ZONES,   ID_SNAP,     0,       ID_ALIGN_LEFT,
+    ID_ALIGN_TOP, ID_SPACE_DOWN, 0,       ID_PREVIEW, ID_MAKE_DISC};
 
 int Scaled(int nPixels)
 {
@@ -131,10 +131,8 @@ void CMainWindow::KeepSettings(bool bSave)
     {
         const char *m_pszName;
         int &m_nValue;
-    } values[] = {{"Properties", m_cxSide},
-                  {"Problems", m_cyList},
-                  {"Zones", bZones},
-                  {"Snap", bSnap}};
+    } values[] = {
+        {"Properties", m_cxSide}, {"Problems", m_cyList}, {"Zones", bZones}, {"Snap", bSnap}};
     for (const auto &value : values) {
         if (bSave)
             registry.SetInt(value.m_pszName, value.m_nValue);
@@ -258,8 +256,9 @@ bool CMainWindow::HandleDiscCommand(unsigned int nID)
     case ID_MAKE_DISC: MakeDiscNow(); return true;
     case ID_HELP_PAGE: ShowHelpPage(); return true;
     case ID_ABOUT:
-        CUIMessageBox(this, "Disc Maker\n\nMakes the launcher of a disc: opens one, or a skin folder, "
-                            "and changes what it shows and starts.",
+        CUIMessageBox(this,
+                      "Disc Maker\n\nMakes the launcher of a disc: opens one, or a skin folder, "
+                      "and changes what it shows and starts.",
                       "About Disc Maker", MB_OK | MB_ICONINFORMATION);
         return true;
     default: return false;
@@ -330,8 +329,8 @@ CCUString CMainWindow::FaultOf(const PropertyRow &row) const
 {
     CCUString sFault = RowFault(m_document, row);
     for (const CProblem &problem : m_list.Problems()) {
-        if (sFault.IsEmpty() && row.m_kind == PropertyRow::Entry &&
-            problem.m_nEntry == row.m_nID && m_document.IsShown(problem))
+        if (sFault.IsEmpty() && row.m_kind == PropertyRow::Entry && problem.m_nEntry == row.m_nID &&
+            m_document.IsShown(problem))
             sFault = ProblemWhat(problem) + " " + ProblemEffect(problem);
     }
     return sFault;
@@ -340,8 +339,7 @@ CCUString CMainWindow::FaultOf(const PropertyRow &row) const
 void CMainWindow::OnPropertyRow(const PropertyRow &row, bool bChosen)
 {
     m_note.Show(row.m_sCaption, RowHelp(m_document, row), FaultOf(row));
-    const FaceItem item =
-        row.m_kind == PropertyRow::Entry ? FaceItemOf(row.m_nID) : ItemNone;
+    const FaceItem item = row.m_kind == PropertyRow::Entry ? FaceItemOf(row.m_nID) : ItemNone;
     if (bChosen && !m_bFollowing && item != ItemNone && !m_canvas.IsSelected(item)) {
         m_bFollowing = true;
         m_canvas.Select(item);

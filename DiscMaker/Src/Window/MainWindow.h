@@ -135,6 +135,6 @@ private:
     unsigned m_nChecked = 0;  // revision whose problems are shown
     unsigned m_nKept = 0;     // revision that is kept in case of a crash
     bool m_bCheck = true;
-    bool m_bRealizing = false;   // the screen gets the background's colours
-    bool m_bFollowing = false;   // canvas and properties just select what the other has
+    bool m_bRealizing = false;  // the screen gets the background's colours
+    bool m_bFollowing = false;  // canvas and properties just select what the other has
 };

@@ -13,8 +13,8 @@ const char *const FOLDER_NAME = "DiscMaker-";  // then the process that made it,
 
 void AddError(CProblems &problems, const CCUString &sWhere, const char *pszWhat)
 {
-    problems.push_back({ProblemError, 0, sWhere, CCUString(pszWhat) + ": " +
-                        CUErrorText(GetLastError()), ""});
+    problems.push_back(
+        {ProblemError, 0, sWhere, CCUString(pszWhat) + ": " + CUErrorText(GetLastError()), ""});
 }
 
 CCUString TempFolder()

@@ -102,7 +102,7 @@ private:
     CTextField m_edit;
     CCUIButton m_button;
     std::vector<PropertyRow> m_rows;
-    std::vector<bool> m_problems;  // of each row
+    std::vector<bool> m_problems;         // of each row
     std::unique_ptr<CWideText> m_before;  // what the row had when it was selected, or read
     int m_nSelected = -1;
     int m_cyRow = 20;

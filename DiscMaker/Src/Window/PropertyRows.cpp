@@ -124,7 +124,8 @@ CCUString RowText(const CDocument &document, const PropertyRow &row)
     const SkinEntry *const pEntry = FindSkinEntry(row.m_nID);
     switch (row.m_kind) {
     case PropertyRow::Entry:
-        return pEntry ? EntryInWords(*pEntry, document.Entry(row.m_nID)) : document.Entry(row.m_nID);
+        return pEntry ? EntryInWords(*pEntry, document.Entry(row.m_nID))
+                      : document.Entry(row.m_nID);
     case PropertyRow::Picture: return PictureText(skin.m_pictures[row.m_nID]);
     case PropertyRow::Icon: return IconText(skin.m_icon);
     case PropertyRow::Version: return document.Version(row.m_sCaption);
@@ -193,9 +194,9 @@ CCUString HelpOf(const PropertyRow &row)
     case PropertyRow::Entry:
         return pEntry ? EntryHelp(*pEntry) : "The name of the disc, as Windows shows it.";
     case PropertyRow::Picture:
-        return row.m_nID == PictureBackground
-                   ? "The window is as large as the background, and has no border but what it shows."
-                   : "Drawn whole, over the background.";
+        return row.m_nID == PictureBackground ? "The window is as large as the background, and has "
+                                                "no border but what it shows."
+                                              : "Drawn whole, over the background.";
     case PropertyRow::Icon: return "The icon of the launcher, and of the disc.";
     case PropertyRow::Version: return "What Windows shows of the launcher's file.";
     case PropertyRow::Language: return "The language whose texts are shown and edited here.";
@@ -212,7 +213,8 @@ CCUString RowHelp(const CDocument &document, const PropertyRow &row)
     if (const CWideText *const pText = RowOwnText(document, row))
         pText->ToCodePage(CP_ACP, &bLost);
     return bLost ? "Some characters cannot be shown in this field. They stay until they are "
-                   "overwritten. " + HelpOf(row)
+                   "overwritten. " +
+                       HelpOf(row)
                  : HelpOf(row);
 }
 

@@ -29,8 +29,8 @@ CCUString RowEditText(const CDocument &document, const PropertyRow &row);
 // The text behind it, with characters that no field can show; null: there is none.
 const CWideText *RowOwnText(const CDocument &document, const PropertyRow &row);
 void SetRowText(CDocument &document, const PropertyRow &row, const CCUString &sText);
-bool IsRowText(const PropertyRow &row);    // can be typed
-bool HasRowButton(const PropertyRow &row); // has something to be chosen
+bool IsRowText(const PropertyRow &row);     // can be typed
+bool HasRowButton(const PropertyRow &row);  // has something to be chosen
 // What is wrong with it, else empty; what it is.
 CCUString RowFault(const CDocument &document, const PropertyRow &row);
 CCUString RowHelp(const CDocument &document, const PropertyRow &row);

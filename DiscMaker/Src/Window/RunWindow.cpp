@@ -26,7 +26,8 @@ int RunWindow(int nShow)
     // Large enough for the face, where the screen is, until the user has another size.
     RECT work = {};
     SystemParametersInfoA(SPI_GETWORKAREA, 0, &work, 0);
-    SetWindowPos(window, nullptr, 0, 0, std::min<int>(Scaled(FIRST_SIZE.cx), work.right - work.left),
+    SetWindowPos(window, nullptr, 0, 0,
+                 std::min<int>(Scaled(FIRST_SIZE.cx), work.right - work.left),
                  std::min<int>(Scaled(FIRST_SIZE.cy), work.bottom - work.top),
                  SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
     window.Begin();
