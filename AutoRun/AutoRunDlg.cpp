@@ -1,40 +1,36 @@
 #include "AutoRunDlg.h"
 
 #include "Base/GdiGuards.h"
-#include "Base/Wrap.h"
 #include "CUI/BmpBlt.h"
-#include "CUI/OffScreenDC.h"
 #include "CUI/ResourceString.h"
 #include "Resource.h"
+#include "SkinSource.h"
 #include "SkinTable.h"
 
 namespace {
 
-const COLORREF TEXT_COLOR = RGB(0, 0, 0);
-const COLORREF EMBOSS_COLOR = RGB(255, 255, 255);
-
 // How long the exit line stays lit before Escape closes the launcher, in milliseconds.
 const DWORD ESCAPE_PAUSE = 500;
 
-const WORD BITMAP_FLAGS = CUIBMP_PALETTE | CUIBMP_RESOURCE;
-
-// Both ends of a text belong to it. The string table may hold any number, so the sum is made in 64
-// bits.
-bool IsWithin(LONG n, LONG nFirst, LONG nLength)
+// The looks are in the program's own resources.
+class CResourceSource : public CSkinSource
 {
-    return n >= nFirst && n <= static_cast<long long>(nFirst) + nLength;
-}
+public:
+    explicit CResourceSource(HINSTANCE hInstance) : m_hInstance(hInstance) {}
 
-void DrawWhole(HDC hDC, const POINT &at, const CCUIBitmap &bitmap)
-{
-    CUIBmpBitBlt(hDC, static_cast<UINT>(at.x), static_cast<UINT>(at.y), bitmap, 0, 0, 0, 0, bitmap,
-                 FALSE);
-}
+    CCUString ReadText(UINT nID) const override
+    {
+        return CUIResourceString(m_hInstance, nID, false);
+    }
+    CCUIBitmap ReadBitmap(UINT nID) const override
+    {
+        return CCUIBitmap(nID, CUIBMP_PALETTE | CUIBMP_RESOURCE, m_hInstance);
+    }
+    bool ReportsBadEntries() const override { return true; }
 
-void DrawLine(HDC hDC, int x, int y, const CCUString &sText)
-{
-    TextOutA(hDC, x, y, sText, sText.GetLength());
-}
+private:
+    HINSTANCE m_hInstance;
+};
 
 // Drawing may wait to be shown: in a batch of GDI's on NT, and in Wine 8 until the thread looks for
 // messages next, which it does not while it sleeps.
@@ -48,23 +44,11 @@ void ShowDrawing()
 
 CAutoRunDlg::CAutoRunDlg(HINSTANCE hInstance)
     : CCUIDialog(hInstance, MAKEINTRESOURCEA(IDD_AUTORUN)),
-      m_bmpBackground(IDB_BACKGROUND, BITMAP_FLAGS, hInstance),
-      m_bmpProduct(IDB_PRODUCT, BITMAP_FLAGS, hInstance),
-      m_bmpBullet(IDB_BULLET, BITMAP_FLAGS, hInstance),
-      m_ptProductBMP(),
-      m_ptProductIcon(),
-      m_ptTitleDVR(),
-      m_hotSpots(),
-      m_rectAbout(),
-      m_hFontTitle(nullptr),
-      m_hFontItem(nullptr),
-      m_hFontAbout(nullptr),
       m_hIcon(nullptr),
-      m_clrHighlight(0),
-      m_clrSpare(0),
       m_nHotSpot(HotSpotNone),
       m_nPressed(HotSpotNone)
 {
+    m_face.ReadBitmaps(CResourceSource(hInstance));
 }
 
 // --- Start: the string table, the window's place ---
@@ -72,69 +56,24 @@ CAutoRunDlg::CAutoRunDlg(HINSTANCE hInstance)
 // The order of reading is the order in which bad entries are reported.
 int CAutoRunDlg::OnInitDialog(HWND hFocus, LPARAM lParam)
 {
-    CSkinTable table(m_hInstance);
-    ReadFonts(table);
+    const CResourceSource source(m_hInstance);
+    CSkinTable table(source);
+    // Another program may send the window the message that leads here once more.
+    m_face.ReadFonts(table);
     CCUIDialog::OnInitDialog(hFocus, lParam);
-    SetWindowTextA(m_hWnd, table.ReadText(IDS_CAPTION));
+    SetWindowTextA(m_hWnd, source.ReadText(IDS_CAPTION));
     PlaceWindow();
     SetIcons();
-    ReadTexts(table);
-    ReadPoints(table);
-    m_clrHighlight = table.ReadColor(IDS_HIGHLIGHT_COLOR);
-    m_clrSpare = table.ReadColor(IDS_SPARE_COLOR);
+    m_face.ReadTexts(table);
+    m_face.ReadPoints(table);
+    m_face.ReadColors(table);
     return 1;
-}
-
-void CAutoRunDlg::ReadFonts(CSkinTable &table)
-{
-    // Another program may send the window the message that leads here once more.
-    DeleteFonts();
-    m_hFontTitle = table.ReadFont(IDS_TITLE_FONT);
-    m_hFontItem = table.ReadFont(IDS_ITEM_FONT);
-    m_hFontAbout = table.ReadFont(IDS_ABOUT_FONT);
-}
-
-void CAutoRunDlg::ReadTexts(const CSkinTable &table)
-{
-    m_strTitle = table.ReadText(IDS_TITLE);
-    m_strHotSpots[HotSpotSetup] = table.ReadText(IDS_SETUP);
-    m_strHotSpots[HotSpotExit] = table.ReadText(IDS_EXIT);
-    m_strHotSpots[HotSpotRun] = table.ReadText(IDS_RUN);
-    m_strHotSpots[HotSpotHelp] = table.ReadText(IDS_HELP);
-    m_strAbout = table.ReadText(IDS_ABOUT);
-}
-
-// What a failed check reports for a point and for the rectangle.
-#define POINT_CHECK(name) "sscanf(sText, \"%d,%d\", &" name ".x, &" name ".y) == 2"
-#define RECT_CHECK(name)                                                                    \
-    "sscanf(sText, \"%d,%d,%d,%d\", &" name ".left, &" name ".top, &" name ".right, &" name \
-    ".bottom) == 4"
-
-void CAutoRunDlg::ReadPoints(const CSkinTable &table)
-{
-    HotSpot &setup = m_hotSpots[HotSpotSetup];
-    HotSpot &exit = m_hotSpots[HotSpotExit];
-    HotSpot &run = m_hotSpots[HotSpotRun];
-    HotSpot &help = m_hotSpots[HotSpotHelp];
-
-    table.ReadPoint(IDS_PRODUCT_POS, m_ptProductBMP, POINT_CHECK("m_ptProductBMP"));
-    table.ReadPoint(IDS_PRODUCT_ICON_POS, m_ptProductIcon, POINT_CHECK("m_ptProductIcon"));
-    table.ReadPoint(IDS_SETUP_ICON_POS, setup.ptIcon, POINT_CHECK("m_ptSetupIcon"));
-    table.ReadPoint(IDS_EXIT_ICON_POS, exit.ptIcon, POINT_CHECK("m_ptExitIcon"));
-    table.ReadPoint(IDS_RUN_ICON_POS, run.ptIcon, POINT_CHECK("m_ptRunIcon"));
-    table.ReadPoint(IDS_HELP_ICON_POS, help.ptIcon, POINT_CHECK("m_ptHelpIcon"));
-    table.ReadPoint(IDS_TITLE_POS, m_ptTitleDVR, POINT_CHECK("m_ptTitleDVR"));
-    table.ReadPoint(IDS_SETUP_POS, setup.ptText, POINT_CHECK("m_ptSetup"));
-    table.ReadPoint(IDS_EXIT_POS, exit.ptText, POINT_CHECK("m_ptExit"));
-    table.ReadPoint(IDS_RUN_POS, run.ptText, POINT_CHECK("m_ptRun"));
-    table.ReadPoint(IDS_HELP_POS, help.ptText, POINT_CHECK("m_ptHelp"));
-    table.ReadRect(IDS_ABOUT_RECT, m_rectAbout, RECT_CHECK("m_rectAbout"));
 }
 
 void CAutoRunDlg::PlaceWindow()
 {
-    const int cx = m_bmpBackground.Width();
-    const int cy = m_bmpBackground.Height();
+    const int cx = m_face.Background().Width();
+    const int cy = m_face.Background().Height();
     SetWindowPos(m_hWnd, nullptr, (GetSystemMetrics(SM_CXSCREEN) - cx) / 2,
                  (GetSystemMetrics(SM_CYSCREEN) - cy) / 2, cx, cy, SWP_NOZORDER);
 }
@@ -146,17 +85,10 @@ void CAutoRunDlg::SetIcons()
     SendMessageA(m_hWnd, WM_SETICON, ICON_SMALL, reinterpret_cast<LPARAM>(m_hIcon));
 }
 
-void CAutoRunDlg::DeleteFonts()
-{
-    CUIBmpDeleteObject(reinterpret_cast<void **>(&m_hFontTitle));
-    CUIBmpDeleteObject(reinterpret_cast<void **>(&m_hFontItem));
-    CUIBmpDeleteObject(reinterpret_cast<void **>(&m_hFontAbout));
-}
-
 void CAutoRunDlg::OnDestroy()
 {
     CCUIDialog::OnDestroy();
-    DeleteFonts();
+    m_face.DeleteFonts();
     // The icon came with LoadIcon and is the system's: DeleteObject gives nothing of it away.
     CUIBmpDeleteObject(reinterpret_cast<void **>(&m_hIcon));
 }
@@ -172,25 +104,14 @@ void CAutoRunDlg::SetHotSpot(int nHotSpot)
     UpdateWindow(m_hWnd);
 }
 
-int CAutoRunDlg::HitTest(const POINT &point) const
-{
-    for (int i = 0; i < HotSpotCount; ++i) {
-        const HotSpot &hotSpot = m_hotSpots[i];
-        if (IsWithin(point.x, hotSpot.ptText.x, hotSpot.sizeText.cx) &&
-            IsWithin(point.y, hotSpot.ptText.y, hotSpot.sizeText.cy))
-            return i;
-    }
-    return HotSpotNone;
-}
-
 void CAutoRunDlg::OnMouseMove(UINT, POINT &point)
 {
-    SetHotSpot(HitTest(point));
+    SetHotSpot(m_face.HitTest(point));
 }
 
 void CAutoRunDlg::OnLButtonDown(UINT, POINT &point)
 {
-    SetHotSpot(HitTest(point));
+    SetHotSpot(m_face.HitTest(point));
     if (m_nHotSpot == HotSpotNone)
         return;
     m_nPressed = m_nHotSpot;
@@ -200,7 +121,7 @@ void CAutoRunDlg::OnLButtonDown(UINT, POINT &point)
 void CAutoRunDlg::OnLButtonUp(UINT, POINT &point)
 {
     if (GetCapture() == m_hWnd) {
-        SetHotSpot(HitTest(point));
+        SetHotSpot(m_face.HitTest(point));
         if (m_nPressed == m_nHotSpot)
             Activate(m_nHotSpot);
         // Activate may have ended the window. For a null one all windows would be painted again.
@@ -259,7 +180,7 @@ int CAutoRunDlg::OnEraseBkgnd(HDC hDC)
     if (IsIconic(m_hWnd))
         PaintIcon(hDC);
     else
-        PaintPicture(hDC);
+        m_face.Paint(hDC, m_nHotSpot, m_nPressed);
     return 1;
 }
 
@@ -272,76 +193,6 @@ void CAutoRunDlg::PaintIcon(HDC hDC)
              (client.bottom - client.top - GetSystemMetrics(SM_CYICON) + 1) / 2, m_hIcon);
 }
 
-// Off screen in one pass and to the window in one blit, so that nothing flickers.
-void CAutoRunDlg::PaintPicture(HDC hDC)
-{
-    const int cx = m_bmpBackground.Width();
-    const int cy = m_bmpBackground.Height();
-    const HDC hMemDC = CUIGetOSDC()->GetDC(hDC, cx, cy);
-    if (hMemDC) {
-        DrawBitmaps(hMemDC);
-        DrawTexts(hMemDC);
-    }
-    const HPALETTE hPalette = m_bmpBackground;
-    if (hPalette) {
-        SelectPalette(hDC, hPalette, FALSE);
-        RealizePalette(hDC);
-    }
-    BitBlt(hDC, 0, 0, cx, cy, hMemDC, 0, 0, SRCCOPY);
-    CUIGetOSDC()->ReleaseDC();
-}
-
-void CAutoRunDlg::DrawBitmaps(HDC hDC)
-{
-    DrawWhole(hDC, POINT(), m_bmpBackground);
-    DrawWhole(hDC, m_ptProductBMP, m_bmpProduct);
-    for (const HotSpot &hotSpot : m_hotSpots)
-        DrawWhole(hDC, hotSpot.ptIcon, m_bmpBullet);
-}
-
-void CAutoRunDlg::DrawTexts(HDC hDC)
-{
-    SetBkMode(hDC, TRANSPARENT);
-    SetTextColor(hDC, TEXT_COLOR);
-    // At the end it selects what was there before all three: the DC outlives the fonts.
-    const CCUISelect font(hDC, m_hFontTitle);
-    DrawLine(hDC, m_ptTitleDVR.x, m_ptTitleDVR.y, m_strTitle);
-    SelectObject(hDC, m_hFontAbout);
-    DrawTextA(hDC, m_strAbout, m_strAbout.GetLength(), &m_rectAbout, 0);
-    SelectObject(hDC, m_hFontItem);
-    MeasureHotSpots(hDC);
-    DrawHotSpots(hDC);
-}
-
-void CAutoRunDlg::MeasureHotSpots(HDC hDC)
-{
-    if (m_hotSpots[0].sizeText.cx != 0)
-        return;
-    for (int i = 0; i < HotSpotCount; ++i) {
-        RECT rect = {};
-        DrawTextA(hDC, m_strHotSpots[i], m_strHotSpots[i].GetLength(), &rect,
-                  DT_CALCRECT | DT_SINGLELINE);
-        m_hotSpots[i].sizeText = {rect.right - rect.left, rect.bottom - rect.top};
-    }
-}
-
-void CAutoRunDlg::DrawHotSpots(HDC hDC)
-{
-    for (int i = 0; i < HotSpotCount; ++i) {
-        const CCUString &sText = m_strHotSpots[i];
-        const POINT &at = m_hotSpots[i].ptText;
-        DrawLine(hDC, at.x, at.y, sText);
-        // While another line is held down, the one under the mouse stays dark.
-        if (m_nHotSpot != i || (m_nPressed != i && m_nPressed != HotSpotNone))
-            continue;
-        SetTextColor(hDC, EMBOSS_COLOR);
-        DrawLine(hDC, CUWrapSub(at.x, 2), CUWrapSub(at.y, 2), sText);
-        SetTextColor(hDC, m_clrHighlight);
-        DrawLine(hDC, CUWrapSub(at.x, 1), CUWrapSub(at.y, 1), sText);
-        SetTextColor(hDC, TEXT_COLOR);
-    }
-}
-
 // --- Palettes ---
 
 long CAutoRunDlg::WindowProc(UINT message, WPARAM wParam, LPARAM lParam)
@@ -351,22 +202,8 @@ long CAutoRunDlg::WindowProc(UINT message, WPARAM wParam, LPARAM lParam)
     const bool bOther = message == WM_PALETTECHANGED && reinterpret_cast<HWND>(lParam) != m_hWnd;
     if (message != WM_QUERYNEWPALETTE && !bOther)
         return CCUIDialog::WindowProc(message, wParam, lParam);
-    const bool bChanged = RealizeBackground();
+    const bool bChanged = m_face.RealizeBackground(m_hWnd);
     if (bChanged)
         InvalidateRect(m_hWnd, nullptr, TRUE);
     return bChanged;
-}
-
-// Whether colours of the screen changed.
-bool CAutoRunDlg::RealizeBackground()
-{
-    const CCUIWindowDC hDC(m_hWnd);
-    const HPALETTE hPalette = m_bmpBackground;
-    if (!hPalette)
-        return false;
-    // By hand: the guard for palettes would realise the old one again at its end.
-    const HPALETTE hOld = SelectPalette(hDC, hPalette, FALSE);
-    const UINT nChanged = RealizePalette(hDC);
-    SelectPalette(hDC, hOld, FALSE);
-    return nChanged > 0 && nChanged != GDI_ERROR;
 }

@@ -38,3 +38,5 @@
 #define IDS_RUN_ICON_POS 37
 #define IDS_SETUP_ICON_POS 38
 #define IDS_EXIT_ICON_POS 39
+// The launcher does not read this one: it is the label of the disc.
+#define IDS_DISC_LABEL 40

@@ -3,13 +3,17 @@
 #include "CU/String.h"
 #include "CUI/Platform.h"
 
+class CSkinSource;
+
 // The launcher's looks, from the string table: one entry a value, a short text of numbers divided
 // by commas. What does not parse is reported as a failed check, with the text that it is given for
-// it, and leaves what it did not reach as it was; reading goes on.
+// it, unless the source wants no reports, and leaves what it did not reach as it was; reading goes
+// on.
 class CSkinTable
 {
 public:
-    explicit CSkinTable(HINSTANCE hInstance);
+    // The source must outlive the table.
+    explicit CSkinTable(const CSkinSource &source);
 
     CCUString ReadText(UINT nID) const;
     // "x,y", in client pixels.
@@ -25,7 +29,9 @@ public:
     HFONT ReadFont(UINT nID);
 
 private:
-    HINSTANCE m_hInstance;
+    bool Passes(bool bRead) const;
+
+    const CSkinSource &m_source;
     LOGFONTA m_logFont;
     int m_nHeight;
     int m_nBold;

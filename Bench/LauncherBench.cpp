@@ -41,9 +41,9 @@ void Repaint(HWND hWnd)
 
 BENCH_GROUP(Launcher)
 {
-    const double nSize = SizeWithoutResources(BENCH_LAUNCHER), nMost = 256 * 1024;
+    const double nSize = SizeWithoutResources(BENCH_LAUNCHER), nMost = 288 * 1024;
     BenchAdd(
-        {"launcher: size without resources", "bytes", nSize, nMost, "256 KiB", nSize / nMost, 1});
+        {"launcher: size without resources", "bytes", nSize, nMost, "288 KiB", nSize / nMost, 1});
 
     // A start that is no good: the first one reads files that the others find in memory.
     TimeStart(BENCH_LAUNCHER);

@@ -7,5 +7,5 @@ export WINEDEBUG="${WINEDEBUG:--all}"
 # Without its debugger Wine ends a crashed program at once instead of asking in a dialog; menu
 # entries for the programs under test are not wanted.
 export WINEDLLOVERRIDES="winedbg.exe,winemenubuilder.exe=d"
-# The locale decides on date and time pictures.
-export LC_ALL=C
+# The locale decides on date and time pictures, and its encoding on the file names that Wine can see.
+export LC_ALL=C.UTF-8

@@ -1,5 +1,6 @@
 # What `cmake --install` lays out: the framework for other projects, which find it as the CMake
-# package AutoRun (Docs/Framework.md), and the launcher.
+# package AutoRun (Docs/Framework.md), and the launcher. The component DiscMaker is apart from that: what
+# somebody gets who makes discs.
 include(CMakePackageConfigHelpers)
 
 set(package_dir lib/cmake/AutoRun)
@@ -31,8 +32,26 @@ install(DIRECTORY Tools/debugging/ DESTINATION share/AutoRun)
 
 set(doc_dir share/doc/AutoRun)
 install(FILES Docs/Framework.md DESTINATION ${doc_dir} RENAME README.md)
+install(FILES CHANGELOG.md DESTINATION ${doc_dir})
 file(GLOB doc_pictures Docs/*.png)
-list(FILTER doc_pictures EXCLUDE REGEX launcher)
+list(FILTER doc_pictures EXCLUDE REGEX "/(launcher|disc-maker)\\.png$")
 install(FILES ${doc_pictures} DESTINATION ${doc_dir})
-install(DIRECTORY Samples/Hello Samples/Frame Samples/Viewer DESTINATION ${doc_dir}
+install(DIRECTORY Samples/Hello Samples/Frame Samples/Tutorial Samples/Viewer Samples/Effects Samples/Prober
+  DESTINATION ${doc_dir}
   PATTERN "*.py" EXCLUDE)
+
+if(AUTORUN_MANUAL)
+  set(manual ${CMAKE_BINARY_DIR}/manual)
+  install(CODE "execute_process(
+    COMMAND \"${AutoRun_SOURCE_DIR}/Tools/make-manual\" \"${manual}\" COMMAND_ERROR_IS_FATAL ANY)")
+  install(DIRECTORY ${manual}/html/ DESTINATION ${doc_dir}/manual)
+endif()
+
+if(AUTORUN_LAUNCHER)
+  set(maker_options COMPONENT DiscMaker EXCLUDE_FROM_ALL)
+  install(PROGRAMS $<TARGET_FILE:DiscMaker> $<TARGET_FILE:AutoRun> DESTINATION . ${maker_options})
+  install(DIRECTORY DiscMaker/Help DESTINATION . ${maker_options})
+  install(FILES Docs/launcher.png DESTINATION Help ${maker_options})
+  install(DIRECTORY AutoRun/Skin/ DESTINATION Skins/Fennick ${maker_options} PATTERN "*.py" EXCLUDE)
+  install(DIRECTORY Disc/Skins/ DESTINATION Skins ${maker_options} PATTERN "*.py" EXCLUDE)
+endif()

@@ -1,8 +1,13 @@
 #include "CU/CU.h"
-#include "CUI/Platform.h"
+#include "CU/CrashReport.h"
+#include "CU/Dump.h"
+#include "Command/Command.h"
+#include "Window/RunWindow.h"
 
-int WINAPI WinMain(HINSTANCE, HINSTANCE, LPSTR, int)
+int WINAPI WinMain(HINSTANCE, HINSTANCE, LPSTR, int nShow)
 {
     CUInitialize();
-    return 0;
+    CUStartExceptionHandler();
+    int nExitCode = 0;
+    return RunCommand(GetCommandLineA(), nExitCode) ? nExitCode : RunWindow(nShow);
 }

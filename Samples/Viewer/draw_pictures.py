@@ -7,45 +7,14 @@ Usage: draw_pictures.py
 import pathlib
 import sys
 
-from PIL import Image, ImageDraw
-
 HERE = pathlib.Path(__file__).resolve().parent
 sys.path.insert(0, str(HERE.parents[1] / "Tools"))
 
-from skin_drawing import Canvas, write_bitmap, write_icon  # noqa: E402
-
-# The first four are those that the system's button colours take the place of.
-PALETTE = [(0, 0, 0), (128, 128, 128), (192, 192, 192), (255, 255, 255), (0, 0, 128),
-           (0, 128, 128), (128, 128, 0), (255, 255, 0), (0, 0, 255), (128, 192, 255),
-           (0, 128, 0), (0, 160, 0), (255, 192, 64), (160, 96, 0), (255, 0, 0), (240, 240, 255)]
-INK, FACE, WHITE, NAVY, SKY, GREEN, SUN, WOOD, GLASS = 0, 2, 3, 4, 9, 11, 12, 13, 15
+from button_drawing import FACE, GREEN, NAVY, SKY, WHITE, Button, write_strips  # noqa: E402
+from skin_drawing import Canvas, write_icon  # noqa: E402
 
 
-class Tool:
-    """One picture of a button, drawn on 16 by 16 units."""
-
-    def __init__(self, side):
-        self.image = Image.new("P", (side, side), FACE)
-        self.draw = ImageDraw.Draw(self.image)
-        self.unit = side / 16
-
-    def at(self, *points):
-        return [tuple(int(part * self.unit) for part in point) for point in points]
-
-    def polygon(self, fill, *points, line=INK):
-        self.draw.polygon(self.at(*points), fill=fill, outline=line)
-
-    def box(self, fill, first, last, line=INK):
-        (left, top), (right, bottom) = self.at(first, last)
-        self.draw.rectangle((left, top, right - 1, bottom - 1), fill=fill, outline=line)
-
-    def line(self, *points, width=1, colour=INK):
-        self.draw.line(self.at(*points), fill=colour, width=max(1, round(width * self.unit)))
-
-    def open(self):
-        self.polygon(SUN, (1, 13), (1, 3), (2, 2), (6, 2), (7, 4), (12, 4), (12, 13))
-        self.polygon(7, (1, 13), (4, 7), (15, 7), (12, 13))
-
+class Tool(Button):
     def previous(self):
         self.polygon(GREEN, (1, 8), (8, 2), (8, 5), (14, 5), (14, 11), (8, 11), (8, 14))
 
@@ -57,19 +26,6 @@ class Tool:
         self.polygon(NAVY, (6, 4), (11, 7), (6, 10), line=NAVY)
         self.line((8, 12), (4, 15))
         self.line((8, 12), (12, 15))
-
-    def glass(self):
-        self.line((9, 9), (14, 14), width=2, colour=WOOD)
-        left, right = self.at((1, 1), (11, 11))
-        self.draw.ellipse((*left, *right), fill=GLASS, outline=INK)
-
-    def zoom_out(self):
-        self.glass()
-        self.line((4, 6), (8, 6), width=1.2, colour=NAVY)
-
-    def zoom_in(self):
-        self.zoom_out()
-        self.line((6, 4), (6, 8), width=1.2, colour=NAVY)
 
     def picture(self, first, last):
         self.box(SKY, first, last)
@@ -101,15 +57,6 @@ TOOLS = (Tool.open, Tool.previous, Tool.next, Tool.slide_show, Tool.zoom_in, Too
          Tool.actual_size, Tool.fit, Tool.full_screen)
 
 
-def draw_tools(side):
-    strip = Image.new("P", (side * len(TOOLS), side), FACE)
-    for place, draw in enumerate(TOOLS):
-        tool = Tool(side)
-        draw(tool)
-        strip.paste(tool.image, (place * side, 0))
-    return strip
-
-
 def draw_icon(side):
     unit = side / 32
     canvas = Canvas(side, side, [(0, (70, 130, 200)), (side, (190, 220, 240))])
@@ -123,6 +70,5 @@ def draw_icon(side):
     return canvas.finished_icon()
 
 
-write_bitmap(HERE / "Tools.bmp", draw_tools(16), PALETTE, bits=4)
-write_bitmap(HERE / "LargeTools.bmp", draw_tools(24), PALETTE, bits=4)
+write_strips(HERE, Tool, TOOLS)
 write_icon(HERE / "Viewer.ico", [draw_icon(side) for side in (16, 32, 48)])

@@ -74,7 +74,7 @@ class LauncherTest(unittest.TestCase):
         self.disc = pathlib.Path(tempfile.mkdtemp(prefix="disc"))
         self.addCleanup(shutil.rmtree, self.disc)
         for command in self.commands.values():
-            shutil.copy(BUILD / "Disc/Fennick.exe", self.disc / command.split()[0])
+            shutil.copy(BUILD / "Disc/Contents/Fennick.exe", self.disc / command.split()[0])
         xdotool("mousemove", 0, 0)
 
     def start(self, *arguments, launcher=None, **options):

@@ -1,3 +1,4 @@
+#include <errno.h>
 #include <gtest/gtest.h>
 
 #include <filesystem>
@@ -37,6 +38,14 @@ struct CCallbacks : CCUDumpNewFileCallback, CCUDumpFileOverrunCallback
     void OnFileOverrun() override { m_calls += 'o', CUDump("from the overrun callback"); }
     std::string m_calls;
 };
+
+// Where all streams are in use. The C library does not say so.
+int g_nStreams = 0;
+FILE *__cdecl NoStream(int, const char *)
+{
+    ++g_nStreams;
+    return nullptr;
+}
 
 }  // namespace
 
@@ -90,6 +99,30 @@ TEST_F(LogFiles, AFileIsReplacedWhenItIsOlderThanADay)
     CUDump("b");
     EXPECT_EQ((CNames{NameOf(m_noon), NameOf(m_noon + 86400)}), m_directory.Files("*"));
     EXPECT_EQ("", callbacks.m_calls);
+    // Where none can be made, the old file stays, and the next text tries again: once.
+    CUDumpConfigLogFileManagement(30, 50, 0, false);
+    m_nTicks += 86400001;
+    int nRefused = 0;
+    {
+        const CFakeCall<HANDLE(const char *, DWORD, DWORD, SECURITY_ATTRIBUTES *, DWORD, DWORD,
+                               HANDLE)>
+            refuse("CreateFileA", [&](auto...) {
+                SetLastError(ERROR_ACCESS_DENIED);
+                return ++nRefused, INVALID_HANDLE_VALUE;
+            });
+        CUDump("c");
+    }
+    {
+        const CImportHook streams("_fdopen", NoStream);
+        errno = EEXIST;  // of another call
+        CUDump("d");
+    }
+    EXPECT_TRUE(nRefused == 1 && g_nStreams == 1);
+    EXPECT_EQ(2u, m_directory.Files("*").size());
+    const std::string text = m_directory.Contents("*");
+    EXPECT_EQ("bcd", text.substr(text.size() - 3));
+    CUDump("e");
+    EXPECT_EQ(3u, m_directory.Files("*").size());
 }
 
 TEST_F(LogFiles, PruningKeepsTheNewestDaysAndFiles)

@@ -22,6 +22,12 @@ void First(FILE *file)
     fputs("first\n", file);
 }
 
+void Fleeting(FILE *file)
+{
+    fputs("fleeting\n", file);
+    CUUnregisterExceptionHandler(Fleeting);
+}
+
 const int CheckLine = __LINE__ + 3;
 __attribute__((noinline)) int FailTheCheck(int n)
 {
@@ -43,7 +49,7 @@ TEST(Assert, AppendsAReportToTheDaysFile)
     CFakeTime::s_now = 1577854800 - 1;  // midnight there, and a second
     CUDisplayAssert("before", "Source", 1);
     ++CFakeTime::s_now;
-    for (void (*handler)(FILE *) : {First, First})
+    for (void (*handler)(FILE *) : {First, Fleeting, First})
         CURegisterExceptionHandler(handler);
     SetLastError(0xABCD);
     const int nLine = __LINE__ + 1;
@@ -64,7 +70,11 @@ TEST(Assert, AppendsAReportToTheDaysFile)
     const size_t nCheck = text.find(szText, nFailed);
     sprintf(szText, " ReportTest.cpp(%d)\r\n", nLine);
     EXPECT_NE(std::string::npos, text.find(szText, nCheck)) << text;
-    EXPECT_NE(std::string::npos, text.find("\r\n\r\nfirst\r\nfirst\r\n"));
+    EXPECT_NE(std::string::npos, text.find("\r\n\r\nfirst\r\nfleeting\r\nfirst\r\n"));
+    CUUnregisterExceptionHandler(First);
+    CUDisplayAssert("after", "Source", 1);
+    const std::string after = directory.Contents("ZELTrace-2020-01-01.txt");
+    EXPECT_STREQ("\r\n\r\nfirst\r\n", after.c_str() + after.size() - 11);
 }
 
 // It may be written with a damaged heap.

@@ -273,11 +273,21 @@ static void ExpectFormat(const char *text, const char *format, ...)
 TEST(Format, HasRoomForWhatTheFormatLetsExpect)
 {
     ExpectFormat("plain 100%", "plain 100%%");
+    ExpectFormat("FFFF", "%X", 0xFFFF);
+    ExpectFormat("1.5", "%G", 1.5);
+    ExpectFormat("0000002A", "%p", 42);
     ExpectFormat("        ab", "%10s", "ab");
     ExpectFormat("x ", "%c %.0s", 'x', "abc");
     ExpectFormat("a bc def g", "%hs %S %ls %hS", "a", L"bc", L"def", "g");
     ExpectFormat("0000000000000000000000000000000000000001 -5", "%##-+ 0.40u %d", 1, -5);
     ExpectFormat("                                10.3", "%*d%.*f", 33, 1, 1, 0.25);
+    // What is not known is reported, and cut only where the string has no room for it.
+    CReports reports;
+    CCUString text;
+    text.GetBuffer(300);
+    EXPECT_EQ("0", reports.Of("String", [&] { text.Format("at %E|%d", 1.5, 7); }));
+    EXPECT_STREQ(text, "at 1.500000E+000|7");
+    EXPECT_EQ(text.GetAllocLength(), 300);
 }
 
 // Arguments that are valid whatever a broken format takes them for: words that as integers are

@@ -134,15 +134,25 @@ TEST_F(Timer, AfterShutdownNothingIsArmedOrKilledAndNoDeadObjectIsServed)
     EXPECT_EQ("a@0 b@0 ", m_log);
 }
 
-TEST_F(Timer, AlarmThatIsMovedForgetsAMessageThatHasNotBeenServed)
+TEST_F(Timer, OutlivesLostMessages)
 {
+    // It has fired but its message has not been served: the message goes.
     a->SetAlarm(100);
     m_clock.Jump(100);
     m_clock.Fire();
     a->SetAlarm(200);
     EXPECT_EQ(0, m_clock.Pump());
-    m_clock.Run(1000);
-    EXPECT_EQ("a@300 ", m_log);
+    // No timer is to be had, or the window is destroyed: the next arming tries again.
+    for (const bool bFailing : {true, false}) {
+        m_clock.m_bFailing = bFailing;
+        a->SetAlarm(100);
+        m_clock.m_bFailing = false;
+        if (!bFailing)
+            DestroyWindow(TimerTaskWindow());
+        a->SetAlarm(10);
+        m_clock.Run(1000);
+    }
+    EXPECT_EQ("a@110 a@1110 ", m_log);
 }
 
 // Threads serve their timers side by side and end with timers armed, which are then free for

@@ -151,7 +151,6 @@ TEST(CommandRouting, SurvivesHandlersThatDeleteTheirWindowOrThemselves)
     // A control that closes or deletes the window ends the command's way.
     command->m_onText = [] {};
     command->m_nState = CUI_COMMAND_ACTIVE;
-    // Nor does the command of a window that its control has closed go on.
     for (const int nWay : {0, 1, 2}) {
         window = std::make_unique<CPoisoned>();
         window->RouteCommands(nWay < 2);

@@ -29,9 +29,8 @@ TEST(CommandView, HearsOfEveryChangeOnceAndMayGoInEveryCallOfAPass)
         std::unique_ptr<CView> views[20];
         for (auto &view : views)
             view = std::make_unique<CView>(1001);
-        bool bDone = false;
-        const auto leave = [&] {
-            if (std::exchange(bDone, true))
+        const std::function<void()> leave = [&] {
+            if (!views[1])
                 return;
             for (int i = 0; i < 10; ++i)
                 views[i].reset();
@@ -41,18 +40,16 @@ TEST(CommandView, HearsOfEveryChangeOnceAndMayGoInEveryCallOfAPass)
             CCUICommandMap::IdleUpdate();
         };
         command->m_nState = 0x142;
-        if (nCase < 2)
-            (nCase ? command->m_onText : command->m_onState) = leave;
-        else
-            views[1]->m_onChange = leave;
+        (nCase == 0   ? command->m_onText
+         : nCase == 1 ? command->m_onState
+                      : views[1]->m_onChange) = leave;
         CCUICommandMap::IdleUpdate();
         EXPECT_EQ(nullptr, views[1]) << nCase;
-        views[10].reset();
         if (command)
             command->m_nState = 2;
         CCUICommandMap::IdleUpdate();
         EXPECT_EQ("0 ", views[0]->Told());
-        for (int i = 11; i < 20; ++i)
+        for (int i = 10; i < 20; ++i)
             EXPECT_EQ(command ? "2 142tip 2 " : "2 0 ", views[i]->Told()) << nCase;
     }
 }

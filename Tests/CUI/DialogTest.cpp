@@ -1,10 +1,13 @@
 // Dialogs: runs one in another, every way of ending one, owners, data and changes.
 
+#include <limits.h>
+
 #include "CUI/Data.h"
 #include "CUI/Dialog.h"
 #include "Support/Reports.h"
 #include "Support/SysColors.h"
 #include "Support/TestWindow.h"
+#include "Support/Threads.h"
 
 namespace {
 
@@ -73,6 +76,28 @@ TEST(Dialog, EndsWithWhatItWasToldInEveryWay)
         EXPECT_TRUE(IsWindowEnabled(owner));
         EXPECT_EQ(nWindows, WindowCount());
     }
+}
+
+// The loop waits in the very call that serves the message of the other thread.
+TEST(Dialog, IsCancelledByAnotherThread)
+{
+    struct CIdle : CCUIIdleCallback
+    {
+        void OnIdle() override { m_bIdle = true; }
+        volatile bool m_bIdle = false;
+    } idle;
+    CCUIWindow::SetIdleCallback(&idle);
+    CTestDialog dialog;
+    CThreads::Run(2, [&](int nThread) {
+        if (nThread == 0) {
+            EXPECT_EQ(IDCANCEL, dialog.DoModal(nullptr));
+            return;
+        }
+        while (!idle.m_bIdle)
+            Sleep(1);
+        SendMessageA(dialog, WM_COMMAND, IDCANCEL, 0);
+    });
+    CCUIWindow::SetIdleCallback(nullptr);
 }
 
 TEST(Dialog, AnswersWhatCannotRun)
@@ -238,7 +263,7 @@ TEST(Dialog, ExchangesWhatItsControlsHold)
         int ExchangeData(unsigned short nDirection) override
         {
             return ExchangeText(nDirection, 1000, m_sLabel) &&
-                   ExchangeInt(nDirection, 1001, m_nNumber, -5, 3600) &&
+                   ExchangeInt(nDirection, 1001, m_nNumber, -5, m_nMost) &&
                    ExchangeSelection(nDirection, 1002, m_nItem) &&
                    ExchangeSelection(nDirection, 1003, m_nEntry) &&
                    ExchangeCheck(nDirection, 1004, m_nCheck) &&
@@ -251,7 +276,8 @@ TEST(Dialog, ExchangesWhatItsControlsHold)
         }
         using CCUIDialog::CenterOnOwner;
         CCUString m_sLabel = "label";
-        int m_nNumber = 7, m_nItem = -1, m_nEntry = -1, m_nCheck = 1, m_nMissing = 4, m_nRadio = 0;
+        int m_nMost = 3600, m_nNumber = 7, m_nItem = -1, m_nEntry = -1, m_nCheck = 1,
+            m_nMissing = 4, m_nRadio = 0;
     } dialog;
     CTestWindow owner;
     owner.Move({-30, 100, 670, 700});
@@ -281,4 +307,12 @@ TEST(Dialog, ExchangesWhatItsControlsHold)
     EXPECT_EQ("3600 1 1 0 4 -1",
               Text("%d %d %d %d %d %d", dialog.m_nNumber, dialog.m_nItem, dialog.m_nEntry,
                    dialog.m_nCheck, dialog.m_nMissing, dialog.m_nRadio));
+    dialog.m_nMost = INT_MAX;
+    dialog.DoModeless(&owner);
+    for (const char *text : {"2147483648", "2147483647"}) {
+        EXPECT_TRUE(dialog.Exist());
+        SetDlgItemTextA(dialog, 1001, text);
+        dialog.OnOK();
+    }
+    EXPECT_EQ(INT_MAX, dialog.m_nNumber);
 }

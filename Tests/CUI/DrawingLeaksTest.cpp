@@ -46,6 +46,14 @@ TEST(OffScreenDC, GrowsNeverShrinksAndKeepsWhatWasDrawnWhileItFits)
         SetPixelV(hDC, 0, 0, 0xFFFFFF);
         osdc.ReleaseDC();
     }
+    // A system on which a memory DC has the depth of its bitmap, which is another one soon.
+    const CFakeCall<int(HDC, int)> depth("GetDeviceCaps",
+                                         [](HDC hDC, int) { return Selected(hDC).bmBitsPixel; });
+    for (const bool bMono : {false, true, false}) {
+        bMono ? void(screen.Bitmap()) : void(screen.Read());
+        EXPECT_EQ(Selected(screen).bmBitsPixel, Selected(osdc.GetDC(screen, 9, 9)).bmBitsPixel);
+        osdc.ReleaseDC();
+    }
 }
 
 TEST(DrawingLeaks, NothingOnSuccessAndWhicheverCallFails)

@@ -25,15 +25,13 @@ public:
     }
     void OnOpenFile(const CCUString &sPath) override { m_asked += std::string(sPath) + "|"; }
     bool QueryClose() override { return m_asked += "close?", m_onQuery(); }
-
     void OnFullScreen(bool bFull) override
     {
         m_asked += bFull ? "full|" : "back|";
-        const std::function<void()> on = std::exchange(m_onFull, [] {});
-        on();
+        m_onFull();
     }
 
     std::string m_asked;
     std::function<bool()> m_onQuery = [] { return true; };
-    std::function<void()> m_onFull = [] {};  // once
+    std::function<void()> m_onFull = [] {};
 };

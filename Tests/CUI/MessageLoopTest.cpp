@@ -89,6 +89,7 @@ TEST(MessageLoop, RunsOneIdlePassABurstOfActivity)
     };
     CCUIWindow::SetIdleCallback(&idle);
     EXPECT_EQ(33, CCUIWindow::RunLoop());
+    CCUIWindow::SetIdleCallback(nullptr);
     EXPECT_EQ(5, command.m_nUpdates);
 }
 

@@ -12,12 +12,7 @@ namespace {
 // A shell that writes down what it is asked for.
 struct CShell
 {
-    explicit CShell(bool bBalloons) : m_old(CUIShellNotify())
-    {
-        CUIShellNotify() = {Notify, bBalloons};
-        s_asked = "";
-    }
-    ~CShell() { CUIShellNotify() = m_old; }
+    explicit CShell(bool bBalloons) { CUIShellNotify() = {Notify, bBalloons}; }
     static BOOL WINAPI Notify(DWORD nMessage, NOTIFYICONDATAA *pData)
     {
         const char *const names[] = {"add", "modify", "delete"};
@@ -29,12 +24,10 @@ struct CShell
     }
     static std::string Asked() { return std::exchange(s_asked, ""); }
     static void Tell(int message) { SendMessageA(s_hWnd, WM_USER + 1, 1, LPARAM(message)); }
-    static void Restart() { SendMessageA(s_hWnd, CURegisterMessageId("TaskbarCreated"), 0, 0); }
 
     inline static std::string s_asked;
     inline static bool s_bRefuses;
     inline static HWND s_hWnd;
-    const CCUIShellNotify m_old;
 };
 
 struct CIcon : CCUINotifyIcon
@@ -44,56 +37,45 @@ struct CIcon : CCUINotifyIcon
     std::string m_told;
 };
 
-HICON Icon()
-{
-    return LoadIconA(nullptr, MAKEINTRESOURCEA(32512));
-}
+const HICON ICON = LoadIconA(nullptr, MAKEINTRESOURCEA(32512));
 
 }  // namespace
 
-TEST(NotifyIcon, TellsTheShellWhatEachVersionTakes)
+TEST(NotifyIcon, TellsTheShellWhatEachVersionTakesAndOwnsTheIconsItLoads)
 {
     const std::string longTip(200, 'x');
-    for (const bool bBalloons : {false, true}) {
-        CShell shell(bBalloons);
-        const std::string size = bBalloons ? "488" : "88";
-        {
-            CIcon icon;
-            EXPECT_FALSE(icon.SetTip("none") || icon.Add(HICON(nullptr), "none"));
-            // It is there with the shell, also where that refuses it at first.
-            shell.s_bRefuses = true;
-            EXPECT_FALSE(icon.Add(Icon(), "tip"));
-            shell.s_bRefuses = false;
-            shell.Asked();
-            shell.Restart();
-            EXPECT_EQ("add " + size + " 7 tip ", shell.Asked());
-            EXPECT_TRUE(icon.SetTip(longTip.c_str()));
-            EXPECT_EQ("modify " + size + " 4 " + longTip.substr(0, bBalloons ? 127 : 63) + " ",
-                      shell.Asked());
-            EXPECT_EQ(bBalloons, icon.ShowBalloon("title", "text") != 0);
-            EXPECT_EQ(bBalloons ? "modify 488 16 text " : "", shell.Asked());
-        }
-        EXPECT_EQ("delete " + size + " 0  ", shell.Asked());
-    }
-}
-
-TEST(NotifyIcon, OwnsTheIconsItLoads)
-{
-    const CShell shell(true);
     int nLoaded = 0;
     std::string destroyed;
     const CFakeCall<HANDLE(HINSTANCE, const char *, UINT, int, int, UINT)> load(
         "LoadImageA", [&](auto...) { return reinterpret_cast<HANDLE>(++nLoaded); });
     const CFakeCall<BOOL(HICON)> destroy(
         "DestroyIcon", [&](HICON h) { return destroyed += Text("%d ", int(h)), TRUE; });
-    {
-        CIcon icon;
-        icon.Add(nullptr, "name", "tip");
-        icon.SetIcon(nullptr, "other");
-        icon.SetIcon(Icon());
-        icon.Add(nullptr, L"third", "tip");
+    for (const bool bBalloons : {false, true}) {
+        CShell shell(bBalloons);
+        const int nSize = bBalloons ? 488 : 88;
+        {
+            CIcon icon;
+            EXPECT_FALSE(icon.SetTip("none") || icon.Add(HICON(nullptr), "none"));
+            // It is there with the shell, also where that refuses it at first.
+            shell.s_bRefuses = true;
+            EXPECT_FALSE(icon.Add(nullptr, "name", "tip"));
+            shell.s_bRefuses = false;
+            shell.Asked();
+            SendMessageA(shell.s_hWnd, CURegisterMessageId("TaskbarCreated"), 0, 0);
+            EXPECT_TRUE(icon.SetTip(longTip.c_str()));
+            const std::string tip = longTip.substr(0, bBalloons ? 127 : 63);
+            EXPECT_EQ(Text("add %d 7 tip modify %d 4 %s ", nSize, nSize, tip.c_str()),
+                      shell.Asked());
+            EXPECT_EQ(bBalloons, icon.ShowBalloon("title", "text") != 0);
+            EXPECT_EQ(bBalloons ? "modify 488 16 text " : "", shell.Asked());
+            icon.SetIcon(nullptr, L"other");
+            icon.SetIcon(ICON);
+            icon.Add(nullptr, "third", "tip");
+            shell.Asked();
+        }
+        EXPECT_EQ(Text("delete %d 0  ", nSize), shell.Asked());
     }
-    EXPECT_EQ("1 2 3 ", destroyed);
+    EXPECT_EQ("1 2 3 4 5 6 ", destroyed);
 }
 
 TEST(NotifyIcon, BringsClicksAndCommandsToTheTarget)
@@ -105,12 +87,11 @@ TEST(NotifyIcon, BringsClicksAndCommandsToTheTarget)
     auto icon = std::make_unique<CIcon>();
     icon->SetContextMenu(&menu);
     icon->SetDefaultCommand(1000);
-    icon->Add(Icon(), "tip");
+    icon->Add(ICON, "tip");
     for (const int message :
          {WM_LBUTTONUP, WM_LBUTTONDBLCLK, WM_LBUTTONUP, WM_USER + 5, WM_LBUTTONUP})
         shell.Tell(message);
-    EXPECT_EQ("click balloon click ", icon->m_told);
-    EXPECT_EQ("0 ", command.Done());
+    EXPECT_EQ("click balloon click 0 ", icon->m_told + command.Done());
     // The menu's window is in front while it is open, and gets a message afterwards.
     HWND hFront = nullptr;
     CTestWindow target;
@@ -129,11 +110,10 @@ TEST(NotifyIcon, BringsClicksAndCommandsToTheTarget)
     EXPECT_TRUE(PeekMessageA(&msg, *icon, WM_NULL, WM_NULL, PM_REMOVE));
     // A dialog of the target comes first; a command may end the icon.
     icon->SetCommandTarget(target);
-    EnableWindow(target, FALSE);
-    shell.Tell(WM_RBUTTONUP);
-    EXPECT_EQ(target.GetHandle(), hFront);
-    EXPECT_TRUE(icon);
-    EnableWindow(target, TRUE);
-    shell.Tell(WM_RBUTTONUP);
-    EXPECT_FALSE(icon);
+    for (const BOOL bEnabled : {FALSE, TRUE}) {
+        EnableWindow(target, bEnabled);
+        shell.Tell(WM_RBUTTONUP);
+        EXPECT_EQ(bEnabled, icon == nullptr);
+        EXPECT_TRUE(bEnabled || hFront == target);
+    }
 }

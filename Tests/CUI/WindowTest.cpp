@@ -4,8 +4,10 @@
 
 #include "../../CUI/Src/Window/WindowMap.h"
 #include "CUI/Menu.h"
+#include "Support/ImportHook.h"
 #include "Support/Reports.h"
 #include "Support/TestWindow.h"
+#include "Support/Threads.h"
 
 namespace {
 
@@ -43,7 +45,7 @@ std::string WindowText(HWND hWnd)
 
 TEST(Window, BindsAnExistingWindowAndLetsGoOfIt)
 {
-    const CReports reports;
+    CReports reports;
     const HWND hEdit = MakePlain("EDIT");
     const LONG editProc = GetWindowLongA(hEdit, GWL_WNDPROC);
     CScripted<> window, other;
@@ -56,7 +58,8 @@ TEST(Window, BindsAnExistingWindowAndLetsGoOfIt)
     other.Attach(hEdit);
     EXPECT_EQ(nullptr, window.GetHandle());
     EXPECT_EQ(&other, CCUIWindow::FromHandle(hEdit));
-    EXPECT_FALSE(CreateTestWindow(other));
+    EXPECT_EQ("m_hWnd == 0", reports.Of("Window", [&] { EXPECT_FALSE(CreateTestWindow(other)); }));
+    EXPECT_EQ(&other, CCUIWindow::FromHandle(hEdit));
     EXPECT_NE(nullptr, other.Detach());
     EXPECT_EQ(nullptr, other.Detach());
     EXPECT_EQ(editProc, GetWindowLongA(hEdit, GWL_WNDPROC));
@@ -167,6 +170,33 @@ TEST(Window, BindsTheWindowBeforeItsFirstMessageAndOnlyThat)
     EXPECT_EQ(nWindows, WindowCount());
     // The hook is not armed any more: the next window is nobody's.
     EXPECT_EQ(nullptr, CCUIWindow::FromHandle(MakePlain()));
+}
+
+// Each thread's object waits for its own window, and one thread at a time registers a class.
+TEST(Window, ThreadsCreateTheirsAtOnce)
+{
+    const CReports reports;
+    static volatile LONG s_nThreads, s_nRegistering;
+    const CFakeCall<ATOM(const WNDCLASSA *)> registering(
+        "RegisterClassA", [&](const WNDCLASSA *pClass) {
+            EXPECT_EQ(1, InterlockedIncrement(&s_nRegistering));
+            Sleep(1);  // the others come as far
+            const ATOM atom = registering.Original(pClass);
+            InterlockedDecrement(&s_nRegistering);
+            return atom;
+        });
+    CScripted<> waiting;
+    waiting.Hook();
+    CThreads::Run(8, [](int) {
+        for (InterlockedIncrement(&s_nThreads); s_nThreads < 8;)
+            Sleep(0);
+        for (int i = 0; i < 40; ++i) {
+            CScripted<> window;
+            ASSERT_TRUE(CreateTestWindow(window));
+        }
+    });
+    EXPECT_EQ(&waiting, CCUIWindow::FromHandle(MakePlain()));
+    EXPECT_EQ(0, reports.Total());
 }
 
 // A later subclass may keep a window's end to itself.

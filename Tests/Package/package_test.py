@@ -112,6 +112,8 @@ class Package(unittest.TestCase):
                       input="".join(f'#include "{header}"\n' for header in source[1]))
 
         self.assertIn(self.tree / "include/CUI/Window.h", headers)
+        for header in headers:
+            self.assertNotRegex(header.read_text(), r"\b(__builtin_|__atomic_|__sync_|asm\b)", header)
         with ThreadPoolExecutor(os.cpu_count()) as pool:
             list(pool.map(compile_source, sources))
 
@@ -140,7 +142,7 @@ class Package(unittest.TestCase):
             output_of(*compiler, *options, "-std=c++17", "-DCU_IMPORTS", "-DCUI_IMPORTS", "-I",
                       self.tree / "include", "-c", source, "-o", f"{made}.o")
             output_of(*self.gcc, "-shared", f"{made}.o", self.tree / "lib/libAutoRun.dll.a",
-                      *missing, "-lgdi32", "-lcomctl32", "-o", f"{made}.dll")
+                      *missing, "-lgdi32", "-lcomctl32", "-loleaut32", "-o", f"{made}.dll")
 
         for source in (derived, *samples):
             link(self.gcc, "-fkeep-inline-functions", source=source)
@@ -186,11 +188,42 @@ class Package(unittest.TestCase):
         shutil.copytree(ROOT, copy, symlinks=True, dirs_exist_ok=True,
                         ignore=lambda folder, _: (".git", "build", "Tests", "Bench")
                         if folder == str(ROOT) else ())
-        first, second = (root / output_of("Tools/make-package", cwd=root, env=dated).strip()
+        first, second = ([root / name for name in
+                          output_of("Tools/make-package", cwd=root, env=dated).split()]
                          for root in (ROOT, copy))
-        self.assertEqual(first.read_bytes(), second.read_bytes())
-        self.assertEqual(f"{hashlib.sha256(second.read_bytes()).hexdigest()}  {first.name}\n",
-                         first.with_name(first.name + ".sha256").read_text())
+        self.assertEqual(["AutoRun", "DiscMaker"], [path.name.split("-")[0] for path in first])
+        for one, other in zip(first, second):
+            self.assertEqual(one.read_bytes(), other.read_bytes())
+            self.assertEqual(f"{hashlib.sha256(other.read_bytes()).hexdigest()}  {one.name}\n",
+                             one.with_name(one.name + ".sha256").read_text())
+        self.disc_maker_works(first[1])
+
+    def disc_maker_works(self, archive):
+        """Unpacked into any folder, with nothing else there."""
+        shutil.unpack_archive(archive, self.folder)
+        maker = (self.folder / archive.stem).rename(self.folder / "Für Discs")
+        contents = maker.parent / "in"
+        contents.mkdir()
+        for name in ("Fennick.exe", "RunFennick.exe", "tutorial.exe"):
+            (contents / name).touch()
+        shutil.copy(maker / "AutoRun.exe", maker / "Mine.exe")
+
+        def ask(*words):
+            done = subprocess.run(["wine", "DiscMaker.exe", *words], cwd=maker, check=False,
+                                  stdin=subprocess.DEVNULL, capture_output=True)
+            self.assertEqual(0, done.returncode, done.stdout)
+        skins = [skin.name for skin in (maker / "Skins").iterdir()]
+        self.assertGreaterEqual(len(skins), 2)
+        for skin in skins:
+            ask("/check", "Skins\\" + skin)
+        ask("/apply", "Skins\\HarbourTides", "/to", "Mine.exe")
+        self.assertNotEqual((maker / "Mine.exe").read_bytes(), (maker / "AutoRun.exe").read_bytes())
+        ask("/disc", "Skins\\Fennick", "..\\in", "..\\out")
+        self.assertEqual((maker.parent / "out/AutoRun.exe").read_bytes(),
+                         (maker / "AutoRun.exe").read_bytes())
+        page = (maker / "Help/DiscMaker.html").read_text()
+        for name in re.findall('src="(.*?)"', page):
+            self.assertTrue((maker / "Help" / name).exists(), name)
 
 
 if __name__ == "__main__":

@@ -38,6 +38,7 @@ public:
     CChildProcess &operator=(const CChildProcess &) = delete;
 
     DWORD Id() const { return m_process.dwProcessId; }
+    bool IsRunning() const { return WaitForSingleObject(m_process.hProcess, 0) == WAIT_TIMEOUT; }
     // Waits for the end, and makes one for a process that hangs.
     DWORD ExitCode() const
     {

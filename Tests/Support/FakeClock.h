@@ -42,6 +42,7 @@ public:
 
     bool IsPending() const { return m_callback != nullptr; }
     std::vector<UINT> m_delays;  // of all timers that were asked for
+    bool m_bFailing = false;     // no timer is to be had, as while one is pending
 
 private:
     // Before the hooks, of which each reads the time that those before it have changed.
@@ -56,8 +57,8 @@ private:
     {
         CFakeClock &clock = *s_pClock;
         clock.m_delays.push_back(nDelay);
-        if (clock.m_callback)
-            return 0;  // one at a time
+        if (clock.m_bFailing || clock.m_callback)
+            return 0;
         clock.m_callback = callback;
         clock.m_nDue = clock.m_nNow + nDelay;
         clock.m_user = user;

@@ -38,6 +38,18 @@ inline CPixelMap ReadPixels(HDC hDC, int cx, int cy)
     return map;
 }
 
+// What a window shows, there or everywhere, after what was asked of it.
+inline CPixelMap WindowPixels(HWND hWnd, RECT rc = {})
+{
+    UpdateWindow(hWnd);
+    if (IsRectEmpty(&rc))
+        GetClientRect(hWnd, &rc);
+    const HDC hDC = GetDC(hWnd);
+    SetViewportOrgEx(hDC, rc.left, rc.top, nullptr);
+    const CPixelMap map = ReadPixels(hDC, rc.right - rc.left, rc.bottom - rc.top);
+    return ReleaseDC(hWnd, hDC), map;
+}
+
 // The picture of a bitmap; an empty one for what is no bitmap.
 inline CPixelMap PixelsOf(HBITMAP hBitmap)
 {

@@ -19,6 +19,7 @@ public:
     void HandleUpdate(unsigned) override { m_onUpdate(); }
     unsigned short GetState(unsigned) override { return m_onState(), m_nState; }
     CCUString GetShortTT(unsigned) override { return m_onText(), m_text; }
+    CCUString GetLongTT(unsigned) override { return "Long help"; }
     std::string Done() { return std::exchange(m_done, ""); }
 
     unsigned short m_nState = CUI_COMMAND_ACTIVE;

@@ -124,3 +124,19 @@ inline std::string Text(const char *format, ...)
     va_end(args);
     return szText;
 }
+
+inline std::string Of(const RECT &rc)
+{
+    return Text("%ld,%ld,%ld,%ld", rc.left, rc.top, rc.right, rc.bottom);
+}
+inline std::string PlaceOf(HWND hWnd)
+{
+    return Of(RectOf(hWnd));
+}
+
+// A key as the loop gets it, pressed in the window with the focus.
+inline int PressKey(WPARAM nKey, HWND hWnd = GetFocus())
+{
+    MSG msg = {hWnd, WM_KEYDOWN, nKey, 1, 0, {}};
+    return CCUIWindow::PerformPreTranslation(&msg);
+}

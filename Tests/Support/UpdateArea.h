@@ -2,12 +2,7 @@
 
 #include "Support/TestWindow.h"
 
-inline std::string Of(const RECT &rc)
-{
-    return Text("%ld %ld %ld %ld", rc.left, rc.top, rc.right, rc.bottom);
-}
-
-// What is about to be repainted; zeros: nothing.
+// What is about to be repainted; "0,0,0,0": nothing.
 inline std::string UpdateArea(HWND hWnd)
 {
     RECT rc = {};

@@ -136,6 +136,12 @@ public:
         DeleteObject(m_hObject);
         m_hObject = nullptr;
     }
+    // Another one, in its place.
+    void Take(Handle hObject)
+    {
+        Delete();
+        m_hObject = hObject;
+    }
     operator Handle() const { return m_hObject; }
 
 private:

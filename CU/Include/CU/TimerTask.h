@@ -52,6 +52,7 @@ protected:
 
 private:
     friend void CUUnloadTimers(CUUnloadPhase phase);
+    friend long CUCountArmedTimers();
 
     CCUTimerTask() = default;
     static void Initialize();

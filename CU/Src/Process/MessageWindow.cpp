@@ -4,11 +4,13 @@
 #include "Base/Lock.h"
 #include "CU/CU.h"
 #include "CU/ThreadExit.h"
+#include "Probe/ProberProtocol.h"
+#include "Probe/ProberServer.h"
 #include "Process/Shutdown.h"
 
 namespace {
 
-const char CLASS_NAME[] = "CUMessageWindow";
+const char *const CLASS_NAME = CU_MESSAGE_WINDOW_CLASS;
 
 CCULazyLock s_lock;
 volatile HWND s_hWnd = nullptr;
@@ -39,8 +41,13 @@ LRESULT CALLBACK MessageWindowProc(HWND hWnd, UINT uMessage, WPARAM wParam, LPAR
         handler(uMessage, wParam, lParam);
         return 0;
     }
-    if (uMessage == WM_NCDESTROY)
+    LRESULT result;
+    if (CUServeProber(uMessage, wParam, lParam, result))
+        return result;
+    if (uMessage == WM_NCDESTROY) {
         s_hWnd = nullptr;
+        CUEndProberServer();
+    }
     return DefWindowProcA(hWnd, uMessage, wParam, lParam);
 }
 
@@ -78,8 +85,10 @@ HWND MakeWindow()
     const HWND hWnd = CreateWindowExA(0, CLASS_NAME, CLASS_NAME, WS_POPUP, 0, 0, 0, 0, nullptr,
                                       nullptr, CUInstance(), nullptr);
     // The class may be from an earlier load of a module, without that one's procedure.
-    if (hWnd)
+    if (hWnd) {
         SetWindowLongA(hWnd, GWL_WNDPROC, reinterpret_cast<LONG>(MessageWindowProc));
+        CUStartProberServer(hWnd);
+    }
     return hWnd;
 }
 
@@ -141,6 +150,7 @@ void CUUnloadMessageWindow(CUUnloadPhase phase)
     }
     if (phase == CUUnloadOthers)
         return;
+    CUEndProberServer();
     UnregisterClassA(CLASS_NAME, CUInstance());
     while (CMessageEntry *const entry = s_firstEntry) {
         s_firstEntry = entry->next;

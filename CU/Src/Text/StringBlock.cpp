@@ -53,6 +53,14 @@ void CUFreeKeptStringBlocks()
     }
 }
 
+int CUCountKeptStringBlocks()
+{
+    int nCount = 0;
+    for (const CKept &kept : s_kept)
+        nCount += kept.nCount;
+    return nCount;
+}
+
 CCUStringData *CUNewStringBlock(int nLength)
 {
     const size_t nSize = BlockSize(nLength);

@@ -36,6 +36,8 @@ inline size_t CUHeapSize(size_t nSize)
 // nothing on another thread.
 void CUKeepStringBlocks();
 void CUFreeKeptStringBlocks();
+// How many are kept; about, on another thread than the keeper.
+int CUCountKeptStringBlocks();
 // The thread that keeps. While it is 0, operator new and delete see each block come and go.
 extern DWORD g_nBlockKeeper;
 // Whether operator new is ours, over malloc, so that a block can grow by realloc.

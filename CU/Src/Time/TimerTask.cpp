@@ -257,6 +257,15 @@ CCUTimerTask::~CCUTimerTask()
     CUSetThreadLocalStorage(s_nSlot, nullptr);
 }
 
+long CUCountArmedTimers()
+{
+    const CCULockGuard guard(s_lock);
+    unsigned long uCount = 0;
+    for (const CCUTimerTask *pTask = s_pFirstTask; pTask; pTask = pTask->m_pNextTask)
+        uCount += pTask->m_uListLength;
+    return static_cast<long>(uCount);
+}
+
 // The timers of other threads are disarmed while their objects still stand.
 void CUUnloadTimers(CUUnloadPhase phase)
 {

@@ -15,15 +15,30 @@ const long MOST_SERVED = 200;  // the debug switches' values where they are 0
 const long MOST_TIME = 1000;   // ms
 
 CCULazyLock s_lock;
-volatile LONG s_nTimeOuts = 0;
+volatile LONG s_nTimeOuts = 0;  // since CUDumpTimerInfo
+volatile LONG s_nTimeOutsBefore = 0;
 volatile LONG s_nLongest = 0;                   // ms, written under the lock
 const void *volatile s_longestClass = nullptr;  // of the object that took it
 
-CCUDebugSwitch s_debug("\\Debug\\Timer", "TimerDebug");
-CCUDebugSwitch s_countThreshold("\\Debug\\Timer", "TimerCountThreshold");
-CCUDebugSwitch s_timeThreshold("\\Debug\\Timer", "TimeOutThreshold");
+CCUDebugSwitch s_debug("\\Debug\\Timer", "TimerDebug",
+                       "above 0: slow or crowded passes are traced");
+CCUDebugSwitch s_countThreshold("\\Debug\\Timer", "TimerCountThreshold",
+                                "calls in one pass above which they are traced; 0: 200");
+CCUDebugSwitch s_timeThreshold("\\Debug\\Timer", "TimeOutThreshold",
+                               "duration of a call above which it is traced; 0: 1000", "ms");
 
-long Threshold(CCUDebugSwitch &debugSwitch, long nDefault)
+long TimersServed(void *)
+{
+    return s_nTimeOutsBefore + s_nTimeOuts;
+}
+long TimersArmed(void *)
+{
+    return CUCountArmedTimers();
+}
+CCUProberFunction s_served("\\CU\\Timers", "Served", TimersServed, "calls of TimeOut");
+CCUProberFunction s_armed("\\CU\\Timers", "Armed", TimersArmed, "timers that are armed");
+
+long Threshold(const CCUDebugSwitch &debugSwitch, long nDefault)
 {
     const long nValue = debugSwitch.Get();
     return nValue ? nValue : nDefault;
@@ -52,6 +67,7 @@ void CUDumpTimerInfo()
     {
         CCULockGuard guard(s_lock);
         nTimeOuts = InterlockedExchange(&s_nTimeOuts, 0);
+        s_nTimeOutsBefore += nTimeOuts;
         nLongest = InterlockedExchange(&s_nLongest, 0);
         pClass = s_longestClass;
         s_longestClass = nullptr;

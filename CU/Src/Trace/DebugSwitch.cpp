@@ -3,14 +3,11 @@
 #include <stdlib.h>
 #include <string.h>
 
-#include "Base/Atomic.h"
-#include "Base/Lock.h"
+#include "Probe/ProberList.h"
 
 namespace {
 
 const char VARIABLE[] = "CU_DEBUG";
-CCULazyLock s_lock;  // the first reading and the setting of a value
-CCUDebugSwitch *volatile s_pFirst = nullptr;
 
 const char *SkipSpaces(const char *text)
 {
@@ -81,52 +78,38 @@ long ReadEnvironment(const char *path, const char *name)
 
 }  // namespace
 
-CCUDebugSwitch::CCUDebugSwitch(const char *path, const char *name)
-    : m_pNext(nullptr), m_path(path), m_name(name), m_nValue(0), m_bKnown(FALSE)
+CCUDebugSwitch::CCUDebugSwitch(const char *path, const char *name, const char *description,
+                               const char *unit)
+    : CCUProberLong(CSwitch(), path, name, description, unit)
 {
-    CUPushFront(s_pFirst, this, &CCUDebugSwitch::m_pNext);
 }
 
-CCUDebugSwitch::~CCUDebugSwitch()
+void CCUDebugSwitch::ReadSetting()
 {
-    CCUDebugSwitch *volatile *link = &s_pFirst;
-    while (*link && *link != this)
-        link = const_cast<CCUDebugSwitch *volatile *>(&(*link)->m_pNext);
-    if (*link)
-        *link = m_pNext;
-}
-
-long CCUDebugSwitch::Get()
-{
-    if (!m_bKnown) {
-        CCULockGuard guard(s_lock);
-        // A static of another source may ask before this one is constructed.
-        if (!m_bKnown && m_name) {
-            m_nValue = ReadEnvironment(m_path, m_name);
-            m_bKnown = TRUE;
-        }
-    }
-    return m_nValue;
-}
-
-void CCUDebugSwitch::Set(long nValue)
-{
-    CCULockGuard guard(s_lock);
-    m_nValue = nValue;
-    m_bKnown = TRUE;
+    const CCULockGuard guard(CCUProberList::s_lock);
+    if (!(m_nNotice & UNREAD))
+        return;
+    m_nValue = ReadEnvironment(GetPath(), GetName());
+    InterlockedAnd(&m_nNotice, ~UNREAD);
 }
 
 CCUDebugSwitch *CCUDebugSwitch::GetFirst()
 {
-    return s_pFirst;
+    return CCUProberList::NextSwitch(nullptr);
+}
+
+CCUDebugSwitch *CCUDebugSwitch::GetNext() const
+{
+    return CCUProberList::NextSwitch(this);
 }
 
 CCUDebugSwitch *CCUDebugSwitch::Find(const char *path, const char *name)
 {
     if (!name)
         return nullptr;
-    for (CCUDebugSwitch *pSwitch = s_pFirst; pSwitch; pSwitch = pSwitch->m_pNext) {
-        if (_stricmp(pSwitch->m_name, name) == 0 && (!path || _stricmp(pSwitch->m_path, path) == 0))
+    for (CCUDebugSwitch *pSwitch = GetFirst(); pSwitch; pSwitch = pSwitch->GetNext()) {
+        if (_stricmp(pSwitch->GetName(), name) == 0 &&
+            (!path || _stricmp(pSwitch->GetPath(), path) == 0))
             return pSwitch;
     }
     return nullptr;

@@ -11,6 +11,7 @@
 #include "CU/Assert.h"
 #include "CU/File.h"
 #include "CU/String.h"
+#include "Trace/DumpCount.h"
 #include "Trace/LogFiles.h"
 
 #define CU_SOURCE "Dump"
@@ -108,6 +109,8 @@ void CDumpOutputs::Remove(const CDumpWindow &window)
         m_windows.Remove(i, 1);
 }
 
+volatile LONG s_nTexts = 0;  // that were dumped
+
 CCULazyLock s_lock;
 CDumpOutputs *s_pOutputs = nullptr;  // made by the first use, under the lock
 LONG s_nUsers = 0;                   // threads in here, the waiting ones too
@@ -203,11 +206,17 @@ void CUDumpString(const char *text, int length)
 {
     const CCUKeepLastError keepLastError;
     const CCUString sText = CopyText(text, length);
+    InterlockedIncrement(&s_nTexts);
     const CDumpUse dump;
     const bool bOverrun = dump && dump->Distribute(sText);
     OutputDebugStringA(sText);
     if (bOverrun)
         dump->TellOverrun();
+}
+
+long CUCountDumps()
+{
+    return s_nTexts;
 }
 
 int CUDumpConfigLogFileManagement(int daysToKeep, int filesToKeep, long maxFileSize,

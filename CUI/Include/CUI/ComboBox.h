@@ -56,7 +56,7 @@ public:
     /// @}
 
     /// As high as the system makes the field.
-    CUI_API void GetNaturalSize(SIZE &size) override;
+    void GetNaturalSize(SIZE &size) override { MeasureField(size); }
 
     void DropDown(bool bDrop) { Send(CB_SHOWDROPDOWN, bDrop); }  ///< or closes the list
     /// Whether the list is open.
@@ -114,6 +114,7 @@ protected:
     }
 
 private:
+    CUI_API void MeasureField(SIZE &size);
     CUI_API void MakeRoomForList(int nRows);
 
     int m_nRows;

@@ -185,7 +185,7 @@ private:
     HBRUSH GetBackground(HDC hDC);
     bool ReadText();
     void ReadCues();
-    UINT Realize();
+    UINT Realize(bool bBehind);
 
     unsigned int m_nState;
     CCUString m_sText;

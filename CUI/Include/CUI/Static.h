@@ -20,7 +20,7 @@ public:
     CCUIStatic() : CCUISystemControl({"STATIC", STYLE, 0, 0, false, 60, 8}) {}
 
     /// Of its text, as wide as its longest line, or of its picture.
-    CUI_API void GetNaturalSize(SIZE &size) override;
+    void GetNaturalSize(SIZE &size) override { MeasureContent(size); }
 
     /// The picture of one with SS_ICON or SS_BITMAP; not owned. Returns the one before.
     /// @{
@@ -56,4 +56,7 @@ protected:
         default: return 0;
         }
     }
+
+private:
+    CUI_API void MeasureContent(SIZE &size);
 };

@@ -20,6 +20,9 @@ class CUI_API CCUIWindowHook
 public:
     /// Answers nonzero when it handled the message and wrote `result`: nobody else sees it then.
     virtual int OnHookMessage(UINT message, WPARAM wParam, LPARAM lParam, long &result) = 0;
+    /// The object has let go of its window, which was destroyed or goes on without it. The hook
+    /// stays inserted, and may be removed here. The base does nothing.
+    virtual void OnUnbound() {}
 
 protected:
     ~CCUIWindowHook() = default;

@@ -4,6 +4,7 @@
 
 #include "Base/KeepLastError.h"
 #include "CU/Assert.h"
+#include "CU/Prober.h"
 #include "CUI/BmpBlt.h"
 #include "CUI/BmpLoad.h"
 #include "CUI/Data.h"
@@ -17,8 +18,11 @@ const char *ToResourceID(UINT nID)
     return reinterpret_cast<const char *>(static_cast<ULONG_PTR>(nID & 0xFFFF));
 }
 
+CCUProberLong s_bitmaps("\\CUI\\Bitmaps", "Count", 0, "bitmaps that objects share or own");
+
 CUIBitmapData *NewData(HBITMAP hBitmap)
 {
+    s_bitmaps.Add(1);
     return new CUIBitmapData{1, 0, 0, 0, nullptr, hBitmap};
 }
 
@@ -29,6 +33,7 @@ CUIBitmapSource *NewSource(const CCUString &sName, const char *pszID, WORD wFlag
 
 void DestroyData(CUIBitmapData *pData)
 {
+    s_bitmaps.Add(-1);
     if (pData->m_pSource) {
         CUIBmpDeleteObject(&pData->m_pSource->m_hPalette);
         delete pData->m_pSource;

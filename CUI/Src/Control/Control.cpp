@@ -159,10 +159,11 @@ long CCUIControl::OnMessage(UINT message, WPARAM wParam, LPARAM lParam)
             Click();
         return 0;
     }
-    case WM_QUERYNEWPALETTE: return Realize() != GDI_ERROR;
+    case WM_QUERYNEWPALETTE: return Realize(false) != GDI_ERROR;
     case WM_PALETTECHANGED:
+        // In front once more, two controls with palettes would take turns for ever.
         if (reinterpret_cast<HWND>(wParam) != m_hWnd)
-            Realize();
+            Realize(true);
         return 0;
     case UPDATE_UI_STATE: {
         CWatch watch(this);
@@ -406,17 +407,17 @@ void CCUIControl::OnPaint(HDC hDC)
 void CCUIControl::SetPalette(HPALETTE hPalette)
 {
     m_hPalette = hPalette;
-    Realize();
+    Realize(false);
     Repaint();
 }
 
 // How many colours of the screen are others now; GDI_ERROR where there is no palette to realise.
-UINT CCUIControl::Realize()
+UINT CCUIControl::Realize(bool bBehind)
 {
     if (!m_hPalette || !m_hWnd)
         return GDI_ERROR;
     const CCUIWindowDC hDC(m_hWnd);
-    const HPALETTE hOld = SelectPalette(hDC, m_hPalette, FALSE);
+    const HPALETTE hOld = SelectPalette(hDC, m_hPalette, bBehind);
     const UINT nChanged = RealizePalette(hDC);
     SelectPalette(hDC, hOld, TRUE);
     if (nChanged != 0 && nChanged != GDI_ERROR)

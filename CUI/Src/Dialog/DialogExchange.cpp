@@ -1,6 +1,5 @@
 // What a dialog's exchange of data mostly is, ready to be called.
 
-#include <limits.h>
 #include <stdlib.h>
 
 #include "CU/Dump.h"
@@ -33,8 +32,8 @@ bool ReadInt(const char *pszText, int &nValue)
 {
     char *pEnd = nullptr;
     const long nRead = strtol(pszText, &pEnd, 10);
-    // At the ends of its range it may have been beyond them.
-    if (pEnd == pszText || nRead == LONG_MAX || nRead == LONG_MIN)
+    // What is beyond its range is another number without a sign.
+    if (pEnd == pszText || strtoul(pszText, nullptr, 10) != static_cast<unsigned long>(nRead))
         return false;
     while (IsBlank(*pEnd))
         ++pEnd;

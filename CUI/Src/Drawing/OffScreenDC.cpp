@@ -3,6 +3,7 @@
 #include "Base/Lifetime.h"
 #include "Base/Wrap.h"
 #include "CU/Assert.h"
+#include "CU/Prober.h"
 #include "Drawing/DepthMemo.h"
 
 #define CU_SOURCE "OffScreenDC"
@@ -10,6 +11,12 @@
 namespace {
 
 CCUIDepthMemo s_depth;
+CCUProberLong s_bytes("\\CUI\\OffScreen", "Bytes", 0, "pixels of off-screen surfaces", "bytes");
+
+long BytesOf(const CCUIBitmap &bitmap)
+{
+    return CUWrapMul(CUWrapMul(bitmap.Width(), bitmap.Height()), bitmap.Depth()) / 8;
+}
 
 }  // namespace
 
@@ -23,6 +30,7 @@ CCUIOffScreenDC::~CCUIOffScreenDC()
     // The DC first: it lets go of the bitmap.
     if (m_memDC)
         DeleteDC(m_memDC);
+    s_bytes.Add(-BytesOf(m_bitmap));
     m_bitmap.Empty();
     DeleteCriticalSection(&m_lock);
 }
@@ -59,8 +67,10 @@ void CCUIOffScreenDC::Grow(HDC hDC, int cx, int cy)
                             nullptr);
     // The old bitmap goes when the new one has taken its place in the DC: before that it cannot be
     // deleted. Without a new one it stays in use.
-    if (SelectObject(m_memDC, static_cast<HBITMAP>(bitmap)))
-        m_bitmap = bitmap;
+    if (!SelectObject(m_memDC, static_cast<HBITMAP>(bitmap)))
+        return;
+    s_bytes.Add(BytesOf(bitmap) - BytesOf(m_bitmap));
+    m_bitmap = bitmap;
 }
 
 CCUIOffScreenDC *CUIGetOSDC()

@@ -9,7 +9,7 @@ const int FRAME = 2;
 
 }  // namespace
 
-void CCUIComboBox::GetNaturalSize(SIZE &size)
+void CCUIComboBox::MeasureField(SIZE &size)
 {
     CCUISystemControl::GetNaturalSize(size);
     RECT window = {};

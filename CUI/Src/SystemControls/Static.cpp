@@ -3,7 +3,7 @@
 #include "Base/Wrap.h"
 #include "Drawing/Look.h"
 
-void CCUIStatic::GetNaturalSize(SIZE &size)
+void CCUIStatic::MeasureContent(SIZE &size)
 {
     RECT window = {}, client = {};
     GetWindowRect(m_hWnd, &window);

@@ -4,6 +4,7 @@
 #include "CU/CU.h"
 #include "CU/DebugSwitch.h"
 #include "CU/Dump.h"
+#include "CU/Prober.h"
 #include "CU/String.h"
 #include "CU/Time.h"
 #include "CUI/CommandMap.h"
@@ -29,7 +30,28 @@ const long SLOW = 1000;
 const int MOST_OWNERS = 1000;
 const int MOST_RESTARTS = 100;
 
-CCUDebugSwitch s_messageDebug("\\Debug\\Window", "MessageDebug");
+CCUDebugSwitch s_messageDebug("\\Debug\\Window", "MessageDebug",
+                              "above 0: slow messages and idle passes are traced");
+volatile LONG s_nMessages = 0;  // that loops have handled, of all threads
+
+// Since the last reading that was a second or more ago.
+long MessagesPerSecond(void *)
+{
+    static unsigned long s_nLastTime;
+    static LONG s_nLastMessages;
+    static long s_nRate;
+    const CCUMutexGuard guard;
+    const unsigned long nPassed = CUGetTime() - s_nLastTime;
+    if (nPassed >= 1000) {
+        const LONG nMessages = s_nMessages;
+        s_nRate = MulDiv(nMessages - s_nLastMessages, 1000, static_cast<int>(nPassed));
+        s_nLastMessages = nMessages;
+        s_nLastTime += nPassed;
+    }
+    return s_nRate;
+}
+CCUProberFunction s_messageRate("\\CUI\\Messages", "PerSecond", MessagesPerSecond,
+                                "messages that loops handle", "1/s");
 
 unsigned long s_nStartTime;
 unsigned long s_nLastIdleTime;
@@ -95,6 +117,7 @@ bool IdlePass(long nCount)
 // Offers the message to those who want it first, else dispatches it.
 void HandleMessage(MSG *pMsg)
 {
+    InterlockedIncrement(&s_nMessages);
     const MSG copy = *pMsg;
     const unsigned long nFrom = CUGetTime();
     if (!CCUIWindow::PerformPreTranslation(pMsg)) {

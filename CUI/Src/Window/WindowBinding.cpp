@@ -6,6 +6,7 @@
 #include "Base/KeepLastError.h"
 #include "CU/Assert.h"
 #include "CU/CU.h"
+#include "Window/WindowHookList.h"
 #include "Window/WindowMap.h"
 
 #define CU_SOURCE "Window"
@@ -131,14 +132,20 @@ HWND CCUIWindow::Detach()
     m_pOldProc = nullptr;
     bool bDoubted = false;
     const bool bInMap = CUIWindowMapFind(hWnd, bDoubted) == this;
-    if (!pOldProc || !bInMap)
-        return hWnd;
-    if (CUILeadsTo(hWnd, this)) {
-        CSubclassing(hWnd, StaticWindowProc).End(pOldProc);
-        SetObject(hWnd, nullptr);
-    } else {
-        // Our window went without a word to us, and the handle is another window's by now.
-        CUIWindowMapRemove(hWnd);
+    if (pOldProc && bInMap) {
+        if (CUILeadsTo(hWnd, this)) {
+            CSubclassing(hWnd, StaticWindowProc).End(pOldProc);
+            SetObject(hWnd, nullptr);
+        } else {
+            // Our window went without a word to us, and the handle is another window's by now.
+            CUIWindowMapRemove(hWnd);
+        }
+    }
+    if (hWnd && m_pHooks) {
+        // One of them may delete the object, and the list with it.
+        CCUIWindowHookList::CWalk walk(*m_pHooks);
+        while (CCUIWindowHook *const pHook = walk.Next())
+            pHook->OnUnbound();
     }
     return hWnd;
 }

@@ -2,6 +2,7 @@
 
 #include "Base/Lock.h"
 #include "Base/Module.h"
+#include "CU/Prober.h"
 #include "Window/WindowThread.h"
 
 namespace {
@@ -13,6 +14,12 @@ CUIWindowTable s_first = {(1u << FIRST_BITS) - 1, 32 - FIRST_BITS, s_firstSlots,
 
 unsigned s_nUsed;  // slots with a handle; under the lock
 CCULazyLock s_lock;
+
+long Windows(void *)
+{
+    return static_cast<long>(s_nUsed);
+}
+CCUProberFunction s_windows("\\CUI\\Windows", "Bound", Windows, "windows that have objects");
 
 // A change: has the lock, and tells readers that they cannot trust what they see.
 class CChange

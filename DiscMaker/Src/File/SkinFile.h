@@ -5,8 +5,8 @@
 #include "Model/Problem.h"
 #include "Model/Skin.h"
 
-// Where a skin lives: a launcher, or a skin folder (Skin.rc and the pictures that it names). It keeps
-// what it read, so that saving changes only what was edited.
+// Where a skin lives: a launcher, or a skin folder (Skin.rc and the pictures that it names). It
+// keeps what it read, so that saving changes only what was edited.
 class CSkinFile
 {
 public:
@@ -23,14 +23,36 @@ public:
     const CCUString &Path() const { return m_sPath; }
     virtual bool IsFolder() const = 0;
 
-    // Writes the file that it was read from anew with these looks, to `sPath`, which may be the same
-    // or another: everything else in it stays to the byte. Under a new name first, then renamed:
-    // when it fails, what was at `sPath` is whole, the reason is among the problems.
+    // Writes the file that it was read from anew with these looks, to `sPath`, which may be the
+    // same or another: everything else in it stays to the byte. Under a new name first, then
+    // renamed: when it fails, what was at `sPath` is whole, the reason is among the problems. Then
+    // `sPath` is this file's place, and `skin` what it holds.
     virtual bool Save(const CSkin &skin, const CCUString &sPath, CProblems &problems) = 0;
+    // The same for a copy elsewhere: this file's place and skin stay.
+    virtual bool SaveCopy(const CSkin &skin, const CCUString &sPath, CProblems &problems) const = 0;
+    // Save refuses while what it would replace is not what was read there: somebody else has
+    // changed it, says IsOutdated from then on. OverwriteChanges makes the next Save go on all the
+    // same.
+    bool IsOutdated() const { return m_bOutdated; }
+    void OverwriteChanges(bool bOverwrite)
+    {
+        m_bOverwrite = bOverwrite;
+        m_bOutdated = false;
+    }
 
 protected:
-    CSkinFile() {}
+    CSkinFile() : m_bOverwrite(false) {}
+
+    // Whether both paths lead to the same place, as far as their names say.
+    static bool IsSamePath(const CCUString &sPath, const CCUString &sOther);
+    // Whether somebody has changed the file since; told as a problem, but for the case that the
+    // file is to be overwritten.
+    bool IsChanged(const CCUString &sPath, const CBlob &bytes, CProblems &problems) const;
 
     CCUString m_sPath;
     CSkin m_skin;
+    bool m_bOverwrite;
+
+private:
+    mutable bool m_bOutdated = false;
 };

@@ -1,8 +1,13 @@
 #include "Model/Problem.h"
 
+#include <ctype.h>
+
 #include "Model/SkinEntry.h"
+#include "Resource.h"
 
 namespace {
+
+const size_t MOST_IN_WORDS = 6;  // more paragraphs do not fit on small screens
 
 const char *WeightText(ProblemWeight weight)
 {
@@ -18,9 +23,34 @@ CCUString EntryName(UINT nEntry)
     const SkinEntry *const pEntry = FindSkinEntry(nEntry);
     if (pEntry)
         return pEntry->m_pszSymbol;
+    if (nEntry == IDS_DISC_LABEL)
+        return "IDS_DISC_LABEL";
     CCUString sText;
     sText.Format("%u", nEntry);
     return sText;
+}
+
+CCUString EntryCaption(UINT nEntry)
+{
+    switch (nEntry) {
+    case 0: return "";
+    case IDS_DISC_LABEL: return "Label";
+    case IDB_BACKGROUND: return "Background";
+    case IDB_PRODUCT: return "Product picture";
+    case IDB_BULLET: return "Bullet";
+    case IDI_AUTORUN: return "Icon";
+    default: break;
+    }
+    const SkinEntry *const pEntry = FindSkinEntry(nEntry);
+    return pEntry ? CCUString(pEntry->m_pszCaption) : "Entry " + EntryName(nEntry);
+}
+
+CCUString Sentence(CCUString sText)
+{
+    if (sText.IsEmpty())
+        return sText;
+    sText.SetAt(0, static_cast<char>(toupper(static_cast<BYTE>(sText[0]))));
+    return sText.Right(1).FindOneOf(".!?") < 0 ? sText + "." : sText;
 }
 
 }  // namespace
@@ -32,6 +62,46 @@ bool HasErrors(const CProblems &problems)
             return true;
     }
     return false;
+}
+
+CCUString ProblemPlace(const CProblem &problem)
+{
+    const CCUString sCaption = EntryCaption(problem.m_nEntry);
+    if (sCaption.IsEmpty() || problem.m_sWhere.IsEmpty())
+        return sCaption + problem.m_sWhere;
+    return sCaption + " (" + problem.m_sWhere + ")";
+}
+
+CCUString ProblemWhat(const CProblem &problem)
+{
+    const CCUString sCaption = EntryCaption(problem.m_nEntry) + ": ";
+    CCUString sWhat = problem.m_sWhat;
+    if (sWhat.Left(sCaption.GetLength()) == sCaption)
+        sWhat = sWhat.Mid(sCaption.GetLength());
+    return Sentence(sWhat);
+}
+
+CCUString ProblemEffect(const CProblem &problem)
+{
+    return Sentence(problem.m_sEffect);
+}
+
+CCUString ProblemsInWords(const CProblems &problems)
+{
+    CCUString sText;
+    const size_t nShown = problems.size() > MOST_IN_WORDS + 1 ? MOST_IN_WORDS : problems.size();
+    for (size_t i = 0; i < nShown; ++i) {
+        const CProblem &problem = problems[i];
+        const CCUString sPlace = ProblemPlace(problem);
+        sText += (sText.IsEmpty() ? "" : "\n\n") + sPlace + (sPlace.IsEmpty() ? "" : "\n");
+        sText += ProblemWhat(problem) + " " + ProblemEffect(problem);
+    }
+    if (nShown < problems.size()) {
+        CCUString sMore;
+        sMore.Format("\n\nThere are %u more.", static_cast<unsigned>(problems.size() - nShown));
+        sText += sMore;
+    }
+    return sText;
 }
 
 CCUString ProblemLine(const CProblem &problem)

@@ -64,8 +64,8 @@ bool ParseFont(const CCUString &sText, SkinFont &font)
 {
     char face[LF_FACESIZE] = "";
     static_assert(LF_FACESIZE == 32, "the width below leaves room for the terminator");
-    const int nRead = sscanf(sText, "%d,%d,%d,%31s", &font.m_nPoints, &font.m_nBold,
-                             &font.m_nItalic, face);
+    const int nRead =
+        sscanf(sText, "%d,%d,%d,%31s", &font.m_nPoints, &font.m_nBold, &font.m_nItalic, face);
     if (nRead == 4)
         font.m_sFace = face;
     return nRead == 4;

@@ -16,7 +16,7 @@ enum SkinEntryKind
 struct SkinEntry
 {
     UINT m_nID;
-    const char *m_pszSymbol;   // "IDS_SETUP", as scripts name it
+    const char *m_pszSymbol;  // "IDS_SETUP", as scripts name it
     SkinEntryKind m_kind;
     const char *m_pszCaption;  // "Install line", as the window names it
     bool m_bUsed;              // false: read, but shown nowhere

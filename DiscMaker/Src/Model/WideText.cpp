@@ -1,5 +1,35 @@
 #include "Model/WideText.h"
 
+namespace {
+
+bool IsFirstHalf(WCHAR ch)
+{
+    return ch >= 0xD800 && ch < 0xDC00;
+}
+
+// A character as the text holds it, of two halves if need be, and its bytes.
+struct CPiece
+{
+    size_t m_nStart;
+    size_t m_nLength;
+    CCUString m_sBytes;
+};
+
+// Where characters of bytes begin, and the end.
+std::vector<bool> StartsOf(const CCUString &sText, UINT nCodePage)
+{
+    std::vector<bool> starts(static_cast<size_t>(sText.GetLength()) + 1);
+    for (int i = 0; i < sText.GetLength(); ++i) {
+        starts[static_cast<size_t>(i)] = true;
+        if (IsDBCSLeadByteEx(nCodePage, static_cast<BYTE>(sText[i])) && i + 1 < sText.GetLength())
+            ++i;
+    }
+    starts.back() = true;
+    return starts;
+}
+
+}  // namespace
+
 CWideText::CWideText(const CCUString &sText, UINT nCodePage)
 {
     const int nBytes = sText.GetLength();
@@ -20,4 +50,45 @@ CCUString CWideText::ToCodePage(UINT nCodePage, bool *pLost) const
     if (pLost)
         *pLost = CWideText(sText, nCodePage) != *this;
     return sText;
+}
+
+CWideText CWideText::Edited(const CCUString &sText, UINT nCodePage) const
+{
+    std::vector<CPiece> pieces;
+    CCUString sShown;
+    for (size_t i = 0; i < m_text.size(); i += pieces.back().m_nLength) {
+        const size_t nLength = IsFirstHalf(m_text[i]) && i + 1 < m_text.size() ? 2 : 1;
+        pieces.push_back({i, nLength, CWideText(&m_text[i], nLength).ToCodePage(nCodePage)});
+        sShown += pieces.back().m_sBytes;
+    }
+    // Not a code page that turns characters into bytes one by one.
+    if (sShown != ToCodePage(nCodePage))
+        return CWideText(sText, nCodePage);
+    const std::vector<bool> starts = StartsOf(sText, nCodePage);
+    int nFront = 0, nEnd = sText.GetLength();
+    size_t nFirst = 0, nLast = pieces.size();
+    for (; nFirst < nLast; ++nFirst) {
+        const CCUString &sBytes = pieces[nFirst].m_sBytes;
+        if (sText.Mid(nFront, sBytes.GetLength()) != sBytes)
+            break;
+        nFront += sBytes.GetLength();
+    }
+    for (; nLast > nFirst; --nLast) {
+        const CCUString &sBytes = pieces[nLast - 1].m_sBytes;
+        const int nStart = nEnd - sBytes.GetLength();
+        if (nStart < nFront || !starts[static_cast<size_t>(nStart)] ||
+            sText.Mid(nStart, sBytes.GetLength()) != sBytes)
+            break;
+        nEnd = nStart;
+    }
+    const CWideText changed(sText.Mid(nFront, nEnd - nFront), nCodePage);
+    const auto at = [&](size_t nPiece) {
+        const size_t n = nPiece < pieces.size() ? pieces[nPiece].m_nStart : m_text.size();
+        return m_text.begin() + static_cast<ptrdiff_t>(n);
+    };
+    CWideText text;
+    text.m_text.assign(m_text.begin(), at(nFirst));
+    text.m_text.insert(text.m_text.end(), changed.m_text.begin(), changed.m_text.end());
+    text.m_text.insert(text.m_text.end(), at(nLast), m_text.end());
+    return text;
 }

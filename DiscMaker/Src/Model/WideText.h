@@ -5,8 +5,8 @@
 #include "CU/String.h"
 #include "CUI/Platform.h"
 
-// A text as resources hold it, in UTF-16: what the window shows is made of it, and what nobody edits
-// keeps every character, whether or not this system's code page has it.
+// A text as resources hold it, in UTF-16: what the window shows is made of it, and what nobody
+// edits keeps every character, whether or not this system's code page has it.
 class CWideText
 {
 public:
@@ -15,9 +15,12 @@ public:
     // Of bytes of a code page.
     CWideText(const CCUString &sText, UINT nCodePage);
 
-    // What the code page lacks comes out as a similar character or as its default one; `*pLost` says
-    // whether any did.
+    // What the code page lacks comes out as a similar character or as its default one; `*pLost`
+    // says whether any did.
     CCUString ToCodePage(UINT nCodePage, bool *pLost = nullptr) const;
+    // What becomes of it when what ToCodePage gave is edited to `sText`: before and behind what was
+    // changed every character stays, also those that the code page lacks.
+    CWideText Edited(const CCUString &sText, UINT nCodePage) const;
 
     size_t Length() const { return m_text.size(); }
     bool IsEmpty() const { return m_text.empty(); }

@@ -9,6 +9,7 @@
 #include "CU/CrashReport.h"
 #include "CU/Dump.h"
 #include "CU/Language.h"
+#include "CU/Prober.h"
 #include "CU/ThreadExit.h"
 #include "CU/Timer.h"
 #include "CUI/Button.h"
@@ -19,6 +20,8 @@
 #include "CUI/WindowClass.h"
 
 namespace {
+
+CCUProberLong s_uses("\\Module", "Uses");
 
 class CUser : public CCUTimer, public CCUThreadExitHandler, public CCUDumpCallback
 {
@@ -92,8 +95,12 @@ private:
         CCUString sText = CUGetCurrentLanguage();
         CUSetCurrentLanguage("");
         sText.SetAt(0, 'y');
-        return m_user.m_sDumped.Find("used by thread") >= 0 && sText.GetLength() == 300 &&
-               CUGetCurrentLanguage() == "english" && CCUString() == CUPchNil;
+        s_uses.Add(1);
+        CUProberValue value;
+        CCUProber::Get(CCUProber::Find("\\Module\\Uses"), value);
+        return value.nLong == s_uses && m_user.m_sDumped.Find("used by thread") >= 0 &&
+               sText.GetLength() == 300 && CUGetCurrentLanguage() == "english" &&
+               CCUString() == CUPchNil;
     }
     bool MakeWindows(HWND hHosts)
     {

@@ -1,0 +1,51 @@
+#!/usr/bin/env python3
+"""Measures ./disc beside cp -r of the same contents, in turns. Usage: Bench/time_disc.py [MIB [PAIRS]]
+
+Prints the median times and the median of the pairs' ratios, then those of a disc with hardly any
+contents: what Wine's start and the launcher cost.
+"""
+
+import os
+import pathlib
+import shutil
+import statistics
+import subprocess
+import sys
+import tempfile
+import time
+
+ROOT = pathlib.Path(__file__).resolve().parents[1]
+PROGRAMS = ("Fennick.exe", "RunFennick.exe", "tutorial.exe")
+
+
+def seconds(target, *words):
+    start = time.monotonic()
+    subprocess.run(words, check=True, stdout=subprocess.DEVNULL)
+    took = time.monotonic() - start
+    shutil.rmtree(target)
+    return took
+
+
+def measure(folder, mebibytes, pairs):
+    contents = folder / "in"
+    contents.mkdir(exist_ok=True)
+    for program in PROGRAMS:
+        (contents / program).write_bytes(os.urandom(1000 + mebibytes * (1 << 20) // len(PROGRAMS)))
+    disc = (folder / "disc", ROOT / "disc", ROOT / "AutoRun/Skin", contents, "--out", folder / "disc")
+    copy = (folder / "copy", "cp", "-r", contents, folder / "copy")
+    seconds(*disc)  # no good: Wine's server starts
+    seconds(*copy)
+    times = [(seconds(*disc), seconds(*copy)) for _ in range(pairs)]
+    ours, peer = (statistics.median(side) for side in zip(*times))
+    ratio = statistics.median(one / other for one, other in times)
+    print(f"{mebibytes} MiB: ./disc {ours:.3f} s, cp -r {peer:.3f} s, ratio {ratio:.2f}")
+
+
+def main():
+    mebibytes, pairs = (int(word) for word in [*sys.argv[1:], *("100", "9")[len(sys.argv) - 1:]])
+    with tempfile.TemporaryDirectory() as folder:
+        measure(pathlib.Path(folder), mebibytes, pairs)
+        measure(pathlib.Path(folder), 0, pairs)
+
+
+main()

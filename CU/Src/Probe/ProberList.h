@@ -1,0 +1,66 @@
+#pragma once
+
+#include "Base/Lock.h"
+#include "CU/Prober.h"
+#include "Probe/ProberIndex.h"
+
+class CCUDebugSwitch;
+
+// All variables of the process, in the order in which they were listed. The list itself is made of
+// the variables: nothing is allocated before somebody asks by path or number, which takes the
+// index.
+//
+// Under the lock nobody calls what belongs to the program: functions that compute a value run
+// without it, noted as readings, for whose end the variable's destructor waits.
+class CCUProberList
+{
+public:
+    static CCULazyLock s_lock;
+
+    static void Add(CCUProberVariable &variable);
+    static void Remove(CCUProberVariable &variable);
+    // For who has set the value: tells the watches.
+    static void Changed(CCUProberVariable &variable);
+    static unsigned long Count() { return s_nCount; }
+    // Counts variables that come and go.
+    static unsigned long TreeChanges() { return s_nTreeChanges; }
+
+    // The debug switch behind that one; null: the first.
+    static CCUDebugSwitch *NextSwitch(const CCUDebugSwitch *pSwitch);
+    static unsigned long Find(const char *pPath, int nLength);
+    // What the iteration of CCUProber::GetNext answers.
+    static unsigned long Next(unsigned long nID, const char *pszSubtree);
+    static bool Describe(unsigned long nID, CUProberEntry &entry);
+    // For who has the lock once, and wants many values. A function is called without it.
+    static void GetLocked(unsigned long nID, CUProberValue &value);
+    // bOutside: in the name of another process.
+    static CUProberResult Set(unsigned long nID, const char *pszText, bool bOutside);
+
+    static void AddWatch(CCUProberWatch &watch);
+    static void RemoveWatch(CCUProberWatch &watch);
+    static unsigned long NextChanged(CCUProberWatch &watch);
+
+private:
+    struct CReading;
+
+    // All of these under the lock.
+    static CCUProberVariable *Lookup(unsigned long nID);
+    static bool IsRead(const CCUProberVariable &variable);
+    static bool IsWithin(const CCUProberVariable &variable, const char *pszSubtree);
+    static void TreeChanged(CCUProberVariable &variable, bool bNew);
+    static void Tell(CCUProberWatch &watch);
+    static void Read(const CCUProberVariable &variable, CUProberValue &value);
+    static CCUString DefaultOf(const CCUProberVariable &variable);
+    static bool Store(CCUProberVariable &variable, const char *pszText);
+
+    static void Compute(const CCUProberFunction &variable, CUProberValue &value);
+
+    static CCUProberIndex s_index;
+    static CCUProberVariable *s_pFirst;
+    static CCUProberVariable *s_pLast;
+    static unsigned long s_nCount;
+    static unsigned long s_nLastID;
+    static volatile unsigned long s_nTreeChanges;
+    static CCUProberWatch *s_pFirstWatch;
+    static CReading *s_pReadings;
+};

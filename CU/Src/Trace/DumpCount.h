@@ -1,0 +1,4 @@
+#pragma once
+
+// How many texts were written to the trace.
+long CUCountDumps();

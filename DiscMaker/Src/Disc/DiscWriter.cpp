@@ -1,0 +1,163 @@
+#include "Disc/DiscWriter.h"
+
+#include "CU/ErrorText.h"
+#include "Disc/Sha256.h"
+
+namespace {
+
+const DWORD BUFFER = 1 << 20;
+
+// In plain words what most people meet; else as the system says it.
+CCUString Reason(DWORD nError)
+{
+    if (nError == ERROR_DISK_FULL || nError == ERROR_HANDLE_DISK_FULL)
+        return "the disk is full.";
+    if (nError == ERROR_ACCESS_DENIED || nError == ERROR_WRITE_PROTECT)
+        return "writing is not allowed there.";
+    if (nError == ERROR_SHARING_VIOLATION)
+        return "another program has it open.";
+    return CUErrorText(nError);
+}
+
+}  // namespace
+
+CCUString SumsPath(const CDiscPath &relative)
+{
+    CCUString sPath = relative.Utf8();
+    for (int i = 0; i < sPath.GetLength(); ++i) {
+        if (sPath[i] == '\\')
+            sPath.SetAt(i, '/');
+    }
+    return sPath;
+}
+
+CCUString SumOfFile(const CDiscPath &path)
+{
+    const CCUFileHandle hFile(DiscOpen(path));
+    if (!hFile)
+        return "";
+    CSha256 sum;
+    std::vector<BYTE> buffer(BUFFER);
+    DWORD nRead = 0;
+    do {
+        if (!ReadFile(hFile, buffer.data(), BUFFER, &nRead, nullptr))
+            return "";
+        sum.Add(buffer.data(), nRead);
+    } while (nRead > 0);
+    return sum.Finish();
+}
+
+CDiscWriter::CDiscWriter(const CDiscPath &folder, ULONGLONG nTotal, CDiscProgress *pProgress,
+                         CProblems &problems)
+    : m_folder(folder),
+      m_nTotal(nTotal),
+      m_nDone(0),
+      m_pProgress(pProgress),
+      m_problems(problems),
+      m_buffer(BUFFER)
+{
+}
+
+bool CDiscWriter::Fail(const CCUString &sWhere, const CCUString &sWhat)
+{
+    m_problems.push_back({ProblemError, 0, sWhere, sWhat, "There is no new disc."});
+    return false;
+}
+
+bool CDiscWriter::FailWriting(const CDiscPath &relative)
+{
+    return Fail(relative.Text(), "This cannot be written to the disc: " + Reason(GetLastError()));
+}
+
+bool CDiscWriter::Report(const CDiscPath &relative)
+{
+    return !m_pProgress || m_pProgress->OnProgress(m_nDone, m_nTotal, relative.Text()) ||
+           Fail("", "The work was stopped.");
+}
+
+bool CDiscWriter::MakeFolder(const CDiscPath &relative)
+{
+    if (!DiscMakeFolder(relative.IsEmpty() ? m_folder : m_folder.Join(relative)))
+        return FailWriting(relative.IsEmpty() ? m_folder : relative);
+    m_folders.push_back(relative);
+    return true;
+}
+
+bool CDiscWriter::WriteBytes(HANDLE hTo, const void *p, DWORD nSize, const CDiscPath &relative)
+{
+    DWORD nWritten = 0;
+    if (!WriteFile(hTo, p, nSize, &nWritten, nullptr))
+        return FailWriting(relative);
+    if (nWritten < nSize) {
+        SetLastError(ERROR_DISK_FULL);
+        return FailWriting(relative);
+    }
+    m_nDone += nSize;
+    return Report(relative);
+}
+
+bool CDiscWriter::CopyBytes(HANDLE hFrom, HANDLE hTo, const CDiscPath &from,
+                            const CDiscPath &relative)
+{
+    CSha256 sum;
+    for (;;) {
+        DWORD nRead = 0;
+        if (!ReadFile(hFrom, m_buffer.data(), BUFFER, &nRead, nullptr))
+            return Fail(from.Text(), "The file cannot be read: " + Reason(GetLastError()));
+        if (nRead == 0)
+            break;
+        sum.Add(m_buffer.data(), nRead);
+        if (!WriteBytes(hTo, m_buffer.data(), nRead, relative))
+            return false;
+    }
+    // The same contents make the same disc, times included.
+    FILETIME time;
+    if (GetFileTime(hFrom, nullptr, nullptr, &time))
+        SetFileTime(hTo, nullptr, nullptr, &time);
+    m_sums[SumsPath(relative)] = sum.Finish();
+    return true;
+}
+
+bool CDiscWriter::Copy(const CDiscPath &from, const CDiscPath &relative)
+{
+    const CCUFileHandle hFrom(DiscOpen(from));
+    if (!hFrom)
+        return Fail(from.Text(), "The file cannot be opened: " + Reason(GetLastError()));
+    CCUFileHandle hTo(DiscCreateNew(m_folder.Join(relative)));
+    if (!hTo)
+        return FailWriting(relative);
+    m_files.push_back(relative);
+    if (!CopyBytes(hFrom, hTo, from, relative))
+        return false;
+    // Some drives tell only now that they are full.
+    return CloseHandle(hTo.Release()) || FailWriting(relative);
+}
+
+bool CDiscWriter::Write(const CCUString &sBytes, const CDiscPath &relative)
+{
+    CCUFileHandle hTo(DiscCreateNew(m_folder.Join(relative)));
+    if (!hTo)
+        return FailWriting(relative);
+    m_files.push_back(relative);
+    if (!WriteBytes(hTo, sBytes, static_cast<DWORD>(sBytes.GetLength()), relative))
+        return false;
+    CSha256 sum;
+    sum.Add(sBytes.GetString(), static_cast<size_t>(sBytes.GetLength()));
+    m_sums[SumsPath(relative)] = sum.Finish();
+    return CloseHandle(hTo.Release()) || FailWriting(relative);
+}
+
+bool CDiscWriter::WriteSumsFile()
+{
+    return Write(WriteSums(m_sums), CDiscPath().With(SUMS_NAME));
+}
+
+void CDiscWriter::TakeBack()
+{
+    for (const CDiscPath &file : m_files)
+        DiscDeleteFile(m_folder.Join(file));
+    for (size_t i = m_folders.size(); i > 0; --i) {
+        const CDiscPath &relative = m_folders[i - 1];
+        DiscRemoveFolder(relative.IsEmpty() ? m_folder : m_folder.Join(relative));
+    }
+}

@@ -1,0 +1,61 @@
+#include "File/SkinFile.h"
+
+#include "File/FileBytes.h"
+#include "File/FileProblem.h"
+#include "File/LauncherFile.h"
+#include "File/SkinFolder.h"
+#include "Model/Blob.h"
+
+namespace {
+
+CCUString FullPath(const CCUString &sPath)
+{
+    char path[MAX_PATH] = "";
+    char *pName = nullptr;
+    const DWORD nLength = GetFullPathNameA(sPath, MAX_PATH, path, &pName);
+    return nLength > 0 && nLength < MAX_PATH ? path : sPath.GetString();
+}
+
+bool IsScript(const CCUString &sPath)
+{
+    return sPath.Right(3).CompareNoCase(".rc") == 0;
+}
+
+}  // namespace
+
+std::unique_ptr<CSkinFile> CSkinFile::Open(const CCUString &sPath, CProblems &problems)
+{
+    if (FolderExists(sPath))
+        return CSkinFolder::Read(JoinPath(sPath, SKIN_SCRIPT_NAME), problems);
+    if (IsScript(sPath))
+        return CSkinFolder::Read(sPath, problems);
+    DWORD nError = NO_ERROR;
+    const CBlob bytes = ReadFileBytes(sPath, &nError);
+    if (!bytes) {
+        AddFileProblem(problems, sPath, "The file cannot be read", nError);
+        return nullptr;
+    }
+    return CLauncherFile::Read(sPath, bytes, problems);
+}
+
+bool CSkinFile::IsSamePath(const CCUString &sPath, const CCUString &sOther)
+{
+    return lstrcmpiA(FullPath(sPath), FullPath(sOther)) == 0;
+}
+
+bool CSkinFile::IsChanged(const CCUString &sPath, const CBlob &bytes, CProblems &problems) const
+{
+    DWORD nError = NO_ERROR;
+    const CBlob now = ReadFileBytes(sPath, &nError);
+    const bool bGone = nError == ERROR_FILE_NOT_FOUND || nError == ERROR_PATH_NOT_FOUND;
+    m_bOutdated = m_bOutdated || (now && !SameBytes(now, bytes));
+    if (m_bOverwrite || bGone || SameBytes(now, bytes))
+        return false;
+    if (now)
+        AddProblem(problems, ProblemError, sPath,
+                   "Another program has changed the file since it was opened.",
+                   "saving would undo that change; nothing was written");
+    else
+        AddFileProblem(problems, sPath, "The file cannot be read", nError);
+    return true;
+}

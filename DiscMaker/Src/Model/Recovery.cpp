@@ -1,0 +1,115 @@
+#include "Model/Recovery.h"
+
+#include "Base/TempDirectory.h"
+#include "CU/ErrorText.h"
+#include "Model/SkinBytes.h"
+
+namespace {
+
+const char *const FILES = "DiscMaker-*.recovery";
+// No skin that is larger was kept.
+const DWORD MOST_BYTES = 256 * 1024 * 1024;
+
+CCUString TempFolder()
+{
+    char szFolder[MAX_PATH] = "";
+    return CUFindTempDirectory(szFolder) ? szFolder : "";
+}
+
+// The path, its end, and the skin.
+bool Write(HANDLE hFile, const CSkin &skin, const CCUString &sPath)
+{
+    const std::vector<BYTE> bytes = PackSkin(skin);
+    const DWORD nPath = static_cast<DWORD>(sPath.GetLength()) + 1;
+    const DWORD nBytes = static_cast<DWORD>(bytes.size());
+    DWORD nDone = 0;
+    SetLastError(ERROR_DISK_FULL);  // of a write that ends early
+    return WriteFile(hFile, static_cast<const char *>(sPath), nPath, &nDone, nullptr) &&
+           nDone == nPath && WriteFile(hFile, bytes.data(), nBytes, &nDone, nullptr) &&
+           nDone == nBytes && FlushFileBuffers(hFile);
+}
+
+bool Read(HANDLE hFile, CSkin &skin, CCUString &sPath)
+{
+    const DWORD nSize = GetFileSize(hFile, nullptr);
+    if (nSize == 0 || nSize > MOST_BYTES)
+        return false;
+    std::vector<BYTE> bytes(nSize);
+    DWORD nRead = 0;
+    if (!ReadFile(hFile, bytes.data(), nSize, &nRead, nullptr) || nRead != nSize)
+        return false;
+    size_t nPath = 0;
+    while (nPath < nSize && bytes[nPath])
+        ++nPath;
+    if (nPath == nSize || !UnpackSkin(&bytes[nPath] + 1, nSize - nPath - 1, skin))
+        return false;
+    sPath = reinterpret_cast<const char *>(bytes.data());
+    return true;
+}
+
+}  // namespace
+
+bool CRecovery::Keep(const CSkin &skin, const CCUString &sPath, CProblems &problems)
+{
+    const CCUString sFolder = TempFolder();
+    CCUString sFile;
+    HANDLE hFile = INVALID_HANDLE_VALUE;
+    // A program that crashed may have had the number of this process.
+    for (bool bTaken = !sFolder.IsEmpty(); bTaken;) {
+        sFile.Format("%sDiscMaker-%lx-%u.recovery", static_cast<const char *>(sFolder),
+                     GetCurrentProcessId(), ++m_nNext);
+        hFile = CreateFileA(sFile, GENERIC_READ | GENERIC_WRITE, 0, nullptr, CREATE_NEW,
+                            FILE_ATTRIBUTE_TEMPORARY, nullptr);
+        bTaken = hFile == INVALID_HANDLE_VALUE && GetLastError() == ERROR_FILE_EXISTS;
+    }
+    const bool bOpen = hFile != INVALID_HANDLE_VALUE;
+    if (!bOpen || !Write(hFile, skin, sPath)) {
+        problems.push_back({ProblemNote, 0, bOpen ? sFile : sFolder,
+                            "What is not saved cannot be kept for the case of a crash: " +
+                                CUErrorText(GetLastError()),
+                            "Save often."});
+        if (bOpen) {
+            CloseHandle(hFile);
+            DeleteFileA(sFile);
+        }
+        return false;
+    }
+    Forget();
+    m_hFile = hFile;
+    m_sFile = sFile;
+    return true;
+}
+
+void CRecovery::Forget()
+{
+    if (m_hFile == INVALID_HANDLE_VALUE)
+        return;
+    CloseHandle(m_hFile);
+    m_hFile = INVALID_HANDLE_VALUE;
+    DeleteFileA(m_sFile);
+}
+
+bool CRecovery::Find(CSkin &skin, CCUString &sPath)
+{
+    const CCUString sFolder = TempFolder();
+    WIN32_FIND_DATAA data;
+    const HANDLE hFind = FindFirstFileA(sFolder + FILES, &data);
+    if (hFind == INVALID_HANDLE_VALUE)
+        return false;
+    bool bFound = false;
+    do {
+        const CCUString sFile = sFolder + data.cFileName;
+        const HANDLE hFile = CreateFileA(sFile, GENERIC_READ | GENERIC_WRITE, 0, nullptr,
+                                         OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
+        if (hFile == INVALID_HANDLE_VALUE)
+            continue;  // of a program that runs
+        bFound = Read(hFile, skin, sPath);
+        Forget();
+        m_hFile = hFile;
+        m_sFile = sFile;
+        if (!bFound)
+            Forget();  // the program crashed while it wrote; what it had written before is there
+    } while (!bFound && FindNextFileA(hFind, &data));
+    FindClose(hFind);
+    return bFound;
+}

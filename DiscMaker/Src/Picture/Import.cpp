@@ -1,0 +1,102 @@
+#include "Picture/Import.h"
+
+#include <string.h>
+
+#include "CU/ErrorText.h"
+#include "CU/File.h"
+#include "Picture/DibReader.h"
+#include "Picture/DibWriter.h"
+#include "Picture/Flatten.h"
+#include "Picture/SystemPicture.h"
+
+namespace {
+
+const DWORD MAX_FILE = 128 << 20;
+
+enum PictureFormat
+{
+    FormatBmp,
+    FormatPng,
+    FormatOfSystem,
+    FormatNone
+};
+
+bool Begins(const std::vector<BYTE> &file, const char *pszMark)
+{
+    const size_t nLength = strlen(pszMark);
+    return file.size() >= nLength && memcmp(file.data(), pszMark, nLength) == 0;
+}
+
+// By what a file holds: its name may say something else.
+PictureFormat FormatOf(const std::vector<BYTE> &file)
+{
+    if (Begins(file, "BM"))
+        return FormatBmp;
+    if (Begins(file, "\x89PNG"))
+        return FormatPng;
+    return Begins(file, "\xFF\xD8\xFF") || Begins(file, "GIF8") ? FormatOfSystem : FormatNone;
+}
+
+bool Fail(CProblems &problems, const CCUString &sPath, const CCUString &sWhat)
+{
+    problems.push_back({ProblemError, 0, sPath, sWhat, "The old picture stays."});
+    return false;
+}
+
+bool ReadFileBytes(const CCUString &sPath, std::vector<BYTE> &bytes, CProblems &problems)
+{
+    CCUFile file;
+    if (!file.Open(sPath, CCUFile::modeRead | CCUFile::shareDenyWrite | CCUFile::modeNoInherit))
+        return Fail(problems, sPath, "The file cannot be opened: " + CUErrorText(GetLastError()));
+    const DWORD nLength = file.GetLength();
+    if (nLength == 0 || nLength > MAX_FILE)
+        return Fail(problems, sPath, "The file is empty or too large for a picture.");
+    bytes.resize(nLength);
+    if (file.Read(bytes.data(), nLength) != nLength)
+        return Fail(problems, sPath, "The file cannot be read: " + CUErrorText(GetLastError()));
+    return true;
+}
+
+}  // namespace
+
+bool ReadPictureFile(const CCUString &sPath, CPixels &pixels, CProblems &problems)
+{
+    std::vector<BYTE> file;
+    if (!ReadFileBytes(sPath, file, problems))
+        return false;
+    const PictureFormat format = FormatOf(file);
+    if (format == FormatBmp) {
+        const char *const pszWhy = ReadBmp(file.data(), file.size(), pixels);
+        return !pszWhy || Fail(problems, sPath,
+                               CCUString("The bitmap cannot be read: ") + pszWhy +
+                                   ". Save it anew as a BMP of 24 bits.");
+    }
+    if (format == FormatNone)
+        return Fail(problems, sPath, "This is no picture that can be read. Save it as BMP.");
+    if (ReadWithSystem(file, pixels))
+        return true;
+    if (format == FormatPng)
+        return Fail(problems, sPath,
+                    "This system cannot read this PNG file. Save the picture as BMP of 24 bits.");
+    return Fail(problems, sPath,
+                "The picture is damaged, too large, or of a kind that this system "
+                "cannot read. Save it as BMP of 24 bits.");
+}
+
+CBlob ImportPicture(const CCUString &sPath, CProblems &problems)
+{
+    return ImportPicture(sPath, CSkin(), PictureBackground, problems);
+}
+
+CBlob ImportPicture(const CCUString &sPath, const CSkin &skin, SkinPicture picture,
+                    CProblems &problems)
+{
+    CPixels pixels;
+    if (!ReadPictureFile(sPath, pixels, problems))
+        return nullptr;
+    CPixels under;
+    POINT at;
+    FindUnder(skin, picture, under, at);
+    Flatten(pixels, under, at);
+    return WriteDib(pixels);
+}

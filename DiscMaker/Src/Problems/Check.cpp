@@ -1,0 +1,94 @@
+#include "Problems/Check.h"
+
+#include <algorithm>
+
+#include "Problems/Checks.h"
+
+namespace {
+
+// The place of an entry in the launcher's table; what is not there comes last.
+ptrdiff_t PlaceOf(const CProblem &problem)
+{
+    const SkinEntry *const pEntry = FindSkinEntry(problem.m_nEntry);
+    return pEntry ? pEntry - SKIN_ENTRIES : SKIN_ENTRY_COUNT;
+}
+
+void CheckLanguage(const CSkin &skin, size_t nLanguage, const CCUString &sContents,
+                   CProblems &problems)
+{
+    CSkinCheck check(skin, nLanguage, problems);
+    CheckEntries(check);
+    CheckNumbers(check);
+    CheckFonts(check);
+    CheckTexts(check);
+    CheckCommands(check, sContents);
+    CheckLabel(check);
+    CheckPlaces(check);
+    CheckContrast(check);
+}
+
+}  // namespace
+
+CSkinCheck::CSkinCheck(const CSkin &skin, size_t nLanguage, CProblems &problems)
+    : m_skin(skin),
+      m_strings(skin, nLanguage),
+      m_look(skin, m_strings),
+      m_nTexts(static_cast<int>(nLanguage)),
+      m_problems(problems)
+{
+    if (skin.m_texts.size() > 1)
+        m_sWhere = LanguageName(m_strings.Language());
+}
+
+void CSkinCheck::Add(ProblemWeight weight, UINT nEntry, const CCUString &sWhat,
+                     const CCUString &sEffect)
+{
+    m_problems.push_back({weight, nEntry, m_sWhere, sWhat, sEffect, m_nTexts});
+}
+
+void CSkinCheck::Note(UINT nEntry, const CCUString &sWhat, const CCUString &sEffect)
+{
+    Add(ProblemNote, nEntry, sWhat, sEffect);
+}
+
+void CSkinCheck::Warn(UINT nEntry, const CCUString &sWhat, const CCUString &sEffect)
+{
+    Add(ProblemWarning, nEntry, sWhat, sEffect);
+}
+
+void CSkinCheck::Fail(UINT nEntry, const CCUString &sWhat, const CCUString &sEffect)
+{
+    Add(ProblemError, nEntry, sWhat, sEffect);
+}
+
+CCUString WithNumber(const char *pszFormat, int nNumber)
+{
+    CCUString sText;
+    sText.Format(pszFormat, nNumber);
+    return sText;
+}
+
+void CheckSkin(const CSkin &skin, const CCUString &sContents, CProblems &problems)
+{
+    // The pictures first: of what is wrong with them, such as two that were swapped, follows much
+    // else.
+    CheckPictures(skin, problems);
+    CProblems found;
+    if (skin.m_texts.empty())
+        found.push_back({ProblemError, 0, "", "There are no texts at all.",
+                         "The launcher shows an empty picture and starts nothing."});
+    for (size_t i = 0; i < skin.m_texts.size(); ++i)
+        CheckLanguage(skin, i, sContents, found);
+    std::stable_sort(found.begin(), found.end(), [](const CProblem &left, const CProblem &right) {
+        return PlaceOf(left) < PlaceOf(right);
+    });
+    problems.insert(problems.end(), found.begin(), found.end());
+}
+
+void CheckPrograms(const CSkin &skin, const CCUString &sContents, CProblems &problems)
+{
+    for (size_t i = 0; i < skin.m_texts.size(); ++i) {
+        CSkinCheck check(skin, i, problems);
+        CheckCommands(check, sContents);
+    }
+}

@@ -1,0 +1,38 @@
+#include "Window/RunWindow.h"
+
+#include <algorithm>
+
+#include "CUI/Data.h"
+#include "CUI/Settings.h"
+#include "Window/MainWindow.h"
+
+namespace {
+
+const SIZE FIRST_SIZE = {960, 700};  // at 96 pixels an inch
+
+int Scaled(int nPixels)
+{
+    return MulDiv(nPixels, CUIGetWinData()->cyPixelsPerInch, 96);
+}
+
+}  // namespace
+
+int RunWindow(int nShow)
+{
+    CUISetSettingsKey("Software\\Disc Maker");
+    CMainWindow window;
+    if (!window.CreateFrame("Disc Maker"))
+        return 1;
+    // Large enough for the face, where the screen is, until the user has another size.
+    RECT work = {};
+    SystemParametersInfoA(SPI_GETWORKAREA, 0, &work, 0);
+    SetWindowPos(window, nullptr, 0, 0,
+                 std::min<int>(Scaled(FIRST_SIZE.cx), work.right - work.left),
+                 std::min<int>(Scaled(FIRST_SIZE.cy), work.bottom - work.top),
+                 SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
+    window.Begin();
+    window.ShowKept("Frame", nShow);
+    window.OfferRecovery();
+    window.OnCommandLine(GetCommandLineA(), "");
+    return CCUIWindow::RunLoop();
+}

@@ -1,0 +1,7 @@
+#define IDR_PROBER 100
+
+#define ID_SET 1000
+#define ID_SET_DEFAULT 1001
+#define ID_LOOK_AGAIN 1002
+#define ID_EXIT 1003
+#define ID_SELECTED 1004

@@ -1,0 +1,6 @@
+#define IDD_ORDER 100
+#define IDC_NAME 1001
+#define IDC_COPIES 1002
+#define IDC_MATT 1003
+#define IDC_GLOSSY 1004
+#define IDC_FRAME 1005

@@ -1,0 +1,248 @@
+#include "DiscMaker/SkinFiles.h"
+
+#include "File/LauncherFile.h"
+#include "Model/Blob.h"
+#include "Resource.h"
+#include "Support/ImportHook.h"
+
+namespace {
+
+std::unique_ptr<CLauncherFile> Launcher(CProblems &problems)
+{
+    return CLauncherFile::Read("AutoRun.exe", ReadFileBytes(TEST_LAUNCHER), problems);
+}
+
+CBlob BlobOf(size_t nSize, BYTE nByte)
+{
+    return MakeBlob(std::vector<BYTE>(nSize, nByte));
+}
+
+// Every section's name and bytes but those of one.
+std::string OtherSections(const std::vector<BYTE> &file, const char *pszBut)
+{
+    const CByteView bytes(file);
+    const CByteView headers = bytes.From(bytes.Dword(60));
+    std::string all;
+    for (size_t i = 0; i < headers.Word(6); ++i) {
+        const CByteView header = headers.From(24 + headers.Word(20) + i * 40);
+        const CByteView data = bytes.Part(header.Dword(20), header.Dword(16));
+        const std::string name(reinterpret_cast<const char *>(header.Data()), 8);
+        if (strcmp(name.c_str(), pszBut) != 0)
+            all += name + std::string(reinterpret_cast<const char *>(data.Data()), data.Size());
+    }
+    return all;
+}
+
+// Some other program.
+std::string WithoutDialog()
+{
+    CPeImage image;
+    CCUString sWhat;
+    CResourceTree tree;
+    image.Read(*ReadFileBytes(TEST_LAUNCHER), sWhat);
+    tree.Read(image.Resources(), image.ResourcesAddress());
+    tree.Remove(5, IDD_AUTORUN, LANG_NEUTRAL);
+    const std::vector<BYTE> bytes = image.WithResources(tree);
+    return std::string(bytes.begin(), bytes.end());
+}
+
+// What the system finds in a program's file. Loaded as one, elsewhere than it is linked for, so
+// that its relocations are applied too.
+struct CSystemView
+{
+    explicit CSystemView(const std::string &path)
+        : m_h(LoadLibraryExA(path.c_str(), nullptr, DONT_RESOLVE_DLL_REFERENCES))
+    {
+    }
+    ~CSystemView() { FreeLibrary(m_h); }
+    std::string Text(UINT nId) const
+    {
+        char text[300] = "";
+        LoadStringA(m_h, nId, text, sizeof text);
+        return text;
+    }
+    CBlob Picture(UINT nId) const
+    {
+        const HRSRC found = FindResourceA(m_h, MAKEINTRESOURCEA(nId), RT_BITMAP);
+        const BYTE *const p = static_cast<const BYTE *>(LockResource(LoadResource(m_h, found)));
+        return MakeBlob(std::vector<BYTE>(p, p + SizeofResource(m_h, found)));
+    }
+    HMODULE m_h;
+};
+
+}  // namespace
+
+// The linker lays the section out as we do, so that nothing changes but what was edited: one skin's
+// launcher becomes the other's, as it was built.
+TEST(LauncherFile, WritesWhatTheToolsWrite)
+{
+    CPeImage image;
+    CCUString sWhat;
+    ASSERT_TRUE(image.Read(*ReadFileBytes(TEST_LAUNCHER), sWhat)) << sWhat;
+    CResourceTree tree;
+    ASSERT_TRUE(tree.Read(image.Resources(), image.ResourcesAddress()));
+    EXPECT_TRUE(image.Bytes() == image.WithResources(tree));
+    CProblems problems;
+    const auto shipped = Launcher(problems);
+    const CBlob other = ReadFileBytes(TEST_OTHER_LAUNCHER);
+    const auto wanted = CLauncherFile::Read("b", other, problems);
+    EXPECT_TRUE(SameBytes(shipped->WithSkin(wanted->Skin(), problems), other)) << Lines(problems);
+    const auto folder = CSkinFile::Open(SKIN_FOLDERS[1], problems);
+    EXPECT_TRUE(SameBytes(shipped->WithSkin(folder->Skin(), problems), other)) << Lines(problems);
+    EXPECT_TRUE(
+        SameBytes(shipped->WithSkin(shipped->Skin(), problems), ReadFileBytes(TEST_LAUNCHER)));
+    EXPECT_EQ("", Lines(problems));
+}
+
+// The system reads what was written, and another writer, the system's, says the same.
+TEST(LauncherFile, SystemReadsWhatWasSaved)
+{
+    CTemporaryDirectory directory;
+    const std::string path = directory.Path() + "\\a.exe";
+    const std::string theirs = directory.Path() + "\\b.exe";
+    CProblems problems;
+    const auto file = Launcher(problems);
+    CSkin skin = file->Skin();
+    SetText(skin, IDS_TITLE,
+            "Gr\xFC\xDF"
+            "e");
+    SetText(skin, 1000, "no entry of ours");
+    skin.m_texts[0].m_entries.erase(IDS_ABOUT);
+    skin.m_pictures[PictureBullet] = BlobOf(300000, 7);
+    const CWideText sName("ProductName", 1252);
+    skin.m_version[sName] = CWideText("Tides", 1252);
+    ASSERT_TRUE(file->Save(skin, path.c_str(), problems)) << Lines(problems);
+    {
+        const CSystemView view(path);
+        ASSERT_TRUE(view.m_h);
+        EXPECT_EQ(
+            "Gr\xFC\xDF"
+            "e",
+            view.Text(IDS_TITLE));
+        EXPECT_EQ("no entry of ours", view.Text(1000));
+        EXPECT_EQ("", view.Text(IDS_ABOUT));
+        EXPECT_EQ("Fennick.exe", view.Text(IDS_SETUP_COMMAND));
+        EXPECT_TRUE(SameBytes(view.Picture(IDB_BULLET), skin.m_pictures[PictureBullet]));
+        EXPECT_TRUE(SameBytes(view.Picture(IDB_PRODUCT), skin.m_pictures[PictureProduct]));
+    }
+    const CBlob saved = ReadFileBytes(path.c_str());
+    EXPECT_TRUE(OtherSections(*ReadFileBytes(TEST_LAUNCHER), ".rsrc") ==
+                OtherSections(*saved, ".rsrc"));
+    const auto again = CSkinFile::Open(path.c_str(), problems);
+    EXPECT_TRUE(again->Skin().m_version == skin.m_version);
+    // Back again, all is as it was.
+    ASSERT_TRUE(file->Save(Launcher(problems)->Skin(), path.c_str(), problems)) << Lines(problems);
+    EXPECT_TRUE(SameBytes(ReadFileBytes(path.c_str()), ReadFileBytes(TEST_LAUNCHER)));
+
+    CopyFileA(TEST_LAUNCHER, theirs.c_str(), FALSE);
+    const HANDLE update = BeginUpdateResourceA(theirs.c_str(), FALSE);
+    std::vector<BYTE> bits = *skin.m_pictures[PictureBullet];
+    UpdateResourceA(update, RT_BITMAP, MAKEINTRESOURCEA(IDB_BULLET), LANG_NEUTRAL, bits.data(),
+                    static_cast<DWORD>(bits.size()));
+    ASSERT_TRUE(EndUpdateResourceA(update, FALSE));
+    skin = Launcher(problems)->Skin();
+    skin.m_pictures[PictureBullet] = MakeBlob(bits);
+    ExpectSameSkin(CSkinFile::Open(theirs.c_str(), problems)->Skin(), skin);
+}
+
+// Where another section is in the way the resources move to a new one, at the end.
+TEST(LauncherFile, AddsASectionWhereThereIsNoRoom)
+{
+    CTemporaryDirectory directory;
+    const std::string path = directory.Path() + "\\a.exe";
+    std::vector<BYTE> bytes = *ReadFileBytes(TEST_LAUNCHER);
+    const size_t nDirectories = CByteView(bytes).Dword(60) + 120;
+    const DWORD nRelocations = CByteView(bytes).Dword(nDirectories + 5 * 8);
+    // A table that somebody put behind the relocations, of nothing.
+    PutDword(bytes, nDirectories + 10 * 8, nRelocations + 4);
+    PutDword(bytes, nDirectories + 10 * 8 + 4, 1);
+    bytes.insert(bytes.end(), 1000, 'x');
+    CProblems problems;
+    auto file = CLauncherFile::Read("a", MakeBlob(bytes), problems);
+    for (const size_t nSize : {400000U, 500000U, 10U}) {
+        CSkin skin = file->Skin();
+        skin.m_pictures[PictureBullet] = BlobOf(nSize, 7);
+        ASSERT_TRUE(file->Save(skin, path.c_str(), problems)) << Lines(problems);
+        const CSystemView view(path);
+        ASSERT_TRUE(view.m_h);
+        EXPECT_TRUE(SameBytes(view.Picture(IDB_BULLET), skin.m_pictures[PictureBullet]));
+        EXPECT_EQ("Fennick.exe", view.Text(IDS_SETUP_COMMAND));
+        const std::string saved = Contents(path);
+        EXPECT_EQ(std::string(1000, 'x'), saved.substr(saved.size() - 1000));
+        EXPECT_EQ("", Lines(problems));
+    }
+}
+
+TEST(LauncherFile, SaysWhatAFileIsThatIsNone)
+{
+    std::string good = Contents(TEST_LAUNCHER);
+    const size_t nHeader = static_cast<BYTE>(good[60]);
+    const auto With = [&](size_t nOffset, const std::string &bytes) {
+        return std::string(good).replace(nOffset, bytes.size(), bytes);
+    };
+    const std::pair<std::string, const char *> cases[] = {
+        {"", "empty"},
+        {"hello", "not a program"},
+        {good.substr(0, 100), "DOS"},
+        {With(nHeader, "NE"), "16-bit"},
+        {With(nHeader + 24, std::string("\x0B\x02", 2)), "64-bit"},
+        {With(nHeader + 4, std::string("\x64\xAA", 2)), "another kind"},
+        {good.substr(0, good.size() / 2), "cut off"},
+        {With(good.find(std::string("\0\0\0\0\0\0\x07\0\x02\0\0\0", 12)), std::string(8, '\xFF')),
+         "cut off or damaged"},
+        {WithoutDialog(), "no launcher"},
+    };
+    for (const auto &test : cases) {
+        CProblems problems;
+        const std::vector<BYTE> bytes(test.first.begin(), test.first.end());
+        EXPECT_FALSE(CLauncherFile::Read("x", MakeBlob(bytes), problems));
+        EXPECT_TRUE(strstr(Lines(problems).c_str(), test.second)) << Lines(problems);
+    }
+}
+
+// Whatever goes wrong while saving, the old file is there, and nothing else.
+TEST(LauncherFile, LosesNothingWhenItCannotSave)
+{
+    CTemporaryDirectory directory;
+    const std::string path = directory.Path() + "\\a.exe";
+    CopyFileA(TEST_LAUNCHER, path.c_str(), FALSE);
+    CProblems problems;
+    const auto file = CSkinFile::Open(path.c_str(), problems);
+    CSkin skin = file->Skin();
+    SetText(skin, IDS_TITLE, "Other");
+    const auto ExpectFailure = [&](const char *pszReason) {
+        problems.clear();
+        EXPECT_FALSE(file->Save(skin, path.c_str(), problems));
+        EXPECT_TRUE(strstr(Lines(problems).c_str(), pszReason)) << Lines(problems);
+        EXPECT_TRUE(Contents(TEST_LAUNCHER) == Contents(path));
+        EXPECT_EQ(std::vector<std::string>{"a.exe"}, directory.Files("*"));
+    };
+    {
+        CFakeCall<BOOL(HANDLE, const void *, DWORD, DWORD *, OVERLAPPED *)> full(
+            "WriteFile", [](HANDLE, const void *, DWORD, DWORD *, OVERLAPPED *) {
+                SetLastError(ERROR_DISK_FULL);
+                return FALSE;
+            });
+        ExpectFailure("the disk is full");
+    }
+    SetFileAttributesA(path.c_str(), FILE_ATTRIBUTE_READONLY);
+    ExpectFailure("write-protected");
+    SetFileAttributesA(path.c_str(), FILE_ATTRIBUTE_NORMAL);
+    {
+        const HANDLE used = CreateFileA(path.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr,
+                                        OPEN_EXISTING, 0, nullptr);
+        ExpectFailure("another program uses it");
+        CloseHandle(used);
+    }
+    SetFileAttributesA(path.c_str(), FILE_ATTRIBUTE_NORMAL);
+    EXPECT_FALSE(file->IsOutdated());
+    WriteFileBytes(path, "changed");
+    problems.clear();
+    EXPECT_FALSE(file->Save(skin, path.c_str(), problems));
+    EXPECT_TRUE(strstr(Lines(problems).c_str(), "has changed the file")) << Lines(problems);
+    EXPECT_EQ("changed", Contents(path));
+    EXPECT_TRUE(file->IsOutdated());
+    file->OverwriteChanges(true);
+    EXPECT_TRUE(file->Save(skin, path.c_str(), problems));
+    EXPECT_EQ("Other", TextOf(CSkinFile::Open(path.c_str(), problems)->Skin(), IDS_TITLE));
+}

@@ -1,0 +1,57 @@
+#include "Window/PropertyGrid.h"
+
+#include "DiscMaker/Skins.h"
+#include "Support/TestWindow.h"
+
+namespace {
+
+struct CGridWindow : CCUIWindow, CDocumentWatcher, CPropertyHost
+{
+    CGridWindow() : m_document(this), m_grid(m_document, *this)
+    {
+        Create(nullptr, "grid", WS_POPUP | WS_VISIBLE, {0, 0, 300, 400}, nullptr, 0);
+        m_grid.CreateGrid(*this, 1);
+    }
+    ~CGridWindow() override { Destroy(); }
+    void OnSkinChanged(const SkinPart *pPart) override { m_grid.Read(pPart); }
+    void OnPropertyRow(const PropertyRow &, bool) override {}
+    void OnPropertyButton(const PropertyRow &) override {}
+
+    HWND Editor() { return GetDlgItem(m_grid, 1); }
+    void PressEscape()
+    {
+        MSG msg = {};
+        msg.hwnd = Editor();
+        msg.message = WM_KEYDOWN;
+        msg.wParam = VK_ESCAPE;
+        EXPECT_TRUE(m_grid.PreTranslateMessage(&msg));
+    }
+
+    CDocument m_document;
+    CPropertyGrid m_grid;
+};
+
+}  // namespace
+
+// Of the row that another skin finds selected, too.
+TEST(PropertyGrid, TakesBackWhatWasTypedInTheSkinThatIsShown)
+{
+    CGridWindow window;
+    CSkin skin = GoodSkin();
+    for (const char *const pszLabel : {"First", "Second"}) {
+        skin.m_texts[0].m_entries[IDS_DISC_LABEL] = CWideText(pszLabel, 1252);
+        window.m_document.Start(skin);
+        ASSERT_EQ(UINT{IDS_DISC_LABEL}, window.m_grid.Selected()->m_nID);
+        window.PressEscape();
+        EXPECT_FALSE(window.m_document.IsModified()) << pszLabel;
+        SetWindowTextA(window.Editor(), "Typed");
+        EXPECT_STREQ("Typed", window.m_document.Entry(IDS_DISC_LABEL));
+        window.PressEscape();
+        EXPECT_STREQ(pszLabel, window.m_document.Entry(IDS_DISC_LABEL));
+    }
+    // With a row for languages a heading stands where the background stood.
+    window.m_grid.SelectResource(IDB_BACKGROUND);
+    skin.m_texts.push_back({0x407, {}});
+    window.m_document.Start(skin);
+    EXPECT_NE(PropertyRow::Heading, window.m_grid.Selected()->m_kind);
+}

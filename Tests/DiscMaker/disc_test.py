@@ -1,0 +1,47 @@
+"""Makes discs with ./disc, from folders with names of many languages, and looks at what comes out."""
+
+import pathlib
+import shutil
+import subprocess
+import tempfile
+import unittest
+
+from PIL import Image
+
+ROOT = pathlib.Path(__file__).resolve().parents[2]
+
+
+class DiscTest(unittest.TestCase):
+    def setUp(self):
+        self.folder = pathlib.Path(tempfile.mkdtemp(prefix="disc"))
+        self.addCleanup(shutil.rmtree, self.folder)
+        self.contents = self.folder / "My contents"
+        (self.contents / "Größe α").mkdir(parents=True)
+        for name in ("Fennick.exe", "RunFennick.exe", "tutorial.exe", "Größe α/漢 é.txt"):
+            (self.contents / name).write_text(name)
+
+    def make(self, *options):
+        done = subprocess.run([ROOT / "disc", ROOT / "AutoRun/Skin", "My contents", "--out", "out/d",
+                               *options], cwd=self.folder, capture_output=True, text=True,
+                              check=False)
+        return done.returncode, done.stdout + done.stderr
+
+    def test_disc(self):
+        self.assertEqual(self.make("--iso", "d.iso", "--picture", "p.png")[0], 0)
+        disc = self.folder / "out/d"
+        self.assertEqual((disc / "Größe α/漢 é.txt").read_text(), "Größe α/漢 é.txt")
+        subprocess.run(["sha256sum", "--quiet", "-c", "SHA256SUMS"], cwd=disc, check=True)
+        self.assertIn(b"\r\nlabel=Fennick 4.1\r\n", (disc / "autorun.inf").read_bytes())
+        self.assertEqual(Image.open(self.folder / "p.png").size, (514, 345))
+        self.assertEqual((self.folder / "d.iso").read_bytes()[32808:32840].strip(), b"Fennick 4.1")
+        (self.contents / "tutorial.exe").unlink()
+        code, text = self.make()
+        self.assertEqual((code, text.count('"tutorial.exe" is not among')), (1, 1), text)
+        (disc / "mine.txt").write_text("mine")
+        code, text = self.make()
+        self.assertEqual((code, text.count("mine.txt: This file was not written")), (2, 1), text)
+        self.assertEqual((disc / "mine.txt").read_text(), "mine")
+
+
+if __name__ == "__main__":
+    unittest.main(verbosity=2)
