@@ -21,9 +21,15 @@ def wait_for(condition, what):
     end = time.monotonic() + 60
     while not (answer := condition()):
         if time.monotonic() > end:
-            raise AssertionError(f"waited in vain for {what}")
+            raise AssertionError(f"waited in vain for {what}; {state_of_screen()}")
         time.sleep(0.02)
     return answer
+
+
+def state_of_screen():
+    picture = BUILD / f"Tests/failed-{os.getpid()}.png"
+    ImageGrab.grab(xdisplay="").save(picture)
+    return f"{picture} shows the screen, the focus has {xdotool('getwindowfocus', 'getwindowname')!r}"
 
 
 def windows_path(path):

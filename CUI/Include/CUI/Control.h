@@ -25,9 +25,10 @@ enum CUIControlState : unsigned int
 /// Presses the button, or gives the focus to the field behind the label, whose text has the
 /// mnemonic of a WM_SYSCHAR (Alt with a character), among all windows inside hParent, those of the
 /// system too; where several have it, the next one after the focus just gets that. 1 when there was
-/// one. Dialogs do it by themselves, and so do own-drawn controls with the focus; other windows,
-/// such as frames, call it in PreTranslateMessage for the times when another child has the focus.
-/// The window may be gone afterwards.
+/// one. The commands are refreshed before (CCUICommandMap::IdleUpdate), so that a button whose
+/// command the last key has enabled is found. Dialogs do it by themselves, and so do own-drawn
+/// controls with the focus; other windows, such as frames, call it in PreTranslateMessage for the
+/// times when another child has the focus. The window may be gone afterwards.
 CUI_API int CUITranslateMnemonic(HWND hParent, const MSG *pMsg);
 
 /// The base of controls that draw themselves: text, font and colours; the states that mouse,

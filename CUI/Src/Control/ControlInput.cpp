@@ -227,8 +227,9 @@ void CCUIControl::OnKillFocus(HWND hNew)
 
 int CCUIControl::PreTranslateMessage(MSG *pMsg)
 {
+    CWatch watch(this);
     if (pMsg->message == WM_SYSCHAR && !IsInDialog() &&
-        CUITranslateMnemonic(GetSafeOwner(nullptr), pMsg))
+        (CUITranslateMnemonic(GetSafeOwner(nullptr), pMsg) || watch.IsGone()))
         return 1;
     return CCUIControlWindow::PreTranslateMessage(pMsg);
 }

@@ -1,5 +1,6 @@
 // Alt and a character, outside of dialogs.
 
+#include "CUI/CommandMap.h"
 #include "CUI/Control.h"
 
 namespace {
@@ -81,6 +82,9 @@ int CUITranslateMnemonic(HWND hParent, const MSG *pMsg)
 {
     if (pMsg->message != WM_SYSCHAR || pMsg->wParam <= ' ')
         return 0;
+    // Keys that come quickly leave no time for an idle pass: what the last one has enabled may look
+    // disabled yet.
+    CCUICommandMap::IdleUpdate();
     CSearch search = {
         hParent, Upper(static_cast<UINT>(pMsg->wParam)), GetFocus(), nullptr, nullptr, 0, false};
     EnumChildWindows(hParent, Visit, reinterpret_cast<LPARAM>(&search));

@@ -85,7 +85,7 @@ int CCUILayoutWindow::PreTranslateMessage(MSG *pMsg)
     if (bTab && (MoveFocus(pMsg->hwnd) || watch.IsGone()))
         return 1;
     if (pMsg->message == WM_SYSCHAR && !IsInsideDialog(m_hWnd) &&
-        CUITranslateMnemonic(m_hWnd, pMsg))
+        (CUITranslateMnemonic(m_hWnd, pMsg) || watch.IsGone()))
         return 1;
     return CCUIControlWindow::PreTranslateMessage(pMsg);
 }
