@@ -308,8 +308,13 @@ TEST(Control, MnemonicsWorkOutsideOfDialogs)
         char c;
         int bTaken, nFocus;
         const char *told;
-    } rows[] = {{'g', 1, 5, "5,0 "}, {'S', 1, 6, ""},       {'s', 1, 7, ""}, {'s', 1, 6, ""},
-                {'m', 0, 6, ""},     {'n', 1, 9, "9,256 "}, {'l', 1, 1000, "9,512 1000,0 "}};
+    } rows[] = {{'g', 1, 5, "5,0 "},
+                {'S', 1, 6, ""},
+                {'s', 1, 7, ""},
+                {'s', 1, 6, ""},
+                {'m', 0, 6, ""},
+                {'n', 1, 9, "9,256 "},
+                {'l', 1, 1000, "9,512 1000,0 "}};
     for (const auto &row : rows) {
         MSG msg = {parent, WM_SYSCHAR, static_cast<WPARAM>(row.c), 1 << 29, 0, {}};
         EXPECT_EQ(row.bTaken, CUITranslateMnemonic(parent, &msg)) << row.c;
