@@ -17,8 +17,8 @@ SETUP, EXIT, RUN, HELP, NONE = range(5)
 
 
 def wait_for(condition, what):
-    """Polls until the condition holds, for a minute, and returns what it answered."""
-    end = time.monotonic() + 60
+    """Polls until the condition holds, for two minutes, and returns what it answered."""
+    end = time.monotonic() + 120
     while not (answer := condition()):
         if time.monotonic() > end:
             raise AssertionError(f"waited in vain for {what}; {state_of_screen()}")
@@ -51,6 +51,28 @@ def xdotool(*words):
 
 def windows(caption):
     return set(xdotool("search", "--onlyvisible", "--name", f"^{caption}$").split())
+
+
+def wait_for_focus(has_it, candidates):
+    """Waits until has_it() says that the keys go where they are meant to; in the end gives candidates()
+    the focus, as a window manager would. Wine 8 asks X for it with the time of its last message, which
+    may be older on a busy machine than the last change of the focus; then X gives it to nobody."""
+    help_from = time.monotonic() + 5
+
+    def has_focus():
+        if has_it():
+            return True
+        if time.monotonic() > help_from:
+            for window in candidates():
+                xdotool("windowfocus", window)
+        return False
+    wait_for(has_focus, "the focus")
+
+
+def wait_for_focus_on(caption):
+    """The same for the window whose caption has that text in it."""
+    wait_for_focus(lambda: caption in xdotool("getwindowfocus", "getwindowname"),
+                   lambda: windows(f".*{caption}.*"))
 
 
 def is_same(left, right):

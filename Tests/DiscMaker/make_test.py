@@ -15,8 +15,8 @@ import unittest
 from PIL import Image, ImageGrab
 
 from window_test import MakerWindow
-from launcher import (BUILD, EXIT, HELP, NONE, ROOT, RUN, output_of, reference, wait_for, windows,
-                      windows_path, xdotool)
+from launcher import (BUILD, EXIT, HELP, NONE, ROOT, RUN, output_of, reference, wait_for, wait_for_focus_on,
+                      windows, windows_path, xdotool)
 
 SKIN = ROOT / "Disc/Skins/IslandPost"
 # The rows of the properties from the top, as they are typed; those with a dot are files.
@@ -36,7 +36,7 @@ def write(text):
 
 def keys(*names):
     """For the main window, once it has the focus."""
-    wait_for(lambda: "Disc Maker" in xdotool("getwindowfocus", "getwindowname"), "the focus")
+    wait_for_focus_on("Disc Maker")
     press(*names)
 
 

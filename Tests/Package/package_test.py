@@ -17,7 +17,7 @@ from concurrent.futures import ThreadPoolExecutor
 
 ROOT = pathlib.Path(__file__).resolve().parents[2]
 sys.path.append(str(ROOT / "Tests/AutoRun"))
-from launcher import BUILD, output_of, wait_for, windows, xdotool  # noqa: E402
+from launcher import BUILD, output_of, wait_for, wait_for_focus, windows, xdotool  # noqa: E402
 
 WARNINGS = ("-Wall", "-Wextra", "-Wpedantic", "-Wshadow", "-Wconversion", "-Werror")
 
@@ -57,14 +57,14 @@ class Package(unittest.TestCase):
                          r"Click 1 at \d+, \d+\s+Click 2 at \d+, \d+\s+")
 
         def press(window):
-            wait_for(lambda: xdotool("getwindowfocus").strip() == window, "the focus")
+            wait_for_focus(lambda: xdotool("getwindowfocus").strip() == window, lambda: [window])
             # F6 is disabled at first; C is a letter that its item has only once the menu opens.
             xdotool("key", "--delay", 100, "F6", "F5", "alt+c", "c", "alt+c", "r", "Escape")
         self.assertEqual(["Counter: 1", "Counter: 2", "Counter: 0"],
                          self.output_after("Commands", press).splitlines())
 
         def close_modified(window):
-            wait_for(lambda: xdotool("getwindowfocus").strip() == window, "the focus")
+            wait_for_focus(lambda: xdotool("getwindowfocus").strip() == window, lambda: [window])
             xdotool("key", "--delay", 100, "x", "F11", "Escape", "alt+f", "x")
             wait_for(lambda: windows("Notes"), "the question")
             xdotool("key", "n")

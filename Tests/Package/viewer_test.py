@@ -11,7 +11,7 @@ import unittest
 from PIL import Image, ImageChops, ImageGrab
 
 from package_test import ROOT, Package, output_of, wait_for, windows, xdotool
-from launcher import windows_path
+from launcher import wait_for_focus_on, windows_path
 
 EDGE = (1, 200, 3)  # nothing else on the screen has that colour
 SETTINGS = r"HKCU\Software\Samples\Viewer"
@@ -19,7 +19,7 @@ SETTINGS = r"HKCU\Software\Samples\Viewer"
 
 def keys(*names, to="Picture Viewer"):
     """Presses them once a window with such a caption has the focus: others would get them before."""
-    wait_for(lambda: to in xdotool("getwindowfocus", "getwindowname"), "the focus")
+    wait_for_focus_on(to)
     xdotool("key", "--delay", 100, *names)
 
 
