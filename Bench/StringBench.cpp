@@ -10,15 +10,14 @@
 
 namespace {
 
-// Called as the framework's functions are: the text comes by value and is read.
-// NOLINTNEXTLINE(performance-unnecessary-value-param)
+// NOLINTNEXTLINE(performance-unnecessary-value-param): by value, as the framework's functions do.
 __attribute__((noinline)) int Take(CCUString text)
 {
     BenchKeep(text);
     return text.GetLength();
 }
 
-// NOLINTNEXTLINE(performance-unnecessary-value-param)
+// NOLINTNEXTLINE(performance-unnecessary-value-param): the same.
 __attribute__((noinline)) int TakeStandard(std::string text)
 {
     BenchKeep(text);

@@ -9,6 +9,7 @@ import pathlib
 import re
 import shutil
 import subprocess
+import sys
 import tempfile
 import time
 import unittest
@@ -123,6 +124,16 @@ class Input(LauncherTest):
             self.close(process)
 
 
+class HighColour(LauncherTest):
+    """Run by Screens at 16 bits: everything as it is with more, in the colours that there are."""
+
+    def test_lines_light_up(self):
+        process = self.start()
+        for line in (NONE, SETUP, RUN, HELP, EXIT):
+            self.over(line)
+        self.close(process)
+
+
 class OddSkins(LauncherTest):
     def reports(self):
         """The failed checks of the reading that were ever reported."""
@@ -203,6 +214,9 @@ class Screens(unittest.TestCase):
             for name in ("DISPLAY", "WITH_WINE_INSIDE", "WINEPREFIX"):
                 environment.pop(name, None)
             output_of(ROOT / "setup", env=environment)
+            if depth == "16":
+                output_of(ROOT / "Tools/with-wine", sys.executable, __file__, "HighColour",
+                          env=environment)
             for program, names in tests:
                 text = output_of(ROOT / "Tools/with-wine", "wine", BUILD / "Tests" / program,
                                  "--gtest_filter=" + names, env=environment)

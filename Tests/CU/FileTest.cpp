@@ -57,3 +57,19 @@ TEST(File, TranslatesNamesUpTo500Characters)
     EXPECT_STREQ("\\\\a\\b c\\d\\", CUTranslateFileName("\\/a/b c\\d/"));
     EXPECT_EQ(CCUString('\\', 500), CUTranslateFileName(CCUString('/', 501)));
 }
+
+TEST(File, MakesTheDirectoriesThatAreMissing)
+{
+    const CTemporaryDirectory directory;
+    const auto make = [&](const char *path, int nEndsInFileName) {
+        return CCUFileCreateDirs((directory.Path() + path).c_str(), nEndsInFileName);
+    };
+    EXPECT_EQ(0, CCUFileCreateDirs("", 0));
+    EXPECT_EQ(1, make("/a/b/name", 1));
+    EXPECT_FALSE(std::filesystem::exists(directory.Path() + "\\a\\b\\name"));
+    EXPECT_EQ(1, make("/a/b/name", 0));
+    EXPECT_TRUE(std::filesystem::is_directory(directory.Path() + "\\a\\b\\name"));
+    directory.Make("plain");  // in the way it counts as present, but nothing can be made in it
+    EXPECT_EQ(1, make("/plain/x", 1));
+    EXPECT_EQ(0, make("/plain/x", 0));
+}

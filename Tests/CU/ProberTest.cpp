@@ -40,7 +40,7 @@ TEST(Prober, SetsEachKindToWhatItsTextSaysAndNothingElse)
         const char *text;
         CUProberResult nResult;
         const char *value;
-    } rows[] = {{number.GetID(), " +12 ", CU_PROBER_DONE, "12"},
+    } rows[] = {{number.GetID(), " +19 ", CU_PROBER_DONE, "19"},
                 {number.GetID(), "0xFFFFFFFF", CU_PROBER_DONE, "-1"},
                 {number.GetID(), "-2147483648", CU_PROBER_DONE, "-2147483648"},
                 {number.GetID(), "2147483648", CU_PROBER_NOT_PARSED, "-2147483648"},

@@ -26,6 +26,17 @@ void NoteMessage(unsigned int uMessage, WPARAM wParam, LPARAM lParam)
     g_nMessages += CUIsYourMessage(uMessage) && wParam == 5 && lParam == -6 ? 1 : 100;
 }
 
+TEST(Process, ClockStartsAtItsFirstCallAndWraps)
+{
+    CFakeClock clock;
+    clock.Jump(0UL - MultimediaTime());  // as the system's own clock wraps, even
+    EXPECT_EQ(0u, CUGetTime());
+    clock.Jump(1000);
+    EXPECT_EQ(1001u, CUGetTime());  // the 0 that means "not known" counts as the moment before
+    clock.Jump(0xFFFFFFFF);
+    EXPECT_EQ(1000u, CUGetTime());
+}
+
 TEST(Process, MessageWindowHandsPostedWorkToItsThread)
 {
     const UINT uForeign = RegisterWindowMessageA("ProcessTestForeign");

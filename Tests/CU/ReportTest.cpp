@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <string>
 
+#include "../../CU/Src/Report/Demangle.h"
 #include "../../CU/Src/Report/ReportFile.h"
 #include "CU/Assert.h"
 #include "CU/CrashReport.h"
@@ -12,6 +13,7 @@
 #include "Support/FakeTime.h"
 #include "Support/HeapWatch.h"
 #include "Support/TemporaryDirectory.h"
+#include "Support/Threads.h"
 
 #define CU_SOURCE "AssertTest"
 
@@ -77,6 +79,15 @@ TEST(Assert, AppendsAReportToTheDaysFile)
     EXPECT_STREQ("\r\n\r\nfirst\r\n", after.c_str() + after.size() - 11);
 }
 
+TEST(Assert, ReportsTheFirstTenFailuresOnlyOnHoweverManyThreads)
+{
+    const CTemporaryDirectory directory;
+    static LONG s_nReports = 0;
+    CURegisterExceptionHandler([](FILE *) { InterlockedIncrement(&s_nReports); });
+    CThreads::Run(32, [](int) { CUDisplayAssert("b", "Source", 1); });
+    EXPECT_EQ(10, s_nReports);
+}
+
 // It may be written with a damaged heap.
 TEST(Assert, ReportsWithoutTheHeap)
 {
@@ -114,6 +125,23 @@ TEST(StackTrace, WalksAnotherThreadAndLetsItGoOn)
     EXPECT_EQ(nullptr, strstr(szStack, "TestBody")) << "this thread's: " << szStack;
     EXPECT_EQ(1u, SuspendThread(hThread));
     TerminateThread(hThread, 0);
+}
+
+TEST(StackTrace, NamesFunctionsAsTheSourceHasThem)
+{
+    const char *const names[][2] = {{"_Z3Runi", "Run"},
+                                    {"__ZN5Scope3RunEi", "Scope::Run"},
+                                    {"main", "main"},
+                                    {"_ZNK5Scope3RunEv", "Scope::Run"},
+                                    {"_ZN5ScopeC1Ev", "Scope::Scope"},
+                                    {"_ZN5ScopeD2Ev", "Scope::~Scope"},
+                                    {"_ZN5ScopeIiE3RunEv", "_ZN5ScopeIiE3RunEv"},
+                                    {"_Z4Run", "_Z4Run"}};
+    for (const auto &name : names) {
+        char szName[32];
+        CUDemangle(name[0], szName, sizeof szName);
+        EXPECT_STREQ(name[1], szName);
+    }
 }
 
 TEST(StackTrace, LeavesOutWhatDoesNotFitByWholeLines)

@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "Support/HeapWatch.h"
+#include "Support/ImportHook.h"
 #include "Support/Reports.h"
 #include "Support/Threads.h"
 
@@ -232,6 +233,16 @@ TEST(String, ConvertsBetweenWideAndAnsiWithinItsBuffers)
         EXPECT_EQ(CUWideToMultiByteString(narrow.data(), L"abc", nRoom), nRoom < 4 ? 0 : 4);
         EXPECT_EQ(CUMultiByteToWideString(wide.data(), "abc", nRoom), nRoom < 4 ? 0 : 4);
     }
+}
+
+// As from Windows 10 1903 on, where the user may choose it.
+TEST(String, HasRoomForWideTextWhereTheCodePageIsUtf8)
+{
+    const CFakeCall<int(UINT, DWORD, LPCWSTR, int, LPSTR, int, LPCSTR, LPBOOL)> convert(
+        "WideCharToMultiByte",
+        [&](UINT, auto... rest) { return convert.Original(CP_UTF8, rest...); });
+    EXPECT_STREQ("\xE2\x82\xAC\xE2\x82\xAC",
+                 CCUString(reinterpret_cast<const unsigned short *>(L"\x20AC\x20AC")));
 }
 
 TEST(String, ThreadsShareBlocks)

@@ -118,6 +118,9 @@ TEST(Time, NullStandsForTheCurrentZone)
     EXPECT_EQ((std::vector<int>{2001, 7, 4, 12, 30, 15, 4}),
               (std::vector<int>{noon.GetYear(), noon.GetMonth(), noon.GetDay(), noon.GetHour(),
                                 noon.GetMinute(), noon.GetSecond(), noon.GetDayOfWeek()}));
+    // Said to be standard time, and daylight time.
+    EXPECT_EQ(3600,
+              (CCUTime(2001, 7, 4, 12, 0, 0, 0) - CCUTime(2001, 7, 4, 12, 0, 0, 1)).GetSpan());
 }
 
 TEST(Time, WhatIsNegativeOrTooLateBecomesTheMaximumExceptInCompoundOperators)
@@ -163,6 +166,9 @@ TEST(Time, ParsesTimesAndDates)
           "1:2", "2/29/2001", "12/31/1969", "13/1/2001", "0/1/2001", "1/0/2001", "1/2"})
         EXPECT_STREQ("no", parsed(text)) << text;
     EXPECT_STRNE("no", parsed("2/29/2100"));
+    const int days[] = {-1, 31, 29, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31, -1};
+    for (int nMonth = 0; nMonth < 14; ++nMonth)
+        EXPECT_EQ(days[nMonth] - (nMonth == 2), CUGetDaysInMonth(2101, nMonth)) << nMonth;
 }
 
 TEST(Time, SpansAreSplitFormattedAndParsed)

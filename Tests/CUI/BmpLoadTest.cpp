@@ -9,6 +9,7 @@
 #include "Support/HeapWatch.h"
 #include "Support/Reports.h"
 #include "Support/SysColors.h"
+#include "Support/Threads.h"
 
 namespace {
 
@@ -240,7 +241,7 @@ TEST_F(BmpLoad, OfAnyBytesStaysWithinTheirBounds)
     EXPECT_GT(nRead, 300);
 }
 
-TEST(Bitmap, LivesAsLongAsItsLastCopy)
+TEST(Bitmap, LivesAsLongAsItsLastCopyOnWhateverThread)
 {
     const HBITMAP hBitmap = NewBitmap();
     const HPALETTE hPalette = CreateHalftonePalette(nullptr);
@@ -254,6 +255,13 @@ TEST(Bitmap, LivesAsLongAsItsLastCopy)
         first = NewBitmap();
         EXPECT_EQ(nullptr, static_cast<HPALETTE>(first));
     }
+    CThreads::Run(4, [&](int) {
+        for (int i = 0; i < 300000; ++i) {
+            CCUIBitmap copy(last), assigned;
+            assigned = copy;
+            copy.Empty();
+        }
+    });
     EXPECT_EQ(1, last.GetData()->m_nRefs);
     EXPECT_EQ(hPalette, static_cast<HPALETTE>(last));
     EXPECT_EQ(3 * 2 * 1, last.Width() * last.Height() * last.Depth());

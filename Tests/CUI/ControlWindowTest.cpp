@@ -25,6 +25,27 @@ struct CEvents : CCUIWindowEventCallback
 
 }  // namespace
 
+TEST(ControlWindow, TellsTheParentWhatOfItsLayoutChanged)
+{
+    CTestWindow layout;
+    CControl control(layout);
+    std::string told;
+    layout.m_on[CUI_WM_LAYOUT] = [&] {
+        const bool bIts = reinterpret_cast<HWND>(layout.m_wParam) == control.GetHandle();
+        return told += Text(bIts ? "its %ld " : "%ld ", layout.m_lParam), 0;
+    };
+    // Flags that move the siblings too, whether they come or go, lay out all.
+    for (const unsigned long nFlags : {4UL, 5UL, 5UL, 0x100UL, 4UL, 0x1000UL, 0x80000000UL})
+        control.SetLayoutFlags(nFlags);
+    EXPECT_EQ("its 6 3 3 its 6 3 ", std::exchange(told, ""));
+    control.SetFixedSize(21);
+    control.SetFixedSize(21);
+    control.SetColorChanging(1);
+    control.SetFixedSize(22);
+    control.SetLayoutFlags(7);
+    EXPECT_EQ("its 6 ", told);
+}
+
 TEST(ControlWindow, RepaintsItselfAndWhatIsAroundItInANewColour)
 {
     CTestWindow parent(nullptr, WS_POPUP | WS_VISIBLE);

@@ -2,6 +2,7 @@
 #include "CUI/Data.h"
 
 #include "CU/Time.h"
+#include "Support/ImportHook.h"
 #include "Support/TestWindow.h"
 
 namespace {
@@ -17,6 +18,25 @@ COLORREF ColorOf(HGDIOBJ hObject)
 }
 
 }  // namespace
+
+TEST(Data, HoldsTheSystemsMetricsInTheOrderOfTheRecord)
+{
+    CUIData &data = *CUIGetWinData();
+    RECT desktop;
+    GetWindowRect(GetDesktopWindow(), &desktop);
+    const CFakeCall<int(int)> metric("GetSystemMetrics", [](int nIndex) { return 1000 + nIndex; });
+    data.UpdateWinIni();
+    int nRead = 0;
+    for (const int nMetric : {SM_CXVSCROLL, SM_CYHSCROLL, SM_CXICON, SM_CYICON, SM_CXFRAME,
+                              SM_CYFRAME, SM_CYCAPTION, SM_CXBORDER, SM_CYBORDER})
+        EXPECT_EQ(1000 + nMetric, (&data.cxVScroll)[nRead++]);
+    EXPECT_EQ(1000 + SM_CXSIZE, data.cxSize);
+    EXPECT_EQ(1000 + SM_CYSIZE, data.cySize);
+    EXPECT_EQ(Text("%ld %ld 96 96", desktop.right, desktop.bottom),
+              Text("%d %d %d %d", data.cxDesktop, data.cyDesktop, data.cxPixelsPerInch,
+                   data.cyPixelsPerInch));
+    EXPECT_LT(0, data.cyChar);
+}
 
 TEST(Data, HoldsTheSystemsFonts)
 {

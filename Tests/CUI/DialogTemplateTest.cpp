@@ -1,8 +1,11 @@
 #include <gtest/gtest.h>
 
+#include <string>
+
 #include "CUI/DialogTemplate.h"
 #include "Support/FakeResource.h"
 #include "Support/HeapWatch.h"
+#include "Support/ImportHook.h"
 
 namespace {
 
@@ -14,6 +17,11 @@ void ExpectLikeTheSystem(const CCUIDialogTemplate &dialogTemplate)
     RECT client;
     GetClientRect(hWnd, &client);
     SIZE size;
+    std::string face;  // that it measures with; in Wine 8 all have the same size
+    const CFakeCall<HFONT(const LOGFONTA *)> make("CreateFontIndirectA", [&](const LOGFONTA *p) {
+        face = p->lfFaceName;
+        return make.Original(p);
+    });
     EXPECT_EQ(1, dialogTemplate.GetSizeInPixels(size));
     EXPECT_EQ(client.right, size.cx);
     EXPECT_EQ(client.bottom, size.cy);
@@ -28,6 +36,7 @@ void ExpectLikeTheSystem(const CCUIDialogTemplate &dialogTemplate)
     unsigned short nPoints = 0;
     EXPECT_EQ(font != 0, dialogTemplate.GetFont(sFace, nPoints));
     EXPECT_STREQ(logFont.lfFaceName, sFace.Left(LF_FACESIZE - 1));
+    EXPECT_EQ(logFont.lfFaceName, face);
     EXPECT_EQ(-logFont.lfHeight, MulDiv(nPoints, 96, 72));
     EXPECT_EQ(static_cast<DWORD>(WS_EX_TOPMOST), dialogTemplate.GetExStyle());
     DestroyWindow(hWnd);

@@ -168,6 +168,27 @@ TEST(Dialog, RunsInAnotherAndPassesQuitOn)
     EXPECT_EQ(0u, msg.wParam);
 }
 
+// Another run begins and ends while this one looks for its owner, and one when it is over.
+TEST(Dialog, KeepsARunApartFromOthersInside)
+{
+    CTestWindow frame, popup(frame, WS_POPUP), child(popup, WS_CHILD);
+    CTestDialog dialog;
+    int nRuns = 0;
+    const auto endWithNumber = [&](CTestDialog &running) {
+        EXPECT_TRUE(running.IsActive());
+        const int nRun = ++nRuns;
+        running.EndDialog(static_cast<unsigned>(10 + nRun));
+        EXPECT_EQ(13, nRun == 2 ? running.DoModal(nullptr) : 13);
+    };
+    frame.m_on[WM_ENABLE] = [&] {
+        EXPECT_EQ(11, nRuns == 0 ? dialog.Run(endWithNumber) : 11);
+        return 0;
+    };
+    EXPECT_EQ(12, dialog.Run(endWithNumber, &child));
+    EXPECT_EQ(3, nRuns);
+    EXPECT_FALSE(dialog.IsActive());
+}
+
 TEST(Dialog, StandsItsOwnDeathWhereverItComes)
 {
     const CReports reports;

@@ -120,3 +120,19 @@ TEST(MessageLoop, ServesWhatAnIdleLoopMayServe)
     CCUIWindow::IdleLoop(-60000, 0);
     EXPECT_TRUE(PeekMessageA(&msg, nullptr, WM_QUIT, WM_QUIT, PM_REMOVE));
 }
+
+TEST(MessageLoop, AbortsOwnedDialogsTheDeepestFirst)
+{
+    std::string order;
+    CTestWindow frame, first(frame, WS_POPUP), second(first, WS_POPUP);
+    for (CTestWindow *pWindow : {&first, &second}) {
+        MakePlain("BUTTON", *pWindow, IDNO);
+        MakePlain("BUTTON", *pWindow, IDCANCEL);
+        pWindow->m_on[WM_COMMAND] = [=, &order, &first] {
+            order += Text("%s%u ", pWindow == &first ? "first" : "second", pWindow->m_wParam);
+            return pWindow->m_wParam == IDNO && pWindow->Destroy();
+        };
+    }
+    CCUIWindow::AbortDialog(frame);
+    EXPECT_EQ("second2 second7 first2 first7 ", order);
+}

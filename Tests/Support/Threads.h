@@ -1,22 +1,23 @@
 #pragma once
 
 #include <functional>
-#include <utility>
 #include <vector>
 
 #include "CU/Platform.h"
 
-// Runs `work` on several threads at once, each with its number from 0 on, and waits for all.
+// Runs `work` on several threads at once, each with its number from 0 on, and waits for all. None
+// begins before all are there: short work would be done by one after the other.
 class CThreads
 {
 public:
     static void Run(int nThreads, const std::function<void(int nThread)> &work)
     {
         const auto nCount = static_cast<size_t>(nThreads);
-        std::vector<std::pair<std::function<void(int)>, int>> starts(nCount);
+        volatile LONG nMissing = nThreads;
+        std::vector<CStart> starts(nCount);
         std::vector<HANDLE> threads(nCount);
         for (size_t i = 0; i < nCount; ++i) {
-            starts[i] = {work, static_cast<int>(i)};
+            starts[i] = {&work, static_cast<int>(i), &nMissing};
             threads[i] = CreateThread(nullptr, 0, Start, &starts[i], 0, nullptr);
         }
         WaitForMultipleObjects(threads.size(), threads.data(), TRUE, INFINITE);
@@ -25,10 +26,19 @@ public:
     }
 
 private:
+    struct CStart
+    {
+        const std::function<void(int)> *pWork;
+        int nThread;
+        volatile LONG *pnMissing;
+    };
     static DWORD WINAPI Start(void *p)
     {
-        const auto &start = *static_cast<std::pair<std::function<void(int)>, int> *>(p);
-        start.first(start.second);
+        const CStart &start = *static_cast<CStart *>(p);
+        InterlockedDecrement(start.pnMissing);
+        while (*start.pnMissing > 0)
+            Sleep(0);
+        (*start.pWork)(start.nThread);
         return 0;
     }
 };

@@ -75,6 +75,34 @@ inline void CUOnce(volatile LONG &nState, F make)
     InterlockedExchange(&nState, CUOnceDone);
 }
 
+// Counts the threads that are inside of something, each with a CInside on its stack: who gives that
+// back leaves alone what others still use. Plain static data, 0 at first.
+class CCUInsideCount
+{
+public:
+    class CInside
+    {
+    public:
+        explicit CInside(CCUInsideCount &count) : m_count(count)
+        {
+            InterlockedIncrement(&count.m_nThreads);
+        }
+        ~CInside() { InterlockedDecrement(&m_count.m_nThreads); }
+        CInside(const CInside &) = delete;
+        CInside &operator=(const CInside &) = delete;
+
+    private:
+        CCUInsideCount &m_count;
+    };
+
+    // Asked after the way in has been closed: the read waits for that write, as a plain one need
+    // not.
+    bool IsAnybodyInside() { return InterlockedExchangeAdd(&m_nThreads, 0) != 0; }
+
+private:
+    LONG m_nThreads = 0;
+};
+
 // Puts an item at the head of a list that other threads push to and read at the same time.
 template <typename T>
 void CUPushFront(T *volatile &pFirst, T *pItem, T *T::*pNext)

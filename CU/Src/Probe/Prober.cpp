@@ -2,25 +2,17 @@
 
 #include "CU/Dump.h"
 #include "Probe/ProberList.h"
-
-namespace {
-
-const char *OrEmpty(const char *psz)
-{
-    return psz ? psz : "";
-}
-
-}  // namespace
+#include "Text/Characters.h"
 
 CCUProberVariable::CCUProberVariable(CUProberKind nKind, bool bComputed, const char *pszPath,
                                      const char *pszName, const char *pszDescription,
                                      const char *pszUnit)
     : m_bSwitch(false),
       m_nNotice(0),
-      m_pszPath(OrEmpty(pszPath)),
-      m_pszName(OrEmpty(pszName)),
-      m_pszDescription(OrEmpty(pszDescription)),
-      m_pszUnit(OrEmpty(pszUnit)),
+      m_pszPath(CUOrEmpty(pszPath)),
+      m_pszName(CUOrEmpty(pszName)),
+      m_pszDescription(CUOrEmpty(pszDescription)),
+      m_pszUnit(CUOrEmpty(pszUnit)),
       m_nKind(nKind),
       m_bComputed(bComputed),
       m_bOpen(false),
@@ -101,8 +93,8 @@ CCUProberFlag::CCUProberFlag(const char *pszPath, const char *pszName, bool bDef
 CCUProberText::CCUProberText(const char *pszPath, const char *pszName, const char *pszDefault,
                              const char *pszDescription, const char *pszUnit)
     : CCUProberVariable(CU_PROBER_TEXT, false, pszPath, pszName, pszDescription, pszUnit),
-      m_sValue(OrEmpty(pszDefault)),
-      m_pszDefault(OrEmpty(pszDefault))
+      m_sValue(CUOrEmpty(pszDefault)),
+      m_pszDefault(CUOrEmpty(pszDefault))
 {
     List();
 }
@@ -176,7 +168,7 @@ void CCUProber::Dump(const char *pszSubtree)
 }
 
 CCUProberWatch::CCUProberWatch(const char *pszSubtree, HWND hWnd, unsigned int uMessage)
-    : m_sSubtree(OrEmpty(pszSubtree)),
+    : m_sSubtree(CUOrEmpty(pszSubtree)),
       m_hWnd(hWnd),
       m_uMessage(uMessage),
       m_nBit(0),

@@ -3,6 +3,7 @@
 #include <string.h>
 
 #include "Base/KeepLastError.h"
+#include "Base/SystemLibrary.h"
 #include "CU/CU.h"
 #include "CU/Dump.h"
 #include "Probe/ProberList.h"
@@ -254,8 +255,7 @@ LRESULT Receive(const COPYDATASTRUCT *pData)
 void LetRequestsUp(HWND hWnd)
 {
     typedef BOOL WINAPI ChangeFilter(HWND, UINT, DWORD, void *);
-    const auto change = reinterpret_cast<ChangeFilter *>(
-        GetProcAddress(GetModuleHandleA("user32.dll"), "ChangeWindowMessageFilterEx"));
+    const auto change = CUFindFunction<ChangeFilter>("user32.dll", "ChangeWindowMessageFilterEx");
     if (change && !change(hWnd, WM_COPYDATA, ALLOW_MESSAGE, nullptr))
         CUDump("Unable to let requests for probers up, gle: %lu\n", GetLastError());
 }

@@ -4,15 +4,9 @@
 #include <string.h>
 
 #include "CU/Prober.h"
+#include "Text/Characters.h"
 
 namespace {
-
-const char *SkipSpaces(const char *psz)
-{
-    while (*psz == ' ' || *psz == '\t')
-        ++psz;
-    return psz;
-}
 
 int DigitOf(char c)
 {
@@ -39,13 +33,13 @@ bool ReadDigits(const char *&psz, unsigned nBase, unsigned long &nValue)
 
 bool CUParseProberLong(const char *pszText, long &nValue)
 {
-    const char *psz = SkipSpaces(pszText);
+    const char *psz = CUSkipBlanks(pszText);
     const bool bNegative = *psz == '-';
     psz += bNegative || *psz == '+';
     const bool bHex = psz[0] == '0' && (psz[1] | 0x20) == 'x';
     psz += bHex ? 2 : 0;
     unsigned long nSize;
-    if (!ReadDigits(psz, bHex ? 16 : 10, nSize) || *SkipSpaces(psz))
+    if (!ReadDigits(psz, bHex ? 16 : 10, nSize) || *CUSkipBlanks(psz))
         return false;
     if (!bHex && nSize > 0x7FFFFFFFUL + bNegative)
         return false;
@@ -58,7 +52,7 @@ bool CUParseProberDouble(const char *pszText, double &fValue)
     int nRead = 0;
     double fRead;
     // What is too large is read as infinite, whose difference from itself is no number.
-    if (sscanf(pszText, "%lf%n", &fRead, &nRead) != 1 || *SkipSpaces(pszText + nRead) ||
+    if (sscanf(pszText, "%lf%n", &fRead, &nRead) != 1 || *CUSkipBlanks(pszText + nRead) ||
         !(fRead - fRead == 0))
         return false;
     fValue = fRead;
@@ -68,10 +62,10 @@ bool CUParseProberDouble(const char *pszText, double &fValue)
 bool CUParseProberFlag(const char *pszText, bool &bValue)
 {
     static const char *const WORDS[] = {"0", "1", "false", "true", "off", "on"};
-    const char *const psz = SkipSpaces(pszText);
+    const char *const psz = CUSkipBlanks(pszText);
     for (int i = 0; i < 6; ++i) {
         const size_t nLength = strlen(WORDS[i]);
-        if (_strnicmp(psz, WORDS[i], nLength) == 0 && !*SkipSpaces(psz + nLength)) {
+        if (_strnicmp(psz, WORDS[i], nLength) == 0 && !*CUSkipBlanks(psz + nLength)) {
             bValue = i % 2 != 0;
             return true;
         }

@@ -26,7 +26,7 @@ HMODULE s_hLibrary = nullptr;
 template <typename F>
 void Find(HMODULE hLibrary, const char *name, F *&function, F *substitute)
 {
-    F *const found = reinterpret_cast<F *>(hLibrary ? GetProcAddress(hLibrary, name) : nullptr);
+    F *const found = CUFindFunction<F>(hLibrary, name);
     function = found ? found : substitute;
 }
 

@@ -3,6 +3,7 @@
 #include <string.h>
 
 #include "Base/Handle.h"
+#include "Base/SystemLibrary.h"
 
 namespace {
 
@@ -64,8 +65,7 @@ bool IsLink(HKEY hKey)
 LONG DeleteTree(HKEY hParent, const char *pszPath)
 {
     typedef LONG NTAPI NtDeleteKeyFunction(HANDLE hKey);
-    const auto ntDeleteKey = reinterpret_cast<NtDeleteKeyFunction *>(
-        GetProcAddress(GetModuleHandleA("ntdll.dll"), "NtDeleteKey"));
+    const auto ntDeleteKey = CUFindFunction<NtDeleteKeyFunction>("ntdll.dll", "NtDeleteKey");
     CCUKeyHandle key;
     LONG nError = RegOpenKeyExA(hParent, pszPath, ntDeleteKey ? REG_OPTION_OPEN_LINK : 0,
                                 KEY_READ | KEY_WRITE | DELETE, key.Receive());

@@ -4,6 +4,7 @@
 #include "Base/Lock.h"
 #include "Base/Module.h"
 #include "Base/Sections.h"
+#include "Base/SystemLibrary.h"
 #include "CU/CU.h"
 #include "Process/ThreadExit.h"
 
@@ -119,12 +120,6 @@ FlsAllocFunction *s_flsAlloc = nullptr;
 FlsSetValueFunction *s_flsSetValue = nullptr;
 ShutdownInProgressFunction *s_shutdownInProgress = nullptr;
 
-template <typename F>
-F *SystemFunction(const char *module, const char *name)
-{
-    return reinterpret_cast<F *>(GetProcAddress(GetModuleHandleA(module), name));
-}
-
 void WINAPI OnFiberLocalEnd(void *)
 {
     // The slot is being freed, for the value of whatever thread.
@@ -155,10 +150,10 @@ void NTAPI OnLoaderNotice(void *, DWORD nReason, void *)
 
 void FindSystemFunctions()
 {
-    s_flsAlloc = SystemFunction<FlsAllocFunction>("kernel32.dll", "FlsAlloc");
-    s_flsSetValue = SystemFunction<FlsSetValueFunction>("kernel32.dll", "FlsSetValue");
+    s_flsAlloc = CUFindFunction<FlsAllocFunction>("kernel32.dll", "FlsAlloc");
+    s_flsSetValue = CUFindFunction<FlsSetValueFunction>("kernel32.dll", "FlsSetValue");
     s_shutdownInProgress =
-        SystemFunction<ShutdownInProgressFunction>("ntdll.dll", "RtlDllShutdownInProgress");
+        CUFindFunction<ShutdownInProgressFunction>("ntdll.dll", "RtlDllShutdownInProgress");
 }
 
 // Has the system tell the calling thread's end.
@@ -202,6 +197,6 @@ void CUUnloadThreadEnd()
         return;
     s_nFlsIndex = TLS_OUT_OF_INDEXES;
     typedef BOOL WINAPI FlsFreeFunction(DWORD nIndex);
-    if (FlsFreeFunction *const flsFree = SystemFunction<FlsFreeFunction>("kernel32.dll", "FlsFree"))
+    if (FlsFreeFunction *const flsFree = CUFindFunction<FlsFreeFunction>("kernel32.dll", "FlsFree"))
         flsFree(nIndex);
 }

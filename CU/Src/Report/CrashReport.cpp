@@ -223,7 +223,8 @@ void CUShutdownAfterCrash(bool bShutdown)
 // The compiler puts this function where a virtual table has none yet. It takes the place of the C++
 // library's, which ends the process without a word, and reports even where nobody has called
 // CUStartExceptionHandler.
-extern "C" void __cxa_pure_virtual()  // NOLINT(readability-identifier-naming)
+// NOLINTNEXTLINE(readability-identifier-naming): the compiler's name.
+extern "C" void __cxa_pure_virtual()
 {
     CUStartExceptionHandler();
     RaiseException(PURE_VIRTUAL_CALL, EXCEPTION_NONCONTINUABLE, 0, nullptr);

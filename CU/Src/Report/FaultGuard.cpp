@@ -1,6 +1,7 @@
 #include "Report/FaultGuard.h"
 
 #include "Base/Compiler.h"
+#include "Base/SystemLibrary.h"
 #include "CU/Platform.h"
 
 namespace {
@@ -10,9 +11,8 @@ namespace {
 void RestoreStackGuard()
 {
     typedef int __cdecl ResetFunction();
-    const HMODULE hLibrary = GetModuleHandleA("msvcrt.dll");
-    if (const FARPROC reset = GetProcAddress(hLibrary, "_resetstkoflw"))
-        reinterpret_cast<ResetFunction *>(reset)();
+    if (const auto reset = CUFindFunction<ResetFunction>("msvcrt.dll", "_resetstkoflw"))
+        reset();
 }
 
 }  // namespace

@@ -23,21 +23,13 @@ struct CReportHandler : CCURegistered
 
 CCURegistered *volatile s_pFirstHandler = nullptr;
 volatile LONG s_nLastOrder = 0;
-LONG s_nListUsers = 0;  // threads that look at items
+CCUInsideCount s_inside;  // threads that look at items
+typedef CCUInsideCount::CInside CListUse;
 
 CReportHandler *NextHandler(LONG &nOrder, LONG nLast)
 {
     return static_cast<CReportHandler *>(CUNextRegistered(s_pFirstHandler, nOrder, nLast));
 }
-
-class CListUse
-{
-public:
-    CListUse() { InterlockedIncrement(&s_nListUsers); }
-    ~CListUse() { InterlockedDecrement(&s_nListUsers); }
-    CListUse(const CListUse &) = delete;
-    CListUse &operator=(const CListUse &) = delete;
-};
 
 // At the end of the process. While another thread still walks the list, everything is left to it.
 CCULastCall s_lastCall;
@@ -45,7 +37,7 @@ void DeleteHandlers(CCULastCall &)
 {
     CCURegistered *item = s_pFirstHandler;
     s_pFirstHandler = nullptr;
-    if (InterlockedExchangeAdd(&s_nListUsers, 0) != 0)
+    if (s_inside.IsAnybodyInside())
         return;
     while (item) {
         CCURegistered *const next = item->next;
@@ -114,7 +106,7 @@ void CURegisterExceptionHandler(void (*handler)(FILE *))
 {
     if (!handler)
         return;
-    const CListUse use;
+    const CListUse use(s_inside);
     CReportHandler *const item = TakeItem();
     item->handler = handler;
     InterlockedExchange(&item->nOrder, InterlockedIncrement(&s_nLastOrder));
@@ -122,7 +114,7 @@ void CURegisterExceptionHandler(void (*handler)(FILE *))
 
 void CUUnregisterExceptionHandler(void (*handler)(FILE *))
 {
-    const CListUse use;
+    const CListUse use(s_inside);
     LONG nOrder = 0;
     while (CReportHandler *item = NextHandler(nOrder, s_nLastOrder)) {
         if (item->handler == handler &&
@@ -149,7 +141,7 @@ FILE *CUOpenReport(CCUReportBuffer &buffer)
 
 void CUCloseReport(FILE *file)
 {
-    const CListUse use;
+    const CListUse use(s_inside);
     const LONG nLast = s_nLastOrder;
     LONG nOrder = 0;
     while (CReportHandler *item = NextHandler(nOrder, nLast)) {

@@ -7,6 +7,7 @@
 #include "Base/Compiler.h"
 #include "Base/KeepLastError.h"
 #include "Base/Lock.h"
+#include "Base/SystemLibrary.h"
 #include "Process/ThreadExit.h"
 #include "Report/DebugHelp.h"
 #include "Report/Demangle.h"
@@ -150,9 +151,8 @@ bool IsCallingThread(HANDLE hThread)
 {
     if (hThread == GetCurrentThread())
         return true;
-    typedef DWORD(WINAPI * CGetThreadId)(HANDLE);
-    const CGetThreadId getThreadId = reinterpret_cast<CGetThreadId>(
-        GetProcAddress(GetModuleHandleA("kernel32.dll"), "GetThreadId"));
+    typedef DWORD WINAPI GetThreadIdFunction(HANDLE);
+    const auto getThreadId = CUFindFunction<GetThreadIdFunction>("kernel32.dll", "GetThreadId");
     return getThreadId && getThreadId(hThread) == GetCurrentThreadId();
 }
 

@@ -1,6 +1,6 @@
 #pragma once
 
-// What the string's sources share: plain characters, and lengths that cannot wrap.
+// What strings, and others that read texts, share: plain characters, and lengths that cannot wrap.
 
 #include <limits.h>
 #include <string.h>
@@ -10,6 +10,13 @@
 inline const char *CUOrEmpty(const char *psz)
 {
     return psz ? psz : "";
+}
+
+inline const char *CUSkipBlanks(const char *psz)
+{
+    while (*psz == ' ' || *psz == '\t')
+        ++psz;
+    return psz;
 }
 
 // Searching by words of four characters: the C libraries that go byte by byte take three times as

@@ -2,18 +2,12 @@
 
 #include "Base/Handle.h"
 #include "Base/Lock.h"
+#include "Base/SystemLibrary.h"
 #include "Time/Clock.h"
 
 namespace {
 
-// For functions that Windows 95 lacks: those of the clock's adjustment.
-template <typename F>
-F *FindInKernel(const char *name)
-{
-    const HMODULE module = GetModuleHandleA("kernel32.dll");
-    return reinterpret_cast<F *>(module ? GetProcAddress(module, name) : nullptr);
-}
-
+// The functions of the clock's adjustment, which Windows 95 lacks.
 typedef BOOL WINAPI GetAdjustmentCall(PDWORD, PDWORD, PBOOL);
 typedef BOOL WINAPI SetAdjustmentCall(DWORD, BOOL);
 
@@ -120,7 +114,8 @@ double CUDoubleTime()
 
 bool CUGetSystemTimeAdjustment(double &increment, double &adjustment)
 {
-    GetAdjustmentCall *const pGet = FindInKernel<GetAdjustmentCall>("GetSystemTimeAdjustment");
+    GetAdjustmentCall *const pGet =
+        CUFindFunction<GetAdjustmentCall>("kernel32.dll", "GetSystemTimeAdjustment");
     DWORD dwAdjustment = 0;
     DWORD dwIncrement = 0;
     BOOL bDisabled = FALSE;
@@ -136,7 +131,8 @@ bool CUSetSystemTimeAdjustment(double adjustment)
     CCUObjectHandle token;
     if (!EnableSystemTime(token, TOKEN_ADJUST_PRIVILEGES))
         return false;
-    SetAdjustmentCall *const pSet = FindInKernel<SetAdjustmentCall>("SetSystemTimeAdjustment");
+    SetAdjustmentCall *const pSet =
+        CUFindFunction<SetAdjustmentCall>("kernel32.dll", "SetSystemTimeAdjustment");
     if (pSet)
         pSet(Truncated<DWORD>(adjustment, 0, 4294967295.0), FALSE);
     return true;

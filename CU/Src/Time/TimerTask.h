@@ -27,6 +27,8 @@ inline unsigned long CUTimerStamp(unsigned long uTime)
 
 // The calling thread's; null when there is none.
 CCUTimerTask *CUCurrentTimerTask();
+// Of all threads.
+long CUCountArmedTimers();
 
 void CURegisterTimerMessages();
 void CURegisterTimerClass(WNDPROC windowProc);

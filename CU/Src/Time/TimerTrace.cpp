@@ -7,7 +7,7 @@
 #include "CU/Dump.h"
 #include "CU/String.h"
 #include "CU/Time.h"
-#include "CU/TimerTask.h"
+#include "Time/TimerTask.h"
 
 namespace {
 

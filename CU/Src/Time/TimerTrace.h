@@ -11,7 +11,5 @@ inline const void *CUTimerClassOf(const CCUTimer *pTimer)
 // Counts a call of TimeOut, the nServed-th of its pass, which took nTook milliseconds. True when
 // the user wants it to be traced.
 bool CUCountTimeOut(long nTook, const void *pClass, long nServed);
-// Of all threads.
-long CUCountArmedTimers();
 // The process-info handler "timertask".
 void CUDumpTimerInfo();

@@ -4,17 +4,11 @@
 #include <string.h>
 
 #include "Probe/ProberList.h"
+#include "Text/Characters.h"
 
 namespace {
 
 const char VARIABLE[] = "CU_DEBUG";
-
-const char *SkipSpaces(const char *text)
-{
-    while (*text == ' ' || *text == '\t')
-        ++text;
-    return text;
-}
 
 // Steps over an expected word; null when something else stands there.
 const char *SkipWord(const char *text, const char *word)
@@ -36,13 +30,13 @@ const char *SkipName(const char *text, const char *path, const char *name)
 // Reads one setting, up to ';' or the end, into `value` if it is for that switch and well formed.
 void ReadSetting(const char *text, const char *path, const char *name, long *value)
 {
-    text = SkipName(SkipSpaces(text), path, name);
+    text = SkipName(CUSkipBlanks(text), path, name);
     if (!text)
         return;
-    text = SkipSpaces(text);
+    text = CUSkipBlanks(text);
     long nRead = 1;
     if (*text == '=') {
-        const char *number = SkipSpaces(text + 1);
+        const char *number = CUSkipBlanks(text + 1);
         const char *digits = number + (*number == '-' || *number == '+');
         const bool bHex = digits[0] == '0' && (digits[1] == 'x' || digits[1] == 'X');
         char *end = nullptr;
@@ -50,7 +44,7 @@ void ReadSetting(const char *text, const char *path, const char *name, long *val
         nRead = bHex ? static_cast<long>(strtoul(number, &end, 16)) : strtol(number, &end, 10);
         if (end == number)
             return;
-        text = SkipSpaces(end);
+        text = CUSkipBlanks(end);
     }
     if (*text == ';' || *text == '\0')
         *value = nRead;

@@ -113,7 +113,7 @@ volatile LONG s_nTexts = 0;  // that were dumped
 
 CCULazyLock s_lock;
 CDumpOutputs *s_pOutputs = nullptr;  // made by the first use, under the lock
-LONG s_nUsers = 0;                   // threads in here, the waiting ones too
+CCUInsideCount s_inside;             // threads in here, the waiting ones too
 LONG s_bGone = 0;                    // after the last call: nothing is made or touched any more
 CCULastCall s_lastCall;
 
@@ -122,7 +122,7 @@ CCULastCall s_lastCall;
 void DeleteOutputs(CCULastCall &)
 {
     InterlockedExchange(&s_bGone, 1);
-    if (InterlockedExchangeAdd(&s_nUsers, 0) != 0)
+    if (s_inside.IsAnybodyInside())
         return;
     delete s_pOutputs;
     s_pOutputs = nullptr;
@@ -133,9 +133,8 @@ void DeleteOutputs(CCULastCall &)
 class CDumpUse
 {
 public:
-    CDumpUse() : m_pOutputs(nullptr)
+    CDumpUse() : m_inside(s_inside), m_pOutputs(nullptr)
     {
-        InterlockedIncrement(&s_nUsers);
         if (InterlockedExchangeAdd(&s_bGone, 0))
             return;
         s_lock.Enter();
@@ -149,7 +148,6 @@ public:
     {
         if (m_pOutputs)
             s_lock.Leave();
-        InterlockedDecrement(&s_nUsers);
     }
     CDumpUse(const CDumpUse &) = delete;
     CDumpUse &operator=(const CDumpUse &) = delete;
@@ -159,6 +157,7 @@ public:
 
 private:
     CCUKeepLastError m_keepLastError;
+    CCUInsideCount::CInside m_inside;
     CDumpOutputs *m_pOutputs;
 };
 

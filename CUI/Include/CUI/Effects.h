@@ -19,12 +19,9 @@ struct CUIEffectPicture
     /// An empty bitmap: nothing but the background.
     CUIEffectPicture() : m_cr(0), m_bColor(false), m_bKeyed(false) {}
     /// A colour.
-    CUIEffectPicture(DWORD cr)  // NOLINT: a colour is a picture
-        : m_cr(cr), m_bColor(true), m_bKeyed(false)
-    {
-    }
+    CUIEffectPicture(DWORD cr) : m_cr(cr), m_bColor(true), m_bKeyed(false) {}
     /// All of a bitmap.
-    CUIEffectPicture(const CCUIBitmap &bitmap)  // NOLINT: so is a bitmap
+    CUIEffectPicture(const CCUIBitmap &bitmap)
         : m_bitmap(bitmap), m_cr(0), m_bColor(false), m_bKeyed(false)
     {
     }

@@ -297,7 +297,7 @@ public:
     /// The window; null when the object is not bound to one.
     /// @{
     HWND GetHandle() const { return m_hWnd; }
-    operator HWND() const { return m_hWnd; }  // NOLINT: windows are passed to Win32 all the time
+    operator HWND() const { return m_hWnd; }
     /// @}
     /// Whether the window exists (1 or 0). A handle alone does not tell: the system may have given
     /// it to another window meanwhile.

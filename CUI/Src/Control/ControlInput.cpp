@@ -2,7 +2,6 @@
 
 #include "CUI/Control.h"
 
-#include "Base/Lifetime.h"
 #include "CUI/ToolTip.h"
 #include "Control/ControlTip.h"
 
@@ -11,27 +10,7 @@ namespace {
 // Milliseconds between two looks at the mouse where the system does not tell that it has left.
 const long LOOK = 100;
 
-CCUShared<CCUIToolTip> s_toolTip;
-
 }  // namespace
-
-CCUIToolTip &CUIControlTip()
-{
-    return s_toolTip.Get();
-}
-
-void CUIHideControlTip(HWND hWnd)
-{
-    CCUIToolTip *const pToolTip = s_toolTip.IfMade();
-    if (pToolTip && hWnd && pToolTip->GetTool() == hWnd)
-        pToolTip->SetTool(nullptr, nullptr, nullptr);
-}
-
-void CUIRelayToControlTip(HWND hWnd, UINT message, WPARAM wParam, LPARAM lParam)
-{
-    if (CCUIToolTip *const pToolTip = s_toolTip.IfMade())
-        pToolTip->Relay(hWnd, message, wParam, lParam);
-}
 
 long CCUIControl::WindowProc(UINT message, WPARAM wParam, LPARAM lParam)
 {

@@ -19,7 +19,7 @@ void FreeLibraries(CCULastCall &)
 
 }  // namespace
 
-FARPROC CUIFindChooserFunction(CUIChooserLibrary library, const char *pszFunction)
+HMODULE CUILoadChooserLibrary(CUIChooserLibrary library)
 {
     static const char *const NAMES[] = {"comdlg32.dll", "shell32.dll", "ole32.dll"};
     HMODULE &hLibrary = s_libraries[library];
@@ -27,5 +27,5 @@ FARPROC CUIFindChooserFunction(CUIChooserLibrary library, const char *pszFunctio
         hLibrary = CULoadSystemLibrary(NAMES[library]);
         CUAtLast(s_lastCall, FreeLibraries);
     }
-    return hLibrary ? GetProcAddress(hLibrary, pszFunction) : nullptr;
+    return hLibrary;
 }

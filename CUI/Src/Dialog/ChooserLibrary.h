@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Base/SystemLibrary.h"
 #include "CUI/Platform.h"
 
 // The libraries that the choosers use. One is loaded by its first use and stays as long as the
@@ -12,12 +13,12 @@ enum CUIChooserLibrary
     CUIChooserLibraries
 };
 
-// A function of one of them; null, with the last error, when there is no such library or function.
-FARPROC CUIFindChooserFunction(CUIChooserLibrary library, const char *pszFunction);
+// Null, with the last error, when there is no such library.
+HMODULE CUILoadChooserLibrary(CUIChooserLibrary library);
 
-// The same, as its type.
+// A function of one of them; null, with the last error, when there is no such library or function.
 template <typename F>
 F *CUIFindChooser(CUIChooserLibrary library, const char *pszFunction)
 {
-    return reinterpret_cast<F *>(CUIFindChooserFunction(library, pszFunction));
+    return CUFindFunction<F>(CUILoadChooserLibrary(library), pszFunction);
 }

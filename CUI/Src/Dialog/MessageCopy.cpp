@@ -1,12 +1,12 @@
 // What a message box puts on the clipboard.
 
+#include "Dialog/MessageCopy.h"
+
 #include <string.h>
 
 #include "CU/Dump.h"
 #include "CUI/MessageBox.h"
-#include "Dialog/LineEnds.h"
 #include "Dialog/MessageContent.h"
-#include "Dialog/MessageCopy.h"
 
 namespace {
 

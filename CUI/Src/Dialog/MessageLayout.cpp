@@ -4,7 +4,7 @@
 #include "Base/Module.h"
 #include "Base/Wrap.h"
 #include "Dialog/DialogPlace.h"
-#include "Dialog/LineEnds.h"
+#include "Dialog/MessageCopy.h"
 #include "Window/Screen.h"
 
 namespace {

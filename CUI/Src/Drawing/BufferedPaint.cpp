@@ -1,5 +1,6 @@
 #include "Drawing/BufferedPaint.h"
 
+#include "Base/SystemLibrary.h"
 #include "Base/Wrap.h"
 #include "CUI/OffScreenDC.h"
 
@@ -16,11 +17,8 @@ typedef DWORD WINAPI SetLayoutCall(HDC, DWORD);
 // would be seen in a mirror.
 void LayOutAs(HDC hDC, HDC hTarget)
 {
-    static const HMODULE s_hGdi = GetModuleHandleA("gdi32.dll");
-    static const auto s_getLayout =
-        reinterpret_cast<GetLayoutCall *>(GetProcAddress(s_hGdi, "GetLayout"));
-    static const auto s_setLayout =
-        reinterpret_cast<SetLayoutCall *>(GetProcAddress(s_hGdi, "SetLayout"));
+    static const auto s_getLayout = CUFindFunction<GetLayoutCall>("gdi32.dll", "GetLayout");
+    static const auto s_setLayout = CUFindFunction<SetLayoutCall>("gdi32.dll", "SetLayout");
     if (!s_getLayout || !s_setLayout)
         return;
     if (s_getLayout(hTarget) & RIGHT_TO_LEFT)

@@ -10,7 +10,7 @@
 
 namespace {
 
-// Windows 2000 and Windows Vista brought these.
+// SPI_GETUIEFFECTS of Windows 2000 and SPI_GETCLIENTAREAANIMATION of Windows Vista.
 const UINT GET_UI_EFFECTS = 0x103E;
 const UINT GET_CLIENT_AREA_ANIMATION = 0x1042;
 
@@ -205,9 +205,9 @@ bool CCUITimeBasedEffect::Show(unsigned long uNow)
     return true;
 }
 
-// Until the window is asked to paint there. The first time it is asked to do so by us: a window
-// that lies above may have saved what is below it, and would put it back without a word unless
-// something has changed there.
+// No frames until the window is asked to paint there, or the end is due. The first time we ask for
+// that ourselves: a window above may have saved what it covers (CS_SAVEBITS), and the system puts
+// that back without a WM_PAINT unless something there has become invalid meanwhile.
 void CCUITimeBasedEffect::Sleep(unsigned long uNow)
 {
     if (!m_bAsleep)

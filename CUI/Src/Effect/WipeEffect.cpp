@@ -42,8 +42,8 @@ public:
     int RowDistance(int y) const { return m_dy > 0 ? y : m_dy < 0 ? m_cy - 1 - y : 0; }
     int ColumnDistance(int x) const { return m_dx > 0 ? x : m_dx < 0 ? m_cx - 1 - x : 0; }
 
-    // The mask of the edge is larger than the rectangle, in the direction, and is moved below it.
-    // @{
+    // The mask of the dithered edge. It is made once for all places of the front: longer than the
+    // rectangle in the direction, so that each frame takes another part of it, from MaskAt on.
     int MaskWidth() const { return m_cx + (m_dx ? Length() + m_nEdge : 0); }
     int MaskHeight() const { return m_cy + (m_dx ? 0 : Length() + m_nEdge); }
     POINT MaskAt(int nFront) const
@@ -52,17 +52,16 @@ public:
         const int nOffset = bForwards ? Length() + m_nEdge - nFront : nFront;
         return IsAcross() ? POINT{nOffset, 0} : POINT{0, nOffset};
     }
-    // How far the front, which is at 0, is ahead of a place in the mask.
+    // How far a front at 0 is ahead of a place in the mask.
     int Ahead(int x, int y) const
     {
         const POINT at = MaskAt(0);
         return -ColumnDistance(x - at.x) - RowDistance(y - at.y);
     }
-    // @}
 
-    // For directions to the corners: all behind the front when that is at 0, which is out of the
-    // rectangle, and how far to the right it has moved since.
-    // @{
+    // For directions to the corners: adds all that is behind a front at 0, where that is still
+    // outside of the rectangle. Moved DiagonalAt pixels to the right it is what is behind a front
+    // that has come further.
     void AddDiagonal(CCUIEffectScene &scene) const
     {
         const int nFar = 2 * Length();
@@ -75,7 +74,6 @@ public:
         }
     }
     int DiagonalAt(int nFront) const { return m_dx * nFront; }
-    // @}
 
     // The part of the rectangle from one distance to another, for directions along the sides.
     RECT Part(int nFrom, int nTo) const

@@ -64,8 +64,8 @@ public:
     void ForgetSizes();
     // The length that all of them need, for a bar of that thickness.
     int Length(bool bVertical) const;
-    // Gives each its place in a bar of that size. What has none is hidden from the first on that
-    // does not fit, and windows that are too wide for a vertical bar.
+    // Gives each its place in a bar of that size. The first that does not fit has none, nor have
+    // those after it, nor windows that are too wide for a vertical bar: they are hidden.
     void Layout(bool bVertical, int cx, int cy);
     // In the colours of its state. The button of what has no room is number Count().
     void Draw(HDC hDC, int nItem, CCUIBarLook look, bool bEnabled) const;

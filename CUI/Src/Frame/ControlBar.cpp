@@ -101,7 +101,7 @@ void CCUIControlBar::SetButtons(const unsigned int *pnIDs, int nCount)
         ItemsFilled();
 }
 
-// The first look at the command may do what it likes with the bar.
+// SetCommand asks the command's handler, which may change or delete the bar.
 void CCUIControlBar::Append(unsigned int nID, int nPicture, HWND hControl)
 {
     CWatch watch(this);
@@ -279,7 +279,7 @@ void CCUIControlBar::RepaintItem(int nItem)
         Repaint(&m_pItems->Place(nItem));
 }
 
-// Their number, sizes or order.
+// After a change of their number, sizes or order.
 void CCUIControlBar::ItemsChanged()
 {
     CWatch watch(this);
@@ -319,7 +319,8 @@ void CCUIControlBar::Layout()
     }
 }
 
-// Of a longer or a shorter bar the items stay where they are, but for the end of it.
+// After a change of the bar's length. Most items stay where they are, so only those that have moved
+// are painted again.
 void CCUIControlBar::Relayout()
 {
     CWatch watch(this);

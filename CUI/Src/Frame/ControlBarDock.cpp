@@ -22,7 +22,7 @@ bool IsKey(UINT message)
 
 }  // namespace
 
-// The side that the mouse is near to; the present one is left only for another.
+// The side that the mouse is near to; the present one if it is near to that, or to none.
 CUIBarSide CCUIControlBar::SideAt(const POINT &screen) const
 {
     const HWND hParent = GetParent(m_hWnd);
@@ -40,8 +40,8 @@ CUIBarSide CCUIControlBar::SideAt(const POINT &screen) const
     return best;
 }
 
-// As the system moves windows: a loop until the button is up, in which keys mean nothing but Escape
-// the end of it. The moves themselves come to OnMouseMove.
+// A message loop of its own until the button is up, as the system has one when it moves a window.
+// Escape ends it and takes the bar back; other keys are ignored. OnMouseMove moves the bar.
 void CCUIControlBar::Drag()
 {
     CWatch watch(this);

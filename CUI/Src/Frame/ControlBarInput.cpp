@@ -17,6 +17,7 @@ const UINT MENU_CLOSED = 0xFFFF;
 // Asks whether the mouse has left, where the system does not tell.
 const UINT LEAVE_TIMER = 1;
 const UINT LEAVE_MILLISECONDS = 100;
+
 }  // namespace
 
 HWND CCUIControlBar::s_hFocusBefore;
@@ -309,7 +310,8 @@ void CCUIControlBar::TakeFocus(HWND hOld)
         SetHot(NextItem(-1, 1));
 }
 
-// The next item, around the ends, that can be pressed or is a window to go to; or nFrom.
+// The next item that can be pressed or is a window that takes the focus. After the last one comes
+// the first; nFrom where there is no other.
 int CCUIControlBar::NextItem(int nFrom, int nStep) const
 {
     const int nPlaces = m_pItems->Count() + 1;
@@ -392,7 +394,7 @@ int CCUIControlBar::PreTranslateMessage(MSG *pMsg)
 
 // --- Messages ---
 
-// What is done before a message takes its way. True: it does not.
+// What a message does before the base class gets it. True: it was all, the base does not get it.
 bool CCUIControlBar::Handle(UINT message, WPARAM wParam, LPARAM lParam, long &result)
 {
     switch (message) {
@@ -467,7 +469,7 @@ long CCUIControlBar::WindowProc(UINT message, WPARAM wParam, LPARAM lParam)
         ItemsChanged();
         break;
     default:
-        // Behind the handlers: a move may have found the tip another item.
+        // After the handlers, since a move of the mouse may have given the tip to another item.
         if (message >= WM_MOUSEFIRST && message <= WM_MBUTTONUP)
             CUIRelayToControlTip(m_hWnd, message, wParam, lParam);
         break;

@@ -18,18 +18,11 @@ struct CDrop
     {
         const HMODULE hShell = finish ? nullptr : CULoadSystemLibrary("shell32.dll");
         if (hShell) {
-            Get(hShell, "DragQueryFileA", queryFile);
-            Get(hShell, "DragQueryPoint", queryPoint);
-            Get(hShell, "DragFinish", finish);
+            queryFile = CUFindFunction<decltype(::DragQueryFileA)>(hShell, "DragQueryFileA");
+            queryPoint = CUFindFunction<decltype(::DragQueryPoint)>(hShell, "DragQueryPoint");
+            finish = CUFindFunction<decltype(::DragFinish)>(hShell, "DragFinish");
         }
         return queryFile && queryPoint && finish;
-    }
-
-private:
-    template <typename F>
-    static void Get(HMODULE hShell, const char *name, F &function)
-    {
-        function = reinterpret_cast<F>(GetProcAddress(hShell, name));
     }
 };
 

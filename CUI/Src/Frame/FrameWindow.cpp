@@ -17,7 +17,7 @@
 
 namespace {
 
-// Children that change their size again and again while they are laid out come to no end.
+// A child that changes its size whenever it is laid out would have the frame lay out for ever.
 const int MOST_PASSES = 4;
 const UINT MENU_CLOSED = 0xFFFF;
 
@@ -28,7 +28,7 @@ bool IsKey(UINT message)
     return message >= WM_KEYFIRST && message <= WM_KEYLAST;
 }
 
-// Whether the screen has one. All others send the messages of palettes, too.
+// Whether the screen has a palette. The messages of palettes come on all others as well.
 bool HasPalette()
 {
     const CCUIWindowDC screen(nullptr);

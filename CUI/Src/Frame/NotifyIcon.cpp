@@ -1,5 +1,6 @@
 #include "CUI/NotifyIcon.h"
 
+#include "Base/SystemLibrary.h"
 #include "CU/CU.h"
 #include "CU/Dump.h"
 #include "CUI/CommandMap.h"
@@ -56,8 +57,8 @@ UINT ShellStarted()
 // From Windows Vista on a program with an administrator's rights hears of it only if it says so.
 void AllowShellStarted()
 {
-    const auto allow = reinterpret_cast<BOOL(WINAPI *)(UINT, DWORD)>(
-        GetProcAddress(GetModuleHandleA("user32.dll"), "ChangeWindowMessageFilter"));
+    typedef BOOL WINAPI ChangeFilter(UINT, DWORD);
+    const auto allow = CUFindFunction<ChangeFilter>("user32.dll", "ChangeWindowMessageFilter");
     const DWORD nAdd = 1;
     if (allow)
         allow(ShellStarted(), nAdd);

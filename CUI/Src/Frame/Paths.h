@@ -5,8 +5,8 @@
 // The last part of a path: all of it where it has no folder.
 CCUString CUIFileName(const char *pszPath);
 
-// The whole path of a file: of a relative one, from that folder ("": the current one) on. As it
-// stands where the system can make nothing of it.
+// The whole path of a file. A relative one counts from that folder ("": the current one). One that
+// the system cannot resolve is answered as it is.
 CCUString CUIFullPath(const char *pszPath, const char *pszFolder);
 
 // The name of the program's file, without folder and extension.

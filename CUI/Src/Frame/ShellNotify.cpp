@@ -23,8 +23,8 @@ BOOL WINAPI NoNotify(DWORD, NOTIFYICONDATAA *)
 // Shells before 4.71 do not tell.
 DWORD MajorVersion(HMODULE hShell)
 {
-    const auto getVersion = reinterpret_cast<HRESULT(CALLBACK *)(CLibraryVersion *)>(
-        GetProcAddress(hShell, "DllGetVersion"));
+    typedef HRESULT CALLBACK GetVersionCall(CLibraryVersion *);
+    const auto getVersion = CUFindFunction<GetVersionCall>(hShell, "DllGetVersion");
     CLibraryVersion version = {sizeof version, 0, 0, 0, 0};
     return getVersion && getVersion(&version) >= 0 ? version.nMajor : 0;
 }
@@ -40,8 +40,7 @@ CCUIShellNotify &CUIShellNotify()
     const HMODULE hShell = CULoadSystemLibrary("shell32.dll");
     if (!hShell)
         return s_shell;
-    const auto notify =
-        reinterpret_cast<decltype(&Shell_NotifyIconA)>(GetProcAddress(hShell, "Shell_NotifyIconA"));
+    const auto notify = CUFindFunction<decltype(Shell_NotifyIconA)>(hShell, "Shell_NotifyIconA");
     if (notify)
         s_shell.notify = notify;
     s_shell.bBalloons = MajorVersion(hShell) >= 5;

@@ -1,5 +1,6 @@
 #include "CUI/SingleInstance.h"
 
+#include "Base/SystemLibrary.h"
 #include "CU/Dump.h"
 #include "CU/String.h"
 #include "CUI/FrameWindow.h"
@@ -26,19 +27,14 @@ const UINT WM_HANDLE_RECEIVED = WM_USER;
 const DWORD LOOK_AGAIN = 50;
 const int MOST_NAME = MAX_PATH - 1;
 
-template <typename F>
-F Find(const char *name)
-{
-    return reinterpret_cast<F>(GetProcAddress(GetModuleHandleA("user32.dll"), name));
-}
-
 // The desktop's name; Windows 95 has one only.
 CCUString DesktopName()
 {
     typedef HDESK WINAPI GetDesktop(DWORD);
     typedef BOOL WINAPI GetInformation(HANDLE, int, void *, DWORD, DWORD *);
-    const auto getDesktop = Find<GetDesktop *>("GetThreadDesktop");
-    const auto getInformation = Find<GetInformation *>("GetUserObjectInformationA");
+    const auto getDesktop = CUFindFunction<GetDesktop>("user32.dll", "GetThreadDesktop");
+    const auto getInformation =
+        CUFindFunction<GetInformation>("user32.dll", "GetUserObjectInformationA");
     char szName[64] = "";
     DWORD nLength = 0;
     if (getDesktop && getInformation)
@@ -76,7 +72,7 @@ CCUString CurrentFolder()
 void LetComeToFront(HWND hWnd)
 {
     typedef BOOL WINAPI AllowForeground(DWORD);
-    const auto allow = Find<AllowForeground *>("AllowSetForegroundWindow");
+    const auto allow = CUFindFunction<AllowForeground>("user32.dll", "AllowSetForegroundWindow");
     DWORD nProcess = 0;
     GetWindowThreadProcessId(hWnd, &nProcess);
     if (allow)

@@ -176,7 +176,7 @@ void CCUIStatusBar::Repaint(const RECT &rect)
         InvalidateRect(m_hWnd, &rect, FALSE);
 }
 
-// Of one pane that shows something else, of which its width may have become another, too.
+// Repaints one pane whose content has changed, and with it perhaps its width.
 void CCUIStatusBar::Repaint(const CCUIStatusPane &pane, bool bWidth)
 {
     Repaint(pane.rc);

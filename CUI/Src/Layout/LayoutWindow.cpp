@@ -14,8 +14,8 @@ namespace {
 // What the window posts to itself as CUI_WM_LAYOUT: children have come or gone.
 const LPARAM LAYOUT_DUE = 0;
 
-// A child that changes its size when it is laid out makes for another round. One that never comes
-// to an end does not keep the program.
+// A child that changes its size when it is laid out asks for another round. This many at most, so
+// that one which always does cannot hang the program.
 const int MOST_ROUNDS = 8;
 
 }  // namespace

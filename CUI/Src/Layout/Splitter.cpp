@@ -1,8 +1,8 @@
 #include "Layout/Splitter.h"
 
 #include "Base/GdiGuards.h"
-#include "CUI/Data.h"
 #include "CUI/Draw.h"
+#include "Drawing/Look.h"
 #include "Window/Mirrored.h"
 
 namespace {
@@ -12,17 +12,6 @@ const int WIDTH = 6;
 const int KEY_STEP = 8;
 // Further than any splitter can go.
 const int ALL_THE_WAY = 0x7FFF;
-
-int Scaled(int nPixels)
-{
-    return MulDiv(nPixels, CUIGetWinData()->cxPixelsPerInch, 96);
-}
-
-DWORD SysColor(int nIndex)
-{
-    const CUIData *const pData = CUIGetWinData();
-    return pData->ResolveColor(pData->crSys[nIndex]);
-}
 
 }  // namespace
 
@@ -39,7 +28,7 @@ CCUISplitter::CCUISplitter(CCUILayoutWindow &layout, HWND hChild)
 
 int CCUISplitter::Width()
 {
-    return Scaled(WIDTH);
+    return CUIScale(WIDTH);
 }
 
 bool CCUISplitter::Make()
@@ -85,8 +74,9 @@ void CCUISplitter::OnPaint(HDC)
     RECT rect;
     GetClientRect(m_hWnd, &rect);
     const bool bActive = m_state == Dragged || GetFocus() == m_hWnd;
-    CUIDCFillSolidRect(hDC, &rect, SysColor(bActive ? COLOR_HIGHLIGHT : COLOR_BTNFACE));
-    CUIDCDraw3dRect(hDC, &rect, SysColor(COLOR_BTNHIGHLIGHT), SysColor(COLOR_BTNSHADOW), 0, 0);
+    CUIDCFillSolidRect(hDC, &rect, CUISystemColor(bActive ? COLOR_HIGHLIGHT : COLOR_BTNFACE));
+    CUIDCDraw3dRect(hDC, &rect, CUISystemColor(COLOR_BTNHIGHLIGHT), CUISystemColor(COLOR_BTNSHADOW),
+                    0, 0);
     EndPaint(m_hWnd, &paint);
 }
 
@@ -196,7 +186,7 @@ void CCUISplitter::OnKeyDown(UINT nKey, UINT nRepeat, UINT nFlags)
 {
     const bool bRow = m_layout.IsRow();
     const bool bMirrored = bRow && CUIIsMirrored(m_layout);
-    const int nStep = GetKeyState(VK_CONTROL) < 0 ? 1 : Scaled(KEY_STEP);
+    const int nStep = GetKeyState(VK_CONTROL) < 0 ? 1 : CUIScale(KEY_STEP);
     if (nKey == VK_ESCAPE && m_state != Idle)
         End(false);
     else if (nKey == (bRow ? VK_LEFT : VK_UP))

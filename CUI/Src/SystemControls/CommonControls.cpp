@@ -12,8 +12,7 @@ bool Load()
     // Of every version, and it makes all classes of the first one known: InitCommonControlsEx,
     // which Windows 95 has with Internet Explorer 3 only, would do no more for those that are used
     // here.
-    const auto init = reinterpret_cast<InitCall *>(
-        hControls ? GetProcAddress(hControls, "InitCommonControls") : nullptr);
+    const auto init = CUFindFunction<InitCall>(hControls, "InitCommonControls");
     if (init)
         init();
     else

@@ -1,5 +1,7 @@
 #include "Window/Screen.h"
 
+#include "Base/SystemLibrary.h"
+
 namespace {
 
 // What later systems call HMONITOR and MONITORINFO.
@@ -13,14 +15,10 @@ struct CMonitorInfo
 };
 const DWORD NEAREST = 2;  // MONITOR_DEFAULTTONEAREST
 
-Monitor(WINAPI *s_fromRect)(const RECT *, DWORD);
-BOOL(WINAPI *s_getInfo)(Monitor, CMonitorInfo *);
-
-template <typename F>
-void Find(const char *name, F &function)
-{
-    function = reinterpret_cast<F>(GetProcAddress(GetModuleHandleA("user32.dll"), name));
-}
+typedef Monitor WINAPI FromRectCall(const RECT *, DWORD);
+typedef BOOL WINAPI GetInfoCall(Monitor, CMonitorInfo *);
+FromRectCall *s_fromRect;
+GetInfoCall *s_getInfo;
 
 }  // namespace
 
@@ -35,8 +33,8 @@ CCUIScreen CUIPrimaryScreen()
 CCUIScreen CUIScreenOf(const RECT &rect)
 {
     if (!s_fromRect) {
-        Find("GetMonitorInfoA", s_getInfo);
-        Find("MonitorFromRect", s_fromRect);
+        s_getInfo = CUFindFunction<GetInfoCall>("user32.dll", "GetMonitorInfoA");
+        s_fromRect = CUFindFunction<FromRectCall>("user32.dll", "MonitorFromRect");
     }
     CMonitorInfo info = {};
     info.cbSize = sizeof info;

@@ -1,5 +1,6 @@
 #include "CUI/Window.h"
 
+#include "Base/SystemLibrary.h"
 #include "Base/Wrap.h"
 #include "CU/Dump.h"
 #include "CU/String.h"
@@ -23,10 +24,8 @@ typedef BOOL WINAPI TrackCall(TRACKMOUSEEVENT *);
 // Windows 95 has it in comctl32.dll at the most, and only in a later one.
 TrackCall *FindTrack()
 {
-    const FARPROC track = GetProcAddress(GetModuleHandleA("user32.dll"), "TrackMouseEvent");
-    const HMODULE hControls = track ? nullptr : GetModuleHandleA("comctl32.dll");
-    return reinterpret_cast<TrackCall *>(hControls ? GetProcAddress(hControls, "_TrackMouseEvent")
-                                                   : track);
+    TrackCall *const pTrack = CUFindFunction<TrackCall>("user32.dll", "TrackMouseEvent");
+    return pTrack ? pTrack : CUFindFunction<TrackCall>("comctl32.dll", "_TrackMouseEvent");
 }
 
 struct CSending

@@ -1,5 +1,6 @@
 #include "Command/Output.h"
 
+#include "Base/SystemLibrary.h"
 #include "CUI/Platform.h"
 
 namespace {
@@ -9,8 +10,7 @@ const DWORD PARENT_PROCESS = static_cast<DWORD>(-1);
 HANDLE OpenConsole()
 {
     typedef BOOL WINAPI FAttach(DWORD);
-    FAttach *const attach = reinterpret_cast<FAttach *>(
-        GetProcAddress(GetModuleHandleA("kernel32.dll"), "AttachConsole"));
+    const auto attach = CUFindFunction<FAttach>("kernel32.dll", "AttachConsole");
     if (!attach || !attach(PARENT_PROCESS))
         return nullptr;
     const HANDLE hConsole = CreateFileA("CONOUT$", GENERIC_READ | GENERIC_WRITE, FILE_SHARE_WRITE,

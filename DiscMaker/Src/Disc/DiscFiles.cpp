@@ -4,6 +4,7 @@
 
 #include <algorithm>
 
+#include "Base/SystemLibrary.h"
 #include "CUI/Data.h"
 
 namespace {
@@ -180,8 +181,7 @@ bool DiscFreeSpace(const CDiscPath &folder, ULONGLONG &nBytes)
     typedef BOOL WINAPI FGetFreeSpace(const char *, ULARGE_INTEGER *, ULARGE_INTEGER *,
                                       ULARGE_INTEGER *);
     // Windows 95 got it with its second release.
-    static FGetFreeSpace *const s_get = reinterpret_cast<FGetFreeSpace *>(
-        GetProcAddress(GetModuleHandleA("kernel32.dll"), "GetDiskFreeSpaceExA"));
+    static const auto s_get = CUFindFunction<FGetFreeSpace>("kernel32.dll", "GetDiskFreeSpaceExA");
     ULARGE_INTEGER nFree;
     ULARGE_INTEGER nTotal;
     if (!s_get || !s_get(folder.Text() + "\\", &nFree, &nTotal, nullptr))

@@ -1,6 +1,8 @@
 #pragma once
 
-#include "Disc/MakeDisc.h"
+#include "Disc/DiscProgress.h"
+#include "Model/Problem.h"
+#include "Model/Skin.h"
 
 // The part of MakeDisc that knows files alone: a copy of the contents, the finished launcher as
 // AutoRun.exe, these bytes as autorun.inf, and the sums, in the place of an older disc.

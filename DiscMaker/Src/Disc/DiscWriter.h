@@ -1,7 +1,7 @@
 #pragma once
 
 #include "Disc/DiscFiles.h"
-#include "Disc/MakeDisc.h"
+#include "Disc/DiscProgress.h"
 #include "Disc/SumsFile.h"
 #include "Model/Problem.h"
 

@@ -1,9 +1,9 @@
 #include "Disc/MakeDisc.h"
 
-#include "Base/TempDirectory.h"
 #include "CU/ErrorText.h"
 #include "Disc/DiscLayout.h"
 #include "File/SkinFile.h"
+#include "Model/TempFolder.h"
 #include "Problems/Check.h"
 #include "Resource.h"
 
@@ -15,9 +15,9 @@ class CTemporaryFile
 public:
     CTemporaryFile()
     {
-        char szFolder[MAX_PATH];
+        const CCUString sFolder = TempFolder();
         char szFile[MAX_PATH] = "";
-        if (CUFindTempDirectory(szFolder) != 0 && GetTempFileNameA(szFolder, "dsc", 0, szFile) != 0)
+        if (!sFolder.IsEmpty() && GetTempFileNameA(sFolder, "dsc", 0, szFile) != 0)
             m_sPath = szFile;
     }
     ~CTemporaryFile()

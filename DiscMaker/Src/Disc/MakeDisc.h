@@ -1,17 +1,8 @@
 #pragma once
 
+#include "Disc/DiscProgress.h"
 #include "Model/Problem.h"
 #include "Model/Skin.h"
-
-// Hears how far the work is.
-class CDiscProgress
-{
-public:
-    virtual ~CDiscProgress() {}
-    // `nDone` of `nTotal` bytes are written; `sFile` is the one in work, relative to the disc.
-    // False: stop.
-    virtual bool OnProgress(ULONGLONG nDone, ULONGLONG nTotal, const CCUString &sFile) = 0;
-};
 
 // Makes the folder of a disc: a copy of the maker's own contents, the launcher with these looks,
 // autorun.inf, and SHA256SUMS, a list of what was written. `sLauncher` is any launcher.

@@ -240,7 +240,7 @@ private:
         if (nNext + 1 == m_sections.size() &&
             m_image.HoldsOnly(m_sections[nNext], IMAGE_DIRECTORY_ENTRY_BASERELOC))
         {
-            // Back too when there is less: the same skin always makes the same file.
+            // They move back too, when there is less: the same skin always makes the same file.
             m_sections[nNext].m_nAddress = nEnd;
             return m_sections[nNext].m_nVirtualSize < ADDRESS_LIMIT - nEnd;
         }

@@ -1,20 +1,15 @@
 #include "Model/Recovery.h"
 
-#include "Base/TempDirectory.h"
+#include "Base/Handle.h"
 #include "CU/ErrorText.h"
 #include "Model/SkinBytes.h"
+#include "Model/TempFolder.h"
 
 namespace {
 
 const char *const FILES = "DiscMaker-*.recovery";
 // No skin that is larger was kept.
 const DWORD MOST_BYTES = 256 * 1024 * 1024;
-
-CCUString TempFolder()
-{
-    char szFolder[MAX_PATH] = "";
-    return CUFindTempDirectory(szFolder) ? szFolder : "";
-}
 
 // The path, its end, and the skin.
 bool Write(HANDLE hFile, const CSkin &skin, const CCUString &sPath)
@@ -93,8 +88,8 @@ bool CRecovery::Find(CSkin &skin, CCUString &sPath)
 {
     const CCUString sFolder = TempFolder();
     WIN32_FIND_DATAA data;
-    const HANDLE hFind = FindFirstFileA(sFolder + FILES, &data);
-    if (hFind == INVALID_HANDLE_VALUE)
+    const CCUFindHandle hFind(FindFirstFileA(sFolder + FILES, &data));
+    if (!hFind)
         return false;
     bool bFound = false;
     do {
@@ -110,6 +105,5 @@ bool CRecovery::Find(CSkin &skin, CCUString &sPath)
         if (!bFound)
             Forget();  // the program crashed while it wrote; what it had written before is there
     } while (!bFound && FindNextFileA(hFind, &data));
-    FindClose(hFind);
     return bFound;
 }

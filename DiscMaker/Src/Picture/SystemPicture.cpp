@@ -10,11 +10,12 @@
 
 namespace {
 
-// Both libraries are loaded at the first picture and stay. A missing function makes `ok` false.
+// Both libraries are loaded at the first picture and stay. Where a function is missing bFound
+// becomes false.
 template <typename Function>
 void Find(HMODULE hLibrary, const char *pszName, Function *&function, bool &bFound)
 {
-    function = hLibrary ? reinterpret_cast<Function *>(GetProcAddress(hLibrary, pszName)) : nullptr;
+    function = CUFindFunction<Function>(hLibrary, pszName);
     bFound = bFound && function;
 }
 

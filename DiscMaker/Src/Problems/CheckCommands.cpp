@@ -1,5 +1,6 @@
 #include <string.h>
 
+#include "Model/IsAmong.h"
 #include "Problems/Checks.h"
 #include "Problems/CommandLine.h"
 
@@ -13,16 +14,6 @@ const char *const EXTENSIONS[] = {"exe", "com", "bat", "cmd", "pif"};
 const char *const SYSTEM_PROGRAMS[] = {"notepad.exe", "write.exe",    "explorer.exe",
                                        "control.exe", "rundll32.exe", "winhlp32.exe",
                                        "regedit.exe"};
-
-template <size_t N>
-bool IsAmong(const CCUString &sText, const char *const (&texts)[N])
-{
-    for (const char *const pszText : texts) {
-        if (sText.CompareNoCase(pszText) == 0)
-            return true;
-    }
-    return false;
-}
 
 int Count(const CCUString &sText, char ch)
 {

@@ -1,5 +1,6 @@
 #include <string.h>
 
+#include "Model/IsAmong.h"
 #include "Problems/Checks.h"
 
 namespace {
@@ -14,16 +15,6 @@ const char *const FACES_EVERYWHERE[] = {"Arial",  "Times",    "Helv",     "Helve
                                         "Roman",  "Modern",   "Script"};
 // With Windows 98 and 2000, or the browser that came then.
 const char *const FACES_LATER[] = {"Verdana", "Tahoma", "Georgia", "Impact", "Webdings"};
-
-template <size_t N>
-bool IsAmong(const CCUString &sFace, const char *const (&faces)[N])
-{
-    for (const char *const pszFace : faces) {
-        if (sFace.CompareNoCase(pszFace) == 0)
-            return true;
-    }
-    return false;
-}
 
 // What stands in the entry for the face, spaces and all.
 CCUString FaceAsWritten(const CCUString &sText)

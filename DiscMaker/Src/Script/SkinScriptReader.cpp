@@ -1,5 +1,6 @@
 #include "Script/SkinScriptReader.h"
 
+#include "Model/IsAmong.h"
 #include "Script/ScriptLiteral.h"
 
 namespace {
@@ -15,16 +16,6 @@ const char *const BLOCK_TYPES[] = {"DIALOG", "DIALOGEX",     "MENU",
                                    "MENUEX", "ACCELERATORS", "TOOLBAR"};
 // After a number these begin another statement, so that an END is missing.
 const char *const FILE_TYPES[] = {"BITMAP", "ICON", "CURSOR", "FONT", "RCDATA", "VERSIONINFO"};
-
-template <size_t N>
-bool IsAmong(const CCUString &sWord, const char *const (&words)[N])
-{
-    for (const char *const pszWord : words) {
-        if (sWord.CompareNoCase(pszWord) == 0)
-            return true;
-    }
-    return false;
-}
 
 // Some scripts write the NUL at a text's end too.
 CWideText UpToNul(const CWideText &sText)

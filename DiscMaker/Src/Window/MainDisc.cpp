@@ -53,12 +53,10 @@ void CMainWindow::MakeDiscNow()
 void CMainWindow::ShowHelpPage()
 {
     const CCUString sPage = ProgramFolder() + "Help\\DiscMaker.html";
-    typedef HINSTANCE(WINAPI * ShellExecuteFunction)(HWND, const char *, const char *, const char *,
-                                                     const char *, int);
-    const HMODULE hShell = CULoadSystemLibrary("shell32.dll");
+    typedef HINSTANCE WINAPI ShellExecuteFunction(HWND, const char *, const char *, const char *,
+                                                  const char *, int);
     const auto pExecute =
-        hShell ? reinterpret_cast<ShellExecuteFunction>(GetProcAddress(hShell, "ShellExecuteA"))
-               : nullptr;
+        CUFindFunction<ShellExecuteFunction>(CULoadSystemLibrary("shell32.dll"), "ShellExecuteA");
     const bool bShown =
         pExecute && reinterpret_cast<UINT_PTR>(
                         pExecute(*this, "open", sPage, nullptr, nullptr, SW_SHOWNORMAL)) > 32;

@@ -2,6 +2,7 @@
 #include <stdlib.h>
 
 #include "CUI/Choosers.h"
+#include "CUI/Data.h"
 #include "CUI/MessageBox.h"
 #include "File/FileBytes.h"
 #include "File/IconGroup.h"
@@ -131,9 +132,7 @@ void CMainWindow::PickFont(const PropertyRow &row)
     ParseFont(m_document.Entry(row.m_nID), font);
     // The chooser counts by the screen's dots an inch, launchers by 96.
     LOGFONTA logFont = {};
-    const HDC hDC = GetDC(nullptr);
-    const int nDots = GetDeviceCaps(hDC, LOGPIXELSY);
-    ReleaseDC(nullptr, hDC);
+    const int nDots = CUIGetWinData()->cyPixelsPerInch;
     logFont.lfHeight = -MulDiv(font.m_nPoints, nDots, POINTS_PER_INCH);
     logFont.lfWeight = font.m_nBold > 0 ? FW_BOLD : FW_NORMAL;
     logFont.lfItalic = font.m_nItalic != 0;

@@ -7,6 +7,7 @@
 #include "Problems/Check.h"
 #include "Resource.h"
 #include "Window/Clipboard.h"
+#include "Window/Scaled.h"
 
 namespace {
 
@@ -25,11 +26,6 @@ const unsigned TOOLS[] = {
     ID_NEW,       ID_OPEN,       ID_SAVE, 0,          ID_UNDO,     ID_REDO, 0,
     ID_ZOOM_IN,   ID_ZOOM_OUT,   0,       ID_ZONES,   ID_SNAP,     0,       ID_ALIGN_LEFT,
     ID_ALIGN_TOP, ID_SPACE_DOWN, 0,       ID_PREVIEW, ID_MAKE_DISC};
-
-int Scaled(int nPixels)
-{
-    return MulDiv(nPixels, CUIGetWinData()->cyPixelsPerInch, 96);
-}
 
 HINSTANCE Instance()
 {

@@ -3,8 +3,9 @@
 #include <stdlib.h>
 #include <string.h>
 
-#include "Base/TempDirectory.h"
+#include "Base/Handle.h"
 #include "CU/ErrorText.h"
+#include "Model/TempFolder.h"
 
 namespace {
 
@@ -17,12 +18,6 @@ void AddError(CProblems &problems, const CCUString &sWhere, const char *pszWhat)
         {ProblemError, 0, sWhere, CCUString(pszWhat) + ": " + CUErrorText(GetLastError()), ""});
 }
 
-CCUString TempFolder()
-{
-    char szTemp[MAX_PATH] = "";
-    return CUFindTempDirectory(szTemp) ? szTemp : "";
-}
-
 // False while the launcher in it runs.
 bool RemovePreview(const CCUString &sFolder)
 {
@@ -31,27 +26,24 @@ bool RemovePreview(const CCUString &sFolder)
 
 bool IsRunning(DWORD nProcess)
 {
-    const HANDLE hProcess = OpenProcess(SYNCHRONIZE, FALSE, nProcess);
+    const CCUObjectHandle hProcess(OpenProcess(SYNCHRONIZE, FALSE, nProcess));
     if (!hProcess)
         return GetLastError() == ERROR_ACCESS_DENIED;
-    const bool bRuns = WaitForSingleObject(hProcess, 0) == WAIT_TIMEOUT;
-    CloseHandle(hProcess);
-    return bRuns;
+    return WaitForSingleObject(hProcess, 0) == WAIT_TIMEOUT;
 }
 
 // Those of programs that are gone.
 void RemoveLeftPreviews(const CCUString &sTemp)
 {
     WIN32_FIND_DATAA data;
-    const HANDLE hFind = FindFirstFileA(sTemp + FOLDER_NAME + "*-*", &data);
-    if (hFind == INVALID_HANDLE_VALUE)
+    const CCUFindHandle hFind(FindFirstFileA(sTemp + FOLDER_NAME + "*-*", &data));
+    if (!hFind)
         return;
     do {
         const DWORD nProcess = strtoul(data.cFileName + strlen(FOLDER_NAME), nullptr, 16);
         if (data.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY && !IsRunning(nProcess))
             RemovePreview(sTemp + data.cFileName);
     } while (FindNextFileA(hFind, &data));
-    FindClose(hFind);
 }
 
 // Programs that are not in the launcher's folder are looked for in the current one.

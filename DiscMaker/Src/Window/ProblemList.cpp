@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "CUI/Data.h"
+#include "Window/Scaled.h"
 
 namespace {
 
@@ -69,7 +69,7 @@ void CProblemList::FitColumns()
 {
     RECT client;
     GetClientRect(m_hWnd, &client);
-    const int nUnit = MulDiv(1, CUIGetWinData()->cyPixelsPerInch * 16, 96);
+    const int nUnit = Scaled(16);
     const int cxWeight = 4 * nUnit, cxWhere = 11 * nUnit;
     const int cxRest = std::max<int>(20 * nUnit, client.right - cxWeight - cxWhere);
     SetColumnWidth(0, cxWeight);

@@ -2,9 +2,11 @@
 
 #include <algorithm>
 
+#include "Base/GdiGuards.h"
 #include "CUI/Data.h"
 #include "Model/SkinEntry.h"
 #include "Resource.h"
+#include "Window/Scaled.h"
 
 namespace {
 
@@ -13,11 +15,6 @@ const UINT ID_BUTTON = 2;
 const UINT JOIN_TYPING = 0x10000;
 const int LEAST_COLUMN = 40;
 const int DIVIDER_REACH = 3;
-
-int Scaled(int nPixels)
-{
-    return MulDiv(nPixels, CUIGetWinData()->cyPixelsPerInch, 96);
-}
 
 }  // namespace
 
@@ -51,12 +48,10 @@ int CPropertyGrid::OnCreate(CREATESTRUCTA *pCreate)
 
 void CPropertyGrid::MeasureRows()
 {
-    const HDC hDC = GetDC(m_hWnd);
-    const HGDIOBJ hOld = SelectObject(hDC, CUIGetWinData()->hMenuFont);
+    const CCUIWindowDC hDC(m_hWnd);
+    const CCUISelect font(hDC, CUIGetWinData()->hMenuFont);
     TEXTMETRICA metric;
     GetTextMetricsA(hDC, &metric);
-    SelectObject(hDC, hOld);
-    ReleaseDC(m_hWnd, hDC);
     m_cyRow = metric.tmHeight + Scaled(6);
 }
 

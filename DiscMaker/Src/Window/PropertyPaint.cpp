@@ -6,15 +6,11 @@
 #include "Model/SkinEntry.h"
 #include "Window/NotePane.h"
 #include "Window/PropertyGrid.h"
+#include "Window/Scaled.h"
 
 namespace {
 
 const UINT TEXT_FORMAT = DT_SINGLELINE | DT_VCENTER | DT_NOPREFIX | DT_END_ELLIPSIS;
-
-int Scaled(int nPixels)
-{
-    return MulDiv(nPixels, CUIGetWinData()->cyPixelsPerInch, 96);
-}
 
 // What a screen of 256 colours does not have is mixed of dots.
 void Fill(HDC hDC, const RECT &rect, int nSysColor)

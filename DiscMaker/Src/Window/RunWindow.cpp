@@ -2,18 +2,13 @@
 
 #include <algorithm>
 
-#include "CUI/Data.h"
 #include "CUI/Settings.h"
 #include "Window/MainWindow.h"
+#include "Window/Scaled.h"
 
 namespace {
 
 const SIZE FIRST_SIZE = {960, 700};  // at 96 pixels an inch
-
-int Scaled(int nPixels)
-{
-    return MulDiv(nPixels, CUIGetWinData()->cyPixelsPerInch, 96);
-}
 
 }  // namespace
 

@@ -1,6 +1,0 @@
-#pragma once
-
-#include "CU/String.h"
-
-// The text with "\r\n" at the end of each line, as edit controls and the clipboard want it.
-CCUString CUIWithLineEnds(const CCUString &sText);
