@@ -18,18 +18,6 @@ const char *WeightText(ProblemWeight weight)
     }
 }
 
-CCUString EntryName(UINT nEntry)
-{
-    const SkinEntry *const pEntry = FindSkinEntry(nEntry);
-    if (pEntry)
-        return pEntry->m_pszSymbol;
-    if (nEntry == IDS_DISC_LABEL)
-        return "IDS_DISC_LABEL";
-    CCUString sText;
-    sText.Format("%u", nEntry);
-    return sText;
-}
-
 CCUString EntryCaption(UINT nEntry)
 {
     switch (nEntry) {
@@ -42,7 +30,7 @@ CCUString EntryCaption(UINT nEntry)
     default: break;
     }
     const SkinEntry *const pEntry = FindSkinEntry(nEntry);
-    return pEntry ? CCUString(pEntry->m_pszCaption) : "Entry " + EntryName(nEntry);
+    return pEntry ? CCUString(pEntry->m_pszCaption) : "Entry " + EntrySymbol(nEntry);
 }
 
 CCUString Sentence(CCUString sText)
@@ -110,7 +98,7 @@ CCUString ProblemLine(const CProblem &problem)
     if (!problem.m_sWhere.IsEmpty())
         sLine += problem.m_sWhere + ": ";
     if (problem.m_nEntry)
-        sLine += EntryName(problem.m_nEntry) + ": ";
+        sLine += EntrySymbol(problem.m_nEntry) + ": ";
     sLine += problem.m_sWhat;
     if (!problem.m_sEffect.IsEmpty())
         sLine += CCUString(" (") + problem.m_sEffect + ")";
