@@ -173,6 +173,7 @@ TEST_F(CDiscTest, IsNotMadeWithoutABackground)
 TEST_F(CDiscTest, RefusesPlacesThatMeet)
 {
     ExpectRefused("is not there", "\\out", "\\none");
+    ExpectRefused("characters that this system's code page lacks", "\\o?t");
     ExpectRefused("the same folder", "\\in");
     ExpectRefused("the same folder", "\\IN\\Music\\..\\");
     ExpectRefused("lies in the folder of its own contents", "\\in\\Music\\disc");

@@ -22,7 +22,18 @@ CCUString Reason(DWORD nError)
 
 }  // namespace
 
+const char *LostNameText(const CCUString &sPath)
+{
+    // No file has such a name, but systems put it for what they cannot say.
+    const CCUString sPlain = sPath.Left(4) == "\\\\?\\" ? sPath.Mid(4) : sPath;
+    return sPlain.Find('?') < 0 ? ""
+                                : "a name in its path has characters that this system's code "
+                                  "page lacks; give that file or folder another name";
+}
+
 void AddFileProblem(CProblems &problems, const CCUString &sPath, const char *pszWhat, DWORD nError)
 {
-    AddProblem(problems, ProblemError, sPath, CCUString(pszWhat) + ": " + Reason(nError) + ".");
+    const CCUString sLost = LostNameText(sPath);
+    AddProblem(problems, ProblemError, sPath,
+               CCUString(pszWhat) + ": " + (sLost.IsEmpty() ? Reason(nError) : sLost) + ".");
 }

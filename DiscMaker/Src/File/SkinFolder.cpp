@@ -95,7 +95,8 @@ std::unique_ptr<CSkinFolder> CSkinFolder::Read(const CCUString &sScript, CProble
     if (!folder->ReadScript(bytes, FolderOf(sScript), problems))
         return nullptr;
     for (int i = 0; i < FILE_COUNT; ++i)
-        folder->ReadPicture(i, problems);
+        folder->ReadPicture(i);
+    folder->IsWhole(folder->m_skin, problems);
     return folder;
 }
 
@@ -115,7 +116,7 @@ CCUString CSkinFolder::PathOf(const CCUString &sName) const
     return bWhole ? sName : JoinPath(FolderOf(m_sPath), sName);
 }
 
-void CSkinFolder::ReadPicture(int nFile, CProblems &problems)
+void CSkinFolder::ReadPicture(int nFile)
 {
     const CScriptPicture *const pPicture = m_script.FindPicture(nFile == ICON, FILE_IDS[nFile]);
     if (!pPicture)
@@ -127,7 +128,8 @@ void CSkinFolder::ReadPicture(int nFile, CProblems &problems)
     CCUString sWhere;
     sWhere.Format("%s:%u", NameOf(m_sPath).GetString(), pPicture->m_nLine);
     if (!file.m_bytes)
-        return AddFileProblem(problems, sWhere, "\"" + file.m_sName + "\" cannot be read", nError);
+        return AddFileProblem(file.m_unread, sWhere, "\"" + file.m_sName + "\" cannot be read",
+                              nError);
     CBlob picture = nFile == ICON ? file.m_bytes : ReadBmpFile(file.m_bytes);
     if (nFile == ICON && !IsIconFile(CByteView(*picture)))
         picture = nullptr;
@@ -136,10 +138,23 @@ void CSkinFolder::ReadPicture(int nFile, CProblems &problems)
         return;
     const CCUString sKind = PictureKind(file.m_bytes);
     const char *const pszWanted = nFile == ICON ? "is no .ico file" : "is no .bmp file";
-    problems.push_back(CProblem{ProblemError, FILE_IDS[nFile], sWhere,
-                                "\"" + file.m_sName + "\" " + pszWanted +
-                                    (sKind.IsEmpty() ? CCUString(".") : ": it is " + sKind + "."),
-                                "the launcher cannot be made with it"});
+    file.m_unread.push_back(
+        CProblem{ProblemError, FILE_IDS[nFile], sWhere,
+                 "\"" + file.m_sName + "\" " + pszWanted +
+                     (sKind.IsEmpty() ? CCUString(".") : ": it is " + sKind + "."),
+                 "the launcher cannot be made with it"});
+}
+
+bool CSkinFolder::IsWhole(const CSkin &skin, CProblems &problems) const
+{
+    bool bWhole = true;
+    for (int i = 0; i < FILE_COUNT; ++i) {
+        if (m_files[i].m_unread.empty() || PictureOf(skin, i))
+            continue;
+        problems.push_back(m_files[i].m_unread[0]);
+        bWhole = false;
+    }
+    return bWhole;
 }
 
 // Whether anything that was read is not what is there now.
