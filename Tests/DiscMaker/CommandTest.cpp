@@ -59,6 +59,9 @@ TEST(Command, ChecksAppliesAndDraws)
     EXPECT_NE(std::string::npos, lost.m_text.find("characters that this system's code page lacks"));
     EXPECT_EQ(2, Ask(folder, "/picture " + launcher + " " + launcher).m_nExitCode);
     EXPECT_EQ(0, Ask(folder, "/check " + launcher).m_nExitCode) << "it is no picture now";
+    const CAnswer none =
+        Ask(folder, "/picture " + launcher + " \"" + folder.Path() + "\\no\\p.png\"");
+    EXPECT_NE(std::string::npos, none.m_text.find("its folder is not there.\r\n")) << none.m_text;
     for (const char *name : {"\\p.png", "\\p.bmp"}) {
         const std::string picture = folder.Path() + name;
         ASSERT_EQ(0, Ask(folder, "/picture " + launcher + " \"" + picture + "\"").m_nExitCode);
