@@ -91,7 +91,7 @@ TEST(Canvas, StandsHugePlacesAndRestsAtWhatItDoesNotShow)
     CCanvasWindow window;
     CDocument &document = window.m_document;
     document.SetEntry(IDS_ABOUT_RECT, "-2147483648,-2147483648,2147483647,2147483647");
-    for (const UINT nPlace : {IDS_RUN_POS, IDS_PRODUCT_POS, IDS_TITLE_POS}) {
+    for (const UINT nPlace : {UINT{IDS_RUN_POS}, UINT{IDS_PRODUCT_POS}, UINT{IDS_TITLE_POS}}) {
         for (const char *const pszPlace : {"2147483647,-2147483648", "-2147483648,2147483647"}) {
             document.SetEntry(nPlace, pszPlace);
             for (const int nZoom : {400, 100}) {
@@ -105,8 +105,7 @@ TEST(Canvas, StandsHugePlacesAndRestsAtWhatItDoesNotShow)
         }
     }
     ValidateRect(window.m_canvas, nullptr);
-    for (const UINT nEntry : {IDS_CAPTION, IDS_RUN_COMMAND, IDS_SPARE_COLOR, IDS_PRODUCT_ICON_POS})
-    {
+    for (const UINT nEntry : {UINT{IDS_CAPTION}, UINT{IDS_RUN_COMMAND}, UINT{IDS_SPARE_COLOR}}) {
         document.SetEntry(nEntry, "1,2,3");
         EXPECT_FALSE(GetUpdateRect(window.m_canvas, nullptr, FALSE)) << nEntry;
     }
