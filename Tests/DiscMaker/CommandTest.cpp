@@ -52,6 +52,16 @@ TEST(Command, ChecksAppliesAndDraws)
     EXPECT_EQ(0, Ask(folder, "/export " + launcher + " " + exported).m_nExitCode);
     EXPECT_EQ(0, Ask(folder, "/check " + exported).m_nExitCode);
     EXPECT_EQ(2, Ask(folder, "/export " + launcher + " " + exported).m_nExitCode);
+    const CAnswer gone = Ask(folder, "/check " + launcher + " \"" + folder.Path() + "\\none\"");
+    EXPECT_NE(std::string::npos, gone.m_text.find("contents is not there. (No disc"));
+    EXPECT_EQ(std::string::npos, gone.m_text.find("is not among")) << gone.m_text;
+    const CAnswer lost = Ask(folder, "/check \"" + folder.Path() + "\\a?b.exe\"");
+    EXPECT_NE(std::string::npos, lost.m_text.find("characters that this system's code page lacks"));
+    EXPECT_EQ(2, Ask(folder, "/picture " + launcher + " " + launcher).m_nExitCode);
+    EXPECT_EQ(0, Ask(folder, "/check " + launcher).m_nExitCode) << "it is no picture now";
+    const CAnswer none =
+        Ask(folder, "/picture " + launcher + " \"" + folder.Path() + "\\no\\p.png\"");
+    EXPECT_NE(std::string::npos, none.m_text.find("its folder is not there.\r\n")) << none.m_text;
     for (const char *name : {"\\p.png", "\\p.bmp"}) {
         const std::string picture = folder.Path() + name;
         ASSERT_EQ(0, Ask(folder, "/picture " + launcher + " \"" + picture + "\"").m_nExitCode);

@@ -10,6 +10,7 @@
 #include "Model/SkinEntry.h"
 #include "Resource.h"
 #include "Support/ChildProcess.h"
+#include "Support/FailingCall.h"
 #include "Support/TemporaryDirectory.h"
 #include <psapi.h>
 
@@ -129,6 +130,11 @@ TEST(Document, TakesTheTextsOfAnotherSkinByTheirLanguages)
     EXPECT_STREQ("7,0", document.Entry(IDS_TITLE));
     document.SetAll(skin({0}));
     EXPECT_STREQ("0,0", document.Entry(IDS_TITLE));
+    document.SetVersion("LegalCopyright", "Talvern");
+    document.SetAll(skin({0}));
+    EXPECT_STREQ("Talvern", document.Version("LegalCopyright")) << "nothing is said of it";
+    document.SetAll(TestSkin());
+    EXPECT_STREQ("", document.Version("LegalCopyright")) << "another product's";
 }
 
 TEST(Document, KeepsCharactersThatNoFieldCanShow)
@@ -177,6 +183,34 @@ TEST(Document, JoinsWhatFollowsEachOtherUntilItIsSealedOrSaved)
     EXPECT_STREQ("Title", document.Entry(IDS_TITLE));
 }
 
+// Ctrl+Z, Ctrl+S and a dropped file come while something is dragged, too.
+TEST(Document, KeepsItsStepsInOrderWhileOneIsOpen)
+{
+    CDocument document;
+    document.Start(TestSkin());
+    document.SetEntry(IDS_TITLE, "Tide");
+    document.BeginStep();
+    document.SetEntry(IDS_RUN_POS, "1,1");
+    EXPECT_FALSE(document.CanUndo() || document.CanRedo());
+    document.Undo();
+    EXPECT_STREQ("1,1", document.Entry(IDS_RUN_POS));
+    document.MarkSaved();
+    document.SetEntry(IDS_RUN_POS, "2,2");
+    EXPECT_TRUE(document.IsModified());
+    document.CancelStep();
+    EXPECT_STREQ("1,1", document.Entry(IDS_RUN_POS));
+    EXPECT_FALSE(document.IsModified());
+    document.Undo();
+    EXPECT_STREQ("46,172", document.Entry(IDS_RUN_POS));
+    document.BeginStep();
+    document.SetEntry(IDS_RUN_POS, "3,3");
+    document.Start(CSkin());
+    document.SetEntry(IDS_RUN_POS, "4,4");
+    document.EndStep();
+    document.Undo();
+    EXPECT_FALSE(document.CanUndo() || document.IsModified());
+}
+
 TEST(Document, NeedsLessThanAKibibyteForAStepHoweverLongTheTexts)
 {
     CDocument document;
@@ -212,9 +246,11 @@ TEST(SkinBytes, TakesNothingThatIsNotWhole)
     EXPECT_EQ(bytes, PackSkin(skin));
     for (size_t i = 0; i < bytes.size(); ++i) {
         EXPECT_FALSE(UnpackSkin(bytes.data(), i, skin));
+        EXPECT_TRUE(IsDamagedSkin(bytes.data(), i));
         std::vector<BYTE> changed = bytes;
         changed[i] ^= 0x41;
         EXPECT_FALSE(UnpackSkin(changed.data(), changed.size(), skin)) << i;
+        EXPECT_EQ(i >= 4, IsDamagedSkin(changed.data(), changed.size())) << "else another form";
     }
 }
 
@@ -252,12 +288,35 @@ TEST(Recovery, GivesBackWhatAProgramThatCrashedHadKept)
     EXPECT_EQ(std::vector<std::string>{szTaken}, temp.Files("*"));
 }
 
+TEST(Recovery, DeletesOnlyWhatIsItsOwnAndDead)
+{
+    const CTemporaryDirectory temp;
+    std::ofstream(temp.Path() + "\\DiscMaker-0-1.recovery") << "a.exe" << '\0' << "a later form";
+    std::ofstream(temp.Path() + "\\DiscMaker-0-2.recovery") << "a.exe" << '\0' << "SKM1 cut";
+    CChildProcess("KeepAndCrash").ExitCode();
+    CSkin skin;
+    CCUString sPath;
+    CFailingCall<BOOL(HANDLE, void *, DWORD, DWORD *, OVERLAPPED *)> read("ReadFile");
+    CFailPlan::Start(CFailPlan::ALL);
+    EXPECT_FALSE(CRecovery().Find(skin, sPath));
+    EXPECT_EQ(3U, temp.Files("*.recovery").size()) << "none can be read now";
+    CFailPlan::Start(0);
+    EXPECT_TRUE(CRecovery().Find(skin, sPath));
+    EXPECT_EQ(std::vector<std::string>{"DiscMaker-0-1.recovery"}, temp.Files("*.recovery"));
+}
+
 TEST(EntryText, GoesToTheClipboardAndBack)
 {
-    const CEntryTexts entries = {{IDS_TITLE, "a \"b\" \\n\n\\"}, {IDS_RUN_POS, "1,2"}};
-    EXPECT_EQ(entries, LinesToEntries("x\r\n" + EntriesToLines(entries) + "IDS_NOTHING \"1\"\r\n"));
+    // The second byte of such a character is a backslash, and an end in the other form.
+    const CCUString sSoft = "\x83\\n\x95\\";
+    const CEntryTexts entries = {
+        {IDS_TITLE, "a \"b\" \\n\n\\"}, {IDS_RUN_POS, "1,2"}, {IDS_DISC_LABEL, sSoft}};
+    const CCUString sLines = EntriesToLines(entries, 932);
+    EXPECT_EQ(entries, LinesToEntries("x\r\n" + sLines + "IDS_NOTHING \"1\"\r\n", 932));
     for (const char *const psz : {"one\ntwo", "C:\\new\\n", "\\", ""})
         EXPECT_STREQ(psz, FromOneLine(ToOneLine(psz)));
+    EXPECT_STREQ(sSoft, ToOneLine(sSoft, 932));
+    EXPECT_STREQ(sSoft, FromOneLine(sSoft, 932));
 }
 
 TEST(EntryText, SaysWhatIsWrong)

@@ -231,10 +231,22 @@ TEST(LauncherFile, LosesNothingWhenItCannotSave)
     {
         const HANDLE used = CreateFileA(path.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr,
                                         OPEN_EXISTING, 0, nullptr);
-        ExpectFailure("another program uses it");
+        ExpectFailure("a program uses it");
         CloseHandle(used);
     }
-    SetFileAttributesA(path.c_str(), FILE_ATTRIBUTE_NORMAL);
+    {
+        // Such as a program that runs: it may get another name, but not be replaced.
+        const HANDLE runs =
+            CreateFileA(path.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_DELETE, nullptr,
+                        OPEN_EXISTING, 0, nullptr);
+        CFakeCall<BOOL(const char *, const char *, DWORD)> replace(
+            "MoveFileExA", [](const char *, const char *, DWORD) {
+                SetLastError(ERROR_ACCESS_DENIED);
+                return FALSE;
+            });
+        ExpectFailure("if it runs");
+        CloseHandle(runs);
+    }
     EXPECT_FALSE(file->IsOutdated());
     WriteFileBytes(path, "changed");
     problems.clear();

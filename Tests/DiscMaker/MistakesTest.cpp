@@ -39,6 +39,10 @@ public:
     {
         return Ask(m_folder, "/apply \"" + m_skin + "\" /to \"" + Path("launcher") + "\"");
     }
+    CAnswer Export() const
+    {
+        return Ask(m_folder, "/export \"" + m_skin + "\" \"" + Path("new") + "\"");
+    }
     void Replace(const std::string &from, const std::string &to) const
     {
         std::string script = Contents(Path("skin\\Skin.rc"));
@@ -229,5 +233,6 @@ TEST(Mistakes, OfTheSystemAreToldAndNothingIsLost)
     pOpen = &open;
     ExpectRefused("\"Product.bmp\" cannot be read: it is not there");
     EXPECT_EQ(2, maker.Apply().m_nExitCode);
+    EXPECT_EQ(2, maker.Export().m_nExitCode);
     EXPECT_TRUE(LAUNCHER == Contents(maker.Path("launcher")));
 }

@@ -191,7 +191,7 @@ TEST(SkinFolder, SaysWhereAScriptIsWrong)
          "Skin.rc:2: VALUE is followed by"},
         {"/* a\n", "A comment that begins"},
         {"200 BITMAP\n", "Skin.rc:1: The name of the picture's file is missing"},
-        {"200 BITMAP none.bmp\n", "Skin.rc:1: \"none.bmp\" cannot be read: it is not there"},
+        {"200 BITMAP none.bmp\n", "Skin.rc:1: 200: \"none.bmp\" cannot be read: it is not there"},
         {"200 BITMAP \"Skin.rc\"\n", "\"Skin.rc\" is no .bmp file"},
         {"#if 1\n", "An #if is not ended"},
         {"7 DIALOG 0, 0, 1, 1\nCAPTION \"x\"\n{\n}\n8 RCDATA\nBEGIN\n1\nEND\n9 TXT a/b.txt\n",
@@ -264,6 +264,23 @@ TEST(SkinFolder, WritesPicturesBesideTheScript)
     problems.clear();
     EXPECT_FALSE(file->Save(skin, shared.Path().c_str(), problems));
     EXPECT_TRUE(strstr(Lines(problems).c_str(), "a.bmp: Another program has changed"));
+}
+
+TEST(SkinFolder, IsNotWrittenElsewhereWithoutItsHeader)
+{
+    CScriptFolder folder("#include \"names.h\"\nSTRINGTABLE { NAME \"T\" }\n");
+    const std::string header = folder.m_directory.Path() + "\\names.h";
+    const std::string other = folder.m_directory.Path() + "\\new";
+    WriteFileBytes(header, "#define NAME 28\n");
+    const auto file = folder.Open();
+    ASSERT_TRUE(file) << Lines(folder.m_problems);
+    DeleteFileA(header.c_str());
+    CProblems problems;
+    EXPECT_FALSE(file->Save(file->Skin(), other.c_str(), problems));
+    EXPECT_TRUE(strstr(Lines(problems).c_str(), "names.h: The header cannot be read any more"));
+    EXPECT_EQ("(no file)", Contents(other + "\\Skin.rc"));
+    WriteFileBytes(header, "#define NAME 28\n");
+    EXPECT_TRUE(file->Save(file->Skin(), other.c_str(), problems)) << Lines(problems);
 }
 
 TEST(SkinFolder, SaysThatNotEveryCompilerKnowsTheMarkOfUtf8)

@@ -6,6 +6,7 @@
 #include "Command/Output.h"
 #include "Command/PictureCommand.h"
 #include "Disc/MakeDisc.h"
+#include "File/FileBytes.h"
 #include "File/SkinFile.h"
 #include "File/SkinFolder.h"
 #include "Problems/Check.h"
@@ -29,12 +30,11 @@ std::unique_ptr<CSkinFile> Open(const CCUString &sPath, CProblems &problems)
     return CSkinFile::Open(sPath, problems);
 }
 
-// To be written elsewhere: not without a picture that could not be read, which would take it away
-// from a launcher or a disc that has it.
+// To be written elsewhere.
 std::unique_ptr<CSkinFile> OpenWhole(const CCUString &sPath, CProblems &problems)
 {
     std::unique_ptr<CSkinFile> pFile = Open(sPath, problems);
-    if (HasErrors(problems))
+    if (pFile && !pFile->IsWhole(pFile->Skin(), problems))
         pFile.reset();
     return pFile;
 }
@@ -78,7 +78,7 @@ bool Apply(const CWords &words, CProblems &problems)
 
 bool Export(const CWords &words, CProblems &problems)
 {
-    const auto pFile = Open(words[0], problems);
+    const auto pFile = OpenWhole(words[0], problems);
     return pFile && CSkinFolder::Export(pFile->Skin(), words[1], problems);
 }
 
@@ -97,7 +97,8 @@ bool Disc(const CWords &words, CProblems &problems)
     const auto pFile = OpenWhole(words[0], problems);
     if (!pFile)
         return false;
-    CheckSkin(pFile->Skin(), words[1], problems);
+    // That the contents are not there is told by MakeDisc.
+    CheckSkin(pFile->Skin(), FolderExists(words[1]) ? words[1] : CCUString(), problems);
     const CCUString sLauncher = bLauncherNamed      ? words[4]
                                 : pFile->IsFolder() ? OwnLauncher()
                                                     : pFile->Path();

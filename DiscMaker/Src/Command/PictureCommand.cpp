@@ -40,6 +40,10 @@ bool ReadPixels(const CFacePicture &face, CPixels &pixels)
 
 bool WriteFacePicture(const CSkin &skin, const CCUString &sPath, CProblems &problems)
 {
+    const bool bBmp = sPath.Right(4).CompareNoCase(".bmp") == 0;
+    // Not over a launcher, say, that was named by mistake.
+    if (!bBmp && sPath.Right(4).CompareNoCase(".png") != 0)
+        return Fail(problems, sPath, "The name of a picture ends in .png or .bmp.");
     if (!skin.m_pictures[PictureBackground] || skin.m_texts.empty())
         return Fail(problems, "", "Without a background the launcher's window has no size.");
     CDocument document;
@@ -51,7 +55,6 @@ bool WriteFacePicture(const CSkin &skin, const CCUString &sPath, CProblems &prob
     CPixels pixels;
     if (!ReadPixels(picture, pixels))
         return Fail(problems, "", "The window cannot be drawn: there is too little memory.");
-    const bool bBmp = sPath.Right(4).CompareNoCase(".bmp") == 0;
     CFileSet files;
     files.Add(sPath, bBmp ? MakeBmpFile(WriteDib(pixels)) : WritePng(pixels));
     return files.Commit(problems);

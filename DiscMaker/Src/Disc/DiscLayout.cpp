@@ -6,6 +6,7 @@
 #include "CU/File.h"
 #include "Disc/DiscWriter.h"
 #include "Disc/Label.h"
+#include "File/FileProblem.h"
 
 namespace {
 
@@ -65,6 +66,11 @@ bool CDiscLayout::Fail(const CDiscPath &where, const CCUString &sWhat)
 
 bool CDiscLayout::PlacesAreGood()
 {
+    for (const CDiscPath *const pPath : {&m_contents, &m_out}) {
+        const CCUString sLost = LostNameText(pPath->Text());
+        if (!sLost.IsEmpty())
+            return Fail(*pPath, "The folder cannot be found: " + sLost + ".");
+    }
     if (!DiscIsFolder(m_contents))
         return Fail(m_contents, "The folder with the disc's contents is not there.");
     if (m_out.IsEmpty() || m_out.Parent().IsEmpty())
@@ -112,6 +118,11 @@ bool CDiscLayout::MayReplaceOld()
         return Fail(m_out, "A file has the name of the disc's folder.");
     if (!DiscReadTree(m_out, m_old, failed))
         return Fail(failed, "The folder cannot be read: " + CUErrorText(GetLastError()));
+    // The contents' path may lead there by a link.
+    for (const CDiscPath &folder : m_old.m_folders) {
+        if (DiscIsSameFolder(m_out.Join(folder), m_contents))
+            return Fail(m_out, "The contents lie in the folder of the disc.");
+    }
     if (!m_old.m_links.empty())
         return Fail(m_out.Join(m_old.m_links[0]), "This was not written by Disc Maker.");
     CCUFile list;
@@ -204,9 +215,11 @@ bool CDiscLayout::TakePlace()
         return Fail(m_out, "The old disc cannot be replaced; a program may have it open: " +
                                CUErrorText(GetLastError()));
     if (!DiscMove(m_unfinished, m_out)) {
-        const DWORD nError = GetLastError();
-        DiscMove(old, m_out);
-        return Fail(m_out, "The disc cannot get its name: " + CUErrorText(nError));
+        const CCUString sWhat = "The disc cannot get its name: " + CUErrorText(GetLastError());
+        if (!DiscMove(old, m_out))
+            Add(m_problems, ProblemWarning, old, "The old disc is in this folder now.",
+                "Give it its name again.");
+        return Fail(m_out, sWhat);
     }
     RemoveOld(old);
     return true;

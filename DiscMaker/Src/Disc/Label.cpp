@@ -14,12 +14,6 @@ bool IsBad(char ch)
     return static_cast<BYTE>(ch) < 0x20 || strchr(BAD_LABEL_CHARACTERS, ch);
 }
 
-// The second byte of a character of two may look like any of these.
-int CharacterSize(const char *p, UINT nCodePage)
-{
-    return IsDBCSLeadByteEx(nCodePage, static_cast<BYTE>(*p)) && p[1] ? 2 : 1;
-}
-
 }  // namespace
 
 bool HasBadLabelCharacter(const CCUString &sLabel, UINT nCodePage)

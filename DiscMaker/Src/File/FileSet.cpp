@@ -1,6 +1,7 @@
 #include "File/FileSet.h"
 
 #include "Base/Handle.h"
+#include "CU/Dump.h"
 #include "File/FileProblem.h"
 #include "Model/Blob.h"
 
@@ -37,8 +38,9 @@ CFileSet::~CFileSet()
     for (auto file = m_files.rbegin(); file != m_files.rend(); ++file) {
         if (file->m_bPlaced)
             DeleteFileA(file->m_sPath);
-        if (!file->m_sOld.IsEmpty())
-            MoveFileA(file->m_sOld, file->m_sPath);
+        if (!file->m_sOld.IsEmpty() && !MoveFileA(file->m_sOld, file->m_sPath))
+            CUDump("DiscMaker: %s stays as %s: error %lu\n", file->m_sPath.GetString(),
+                   file->m_sOld.GetString(), GetLastError());
         if (!file->m_sNew.IsEmpty())
             DeleteFileA(file->m_sNew);
     }
@@ -75,14 +77,16 @@ bool CFileSet::Write(CFile &file, CProblems &problems)
 bool CFileSet::Place(CFile &file, bool bAlone, CProblems &problems)
 {
     const bool bReplaces = FileExists(file.m_sPath);
-    // In one step where nothing else may have to be taken back; Windows 98 cannot.
+    // In one step where nothing else may have to be taken back; Windows 98 cannot. What refuses is
+    // not asked in another way: NT renames a launcher that runs, but cannot delete it then.
     const DWORD nFlags = MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH;
     if (bReplaces && bAlone && MoveFileExA(file.m_sNew, file.m_sPath, nFlags)) {
         file.m_sNew.Empty();
         return true;
     }
+    const bool bRefused = bReplaces && bAlone && GetLastError() != ERROR_CALL_NOT_IMPLEMENTED;
     bool bMoved = !bReplaces;
-    if (bReplaces) {
+    if (bReplaces && !bRefused) {
         const CCUString sOld = NewNameBeside(file.m_sPath);
         bMoved = !sOld.IsEmpty() && DeleteFileA(sOld) && MoveFileA(file.m_sPath, sOld);
         if (bMoved)
@@ -108,8 +112,10 @@ bool CFileSet::Commit(CProblems &problems)
             return false;
     }
     for (const CFile &file : m_files) {
-        if (!file.m_sOld.IsEmpty())
-            DeleteFileA(file.m_sOld);
+        if (!file.m_sOld.IsEmpty() && !DeleteFileA(file.m_sOld))
+            AddProblem(problems, ProblemNote, file.m_sOld,
+                       "\"" + NameOf(file.m_sPath) + "\" as it was before cannot be deleted.",
+                       "it is not needed any more");
     }
     m_files.clear();
     return true;

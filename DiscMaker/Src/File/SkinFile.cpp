@@ -38,6 +38,11 @@ std::unique_ptr<CSkinFile> CSkinFile::Open(const CCUString &sPath, CProblems &pr
     return CLauncherFile::Read(sPath, bytes, problems);
 }
 
+bool CSkinFile::IsWhole(const CSkin &, CProblems &) const
+{
+    return true;
+}
+
 bool CSkinFile::IsSamePath(const CCUString &sPath, const CCUString &sOther)
 {
     return lstrcmpiA(FullPath(sPath), FullPath(sOther)) == 0;

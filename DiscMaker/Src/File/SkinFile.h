@@ -30,6 +30,11 @@ public:
     virtual bool Save(const CSkin &skin, const CCUString &sPath, CProblems &problems) = 0;
     // The same for a copy elsewhere: this file's place and skin stay.
     virtual bool SaveCopy(const CSkin &skin, const CCUString &sPath, CProblems &problems) const = 0;
+    // Whether `skin` has all that the file holds, or something else in its place. One that lacks a
+    // picture because that could not be read is not to be put into a launcher, a disc or a new
+    // folder: it would take it away there. Which, and why, is told then.
+    virtual bool IsWhole(const CSkin &skin, CProblems &problems) const;
+
     // Save refuses while what it would replace is not what was read there: somebody else has
     // changed it, says IsOutdated from then on. OverwriteChanges makes the next Save go on all the
     // same.

@@ -13,6 +13,7 @@ namespace {
 const size_t LARGEST_SCRIPT = 0x100000;
 const int ICON = PictureCount;
 const UINT FILE_IDS[] = {IDB_BACKGROUND, IDB_PRODUCT, IDB_BULLET, IDI_AUTORUN};
+const UINT PROBLEM_ENTRIES[] = {IDB_BACKGROUND, IDB_PRODUCT, IDB_BULLET, PROBLEM_ICON};
 const char *const FILE_NAMES[] = {"Background", "Product", "Bullet", "AutoRun"};
 
 // A new skin folder begins with these lines.
@@ -95,7 +96,8 @@ std::unique_ptr<CSkinFolder> CSkinFolder::Read(const CCUString &sScript, CProble
     if (!folder->ReadScript(bytes, FolderOf(sScript), problems))
         return nullptr;
     for (int i = 0; i < FILE_COUNT; ++i)
-        folder->ReadPicture(i, problems);
+        folder->ReadPicture(i);
+    folder->IsWhole(folder->m_skin, problems);
     return folder;
 }
 
@@ -115,7 +117,7 @@ CCUString CSkinFolder::PathOf(const CCUString &sName) const
     return bWhole ? sName : JoinPath(FolderOf(m_sPath), sName);
 }
 
-void CSkinFolder::ReadPicture(int nFile, CProblems &problems)
+void CSkinFolder::ReadPicture(int nFile)
 {
     const CScriptPicture *const pPicture = m_script.FindPicture(nFile == ICON, FILE_IDS[nFile]);
     if (!pPicture)
@@ -126,8 +128,11 @@ void CSkinFolder::ReadPicture(int nFile, CProblems &problems)
     file.m_bytes = ReadFileBytes(PathOf(file.m_sName), &nError);
     CCUString sWhere;
     sWhere.Format("%s:%u", NameOf(m_sPath).GetString(), pPicture->m_nLine);
-    if (!file.m_bytes)
-        return AddFileProblem(problems, sWhere, "\"" + file.m_sName + "\" cannot be read", nError);
+    if (!file.m_bytes) {
+        AddFileProblem(file.m_unread, sWhere, "\"" + file.m_sName + "\" cannot be read", nError);
+        file.m_unread.back().m_nEntry = PROBLEM_ENTRIES[nFile];
+        return;
+    }
     CBlob picture = nFile == ICON ? file.m_bytes : ReadBmpFile(file.m_bytes);
     if (nFile == ICON && !IsIconFile(CByteView(*picture)))
         picture = nullptr;
@@ -136,10 +141,23 @@ void CSkinFolder::ReadPicture(int nFile, CProblems &problems)
         return;
     const CCUString sKind = PictureKind(file.m_bytes);
     const char *const pszWanted = nFile == ICON ? "is no .ico file" : "is no .bmp file";
-    problems.push_back(CProblem{ProblemError, FILE_IDS[nFile], sWhere,
-                                "\"" + file.m_sName + "\" " + pszWanted +
-                                    (sKind.IsEmpty() ? CCUString(".") : ": it is " + sKind + "."),
-                                "the launcher cannot be made with it"});
+    file.m_unread.push_back(
+        CProblem{ProblemError, PROBLEM_ENTRIES[nFile], sWhere,
+                 "\"" + file.m_sName + "\" " + pszWanted +
+                     (sKind.IsEmpty() ? CCUString(".") : ": it is " + sKind + "."),
+                 "the launcher cannot be made with it"});
+}
+
+bool CSkinFolder::IsWhole(const CSkin &skin, CProblems &problems) const
+{
+    bool bWhole = true;
+    for (int i = 0; i < FILE_COUNT; ++i) {
+        if (m_files[i].m_unread.empty() || PictureOf(skin, i))
+            continue;
+        problems.push_back(m_files[i].m_unread[0]);
+        bWhole = false;
+    }
+    return bWhole;
 }
 
 // Whether anything that was read is not what is there now.
@@ -216,9 +234,15 @@ bool CSkinFolder::Write(const CSkin &skin, const CCUString &sScript, CProblems &
     for (int i = 0; i < FILE_COUNT; ++i)
         AddPicture(i, PictureOf(skin, i), sFolder, editor, files);
     for (const CCUString &sHeader : m_script.Headers()) {
-        const CBlob header = bElsewhere ? ReadFileBytes(PathOf(sHeader)) : nullptr;
-        if (header && IsInside(sHeader) && !FileExists(JoinPath(sFolder, sHeader)))
-            files.Add(JoinPath(sFolder, sHeader), header);
+        if (!bElsewhere || !IsInside(sHeader) || FileExists(JoinPath(sFolder, sHeader)))
+            continue;
+        DWORD nError = NO_ERROR;
+        const CBlob header = ReadFileBytes(PathOf(sHeader), &nError);
+        if (!header) {
+            AddFileProblem(problems, PathOf(sHeader), "The header cannot be read any more", nError);
+            return false;
+        }
+        files.Add(JoinPath(sFolder, sHeader), header);
     }
     editor.SetTexts(skin.m_texts);
     if (!skin.m_version.empty() && skin.m_version != m_skin.m_version)

@@ -20,6 +20,7 @@ public:
     // another folder all that belongs to the skin is written, over what has these names there.
     bool Save(const CSkin &skin, const CCUString &sPath, CProblems &problems) override;
     bool SaveCopy(const CSkin &skin, const CCUString &sPath, CProblems &problems) const override;
+    bool IsWhole(const CSkin &skin, CProblems &problems) const override;
 
     // A skin as a new folder, for the launcher's build. False when it has a script already.
     static bool Export(const CSkin &skin, const CCUString &sFolder, CProblems &problems);
@@ -29,13 +30,14 @@ private:
     static const int FILE_COUNT = PictureCount + 1;
     struct CPictureFile
     {
-        CCUString m_sName;  // as the script has it; empty: it has none
-        CBlob m_bytes;      // null: it is not there
+        CCUString m_sName;   // as the script has it; empty: it has none
+        CBlob m_bytes;       // null: it is not there
+        CProblems m_unread;  // why it could not be read, when that is so
     };
 
     CSkinFolder() {}
     bool ReadScript(const CBlob &bytes, const CCUString &sFolder, CProblems &problems);
-    void ReadPicture(int nFile, CProblems &problems);
+    void ReadPicture(int nFile);
     CCUString PathOf(const CCUString &sName) const;
     bool HasChanged(CProblems &problems) const;
     bool Write(const CSkin &skin, const CCUString &sScript, CProblems &problems) const;

@@ -40,6 +40,9 @@ const CSkinTexts *TextsFor(const CSkin &from, const CSkin &to, size_t i)
 void CDocument::Start(const CSkin &skin, bool bSaved)
 {
     m_skin = skin;
+    if (m_skin.m_texts.empty())
+        m_skin.m_texts.push_back({LANG_NEUTRAL, {}});
+    m_bOpen = false;  // a step that is open goes on with the new skin
     m_steps.clear();
     m_nDone = m_nSaved = m_nLanguage = 0;
     m_bSavedKnown = bSaved;
@@ -114,12 +117,18 @@ void CDocument::EndStep()
 {
     if (--m_nDepth > 0)
         return;
+    CutStep();
+    m_bSealed = m_nJoin == 0;
+}
+
+// What changes from here on belongs to another step.
+void CDocument::CutStep()
+{
     // A drag that came back to where it began leaves no step.
     if (m_bOpen && m_steps.back().m_changes.empty()) {
         m_steps.pop_back();
         m_nDone = m_steps.size();
     }
-    m_bSealed = m_nJoin == 0;
     m_bOpen = false;
 }
 
@@ -200,6 +209,7 @@ void CDocument::Redo()
 
 void CDocument::MarkSaved()
 {
+    CutStep();
     m_nSaved = m_nDone;
     m_bSavedKnown = true;
     Seal();
@@ -276,9 +286,22 @@ void CDocument::SetAll(const CSkin &skin)
     for (int i = 0; i < PictureCount; ++i)
         SetPicture(static_cast<SkinPicture>(i), skin.m_pictures[i]);
     SetIcon(skin.m_icon);
+    SetVersions(skin.m_version);
+}
+
+void CDocument::SetVersions(const std::map<CWideText, CWideText> &texts)
+{
+    if (texts.empty())
+        return;
     SkinPart part;
     part.m_kind = SkinPart::Version;
-    for (const auto &text : skin.m_version) {
+    const std::map<CWideText, CWideText> old = m_skin.m_version;
+    for (const auto &text : old) {
+        part.m_name = text.first;
+        if (!texts.count(text.first))
+            SetText(part, nullptr);
+    }
+    for (const auto &text : texts) {
         part.m_name = text.first;
         SetText(part, &text.second);
     }

@@ -29,7 +29,8 @@ public:
     CDocument(const CDocument &) = delete;
     CDocument &operator=(const CDocument &) = delete;
 
-    // Begins anew: nothing can be undone. bSaved: no file lacks what is in it.
+    // Begins anew: nothing can be undone. bSaved: no file lacks what is in it. A skin without any
+    // language gets a neutral one, so that there is a place for what is typed.
     void Start(const CSkin &skin, bool bSaved = true);
     const CSkin &Skin() const { return m_skin; }
 
@@ -67,15 +68,18 @@ public:
     void SetText(const SkinPart &part, const CWideText *pText);
     void SetPicture(SkinPicture picture, const CBlob &blob);
     void SetIcon(const CBlob &blob);
-    // All of another skin's values, of the languages that there are here.
+    // All of another skin's values, of the languages that there are here. One without any version
+    // text says nothing about them: they stay.
     void SetAll(const CSkin &skin);
 
-    bool CanUndo() const { return m_nDone > 0; }
-    bool CanRedo() const { return m_nDone < m_steps.size(); }
+    // Not while a step is open, such as a drag.
+    bool CanUndo() const { return m_nDepth == 0 && m_nDone > 0; }
+    bool CanRedo() const { return m_nDepth == 0 && m_nDone < m_steps.size(); }
     void Undo();
     void Redo();
 
     bool IsModified() const { return !m_bSavedKnown || m_nDone != m_nSaved; }
+    // An open step is cut in two there: what follows is not saved, and CancelStep takes that back.
     void MarkSaved();
     // Another one whenever the skin has changed.
     unsigned Revision() const { return m_nRevision; }
@@ -89,7 +93,9 @@ private:
 
     void Add(const CSkinChange &change);
     void OpenStep();
+    void CutStep();
     void SetBlob(const SkinPart &part, const CBlob &blob);
+    void SetVersions(const std::map<CWideText, CWideText> &texts);
     void Tell(const SkinPart *pPart);
 
     CDocumentWatcher *m_pWatcher;

@@ -6,69 +6,60 @@
 
 namespace {
 
-CCUString Quoted(const CCUString &sText)
+CCUString Quoted(const CCUString &sText, UINT nCodePage)
 {
     CCUString sQuoted = "\"";
-    for (const char *p = sText; *p; ++p) {
+    for (const char *p = sText; *p;) {
+        const int nSize = CharacterSize(p, nCodePage);
         switch (*p) {
         case '"': sQuoted += "\"\""; break;
         case '\\': sQuoted += "\\\\"; break;
         case '\n': sQuoted += "\\n"; break;
-        default: sQuoted += CCUString(*p, 1);
+        default: sQuoted += CCUString(p, nSize);
         }
+        p += nSize;
     }
     return sQuoted + "\"";
 }
 
 // The text behind the first quote of a line.
-CCUString Unquoted(const char *p)
+CCUString Unquoted(const char *p, UINT nCodePage)
 {
     CCUString sText;
-    for (; *p && *p != '\r' && *p != '\n'; ++p) {
+    while (*p && *p != '\r' && *p != '\n') {
         if (*p == '"' && *++p != '"')
             break;
+        const int nSize = CharacterSize(p, nCodePage);
         if (*p == '\\' && (p[1] == 'n' || p[1] == '\\'))
             sText += *++p == 'n' ? CCUString("\n") : CCUString("\\");
         else
-            sText += CCUString(*p, 1);
+            sText += CCUString(p, nSize);
+        p += nSize;
     }
     return sText;
 }
 
-const SkinEntry *EntryAt(const char *pszLine)
-{
-    const size_t nLength = strcspn(pszLine, " \t,\"\r\n");
-    for (const SkinEntry &entry : SKIN_ENTRIES) {
-        if (strlen(entry.m_pszSymbol) == nLength &&
-            strncmp(entry.m_pszSymbol, pszLine, nLength) == 0)
-            return &entry;
-    }
-    return nullptr;
-}
-
 }  // namespace
 
-CCUString EntriesToLines(const CEntryTexts &entries)
+CCUString EntriesToLines(const CEntryTexts &entries, UINT nCodePage)
 {
     CCUString sLines;
-    for (const SkinEntry &entry : SKIN_ENTRIES) {
-        const auto found = entries.find(entry.m_nID);
-        if (found != entries.end())
-            sLines += CCUString(entry.m_pszSymbol) + " " + Quoted(found->second) + "\r\n";
-    }
+    for (const auto &entry : entries)
+        sLines += EntrySymbol(entry.first) + " " + Quoted(entry.second, nCodePage) + "\r\n";
     return sLines;
 }
 
-CEntryTexts LinesToEntries(const CCUString &sLines)
+CEntryTexts LinesToEntries(const CCUString &sLines, UINT nCodePage)
 {
     CEntryTexts entries;
     for (const char *p = sLines; *p;) {
         p += strspn(p, " \t\r\n");
-        const SkinEntry *const pEntry = EntryAt(p);
+        const CCUString sSymbol(p, static_cast<int>(strcspn(p, " \t,\"\r\n")));
+        const UINT nEntry = EntryOfSymbol(sSymbol);
         const char *const pEnd = p + strcspn(p, "\r\n");
         const char *const pQuote = strchr(p, '"');
-        if (pEntry && pQuote && pQuote < pEnd)
-            entries[pEntry->m_nID] = Unquoted(pQuote + 1);
+        if (nEntry && pQuote && pQuote < pEnd)
+            entries[nEntry] = Unquoted(pQuote + 1, nCodePage);
         p = pEnd;
     }
     return entries;

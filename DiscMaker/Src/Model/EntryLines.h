@@ -8,6 +8,6 @@
 // copied and pasted, also from and into scripts.
 typedef std::map<UINT, CCUString> CEntryTexts;
 
-CCUString EntriesToLines(const CEntryTexts &entries);
+CCUString EntriesToLines(const CEntryTexts &entries, UINT nCodePage = CP_ACP);
 // Lines that are no entries are passed over.
-CEntryTexts LinesToEntries(const CCUString &sLines);
+CEntryTexts LinesToEntries(const CCUString &sLines, UINT nCodePage = CP_ACP);

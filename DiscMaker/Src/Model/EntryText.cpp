@@ -6,9 +6,11 @@
 
 namespace {
 
-const char *const FACES[] = {"Arial",    "Courier", "Courier New",     "MS Sans Serif",
-                             "MS Serif", "Symbol",  "Times New Roman", "Times",
-                             "Helv",     "System",  "Small Fonts",     "Wingdings"};
+// "Times", "Helv" and "Helvetica" are other names that every Windows knows for its own.
+const char *const FACES[] = {
+    "Arial",  "Courier",  "Courier New", "Fixedsys",      "Helv",        "Helvetica",
+    "Modern", "MS Serif", "Roman",       "MS Sans Serif", "Small Fonts", "Script",
+    "Symbol", "System",   "Times",       "Terminal",      "Wingdings",   "Times New Roman"};
 
 const char *FontFault(const CCUString &sText)
 {
@@ -110,32 +112,36 @@ CCUString EntryInWords(const SkinEntry &entry, const CCUString &sText)
     }
 }
 
-CCUString ToOneLine(const CCUString &sText)
+CCUString ToOneLine(const CCUString &sText, UINT nCodePage)
 {
     if (!strpbrk(sText, "\n\\"))
         return sText;
     CCUString sLine;
-    for (const char *p = sText; *p; ++p) {
+    for (const char *p = sText; *p;) {
+        const int nSize = CharacterSize(p, nCodePage);
         if (*p == '\n')
             sLine += "\\n";
         else if (*p == '\\')
             sLine += "\\\\";
         else
-            sLine += CCUString(*p, 1);
+            sLine += CCUString(p, nSize);
+        p += nSize;
     }
     return sLine;
 }
 
-CCUString FromOneLine(const CCUString &sText)
+CCUString FromOneLine(const CCUString &sText, UINT nCodePage)
 {
     if (!strchr(sText, '\\'))
         return sText;
     CCUString sLines;
-    for (const char *p = sText; *p; ++p) {
+    for (const char *p = sText; *p;) {
         const bool bEscape = *p == '\\' && (p[1] == 'n' || p[1] == '\\');
         if (bEscape)
             ++p;
-        sLines += bEscape && *p == 'n' ? CCUString("\n") : CCUString(*p, 1);
+        const int nSize = CharacterSize(p, nCodePage);
+        sLines += bEscape && *p == 'n' ? CCUString("\n") : CCUString(p, nSize);
+        p += nSize;
     }
     return sLines;
 }

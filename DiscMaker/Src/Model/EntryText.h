@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Model/SkinEntry.h"
+#include "Model/WideText.h"
 
 // What is wrong with the text of an entry as it stands, in words for who types it; empty: nothing.
 CCUString EntryFault(const SkinEntry &entry, const CCUString &sText);
@@ -10,8 +11,8 @@ CCUString EntryHelp(const SkinEntry &entry);
 CCUString EntryInWords(const SkinEntry &entry, const CCUString &sText);
 
 // A text of several lines in one: "\n" stands for the line's end, "\\" for a backslash; and back.
-CCUString ToOneLine(const CCUString &sText);
-CCUString FromOneLine(const CCUString &sText);
+CCUString ToOneLine(const CCUString &sText, UINT nCodePage = CP_ACP);
+CCUString FromOneLine(const CCUString &sText, UINT nCodePage = CP_ACP);
 
 // Whether every Windows has that face.
 bool IsFaceEverywhere(const CCUString &sFace);

@@ -20,14 +20,7 @@ const char *WeightText(ProblemWeight weight)
 
 CCUString EntryName(UINT nEntry)
 {
-    const SkinEntry *const pEntry = FindSkinEntry(nEntry);
-    if (pEntry)
-        return pEntry->m_pszSymbol;
-    if (nEntry == IDS_DISC_LABEL)
-        return "IDS_DISC_LABEL";
-    CCUString sText;
-    sText.Format("%u", nEntry);
-    return sText;
+    return nEntry == PROBLEM_ICON ? CCUString("IDI_AUTORUN") : EntrySymbol(nEntry);
 }
 
 CCUString EntryCaption(UINT nEntry)
@@ -38,7 +31,7 @@ CCUString EntryCaption(UINT nEntry)
     case IDB_BACKGROUND: return "Background";
     case IDB_PRODUCT: return "Product picture";
     case IDB_BULLET: return "Bullet";
-    case IDI_AUTORUN: return "Icon";
+    case PROBLEM_ICON: return "Icon";
     default: break;
     }
     const SkinEntry *const pEntry = FindSkinEntry(nEntry);

@@ -1,6 +1,7 @@
 #include "Model/Recovery.h"
 
 #include "Base/Handle.h"
+#include "CU/Dump.h"
 #include "CU/ErrorText.h"
 #include "Model/SkinBytes.h"
 #include "Model/TempFolder.h"
@@ -10,6 +11,13 @@ namespace {
 const char *const FILES = "DiscMaker-*.recovery";
 // No skin that is larger was kept.
 const DWORD MOST_BYTES = 256 * 1024 * 1024;
+
+enum KeptState
+{
+    KeptWhole,
+    KeptCut,     // the program crashed while it wrote; what it had written before is there
+    KeptUnknown  // it cannot be read now, or is of another program or version
+};
 
 // The path, its end, and the skin.
 bool Write(HANDLE hFile, const CSkin &skin, const CCUString &sPath)
@@ -24,22 +32,28 @@ bool Write(HANDLE hFile, const CSkin &skin, const CCUString &sPath)
            nDone == nBytes && FlushFileBuffers(hFile);
 }
 
-bool Read(HANDLE hFile, CSkin &skin, CCUString &sPath)
+KeptState Read(HANDLE hFile, CSkin &skin, CCUString &sPath)
 {
     const DWORD nSize = GetFileSize(hFile, nullptr);
-    if (nSize == 0 || nSize > MOST_BYTES)
-        return false;
+    if (nSize == 0)
+        return KeptCut;
+    if (nSize > MOST_BYTES)
+        return KeptUnknown;
     std::vector<BYTE> bytes(nSize);
     DWORD nRead = 0;
     if (!ReadFile(hFile, bytes.data(), nSize, &nRead, nullptr) || nRead != nSize)
-        return false;
+        return KeptUnknown;
     size_t nPath = 0;
     while (nPath < nSize && bytes[nPath])
         ++nPath;
-    if (nPath == nSize || !UnpackSkin(&bytes[nPath] + 1, nSize - nPath - 1, skin))
-        return false;
+    if (nPath == nSize)
+        return KeptUnknown;
+    const BYTE *const pSkin = bytes.data() + nPath + 1;
+    const size_t nSkin = nSize - nPath - 1;
+    if (!UnpackSkin(pSkin, nSkin, skin))
+        return IsDamagedSkin(pSkin, nSkin) ? KeptCut : KeptUnknown;
     sPath = reinterpret_cast<const char *>(bytes.data());
-    return true;
+    return KeptWhole;
 }
 
 }  // namespace
@@ -88,22 +102,29 @@ bool CRecovery::Find(CSkin &skin, CCUString &sPath)
 {
     const CCUString sFolder = TempFolder();
     WIN32_FIND_DATAA data;
+    if (sFolder.IsEmpty())
+        return false;
     const CCUFindHandle hFind(FindFirstFileA(sFolder + FILES, &data));
     if (!hFind)
         return false;
-    bool bFound = false;
+    KeptState state = KeptUnknown;
     do {
         const CCUString sFile = sFolder + data.cFileName;
         const HANDLE hFile = CreateFileA(sFile, GENERIC_READ | GENERIC_WRITE, 0, nullptr,
                                          OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
         if (hFile == INVALID_HANDLE_VALUE)
             continue;  // of a program that runs
-        bFound = Read(hFile, skin, sPath);
+        state = Read(hFile, skin, sPath);
+        if (state == KeptUnknown) {
+            CUDump("DiscMaker: %s cannot be read: error %lu\n", sFile.GetString(), GetLastError());
+            CloseHandle(hFile);
+            continue;
+        }
         Forget();
         m_hFile = hFile;
         m_sFile = sFile;
-        if (!bFound)
-            Forget();  // the program crashed while it wrote; what it had written before is there
-    } while (!bFound && FindNextFileA(hFind, &data));
-    return bFound;
+        if (state == KeptCut)
+            Forget();
+    } while (state != KeptWhole && FindNextFileA(hFind, &data));
+    return state == KeptWhole;
 }

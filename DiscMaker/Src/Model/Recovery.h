@@ -23,7 +23,8 @@ public:
     void Forget();
 
     // Takes what a program that has crashed has left behind, the first that can be read; false:
-    // there is nothing. It stays on disk, as this object's, until Keep or Forget.
+    // there is nothing. It stays on disk, as this object's, until Keep or Forget. What was cut off
+    // by the crash itself is deleted; what cannot be read for any other reason stays.
     bool Find(CSkin &skin, CCUString &sPath);
 
 private:

@@ -6,6 +6,7 @@ namespace {
 
 // Of this form; the sum of the bytes behind it follows.
 const DWORD MARK = 0x314D4B53;
+const size_t HEAD_SIZE = 2 * sizeof(DWORD);
 
 DWORD SumOf(const BYTE *pBytes, size_t nBytes)
 {
@@ -132,10 +133,9 @@ std::vector<BYTE> PackSkin(const CSkin &skin)
 
 bool UnpackSkin(const BYTE *pBytes, size_t nBytes, CSkin &skin)
 {
-    const size_t nHead = 2 * sizeof(DWORD);
     CUnpacker unpacker(pBytes, nBytes);
-    if (unpacker.Number() != MARK || nBytes < nHead ||
-        unpacker.Number() != SumOf(pBytes + nHead, nBytes - nHead))
+    if (unpacker.Number() != MARK || nBytes < HEAD_SIZE ||
+        unpacker.Number() != SumOf(pBytes + HEAD_SIZE, nBytes - HEAD_SIZE))
         return false;
     CSkin read;
     for (size_t i = unpacker.Number(); i > 0 && !unpacker.Failed(); --i) {
@@ -156,4 +156,13 @@ bool UnpackSkin(const BYTE *pBytes, size_t nBytes, CSkin &skin)
         return false;
     skin = read;
     return true;
+}
+
+bool IsDamagedSkin(const BYTE *pBytes, size_t nBytes)
+{
+    if (nBytes < HEAD_SIZE)
+        return memcmp(pBytes, &MARK, nBytes < sizeof MARK ? nBytes : sizeof MARK) == 0;
+    CUnpacker unpacker(pBytes, nBytes);
+    return unpacker.Number() == MARK &&
+           unpacker.Number() != SumOf(pBytes + HEAD_SIZE, nBytes - HEAD_SIZE);
 }

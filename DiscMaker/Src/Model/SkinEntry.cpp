@@ -45,6 +45,25 @@ const SkinEntry *FindSkinEntry(UINT nID)
     return nullptr;
 }
 
+CCUString EntrySymbol(UINT nID)
+{
+    const SkinEntry *const pEntry = FindSkinEntry(nID);
+    if (pEntry || nID == IDS_DISC_LABEL)
+        return pEntry ? pEntry->m_pszSymbol : "IDS_DISC_LABEL";
+    CCUString sNumber;
+    sNumber.Format("%u", nID);
+    return sNumber;
+}
+
+UINT EntryOfSymbol(const CCUString &sSymbol)
+{
+    for (const SkinEntry &entry : SKIN_ENTRIES) {
+        if (sSymbol == entry.m_pszSymbol)
+            return entry.m_nID;
+    }
+    return sSymbol == EntrySymbol(IDS_DISC_LABEL) ? IDS_DISC_LABEL : 0;
+}
+
 bool ParsePoint(const CCUString &sText, POINT &point)
 {
     return sscanf(sText, "%ld,%ld", &point.x, &point.y) == 2;

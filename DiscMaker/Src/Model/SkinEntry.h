@@ -28,6 +28,11 @@ extern const SkinEntry SKIN_ENTRIES[SKIN_ENTRY_COUNT];
 // Null: the launcher does not read that id.
 const SkinEntry *FindSkinEntry(UINT nID);
 
+// The name of an entry in scripts, of the disc's label too, which launchers do not read; of any
+// other its number. And back: 0 for what is no name.
+CCUString EntrySymbol(UINT nID);
+UINT EntryOfSymbol(const CCUString &sSymbol);
+
 // A font as the table writes it.
 struct SkinFont
 {

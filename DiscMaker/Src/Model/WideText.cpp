@@ -19,16 +19,19 @@ struct CPiece
 std::vector<bool> StartsOf(const CCUString &sText, UINT nCodePage)
 {
     std::vector<bool> starts(static_cast<size_t>(sText.GetLength()) + 1);
-    for (int i = 0; i < sText.GetLength(); ++i) {
+    const char *const pszText = sText;
+    for (int i = 0; i < sText.GetLength(); i += CharacterSize(pszText + i, nCodePage))
         starts[static_cast<size_t>(i)] = true;
-        if (IsDBCSLeadByteEx(nCodePage, static_cast<BYTE>(sText[i])) && i + 1 < sText.GetLength())
-            ++i;
-    }
     starts.back() = true;
     return starts;
 }
 
 }  // namespace
+
+int CharacterSize(const char *p, UINT nCodePage)
+{
+    return IsDBCSLeadByteEx(nCodePage, static_cast<BYTE>(*p)) && p[1] ? 2 : 1;
+}
 
 CWideText::CWideText(const CCUString &sText, UINT nCodePage)
 {

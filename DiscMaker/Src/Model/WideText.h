@@ -5,6 +5,9 @@
 #include "CU/String.h"
 #include "CUI/Platform.h"
 
+// Of the character that begins there, in bytes. The second one of two may look like any character.
+int CharacterSize(const char *p, UINT nCodePage);
+
 // A text as resources hold it, in UTF-16: what the window shows is made of it, and what nobody
 // edits keeps every character, whether or not this system's code page has it.
 class CWideText

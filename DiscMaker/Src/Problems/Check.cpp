@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "File/FileBytes.h"
 #include "Problems/Checks.h"
 
 namespace {
@@ -68,8 +69,14 @@ CCUString WithNumber(const char *pszFormat, int nNumber)
     return sText;
 }
 
-void CheckSkin(const CSkin &skin, const CCUString &sContents, CProblems &problems)
+void CheckSkin(const CSkin &skin, const CCUString &sFolder, CProblems &problems)
 {
+    const bool bGone = !sFolder.IsEmpty() && !FolderExists(sFolder);
+    const CCUString sContents = bGone ? CCUString() : sFolder;
+    if (bGone)
+        problems.push_back({ProblemError, 0, sFolder,
+                            "The folder with the disc's contents is not there.",
+                            "No disc can be made; its programs are not looked for."});
     // The pictures first: of what is wrong with them, such as two that were swapped, follows much
     // else.
     CheckPictures(skin, problems);

@@ -39,9 +39,11 @@ UINT CodePageOf(LANGID nLanguage)
 
 CCUString LanguageName(LANGID nLanguage)
 {
-    const CCUString sName = PRIMARYLANGID(nLanguage) == LANG_NEUTRAL
-                                ? CCUString("neutral")
-                                : LocaleText(nLanguage, LOCALE_SENGLANGUAGE);
+    if (PRIMARYLANGID(nLanguage) == LANG_NEUTRAL)
+        return "neutral";
+    const CCUString sName = LocaleText(nLanguage, LOCALE_SENGLANGUAGE);
+    if (!sName.IsEmpty() && SUBLANGID(nLanguage) > SUBLANG_DEFAULT)
+        return sName + " (" + LocaleText(nLanguage, LOCALE_SENGCOUNTRY) + ")";
     if (!sName.IsEmpty())
         return sName;
     CCUString sNumber;

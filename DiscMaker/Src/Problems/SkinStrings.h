@@ -5,7 +5,8 @@
 // The ANSI code page in which a launcher shows texts of that language; 1252 for the neutral one.
 UINT CodePageOf(LANGID nLanguage);
 
-// "German", as the system calls the language; "neutral" for the neutral one.
+// "German", as the system calls the language in English, with the country where that is not the
+// usual one: "German (Austria)"; "neutral" for the neutral one.
 CCUString LanguageName(LANGID nLanguage);
 
 // The string table as a launcher reads it in one of its languages. The system looks for a language

@@ -1,7 +1,9 @@
 // How the main window opens and saves.
+#include "Base/Handle.h"
 #include "CUI/Choosers.h"
 #include "CUI/MessageBox.h"
 #include "File/FileBytes.h"
+#include "File/FileProblem.h"
 #include "File/SkinFolder.h"
 #include "Window/MainWindow.h"
 #include "Window/ProgramPath.h"
@@ -13,13 +15,32 @@ const char *const OPEN_FILTER =
 const char *const LAUNCHER_FILTER = "Launchers (*.exe)|*.exe";
 const char *const LAUNCHER_NAME = "AutoRun.exe";
 
+// Not counting folders.
+bool HasFiles(const CCUString &sFolder)
+{
+    WIN32_FIND_DATAA data;
+    const CCUFindHandle hFind(FindFirstFileA(JoinPath(sFolder, "*"), &data));
+    bool bMore = static_cast<bool>(hFind);
+    while (bMore && data.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY)
+        bMore = FindNextFileA(hFind, &data) != FALSE;
+    return bMore;
+}
+
 }  // namespace
 
 void CMainWindow::Begin()
 {
     const CCUString sLauncher = ProgramFolder() + LAUNCHER_NAME;
-    if (GetFileAttributesA(sLauncher) == INVALID_FILE_ATTRIBUTES || !OpenPath(sLauncher, true))
-        m_document.Start(CSkin());
+    const bool bThere = FileExists(sLauncher);
+    if (bThere && OpenPath(sLauncher, true))
+        return;
+    m_document.Start(CSkin());
+    m_nKept = m_document.Revision();
+    if (!bThere)
+        AddProblem(m_fileProblems, ProblemNote, sLauncher,
+                   "There is no launcher beside Disc Maker, and so no looks to begin with.",
+                   "a launcher will be asked for when it is saved or the disc is made");
+    m_bCheck = true;
     ShowName();
 }
 
@@ -190,30 +211,47 @@ bool CMainWindow::SaveAsLauncher()
         return false;
     if (m_file && !m_file->IsFolder())
         return SaveTo(m_file, sPath);
+    if (!IsWhole("It was not saved."))
+        return false;
     std::unique_ptr<CSkinFile> launcher = OpenLauncher(true);
     return launcher && SaveTo(launcher, sPath);
 }
 
-// Whether there is no other skin in a folder, or the user does not want it any more.
-bool CMainWindow::MayReplaceSkin(const CCUString &sFolder)
+// Whether nothing is lost when the skin is put into another launcher, or a disc; else that is told.
+bool CMainWindow::IsWhole(const char *pszText)
+{
+    CProblems problems;
+    if (!m_file || m_file->IsWhole(m_document.Skin(), problems))
+        return true;
+    ShowProblems(pszText, problems);
+    return false;
+}
+
+// Whether there is nothing in a folder that could be lost, or the user does not want it any more.
+bool CMainWindow::MayReplaceFiles(const CCUString &sFolder)
 {
     const CCUString sScript = JoinPath(sFolder, SKIN_SCRIPT_NAME);
-    if (!FileExists(sScript) || (!m_bUntitled && m_file->Path().CompareNoCase(sScript) == 0))
+    if (!HasFiles(sFolder) || (!m_bUntitled && m_file->Path().CompareNoCase(sScript) == 0))
         return true;
-    return CUIMessageBox(this,
-                         "There is a skin in this folder already:\n" + sScript +
-                             "\n\nReplace its script and its pictures of the same names?",
-                         "Save as skin folder",
-                         MB_OKCANCEL | MB_ICONWARNING | MB_DEFBUTTON2) == IDOK;
+    const char *const pszText = FileExists(sScript) ? "There is a skin in this folder already:\n"
+                                                    : "There are files in this folder already:\n";
+    return CUIMessageBox(
+               this,
+               pszText + sFolder +
+                   "\n\nReplace those that have the name of the skin's script or of one of "
+                   "its pictures?",
+               "Save as skin folder", MB_OKCANCEL | MB_ICONWARNING | MB_DEFBUTTON2) == IDOK;
 }
 
 bool CMainWindow::SaveAsFolder()
 {
-    CCUString sFolder = m_file && m_file->IsFolder() && !m_bUntitled ? m_file->Path() : CCUString();
+    CCUString sFolder;
+    if (m_file && m_file->IsFolder() && !m_bUntitled)
+        sFolder = FolderOf(m_file->Path());
     if (!CUIChooseFolder(this, sFolder, "The folder for the skin:"))
         return false;
     if (m_file && m_file->IsFolder())
-        return MayReplaceSkin(sFolder) && SaveTo(m_file, sFolder);
+        return MayReplaceFiles(sFolder) && SaveTo(m_file, sFolder);
     m_document.Seal();
     CProblems problems;
     std::unique_ptr<CSkinFile> folder;
@@ -249,8 +287,14 @@ std::unique_ptr<CSkinFile> CMainWindow::OpenLauncher(bool bAsk)
 
 void CMainWindow::KeepForCrash()
 {
-    if (!m_document.IsModified() || m_nKept == m_document.Revision())
+    if (m_nKept == m_document.Revision())
         return;
+    if (!m_document.IsModified()) {
+        // Undone to what is saved.
+        m_recovery.Forget();
+        m_nKept = m_document.Revision();
+        return;
+    }
     const CCUString sPath = m_file && !m_bUntitled ? m_file->Path() : CCUString();
     CProblems problems;
     if (m_recovery.Keep(m_document.Skin(), sPath, problems))

@@ -1,8 +1,12 @@
 #include "Window/PropertyRows.h"
 
-#include "CUI/Bitmap.h"
+#include <ctype.h>
+#include <stdlib.h>
+
 #include "Canvas/PictureBitmap.h"
 #include "Model/EntryText.h"
+#include "Model/Problem.h"
+#include "Problems/SkinStrings.h"
 #include "Resource.h"
 
 namespace {
@@ -41,27 +45,17 @@ CCUString ShortCaption(const SkinEntry &entry)
     return sShort;
 }
 
-CCUString LanguageName(LANGID nLanguage)
-{
-    char szName[100] = "";
-    if (nLanguage)
-        GetLocaleInfoA(MAKELCID(nLanguage, SORT_DEFAULT), LOCALE_SLANGUAGE, szName, sizeof szName);
-    return nLanguage ? szName : "All languages";
-}
-
 CCUString PictureText(const CBlob &picture)
 {
     if (!picture)
         return "(none)";
-    const CCUIBitmap bitmap = BitmapOfPicture(picture);
-    if (!bitmap)
+    const BITMAPINFOHEADER *const pHeader = HeaderOfPicture(picture);
+    if (!pHeader)
         return "(cannot be shown)";
-    const WORD nBits = reinterpret_cast<const BITMAPINFOHEADER *>(picture->data())->biBitCount;
+    const int nBits = pHeader->biBitCount;
     CCUString sText;
-    if (nBits > 8)
-        sText.Format("%d x %d, %u bits", bitmap.Width(), bitmap.Height(), nBits);
-    else
-        sText.Format("%d x %d, %u colours", bitmap.Width(), bitmap.Height(), 1U << nBits);
+    sText.Format(nBits > 8 ? "%ld x %ld, %d bits" : "%ld x %ld, %d colours", pHeader->biWidth,
+                 labs(pHeader->biHeight), nBits > 8 ? nBits : 1 << nBits);
     return sText;
 }
 
@@ -216,6 +210,17 @@ CCUString RowHelp(const CDocument &document, const PropertyRow &row)
                    "overwritten. " +
                        HelpOf(row)
                  : HelpOf(row);
+}
+
+UINT RowEntry(const PropertyRow &row)
+{
+    const UINT pictures[PictureCount] = {IDB_BACKGROUND, IDB_PRODUCT, IDB_BULLET};
+    switch (row.m_kind) {
+    case PropertyRow::Entry: return row.m_nID;
+    case PropertyRow::Picture: return pictures[row.m_nID];
+    case PropertyRow::Icon: return PROBLEM_ICON;
+    default: return 0;
+    }
 }
 
 SkinPart RowPart(const CDocument &document, const PropertyRow &row)
