@@ -39,7 +39,7 @@ std::string WithoutDialog()
     CPeImage image;
     CCUString sWhat;
     CResourceTree tree;
-    image.Read(*ReadFileBytes(TEST_LAUNCHER), sWhat);
+    image.Read(ReadFileBytes(TEST_LAUNCHER), sWhat);
     tree.Read(image.Resources(), image.ResourcesAddress());
     tree.Remove(5, IDD_AUTORUN, LANG_NEUTRAL);
     const std::vector<BYTE> bytes = image.WithResources(tree);
@@ -78,7 +78,7 @@ TEST(LauncherFile, WritesWhatTheToolsWrite)
 {
     CPeImage image;
     CCUString sWhat;
-    ASSERT_TRUE(image.Read(*ReadFileBytes(TEST_LAUNCHER), sWhat)) << sWhat;
+    ASSERT_TRUE(image.Read(ReadFileBytes(TEST_LAUNCHER), sWhat)) << sWhat;
     CResourceTree tree;
     ASSERT_TRUE(tree.Read(image.Resources(), image.ResourcesAddress()));
     EXPECT_TRUE(image.Bytes() == image.WithResources(tree));
