@@ -92,6 +92,19 @@ TEST(LauncherFile, WritesWhatTheToolsWrite)
     EXPECT_TRUE(
         SameBytes(shipped->WithSkin(shipped->Skin(), problems), ReadFileBytes(TEST_LAUNCHER)));
     EXPECT_EQ("", Lines(problems));
+    // A signature is taken out, and nothing else, whichever launcher is larger.
+    for (const CBlob &file : {ReadFileBytes(TEST_LAUNCHER), other}) {
+        std::vector<BYTE> bytes = *file;
+        const size_t nDirectory = CByteView(bytes).Dword(60) + 120 + 4 * 8;
+        PutDword(bytes, nDirectory, static_cast<DWORD>(bytes.size()));
+        PutDword(bytes, nDirectory + 4, 500);
+        bytes.insert(bytes.end(), 500, 's');
+        const auto made = CLauncherFile::Read("c", MakeBlob(bytes), problems);
+        const auto target = CLauncherFile::Read(
+            "d", file == other ? ReadFileBytes(TEST_LAUNCHER) : other, problems);
+        EXPECT_TRUE(SameBytes(made->WithSkin(target->Skin(), problems),
+                              file == other ? ReadFileBytes(TEST_LAUNCHER) : other));
+    }
 }
 
 // The system reads what was written, and another writer, the system's, says the same.
