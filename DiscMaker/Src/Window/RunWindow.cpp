@@ -30,9 +30,11 @@ int RunWindow(int nShow)
                  std::min<int>(Scaled(FIRST_SIZE.cx), work.right - work.left),
                  std::min<int>(Scaled(FIRST_SIZE.cy), work.bottom - work.top),
                  SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
-    window.Begin();
+    // Before it is shown, so that everything is painted once.
+    window.OnCommandLine(GetCommandLineA(), "");
+    if (window.GetDocument().IsEmpty())
+        window.Begin();
     window.ShowKept("Frame", nShow);
     window.OfferRecovery();
-    window.OnCommandLine(GetCommandLineA(), "");
     return CCUIWindow::RunLoop();
 }
