@@ -123,14 +123,15 @@ bool CFileSet::Write(CFile &file, CProblems &problems)
 
 bool CFileSet::Place(CFile &file, bool bAlone, CProblems &problems)
 {
+    const bool bReplaces = file.m_bReplaces;
     // In one step where nothing else may have to be taken back; Windows 98 cannot.
     const DWORD nFlags = MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH;
-    if (file.m_bReplaces && bAlone && MoveFileExA(file.m_sNew, file.m_sPath, nFlags)) {
+    if (bReplaces && bAlone && MoveFileExA(file.m_sNew, file.m_sPath, nFlags)) {
         file.m_sNew.Empty();
         return true;
     }
-    bool bMoved = !file.m_bReplaces;
-    if (file.m_bReplaces) {
+    bool bMoved = !bReplaces;
+    if (bReplaces) {
         const CCUString sOld = NewNameBeside(file.m_sPath);
         bMoved = !sOld.IsEmpty() && DeleteFileA(sOld) && MoveFileA(file.m_sPath, sOld);
         if (bMoved)
