@@ -13,6 +13,13 @@ namespace {
 CCUProberLong s_probed("\\Bench", "Probed");
 volatile long s_plain;
 
+// A table without the row would look as if all was well.
+[[noreturn]] void Stop(const char *why)
+{
+    fprintf(stderr, "Prober: %s\n", why);
+    exit(1);
+}
+
 void CompareReading()
 {
     BenchCompare(
@@ -68,7 +75,7 @@ void CompareAsking(HWND hProgram, HWND hPlain)
 {
     CCUProberClient client;
     if (!client.Connect(hProgram, 60000) || client.List() < 1000)
-        return;
+        Stop("the program does not answer");
     std::vector<unsigned long> ids;
     for (int i = client.List() - 1000; ids.size() < 1000; ++i)
         ids.push_back(client.GetEntry(i).nID);
@@ -82,7 +89,7 @@ void CompareAsking(HWND hProgram, HWND hPlain)
         "SendMessage of as many bytes",
         [&] { SendMessageA(hPlain, WM_COPYDATA, 0, reinterpret_cast<LPARAM>(&data)); }, 1.5);
     if (values[999].nResult != CU_PROBER_DONE)
-        exit(1);
+        Stop("the values did not come");
 }
 
 }  // namespace
@@ -100,8 +107,9 @@ BENCH_GROUP(Prober)
         do
             hProgram = CCUProberClient::GetNextProgram(hProgram);
         while (hProgram && GetWindowThreadProcessId(hProgram, nullptr) != nThread);
-        if (hProgram)
-            CompareAsking(hProgram, hPlain);
+        if (!hProgram)
+            Stop("there is no program to be asked");
+        CompareAsking(hProgram, hPlain);
         PostThreadMessageA(nThread, WM_QUIT, 0, 0);
     });
 }

@@ -4,13 +4,14 @@
   compare.py [--accept] [--baseline FILE] [--json FILE] [GROUP...] -- COMMAND...
 
 COMMAND measures; it is given --json FILE GROUP... as well. Exit code: 0: no row got worse, 1: some
-did, any other: COMMAND's own.
+did, or the accepted table lacks one; any other: COMMAND's own.
 
 A row is worse when each of three runs finds its ratio more than a tenth above the accepted one.
 What disturbs a run seldom hits the same row three times, slower code is slower each time; going by
 the median of three, a table of a hundred rows would often raise a false alarm. It is quick, too:
 only groups that are still under suspicion are measured again. A row that is no longer there counts
-as worse.
+as worse, and so do those of a whole group. One that the accepted table does not have could get
+worse and nobody would see it: that is a failure too, until it is accepted.
 
 --accept makes the medians of three runs the accepted table, or its part of the groups measured. It
 holds nothing but ratios to the peers, which depend less on the machine than times do.
@@ -40,15 +41,21 @@ def measure(command, table, groups):
     return ratios
 
 
-def worse_rows(accepted, runs):
+def worse_rows(accepted, runs, groups):
     """(group, row, accepted ratio, best ratio) of what all runs that measured its group find worse."""
     found = []
-    for group in runs[0]:
+    for group in groups or accepted:
         for row, old in accepted.get(group, {}).items():
-            best = min(run[group].get(row, math.inf) for run in runs if group in run)
+            best = min((run[group].get(row, math.inf) for run in runs if group in run),
+                       default=math.inf)
             if best > max(old * WORSE, old + LAST_DIGIT):
                 found.append((group, row, old, best))
     return found
+
+
+def suspects(accepted, runs):
+    """The groups to be measured again."""
+    return sorted({group for group, *_ in worse_rows(accepted, runs, list(runs[0]))})
 
 
 def accept(accepted, runs):
@@ -74,20 +81,20 @@ def main():
     accepted = json.loads(args.baseline.read_text()) if args.baseline.exists() else {}
     runs = [measure(command, args.json, args.groups)]
     again = args.json.with_suffix(".again.json")
-    while len(runs) < RUNS and (args.accept or worse_rows(accepted, runs)):
-        suspected = sorted({group for group, *_ in worse_rows(accepted, runs)})
-        runs.append(measure(command, again, args.groups if args.accept else suspected))
+    while len(runs) < RUNS and (args.accept or suspects(accepted, runs)):
+        runs.append(measure(command, again, args.groups if args.accept else suspects(accepted, runs)))
     if args.accept:
-        args.baseline.write_text(json.dumps(accept(accepted, runs), indent=2) + "\n")
+        table = accept(accepted if args.groups else {}, runs)
+        args.baseline.write_text(json.dumps(table, indent=2) + "\n")
         return 0
-    worse = worse_rows(accepted, runs)
+    worse = worse_rows(accepted, runs, args.groups)
     for _, row, old, best in worse:
         print(f"WORSE  {row}: {old:.2f} -> " + ("gone" if best == math.inf else f"{best:.2f}"))
-    for group, rows in runs[0].items():
-        for row in rows:
-            if row not in accepted.get(group, {}):
-                print(f"NEW    {row}")
-    return 1 if worse else 0
+    new = [(group, row) for group, rows in runs[0].items() for row in rows
+           if row not in accepted.get(group, {})]
+    for group, row in new:
+        print(f"NEW    {row}: in no accepted table; ./bench --accept {group}")
+    return 1 if worse or new else 0
 
 
 sys.exit(main())

@@ -32,7 +32,8 @@ def check(arguments, runs, code, printed=""):
 
 with tempfile.TemporaryDirectory() as name:
     folder = pathlib.Path(name)
-    check([], [[1, 2]], 0, "NEW    a / peer\nNEW    b / peer\n")
+    new = "NEW    {} / peer: in no accepted table; ./bench --accept {}\n"
+    check([], [[1, 2]], 1, new.format("a", "A") + new.format("b", "B"))
     check(["--accept"], [[1, 3], [9, 0.01], [1.1, 3]], 0)  # the medians
     check([], [[1.2, 3.2]], 0)
     # What one run finds right is not measured again.
@@ -40,3 +41,6 @@ with tempfile.TemporaryDirectory() as name:
     check(["A"], [[1.5, 9], [1, 9]], 0)
     check(["--accept", "B"], [[9, 9]] * 3, 0)
     check([], [[1.1, 9.1]], 0)
+    check([], [[1]], 1, "WORSE  b / peer: 9.00 -> gone\n")
+    check(["--accept"], [[1]] * 3, 0)
+    check([], [[1]], 0)

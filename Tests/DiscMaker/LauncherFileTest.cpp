@@ -39,7 +39,7 @@ std::string WithoutDialog()
     CPeImage image;
     CCUString sWhat;
     CResourceTree tree;
-    image.Read(*ReadFileBytes(TEST_LAUNCHER), sWhat);
+    image.Read(ReadFileBytes(TEST_LAUNCHER), sWhat);
     tree.Read(image.Resources(), image.ResourcesAddress());
     tree.Remove(5, IDD_AUTORUN, LANG_NEUTRAL);
     const std::vector<BYTE> bytes = image.WithResources(tree);
@@ -78,7 +78,7 @@ TEST(LauncherFile, WritesWhatTheToolsWrite)
 {
     CPeImage image;
     CCUString sWhat;
-    ASSERT_TRUE(image.Read(*ReadFileBytes(TEST_LAUNCHER), sWhat)) << sWhat;
+    ASSERT_TRUE(image.Read(ReadFileBytes(TEST_LAUNCHER), sWhat)) << sWhat;
     CResourceTree tree;
     ASSERT_TRUE(tree.Read(image.Resources(), image.ResourcesAddress()));
     EXPECT_TRUE(image.Bytes() == image.WithResources(tree));
@@ -92,6 +92,19 @@ TEST(LauncherFile, WritesWhatTheToolsWrite)
     EXPECT_TRUE(
         SameBytes(shipped->WithSkin(shipped->Skin(), problems), ReadFileBytes(TEST_LAUNCHER)));
     EXPECT_EQ("", Lines(problems));
+    // A signature is taken out, and nothing else, whichever launcher is larger.
+    for (const CBlob &file : {ReadFileBytes(TEST_LAUNCHER), other}) {
+        std::vector<BYTE> bytes = *file;
+        const size_t nDirectory = CByteView(bytes).Dword(60) + 120 + 4 * 8;
+        PutDword(bytes, nDirectory, static_cast<DWORD>(bytes.size()));
+        PutDword(bytes, nDirectory + 4, 500);
+        bytes.insert(bytes.end(), 500, 's');
+        const auto made = CLauncherFile::Read("c", MakeBlob(bytes), problems);
+        const auto target = CLauncherFile::Read(
+            "d", file == other ? ReadFileBytes(TEST_LAUNCHER) : other, problems);
+        EXPECT_TRUE(SameBytes(made->WithSkin(target->Skin(), problems),
+                              file == other ? ReadFileBytes(TEST_LAUNCHER) : other));
+    }
 }
 
 // The system reads what was written, and another writer, the system's, says the same.

@@ -73,7 +73,7 @@ bool Apply(const CWords &words, CProblems &problems)
         return false;
     if (pLauncher->IsFolder())
         return Fail(problems, sLauncher, "A launcher is wanted here, no skin folder.");
-    return pLauncher->Save(pSkin->Skin(), sLauncher, problems);
+    return pLauncher->SaveCopy(pSkin->Skin(), sLauncher, problems);
 }
 
 bool Export(const CWords &words, CProblems &problems)

@@ -1,5 +1,7 @@
 #include "File/FileSet.h"
 
+#include <string.h>
+
 #include "Base/Handle.h"
 #include "CU/Dump.h"
 #include "File/FileProblem.h"
@@ -7,28 +9,71 @@
 
 namespace {
 
+// Why a call failed; some drivers do not say it.
+DWORD FailureCode()
+{
+    const DWORD nError = GetLastError();
+    return nError == NO_ERROR ? ERROR_GEN_FAILURE : nError;
+}
+
+// The folder of a file, as a call takes it.
+CCUString FolderBeside(const CCUString &sPath)
+{
+    const CCUString sFolder = FolderOf(sPath);
+    return sFolder.IsEmpty() ? CCUString(".") : sFolder;
+}
+
 // A name of its own beside a file, which is made. Empty: GetLastError says why not.
 CCUString NewNameBeside(const CCUString &sPath)
 {
-    const CCUString sFolder = FolderOf(sPath);
     char name[MAX_PATH] = "";
-    const char *const pszFolder = sFolder.IsEmpty() ? "." : sFolder.GetString();
-    return GetTempFileNameA(pszFolder, "skn", 0, name) ? name : "";
+    return GetTempFileNameA(FolderBeside(sPath), "skn", 0, name) ? name : "";
 }
 
-DWORD WriteBytes(const CCUString &sPath, const std::vector<BYTE> &bytes)
+// A new file beside another one, to be written and read; sNew is its name. GetTempFileName would
+// make the file and close it, to be opened a second time.
+HANDLE CreateBeside(const CCUString &sPath, CCUString &sNew)
 {
-    const CCUFileHandle file(CreateFileA(sPath, GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS,
-                                         FILE_ATTRIBUTE_NORMAL, nullptr));
-    if (!file)
-        return GetLastError();
+    const DWORD nFirst = GetTickCount();
+    for (DWORD i = 0; i <= 0xFFFF; ++i) {
+        CCUString sName;
+        sName.Format("skn%04lX.tmp", (nFirst + i) & 0xFFFF);
+        sNew = JoinPath(FolderBeside(sPath), sName);
+        const HANDLE hFile = CreateFileA(sNew, GENERIC_READ | GENERIC_WRITE, 0, nullptr, CREATE_NEW,
+                                         FILE_ATTRIBUTE_NORMAL, nullptr);
+        if (hFile != INVALID_HANDLE_VALUE || GetLastError() != ERROR_FILE_EXISTS)
+            return hFile;
+    }
+    return INVALID_HANDLE_VALUE;
+}
+
+DWORD WriteBytes(HANDLE file, const std::vector<BYTE> &bytes)
+{
     const DWORD nSize = static_cast<DWORD>(bytes.size());
     DWORD nWritten = 0;
     if (!WriteFile(file, bytes.data(), nSize, &nWritten, nullptr))
-        return GetLastError();
+        return FailureCode();
     if (nWritten != nSize)
         return ERROR_DISK_FULL;
-    return FlushFileBuffers(file) ? NO_ERROR : GetLastError();
+    return FlushFileBuffers(file) ? NO_ERROR : FailureCode();
+}
+
+// Whether the file has these bytes and no more.
+DWORD CompareBytes(HANDLE file, const std::vector<BYTE> &bytes)
+{
+    std::vector<BYTE> piece(0x10000);
+    size_t nDone = 0;
+    DWORD nRead = 0;
+    if (SetFilePointer(file, 0, nullptr, FILE_BEGIN) != 0)
+        return FailureCode();
+    do {
+        if (!ReadFile(file, piece.data(), static_cast<DWORD>(piece.size()), &nRead, nullptr))
+            return FailureCode();
+        if (nRead > bytes.size() - nDone || memcmp(piece.data(), bytes.data() + nDone, nRead) != 0)
+            return ERROR_CRC;
+        nDone += nRead;
+    } while (nRead > 0);
+    return nDone == bytes.size() ? NO_ERROR : ERROR_CRC;
 }
 
 }  // namespace
@@ -57,18 +102,22 @@ void CFileSet::Add(const CCUString &sPath, const CBlob &bytes)
 bool CFileSet::Write(CFile &file, CProblems &problems)
 {
     const DWORD nAttributes = GetFileAttributesA(file.m_sPath);
+    file.m_bReplaces = nAttributes != INVALID_FILE_ATTRIBUTES;
     DWORD nError = NO_ERROR;
     // Some systems replace such a file without a word.
-    if (nAttributes != INVALID_FILE_ATTRIBUTES &&
-        (nAttributes & (FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_DIRECTORY)))
+    if (file.m_bReplaces && (nAttributes & (FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_DIRECTORY)))
         nError = ERROR_ACCESS_DENIED;
     if (nError == NO_ERROR) {
-        file.m_sNew = NewNameBeside(file.m_sPath);
-        nError = file.m_sNew.IsEmpty() ? GetLastError() : WriteBytes(file.m_sNew, *file.m_bytes);
+        CCUString sNew;
+        const CCUFileHandle hNew(CreateBeside(file.m_sPath, sNew));
+        nError = hNew ? NO_ERROR : FailureCode();
+        if (hNew)
+            file.m_sNew = sNew;
+        if (nError == NO_ERROR)
+            nError = WriteBytes(hNew, *file.m_bytes);
+        if (nError == NO_ERROR)
+            nError = CompareBytes(hNew, *file.m_bytes);
     }
-    if (nError == NO_ERROR && !SameBytes(ReadFileBytes(file.m_sNew, &nError), file.m_bytes) &&
-        nError == NO_ERROR)
-        nError = ERROR_CRC;
     if (nError != NO_ERROR)
         AddFileProblem(problems, file.m_sPath, "The file cannot be written", nError);
     return nError == NO_ERROR;
@@ -76,7 +125,7 @@ bool CFileSet::Write(CFile &file, CProblems &problems)
 
 bool CFileSet::Place(CFile &file, bool bAlone, CProblems &problems)
 {
-    const bool bReplaces = FileExists(file.m_sPath);
+    const bool bReplaces = file.m_bReplaces;
     // In one step where nothing else may have to be taken back; Windows 98 cannot. What refuses is
     // not asked in another way: NT renames a launcher that runs, but cannot delete it then.
     const DWORD nFlags = MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH;

@@ -24,8 +24,9 @@ private:
     {
         CCUString m_sPath;
         CBlob m_bytes;
-        CCUString m_sNew;  // where it stands until it takes its place; empty: nowhere
-        CCUString m_sOld;  // where what it replaced stands; empty: nowhere
+        bool m_bReplaces = false;  // there was a file at the path
+        CCUString m_sNew;          // where it stands until it takes its place; empty: nowhere
+        CCUString m_sOld;          // where what it replaced stands; empty: nowhere
         bool m_bPlaced = false;
     };
     static bool Write(CFile &file, CProblems &problems);

@@ -155,7 +155,7 @@ bool CLauncherFile::ReadBytes(const CBlob &bytes, CProblems &problems)
 {
     m_bytes = bytes;
     CCUString sWhat;
-    if (!m_image.Read(*bytes, sWhat)) {
+    if (!m_image.Read(bytes, sWhat)) {
         AddProblem(problems, ProblemError, m_sPath, sWhat, "it cannot be opened");
         return false;
     }
@@ -268,17 +268,17 @@ bool CLauncherFile::HasSkin(const CSkin &skin) const
     return !m_skin.m_icon == !skin.m_icon;
 }
 
-CBlob CLauncherFile::WithSkin(const CSkin &skin, CProblems &problems) const
+std::unique_ptr<CLauncherFile> CLauncherFile::Changed(const CSkin &skin, CProblems &problems) const
 {
     if (!IsSound(skin, problems))
         return nullptr;
+    CProblems unused;
     CResourceTree tree = m_resources;
     if (!PutSkin(tree, skin, problems))
-        return m_bytes;
-    CBlob bytes = MakeBlob(m_image.WithResources(tree));
-    CProblems unused;
-    const auto check = Read(m_sPath, bytes, unused);
-    if (!check || !check->HasSkin(skin)) {
+        return Read(m_sPath, m_bytes, unused);
+    std::unique_ptr<CLauncherFile> file =
+        Read(m_sPath, MakeBlob(m_image.WithResources(tree)), unused);
+    if (!file || !file->HasSkin(skin)) {
         AddProblem(problems, ProblemError, m_sPath,
                    "The launcher's file has no room for these pictures and texts.",
                    "they cannot be saved; use another launcher");
@@ -287,25 +287,34 @@ CBlob CLauncherFile::WithSkin(const CSkin &skin, CProblems &problems) const
     if (m_image.IsSigned())
         AddProblem(problems, ProblemNote, m_sPath, "The launcher was signed.",
                    "the signature is taken out: it holds for the file as it was");
-    return bytes;
+    return file;
+}
+
+CBlob CLauncherFile::WithSkin(const CSkin &skin, CProblems &problems) const
+{
+    const auto file = Changed(skin, problems);
+    return file ? file->m_bytes : nullptr;
 }
 
 bool CLauncherFile::SaveCopy(const CSkin &skin, const CCUString &sPath, CProblems &problems) const
 {
     const CBlob bytes = WithSkin(skin, problems);
+    if (!bytes)
+        return false;
     CFileSet files;
-    if (bytes)
+    if (bytes != m_bytes || !IsSamePath(sPath, m_sPath))
         files.Add(sPath, bytes);
-    return bytes && files.Commit(problems);
+    return files.Commit(problems);
 }
 
 bool CLauncherFile::Save(const CSkin &skin, const CCUString &sPath, CProblems &problems)
 {
     if (IsSamePath(sPath, m_sPath) && IsChanged(sPath, m_bytes, problems))
         return false;
-    const CBlob bytes = WithSkin(skin, problems);
-    if (!bytes)
+    const auto changed = Changed(skin, problems);
+    if (!changed)
         return false;
+    const CBlob &bytes = changed->m_bytes;
     CFileSet files;
     // What is there was held against the old bytes a moment ago and need not be read once more.
     const bool bKnown = !m_bOverwrite && IsSamePath(sPath, m_sPath);
@@ -313,12 +322,10 @@ bool CLauncherFile::Save(const CSkin &skin, const CCUString &sPath, CProblems &p
         files.Add(sPath, bytes);
     if (!files.Commit(problems))
         return false;
-    CProblems known;
-    const auto read = Read(sPath, bytes, known);
     m_sPath = sPath;
     m_bytes = bytes;
-    m_image = read->m_image;
-    m_resources = read->m_resources;
+    m_image = std::move(changed->m_image);
+    m_resources = std::move(changed->m_resources);
     m_skin = skin;
     m_bOverwrite = false;
     return true;

@@ -26,6 +26,8 @@ private:
     // Whether anything changed.
     bool PutSkin(CResourceTree &tree, const CSkin &skin, CProblems &problems) const;
     bool HasSkin(const CSkin &skin) const;
+    // WithSkin, as it is read from its bytes.
+    std::unique_ptr<CLauncherFile> Changed(const CSkin &skin, CProblems &problems) const;
 
     CBlob m_bytes;
     CPeImage m_image;

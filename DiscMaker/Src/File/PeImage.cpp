@@ -1,6 +1,7 @@
 #include "File/PeImage.h"
 
 #include <stddef.h>
+#include <string.h>
 
 namespace {
 
@@ -43,15 +44,22 @@ const char *ForeignKind(const CByteView &file)
 }
 
 // The sum that the system keeps in the header of drivers, and linkers in that of all programs: of
-// all words but the sum's own, with the carries added in, and the file's size.
-DWORD CheckSum(const CByteView &file, size_t nField)
+// all words with the carries added in, and the file's size. The sum's own place is 0 meanwhile.
+DWORD CheckSum(const std::vector<BYTE> &file)
 {
-    DWORD nSum = 0;
-    for (size_t i = 0; i < file.Size(); i += 2) {
-        nSum += i - nField < 4 ? 0 : file.Word(i);
-        nSum = (nSum & 0xFFFF) + (nSum >> 16);
+    // Two words at a time: their carries come to the same in the end.
+    ULONGLONG nSum = 0;
+    for (size_t i = 0; i < file.size(); i += sizeof(DWORD)) {
+        DWORD nWords = 0;
+        if (file.size() - i >= sizeof nWords)
+            memcpy(&nWords, file.data() + i, sizeof nWords);
+        else
+            nWords = CByteView(file).Dword(i);
+        nSum += nWords;
     }
-    return nSum + static_cast<DWORD>(file.Size());
+    while (nSum > 0xFFFF)
+        nSum = (nSum & 0xFFFF) + (nSum >> 16);
+    return static_cast<DWORD>(nSum + file.size());
 }
 
 }  // namespace
@@ -62,9 +70,9 @@ bool CPeImage::CSection::HasAddress(DWORD nAddress) const
     return nAddress - m_nAddress < nSize;
 }
 
-bool CPeImage::Read(const std::vector<BYTE> &bytes, CCUString &sWhat)
+bool CPeImage::Read(const CBlob &bytes, CCUString &sWhat)
 {
-    const CByteView file(bytes);
+    const CByteView file(*bytes);
     sWhat = ForeignKind(file);
     if (!sWhat.IsEmpty())
         return false;
@@ -89,7 +97,7 @@ bool CPeImage::Read(const std::vector<BYTE> &bytes, CCUString &sWhat)
 
 bool CPeImage::ReadSections(CCUString &sWhat)
 {
-    const CByteView file(m_bytes);
+    const CByteView file = File();
     const size_t nCount =
         file.Word(m_nHeader + offsetof(IMAGE_NT_HEADERS32, FileHeader.NumberOfSections));
     if (!file.Has(m_nSectionTable, nCount * SECTION_HEADER_SIZE)) {
@@ -121,7 +129,7 @@ bool CPeImage::ReadSections(CCUString &sWhat)
 
 bool CPeImage::ReadSection(CSection &section, size_t nHeader, size_t nSections) const
 {
-    const CByteView header = CByteView(m_bytes).From(nHeader);
+    const CByteView header = File().From(nHeader);
     section.m_nHeader = nHeader;
     section.m_nVirtualSize = header.Dword(offsetof(IMAGE_SECTION_HEADER, Misc));
     section.m_nAddress = header.Dword(offsetof(IMAGE_SECTION_HEADER, VirtualAddress));
@@ -132,24 +140,22 @@ bool CPeImage::ReadSection(CSection &section, size_t nHeader, size_t nSections) 
     const size_t nHeadersEnd = m_nSectionTable + nSections * SECTION_HEADER_SIZE;
     return section.m_nAddress < ADDRESS_LIMIT &&
            section.m_nVirtualSize < ADDRESS_LIMIT - section.m_nAddress &&
-           (section.m_nFileSize == 0 ||
-            (section.m_nFileOffset >= nHeadersEnd &&
-             CByteView(m_bytes).Has(section.m_nFileOffset, section.m_nFileSize)));
+           (section.m_nFileSize == 0 || (section.m_nFileOffset >= nHeadersEnd &&
+                                         File().Has(section.m_nFileOffset, section.m_nFileSize)));
 }
 
 CPeImage::CDirectory CPeImage::Directory(UINT nIndex) const
 {
     if (nIndex >= m_nDirectories)
         return CDirectory();
-    const CByteView entry =
-        CByteView(m_bytes).From(m_nHeader + FIRST_DIRECTORY + nIndex * sizeof(CDirectory));
+    const CByteView entry = File().From(m_nHeader + FIRST_DIRECTORY + nIndex * sizeof(CDirectory));
     return CDirectory{entry.Dword(0), entry.Dword(4)};
 }
 
 CByteView CPeImage::Resources() const
 {
     const CSection &section = m_sections[m_nResources];
-    return CByteView(m_bytes)
+    return File()
         .Part(section.m_nFileOffset, section.m_nFileSize)
         .From(ResourcesAddress() - section.m_nAddress);
 }
@@ -162,7 +168,7 @@ DWORD CPeImage::ResourcesAddress() const
 // Whether a section has one table of the program's and nothing else that anything points to.
 bool CPeImage::HoldsOnly(const CSection &section, UINT nDirectory) const
 {
-    const CByteView file(m_bytes);
+    const CByteView file = File();
     if (Directory(nDirectory).m_nAddress != section.m_nAddress ||
         section.HasAddress(file.Dword(FIELD(AddressOfEntryPoint))))
         return false;
@@ -177,7 +183,7 @@ bool CPeImage::HoldsOnly(const CSection &section, UINT nDirectory) const
 
 bool CPeImage::IsPlaceFree(size_t nOffset, size_t nSize) const
 {
-    const CByteView file(m_bytes);
+    const CByteView file = File();
     if (nOffset + nSize > file.Dword(FIELD(SizeOfHeaders)) || !file.Has(nOffset, nSize))
         return false;
     for (const CSection &section : m_sections) {
@@ -200,16 +206,15 @@ public:
           m_sections(image.m_sections),
           m_nSection(image.m_nResources),
           m_nHeader(image.m_nHeader),
-          m_nSize(static_cast<DWORD>(resources.Write(0).size())),
+          m_nSize(static_cast<DWORD>(resources.Size())),
           m_nFileSize(static_cast<DWORD>(AlignUp(m_nSize, image.m_nFileAlignment))),
           m_nShiftFrom(0),
           m_nShift(0)
     {
         if (m_nSize > ADDRESS_LIMIT / 2 || !(FitsInPlace() || AddSection()))
             return;
-        m_bytes = image.m_bytes;
+        ReplaceBytes(resources);
         DropSignature();
-        ReplaceBytes(resources.Write(m_sections[m_nSection].m_nAddress));
         MoveFilePlaces();
         WriteHeaders();
         MoveDebugData();
@@ -295,27 +300,25 @@ private:
         if (signature.m_nSize == 0)
             return;
         if (signature.m_nAddress >= FileEnd() &&
-            CByteView(m_bytes).Has(signature.m_nAddress, signature.m_nSize))
+            m_image.File().Has(signature.m_nAddress, signature.m_nSize))
         {
-            std::vector<BYTE> bytes = CByteView(m_bytes).Part(0, signature.m_nAddress).Copy();
-            Append(bytes, CByteView(m_bytes).From(signature.m_nAddress + signature.m_nSize));
-            m_bytes.swap(bytes);
+            const auto start =
+                m_bytes.begin() + static_cast<ptrdiff_t>(signature.m_nAddress + m_nShift);
+            m_bytes.erase(start, start + static_cast<ptrdiff_t>(signature.m_nSize));
         }
         PutDirectory(IMAGE_DIRECTORY_ENTRY_SECURITY, 0, 0);
     }
 
-    void ReplaceBytes(const std::vector<BYTE> &resources)
+    void ReplaceBytes(const CResourceTree &resources)
     {
-        const DWORD nStart = m_sections[m_nSection].m_nFileOffset;
-        std::vector<BYTE> bytes;
-        bytes.reserve(m_bytes.size() + m_nShift);
-        const size_t nKept = nStart < m_nShiftFrom ? nStart : m_nShiftFrom;
-        Append(bytes, CByteView(m_bytes).Part(0, nKept));
-        bytes.resize(nStart);
-        Append(bytes, CByteView(resources));
-        bytes.resize(nStart + m_nFileSize);
-        Append(bytes, CByteView(m_bytes).From(m_nShiftFrom));
-        m_bytes.swap(bytes);
+        const CSection &section = m_sections[m_nSection];
+        const DWORD nStart = section.m_nFileOffset;
+        m_bytes.reserve(m_image.Bytes().size() + m_nShift);
+        Append(m_bytes, m_image.File().Part(0, nStart < m_nShiftFrom ? nStart : m_nShiftFrom));
+        m_bytes.resize(nStart);
+        resources.AppendTo(m_bytes, section.m_nAddress);
+        m_bytes.resize(nStart + m_nFileSize);
+        Append(m_bytes, m_image.File().From(m_nShiftFrom));
     }
 
     // All places in the file behind the resources.
@@ -409,8 +412,10 @@ private:
     void WriteCheckSum()
     {
         const size_t nField = FIELD(CheckSum);
-        if (CByteView(m_bytes).Dword(nField) != 0)
-            PutDword(m_bytes, nField, CheckSum(CByteView(m_bytes), nField));
+        if (CByteView(m_bytes).Dword(nField) == 0)
+            return;
+        PutDword(m_bytes, nField, 0);
+        PutDword(m_bytes, nField, CheckSum(m_bytes));
     }
 
     const CPeImage &m_image;

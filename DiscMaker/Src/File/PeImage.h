@@ -9,9 +9,9 @@ class CPeImage
 {
 public:
     // False when the bytes are no whole 32-bit program with resources; sWhat says what they are.
-    bool Read(const std::vector<BYTE> &bytes, CCUString &sWhat);
+    bool Read(const CBlob &bytes, CCUString &sWhat);
 
-    const std::vector<BYTE> &Bytes() const { return m_bytes; }
+    const std::vector<BYTE> &Bytes() const { return *m_bytes; }
     // From the root directory on to the end of its section in the file, and its address.
     CByteView Resources() const;
     DWORD ResourcesAddress() const;
@@ -43,13 +43,14 @@ private:
     };
     class CWriter;
 
+    CByteView File() const { return CByteView(*m_bytes); }
     bool ReadSections(CCUString &sWhat);
     bool ReadSection(CSection &section, size_t nHeader, size_t nSections) const;
     CDirectory Directory(UINT nIndex) const;
     bool HoldsOnly(const CSection &section, UINT nDirectory) const;
     bool IsPlaceFree(size_t nOffset, size_t nSize) const;
 
-    std::vector<BYTE> m_bytes;
+    CBlob m_bytes;
     size_t m_nHeader = 0;  // of IMAGE_NT_HEADERS32
     size_t m_nSectionTable = 0;
     DWORD m_nDirectories = 0;

@@ -40,22 +40,33 @@ void Measure(const CResourceNode &node, CParts &sizes)
         Measure(child, sizes);
 }
 
+// Where each part begins; the data come last.
+CParts StartsOf(const CParts &sizes)
+{
+    CParts starts;
+    starts.m_nRecord = sizes.m_nDirectory;
+    starts.m_nName = starts.m_nRecord + sizes.m_nRecord;
+    starts.m_nData = AlignUp(starts.m_nName + sizes.m_nName, DATA_ALIGNMENT);
+    return starts;
+}
+
 class CTreeWriter
 {
 public:
-    CTreeWriter(const CResourceNode &root, DWORD nAddress) : m_nAddress(nAddress)
+    CTreeWriter(const CResourceNode &root, DWORD nAddress, std::vector<BYTE> &bytes)
+        : m_bytes(bytes), m_nStart(bytes.size()), m_nAddress(nAddress)
     {
         CParts sizes;
         Measure(root, sizes);
-        m_next.m_nRecord = sizes.m_nDirectory;
-        m_next.m_nName = m_next.m_nRecord + sizes.m_nRecord;
-        m_next.m_nData = AlignUp(m_next.m_nName + sizes.m_nName, DATA_ALIGNMENT);
-        m_bytes.resize(m_next.m_nData + sizes.m_nData);
+        m_next = StartsOf(sizes);
+        m_bytes.resize(m_nStart + m_next.m_nData + sizes.m_nData);
         WriteDirectory(root);
     }
-    std::vector<BYTE> m_bytes;
 
 private:
+    void PutDword(size_t nOffset, DWORD nValue) { ::PutDword(m_bytes, m_nStart + nOffset, nValue); }
+    void PutWord(size_t nOffset, UINT nValue) { ::PutWord(m_bytes, m_nStart + nOffset, nValue); }
+
     size_t WriteDirectory(const CResourceNode &node)
     {
         const size_t nStart = m_next.m_nDirectory;
@@ -67,30 +78,29 @@ private:
             WriteEntry(child, nEntry);
             nEntry += ENTRY_SIZE;
         }
-        PutDword(m_bytes, nStart, node.m_nCharacteristics);
-        PutDword(m_bytes, nStart + 4, node.m_nTimeStamp);
-        PutDword(m_bytes, nStart + 8, node.m_nVersion);
-        PutWord(m_bytes, nStart + 12, nNamed);
-        PutWord(m_bytes, nStart + 14, static_cast<UINT>(node.m_children.size()) - nNamed);
+        PutDword(nStart, node.m_nCharacteristics);
+        PutDword(nStart + 4, node.m_nTimeStamp);
+        PutDword(nStart + 8, node.m_nVersion);
+        PutWord(nStart + 12, nNamed);
+        PutWord(nStart + 14, static_cast<UINT>(node.m_children.size()) - nNamed);
         return nStart;
     }
 
     void WriteEntry(const CResourceNode &node, size_t nEntry)
     {
-        PutDword(
-            m_bytes, nEntry,
-            node.m_name.m_bText ? HIGH_BIT | WriteName(node.m_name.m_sText) : node.m_name.m_nId);
+        PutDword(nEntry, node.m_name.m_bText ? HIGH_BIT | WriteName(node.m_name.m_sText)
+                                             : node.m_name.m_nId);
         const size_t nTarget =
             IsResource(node) ? WriteRecord(node) : HIGH_BIT | WriteDirectory(node);
-        PutDword(m_bytes, nEntry + 4, static_cast<DWORD>(nTarget));
+        PutDword(nEntry + 4, static_cast<DWORD>(nTarget));
     }
 
     DWORD WriteName(const CWideText &sText)
     {
         const size_t nStart = m_next.m_nName;
-        PutWord(m_bytes, nStart, static_cast<UINT>(sText.Length()));
+        PutWord(nStart, static_cast<UINT>(sText.Length()));
         for (size_t i = 0; i < sText.Length(); ++i)
-            PutWord(m_bytes, nStart + 2 + i * 2, sText.Data()[i]);
+            PutWord(nStart + 2 + i * 2, sText.Data()[i]);
         m_next.m_nName += 2 + sText.Length() * 2;
         return static_cast<DWORD>(nStart);
     }
@@ -101,23 +111,32 @@ private:
         const std::vector<BYTE> &data = *node.m_data;
         m_next.m_nRecord += RECORD_SIZE;
         m_next.m_nData = AlignUp(m_next.m_nData, DATA_ALIGNMENT);
-        PutDword(m_bytes, nStart, m_nAddress + static_cast<DWORD>(m_next.m_nData));
-        PutDword(m_bytes, nStart + 4, static_cast<DWORD>(data.size()));
-        PutDword(m_bytes, nStart + 8, node.m_nCodePage);
-        PutDword(m_bytes, nStart + 12, node.m_nReserved);
+        PutDword(nStart, m_nAddress + static_cast<DWORD>(m_next.m_nData));
+        PutDword(nStart + 4, static_cast<DWORD>(data.size()));
+        PutDword(nStart + 8, node.m_nCodePage);
+        PutDword(nStart + 12, node.m_nReserved);
         if (!data.empty())
-            memcpy(m_bytes.data() + m_next.m_nData, data.data(), data.size());
+            memcpy(m_bytes.data() + m_nStart + m_next.m_nData, data.data(), data.size());
         m_next.m_nData += data.size();
         return nStart;
     }
 
-    DWORD m_nAddress;
+    std::vector<BYTE> &m_bytes;
+    const size_t m_nStart;  // of the section, in the bytes
+    const DWORD m_nAddress;
     CParts m_next;
 };
 
 }  // namespace
 
-std::vector<BYTE> CResourceTree::Write(DWORD nAddress) const
+size_t CResourceTree::Size() const
 {
-    return CTreeWriter(m_root, nAddress).m_bytes;
+    CParts sizes;
+    Measure(m_root, sizes);
+    return StartsOf(sizes).m_nData + sizes.m_nData;
+}
+
+void CResourceTree::AppendTo(std::vector<BYTE> &bytes, DWORD nAddress) const
+{
+    CTreeWriter(m_root, nAddress, bytes);
 }

@@ -45,9 +45,11 @@ public:
     // or damaged: nothing is kept then. What points in circles or at the same bytes again and again
     // is damaged.
     bool Read(const CByteView &section, DWORD nAddress);
-    // The section that has these, to stand at an address; its size is the same everywhere. The
-    // layout is that of windres: a launcher that it made comes out as it was.
-    std::vector<BYTE> Write(DWORD nAddress) const;
+    // The size of the section that has these.
+    size_t Size() const;
+    // Appends that section, which is to stand at an address in the program. The layout is that of
+    // windres: a launcher that it made comes out as it was.
+    void AppendTo(std::vector<BYTE> &bytes, DWORD nAddress) const;
 
     const CResourceNode &Root() const { return m_root; }
     // Null when there is none. Of several languages, the neutral one or else the first.

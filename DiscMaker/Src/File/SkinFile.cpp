@@ -25,12 +25,12 @@ bool IsScript(const CCUString &sPath)
 
 std::unique_ptr<CSkinFile> CSkinFile::Open(const CCUString &sPath, CProblems &problems)
 {
-    if (FolderExists(sPath))
+    DWORD nError = NO_ERROR;
+    const CBlob bytes = IsScript(sPath) ? nullptr : ReadFileBytes(sPath, &nError);
+    if (!bytes && FolderExists(sPath))
         return CSkinFolder::Read(JoinPath(sPath, SKIN_SCRIPT_NAME), problems);
     if (IsScript(sPath))
         return CSkinFolder::Read(sPath, problems);
-    DWORD nError = NO_ERROR;
-    const CBlob bytes = ReadFileBytes(sPath, &nError);
     if (!bytes) {
         AddFileProblem(problems, sPath, "The file cannot be read", nError);
         return nullptr;

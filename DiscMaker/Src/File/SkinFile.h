@@ -28,7 +28,8 @@ public:
     // renamed: when it fails, what was at `sPath` is whole, the reason is among the problems. Then
     // `sPath` is this file's place, and `skin` what it holds.
     virtual bool Save(const CSkin &skin, const CCUString &sPath, CProblems &problems) = 0;
-    // The same for a copy elsewhere: this file's place and skin stay.
+    // The same for a copy: this file's place and skin stay. A launcher's own place, too, if it was
+    // read just now: what is there is not held against what was read.
     virtual bool SaveCopy(const CSkin &skin, const CCUString &sPath, CProblems &problems) const = 0;
     // Whether `skin` has all that the file holds, or something else in its place. One that lacks a
     // picture because that could not be read is not to be put into a launcher, a disc or a new

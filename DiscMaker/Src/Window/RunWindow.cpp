@@ -16,18 +16,19 @@ int RunWindow(int nShow)
 {
     CUISetSettingsKey("Software\\Disc Maker");
     CMainWindow window;
-    if (!window.CreateFrame("Disc Maker"))
-        return 1;
     // Large enough for the face, where the screen is, until the user has another size.
     RECT work = {};
     SystemParametersInfoA(SPI_GETWORKAREA, 0, &work, 0);
-    SetWindowPos(window, nullptr, 0, 0,
-                 std::min<int>(Scaled(FIRST_SIZE.cx), work.right - work.left),
-                 std::min<int>(Scaled(FIRST_SIZE.cy), work.bottom - work.top),
-                 SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
-    window.Begin();
+    const int cx = std::min<int>(Scaled(FIRST_SIZE.cx), work.right - work.left);
+    const int cy = std::min<int>(Scaled(FIRST_SIZE.cy), work.bottom - work.top);
+    if (!window.CreateEx(0, nullptr, "Disc Maker", WS_OVERLAPPEDWINDOW, CW_USEDEFAULT,
+                         CW_USEDEFAULT, cx, cy, nullptr, nullptr))
+        return 1;
+    // Before it is shown, so that everything is painted once.
+    window.OnCommandLine(GetCommandLineA(), "");
+    if (window.GetDocument().IsEmpty())
+        window.Begin();
     window.ShowKept("Frame", nShow);
     window.OfferRecovery();
-    window.OnCommandLine(GetCommandLineA(), "");
     return CCUIWindow::RunLoop();
 }
