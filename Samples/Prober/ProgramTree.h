@@ -140,6 +140,9 @@ private:
             program.m_items.push_back(hItem);
             before.erase(entry.nID);
         }
+        // Whichever of them gets the selection meanwhile stands for no variable any more.
+        for (const auto &gone : before)
+            SetItemData(gone.second, 0);
         for (const auto &gone : before)
             RemoveItem(gone.second, program.m_hItem);
         if (bFirst && nCount <= MOST_EXPANDED)

@@ -65,6 +65,11 @@ TEST(Prober, SetsEachKindToWhatItsTextSaysAndNothingElse)
         EXPECT_EQ(row.value, Value(row.nID));
     }
     EXPECT_TRUE(number == -7 && fraction > 0.09 && flag && text.Get() == "abc");
+    // As a static one is found by another's constructor that runs before its own.
+    alignas(CCUProberText) static char s_memory[sizeof(CCUProberText)];
+    auto &early = *reinterpret_cast<CCUProberText *>(s_memory);
+    early.Set("x");
+    EXPECT_STREQ("", early.Get());
 }
 
 TEST(Prober, FindsTheLatestOfANameAmongManyThatComeAndGo)
@@ -99,6 +104,7 @@ TEST(Prober, FindsTheLatestOfANameAmongManyThatComeAndGo)
     EXPECT_EQ(0u, CCUProber::Find("\\A"));
     EXPECT_EQ(0u, CCUProber::Find("\\A\\Bx"));
     EXPECT_NE(0u, CCUProber::GetNext(0, "\\ab\\LONG NAME"));
+    EXPECT_EQ(*within.begin(), CCUProber::GetNext(0, "\\A\\"));
 }
 
 // Readers ask for all that is there while it dies under them.
@@ -260,6 +266,32 @@ TEST(Prober, IsReadAndSetFromAnotherProcess)
     EXPECT_EQ(77, open.Get());
 }
 
+TEST(Prober, AnswersManyThatAskAtOnce)
+{
+    CCUProberLong open("\\Asked", "Open");
+    open.SetOpen(true);
+    // Looks for messages, so that other requests come in between.
+    const auto pump = [](void *) { return CFakeClock::Pump(1) + 5L; };
+    const CCUProberFunction pumping("\\Asked", "Pumping", pump);
+    const unsigned long nID = pumping.GetID();
+    volatile HWND hWnd = nullptr;
+    volatile LONG nLeft = 40;
+    CThreads::Run(41, [&](int nThread) {
+        if (nThread == 0) {
+            for (hWnd = CUGetWindow(); nLeft > 0; CFakeClock::Pump())
+                MsgWaitForMultipleObjects(0, nullptr, FALSE, 10, QS_ALLINPUT);
+            return;
+        }
+        while (!hWnd)
+            Sleep(1);
+        CCUProberClient client;
+        CUProberValue value;
+        EXPECT_TRUE(client.Connect(hWnd, 60000) && client.Read(&nID, &value, 1));
+        EXPECT_EQ(CU_PROBER_DONE, client.Set(open.GetID(), "5"));
+        InterlockedDecrement(&nLeft);
+    });
+}
+
 TEST(Prober, AnswersNoRequestThatIsNotWellFormed)
 {
     CCUProberText text("\\Random", "Text", "unchanged");
@@ -303,6 +335,23 @@ TEST(Prober, AnswersNoRequestThatIsNotWellFormed)
     EXPECT_EQ(CU_PROBER_NO_ANSWER, client.Set(number.GetID(), CCUString('1', 5000)));
     EXPECT_EQ(CU_PROBER_DONE, client.Set(number.GetID(), "5"));
     EXPECT_EQ(5, number.Get());
+    // What several askers lay aside lies side by side, and each counts once.
+    const struct
+    {
+        DWORD nWhat, nID;
+        char szText[4];
+    } aside = {4, number.GetID(), "700"};
+    const COPYDATASTRUCT data = {0x43555051, sizeof aside,
+                                 const_cast<void *>(static_cast<const void *>(&aside))};
+    const auto layAside = [&] {
+        return static_cast<WPARAM>(
+            SendMessageA(hWnd, WM_COPYDATA, 0, reinterpret_cast<LPARAM>(&data)));
+    };
+    const WPARAM nFirst = layAside();
+    layAside();
+    EXPECT_EQ(CU_PROBER_DONE + 1, SendMessageA(hWnd, uSet, nFirst, 0));
+    EXPECT_EQ(700, number.Get());
+    EXPECT_EQ(0, SendMessageA(hWnd, uSet, nFirst, 0));
 }
 
 }  // namespace

@@ -5,6 +5,7 @@
 
 #include "CUI/Draw.h"
 #include "CUI/OffScreenDC.h"
+#include "Support/FailingCall.h"
 #include "Support/FakeClock.h"
 #include "Support/GdiCount.h"
 #include "Support/HeapWatch.h"
@@ -232,6 +233,9 @@ TEST(Effect, EveryPixelIsWhatTheFormulaSays)
         CCUIBlinkEffect blink;
         s.Set(blink);
         blink.SetBlinks(3);
+        // What was made for a frame without colours must not be used for others.
+        const CTestSurface mono(CPixelMap(W, H), true);
+        blink.Draw(mono, {0, 0, W, H}, 0);
         ExpectFrames("blink", blink,
                      s.Mix([](int, int, double p) { return static_cast<int>(p * 6) % 2 != 0; }));
     }
@@ -345,6 +349,28 @@ TEST(Effect, RunsByTheClock)
     EXPECT_EQ("100 75 100 turn1 64 turn3 100 turn4 ", effect.Take());
     EXPECT_EQ("0.82 0.51", Text("%.2f %.2f", CLogged::Ease(CLogged::EaseBoth, 0.7),
                                 CLogged::Ease(CLogged::EaseOut, 0.3)));
+    effect.Take();
+
+    // Settings count at once, for what pauses too.
+    effect.SetFrameTime(LONG_MAX);
+    effect.SetEasing(CLogged::Linear);
+    effect.SetRepeat(CLogged::Repeated);
+    effect.Start(&s.window, RC);
+    s.clock.Run(1);
+    s.clock.Jump(29);
+    effect.SetDuration(50);
+    s.clock.Run(1);
+    EXPECT_EQ("100 40 ", effect.Take());
+    effect.Pause();
+    effect.SetBackwards(false);
+    s.clock.Run(1);
+    EXPECT_EQ("62 ", effect.Take());
+    // Hidden for so long that the clock's sign has changed.
+    effect.Resume();
+    ShowWindow(s.window, SW_HIDE);
+    s.clock.Run(1);
+    s.clock.Jump(0x80000000);
+    EXPECT_GE(effect.GetProgress(), 0);
     CReports reports;
     EXPECT_EQ("pWindow && pWindow->GetHandle()",
               reports.Of("Effect", [&] { effect.Start(nullptr, RC); }));
@@ -451,6 +477,56 @@ TEST(Effect, MayBeDeletedAndLoseItsWindowAnywhere)
             nLive = heap.Live();
     }
     EXPECT_EQ(nLive, heap.Live());
+    // One that is not told yet does not run on the screen while another is.
+    CLogged first, second;
+    CTestWindow window(nullptr, WS_POPUP | WS_VISIBLE);
+    first.Start(&window, RC);
+    second.Start(&window, RC);
+    first.m_onEnd = [&] { s.clock.Run(50); };
+    window.Destroy();
+    EXPECT_EQ("lost", second.Take());
+}
+
+TEST(Effect, WithoutMemoryOnlyTheBackgroundIsDrawn)
+{
+    CTestSurface surface(CPixelMap(W, H, 0));
+    const CFailingCall<HBITMAP(HDC, int, int)> bitmap("CreateCompatibleBitmap");
+    const CFailingCall<HDC(HDC)> memory("CreateCompatibleDC");
+    const CFailingCall<HRGN(int, int, int, int)> clip("CreateRectRgn");
+    const CFailingCall<HRGN(const XFORM *, DWORD, const RGNDATA *)> region("ExtCreateRegion");
+    const CFailingCall<int(HRGN, HRGN, HRGN, int)> join("CombineRgn");
+    CCUIWipeEffect hard, soft;
+    CCUIRevealEffect tiles;
+    hard.SetDirection(CCUITimeBasedEffect::RightDown);
+    soft.SetEdgeWidth(9);
+    tiles.SetShape(CCUIRevealEffect::Tiles);
+    tiles.SetSize(10);
+    for (CCUITransitionEffect *const p :
+         {static_cast<CCUITransitionEffect *>(&hard), static_cast<CCUITransitionEffect *>(&soft),
+          static_cast<CCUITransitionEffect *>(&tiles)})
+    {
+        p->SetPictures(0xFFUL, 0xFF00UL);
+        p->SetBackground(BACK);
+        CFailPlan::Start(0);
+        p->Draw(surface, {0, 0, W, H}, 0.4);
+        const CPixelMap right = surface.Read();
+        EXPECT_LT(
+            4, CFailPlan::RunAll([&] {
+                p->SetBackground(BACK);
+                IntersectClipRect(surface, 0, 0, W, 40);
+                p->Draw(surface, {0, 0, W, H}, 0.4);
+                RECT box;
+                EXPECT_TRUE(GetClipBox(surface, &box) && box.bottom == 40) << CFailPlan::s_nFailAt;
+                SelectClipRgn(surface, nullptr);
+                const CPixelMap map = surface.Read();
+                EXPECT_TRUE(map.Count(BACK) == W * 40 || map == right) << CFailPlan::s_nFailAt;
+                CFailPlan::s_nFailAt = 0;
+                p->Draw(surface, {0, 0, W, H}, 0.4);
+                EXPECT_TRUE(surface.Read() == right);
+            }));
+        p->Draw(surface, {0, 0, 99999, 99999}, 0.4);  // there is none for so much
+        EXPECT_EQ(W * H, surface.Read().Count(BACK));
+    }
 }
 
 TEST(Effect, FiveThousandLeaveNothingBehind)
@@ -507,4 +583,14 @@ TEST(Effect, ShowsTheLastPictureAtOnceWhereAnimationIsNotWanted)
     SendMessageA(s.window, WM_SETTINGCHANGE, 0, 0);
     s.clock.Run(10);
     EXPECT_EQ("0 end0 ", effect.Take());
+    // Paused, and wished away meanwhile.
+    bKnown = FALSE;
+    effect.Start(&s.window, RC);
+    s.clock.Run(10);
+    effect.Pause();
+    bKnown = TRUE;
+    SendMessageA(s.window, WM_SETTINGCHANGE, 0, 0);
+    effect.Resume();
+    s.clock.Run(10);
+    EXPECT_EQ("0 10 0 end0 ", effect.Take());
 }

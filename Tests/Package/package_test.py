@@ -39,6 +39,11 @@ class Package(unittest.TestCase):
         output_of("cmake", "-S", source, "-B", build, "-G", "Ninja", "-DCMAKE_SYSTEM_NAME=Windows",
                   f"-DCMAKE_CXX_COMPILER={self.gcc[0]}", f"-DCMAKE_PREFIX_PATH={self.tree}", *options)
 
+    def build(self, sample):
+        """One of the tree's, into the folder "build"."""
+        self.configure(self.tree / "share/doc/AutoRun" / sample, self.folder / "build")
+        output_of("cmake", "--build", self.folder / "build")
+
     def test_program(self):
         """The page leads to programs that work."""
         page = (self.tree / "share/doc/AutoRun/README.md").read_text()

@@ -42,11 +42,7 @@ def edges(screen):
 class Viewer(Package):
     def setUp(self):
         super().setUp()
-        output_of("cmake", "-S", self.tree / "share/doc/AutoRun/Viewer", "-B",
-                  self.folder / "build", "-G", "Ninja", "-DCMAKE_SYSTEM_NAME=Windows",
-                  "-DCMAKE_CXX_COMPILER=i686-w64-mingw32-g++-win32",
-                  f"-DCMAKE_PREFIX_PATH={self.tree}")
-        output_of("cmake", "--build", self.folder / "build")
+        self.build("Viewer")
         self.pictures = {}
         for name, size, tint in (("a", (96, 64), 90), ("b", (60, 90), 160), ("c", (1300, 1100), 30)):
             picture = Image.new("RGB", size, EDGE)

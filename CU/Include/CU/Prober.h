@@ -74,9 +74,9 @@ struct CUProberEntry
 ///
 /// A variable is listed from the end of its construction to the beginning of its destruction, which
 /// waits for functions of its own that compute its value on another thread. Until a static one is
-/// constructed it reads as 0. Of several with the same path and name the latest is found, and the
-/// one before it again when that is gone; each can be read by its number. The case of the letters A
-/// to Z makes no difference.
+/// constructed it reads as 0 or "". Of several with the same path and name the latest is found, and
+/// the one before it again when that is gone; each can be read by its number. The case of the
+/// letters A to Z makes no difference.
 class CCUProberVariable
 {
 public:

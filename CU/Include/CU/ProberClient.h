@@ -18,8 +18,9 @@
 ///
 /// Programs are found from Windows 95 on; those that are more privileged than the one that asks can
 /// be read from Windows 7 on, but not set. A program serves requests where it looks for messages.
-/// One that hangs is waited for as long as Connect was told, and then no more. One object is for
-/// one thread at a time.
+/// One that hangs is waited for as long as Connect was told, and then no more; one that others ask
+/// at the same moment, again and again for some five seconds. One object is for one thread at a
+/// time.
 class CCUProberClient
 {
 public:

@@ -99,15 +99,18 @@ CCUProberText::CCUProberText(const char *pszPath, const char *pszName, const cha
     List();
 }
 
+// There is no text before the constructor has run, nor once the destructor has.
 CCUString CCUProberText::Get() const
 {
     const CCULockGuard guard(CCUProberList::s_lock);
-    return m_sValue;
+    return GetID() ? m_sValue : CCUString();
 }
 
 void CCUProberText::Set(const CCUString &sValue)
 {
     const CCULockGuard guard(CCUProberList::s_lock);
+    if (!GetID())
+        return;
     m_sValue = sValue;
     if (m_nNotice)
         CCUProberList::Changed(*this);

@@ -7,12 +7,24 @@
 
 namespace {
 
-// Another asker may get in between an answer and its reading: then it is asked for again.
-const int MOST_TRIES = 20;
+// Another asker may get in between an answer and its reading: then it is asked for again. So that
+// many do not get into each other's way for ever each waits for a while of chance, up to 1 ms at
+// first, which is doubled until it is 256 ms.
+const int MOST_TRIES = 32;
+const int MOST_DOUBLINGS = 8;
 // Numbers in a request for values: as many as an answer has room for.
 const int MOST_READ = 5000;
 // What no program has.
 const DWORD MOST_ENTRIES = 1000000;
+
+void WaitToTryAgain(int nTry)
+{
+    const int nBits = nTry < MOST_DOUBLINGS ? nTry : MOST_DOUBLINGS;
+    LARGE_INTEGER chance = {};
+    QueryPerformanceCounter(&chance);
+    chance.LowPart ^= GetCurrentThreadId() + GetTickCount();
+    Sleep((chance.LowPart * 2654435769U) >> (32 - nBits));  // 2^32 by the golden ratio
+}
 
 bool IsKind(DWORD nKind)
 {
@@ -160,7 +172,8 @@ bool CCUProberClient::Open()
     // Of one that is smaller there is no such view.
     if (m_hSection)
         m_pSection = MapViewOfFile(m_hSection, FILE_MAP_READ, 0, 0, CU_PROBER_SECTION_SIZE);
-    return m_pSection != nullptr;
+    return m_pSection &&
+           static_cast<const CUProberAnswer *>(m_pSection)->nVersion == CU_PROBER_VERSION;
 }
 
 // Copies the answer. False when it is not that one any more.
@@ -183,10 +196,15 @@ bool CCUProberClient::Ask(DWORD nWhat, DWORD nArgument, const void *pData, DWORD
         return false;
     for (int i = 0; i < MOST_TRIES; ++i) {
         const LRESULT nAnswer = Post(nWhat, nArgument, pData, nSize);
-        if (nAnswer == 0 || !Open())
+        if (nAnswer == 0)
             return false;
-        if (TakeAnswer(nAnswer))
-            return true;
+        if (nAnswer != CU_PROBER_BUSY) {
+            if (!Open())
+                return false;
+            if (TakeAnswer(nAnswer))
+                return true;
+        }
+        WaitToTryAgain(i + 1);
     }
     return false;
 }
@@ -290,9 +308,11 @@ CUProberResult CCUProberClient::Set(unsigned long nID, const char *pszText)
         const LRESULT nStaged = Post(CU_PROBER_STAGE, nID, pszText, strlen(pszText) + 1);
         if (nStaged == 0)
             break;
-        const LRESULT nResult = Send(uMessage, static_cast<WPARAM>(nStaged), 0);
+        const LRESULT nResult =
+            nStaged == CU_PROBER_BUSY ? 0 : Send(uMessage, static_cast<WPARAM>(nStaged), 0);
         if (nResult > 0 && nResult <= CU_PROBER_NOT_PARSED + 1)
             return static_cast<CUProberResult>(nResult - 1);
+        WaitToTryAgain(i + 1);
     }
     return CU_PROBER_NO_ANSWER;
 }

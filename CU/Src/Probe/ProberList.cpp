@@ -106,7 +106,7 @@ bool CCUProberList::IsWithin(const CCUProberVariable &variable, const char *pszS
     for (const char *psz : parts) {
         for (; *psz; ++psz, ++pszSubtree) {
             if (!*pszSubtree)
-                return *psz == '\\' || psz == variable.m_pszPath;
+                return *psz == '\\' || psz == variable.m_pszPath || pszSubtree[-1] == '\\';
             if (CUFold(*psz) != CUFold(*pszSubtree))
                 return false;
         }

@@ -23,13 +23,18 @@ const DWORD CU_PROBER_LONGEST_TEXT = 4000;
 const char CU_PROBER_SECTION[] = "CUProber-%08lx";
 const char CU_MESSAGE_WINDOW_CLASS[] = "CUMessageWindow";
 
+// The result of a request that came while another was being answered: it is to be sent again. (A
+// function that computes a value may look for messages.)
+const LRESULT CU_PROBER_BUSY = -1;
+
 enum CUProberWhat : DWORD
 {
     CU_PROBER_HELLO = 1,  // no data; answer: process identifier, program's path
     CU_PROBER_LIST,  // argument: the last number so far; answer: CUProberListed, as many as fit
     CU_PROBER_READ,  // data: numbers; answer: count, CUProberItem for each, texts
     // argument: number, data: text. Lays the text aside for CU_PROBER_SET_MESSAGE; the result is
-    // what that has to bring in its first word.
+    // what that has to bring in its first word. After CU_PROBER_STAGED more requests it may be
+    // gone.
     CU_PROBER_STAGE
 };
 
@@ -72,6 +77,7 @@ struct CUProberItem
     DWORD nHigh;
 };
 
+const int CU_PROBER_STAGED = 16;
 // Answers a CUProberResult and 1; 0 where no text was laid aside under the number in the first
 // word.
 const char CU_PROBER_SET_MESSAGE[] = "CUProberSet";

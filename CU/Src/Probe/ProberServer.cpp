@@ -24,10 +24,14 @@ UINT s_uSetMessage = 0;
 bool s_bBusy = false;   // with a request; a function that computes a value may look for others
 bool s_bEnded = false;  // meanwhile
 
-// The text that was laid aside to be set.
-LONG s_nStaged = 0;  // 0: none
-unsigned long s_nStagedID = 0;
-CCUString *s_pStaged = nullptr;
+// A text that was laid aside to be set.
+struct CStaged
+{
+    LONG nStaged = 0;  // 0: none
+    unsigned long nID = 0;
+    CCUString sText;
+};
+CStaged *s_pStaged = nullptr;  // CU_PROBER_STAGED, each at the place of its number
 
 long KeptStringBlocks(void *)
 {
@@ -174,19 +178,24 @@ LRESULT Stage(unsigned long nID, const char *pText, DWORD nSize)
         strlen(pText) + 1 != nSize)
         return 0;
     if (!s_pStaged)
-        s_pStaged = new CCUString;
-    *s_pStaged = pText;
-    s_nStagedID = nID;
-    s_nStaged = s_nAnswer = s_nAnswer % MAXLONG + 1;
-    return s_nStaged;
+        s_pStaged = new CStaged[CU_PROBER_STAGED];
+    s_nAnswer = s_nAnswer % MAXLONG + 1;
+    CStaged &staged = s_pStaged[s_nAnswer % CU_PROBER_STAGED];
+    staged.nStaged = s_nAnswer;
+    staged.nID = nID;
+    staged.sText = pText;
+    return s_nAnswer;
 }
 
 LRESULT SetStaged(WPARAM wParam)
 {
-    if (!s_nStaged || wParam != static_cast<WPARAM>(s_nStaged))
+    if (!s_pStaged || !wParam)
         return 0;
-    s_nStaged = 0;
-    return CCUProberList::Set(s_nStagedID, *s_pStaged, true) + 1;
+    CStaged &staged = s_pStaged[wParam % CU_PROBER_STAGED];
+    if (wParam != static_cast<WPARAM>(staged.nStaged))
+        return 0;
+    staged.nStaged = 0;
+    return CCUProberList::Set(staged.nID, staged.sText, true) + 1;
 }
 
 // Every byte of the data is what the request says that it is, or there is no answer.
@@ -235,7 +244,9 @@ LRESULT Answer(const CUProberRequest &request, const char *pData, DWORD nSize)
 
 LRESULT Receive(const COPYDATASTRUCT *pData)
 {
-    if (s_bBusy || !pData || !pData->lpData || pData->cbData < sizeof(CUProberRequest))
+    if (s_bBusy)
+        return CU_PROBER_BUSY;
+    if (!pData || !pData->lpData || pData->cbData < sizeof(CUProberRequest))
         return 0;
     CUProberRequest request;
     memcpy(&request, pData->lpData, sizeof request);
@@ -280,9 +291,8 @@ void CUEndProberServer()
         CloseHandle(s_hSection);
     s_pAnswer = nullptr;
     s_hSection = nullptr;
-    delete s_pStaged;
+    delete[] s_pStaged;
     s_pStaged = nullptr;
-    s_nStaged = 0;
 }
 
 bool CUServeProber(UINT uMessage, WPARAM wParam, LPARAM lParam, LRESULT &result)

@@ -79,19 +79,36 @@ public:
     void Move(const RECT &rect);
 
     /// Settings, which count at once. The duration is that of one pass, 1,000 milliseconds at
-    /// first; frames are at least the frame time apart, 16 milliseconds at first. Less than 1 is
-    /// taken as 1.
+    /// first; frames are at least the frame time apart, 16 milliseconds at first. Both are 1 at
+    /// least and 2^30 - 1 (12 days) at most.
     /// @{
-    void SetDuration(long nMilliseconds) { m_nDuration = nMilliseconds > 1 ? nMilliseconds : 1; }
-    void SetFrameTime(long nMilliseconds) { m_nFrameTime = nMilliseconds > 1 ? nMilliseconds : 1; }
-    void SetEasing(Easing easing) { m_easing = easing; }
+    void SetDuration(long nMilliseconds)
+    {
+        m_nDuration = ToSpan(nMilliseconds);
+        Changed();
+    }
+    void SetFrameTime(long nMilliseconds)
+    {
+        m_nFrameTime = ToSpan(nMilliseconds);
+        Changed();
+    }
+    void SetEasing(Easing easing)
+    {
+        m_easing = easing;
+        Changed();
+    }
     /// From 1 to 0, and 1 is shown at first.
-    void SetBackwards(bool bBackwards) { m_bBackwards = bBackwards; }
+    void SetBackwards(bool bBackwards)
+    {
+        m_bBackwards = bBackwards;
+        Changed();
+    }
     /// nPasses: how many there are, each way being one; 0 and less: no end. Once always means 1.
     void SetRepeat(Repeat repeat, long nPasses = 0)
     {
         m_repeat = repeat;
         m_nPasses = repeat == Once ? 1 : nPasses;
+        Changed();
     }
     /// @}
 
@@ -139,17 +156,22 @@ protected:
     virtual void Discard();
 
 private:
+    static const long LONGEST_SPAN = (1 << 30) - 1;  // the longest delay of a CCUTimer
+
+    static long ToSpan(long n) { return n < 1 ? 1 : n < LONGEST_SPAN ? n : LONGEST_SPAN; }
+    void Changed();
     void TimeOut(long nNow) override;
     int OnHookMessage(UINT message, WPARAM wParam, LPARAM lParam, long &result) override;
     void OnUnbound() override;
     void LetGo();
-    long Elapsed(unsigned long uNow) const;
+    unsigned long Elapsed(unsigned long uNow) const;
     bool IsBehindEnd(long nPass) const;
     bool Advance(unsigned long uNow);
     double ProgressAt(unsigned long uNow) const;
     bool Show(unsigned long uNow);
+    void Invalidate(bool bErase);
     void Repaint();
-    void ShowLast();
+    void SetStill();
     void Sleep(unsigned long uNow);
     void Schedule(unsigned long uNow);
 
@@ -162,9 +184,9 @@ private:
     long m_nPass = 0;    // the one that m_uStart is the start of
     long m_nDuration = 1000;
     long m_nFrameTime = 16;
-    unsigned long m_uStart = 0;  // CUGetTime
-    long m_nElapsed = 0;         // of the pass, while it pauses
-    double m_fShown = 0;         // what was drawn last, if m_bShown
+    unsigned long m_uStart = 0;    // CUGetTime
+    unsigned long m_uElapsed = 0;  // of the pass, while it pauses
+    double m_fShown = 0;           // what was drawn last, if m_bShown
     bool m_bShown = false;
     bool m_bBackwards = false;
     bool m_bAsleep = false;  // runs, but nothing can be seen

@@ -40,8 +40,8 @@ struct CUIEffectPicture
 /// An effect with pictures on a background. What is drawn with is made from them at the first
 /// frame, in the screen's depth and the rectangle's size, and kept until a setting, the size or the
 /// screen changes, or until Stop: bitmaps of 32 bits take 4 * w * h bytes each. If there is no
-/// memory for that, nothing is drawn. On a screen of 256 colours the window sees to it that the
-/// palette of the pictures is the screen's.
+/// memory for that, only the background's colour is drawn. On a screen of 256 colours the window
+/// sees to it that the palette of the pictures is the screen's.
 class CUI_API CCUIPictureEffect : public CCUITimeBasedEffect
 {
 public:
@@ -142,11 +142,12 @@ class CUI_API CCUIShrinkEffect : public CCUIPictureEffect
 public:
     /// What shrinks; at first an empty bitmap.
     void SetPicture(const CUIEffectPicture &picture) { CCUIPictureEffect::SetPicture(0, picture); }
-    /// The point (fX, fY), from (0, 0), top left, to (1, 1); at first the middle.
+    /// The point (fX, fY), from (0, 0), top left, to (1, 1), which is the nearest one to what lies
+    /// outside; at first the middle.
     void SetPoint(double fX, double fY)
     {
-        m_fX = fX;
-        m_fY = fY;
+        m_fX = fX > 0 ? fX < 1 ? fX : 1 : 0;
+        m_fY = fY > 0 ? fY < 1 ? fY : 1 : 0;
         m_bKeepsWidth = m_bKeepsHeight = false;
         Discard();
     }

@@ -2,7 +2,7 @@
 
 bool CCUIBlinkEffect::ShowsSecond(double fProgress) const
 {
-    return static_cast<int>(fProgress * 2 * m_nBlinks) % 2 != 0;
+    return static_cast<unsigned>(fProgress * 2 * m_nBlinks) % 2 != 0;
 }
 
 bool CCUIBlinkEffect::LooksSame(double fFrom, double fTo) const

@@ -14,8 +14,6 @@ namespace {
 const UINT GET_UI_EFFECTS = 0x103E;
 const UINT GET_CLIENT_AREA_ANIMATION = 0x1042;
 
-// The longest delay of a CCUTimer.
-const long LONGEST_DELAY = (1 << 30) - 1;
 // How many frames that look the same are passed over without a look at the clock.
 const int MOST_SKIPPED = 64;
 
@@ -50,7 +48,7 @@ void CCUITimeBasedEffect::Pause()
 {
     if (m_state != Running)
         return;
-    m_nElapsed = Elapsed(CUGetTime());
+    m_uElapsed = Elapsed(CUGetTime());
     m_state = Paused;
     m_bAsleep = false;
     KillAlarm();
@@ -60,7 +58,7 @@ void CCUITimeBasedEffect::Resume()
 {
     if (m_state != Paused)
         return;
-    m_uStart = CUGetTime() - static_cast<unsigned long>(m_nElapsed);
+    m_uStart = CUGetTime() - m_uElapsed;
     m_state = Running;
     SetAlarm(0);
 }
@@ -85,9 +83,18 @@ void CCUITimeBasedEffect::Move(const RECT &rect)
 {
     if (!m_pWindow)
         return;
-    InvalidateRect(*m_pWindow, &m_rect, TRUE);
+    Invalidate(true);
     m_rect = rect;
-    InvalidateRect(*m_pWindow, &m_rect, FALSE);
+    Invalidate(false);
+}
+
+// A setting counts from now on, not from the next frame on that is due.
+void CCUITimeBasedEffect::Changed()
+{
+    if (m_state == Running)
+        SetAlarm(0);
+    else if (m_state == Paused)
+        Invalidate(false);
 }
 
 // --- The clock ---
@@ -108,12 +115,10 @@ double CCUITimeBasedEffect::GetProgress() const
     return ProgressAt(CUGetTime());
 }
 
-// Since the start of m_nPass.
-long CCUITimeBasedEffect::Elapsed(unsigned long uNow) const
+// Since the start of m_nPass. What runs without an end may have slept for weeks.
+unsigned long CCUITimeBasedEffect::Elapsed(unsigned long uNow) const
 {
-    return m_state == Running  ? static_cast<long>(uNow - m_uStart)
-           : m_state == Paused ? m_nElapsed
-                               : 0;
+    return m_state == Running ? uNow - m_uStart : m_state == Paused ? m_uElapsed : 0;
 }
 
 bool CCUITimeBasedEffect::IsBehindEnd(long nPass) const
@@ -123,9 +128,10 @@ bool CCUITimeBasedEffect::IsBehindEnd(long nPass) const
 
 double CCUITimeBasedEffect::ProgressAt(unsigned long uNow) const
 {
-    const long nElapsed = Elapsed(uNow);
-    long nPass = m_nPass + nElapsed / m_nDuration;
-    double fTime = static_cast<double>(nElapsed % m_nDuration) / m_nDuration;
+    const auto uDuration = static_cast<unsigned long>(m_nDuration);
+    const unsigned long uElapsed = Elapsed(uNow);
+    long nPass = CUWrapAdd(m_nPass, static_cast<long>(uElapsed / uDuration));
+    double fTime = static_cast<double>(uElapsed % uDuration) / uDuration;
     if (IsBehindEnd(nPass)) {
         nPass = m_nPasses - 1;
         fTime = 1;
@@ -140,19 +146,22 @@ double CCUITimeBasedEffect::ProgressAt(unsigned long uNow) const
 // Brings the pass up to the clock. False at the end.
 bool CCUITimeBasedEffect::Advance(unsigned long uNow)
 {
-    const long nOver = Elapsed(uNow) / m_nDuration;
-    if (m_bStill || IsBehindEnd(m_nPass + nOver)) {
+    const auto uDuration = static_cast<unsigned long>(m_nDuration);
+    const unsigned long uOver = Elapsed(uNow) / uDuration;
+    const long nPass = CUWrapAdd(m_nPass, static_cast<long>(uOver));
+    if (m_bStill || IsBehindEnd(nPass)) {
         m_nPass = m_nPasses > 0 ? m_nPasses - 1 : 0;
         return false;
     }
-    m_uStart += static_cast<unsigned long>(nOver * m_nDuration);
-    m_nPass += nOver;
+    m_uStart += uOver * uDuration;
+    m_nPass = nPass;
     return true;
 }
 
 void CCUITimeBasedEffect::TimeOut(long)
 {
-    if (m_state != Running)
+    // Without a handle the window is just telling its hooks, one after the other, that it is lost.
+    if (m_state != Running || !m_pWindow->GetHandle())
         return;
     const unsigned long uNow = CUGetTime();
     const long nPass = m_nPass;
@@ -178,7 +187,7 @@ void CCUITimeBasedEffect::TimeOut(long)
 void CCUITimeBasedEffect::Schedule(unsigned long uNow)
 {
     m_bAsleep = false;
-    const long nElapsed = Elapsed(uNow);
+    const auto nElapsed = static_cast<long>(Elapsed(uNow));
     const long nLeft = m_nDuration - nElapsed;
     long nDelay = m_nFrameTime - nElapsed % m_nFrameTime;
     for (int i = 0; i < MOST_SKIPPED && nDelay < nLeft; ++i, nDelay += m_nFrameTime) {
@@ -211,12 +220,19 @@ bool CCUITimeBasedEffect::Show(unsigned long uNow)
 void CCUITimeBasedEffect::Sleep(unsigned long uNow)
 {
     if (!m_bAsleep)
-        InvalidateRect(*m_pWindow, &m_rect, FALSE);
+        Invalidate(false);
     m_bAsleep = true;
     if (m_nPasses <= 0)
         return;
     const double fLeft = static_cast<double>(m_nPasses - m_nPass) * m_nDuration - Elapsed(uNow);
-    SetAlarm(fLeft < LONGEST_DELAY ? static_cast<long>(fLeft) : LONGEST_DELAY);
+    SetAlarm(fLeft < LONGEST_SPAN ? static_cast<long>(fLeft) : LONGEST_SPAN);
+}
+
+// A null handle would mean all windows.
+void CCUITimeBasedEffect::Invalidate(bool bErase)
+{
+    if (m_pWindow && m_pWindow->GetHandle())
+        InvalidateRect(*m_pWindow, &m_rect, bErase);
 }
 
 // The window is about to paint. What it would paint in our place is taken away from it.
@@ -236,12 +252,12 @@ void CCUITimeBasedEffect::Repaint()
     }
 }
 
-void CCUITimeBasedEffect::ShowLast()
+// What pauses finds it at its next frame.
+void CCUITimeBasedEffect::SetStill()
 {
-    if (m_state != Running || IsAnimationWanted())
-        return;
-    m_bStill = true;
-    SetAlarm(0);
+    m_bStill = !IsAnimationWanted();
+    if (m_bStill && m_state == Running)
+        SetAlarm(0);
 }
 
 int CCUITimeBasedEffect::OnHookMessage(UINT message, WPARAM wParam, LPARAM, long &)
@@ -256,7 +272,7 @@ int CCUITimeBasedEffect::OnHookMessage(UINT message, WPARAM wParam, LPARAM, long
             SetAlarm(0);
         break;
     case WM_SETTINGCHANGE:
-        ShowLast();
+        SetStill();
         Discard();
         break;
     case WM_SYSCOLORCHANGE:
@@ -312,6 +328,5 @@ bool CCUITimeBasedEffect::IsAnimationWanted()
 void CCUITimeBasedEffect::Discard()
 {
     m_bShown = false;
-    if (m_pWindow)
-        InvalidateRect(*m_pWindow, &m_rect, FALSE);
+    Invalidate(false);
 }

@@ -39,11 +39,16 @@ void CCUIEffectSurface::Copy(HDC hDC, int x, int y, int cx, int cy, int xFrom, i
 
 // --- Pictures ---
 
-void CUIDrawEffectBackground(HDC hDC, const CUIEffectPicture &background, int cx, int cy)
+void CUIFillEffectBackground(HDC hDC, const CUIEffectPicture &background, const RECT &rect)
 {
     const CUIData &data = *CUIGetWinData();
     const DWORD cr = background.m_bColor ? background.m_cr : data.crSys[COLOR_WINDOW];
-    CUIDCFillSolidRect(hDC, 0, 0, cx, cy, data.ResolveColor(cr));
+    CUIDCFillSolidRect(hDC, &rect, data.ResolveColor(cr));
+}
+
+void CUIDrawEffectBackground(HDC hDC, const CUIEffectPicture &background, int cx, int cy)
+{
+    CUIFillEffectBackground(hDC, background, {0, 0, cx, cy});
     CUIBmpBitBlt(hDC, 0, 0, background.m_bitmap, 0, 0, 0, 0, background.m_bitmap, TRUE);
 }
 
@@ -112,9 +117,10 @@ void CCUIEffectScene::AddToShape(int left, int top, int right, int bottom)
         m_shape.Add({left, top, right, bottom});
 }
 
-void CCUIEffectScene::KeepShape()
+bool CCUIEffectScene::KeepShape()
 {
     m_region.Take(MakeRegion());
+    return m_region != nullptr;
 }
 
 // In pieces: of more rectangles than some thousand Windows 95 makes no region, and Wine 8 takes
@@ -134,11 +140,15 @@ HRGN CCUIEffectScene::MakeRegion() const
         memcpy(data.rects, &m_shape[i], nCount * sizeof(RECT));
         const HRGN hPiece =
             ExtCreateRegion(nullptr, sizeof data, reinterpret_cast<const RGNDATA *>(&data));
-        if (hRegion) {
-            CombineRgn(hRegion, hRegion, hPiece, RGN_OR);
-            DeleteObject(hPiece);
-        } else {
+        if (!hRegion && hPiece) {
             hRegion = hPiece;
+            continue;
+        }
+        const bool bJoined = hPiece && CombineRgn(hRegion, hRegion, hPiece, RGN_OR) != ERROR;
+        DeleteObject(hPiece);
+        if (!bJoined) {
+            DeleteObject(hRegion);
+            return nullptr;
         }
     }
     return hRegion;
@@ -177,6 +187,8 @@ void CCUIEffectScene::DrawKept(HDC hDC, const RECT &rect, int nRight) const
 
 void CCUIEffectScene::DrawThrough(HRGN hRegion, HDC hDC, const RECT &rect, int nRight) const
 {
+    if (!hRegion)
+        return;
     // Regions are in the device's coordinates.
     POINT at = {rect.left, rect.top};
     LPtoDP(hDC, &at, 1);

@@ -32,6 +32,8 @@ public:
         : m_cx(cx), m_cy(cy), m_region(nullptr), m_clip(CreateRectRgn(0, 0, 0, 0))
     {
     }
+    // Whether the system has given all that every scene needs.
+    bool IsMade() const { return m_clip != nullptr; }
 
     // The picture on the background, in the scene's size.
     bool MakeOpaque(CCUIEffectSurface &surface, HDC hDC, const CUIEffectPicture &background,
@@ -47,8 +49,9 @@ public:
     void AddToShape(int left, int top, int right, int bottom);
     // Both pictures at `rect`, each pixel once.
     void DrawShape(HDC hDC, const RECT &rect) const;
-    // Keeps the shape, in the place of one that changes: DrawKept moves it.
-    void KeepShape();
+    // Keeps the shape, in the place of one that changes: DrawKept moves it. False: there is no
+    // memory.
+    bool KeepShape();
     void DrawKept(HDC hDC, const RECT &rect, int nRight) const;
     // A surface of the scene's size, at `rect`, where rcInner is not.
     void DrawAround(const CCUIEffectSurface &surface, HDC hDC, const RECT &rect,
@@ -71,6 +74,8 @@ private:
     const CCUIOwned<HRGN> m_clip;  // while a region is the target's clipping, what that was before
 };
 
+// Fills a rectangle with a background's colour.
+void CUIFillEffectBackground(HDC hDC, const CUIEffectPicture &background, const RECT &rect);
 // Draws a background from (0, 0) to (cx, cy).
 void CUIDrawEffectBackground(HDC hDC, const CUIEffectPicture &background, int cx, int cy);
 // Draws a picture in the middle of that and, unless hMask is null, its shape in black.

@@ -1,3 +1,4 @@
+#include "Base/GdiGuards.h"
 #include "Base/Wrap.h"
 #include "CUI/Data.h"
 #include "CUI/Effects.h"
@@ -34,9 +35,13 @@ void CCUIPictureEffect::Render(HDC hDC, const RECT &rect, double fProgress)
     if (!m_pScene || m_pScene->m_cx != cx || m_pScene->m_cy != cy) {
         delete m_pScene;
         m_pScene = new CCUIEffectScene(cx, cy);
-        if (!Prepare(*m_pScene, hDC)) {
+        // Not like hDC, which need not have colours: the next frame may be for another one.
+        const CCUIWindowDC screen(nullptr);
+        if (!m_pScene->IsMade() || !Prepare(*m_pScene, screen)) {
             delete m_pScene;
             m_pScene = nullptr;
+            // Drawn into memory, there is a picture of somebody else's in it.
+            CUIFillEffectBackground(hDC, m_background, rect);
             return;
         }
     }

@@ -56,9 +56,12 @@ void MakeCircle(CCUIEffectScene &scene, double fProgress)
 
 bool CCUIRevealEffect::Prepare(CCUIEffectScene &scene, HDC hDC)
 {
+    // Of too many tiles there are no surfaces, either.
+    if (!CCUITransitionEffect::Prepare(scene, hDC))
+        return false;
     if (m_shape == Tiles)
         MakeRanks(scene.m_ranks, Tiled(scene.m_cx, m_nSize) * Tiled(scene.m_cy, m_nSize));
-    return CCUITransitionEffect::Prepare(scene, hDC);
+    return true;
 }
 
 void CCUIRevealEffect::MakeShape(CCUIEffectScene &scene, double fProgress) const

@@ -129,13 +129,16 @@ void CopyPart(const CCUIEffectSurface &surface, HDC hDC, const RECT &rect, const
 
 bool CCUIWipeEffect::Prepare(CCUIEffectScene &scene, HDC hDC)
 {
+    // Of what is too large there are no surfaces, either, and no rows to be walked.
+    if (!CCUITransitionEffect::Prepare(scene, hDC))
+        return false;
     const CFront front(m_direction, scene.m_cx, scene.m_cy, m_nEdge);
-    if (!m_nEdge && front.IsDiagonal()) {
-        front.AddDiagonal(scene);
-        scene.KeepShape();
-    }
-    return CCUITransitionEffect::Prepare(scene, hDC) &&
-           (!m_nEdge || MakeEdgeMask(scene.m_mask, front, m_nEdge));
+    if (m_nEdge)
+        return MakeEdgeMask(scene.m_mask, front, m_nEdge);
+    if (!front.IsDiagonal())
+        return true;
+    front.AddDiagonal(scene);
+    return scene.KeepShape();
 }
 
 void CCUIWipeEffect::RenderScene(CCUIEffectScene &scene, HDC hDC, const RECT &rect,

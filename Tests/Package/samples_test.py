@@ -1,0 +1,181 @@
+#!/usr/bin/python3
+"""The gallery of effects and the prober, built from the installed package and driven from outside.
+
+Usage: samples_test.py Samples.test_WHAT   (within Tools/with-wine, AUTORUN_BUILD says what build)
+"""
+
+import subprocess
+import unittest
+
+from PIL import Image, ImageChops, ImageGrab
+
+from package_test import ROOT, Package, output_of, wait_for, windows, xdotool
+
+# Of the picture in the page, in rows: what each effect is drawn in.
+STAGES = [(left, top, left + cx, top + 110) for top, cx, lefts in (
+    (31, 140, (171, 323, 474, 626)), (179, 140, (171, 323, 474, 626)), (326, 188, (172, 374, 576)))
+    for left in lefts]
+SETTINGS = r"HKCU\Software\Samples\Prober"
+# Writes what \PATH\NAME of the running prober is. With "stay" it has variables of its own, which all go
+# when one of them is set to 0.
+ASKER = r"""
+#include <stdio.h>
+#include <string.h>
+#include <deque>
+#include <memory>
+#include "CU/CU.h"
+#include "CU/ProberClient.h"
+
+static void Stay()
+{
+    auto pWatched = std::make_unique<std::deque<CCUProberLong>>();
+    for (int i = 0; i < 20; ++i)
+        pWatched->emplace_back("\\Asker", "Watched", 7).SetOpen(true);
+    CUGetWindow();
+    SetTimer(nullptr, 0, 20, nullptr);
+    for (MSG msg; GetMessageA(&msg, nullptr, 0, 0); DispatchMessageA(&msg)) {
+        for (size_t i = 0; pWatched && i < pWatched->size(); ++i) {
+            if ((*pWatched)[i] == 0)
+                pWatched.reset();
+        }
+    }
+}
+
+int main(int, char **arguments)
+{
+    if (strcmp(arguments[1], "stay") == 0)
+        Stay();
+    for (HWND hWnd = nullptr; (hWnd = CCUProberClient::GetNextProgram(hWnd)) != nullptr;) {
+        CCUProberClient client;
+        CUProberValue value;
+        for (int i = client.Connect(hWnd, 60000) ? client.List() : 0; i-- > 0;) {
+            const CUProberEntry &entry = client.GetEntry(i);
+            if (entry.sPath + "\\" + entry.sName == arguments[1] && client.Read(&entry.nID, &value, 1))
+                puts(value.ToText());
+        }
+    }
+}
+"""
+PAGE = """cmake_minimum_required(VERSION 3.16)
+project(Asker LANGUAGES CXX)
+find_package(AutoRun REQUIRED)
+add_executable(Asker Asker.cpp)
+target_link_libraries(Asker PRIVATE AutoRun::CU)
+target_compile_features(Asker PRIVATE cxx_std_17)
+target_link_options(Asker PRIVATE -static)
+"""
+
+
+def grab(place):
+    return ImageGrab.grab(xdisplay="").convert("RGB").crop(place)
+
+
+def click(x, y):
+    xdotool("mousemove", x, y, "click", 1)
+
+
+def keys(*names):
+    xdotool("key", "--delay", 100, *names)
+
+
+class Samples(Package):
+    def start(self, name, *arguments):
+        program = subprocess.Popen(["wine", self.folder / f"build/{name}.exe", *arguments])
+        self.addCleanup(program.wait)
+        self.addCleanup(program.kill)
+        return program
+
+    def moves(self, place, what):
+        before = grab(place)
+        wait_for(lambda: ImageChops.difference(grab(place), before).getbbox(), what)
+
+    def test_effects(self):
+        self.build("Effects")
+        xdotool("mousemove", 1020, 760)
+        gallery = self.start("Effects", "40")
+        still = Image.open(ROOT / "Docs/effects.png").convert("RGB")
+        for place in STAGES:
+            wait_for(lambda p=place: grab(p) == still.crop(p), f"the picture of the page at {place}")
+        click(48, 301)  # Run
+        for place in STAGES:
+            self.moves(place, f"the effect at {place}")
+        # Once, downwards: in the middle it is day below. At the end all show the second picture.
+        click(85, 154)
+        keys("Home", "Return")
+        click(85, 62)
+        keys("Home", "Down", "Down", "Return")
+        wait_for(lambda: grab(STAGES[4]) == grab(STAGES[5]), "the end")
+        self.assertNotEqual(grab(STAGES[4]), still.crop(STAGES[4]))
+        click(18, 225)  # Wine 8 does not close a window by the keyboard from a combo box
+        keys("alt+F4")
+        self.assertEqual(0, gallery.wait(60))
+
+    def test_prober(self):
+        self.build("Prober")
+        (self.folder / "Asker.cpp").write_text(ASKER)
+        (self.folder / "CMakeLists.txt").write_text(PAGE)
+        self.configure(self.folder, self.folder / "asker")
+        output_of("cmake", "--build", self.folder / "asker")
+        (self.folder / "asker/Asker.exe").rename(self.folder / "build/Asker.exe")
+        plot, field, status = (322, 122, 640, 356), (322, 386, 482, 404), (5, 420, 600, 436)
+
+        def interval():
+            return output_of("wine", self.folder / "build/Asker.exe", r"\Prober\Interval").strip()
+
+        def select(name):
+            click(200, 51)
+            xdotool("type", name)
+
+        def roots():
+            click(200, 51)
+            keys("Home")
+            return grab((5, 44, 22, 410))
+
+        def is_open():
+            """Whether the selected variable can be set; None while the field is empty."""
+            shown = grab(field)
+            return shown.getpixel((150, 9)) == (255, 255, 255) if shown.getcolors(1) is None else None
+
+        def put(text):
+            wait_for(is_open, "the field to be open")
+            click(400, 395)
+            keys("Home", "shift+End", *text, "Return")
+
+        output_of("wine", "reg", "add", SETTINGS + r"\Frame", "/f", "/v", "Placement", "/d",
+                  "0,0,660,440,0,96")
+        prober = self.start("Prober")
+        self.moves(plot, "the history of messages")
+        alone = grab((5, 44, 22, 410))
+        # A value that is open is set, not to what is no number, and gets its default back.
+        select("Inter")
+        put("50")
+        wait_for(lambda: interval() == "50", "the value")
+        before = grab(status)
+        put("x")
+        wait_for(lambda: grab(status) != before, "the answer")
+        self.assertEqual("50", interval())
+        keys("ctrl+d")
+        wait_for(lambda: interval() == "500", "the default")
+        # One that is computed cannot be set: its field takes nothing.
+        select("PerS")
+        wait_for(lambda: is_open() is False, "the field to be closed")
+        before = grab(field)
+        click(400, 395)
+        keys("7", "7", "Return")
+        self.moves(plot, "another value")
+        self.assertEqual(before, grab(field))
+        # Another program comes, loses what is selected, and goes.
+        wait_for(lambda: roots() == alone, "the first row")
+        asker = self.start("Asker", "stay")
+        wait_for(lambda: roots() != alone, "the other program")
+        select("Watched")
+        put("0")
+        wait_for(lambda: not is_open(), "its values to go")
+        asker.kill()
+        wait_for(lambda: roots() == alone, "its end")
+        keys("ctrl+q")
+        self.assertEqual(0, prober.wait(60))
+
+
+if __name__ == "__main__":
+    unittest.main()
