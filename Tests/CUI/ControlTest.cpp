@@ -421,6 +421,32 @@ TEST(Control, ShowsEachStateAndWhatIsBehind)
     EXPECT_EQ(nGdi, GdiCount());
 }
 
+// A page of a thousand units, of which the right half is filled, and then not cleaned up.
+TEST(Control, IsShownRightWhateverItsPaintingLeavesInTheDC)
+{
+    struct CPage : CCUIControl
+    {
+        void Paint(HDC hDC, const RECT &rect) override
+        {
+            SaveDC(hDC);
+            SetMapMode(hDC, MM_ANISOTROPIC);
+            SetWindowExtEx(hDC, 1000, 1000, nullptr);
+            SetViewportExtEx(hDC, rect.right, rect.bottom, nullptr);
+            const RECT half = {500, 0, 1000, 1000};
+            FillRect(hDC, &half, static_cast<HBRUSH>(GetStockObject(BLACK_BRUSH)));
+        }
+    };
+    CParent parent;
+    CPage page;
+    const RECT rect = {0, 0, 40, 20};
+    page.SetWindowColor(0xFFFFFF);
+    page.CreateControl(parent, 5, "", &rect);
+    const CPixelMap shown = WindowPixels(page);
+    EXPECT_EQ(20 * 20, shown.Count(0));
+    EXPECT_EQ(20 * 20, shown.Count(0xFFFFFF));
+    EXPECT_EQ(0u, shown.At(20, 0));
+}
+
 TEST(Control, IsMirroredAllButItsText)
 {
     CParent parent;

@@ -108,6 +108,22 @@ TEST(FrameWindow, SurvivesWhateverGoesMeanwhile)
     EXPECT_EQ(0, reports.Total());
 }
 
+// As a program does that begins with a new text.
+TEST(FrameWindow, IsNamedAfterTheProgramWhereOnCreateSetsNoDocument)
+{
+    struct CNewFrame : CTestFrame
+    {
+        int OnCreate(CREATESTRUCTA *pCreate) override
+        {
+            SetDocument("");
+            return CCUIFrameWindow::OnCreate(pCreate);
+        }
+    } frame;
+    frame.Destroy();
+    frame.CreateFrame("Editor");
+    EXPECT_EQ("Editor", TextOf(frame));
+}
+
 TEST(FrameWindow, NamesItsDocumentClosesWhenAskedAndEndsTheProgramAsTheMainFrame)
 {
     CTestFrame main, other;

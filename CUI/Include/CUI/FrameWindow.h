@@ -157,8 +157,9 @@ public:
     CUI_API void AcceptFiles(bool bAccept);
 
     /// Asked to open a file by the user: dropped, chosen from the recent files or named in a
-    /// command line. The base does nothing. While the frame is disabled, as a dialog's owner is,
-    /// files from outside are not opened, which is traced: the dialog comes to the front.
+    /// command line. sPath is the whole path. The base does nothing. While the frame is disabled,
+    /// as a dialog's owner is, files from outside are not opened, which is traced: the dialog comes
+    /// to the front.
     CUI_API virtual void OnOpenFile(const CCUString &sPath);
     /// The command line of this program, for which its entry calls it, or of another run of it
     /// (CUI/SingleInstance.h), which was started in that folder; "" is the current one. The base
@@ -207,6 +208,7 @@ private:
 
     typedef CUIBarSide SideOf(CCUIControlWindow *pBar);
     CUI_API int AddBar(CCUIControlWindow *pBar, CUIBarSide side, SideOf *pSideOf);
+    void TakeProgram(const CREATESTRUCTA *pCreate);
     bool TranslateOwnKey(const MSG &msg);
     bool MayOpen(const CCUString &sPath);
     bool Ask();

@@ -34,6 +34,7 @@ CCUIBufferedPaint::CCUIBufferedPaint(HWND hWnd, HDC hGiven)
       m_hDC(nullptr),
       m_hOldPalette(nullptr),
       m_nSaved(0),
+      m_nBegun(0),
       m_bBegun(false),
       m_rcArea()
 {
@@ -61,12 +62,15 @@ HDC CCUIBufferedPaint::Begin(HFONT hFont, HPALETTE hPalette)
     }
     SelectObject(m_hDC, hFont);
     SetBkMode(m_hDC, TRANSPARENT);
+    m_nBegun = SaveDC(m_hDC);
     return m_hDC;
 }
 
 CCUIBufferedPaint::~CCUIBufferedPaint()
 {
     if (m_bBegun) {
+        // A mapping of logical units that the painting has left counts for the copy, too.
+        RestoreDC(m_hDC, m_nBegun);
         BitBlt(m_hTarget, m_rcArea.left, m_rcArea.top, CUIWidth(m_rcArea), CUIHeight(m_rcArea),
                m_hDC, m_rcArea.left, m_rcArea.top, SRCCOPY);
         RestoreDC(m_hDC, m_nSaved);  // the layout too

@@ -30,6 +30,7 @@ private:
     HDC m_hDC;
     HPALETTE m_hOldPalette;  // of the target; null: left alone
     int m_nSaved;
+    int m_nBegun;  // as it was given to the painting
     bool m_bBegun;
     PAINTSTRUCT m_paint;
     RECT m_rcArea;

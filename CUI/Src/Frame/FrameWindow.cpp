@@ -101,13 +101,20 @@ int CCUIFrameWindow::PreCreate(CREATESTRUCTA *pCreate)
         pCreate->lpszClass = CUIWindowClassName(CUI_CLASS_FRAMEWINDOW);
     }
     pCreate->style |= WS_CLIPCHILDREN;
+    // Before OnCreate, in which a derived class may name its document before it calls this one.
+    TakeProgram(pCreate);
     return CCUIWindow::PreCreate(pCreate);
+}
+
+void CCUIFrameWindow::TakeProgram(const CREATESTRUCTA *pCreate)
+{
+    if (!CUIResourceName::IsID(pCreate->lpszName))
+        m_sProgram = pCreate->lpszName;
 }
 
 int CCUIFrameWindow::OnCreate(CREATESTRUCTA *pCreate)
 {
-    if (!CUIResourceName::IsID(pCreate->lpszName))
-        m_sProgram = pCreate->lpszName;
+    TakeProgram(pCreate);
     if (!m_sDocument.IsEmpty())
         UpdateTitle();
     return CCUIWindow::OnCreate(pCreate);
