@@ -54,6 +54,8 @@ class Manual(unittest.TestCase):
             self.assertEqual(10, sum(page.pictures > 0 for path, page in pages.items()
                                      if path.name.startswith("tutorial_")))
             for path, page in pages.items():
+                self.assertNotRegex(path.read_text(), r'class="fragment"><div class="line">(<span[^>]*>)? ',
+                                    f"{path.name}: code that does not begin at the left")
                 for link in page.links:
                     if re.match("[a-z]+:", link):
                         continue
