@@ -78,6 +78,12 @@ class Manual(unittest.TestCase):
                 places = [path.parent, *[ROOT / "Docs"][:path in MANUAL]]
                 self.assertTrue(any((place / link).exists() for place in places), f"{path}: {link}")
 
+    def test_pictures(self):
+        """One command takes all of them anew; those of the tutorial by its test."""
+        command = (ROOT / "Tools/refresh-picture").read_text()
+        for picture in (*ROOT.glob("Docs/*.png"), *ROOT.glob("*/Help/*.png")):
+            self.assertIn(f"{picture.relative_to(ROOT)}", command)
+
     def test_names(self):
         """Each name of the framework in a page or a header's words exists: in the headers, or for the
         pages of those who work on it in the sources."""
