@@ -146,30 +146,30 @@ static int ShowButtons()
     const struct
     {
         CUIButtonKind kind;
-        bool bFlat;
         RECT place;
         const char *pszText;
         int nPicture;  // -1: none
         UINT nCheck;
+        bool bFlat;
         bool bEnabled;
     } buttons[] = {
-        {CUI_BUTTON_PUSH, true, {4, 8, 60, 32}, "Stop", 0, 0, true},
-        {CUI_BUTTON_PUSH, true, {64, 8, 134, 32}, "Record", 0, 0, true},
-        {CUI_BUTTON_CHECK, true, {138, 8, 204, 32}, "Frame", 2, BST_CHECKED, true},
-        {CUI_BUTTON_PUSH, true, {208, 8, 264, 32}, "Mark", 3, 0, false},
-        {CUI_BUTTON_SPLIT, true, {280, 8, 352, 32}, "Back", 2, 0, true},
-        {CUI_BUTTON_DROPDOWN, true, {358, 8, 422, 32}, "More", -1, 0, true},
-        {CUI_BUTTON_CHECK, false, {10, 50, 100, 70}, "&Wrap lines", -1, BST_CHECKED, true},
-        {CUI_BUTTON_CHECK, false, {10, 74, 100, 94}, "&Mixed", -1, BST_INDETERMINATE, true},
-        {CUI_BUTTON_CHECK, false, {10, 98, 100, 118}, "Disabled", -1, BST_CHECKED, false},
-        {CUI_BUTTON_RADIO, false, {118, 50, 190, 70}, "&Left", -1, BST_CHECKED, true},
-        {CUI_BUTTON_RADIO, false, {118, 74, 190, 94}, "&Right", -1, 0, true},
-        {CUI_BUTTON_PUSH, false, {210, 48, 286, 72}, "&Open", -1, 0, true},
-        {CUI_BUTTON_PUSH, false, {210, 80, 286, 104}, "Pressed", -1, 0, true},
-        {CUI_BUTTON_SPLIT, false, {210, 112, 298, 136}, "&Play", -1, 0, true},
-        {CUI_BUTTON_PUSH, false, {320, 48, 396, 72}, "&Save", -1, 0, true},
-        {CUI_BUTTON_PUSH, false, {320, 80, 396, 104}, "Not now", -1, 0, false},
-        {CUI_BUTTON_PUSH, false, {320, 112, 396, 136}, "M&ark", 3, 0, true},
+        {CUI_BUTTON_PUSH, {4, 8, 60, 32}, "Stop", 0, 0, true, true},
+        {CUI_BUTTON_PUSH, {64, 8, 134, 32}, "Record", 0, 0, true, true},
+        {CUI_BUTTON_CHECK, {138, 8, 204, 32}, "Frame", 2, BST_CHECKED, true, true},
+        {CUI_BUTTON_PUSH, {208, 8, 264, 32}, "Mark", 3, 0, true, false},
+        {CUI_BUTTON_SPLIT, {280, 8, 352, 32}, "Back", 2, 0, true, true},
+        {CUI_BUTTON_DROPDOWN, {358, 8, 422, 32}, "More", -1, 0, true, true},
+        {CUI_BUTTON_CHECK, {10, 50, 100, 70}, "&Wrap lines", -1, BST_CHECKED, false, true},
+        {CUI_BUTTON_CHECK, {10, 74, 100, 94}, "&Mixed", -1, BST_INDETERMINATE, false, true},
+        {CUI_BUTTON_CHECK, {10, 98, 100, 118}, "Disabled", -1, BST_CHECKED, false, false},
+        {CUI_BUTTON_RADIO, {118, 50, 190, 70}, "&Left", -1, BST_CHECKED, false, true},
+        {CUI_BUTTON_RADIO, {118, 74, 190, 94}, "&Right", -1, 0, false, true},
+        {CUI_BUTTON_PUSH, {210, 48, 286, 72}, "&Open", -1, 0, false, true},
+        {CUI_BUTTON_PUSH, {210, 80, 286, 104}, "Pressed", -1, 0, false, true},
+        {CUI_BUTTON_SPLIT, {210, 112, 298, 136}, "&Play", -1, 0, false, true},
+        {CUI_BUTTON_PUSH, {320, 48, 396, 72}, "&Save", -1, 0, false, true},
+        {CUI_BUTTON_PUSH, {320, 80, 396, 104}, "Not now", -1, 0, false, false},
+        {CUI_BUTTON_PUSH, {320, 112, 396, 136}, "M&ark", 3, 0, false, true},
     };
     const int nCount = sizeof buttons / sizeof *buttons;
     CCUIButton *pButtons[nCount];
