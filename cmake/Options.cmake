@@ -5,10 +5,10 @@
 add_library(autorun_warnings INTERFACE)
 if(AUTORUN_AS_SHIPPED)
   target_compile_options(autorun_warnings INTERFACE
-    $<$<COMPILE_LANGUAGE:CXX>:-Wall -Wextra -Wpedantic -Wshadow -Wconversion -Werror>
-    # Win32 hands out functions and messages through types that only a cast can turn.
-    $<$<COMPILE_LANGUAGE:CXX>:-Wno-cast-function-type>)
+    $<$<COMPILE_LANGUAGE:CXX>:-Wall -Wextra -Wpedantic -Wshadow -Wconversion -Werror>)
 endif()
+# Win32 hands out functions and messages through types that only a cast can turn.
+target_compile_options(autorun_warnings INTERFACE $<$<COMPILE_LANGUAGE:CXX>:-Wno-cast-function-type>)
 
 # The records have the sizes that Windows 95 and NT 4 know (NONCLIENTMETRICS 340 bytes, ...).
 set(autorun_system WINVER=0x0400 _WIN32_WINNT=0x0400)

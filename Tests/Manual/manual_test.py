@@ -17,7 +17,9 @@ ROOT = pathlib.Path(__file__).resolve().parents[2]
 HEADERS = [*ROOT.glob("CU/Include/CU/*.h"), *ROOT.glob("CUI/Include/CUI/*.h")]
 PAGES = [*ROOT.glob("*.md"), *ROOT.glob("Docs/**/*.md")]
 MANUAL = [*ROOT.glob("Docs/Manual/**/*.md"), ROOT / "Docs/Framework.md", ROOT / "CHANGELOG.md"]
-OTHER = {"CU_DEBUG", "CUTests", "CUITests"}  # a variable of the environment, programs
+# A variable of the environment, programs; what stands in reports, functions of CMake and of MFC and WTL.
+OTHER = {"CU_DEBUG", "CUTests", "CUITests", "Line", "FetchContent", "FetchContent_Declare",
+         "PostNcDestroy", "OnFinalMessage"}
 EXAMPLES = [*ROOT.glob("Docs/Manual/Examples/*.cpp")]
 
 
@@ -54,6 +56,8 @@ class Manual(unittest.TestCase):
             self.assertEqual(10, sum(page.pictures > 0 for path, page in pages.items()
                                      if path.name.startswith("tutorial_")))
             for path, page in pages.items():
+                self.assertNotRegex(path.read_text(), r'class="fragment"><div class="line">(<span[^>]*>)? ',
+                                    f"{path.name}: code that does not begin at the left")
                 for link in page.links:
                     if re.match("[a-z]+:", link):
                         continue
@@ -74,6 +78,12 @@ class Manual(unittest.TestCase):
                 places = [path.parent, *[ROOT / "Docs"][:path in MANUAL]]
                 self.assertTrue(any((place / link).exists() for place in places), f"{path}: {link}")
 
+    def test_pictures(self):
+        """One command takes all of them anew; those of the tutorial by its test."""
+        command = (ROOT / "Tools/refresh-picture").read_text()
+        for picture in (*ROOT.glob("Docs/*.png"), *ROOT.glob("*/Help/*.png")):
+            self.assertIn(f"{picture.relative_to(ROOT)}", command)
+
     def test_names(self):
         """Each name of the framework in a page or a header's words exists: in the headers, or for the
         pages of those who work on it in the sources."""
@@ -92,6 +102,20 @@ class Manual(unittest.TestCase):
             for name in re.findall(r"\bCUI?/\w+\.h\b", text):
                 header = ROOT / name.split("/")[0] / "Include" / name
                 self.assertTrue(header.exists(), f"{path}: {name}")
+
+    def test_names_of_members(self):
+        """Names in the manual's text stand in the headers, the samples, or in those of the system."""
+        windows = "".join(f"#include <{name}.h>\n" for name in ("windows", "commctrl", "commdlg"))
+        known = set(re.findall(r"\w+", text_of(HEADERS + [ROOT / "Tests/Manual/Context.h"]) + text_of(
+            (ROOT / "Samples").glob("**/*.[hcr]*")) + subprocess.run(
+                ["i686-w64-mingw32-g++-win32", "-E", "-dD", "-xc++", "-"], input=windows,
+                capture_output=True, text=True, check=True).stdout))
+        for path in MANUAL:
+            text = re.sub("^```.*?^```", "", path.read_text(), flags=re.M | re.S)
+            if path.stem == "Differences":  # whose other columns have what others call it
+                text = re.sub(r"^(\|[^|]*\|).*", r"\1", text, flags=re.M)
+            for names in re.findall(r"`([A-Z]\w*[a-z]\w*(?:::\w+)*)(?:\(\))?`", text):
+                self.assertEqual(set(), set(names.split("::")) - known - OTHER, path)
 
     def test_code(self):
         """Each block of C++ compiles: whole programs as they are, fragments inside of the class that

@@ -31,15 +31,16 @@ class Sources(Package):
         (folder / "User.cpp").write_text(
             '#include <stdio.h>\n#include "CUI/Window.h"\n'
             'int main() { puts(CCUIWindow().GetHandle() ? "bound" : "free"); }\n')
-        self.configure(folder, folder / "build", "-DCMAKE_CXX_FLAGS=-O1",
+        own = ["-O1", "-Wall", "-Wextra", "-Werror"]
+        self.configure(folder, folder / "build", f"-DCMAKE_CXX_FLAGS={' '.join(own)}", "-DCMAKE_CXX_STANDARD=20",
                        "-DCMAKE_EXPORT_COMPILE_COMMANDS=ON")
         output_of("cmake", "--build", folder / "build")
         self.assertEqual("free", output_of("wine", folder / "build/User.exe").strip())
         # Of options that change code or warn, the user's own; what the framework needs, for itself.
         for entry in json.loads((folder / "build/compile_commands.json").read_text()):
             options = [word for word in entry["command"].split() if word[:2] in ("-O", "-W", "-f", "-m")]
-            self.assertEqual(["-O1"], [word for word in options if word[:2] != "-f"], entry)
-            self.assertEqual(entry["file"].endswith("User.cpp"), len(options) == 1, entry)
+            self.assertEqual(own, [word for word in options if not word.startswith(("-f", "-Wno-"))], entry)
+            self.assertEqual(entry["file"].endswith("User.cpp"), options == own, entry)
 
     def test_compilers(self):
         """Those that cannot use it get a sentence to act on, from the sources and from the package."""

@@ -72,7 +72,8 @@ class Tutorial(Package):
         reports = self.temporary_folder()
         for file in reports.glob("ZELTrace-*"):
             file.unlink()
-        self.use("08-Reports", "Reports", lambda _: keys("c"), close=("x",), answer=5)
+        self.use("08-Reports", "Reports", lambda _: (
+            keys("c"), wait_for(lambda: [*reports.glob("ZELTrace-*")], "the report")), close=("x",), answer=5)
         report = next(reports.glob("ZELTrace-*")).read_text()
         self.assertRegex(report, r"Assert:nPages > 0  File:Reports  Line:\d+ (?s:.*)Tutorial: step 8"
                                  r"(?s:.*)EXCEPTION_ACCESS_VIOLATION(?s:.*)Tutorial: step 8")

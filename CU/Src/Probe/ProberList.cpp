@@ -274,7 +274,7 @@ void CCUProberList::Tell(CCUProberWatch &watch)
 
 void CCUProberList::TreeChanged(CCUProberVariable &variable, bool bNew)
 {
-    ++s_nTreeChanges;
+    s_nTreeChanges = s_nTreeChanges + 1;
     for (CCUProberWatch *pWatch = s_pFirstWatch; pWatch; pWatch = pWatch->m_pNext) {
         if (!IsWithin(variable, pWatch->m_sSubtree))
             continue;

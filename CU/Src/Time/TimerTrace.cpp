@@ -67,7 +67,7 @@ void CUDumpTimerInfo()
     {
         CCULockGuard guard(s_lock);
         nTimeOuts = InterlockedExchange(&s_nTimeOuts, 0);
-        s_nTimeOutsBefore += nTimeOuts;
+        s_nTimeOutsBefore = s_nTimeOutsBefore + nTimeOuts;
         nLongest = InterlockedExchange(&s_nLongest, 0);
         pClass = s_longestClass;
         s_longestClass = nullptr;

@@ -1,0 +1,208 @@
+// What Tools/refresh-picture takes pictures of for the page of the framework: a menu, a message box
+// and buttons in all their states. Usage: Parts menu|box|buttons
+
+#include <string.h>
+
+#include "CUI/Button.h"
+#include "CUI/Draw.h"
+#include "CUI/Menu.h"
+#include "CUI/MessageBox.h"
+#include "CUI/Separator.h"
+#include "CUI/Window.h"
+
+const int PICTURE = 14;
+const COLORREF KEY = RGB(255, 0, 255);
+
+// A row of pictures: discs in red and purple, a blue square, a yellow triangle.
+static CCUIBitmap MakePictures()
+{
+    const HDC hScreen = GetDC(nullptr);
+    const HDC hDC = CreateCompatibleDC(hScreen);
+    const HBITMAP hBitmap = CreateCompatibleBitmap(hScreen, 4 * PICTURE, PICTURE);
+    const HGDIOBJ hOldBitmap = SelectObject(hDC, hBitmap);
+    const RECT all = {0, 0, 4 * PICTURE, PICTURE};
+    CUIDCFillSolidRect(hDC, &all, KEY);
+    const COLORREF colors[] = {RGB(224, 32, 32), RGB(128, 32, 160), RGB(32, 64, 200),
+                               RGB(255, 216, 0)};
+    for (int i = 0; i < 4; ++i) {
+        const HBRUSH hBrush = CreateSolidBrush(colors[i]);
+        const HGDIOBJ hOldBrush = SelectObject(hDC, hBrush);
+        const int x = i * PICTURE;
+        const POINT corners[] = {{x + 6, 1}, {x + 12, 12}, {x, 12}};
+        if (i < 2)
+            Ellipse(hDC, x, 0, x + 13, 13);
+        else if (i == 2)
+            Rectangle(hDC, x, 2, x + 12, 12);
+        else
+            Polygon(hDC, corners, 3);
+        SelectObject(hDC, hOldBrush);
+        DeleteObject(hBrush);
+    }
+    SelectObject(hDC, hOldBitmap);
+    DeleteDC(hDC);
+    ReleaseDC(nullptr, hScreen);
+    return {hBitmap, nullptr};
+}
+
+// Escape closes it, so that Tools/photograph can.
+class CPartsWindow : public CCUIWindow
+{
+protected:
+    int PreTranslateMessage(MSG *pMsg) override
+    {
+        if (pMsg->message != WM_KEYDOWN || pMsg->wParam != VK_ESCAPE)
+            return CCUIWindow::PreTranslateMessage(pMsg);
+        Destroy();
+        return 1;
+    }
+    int OnEraseBkgnd(HDC hDC) override
+    {
+        const RECT area = GetClientArea();
+        CUIDCFillSolidRect(hDC, &area, GetSysColor(COLOR_BTNFACE));
+        return 1;
+    }
+    void OnDestroy() override
+    {
+        CCUIWindow::OnDestroy();
+        PostQuitMessage(0);
+    }
+};
+
+static int ShowMenu()
+{
+    enum : UINT
+    {
+        ID_OPEN = 1000,
+        ID_SAVE,
+        ID_DELETE,
+        ID_PRINT,
+        ID_SEND,
+        ID_PROPERTIES,
+        ID_READ_ONLY,
+        ID_TEXTS,
+        ID_PICTURES,
+        ID_NEXT,
+        ID_EXIT
+    };
+    CCUIMenu more, file, view, bar(CUI_MENU_BAR);
+    more.Append(ID_NEXT, "&Next");
+    view.Append(ID_NEXT, "&Next");
+    file.Append(ID_OPEN, "&Open...\tCtrl+O");
+    file.Append(ID_SAVE, "&Save all\tF2");
+    file.AppendSeparator();
+    file.Append(ID_DELETE, "&Delete\tDel");
+    file.Append(ID_PRINT, "&Print...\tCtrl+P");
+    file.Append(ID_SEND, "S&end");
+    file.AppendSeparator();
+    file.Append(ID_PROPERTIES, "P&roperties\tAlt+Enter");
+    file.Append(ID_READ_ONLY, "Read &only");
+    file.Append(ID_TEXTS, "&Texts\tShift+1");
+    file.Append(ID_PICTURES, "P&ictures\tShift+2");
+    file.AppendSeparator();
+    file.AppendPopup("&More", more);
+    file.Append(ID_EXIT, "E&xit");
+    file.SetDefault(ID_OPEN);
+    file.Enable(ID_PRINT, false);
+    file.Enable(ID_SEND, false);
+    file.Check(ID_PROPERTIES, true);
+    file.Check(ID_READ_ONLY, true);
+    file.CheckRadio(ID_TEXTS, ID_PICTURES, ID_PICTURES);
+    const UINT ids[] = {ID_DELETE, ID_READ_ONLY, ID_OPEN, ID_PRINT};
+    file.SetPictures(MakePictures(), ids);
+    bar.AppendPopup("&File", file);
+    bar.AppendPopup("&View", view);
+
+    CPartsWindow window;
+    window.Create(nullptr, "Menu", WS_OVERLAPPEDWINDOW, {0, 0, 240, 284}, nullptr, 0);
+    SetMenu(window, bar.GetHandle());
+    window.Show();
+    return CCUIWindow::RunLoop();
+}
+
+static int ShowBox()
+{
+    // Wine 8 gives the first window of a program the focus, but not if it is a dialog.
+    CPartsWindow window;
+    window.Create(nullptr, "Owner", WS_OVERLAPPEDWINDOW, {440, 360, 580, 410}, nullptr, 0);
+    window.Show();
+    window.Show(false);
+    CCUIMessageBox box(
+        "Save the changes to \"Harbour at dusk & dawn.bmp\" before the viewer closes?\n\n"
+        "What is not saved is lost.",
+        "Picture Viewer", MB_ICONQUESTION);
+    box.AddButton(IDYES, "&Save");
+    box.AddButton(IDNO, "D&iscard");
+    box.AddButton(IDCANCEL);
+    box.SetDontAsk("SaveOnClose");
+    box.SetCountdown(15);
+    return box.DoModal(&window) == IDCANCEL ? 0 : 1;
+}
+
+static int ShowButtons()
+{
+    CPartsWindow window;
+    window.Create(nullptr, "Buttons", WS_POPUP, {0, 0, 430, 150}, nullptr, 0);
+    const CCUIBitmap pictures = MakePictures();
+    const struct
+    {
+        CUIButtonKind kind;
+        RECT place;
+        const char *pszText;
+        int nPicture;  // -1: none
+        UINT nCheck;
+        bool bFlat;
+        bool bEnabled;
+    } buttons[] = {
+        {CUI_BUTTON_PUSH, {4, 8, 60, 32}, "Stop", 0, 0, true, true},
+        {CUI_BUTTON_PUSH, {64, 8, 134, 32}, "Record", 0, 0, true, true},
+        {CUI_BUTTON_CHECK, {138, 8, 204, 32}, "Frame", 2, BST_CHECKED, true, true},
+        {CUI_BUTTON_PUSH, {208, 8, 264, 32}, "Mark", 3, 0, true, false},
+        {CUI_BUTTON_SPLIT, {280, 8, 352, 32}, "Back", 2, 0, true, true},
+        {CUI_BUTTON_DROPDOWN, {358, 8, 422, 32}, "More", -1, 0, true, true},
+        {CUI_BUTTON_CHECK, {10, 50, 100, 70}, "&Wrap lines", -1, BST_CHECKED, false, true},
+        {CUI_BUTTON_CHECK, {10, 74, 100, 94}, "&Mixed", -1, BST_INDETERMINATE, false, true},
+        {CUI_BUTTON_CHECK, {10, 98, 100, 118}, "Disabled", -1, BST_CHECKED, false, false},
+        {CUI_BUTTON_RADIO, {118, 50, 190, 70}, "&Left", -1, BST_CHECKED, false, true},
+        {CUI_BUTTON_RADIO, {118, 74, 190, 94}, "&Right", -1, 0, false, true},
+        {CUI_BUTTON_PUSH, {210, 48, 286, 72}, "&Open", -1, 0, false, true},
+        {CUI_BUTTON_PUSH, {210, 80, 286, 104}, "Pressed", -1, 0, false, true},
+        {CUI_BUTTON_SPLIT, {210, 112, 298, 136}, "&Play", -1, 0, false, true},
+        {CUI_BUTTON_PUSH, {320, 48, 396, 72}, "&Save", -1, 0, false, true},
+        {CUI_BUTTON_PUSH, {320, 80, 396, 104}, "Not now", -1, 0, false, false},
+        {CUI_BUTTON_PUSH, {320, 112, 396, 136}, "M&ark", 3, 0, false, true},
+    };
+    const int nCount = sizeof buttons / sizeof *buttons;
+    CCUIButton *pButtons[nCount];
+    for (int i = 0; i < nCount; ++i) {
+        CCUIButton &button = *(pButtons[i] = new CCUIButton(buttons[i].kind));
+        button.SetFlat(buttons[i].bFlat);
+        if (buttons[i].nPicture >= 0)
+            button.SetPicture(pictures, buttons[i].nPicture, PICTURE, KEY);
+        button.SetCheck(buttons[i].nCheck);
+        button.CreateControl(window, 100 + static_cast<UINT>(i), buttons[i].pszText,
+                             &buttons[i].place);
+        button.Enable(buttons[i].bEnabled);
+    }
+    pButtons[11]->SetDefault(true);
+    SendMessageA(*pButtons[12], BM_SETSTATE, TRUE, 0);
+    CCUISeparator upright, level;
+    const RECT side = {270, 6, 274, 34};
+    const RECT below = {8, 36, 422, 40};
+    upright.CreateControl(window, 200, "", &side);
+    level.CreateControl(window, 201, "", &below);
+
+    window.Show();
+    pButtons[11]->Focus();
+    const int nResult = CCUIWindow::RunLoop();
+    for (CCUIButton *pButton : pButtons)
+        delete pButton;
+    return nResult;
+}
+
+int main(int nArguments, char **ppszArguments)
+{
+    const char *pszPart = nArguments > 1 ? ppszArguments[1] : "";
+    return !strcmp(pszPart, "menu")  ? ShowMenu()
+           : !strcmp(pszPart, "box") ? ShowBox()
+                                     : ShowButtons();
+}
