@@ -12,6 +12,7 @@
 #include "Support/FakeTime.h"
 #include "Support/HeapWatch.h"
 #include "Support/TemporaryDirectory.h"
+#include "Support/Threads.h"
 
 #define CU_SOURCE "AssertTest"
 
@@ -26,6 +27,15 @@ void Fleeting(FILE *file)
 {
     fputs("fleeting\n", file);
     CUUnregisterExceptionHandler(Fleeting);
+}
+
+// Gives the next one time to come between.
+void Slow(FILE *file)
+{
+    fputs("begin", file);
+    fflush(file);
+    Sleep(50);
+    fputs(" end\n", file);
 }
 
 const int CheckLine = __LINE__ + 3;
@@ -75,6 +85,26 @@ TEST(Assert, AppendsAReportToTheDaysFile)
     CUDisplayAssert("after", "Source", 1);
     const std::string after = directory.Contents("ZELTrace-2020-01-01.txt");
     EXPECT_STREQ("\r\n\r\nfirst\r\n", after.c_str() + after.size() - 11);
+}
+
+CHILD_PROCESS(Reports)
+{
+    CURegisterExceptionHandler(Slow);
+    CThreads::Run(2, [](int) { CUDisplayAssert("other", "Source", 1); });
+}
+TEST(Assert, WritesOneReportAfterTheOther)
+{
+    const CTemporaryDirectory directory;
+    const CChildProcess process("Reports");
+    CURegisterExceptionHandler(Slow);
+    CThreads::Run(2, [](int) { CUDisplayAssert("own", "Source", 1); });
+    EXPECT_EQ(0u, process.ExitCode());
+    const std::string text = directory.Contents("*");
+    int nWhole = 0;
+    const char *const pszWhole = "\r\n\r\nbegin end\r\n";
+    for (size_t n = 0; (n = text.find(pszWhole, n)) != std::string::npos; ++n)
+        ++nWhole;
+    EXPECT_EQ(4, nWhole) << text;
 }
 
 // It may be written with a damaged heap.
