@@ -5,6 +5,7 @@
 
 #include "CUI/BmpLoad.h"
 #include "CUI/Data.h"
+#include "Support/DotsPerInch.h"
 #include "Support/PixelMap.h"
 #include "Support/Reports.h"
 #include "Support/UpdateArea.h"
@@ -70,11 +71,11 @@ TEST(StatusBar, SharesItsWidthAmongPanesAndRepaintsTheOneThatChanges)
     bar.RemovePane(0);
     EXPECT_STREQ("nn", bar.GetText(0));
     const int nHeight = bar.GetFixedSize();
-    int &nDpi = CUIGetWinData()->cyPixelsPerInch;
-    nDpi *= 2;
-    SendMessageA(bar, WM_WININICHANGE, 0, 0);
-    EXPECT_EQ(nHeight + 6, bar.GetFixedSize());
-    nDpi /= 2;
+    {
+        const CDotsPerInch dpi(192);
+        SendMessageA(bar, WM_WININICHANGE, 0, 0);
+        EXPECT_EQ(nHeight + 6, bar.GetFixedSize());
+    }
     EXPECT_EQ("pPane; pPane", reports.Of("StatusBar", [&] {
         bar.SetText(2, "");
         EXPECT_STREQ("", bar.GetText(-1));
@@ -114,6 +115,14 @@ TEST(StatusBar, ShowsTextPictureProgressAndHelpInItsPixels)
     EXPECT_FALSE(help == shown);
     bar.ClearHelp();
     EXPECT_EQ(shown, WindowPixels(bar, rcFirst));
+    const CCUIBitmap large(CUICopyBitmap(surface.Bitmap(), 9, 8, nullptr), nullptr);
+    {
+        const CDotsPerInch dpi(480);
+        bar.SetPicture(0, large, 480);
+        const int nHeight = bar.GetFixedSize();
+        bar.SetPicture(0, large);
+        EXPECT_LT(nHeight, bar.GetFixedSize());
+    }
     bar.SetPicture(0, CCUIBitmap());
     bar.SetText(0, "Help & more");
     EXPECT_EQ(help, WindowPixels(bar, rcFirst));
