@@ -53,17 +53,6 @@ struct CButton : CCUIButton
     }
 };
 
-long Send(HWND hWnd, UINT message, WPARAM wParam = 0, LPARAM lParam = 0)
-{
-    return SendMessageA(hWnd, message, wParam, lParam);
-}
-
-void Click(HWND hWnd)
-{
-    Send(hWnd, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(2, 2));
-    Send(hWnd, WM_LBUTTONUP, 0, MAKELPARAM(2, 2));
-}
-
 }  // namespace
 
 TEST(Control, IsPressedWhileMouseOrKeyHoldItAndClicksWhenTheyLetGo)

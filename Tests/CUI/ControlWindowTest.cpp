@@ -27,7 +27,7 @@ struct CEvents : CCUIWindowEventCallback
 
 TEST(ControlWindow, RepaintsItselfAndWhatIsAroundItInANewColour)
 {
-    CTestWindow parent(nullptr, WS_POPUP | WS_VISIBLE);
+    CTestPopup parent;
     CControl control(parent);
     RECT around = {};
     int nPaints = 0;
@@ -45,7 +45,7 @@ TEST(ControlWindow, RepaintsItselfAndWhatIsAroundItInANewColour)
 
 TEST(ControlWindow, TakesTheScreenAndGoesBackToItsPlace)
 {
-    CTestWindow layout(nullptr, WS_POPUP | WS_VISIBLE);
+    CTestPopup layout;
     SetForegroundWindow(layout);
     CControl below(layout), above(layout);
     auto control = std::make_unique<CControl>(layout);

@@ -33,17 +33,12 @@ struct CStatusBar : CScripted<CCUIStatusBar>
     }
 };
 
-struct CFrame : CTestWindow
-{
-    explicit CFrame(DWORD nMore = 0) : CTestWindow(nullptr, WS_POPUP | WS_VISIBLE | nMore) {}
-};
-
 }  // namespace
 
 TEST(StatusBar, SharesItsWidthAmongPanesAndRepaintsTheOneThatChanges)
 {
     CReports reports;
-    const CFrame frame;
+    const CTestPopup frame;
     CStatusBar bar(frame);
     const int nFixed = bar.AddPane(CUI_PANE_FIXED, 50), nFit = bar.AddPane(CUI_PANE_FIT, 20);
     EXPECT_EQ("126 50 20 ", bar.Widths());
@@ -84,7 +79,7 @@ TEST(StatusBar, SharesItsWidthAmongPanesAndRepaintsTheOneThatChanges)
 
 TEST(StatusBar, ShowsTextPictureProgressAndHelpInItsPixels)
 {
-    const CFrame frame;
+    const CTestPopup frame;
     CStatusBar bar(frame);
     const int nPane = bar.AddPane(CUI_PANE_FIXED, 102);
     const RECT rcPane = bar.GetPaneRect(nPane), rcFirst = bar.GetPaneRect(0);
@@ -130,7 +125,7 @@ TEST(StatusBar, ShowsTextPictureProgressAndHelpInItsPixels)
 
 TEST(StatusBar, HasAGripWhereTheWindowCanBeSizedByIt)
 {
-    CFrame frame(WS_THICKFRAME);
+    CTestPopup frame(WS_THICKFRAME);
     CStatusBar bar(frame);
     const auto hit = [&] {
         bar.Place();
@@ -151,7 +146,7 @@ TEST(StatusBar, HasAGripWhereTheWindowCanBeSizedByIt)
 
 TEST(StatusBar, TellsClicksAndSurvivesWhatTheyBringAbout)
 {
-    CFrame frame;
+    CTestPopup frame;
     auto bar = std::make_unique<CStatusBar>(frame);
     bar->AddPane(CUI_PANE_FIXED, 40);
     std::string told;
