@@ -39,12 +39,13 @@ private:
                                          ID_ACTUAL_SIZE, ID_FIT, 0,           ID_FULL_SCREEN};
         const bool bLarge = CUIGetWinData()->cyPixelsPerInch >= 120;
         const CCUIBitmap strip(bLarge ? IDB_LARGE_TOOLS : IDB_TOOLS, CUIBMP_SYSCOLORS, m_hInstance);
-        m_menu.SetPictures(strip, TOOLS);
+        const int nDpi = bLarge ? 144 : 96;  // that they were drawn for
+        m_menu.SetPictures(strip, TOOLS, ARRAYSIZE(TOOLS), nDpi);
         SetMenu(m_menu.GetHandle());
         SetAccelerators(m_hInstance, MAKEINTRESOURCE(IDR_VIEWER));
         AcceptFiles(true);
 
-        m_bar.SetPictures(strip, strip.Height());
+        m_bar.SetPictures(strip, strip.Height(), nDpi);
         m_bar.CreateBar(*this, 1, "Tools");
         m_bar.SetButtons(TOOLS);
         AddBar(&m_bar);

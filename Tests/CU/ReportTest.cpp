@@ -30,6 +30,15 @@ void Fleeting(FILE *file)
     CUUnregisterExceptionHandler(Fleeting);
 }
 
+// Gives the next one time to come between.
+void Slow(FILE *file)
+{
+    fputs("begin", file);
+    fflush(file);
+    Sleep(50);
+    fputs(" end\n", file);
+}
+
 const int CheckLine = __LINE__ + 3;
 __attribute__((noinline)) int FailTheCheck(int n)
 {
@@ -86,6 +95,26 @@ TEST(Assert, ReportsTheFirstTenFailuresOnlyOnHoweverManyThreads)
     CURegisterExceptionHandler([](FILE *) { InterlockedIncrement(&s_nReports); });
     CThreads::Run(32, [](int) { CUDisplayAssert("b", "Source", 1); });
     EXPECT_EQ(10, s_nReports);
+}
+
+CHILD_PROCESS(Reports)
+{
+    CURegisterExceptionHandler(Slow);
+    CThreads::Run(2, [](int) { CUDisplayAssert("other", "Source", 1); });
+}
+TEST(Assert, WritesOneReportAfterTheOther)
+{
+    const CTemporaryDirectory directory;
+    const CChildProcess process("Reports");
+    CURegisterExceptionHandler(Slow);
+    CThreads::Run(2, [](int) { CUDisplayAssert("own", "Source", 1); });
+    EXPECT_EQ(0u, process.ExitCode());
+    const std::string text = directory.Contents("*");
+    int nWhole = 0;
+    const char *const pszWhole = "\r\n\r\nbegin end\r\n";
+    for (size_t n = 0; (n = text.find(pszWhole, n)) != std::string::npos; ++n)
+        ++nWhole;
+    EXPECT_EQ(4, nWhole) << text;
 }
 
 // It may be written with a damaged heap.

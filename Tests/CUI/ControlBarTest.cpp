@@ -7,6 +7,7 @@
 #include "CUI/BmpState.h"
 #include "CUI/CommandMap.h"
 #include "CUI/Data.h"
+#include "Support/DotsPerInch.h"
 #include "Support/ImportHook.h"
 #include "Support/PixelMap.h"
 #include "Support/TestCommand.h"
@@ -167,6 +168,24 @@ TEST(ControlBar, ShowsWhatTheHandlersSayAndRepaintsOnlyWhatThatChanges)
     all.commands[0].m_onState = [&] { bar.RemoveAll(), bar.AddButton(1003, 0); };
     bar.RefreshCommands();
     EXPECT_EQ("8,2 - - - - - - ", bar.Places());
+}
+
+TEST(ControlBar, StretchesItsPicturesToTheDotsOfTheScreen)
+{
+    CParent parent;
+    const CCommands all;
+    const CDotsPerInch dpi(192);
+    CBar bar(parent);
+    const CPixelMap strip = PixelsOf(CBar::Strip());
+    CPixelMap expected(32, 30);
+    for (int i = 0; i < 32 * 30; ++i)
+        expected.Set(i % 32, i / 32, strip.At(16 + i % 32 / 2, i / 32 / 2));
+    const RECT rc = bar.GetItemRect(1);
+    EXPECT_EQ(expected, WindowPixels(bar, {rc.left + 7, rc.top + 7, rc.right - 7, rc.bottom - 7}));
+    for (const int nDpi : {192, 400}) {
+        bar.SetPictures(CBar::Strip(), 16, nDpi);
+        EXPECT_EQ(15 + 14, bar.GetItemRect(1).bottom - bar.GetItemRect(1).top);
+    }
 }
 
 TEST(ControlBar, PressesWhatTheMouseGoesDownAndUpOn)

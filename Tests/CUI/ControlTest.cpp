@@ -4,6 +4,7 @@
 #include "CUI/CommandMap.h"
 #include "CUI/Menu.h"
 #include "CUI/Separator.h"
+#include "Support/DotsPerInch.h"
 #include "Support/GdiCount.h"
 #include "Support/HeapWatch.h"
 #include "Support/PixelMap.h"
@@ -51,17 +52,6 @@ struct CButton : CCUIButton
         return surface.Read();
     }
 };
-
-long Send(HWND hWnd, UINT message, WPARAM wParam = 0, LPARAM lParam = 0)
-{
-    return SendMessageA(hWnd, message, wParam, lParam);
-}
-
-void Click(HWND hWnd)
-{
-    Send(hWnd, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(2, 2));
-    Send(hWnd, WM_LBUTTONUP, 0, MAKELPARAM(2, 2));
-}
 
 }  // namespace
 
@@ -412,6 +402,12 @@ TEST(Control, ShowsEachStateAndWhatIsBehind)
         EXPECT_EQ(nLook ? RGB(0, 128, 0) : GetSysColor(COLOR_BTNFACE), seen[0].At(4, 4));
         EXPECT_EQ(0, seen[0].Count(0xFF00FF));
         EXPECT_EQ(1, seen[0].Count(0x0000FF));
+        {
+            const CDotsPerInch dpi(192);
+            button.SetPicture(bitmap, 1, 16, 0xFF00FF);
+            EXPECT_EQ(4, button.Picture().Count(0x0000FF));
+        }
+        button.SetPicture(bitmap, 1, 16, 0xFF00FF);
         button.Enable(false);
         const CPixelMap disabled = button.Picture();
         EXPECT_EQ(0, disabled.Count(0x0000FF));

@@ -48,7 +48,7 @@ TEST(ControlWindow, TellsTheParentWhatOfItsLayoutChanged)
 
 TEST(ControlWindow, RepaintsItselfAndWhatIsAroundItInANewColour)
 {
-    CTestWindow parent(nullptr, WS_POPUP | WS_VISIBLE);
+    CTestPopup parent;
     CControl control(parent);
     RECT around = {};
     int nPaints = 0;
@@ -66,7 +66,7 @@ TEST(ControlWindow, RepaintsItselfAndWhatIsAroundItInANewColour)
 
 TEST(ControlWindow, TakesTheScreenAndGoesBackToItsPlace)
 {
-    CTestWindow layout(nullptr, WS_POPUP | WS_VISIBLE);
+    CTestPopup layout;
     SetForegroundWindow(layout);
     CControl below(layout), above(layout);
     auto control = std::make_unique<CControl>(layout);

@@ -93,6 +93,7 @@ TEST(DrawingLeaks, NothingOnSuccessAndWhicheverCallFails)
     const CFailingCall<HBITMAP(HDC, const BITMAPINFOHEADER *, DWORD, const void *,
                                const BITMAPINFO *, UINT)>
         fromDib("CreateDIBitmap");
+    const CFailingCall<HGDIOBJ(HDC, HGDIOBJ)> select("SelectObject");
     work();  // makes what stays
     const CHeapWatch heap;
     const int nGdi = GdiCount();

@@ -1,4 +1,6 @@
 // A frame, its children and what the user and the system do to it.
+#include <set>
+
 #include "Base/GdiGuards.h"
 #include "CUI/Button.h"
 #include "CUI/CommandMap.h"
@@ -202,11 +204,29 @@ TEST(FrameWindow, CoversTheScreenAndComesBackAsItWas)
                         GetWindowLongA(frame, GWL_STYLE) & WS_CAPTION);
         };
         const std::string before = look();
+        // No look but the last is seen.
+        std::set<std::string> seen;
+        frame.m_on[WM_NCPAINT] = [&] {
+            if (IsWindowVisible(frame))
+                seen.insert(PlaceOf(frame) + Text(" %d", GetMenu(frame) == hMenu));
+            return 0;
+        };
         frame.SetFullScreen(true);
         EXPECT_EQ(screen + screen + "000 0", look());
+        EXPECT_EQ(std::set<std::string>{screen + "0"}, seen);
         PressKey(VK_F7, frame.m_client);
+        // Escape first closes a list.
+        const HWND hCombo =
+            CreateWindowExA(0, "COMBOBOX", "", WS_CHILD | WS_VISIBLE | CBS_DROPDOWN, 0, 0, 90, 90,
+                            frame.m_client, nullptr, nullptr, nullptr);
+        SendMessageA(hCombo, CB_SHOWDROPDOWN, TRUE, 0);
+        EXPECT_FALSE(PressKey(VK_ESCAPE, GetWindow(hCombo, GW_CHILD)));
+        DestroyWindow(hCombo);
+        seen.clear();
         PressKey(VK_ESCAPE, frame.m_client);
         EXPECT_EQ(before + "full|back|0 ", look() + frame.m_asked + command.Done());
+        EXPECT_EQ(std::set<std::string>{PlaceOf(frame) + " 1"}, seen);
+        frame.m_on.clear();
         // Whoever is told asks for the other one.
         frame.m_onFull = [&] { frame.SetFullScreen(false); };
         frame.SetFullScreen(true);

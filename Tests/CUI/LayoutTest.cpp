@@ -79,7 +79,7 @@ void PressTab(bool bShift = false, HWND hDialog = nullptr)
 
 TEST(Layout, GivesChildrenTheirPlacesWhateverChanges)
 {
-    CTestWindow top(nullptr, WS_POPUP | WS_VISIBLE);
+    CTestPopup top;
     CLayout layout(top, ROW);
     layout.SetMargins({5, 5, 5, 5});
     layout.SetGap(3);
@@ -115,7 +115,7 @@ TEST(Layout, GivesChildrenTheirPlacesWhateverChanges)
 
 TEST(Layout, PutsChildrenAcrossAsTheyWant)
 {
-    CTestWindow top(nullptr, WS_POPUP | WS_VISIBLE);
+    CTestPopup top;
     CLayout layout(top, COLUMN, 100, 100);
     layout.SetMargins({1, 2, 3, 4});
     Boxes boxes =
@@ -128,7 +128,7 @@ TEST(Layout, PutsChildrenAcrossAsTheyWant)
 
 TEST(Layout, MovesAllInOneBatchAndPaintsNothingTwice)
 {
-    CTestWindow top(nullptr, WS_POPUP | WS_VISIBLE);
+    CTestPopup top;
     CLayout layout(top, ROW);
     Boxes boxes = MakeBoxes(layout, {{10, 4}, {20, 4}, {20, 4}});
     const COLORREF colors[] = {0xFF0000, 0x0000FF, 0xFFFF00};
@@ -171,7 +171,7 @@ TEST(Layout, MovesAllInOneBatchAndPaintsNothingTwice)
 
 TEST(Layout, NestedLayoutsTellWhatTheyNeed)
 {
-    CTestWindow top(nullptr, WS_POPUP | WS_VISIBLE);
+    CTestPopup top;
     CLayout outer(top, COLUMN), inner(outer, ROW), deepest(inner, COLUMN);
     inner.SetMargins({1, 2, 3, 4});
     inner.SetLayoutFlags(CUI_PLACE_FIT | CUI_PLACE_NEAR);
@@ -189,7 +189,7 @@ TEST(Layout, NestedLayoutsTellWhatTheyNeed)
 
 TEST(Layout, TabGoesThroughAllThatCanHaveTheFocus)
 {
-    CTestWindow top(nullptr, WS_POPUP | WS_VISIBLE);
+    CTestPopup top;
     CLayout outer(top, COLUMN);
     CBox first(outer);
     CLayout inner(outer, ROW), empty(outer, ROW);
@@ -225,7 +225,7 @@ TEST(Layout, TabGoesThroughAllThatCanHaveTheFocus)
 
 TEST(Layout, ScrollsWhenThereIsNoRoom)
 {
-    CTestWindow top(nullptr, WS_POPUP | WS_VISIBLE);
+    CTestPopup top;
     CLayout layout(top, COLUMN);
     layout.SetScrolling(true);
     Boxes boxes = MakeBoxes(layout, {{20, 4}, {20, 4}, {20, 4}});
@@ -254,7 +254,7 @@ TEST(Layout, ScrollsWhenThereIsNoRoom)
 
 TEST(Layout, SplitterMovesByMouseAndKeysAndGoesBack)
 {
-    CTestWindow top(nullptr, WS_POPUP | WS_VISIBLE);
+    CTestPopup top;
     CLayout layout(top, ROW, 106);
     const unsigned long split = CUI_PLACE_FILL | CUI_PLACE_SPLITTER;
     Boxes boxes = MakeBoxes(layout, {{30, split}, {20, 4 | CUIPlaceWeight(1)}});
@@ -314,7 +314,7 @@ TEST(Layout, SplitterMovesByMouseAndKeysAndGoesBack)
 
 TEST(Layout, SurvivesWhatHandlersDo)
 {
-    CTestWindow top(nullptr, WS_POPUP | WS_VISIBLE);
+    CTestPopup top;
     auto pLayout = std::make_unique<CLayout>(top, ROW);
     Boxes boxes = MakeBoxes(*pLayout, {{10, 4}, {10, 4 | CUI_PLACE_SPLITTER}, {10, 4}, {10, 4}});
     // One deletes another in the middle of the batch.

@@ -4,6 +4,7 @@
 #include "CUI/Accelerators.h"
 #include "CUI/Data.h"
 #include "CUI/Menu.h"
+#include "Support/DotsPerInch.h"
 #include "Support/GdiCount.h"
 #include "Support/ImportHook.h"
 #include "Support/PixelMap.h"
@@ -250,6 +251,11 @@ TEST(Menu, LooksAsTheSystemsColoursSayAtThatMoment)
         const CPixelMap faint = Draw(window, hMenu, 1, ODS_GRAYED);
         EXPECT_EQ(0, faint.Count(PICTURE_COLORS[1]));
         EXPECT_LE(50, faint.Count(0));
+        {
+            const CDotsPerInch dpi(192);
+            Open(window, hMenu);
+            EXPECT_EQ(4 * 64, Draw(window, hMenu, 1, 0).Count(PICTURE_COLORS[1]));
+        }
         SwapLook(window, bLook, colors);
     }
 }

@@ -5,6 +5,7 @@
 
 #include "CUI/BmpLoad.h"
 #include "CUI/Data.h"
+#include "Support/DotsPerInch.h"
 #include "Support/PixelMap.h"
 #include "Support/Reports.h"
 #include "Support/UpdateArea.h"
@@ -32,17 +33,12 @@ struct CStatusBar : CScripted<CCUIStatusBar>
     }
 };
 
-struct CFrame : CTestWindow
-{
-    explicit CFrame(DWORD nMore = 0) : CTestWindow(nullptr, WS_POPUP | WS_VISIBLE | nMore) {}
-};
-
 }  // namespace
 
 TEST(StatusBar, SharesItsWidthAmongPanesAndRepaintsTheOneThatChanges)
 {
     CReports reports;
-    const CFrame frame;
+    const CTestPopup frame;
     CStatusBar bar(frame);
     const int nFixed = bar.AddPane(CUI_PANE_FIXED, 50), nFit = bar.AddPane(CUI_PANE_FIT, 20);
     EXPECT_EQ("126 50 20 ", bar.Widths());
@@ -70,11 +66,11 @@ TEST(StatusBar, SharesItsWidthAmongPanesAndRepaintsTheOneThatChanges)
     bar.RemovePane(0);
     EXPECT_STREQ("nn", bar.GetText(0));
     const int nHeight = bar.GetFixedSize();
-    int &nDpi = CUIGetWinData()->cyPixelsPerInch;
-    nDpi *= 2;
-    SendMessageA(bar, WM_WININICHANGE, 0, 0);
-    EXPECT_EQ(nHeight + 6, bar.GetFixedSize());
-    nDpi /= 2;
+    {
+        const CDotsPerInch dpi(192);
+        SendMessageA(bar, WM_WININICHANGE, 0, 0);
+        EXPECT_EQ(nHeight + 6, bar.GetFixedSize());
+    }
     EXPECT_EQ("pPane; pPane", reports.Of("StatusBar", [&] {
         bar.SetText(2, "");
         EXPECT_STREQ("", bar.GetText(-1));
@@ -83,7 +79,7 @@ TEST(StatusBar, SharesItsWidthAmongPanesAndRepaintsTheOneThatChanges)
 
 TEST(StatusBar, ShowsTextPictureProgressAndHelpInItsPixels)
 {
-    const CFrame frame;
+    const CTestPopup frame;
     CStatusBar bar(frame);
     const int nPane = bar.AddPane(CUI_PANE_FIXED, 102);
     const RECT rcPane = bar.GetPaneRect(nPane), rcFirst = bar.GetPaneRect(0);
@@ -114,6 +110,14 @@ TEST(StatusBar, ShowsTextPictureProgressAndHelpInItsPixels)
     EXPECT_FALSE(help == shown);
     bar.ClearHelp();
     EXPECT_EQ(shown, WindowPixels(bar, rcFirst));
+    const CCUIBitmap large(CUICopyBitmap(surface.Bitmap(), 9, 8, nullptr), nullptr);
+    {
+        const CDotsPerInch dpi(480);
+        bar.SetPicture(0, large, 480);
+        const int nHeight = bar.GetFixedSize();
+        bar.SetPicture(0, large);
+        EXPECT_LT(nHeight, bar.GetFixedSize());
+    }
     bar.SetPicture(0, CCUIBitmap());
     bar.SetText(0, "Help & more");
     EXPECT_EQ(help, WindowPixels(bar, rcFirst));
@@ -121,7 +125,7 @@ TEST(StatusBar, ShowsTextPictureProgressAndHelpInItsPixels)
 
 TEST(StatusBar, HasAGripWhereTheWindowCanBeSizedByIt)
 {
-    CFrame frame(WS_THICKFRAME);
+    CTestPopup frame(WS_THICKFRAME);
     CStatusBar bar(frame);
     const auto hit = [&] {
         bar.Place();
@@ -142,7 +146,7 @@ TEST(StatusBar, HasAGripWhereTheWindowCanBeSizedByIt)
 
 TEST(StatusBar, TellsClicksAndSurvivesWhatTheyBringAbout)
 {
-    CFrame frame;
+    CTestPopup frame;
     auto bar = std::make_unique<CStatusBar>(frame);
     bar->AddPane(CUI_PANE_FIXED, 40);
     std::string told;

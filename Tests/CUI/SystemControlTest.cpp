@@ -21,11 +21,6 @@
 
 namespace {
 
-struct CParent : CTestWindow
-{
-    CParent() : CTestWindow(nullptr, WS_POPUP | WS_VISIBLE | WS_CLIPCHILDREN) {}
-};
-
 const void *LayoutData(HWND hWnd)
 {
     return GetPropA(hWnd, g_sControlWindowProp);
@@ -68,7 +63,7 @@ CCUISystemControl *(*const KINDS[])() = {
 TEST(SystemControls, AreControlWindowsThatGoWithTheirObjectsOrStay)
 {
     CReports reports;
-    CParent parent;
+    CTestPopup parent;
     for (const auto make : KINDS) {
         std::unique_ptr<CCUISystemControl> pControl(make()), pBound(make()), pOther(make());
         CCUISystemControl &control = *pControl;
@@ -124,7 +119,7 @@ TEST(SystemControls, AreControlWindowsThatGoWithTheirObjectsOrStay)
 
 TEST(SystemControls, FindItemsAndHoldTextsOfAnyLength)
 {
-    CParent parent;
+    CTestPopup parent;
     const std::string text(5000, 'x');
     const RECT small = {0, 0, 50, 60};
     CCUIListBox many;
@@ -237,12 +232,6 @@ void Input(HWND hWnd, std::initializer_list<WPARAM> keys)
         SendMessageA(hWnd, WM_KEYDOWN, nKey, 1);
 }
 
-void Click(HWND hWnd, int x, int y)
-{
-    SendMessageA(hWnd, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(x, y));
-    SendMessageA(hWnd, WM_LBUTTONUP, 0, MAKELPARAM(x, y));
-}
-
 void Rename(HWND hLabel)
 {
     SetWindowTextA(hLabel, "new");
@@ -253,7 +242,7 @@ void Rename(HWND hLabel)
 
 TEST(SystemControls, TellTheirObjectsWhatUsersDo)
 {
-    CParent parent;
+    CTestPopup parent;
     CMade<CPlain<CCUIEdit>> edit(parent, 1);
     CMade<CMoved<CCUISpinButton>> spin(parent, 7);
     edit.SetLimit(1);
@@ -328,7 +317,7 @@ TEST(SystemControls, TellTheirObjectsWhatUsersDo)
 
 TEST(SystemControls, TellWhatBecomesOfItems)
 {
-    CParent parent;
+    CTestPopup parent;
     const RECT rect = {0, 0, 150, 100};
     RECT row = {};
     CTree tree;
@@ -387,7 +376,7 @@ TEST(SystemControls, MayBeDeletedByWhatTheyTell)
     {
         int OnCreate(CREATESTRUCTA *) override { return delete this, -1; }
     };
-    CParent parent;
+    CTestPopup parent;
     {
         const CHeapWatch heap;
         EXPECT_EQ(0, (new CBad)->CreateControl(parent, 1));
@@ -414,7 +403,7 @@ TEST(SystemControls, MayBeDeletedByWhatTheyTell)
 
 TEST(SystemControls, PassTabOnAndLetTextsHaveIt)
 {
-    CParent parent;
+    CTestPopup parent;
     std::string told;
     const auto tell = [&](const char *what) {
         const HWND hChild = reinterpret_cast<HWND>(parent.m_wParam);
@@ -455,7 +444,7 @@ TEST(SystemControls, PassTabOnAndLetTextsHaveIt)
 
 TEST(SystemControls, AreColoredAsTheyAreTold)
 {
-    CParent parent;
+    CTestPopup parent;
     CMade<CCUIStatic> label(parent, 1, 0, "text");
     label.SetWindowColor(RGB(255, 0, 0));
     label.SetTextColor(RGB(0, 0, 255));

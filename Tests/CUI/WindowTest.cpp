@@ -114,6 +114,24 @@ TEST(Window, GoesWithADyingObjectAndComesAgain)
     }
 }
 
+TEST(Window, IsWatchedInWhateverOrderTheWatchesGo)
+{
+    // As when another thread calls the object while its own is in a handler.
+    struct CWatched : CCUIWindow
+    {
+        static bool IsHeardOf()
+        {
+            auto window = std::make_unique<CWatched>();
+            auto first = std::make_unique<CWatch>(window.get());
+            const CWatch second(window.get());
+            first.reset();
+            window.reset();
+            return second.IsGone();
+        }
+    };
+    EXPECT_TRUE(CWatched::IsHeardOf());
+}
+
 TEST(Window, GivesDefaultProcessingTheMessageAtHandAfterANestedOne)
 {
     CTestWindow window;

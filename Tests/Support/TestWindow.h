@@ -79,6 +79,23 @@ public:
     }
 };
 
+// One that is shown, without a border.
+struct CTestPopup : CTestWindow
+{
+    explicit CTestPopup(DWORD nMore = 0) : CTestWindow(nullptr, WS_POPUP | WS_VISIBLE | nMore) {}
+};
+
+inline long Send(HWND hWnd, UINT message, WPARAM wParam = 0, LPARAM lParam = 0)
+{
+    return SendMessageA(hWnd, message, wParam, lParam);
+}
+
+inline void Click(HWND hWnd, int x = 2, int y = 2)
+{
+    Send(hWnd, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(x, y));
+    Send(hWnd, WM_LBUTTONUP, 0, MAKELPARAM(x, y));
+}
+
 // Handles what the thread has waiting, and no more.
 inline void PumpWaiting()
 {

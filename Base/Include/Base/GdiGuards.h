@@ -31,6 +31,29 @@ private:
     HGDIOBJ m_hOld;
 };
 
+// The same in a memory DC that somebody keeps. One that does not take back what it had is of no use
+// any more, and would hold the object for ever: it is deleted, and null for who keeps it.
+class CCUISelectKept : private CCUIGdiGuard
+{
+public:
+    CCUISelectKept(HDC &hKept, HGDIOBJ hObject)
+        : m_hKept(hKept), m_hOld(SelectObject(hKept, hObject))
+    {
+    }
+    ~CCUISelectKept()
+    {
+        if (!m_hOld || SelectObject(m_hKept, m_hOld))
+            return;
+        DeleteDC(m_hKept);
+        m_hKept = nullptr;
+    }
+    explicit operator bool() const { return m_hOld != nullptr; }
+
+private:
+    HDC &m_hKept;
+    HGDIOBJ m_hOld;
+};
+
 // Sets the background colour and, at the end, the one before.
 class CCUIBkColor : private CCUIGdiGuard
 {

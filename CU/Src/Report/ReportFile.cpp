@@ -1,11 +1,14 @@
 #include "Report/ReportFile.h"
 
+#include <fcntl.h>
+#include <io.h>
 #include <limits.h>
 #include <stdlib.h>
 #include <time.h>
 
 #include "Base/Atomic.h"
 #include "Base/CallbackList.h"
+#include "Base/Handle.h"
 #include "Base/Lifetime.h"
 #include "Base/TempDirectory.h"
 #include "CU/Assert.h"
@@ -100,6 +103,52 @@ void WriteHead(FILE *file, const SYSTEMTIME &time)
             szTime);
 }
 
+// The report that has the file for itself, and the thread that writes it.
+FILE *volatile s_pLocked = nullptr;
+volatile LONG s_nLockedBy = 0;
+
+// Two reports of different threads or processes would write over each other: the C library looks
+// for the end of the file and then writes there. The lock is on a byte that no report reaches, and
+// goes with the file, or with the process. One that hangs must not keep others from reporting: they
+// wait no longer than for a slow one, and a thread that fails in its own report does not.
+bool LockReport(HANDLE hFile)
+{
+    const DWORD BEYOND = 0x7FFFFFFF;
+    const int MOST_TRIES = 100;
+    const DWORD TRY_MILLISECONDS = 20;
+    if (s_nLockedBy == static_cast<LONG>(GetCurrentThreadId()))
+        return false;
+    for (int i = 0; !LockFile(hFile, BEYOND, 0, 1, 0); ++i) {
+        if (GetLastError() != ERROR_LOCK_VIOLATION || i == MOST_TRIES)
+            return false;
+        Sleep(TRY_MILLISECONDS);
+    }
+    return true;
+}
+
+// As fopen's "a", with the report locked; null: there is no such file.
+FILE *OpenLocked(const char *pszName)
+{
+    CCUFileHandle handle(CreateFileA(pszName, GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE,
+                                     nullptr, OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr));
+    if (!handle)
+        return nullptr;
+    const HANDLE hFile = handle;
+    const int nFile =
+        _open_osfhandle(reinterpret_cast<intptr_t>(hFile), _O_TEXT | _O_APPEND | _O_NOINHERIT);
+    if (nFile < 0)
+        return nullptr;
+    handle.Release();  // the C library's by now
+    FILE *const file = _fdopen(nFile, "a");
+    if (!file) {
+        _close(nFile);
+    } else if (LockReport(hFile)) {
+        s_pLocked = file;
+        s_nLockedBy = static_cast<LONG>(GetCurrentThreadId());
+    }
+    return file;
+}
+
 }  // namespace
 
 void CURegisterExceptionHandler(void (*handler)(FILE *))
@@ -131,7 +180,7 @@ FILE *CUOpenReport(CCUReportBuffer &buffer)
         return nullptr;
     const SYSTEMTIME now = LocalNow();
     sprintf(szName + nLength, "/ZELTrace-%04d-%02d-%02d.txt", now.wYear, now.wMonth, now.wDay);
-    FILE *file = fopen(szName, "a");
+    FILE *const file = OpenLocked(szName);
     if (!file)
         return nullptr;
     setvbuf(file, buffer.text, _IOFBF, sizeof buffer.text);
@@ -148,6 +197,10 @@ void CUCloseReport(FILE *file)
         // When a handler crashes, what was written before it is in the file already.
         fflush(file);
         item->handler(file);
+    }
+    if (file == s_pLocked) {
+        s_pLocked = nullptr;
+        s_nLockedBy = 0;
     }
     fclose(file);
 }

@@ -15,9 +15,10 @@ struct CCUReportBuffer
     char text[4096];
 };
 
-// Opens the day's file for one more report and begins it with the separator and the time. Null when
-// there is no temporary directory or the file cannot be opened. The buffer is in use until the
-// report is closed.
+// Opens the day's file for one more report and begins it with the separator and the time; other
+// threads and processes that report wait for its end, two seconds at most. Null when there is no
+// temporary directory or the file cannot be opened. The buffer is in use until the report is
+// closed.
 FILE *CUOpenReport(CCUReportBuffer &buffer);
 // Lets the report handlers have their say and closes the file.
 void CUCloseReport(FILE *file);

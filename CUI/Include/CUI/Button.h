@@ -52,10 +52,10 @@ public:
     CUI_API void SetFlat(bool bFlat);
     /// A picture, which is shared: number nIndex in a row of pictures cx pixels wide (0: the whole
     /// bitmap). Pixels of the key colour, or of the button face without one, let the button shine
-    /// through. It has the pixels that it has: at more dots per inch the program takes a larger
-    /// one. A bitmap that is null: no picture.
+    /// through. It is stretched from nDpi, the dots an inch that it was drawn for, to those of the
+    /// screen, where these are more. A bitmap that is null: no picture.
     CUI_API void SetPicture(const CCUIBitmap &bitmap, int nIndex = 0, int cx = 0,
-                            COLORREF crKey = CUI_NO_KEY_COLOR);
+                            COLORREF crKey = CUI_NO_KEY_COLOR, int nDpi = 96);
     /// CUI_PICTURE_LEFT at first.
     CUI_API void SetPicturePlace(CUIPicturePlace place);
     /// BST_UNCHECKED, BST_CHECKED or BST_INDETERMINATE. To set it tells nobody; a checked radio

@@ -88,9 +88,9 @@ public:
     /// The strip of pictures, each cxPicture pixels wide; null or narrower: texts in their place.
     /// In the disabled look what has the colours of the button's face or highlight is background:
     /// load the strip with CUIBMP_SYSCOLORS, and it goes along with changes of the system's
-    /// colours. Pictures are not stretched: screens of 120 dots an inch and more
-    /// (CUIData::cyPixelsPerInch) want a strip of larger ones.
-    CUI_API void SetPictures(const CCUIBitmap &strip, int cxPicture);
+    /// colours. The pictures are stretched from nDpi, the dots an inch that they were drawn for, to
+    /// those of the screen, where these are more; pictures that were drawn for them look better.
+    CUI_API void SetPictures(const CCUIBitmap &strip, int cxPicture, int nDpi = 96);
     /// Whether buttons have texts beside their pictures; false at first.
     CUI_API void ShowTexts(bool bShow);
     /// What the handlers say now, at once.

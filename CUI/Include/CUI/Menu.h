@@ -117,11 +117,12 @@ public:
     /// Pictures for commands: the strip has them side by side, all as wide. An identifier of 0 has
     /// none, so that the table of a control bar's buttons is one for its menu, too. What has the
     /// colour of the strip's top left pixel is transparent. A strip with CUIBMP_SYSCOLORS follows
-    /// the system's colours; screens of 120 dots an inch and more want larger pictures. Of several
-    /// calls the last one with a command counts. 1, or 0 when the strip is null (traced) or has
-    /// less than a pixel for each, or nCount is not positive (reported as "nCount > 0 && pIDs").
+    /// the system's colours. The pictures are stretched from nDpi, the dots an inch that they were
+    /// drawn for, to those of the screen, where these are more. Of several calls the last one with
+    /// a command counts. 1, or 0 when the strip is null (traced) or has less than a pixel for each,
+    /// or nCount is not positive (reported as "nCount > 0 && pIDs").
     /// @{
-    CUI_API int SetPictures(const CCUIBitmap &strip, const UINT *pIDs, int nCount);
+    CUI_API int SetPictures(const CCUIBitmap &strip, const UINT *pIDs, int nCount, int nDpi = 96);
     template <size_t COUNT>
     int SetPictures(const CCUIBitmap &strip, const UINT (&nIDs)[COUNT])
     {

@@ -70,8 +70,10 @@ public:
     CUI_API CCUString GetText(int nPane) const;
     /// @}
     /// A picture in front of the text; one that is null takes it away. It is drawn whole: load it
-    /// with CUIBMP_SYSCOLORS, and it goes along with changes of the system's colours.
-    CUI_API void SetPicture(int nPane, const CCUIBitmap &bitmap);
+    /// with CUIBMP_SYSCOLORS, and it goes along with changes of the system's colours. It is
+    /// stretched from nDpi, the dots an inch that it was drawn for, to those of the screen, where
+    /// these are more.
+    CUI_API void SetPicture(int nPane, const CCUIBitmap &bitmap, int nDpi = 96);
     /// Fills nValue of nMost parts of the pane behind its text, at once; an nMost of 0 or less ends
     /// that. Values outside are taken as the nearest inside.
     CUI_API void SetProgress(int nPane, int nValue, int nMost);

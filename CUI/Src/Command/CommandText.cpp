@@ -1,5 +1,7 @@
 #include "Command/CommandText.h"
 
+#include "Window/MnemonicText.h"
+
 CCUString CUICommandHelp(UINT nItem, UINT nFlags)
 {
     const bool bCommand = !(nFlags & (MF_POPUP | MF_SYSMENU | MF_SEPARATOR));
@@ -9,15 +11,5 @@ CCUString CUICommandHelp(UINT nItem, UINT nFlags)
 
 CCUString CUIPlainCommandText(const CCUString &sText)
 {
-    CCUString sPlain = sText.SpanExcluding("\t");
-    char *const pszText = sPlain.GetBuffer(0);
-    char *pszTo = pszText;
-    for (const char *psz = pszText; *psz; ++psz) {
-        if (*psz == '&' && psz[1])
-            ++psz;
-        *pszTo++ = *psz;
-    }
-    *pszTo = '\0';
-    sPlain.ReleaseBuffer();
-    return sPlain;
+    return CUIWithoutMnemonic(sText.SpanExcluding("\t"));
 }

@@ -6,7 +6,7 @@
 // The handler of an identifier, or null; one of no table has none, and is nothing to report.
 inline CCUICommandHandler *CUIFindCommand(unsigned int nID)
 {
-    return nID < 1000 ? nullptr : CCUICommandMap::Lookup(nID);
+    return CCUICommandMap::Find(nID);
 }
 
 // The long help of what OnMenuSelect names; "" where there is none.

@@ -5,6 +5,7 @@
 #include "CUI/Data.h"
 #include "CUI/Menu.h"
 #include "Control/ButtonParts.h"
+#include "Drawing/Look.h"
 #include "Window/Mirrored.h"
 
 namespace {
@@ -110,11 +111,12 @@ void CCUIButton::SetFlat(bool bFlat)
     UpdateLook();
 }
 
-void CCUIButton::SetPicture(const CCUIBitmap &bitmap, int nIndex, int cx, COLORREF crKey)
+void CCUIButton::SetPicture(const CCUIBitmap &bitmap, int nIndex, int cx, COLORREF crKey, int nDpi)
 {
-    m_bitmap = bitmap;
-    m_picture.cx = cx > 0 ? cx : bitmap.Width();
-    m_picture.cy = bitmap.Height();
+    int cxPicture = cx > 0 ? cx : bitmap.Width();
+    m_bitmap = CUIScaledPictures(bitmap, cxPicture, nDpi);
+    m_picture.cx = cxPicture;
+    m_picture.cy = m_bitmap.Height();
     m_xPicture = nIndex * m_picture.cx;
     m_crKey = crKey;
     ContentChanged();

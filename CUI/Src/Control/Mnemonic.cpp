@@ -2,29 +2,11 @@
 
 #include "CUI/CommandMap.h"
 #include "CUI/Control.h"
+#include "Window/MnemonicText.h"
 
 namespace {
 
 const int LONGEST_TEXT = 256;
-
-UINT Upper(UINT nChar)
-{
-    const auto character = static_cast<ULONG_PTR>(nChar & 0xFF);
-    return reinterpret_cast<ULONG_PTR>(CharUpperA(reinterpret_cast<char *>(character))) & 0xFF;
-}
-
-// Whether the character behind the text's single '&' is that one.
-bool HasMnemonic(const char *psz, UINT nUpper)
-{
-    for (; *psz; psz = CharNextA(psz)) {
-        if (*psz != '&')
-            continue;
-        ++psz;
-        if (*psz != '&')
-            return Upper(static_cast<BYTE>(*psz)) == nUpper;
-    }
-    return false;
-}
 
 LRESULT DialogCode(HWND hWnd)
 {
@@ -48,7 +30,7 @@ bool TakesInput(HWND hWnd, HWND hTop)
 struct CSearch
 {
     HWND hTop;
-    UINT nUpper;
+    char chMnemonic;
     HWND hFocus;
     HWND hFirst;  // of those found
     HWND hNext;   // the first behind the focus
@@ -66,7 +48,7 @@ BOOL CALLBACK Visit(HWND hWnd, LPARAM lParam)
     char szText[LONGEST_TEXT] = "";
     const LRESULT nCode = DialogCode(hWnd);
     if (!(nCode & (DLGC_BUTTON | DLGC_STATIC)) || HasNoPrefix(hWnd, nCode) ||
-        !GetWindowTextA(hWnd, szText, LONGEST_TEXT) || !HasMnemonic(szText, search.nUpper))
+        !GetWindowTextA(hWnd, szText, LONGEST_TEXT) || CUIMnemonicOf(szText) != search.chMnemonic)
         return TRUE;
     ++search.nCount;
     if (!search.hFirst)
@@ -86,7 +68,7 @@ int CUITranslateMnemonic(HWND hParent, const MSG *pMsg)
     // disabled yet.
     CCUICommandMap::IdleUpdate();
     CSearch search = {
-        hParent, Upper(static_cast<UINT>(pMsg->wParam)), GetFocus(), nullptr, nullptr, 0, false};
+        hParent, CUIUpper(static_cast<char>(pMsg->wParam)), GetFocus(), nullptr, nullptr, 0, false};
     EnumChildWindows(hParent, Visit, reinterpret_cast<LPARAM>(&search));
     const HWND hFound = search.hNext ? search.hNext : search.hFirst;
     if (!hFound)

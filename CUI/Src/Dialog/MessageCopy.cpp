@@ -7,20 +7,10 @@
 #include "CU/Dump.h"
 #include "CUI/MessageBox.h"
 #include "Dialog/MessageContent.h"
+#include "Dialog/MessageCopy.h"
+#include "Window/MnemonicText.h"
 
 namespace {
-
-// A caption without the marks of its mnemonic. No second byte of a character looks like one.
-CCUString WithoutMnemonic(const CCUString &sCaption)
-{
-    CCUString sPlain;
-    for (const char *psz = sCaption; *psz; ++psz) {
-        if (*psz == '&' && *++psz == '\0')
-            break;
-        sPlain += *psz;
-    }
-    return sPlain;
-}
 
 bool PutOnClipboard(UINT nFormat, const void *pData, SIZE_T nSize)
 {
@@ -68,7 +58,7 @@ CCUString CCUIMessageBox::GetCopyText()
     sText += "\r\n";
     sText += pszLine;
     for (int i = 0; i < m_pContent->m_nButtons; ++i) {
-        sText += WithoutMnemonic(m_pContent->m_buttons[i].sCaption);
+        sText += CUIWithoutMnemonic(m_pContent->m_buttons[i].sCaption);
         sText += "   ";
     }
     sText += "\r\n";

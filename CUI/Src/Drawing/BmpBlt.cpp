@@ -47,9 +47,9 @@ void DrawPlain(HDC hDC, HBITMAP hBmp, UINT &cxSrc, UINT &cySrc, HPALETTE hPal, i
     if (!hBmp)
         return;
     DefaultSize(hBmp, cxSrc, cySrc);
-    const HDC hImageDC = g_bmpImageDC.For(hDC);
+    HDC &hImageDC = g_bmpImageDC.For(hDC);
     const CCUISelectPalette palette(hImageDC, hPal, bForceBkgd);
-    const CCUISelect bitmap(hImageDC, hBmp);
+    const CCUISelectKept bitmap(hImageDC, hBmp);
     blit(hImageDC);
 }
 
@@ -85,10 +85,10 @@ void DrawThroughMask(HDC hDC, HBITMAP hImage, HBITMAP hMask, Blit blit)
     // With these colours the mask's ones become all ones and its zeros all zeros.
     SetBkColor(hDC, CUIGetWinData()->crMonoBkgnd);
     SetTextColor(hDC, CUIGetWinData()->crMonoText);
-    const HDC hImageDC = g_bmpImageDC.For(hDC);
-    const HDC hMaskDC = g_bmpMaskDC.For(hDC);
-    const CCUISelect image(hImageDC, hImage);
-    const CCUISelect mask(hMaskDC, hMask);
+    HDC &hImageDC = g_bmpImageDC.For(hDC);
+    HDC &hMaskDC = g_bmpMaskDC.For(hDC);
+    const CCUISelectKept image(hImageDC, hImage);
+    const CCUISelectKept mask(hMaskDC, hMask);
     // Inverting with the image twice leaves what was there. Where the mask is 0, it is made black
     // in between, and the image remains.
     blit(hImageDC, SRCINVERT);
@@ -156,26 +156,26 @@ void BlitMask(HDC hMaskDC, int cx, int cy, HDC hSourceDC, int xSrc, int ySrc, DW
 // cannot be made; unfilled when the copy cannot.
 HBITMAP MakeMask(HDC hDC, const CKeyedBitmap &source, const POINT *pAt)
 {
-    const HDC hImageDC = g_bmpImageDC.For(hDC);
-    const HDC hMaskDC = g_bmpMaskDC.For(hDC);
-    const HDC hWorkDC = g_bmpWorkDC.For(hDC);
+    HDC &hImageDC = g_bmpImageDC.For(hDC);
+    HDC &hMaskDC = g_bmpMaskDC.For(hDC);
+    HDC &hWorkDC = g_bmpWorkDC.For(hDC);
     const int cx = source.cx;
     const int cy = source.cy;
-    const CCUISelect image(hImageDC, source.hBmp);
+    const CCUISelectKept image(hImageDC, source.hBmp);
     // The mask DC holds the monochrome bitmap of every new DC: what is compatible is monochrome.
     const HBITMAP hMask = CreateCompatibleBitmap(hMaskDC, cx, cy);
     if (!hMask)
         return nullptr;
-    const CCUISelect mask(hMaskDC, hMask);
+    const CCUISelectKept mask(hMaskDC, hMask);
     const CCUIOwned<HBITMAP> workBitmap(CreateCompatibleBitmap(hDC, cx, cy));
     if (!workBitmap)
         return hMask;
-    const CCUISelect work(hWorkDC, workBitmap);
+    const CCUISelectKept work(hWorkDC, workBitmap);
 
     BlitMask(hMaskDC, cx, cy, hImageDC, source.xSrc, source.ySrc, source.crKey);
     BitBlt(hWorkDC, 0, 0, cx, cy, hImageDC, source.xSrc, source.ySrc, SRCCOPY);
     const CCUIOwned<HBRUSH> background(CreateSolidBrush(GetBkColor(hDC)));
-    const CCUISelect brush(hWorkDC, background);
+    const CCUISelectKept brush(hWorkDC, background);
     const CCUITextColor text(hWorkDC, CUIGetWinData()->crMonoText);
     const CCUIBkColor bkgnd(hWorkDC, CUIGetWinData()->crMonoBkgnd);
     BitBlt(hWorkDC, 0, 0, cx, cy, hMaskDC, 0, 0, CUI_ROP_DSPDXAX);
@@ -221,17 +221,17 @@ int CUIBmpTransparentCreate(HBITMAP hBmp, HBITMAP *phResult, HDC hDC, DWORD crFi
         return TRUE;
     const int cx = bm.bmWidth;
     const int cy = bm.bmHeight;
-    const HDC hKeyDC = g_bmpImageDC.For(hDC);
-    const HDC hSourceDC = g_bmpMaskDC.For(hDC);
+    HDC &hKeyDC = g_bmpImageDC.For(hDC);
+    HDC &hSourceDC = g_bmpMaskDC.For(hDC);
     const CCUIOwned<HBITMAP> keyBitmap(CreateBitmap(cx, cy, 1, 1, nullptr));
-    const CCUISelect key(hKeyDC, keyBitmap);
-    const CCUISelect source(hSourceDC, hBmp);
+    const CCUISelectKept key(hKeyDC, keyBitmap);
+    const CCUISelectKept source(hSourceDC, hBmp);
     BlitMask(hKeyDC, cx, cy, hSourceDC, 0, 0, GetPixel(hSourceDC, 0, 0));
 
-    const HDC hResultDC = g_bmpWorkDC.For(hDC);
+    HDC &hResultDC = g_bmpWorkDC.For(hDC);
     *phResult = CreateBitmap(cx, cy, static_cast<BYTE>(GetDeviceCaps(hDC, PLANES)),
                              static_cast<BYTE>(GetDeviceCaps(hDC, BITSPIXEL)), nullptr);
-    const CCUISelect result(hResultDC, *phResult);
+    const CCUISelectKept result(hResultDC, *phResult);
     const CCUIOwned<HBRUSH> fill(CreateSolidBrush(crFill));
     const RECT rect = {0, 0, cx, cy};
     FillRect(hResultDC, &rect, fill);

@@ -22,7 +22,7 @@ void CCUIBmpSharedDC::Release()
     m_hDC = nullptr;
 }
 
-HDC CCUIBmpSharedDC::For(HDC hDC)
+HDC &CCUIBmpSharedDC::For(HDC hDC)
 {
     const int nBits = s_depth.Of(hDC);
     if (m_hDC && m_nBits == nBits)

@@ -4,7 +4,7 @@
 #include "CUI/Platform.h"
 
 // A memory DC that is kept between calls and made again only when the target's depth changes. Who
-// selects something into it or changes a colour puts the old one back.
+// selects something into it (CCUISelectKept) or changes a colour puts the old one back.
 class CCUIBmpSharedDC : private CCULastCall
 {
 public:
@@ -13,7 +13,7 @@ public:
     CCUIBmpSharedDC &operator=(const CCUIBmpSharedDC &) = delete;
 
     // The DC, compatible with hDC now; null, and reported, when it could not be made.
-    HDC For(HDC hDC);
+    HDC &For(HDC hDC);
     // Deletes the DC; the next call of For makes another one.
     void Release();
 

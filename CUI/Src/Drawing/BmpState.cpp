@@ -25,8 +25,8 @@ public:
 
     void Prepare(DWORD crFace, DWORD crHilite);
     void Release();
-    HDC BitmapDC() const { return m_hBitmapDC; }
-    HDC MaskDC() const { return m_hMaskDC; }
+    HDC &BitmapDC() { return m_hBitmapDC; }
+    HDC &MaskDC() { return m_hMaskDC; }
     HBRUSH Pattern() const { return m_hbrPattern; }
 
 private:
@@ -182,10 +182,10 @@ void CUIBmpDrawState(HDC hDC, RECT *prc, HBITMAP hBmp, DWORD dwFlags, DWORD crFa
     const CUIBmpStateRects rects = {prc[0], prc[1], prc[2]};
     const CCUISavedDC saved(hDC);
     s_cache.Prepare(crFace, crHilite);
-    const CCUISelect image(s_cache.BitmapDC(), hBmp);
+    const CCUISelectKept image(s_cache.BitmapDC(), hBmp);
     const CCUIOwned<HBITMAP> maskBitmap(
         CreateBitmap(CUIWidth(rects.rcArea), CUIHeight(rects.rcArea), 1, 1, nullptr));
-    const CCUISelect mask(s_cache.MaskDC(), maskBitmap);
+    const CCUISelectKept mask(s_cache.MaskDC(), maskBitmap);
     if (!image || !maskBitmap || !mask) {
         CUDump("CUIBmpDraw error drawing bitmap.\n");
         return;

@@ -2,6 +2,7 @@
 
 #include "Base/GdiGuards.h"
 #include "Base/Wrap.h"
+#include "CU/Dump.h"
 #include "CUI/BmpBlt.h"
 #include "CUI/BmpState.h"
 #include "CUI/Data.h"
@@ -45,6 +46,28 @@ void CUIReloadSystemColors(CCUIBitmap &bitmap)
     bitmap.ReLoad(nullptr, nullptr, 0);
     if (bitmap.Width() != before.Width())
         bitmap = before;
+}
+
+CCUIBitmap CUIScaledPictures(const CCUIBitmap &strip, int &cx, int nDpi)
+{
+    const int nScreenDpi = CUIGetWinData()->cyPixelsPerInch;
+    const int nPictures = cx > 0 ? strip.Width() / cx : 0;
+    if (nPictures == 0 || nDpi <= 0 || nScreenDpi <= nDpi)
+        return strip;
+    const int cxTo = MulDiv(cx, nScreenDpi, nDpi);
+    const int cyTo = MulDiv(strip.Height(), nScreenDpi, nDpi);
+    const CCUIWindowDC screen(nullptr);
+    const CCUIBitmap scaled(CreateCompatibleBitmap(screen, nPictures * cxTo, cyTo), nullptr);
+    const CCUIMemoryDC memory(screen);
+    const CCUISelect bitmap(memory, scaled);
+    if (!scaled || !bitmap) {
+        CUDump("Unable to stretch pictures to %d dots an inch\n", nScreenDpi);
+        return strip;
+    }
+    CUIBmpStretchBlt(memory, 0, 0, nPictures * cxTo, cyTo, strip, 0, 0, nPictures * cx,
+                     strip.Height(), strip, TRUE);
+    cx = cxTo;
+    return scaled;
 }
 
 SIZE CUIMeasureText(HWND hWnd, HFONT hFont, const char *pszText, UINT nFormat)

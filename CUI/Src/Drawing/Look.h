@@ -13,6 +13,10 @@ bool CUIIsHighContrast();
 // A picture that has taken on the system's colours takes on those of now. It stays as it is where
 // it cannot be loaded any more.
 void CUIReloadSystemColors(CCUIBitmap &bitmap);
+// Pictures side by side, each cx pixels wide and drawn for nDpi dots an inch, in the size that the
+// screen wants, which cx becomes: stretched, but never shrunk. No colour is new, so that key
+// colours stay what they are.
+CCUIBitmap CUIScaledPictures(const CCUIBitmap &strip, int &cx, int nDpi);
 
 // The size of a text by DrawText, in the font of a window or, null, the system's.
 SIZE CUIMeasureText(HWND hWnd, HFONT hFont, const char *pszText, UINT nFormat);

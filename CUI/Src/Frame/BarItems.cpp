@@ -65,6 +65,21 @@ bool CCUIBarItems::Has(const CCUIBarItem *pItem, unsigned int nID) const
     return false;
 }
 
+void CCUIBarItems::SetPictures(const CCUIBitmap &strip, int cx, int nDpi)
+{
+    m_given = strip;
+    m_cxGiven = cx;
+    m_nDpi = nDpi;
+    RefreshPictures();
+}
+
+void CCUIBarItems::RefreshPictures()
+{
+    CUIReloadSystemColors(m_given);
+    m_cxPicture = m_cxGiven;
+    m_strip = CUIScaledPictures(m_given, m_cxPicture, m_nDpi);
+}
+
 bool CCUIBarItems::HasPicture(const CCUIBarItem &item) const
 {
     return item.IsButton() && item.nPicture >= 0 && m_cxPicture > 0 &&

@@ -87,8 +87,11 @@ public:
     // Length of the grip along the bar.
     int Grip() const;
 
-    CCUIBitmap m_strip;
-    int m_cxPicture = 16;
+    // The pictures, each cx pixels wide and made for nDpi dots an inch.
+    void SetPictures(const CCUIBitmap &strip, int cx, int nDpi);
+    // The system's colours, or the dots an inch, are others.
+    void RefreshPictures();
+
     bool m_bTexts = false;
     bool m_bGrip = true;
 
@@ -101,6 +104,11 @@ private:
     void DrawOverflow(HDC hDC, CCUIBarLook look) const;
 
     CCUArray<CCUIBarItem *> m_items;
+    CCUIBitmap m_given;  // the pictures as they came
+    int m_cxGiven = 16;
+    int m_nDpi = 96;     // of what came
+    CCUIBitmap m_strip;  // as they are shown
+    int m_cxPicture = 16;
     RECT m_rcOverflow = {0, 0, 0, 0};
     RECT m_rcOverflowBefore = {0, 0, 0, 0};
     int m_nAcross = 0;  // that the items have

@@ -174,10 +174,9 @@ void CCUIControlBar::SetDropDown(unsigned int nID, CCUIMenu *pMenu)
     ItemsChanged();
 }
 
-void CCUIControlBar::SetPictures(const CCUIBitmap &strip, int cxPicture)
+void CCUIControlBar::SetPictures(const CCUIBitmap &strip, int cxPicture, int nDpi)
 {
-    m_pItems->m_strip = strip;
-    m_pItems->m_cxPicture = cxPicture;
+    m_pItems->SetPictures(strip, cxPicture, nDpi);
     TextsChanged();
 }
 

@@ -409,7 +409,7 @@ bool CCUIControlBar::Handle(UINT message, WPARAM wParam, LPARAM lParam, long &re
         return true;
     }
     case WM_MENUSELECT: SendMessageA(Target(), message, wParam, lParam); return true;
-    case WM_SYSCOLORCHANGE: CUIReloadSystemColors(m_pItems->m_strip); break;
+    case WM_SYSCOLORCHANGE: m_pItems->RefreshPictures(); break;
     case WM_MOUSELEAVE: MouseHasLeft(); break;
     case WM_CANCELMODE: EndPress(); break;
     case WM_KILLFOCUS: SetHot(-1); break;

@@ -27,6 +27,47 @@ int ScreenDpi()
     return CUIGetWinData()->cyPixelsPerInch;
 }
 
+// For as long as it lives, nothing of the window is drawn that changes, and at its end all of it is
+// due. A hidden window is left alone: the system would show it.
+class CNoRedraw
+{
+public:
+    explicit CNoRedraw(HWND hWnd) : m_hWnd(IsWindowVisible(hWnd) ? hWnd : nullptr) { Set(FALSE); }
+    ~CNoRedraw()
+    {
+        Set(TRUE);
+        if (m_hWnd)
+            RedrawWindow(m_hWnd, nullptr, nullptr,
+                         RDW_INVALIDATE | RDW_ERASE | RDW_FRAME | RDW_ALLCHILDREN);
+    }
+    CNoRedraw(const CNoRedraw &) = delete;
+    CNoRedraw &operator=(const CNoRedraw &) = delete;
+
+private:
+    void Set(WPARAM bRedraw) const
+    {
+        if (m_hWnd)
+            SendMessageA(m_hWnd, WM_SETREDRAW, bRedraw, 0);
+    }
+
+    HWND m_hWnd;
+};
+
+// SetWindowPlacement would show it in its normal place first. Of a window that is maximised already
+// it sets that place alone; but Wine 8 moves it.
+void ShowMaximized(HWND hWnd, WINDOWPLACEMENT placement)
+{
+    ShowWindow(hWnd, SW_SHOWMAXIMIZED);
+    const CNoRedraw noRedraw(hWnd);
+    RECT rect;
+    GetWindowRect(hWnd, &rect);
+    placement.showCmd = SW_HIDE;  // as it is, while nothing is drawn
+    placement.ptMaxPosition = {-1, -1};
+    SetWindowPlacement(hWnd, &placement);
+    SetWindowPos(hWnd, nullptr, rect.left, rect.top, 0, 0,
+                 SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
+}
+
 }  // namespace
 
 void CCUIFrameWindow::ShowKept(const char *pszSection, int nShow)
@@ -92,9 +133,13 @@ int CCUIFrameWindow::SetFullScreen(bool bFull)
             return 1;
     }
     m_bSwitching = false;
+    // A bar that has gone had it.
+    if (m_hWnd && GetFocus() == m_hWnd)
+        FocusClient();
     return 1;
 }
 
+// Both ways the frame is first made what it will be, unseen, and then gets its place.
 void CCUIFrameWindow::EnterFullScreen()
 {
     CWatch watch(this);
@@ -106,14 +151,17 @@ void CCUIFrameWindow::EnterFullScreen()
     m_hMenuBefore = ::GetMenu(m_hWnd);
     m_nStyleBefore = GetWindowLongA(m_hWnd, GWL_STYLE) & FRAME_STYLE;
     m_bCovering = true;
-    m_pDocks->ShowBars(false);
-    if (!watch.IsGone() && m_bCovering)
-        OnFullScreen(true);
-    if (watch.IsGone() || !m_bCovering)
-        return;
-    const LONG nStyle = GetWindowLongA(m_hWnd, GWL_STYLE);
-    SetWindowLongA(m_hWnd, GWL_STYLE, nStyle & ~(FRAME_STYLE | WS_MAXIMIZE));
-    ::SetMenu(m_hWnd, nullptr);
+    {
+        const CNoRedraw noRedraw(m_hWnd);
+        m_pDocks->ShowBars(false);
+        if (!watch.IsGone() && m_bCovering)
+            OnFullScreen(true);
+        if (watch.IsGone() || !m_bCovering)
+            return;
+        const LONG nStyle = GetWindowLongA(m_hWnd, GWL_STYLE);
+        SetWindowLongA(m_hWnd, GWL_STYLE, nStyle & ~(FRAME_STYLE | WS_MAXIMIZE));
+        ::SetMenu(m_hWnd, nullptr);
+    }
     if (!watch.IsGone() && m_bCovering)
         CoverScreen();
 }
@@ -140,22 +188,28 @@ void CCUIFrameWindow::LeaveFullScreen()
 {
     CWatch watch(this);
     const HWND hWnd = m_hWnd;
-    m_pDocks->ShowBars(true);
-    if (!watch.IsGone() && m_hWnd == hWnd)
-        OnFullScreen(false);
-    if (watch.IsGone() || m_hWnd != hWnd)
-        return;
+    WINDOWPLACEMENT before = m_before;
     if (!IsWindowVisible(hWnd))
-        m_before.showCmd = SW_HIDE;
-    const WINDOWPLACEMENT before = m_before;
-    const HMENU hMenu = m_hMenuBefore;
-    m_bCovering = false;
-    m_hMenuBefore = nullptr;
-    SetWindowLongA(hWnd, GWL_STYLE, GetWindowLongA(hWnd, GWL_STYLE) | m_nStyleBefore);
-    ::SetMenu(hWnd, hMenu);
-    SetWindowPos(hWnd, nullptr, 0, 0, 0, 0,
-                 SWP_FRAMECHANGED | SWP_NOMOVE | SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
-    SetWindowPlacement(hWnd, &before);
+        before.showCmd = SW_HIDE;
+    {
+        const CNoRedraw noRedraw(hWnd);
+        m_pDocks->ShowBars(true);
+        if (!watch.IsGone() && m_hWnd == hWnd)
+            OnFullScreen(false);
+        if (watch.IsGone() || m_hWnd != hWnd)
+            return;
+        const HMENU hMenu = m_hMenuBefore;
+        m_bCovering = false;
+        m_hMenuBefore = nullptr;
+        SetWindowLongA(hWnd, GWL_STYLE, GetWindowLongA(hWnd, GWL_STYLE) | m_nStyleBefore);
+        ::SetMenu(hWnd, hMenu);
+        SetWindowPos(hWnd, nullptr, 0, 0, 0, 0,
+                     SWP_FRAMECHANGED | SWP_NOMOVE | SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
+    }
+    if (before.showCmd == SW_SHOWMAXIMIZED)
+        ShowMaximized(hWnd, before);
+    else
+        SetWindowPlacement(hWnd, &before);
 }
 
 void CCUIFrameWindow::OnFullScreen(bool) {}

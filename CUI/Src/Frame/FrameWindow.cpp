@@ -5,6 +5,7 @@
 #include "Base/Array.h"
 #include "Base/GdiGuards.h"
 #include "CU/Assert.h"
+#include "CUI/Accelerators.h"
 #include "CUI/Control.h"
 #include "CUI/ControlBar.h"
 #include "CUI/RecentFiles.h"
@@ -54,6 +55,14 @@ bool OfferPalette(HWND hFrame)
 bool CanFocus(HWND hFrame, HWND hWnd)
 {
     return hWnd && IsChild(hFrame, hWnd) && IsWindowVisible(hWnd) && IsWindowEnabled(hWnd);
+}
+
+// Whether the window is a combo box, or the field of one, whose list is open: Escape closes it. No
+// other window knows the message.
+bool HasOpenList(HWND hWnd)
+{
+    return SendMessageA(hWnd, CB_GETDROPPEDSTATE, 0, 0) ||
+           SendMessageA(GetParent(hWnd), CB_GETDROPPEDSTATE, 0, 0);
 }
 
 }  // namespace
@@ -239,16 +248,8 @@ int CCUIFrameWindow::SetMenu(HINSTANCE hInstance, const char *name)
 
 int CCUIFrameWindow::SetAccelerators(HINSTANCE hInstance, const char *name)
 {
-    // Not to be destroyed: it is the system's, as all resources are.
-    const HACCEL hTable = LoadAcceleratorsA(hInstance, name);
-    const int nCount = hTable ? CopyAcceleratorTableA(hTable, nullptr, 0) : 0;
-    if (nCount <= 0)
-        return 0;
-    auto *const pKeys = new ACCEL[static_cast<unsigned int>(nCount)];
-    CopyAcceleratorTableA(hTable, pKeys, nCount);
-    const int bSet = SetAccelerators(pKeys, nCount);
-    delete[] pKeys;
-    return bSet;
+    const CCUIAccelerators keys(hInstance, name);
+    return keys.GetCount() > 0 && SetAccelerators(keys.GetKeys(), keys.GetCount());
 }
 
 int CCUIFrameWindow::PreTranslateMessage(MSG *pMsg)
@@ -273,7 +274,7 @@ bool CCUIFrameWindow::TranslateOwnKey(const MSG &msg)
         return false;
     if (msg.wParam == VK_F6)
         return CCUIControlBar::ActivateNext(m_hWnd, GetKeyState(VK_SHIFT) < 0);
-    if (msg.wParam != VK_ESCAPE || !m_bFullScreen)
+    if (msg.wParam != VK_ESCAPE || !m_bFullScreen || HasOpenList(msg.hwnd))
         return false;
     SetFullScreen(false);
     return true;

@@ -76,7 +76,8 @@ void CCUIStatusBar::RemovePane(int nPane)
         return;
     Repaint(pPane->rc);
     m_pPanes->Remove(nPane, 1);
-    Remeasure();
+    Layout();
+    SetFixedSize(m_pPanes->NaturalHeight());
 }
 
 RECT CCUIStatusBar::GetPaneRect(int nPane) const
@@ -111,13 +112,16 @@ CCUString CCUIStatusBar::GetText(int nPane) const
     return pPane ? pPane->sText : CCUString();
 }
 
-void CCUIStatusBar::SetPicture(int nPane, const CCUIBitmap &bitmap)
+void CCUIStatusBar::SetPicture(int nPane, const CCUIBitmap &bitmap, int nDpi)
 {
     CCUIStatusPane *const pPane = Pane(nPane);
-    if (!pPane || pPane->picture.GetData() == bitmap.GetData())
+    if (!pPane || (pPane->given.GetData() == bitmap.GetData() && pPane->nDpi == nDpi))
         return;
-    const bool bHigher = bitmap.Height() != pPane->picture.Height();
-    pPane->picture = bitmap;
+    const int nHeight = pPane->picture.Height();
+    pPane->given = bitmap;
+    pPane->nDpi = nDpi;
+    pPane->RefreshPicture();
+    const bool bHigher = pPane->picture.Height() != nHeight;
     pPane->cxContent = -1;
     Repaint(*pPane, true);
     if (bHigher)
@@ -172,7 +176,8 @@ void CCUIStatusBar::ShowCommandHelp(UINT nID, UINT nFlags)
 
 void CCUIStatusBar::Repaint(const RECT &rect)
 {
-    if (m_hWnd)
+    // Of thousands of panes few have room.
+    if (m_hWnd && !IsRectEmpty(&rect))
         InvalidateRect(m_hWnd, &rect, FALSE);
 }
 
@@ -278,7 +283,7 @@ void CCUIStatusBar::OnPaint(HDC hDC)
 void CCUIStatusBar::ReloadPictures()
 {
     for (int i = 0; i < m_pPanes->Count(); ++i)
-        CUIReloadSystemColors((*m_pPanes)[i].picture);
+        (*m_pPanes)[i].RefreshPicture();
 }
 
 // --- The mouse ---

@@ -67,6 +67,13 @@ RECT CCUIStatusPane::ProgressRect() const
     return rcDone;
 }
 
+void CCUIStatusPane::RefreshPicture()
+{
+    CUIReloadSystemColors(given);
+    int cx = given.Width();
+    picture = CUIScaledPictures(given, cx, nDpi);
+}
+
 void CCUIStatusPane::Draw(HDC hDC, const CCUString *psHelp, COLORREF crText) const
 {
     CUIDCDraw3dRect(hDC, &rc, CUISystemColor(COLOR_BTNSHADOW), CUISystemColor(COLOR_BTNHIGHLIGHT),

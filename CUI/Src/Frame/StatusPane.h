@@ -9,6 +9,8 @@ struct CCUIStatusPane
     CUIPaneWidth width = CUI_PANE_STRETCH;
     int nSize = 1;
     CCUString sText;
+    CCUIBitmap given;  // the picture as it came
+    int nDpi = 96;     // that it was drawn for
     CCUIBitmap picture;
     int nProgress = 0;
     int nMost = 0;       // 0: no progress
@@ -19,6 +21,8 @@ struct CCUIStatusPane
     // Where the pane's progress has come to, in pixels of its client rectangle.
     int ProgressWidth() const;
     RECT ProgressRect() const;
+    // Makes the picture of what was given, for the screen's colours and dots an inch of now.
+    void RefreshPicture();
     void Draw(HDC hDC, const CCUString *psHelp, COLORREF crText) const;
 
 private:

@@ -165,13 +165,14 @@ int CCUIMenu::SetDefault(UINT nID)
     return place.Find(m_hMenu, nID) && SetMenuDefaultItem(place.hMenu, place.nItem, TRUE);
 }
 
-int CCUIMenu::SetPictures(const CCUIBitmap &strip, const UINT *pIDs, int nCount)
+int CCUIMenu::SetPictures(const CCUIBitmap &strip, const UINT *pIDs, int nCount, int nDpi)
 {
     CU_ASSERT(nCount > 0 && pIDs);
     if (nCount <= 0 || !pIDs)
         return 0;
     auto *const pPictures = new CCUIMenuPictures;
-    pPictures->m_strip = strip;
+    pPictures->m_given = strip;
+    pPictures->m_nDpi = nDpi;
     for (int i = 0; i < nCount; ++i) {
         if (pIDs[i])
             pPictures->m_ids.Add(pIDs[i]);

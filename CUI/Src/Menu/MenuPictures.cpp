@@ -15,11 +15,14 @@ int CCUIMenuPictures::Find(UINT nID) const
 
 void CCUIMenuPictures::Refresh()
 {
-    const DWORD dwStamp = CUIGetWinData()->dwColorStamp;
-    if (dwStamp == m_dwColorStamp)
+    const CUIData &data = *CUIGetWinData();
+    if (data.dwColorStamp == m_dwColorStamp && data.cyPixelsPerInch == m_nScreenDpi)
         return;
-    m_dwColorStamp = dwStamp;
-    CUIReloadSystemColors(m_strip);
+    m_dwColorStamp = data.dwColorStamp;
+    m_nScreenDpi = data.cyPixelsPerInch;
+    CUIReloadSystemColors(m_given);
+    int cx = m_given.Width() / m_ids.Count();
+    m_strip = CUIScaledPictures(m_given, cx, m_nDpi);
     const CCUIMemoryDC memory(nullptr);
     const CCUISelect bitmap(memory, m_strip);
     m_crKey = GetPixel(memory, 0, 0);

@@ -7,28 +7,13 @@
 #include "CUI/Data.h"
 #include "Menu/MenuItem.h"
 #include "Menu/MenuPictures.h"
+#include "Window/MnemonicText.h"
 
 namespace {
 
 bool IsSame(const ACCEL &key1, const ACCEL &key2)
 {
     return key1.cmd == key2.cmd && key1.key == key2.key && key1.fVirt == key2.fVirt;
-}
-
-char Upper(char ch)
-{
-    CharUpperBuffA(&ch, 1);
-    return ch;
-}
-
-// The character that chooses an item: behind a single '&'; 0: there is none.
-char Mnemonic(const char *pszText)
-{
-    for (const char *p = strchr(pszText, '&'); p; p = strchr(p + 2, '&')) {
-        if (p[1] != '&')
-            return Upper(p[1]);
-    }
-    return 0;
 }
 
 // Where a character leads among the items of a menu.
@@ -241,15 +226,15 @@ int CCUIMenuPopup::TextLeft() const
 
 long CCUIMenuPopup::Character(UINT nChar) const
 {
-    const char ch = Upper(static_cast<char>(nChar));
+    const char ch = CUIUpper(static_cast<char>(nChar));
     const int nItems = GetMenuItemCount(m_hMenu);
     CMatches mnemonics;
     CMatches initials;  // of items without mnemonic: they count where no mnemonic fits
     for (int i = 0; i < nItems; ++i) {
         CUIMenuItem item;
         item.Read(m_hMenu, static_cast<UINT>(i));
-        const char chMnemonic = Mnemonic(item.m_sText);
-        const char chItem = chMnemonic ? chMnemonic : Upper(item.m_sText[0]);
+        const char chMnemonic = CUIMnemonicOf(item.m_sText);
+        const char chItem = chMnemonic ? chMnemonic : CUIUpper(item.m_sText[0]);
         if (item.HasText() && chItem == ch)
             (chMnemonic ? mnemonics : initials).Add(i, !(item.m_nState & MFS_DISABLED));
         if (item.m_nState & MFS_HILITE)

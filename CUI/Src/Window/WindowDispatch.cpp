@@ -22,8 +22,14 @@ CCUIWindow::CWatch::CWatch(CCUIWindow *pWindow) : m_pWindow(pWindow), m_pNext(pW
 
 CCUIWindow::CWatch::~CWatch()
 {
-    if (m_pWindow)
-        m_pWindow->m_pWatch = m_pNext;
+    if (!m_pWindow)
+        return;
+    // The first, unless another thread than the window's called the object meanwhile.
+    CWatch **pp = &m_pWindow->m_pWatch;
+    while (*pp && *pp != this)
+        pp = &(*pp)->m_pNext;
+    if (*pp)
+        *pp = m_pNext;
 }
 
 // The message that a window is handling, on the stack of the window procedure. Messages nest: the

@@ -60,12 +60,13 @@ int CMainWindow::OnCreate(CREATESTRUCTA *pCreate)
     KeepSettings(false);
     const bool bLarge = CUIGetWinData()->cyPixelsPerInch >= 120;
     const CCUIBitmap strip(bLarge ? IDB_LARGE_TOOLS : IDB_TOOLS, CUIBMP_SYSCOLORS, Instance());
-    m_menu.SetPictures(strip, TOOLS);
-    m_canvasMenu.SetPictures(strip, TOOLS);
+    const int nDpi = bLarge ? 144 : 96;  // that they were drawn for
+    m_menu.SetPictures(strip, TOOLS, ARRAYSIZE(TOOLS), nDpi);
+    m_canvasMenu.SetPictures(strip, TOOLS, ARRAYSIZE(TOOLS), nDpi);
     SetMenu(m_menu.GetHandle());
     SetAccelerators(Instance(), MAKEINTRESOURCEA(IDR_MAIN));
     AcceptFiles(true);
-    m_bar.SetPictures(strip, strip.Height());
+    m_bar.SetPictures(strip, strip.Height(), nDpi);
     m_bar.CreateBar(*this, 1, "Tools");
     m_bar.SetButtons(TOOLS);
     AddBar(&m_bar);
