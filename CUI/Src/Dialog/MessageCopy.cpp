@@ -7,7 +7,6 @@
 #include "CU/Dump.h"
 #include "CUI/MessageBox.h"
 #include "Dialog/MessageContent.h"
-#include "Dialog/MessageCopy.h"
 #include "Window/MnemonicText.h"
 
 namespace {
