@@ -111,6 +111,44 @@ private:
     HDC m_hDC;
 };
 
+// A bitmap that stays selected into a memory DC of its own: null until there is one.
+class CCUIBitmapDC : private CCUIGdiGuard
+{
+public:
+    CCUIBitmapDC() = default;
+    ~CCUIBitmapDC() { Release(); }
+    // Takes the bitmap over, into a DC compatible with another one; null: with the screen. False,
+    // and nothing is there any more, when the bitmap is null or there is no memory.
+    bool Take(HDC hDC, HBITMAP hBitmap)
+    {
+        Release();
+        m_hBitmap = hBitmap;
+        m_hDC = hBitmap ? CreateCompatibleDC(hDC) : nullptr;
+        m_hOld = m_hDC ? SelectObject(m_hDC, hBitmap) : nullptr;
+        if (!m_hOld)
+            Release();
+        return m_hOld != nullptr;
+    }
+    void Release()
+    {
+        if (m_hOld)
+            SelectObject(m_hDC, m_hOld);
+        if (m_hDC)
+            DeleteDC(m_hDC);
+        if (m_hBitmap)
+            DeleteObject(m_hBitmap);
+        m_hDC = nullptr;
+        m_hBitmap = nullptr;
+        m_hOld = nullptr;
+    }
+    operator HDC() const { return m_hDC; }
+
+private:
+    HDC m_hDC = nullptr;
+    HBITMAP m_hBitmap = nullptr;
+    HGDIOBJ m_hOld = nullptr;
+};
+
 // Everything that is set on a DC.
 class CCUISavedDC : private CCUIGdiGuard
 {

@@ -11,7 +11,7 @@
 
 bool CCUIEffectSurface::Make(HDC hDC, int cx, int cy)
 {
-    return Select(hDC, CreateCompatibleBitmap(hDC, cx, cy));
+    return m_dc.Take(hDC, CreateCompatibleBitmap(hDC, cx, cy));
 }
 
 bool CCUIEffectSurface::MakeMask(int cx, int cy, BYTE **ppBits)
@@ -27,36 +27,14 @@ bool CCUIEffectSurface::MakeMask(int cx, int cy, BYTE **ppBits)
                                              DIB_RGB_COLORS, &pBits, nullptr, 0);
     if (ppBits)
         *ppBits = static_cast<BYTE *>(pBits);
-    return Select(nullptr, hBitmap);
-}
-
-bool CCUIEffectSurface::Select(HDC hDC, HBITMAP hBitmap)
-{
-    Release();
-    m_hBitmap = hBitmap;
-    m_hDC = hBitmap ? CreateCompatibleDC(hDC) : nullptr;
-    m_hOld = SelectObject(m_hDC, hBitmap);
-    return m_hOld != nullptr;
-}
-
-void CCUIEffectSurface::Release()
-{
-    if (m_hOld)
-        SelectObject(m_hDC, m_hOld);
-    if (m_hDC)
-        DeleteDC(m_hDC);
-    if (m_hBitmap)
-        DeleteObject(m_hBitmap);
-    m_hDC = nullptr;
-    m_hBitmap = nullptr;
-    m_hOld = nullptr;
+    return m_dc.Take(nullptr, hBitmap);
 }
 
 void CCUIEffectSurface::Copy(HDC hDC, int x, int y, int cx, int cy, int xFrom, int yFrom,
                              DWORD dwRop) const
 {
     if (cx > 0 && cy > 0)
-        BitBlt(hDC, x, y, cx, cy, m_hDC, xFrom, yFrom, dwRop);
+        BitBlt(hDC, x, y, cx, cy, m_dc, xFrom, yFrom, dwRop);
 }
 
 // --- Pictures ---

@@ -4,34 +4,24 @@
 #include "Base/GdiGuards.h"
 #include "CUI/Effects.h"
 
-// A picture in memory that stays selected into a DC of its own: to select it for each frame can
-// take longer than to copy it (Wine 8 looks the display mode up).
+// A picture in memory. It stays selected: to select it for each frame can take longer than to copy
+// it (Wine 8 looks the display mode up).
 class CCUIEffectSurface
 {
 public:
-    CCUIEffectSurface() = default;
-    ~CCUIEffectSurface() { Release(); }
-    CCUIEffectSurface(const CCUIEffectSurface &) = delete;
-    CCUIEffectSurface &operator=(const CCUIEffectSurface &) = delete;
-
     // In the colours of hDC. False: there is no memory.
     bool Make(HDC hDC, int cx, int cy);
     // In black, all zeros, and white, all ones, whatever the colours of the target. The bits are of
     // rows from the top down, each of a multiple of 4 bytes; GDI's until GdiFlush.
     bool MakeMask(int cx, int cy, BYTE **ppBits = nullptr);
-    HDC DC() const { return m_hDC; }
-    bool IsMade() const { return m_hBitmap != nullptr; }
+    HDC DC() const { return m_dc; }
+    bool IsMade() const { return DC() != nullptr; }
     // Puts a part onto hDC; an empty one does nothing.
     void Copy(HDC hDC, int x, int y, int cx, int cy, int xFrom, int yFrom,
               DWORD dwRop = SRCCOPY) const;
 
 private:
-    bool Select(HDC hDC, HBITMAP hBitmap);
-    void Release();
-
-    HDC m_hDC = nullptr;
-    HBITMAP m_hBitmap = nullptr;
-    HGDIOBJ m_hOld = nullptr;
+    CCUIBitmapDC m_dc;
 };
 
 // What the frames of an effect are drawn with.

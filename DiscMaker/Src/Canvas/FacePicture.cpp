@@ -1,6 +1,5 @@
 #include "Canvas/FacePicture.h"
 
-#include "Base/GdiGuards.h"
 #include "CU/Dump.h"
 
 namespace {
@@ -9,34 +8,17 @@ const SIZE SIZE_WITHOUT_BACKGROUND = {514, 345};
 
 }  // namespace
 
-void CFacePicture::Release()
-{
-    if (!m_hDC)
-        return;
-    SelectObject(m_hDC, m_hOld);
-    DeleteObject(m_hBitmap);
-    DeleteDC(m_hDC);
-    m_hDC = nullptr;
-}
-
 void CFacePicture::MakeAsLarge(const SIZE &size)
 {
-    if (m_hDC && size.cx == m_size.cx && size.cy == m_size.cy)
+    if (m_dc && size.cx == m_size.cx && size.cy == m_size.cy)
         return;
-    Release();
+    m_dc.Release();
     m_size = size;
     const CCUIWindowDC screen(nullptr);
-    m_hBitmap = CreateCompatibleBitmap(screen, size.cx, size.cy);
-    m_hDC = m_hBitmap ? CreateCompatibleDC(screen) : nullptr;
-    if (!m_hDC) {
+    if (m_dc.Take(screen, CreateCompatibleBitmap(screen, size.cx, size.cy)))
+        SetBkMode(m_dc, TRANSPARENT);
+    else
         CUDump("DiscMaker: no picture of %ld x %ld: error %lu\n", size.cx, size.cy, GetLastError());
-        if (m_hBitmap)
-            DeleteObject(m_hBitmap);
-        m_hBitmap = nullptr;
-        return;
-    }
-    m_hOld = SelectObject(m_hDC, m_hBitmap);
-    SetBkMode(m_hDC, TRANSPARENT);
 }
 
 void CFacePicture::Draw(CLauncherFace &face, int nHotSpot)
@@ -49,20 +31,20 @@ void CFacePicture::Draw(CLauncherFace &face, int nHotSpot)
 
 void CFacePicture::DrawPart(CLauncherFace &face, int nHotSpot, const RECT &part)
 {
-    if (!m_hDC)
+    if (!m_dc)
         return;
-    const CCUISavedDC saved(m_hDC);
-    IntersectClipRect(m_hDC, part.left, part.top, part.right, part.bottom);
+    const CCUISavedDC saved(m_dc);
+    IntersectClipRect(m_dc, part.left, part.top, part.right, part.bottom);
     if (!face.Background())
-        PatBlt(m_hDC, part.left, part.top, part.right - part.left, part.bottom - part.top,
+        PatBlt(m_dc, part.left, part.top, part.right - part.left, part.bottom - part.top,
                WHITENESS);
-    face.Draw(m_hDC, nHotSpot, HotSpotNone);
+    face.Draw(m_dc, nHotSpot, HotSpotNone);
 }
 
 SIZE CFacePicture::Measure(HFONT hFont, const CCUString &sText) const
 {
-    const CCUISelect font(m_hDC, hFont);
+    const CCUISelect font(m_dc, hFont);
     SIZE size = {};
-    GetTextExtentPoint32A(m_hDC, sText, sText.GetLength(), &size);
+    GetTextExtentPoint32A(m_dc, sText, sText.GetLength(), &size);
     return size;
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Base/GdiGuards.h"
 #include "CUI/Platform.h"
 #include "LauncherFace.h"
 
@@ -7,11 +8,6 @@
 class CFacePicture
 {
 public:
-    CFacePicture() {}
-    ~CFacePicture() { Release(); }
-    CFacePicture(const CFacePicture &) = delete;
-    CFacePicture &operator=(const CFacePicture &) = delete;
-
     // Makes the picture as large as the face is, or, without a background, as large as most are,
     // and draws it all. The lines are measured then, if they were not.
     void Draw(CLauncherFace &face, int nHotSpot);
@@ -22,14 +18,11 @@ public:
 
     const SIZE &Size() const { return m_size; }
     // To copy from; null until it is drawn, or when there is no memory.
-    HDC GetDC() const { return m_hDC; }
+    HDC GetDC() const { return m_dc; }
 
 private:
     void MakeAsLarge(const SIZE &size);
-    void Release();
 
-    HDC m_hDC = nullptr;
-    HBITMAP m_hBitmap = nullptr;
-    HGDIOBJ m_hOld = nullptr;
+    CCUIBitmapDC m_dc;
     SIZE m_size = {};
 };
