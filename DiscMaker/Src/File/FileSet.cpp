@@ -104,7 +104,7 @@ bool CFileSet::Write(CFile &file, CProblems &problems)
     const DWORD nAttributes = GetFileAttributesA(file.m_sPath);
     file.m_bReplaces = nAttributes != INVALID_FILE_ATTRIBUTES;
     DWORD nError = NO_ERROR;
-    // Some systems replace such a file without a word.
+    // Wine 8 replaces a file that is read-only without a word.
     if (file.m_bReplaces && (nAttributes & (FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_DIRECTORY)))
         nError = ERROR_ACCESS_DENIED;
     if (nError == NO_ERROR) {

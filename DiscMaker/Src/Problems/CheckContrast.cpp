@@ -70,7 +70,7 @@ void CheckItem(CSkinCheck &check, const CSkinItem &item, bool &bHighlightBad)
                    CCUString(FindSkinEntry(item.m_nText)->m_pszCaption) +
                        ": the picture is too dark under the text, which is black.",
                    "It is hard to read.");
-    if (item.m_kind == ItemLine &&
+    if (item.m_kind == DrawnLine &&
         !IsReadable(picture, rect, check.m_look.Highlight(), WANTED_HIGHLIGHT_RATIO))
         bHighlightBad = true;
 }

@@ -93,7 +93,7 @@ void CheckOverlap(CSkinCheck &check, const CSkinItem &below, const CSkinItem &ab
     if (!IntersectRect(&both, &first, &second))
         return;
     // Somebody may well want a text on the product picture.
-    check.Add(below.m_kind == ItemProduct ? ProblemNote : ProblemWarning, above.m_nPlace,
+    check.Add(below.m_kind == DrawnProduct ? ProblemNote : ProblemWarning, above.m_nPlace,
               NameOf(above) + " overlaps " + NameOf(below) + ".", "One is drawn over the other.");
 }
 

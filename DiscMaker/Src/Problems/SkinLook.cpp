@@ -111,9 +111,9 @@ CSkinLook::CSkinLook(const CSkin &skin, const CSkinStrings &strings)
 {
     if (!ReadPicture(skin, PictureBackground, m_picture))
         m_picture = CPixels();
-    AddPicture(skin, PictureProduct, ItemProduct, IDS_PRODUCT_POS);
+    AddPicture(skin, PictureProduct, DrawnProduct, IDS_PRODUCT_POS);
     for (const UINT nPlace : BULLET_PLACES)
-        AddPicture(skin, PictureBullet, ItemBullet, nPlace);
+        AddPicture(skin, PictureBullet, DrawnBullet, nPlace);
 
     const CCUIMemoryDC hDC(nullptr);
     // In the order in which the launcher reads them: what a font does not say is as in the one
@@ -122,14 +122,14 @@ CSkinLook::CSkinLook(const CSkin &skin, const CSkinStrings &strings)
     const CCUIOwned<HFONT> item(MakeFont(IDS_ITEM_FONT));
     const CCUIOwned<HFONT> about(MakeFont(IDS_ABOUT_FONT));
     const CCUISelect select(hDC, title);
-    AddText(hDC, ItemTitle, IDS_TITLE, IDS_TITLE_POS);
+    AddText(hDC, DrawnTitle, IDS_TITLE, IDS_TITLE_POS);
     SelectObject(hDC, about);
     AddDescription(hDC);
     SelectObject(hDC, item);
-    AddText(hDC, ItemLine, IDS_SETUP, IDS_SETUP_POS);
-    AddText(hDC, ItemLine, IDS_EXIT, IDS_EXIT_POS);
-    AddText(hDC, ItemLine, IDS_RUN, IDS_RUN_POS);
-    AddText(hDC, ItemLine, IDS_HELP, IDS_HELP_POS);
+    AddText(hDC, DrawnLine, IDS_SETUP, IDS_SETUP_POS);
+    AddText(hDC, DrawnLine, IDS_EXIT, IDS_EXIT_POS);
+    AddText(hDC, DrawnLine, IDS_RUN, IDS_RUN_POS);
+    AddText(hDC, DrawnLine, IDS_HELP, IDS_HELP_POS);
     ReadHighlight();
 }
 
@@ -147,7 +147,7 @@ void CSkinLook::AddPicture(const CSkin &skin, SkinPicture picture, SkinItemKind 
     const bool bPlaced = ReadPlace(nPlace, at);
     const RECT rect = RectAt(at, pixels.m_cx, pixels.m_cy);
     const RECT seen = Draw(m_picture, pixels, at);
-    m_items.push_back({kind, 0, nPlace, rect, kind == ItemProduct ? seen : rect, bPlaced});
+    m_items.push_back({kind, 0, nPlace, rect, kind == DrawnProduct ? seen : rect, bPlaced});
 }
 
 HFONT CSkinLook::MakeFont(UINT nEntry)
@@ -181,7 +181,7 @@ void CSkinLook::AddDescription(HDC hDC)
     RECT shown = RectAt({m_rectDescription.left, m_rectDescription.top}, m_sizeDescription.cx,
                         m_sizeDescription.cy);
     IntersectRect(&shown, &shown, &m_rectDescription);
-    m_items.push_back({ItemDescription, IDS_ABOUT, IDS_ABOUT_RECT, shown, shown, bPlaced});
+    m_items.push_back({DrawnDescription, IDS_ABOUT, IDS_ABOUT_RECT, shown, shown, bPlaced});
 }
 
 void CSkinLook::ReadHighlight()

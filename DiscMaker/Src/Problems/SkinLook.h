@@ -6,11 +6,11 @@
 
 enum SkinItemKind
 {
-    ItemProduct,
-    ItemBullet,
-    ItemTitle,
-    ItemDescription,
-    ItemLine
+    DrawnProduct,
+    DrawnBullet,
+    DrawnTitle,
+    DrawnDescription,
+    DrawnLine
 };
 
 // One thing that the launcher draws.
