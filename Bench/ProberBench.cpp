@@ -13,13 +13,6 @@ namespace {
 CCUProberLong s_probed("\\Bench", "Probed");
 volatile long s_plain;
 
-// A table without the row would look as if all was well.
-[[noreturn]] void Stop(const char *why)
-{
-    fprintf(stderr, "Prober: %s\n", why);
-    exit(1);
-}
-
 void CompareReading()
 {
     BenchCompare(
@@ -71,11 +64,12 @@ void CompareFinding()
         1.0);
 }
 
-void CompareAsking(HWND hProgram, HWND hPlain)
+// Null, or why there is no row.
+const char *CompareAsking(HWND hProgram, HWND hPlain)
 {
     CCUProberClient client;
     if (!client.Connect(hProgram, 60000) || client.List() < 1000)
-        Stop("the program does not answer");
+        return "the program does not answer";
     std::vector<unsigned long> ids;
     for (int i = client.List() - 1000; ids.size() < 1000; ++i)
         ids.push_back(client.GetEntry(i).nID);
@@ -88,8 +82,7 @@ void CompareAsking(HWND hProgram, HWND hPlain)
         [&] { BenchKeep(client.Read(ids.data(), values.data(), 1000)); },
         "SendMessage of as many bytes",
         [&] { SendMessageA(hPlain, WM_COPYDATA, 0, reinterpret_cast<LPARAM>(&data)); }, 1.5);
-    if (values[999].nResult != CU_PROBER_DONE)
-        Stop("the values did not come");
+    return values[999].nResult == CU_PROBER_DONE ? nullptr : "the values did not come";
 }
 
 }  // namespace
@@ -98,7 +91,8 @@ BENCH_GROUP(Prober)
 {
     CompareReading();
     CompareFinding();
-    TimeProgramStart(BENCH_PROBER, [] {
+    const char *fault = "there is no program to be asked";
+    TimeProgramStart(BENCH_PROBER, [&] {
         HWND hPlain = nullptr;
         while (!(hPlain = FindWindowA("BenchTakeBytes", nullptr)))
             Sleep(1);
@@ -107,9 +101,13 @@ BENCH_GROUP(Prober)
         do
             hProgram = CCUProberClient::GetNextProgram(hProgram);
         while (hProgram && GetWindowThreadProcessId(hProgram, nullptr) != nThread);
-        if (!hProgram)
-            Stop("there is no program to be asked");
-        CompareAsking(hProgram, hPlain);
+        if (hProgram)
+            fault = CompareAsking(hProgram, hPlain);
         PostThreadMessageA(nThread, WM_QUIT, 0, 0);
     });
+    // A table without the row would look as if all was well.
+    if (fault) {
+        fprintf(stderr, "Prober: %s\n", fault);
+        exit(1);
+    }
 }

@@ -238,6 +238,15 @@ TEST(LauncherFile, LosesNothingWhenItCannotSave)
             });
         ExpectFailure("the disk is full");
     }
+    {
+        // A drive that says it has all and keeps nothing.
+        CFakeCall<BOOL(HANDLE, const void *, DWORD, DWORD *, OVERLAPPED *)> forgets(
+            "WriteFile", [](HANDLE, const void *, DWORD nSize, DWORD *pWritten, OVERLAPPED *) {
+                *pWritten = nSize;
+                return TRUE;
+            });
+        ExpectFailure("The file cannot be written");
+    }
     SetFileAttributesA(path.c_str(), FILE_ATTRIBUTE_READONLY);
     ExpectFailure("write-protected");
     SetFileAttributesA(path.c_str(), FILE_ATTRIBUTE_NORMAL);
