@@ -10,6 +10,7 @@
 #define CU_NOINLINE __declspec(noinline)
 #define CU_COLD  // for size, whatever the source is compiled for
 #define CU_ALWAYS_INLINE __forceinline
+#define CU_USED  // kept, though nobody names it
 // The frame of the function that says it: the caller's frame pointer, then the return address.
 #define CU_FRAME_ADDRESS() (static_cast<void **>(_AddressOfReturnAddress()) - 1)
 
@@ -25,6 +26,7 @@ inline bool CUAddOverflows(int n1, int n2, int &nSum)
 #define CU_NOINLINE __attribute__((noinline))
 #define CU_COLD __attribute__((cold))
 #define CU_ALWAYS_INLINE __attribute__((always_inline)) inline
+#define CU_USED __attribute__((used))
 #define CU_FRAME_ADDRESS() (static_cast<void **>(__builtin_frame_address(0)))
 // A function that may be missing: its address is null then. Visual Studio's has no word for it.
 #define CU_WEAK __attribute__((weak))

@@ -6,6 +6,7 @@
 // CU_BEFORE_STATICS(name, function): void function() runs before the constructors of all statics.
 // CU_LOADER_CALLBACK(name, function): the loader calls it at the start and end of threads and of
 // the process. `name` is the program's only one of its kind.
+// CU_EXPORT_BY_HAND(name): the linker exports what has that decorated name, a text.
 
 #if defined(_MSC_VER)
 
@@ -24,6 +25,7 @@
         extern const PIMAGE_TLS_CALLBACK name;                                      \
         __declspec(allocate(".CRT$XLD")) const PIMAGE_TLS_CALLBACK name = function; \
     }
+#define CU_EXPORT_BY_HAND(name) __pragma(comment(linker, "/export:" name))
 
 #else
 
@@ -37,5 +39,7 @@
     extern const PIMAGE_TLS_CALLBACK name;                                                \
     __attribute__((section(".CRT$XLD"), used)) const PIMAGE_TLS_CALLBACK name = function; \
     }
+#define CU_EXPORT_BY_HAND(name) \
+    asm(".section .drectve\n.ascii \" -export:\\\"" name "\\\"\"\n.text");
 
 #endif

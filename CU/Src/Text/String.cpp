@@ -7,6 +7,8 @@
 #include <limits.h>
 #include <string.h>
 
+#include "Base/Compiler.h"
+#include "Base/Sections.h"
 #include "Text/Characters.h"
 #include "Text/StringBlock.h"
 
@@ -175,9 +177,8 @@ CCUString::CCUString(char ch, int nRepeat)
 // operator= is inline in the header, and the compiler (GCC 12, clang 14) exports no such function.
 // Programs that were linked with an earlier version, where it was not inline, import it: so it is
 // compiled here once more, and exported by hand.
-__attribute__((used)) static CCUString &(CCUString::*const ASSIGN)(const CCUString &) =
-    &CCUString::operator=;
-asm(".section .drectve\n.ascii \" -export:\\\"_ZN9CCUStringaSERKS_\\\"\"\n.text");
+CU_USED static CCUString &(CCUString::*const ASSIGN)(const CCUString &) = &CCUString::operator=;
+CU_EXPORT_BY_HAND("_ZN9CCUStringaSERKS_")
 #endif
 
 // Assignment of a string that does not share this one's block.
