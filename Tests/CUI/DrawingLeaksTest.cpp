@@ -94,7 +94,8 @@ TEST(DrawingLeaks, NothingOnSuccessAndWhicheverCallFails)
                                const BITMAPINFO *, UINT)>
         fromDib("CreateDIBitmap");
     const CFailingCall<HGDIOBJ(HDC, HGDIOBJ)> select("SelectObject");
-    work();  // makes what stays
+    work();  // makes what stays, as does the first line of the trace
+    CUDump("Drawing may fail\n");
     const CHeapWatch heap;
     const int nGdi = GdiCount();
     work();

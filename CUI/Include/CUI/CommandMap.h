@@ -7,7 +7,6 @@
 
 class CCUICommandHandler;
 class CCUICommandView;
-CCUICommandHandler *CUIFindCommand(unsigned int nID);
 
 /// The process's map from command identifiers to their handlers: two dense tables, one for
 /// 1,000 to 9,999 and one for 10,000 and above. It is made by its first use and deleted when the
