@@ -136,7 +136,7 @@ private:
         static const char *const EASINGS[] = {"None", "Slow at first", "Slow at last", "Both"};
         static const char *const REPEATS[] = {"Once", "Repeated", "To and fro"};
         static const char *const DURATIONS[] = {"1 second", "2 seconds", "4 seconds", "8 seconds"};
-        m_settings.SetFixedSize(150);
+        m_settings.SetFixedSize(ToScreen(150));
         m_settings.SetGap(5);
         m_settings.SetLayoutFlags(CUI_PLACE_FILL);
         m_settings.Create(nullptr, "", WS_CHILD | WS_VISIBLE, {}, m_outer, 5);
@@ -212,7 +212,7 @@ int WINAPI WinMain(HINSTANCE, HINSTANCE, LPSTR pszArguments, int nShow)
     CGallery gallery;
     if (!gallery.CreateFrame("Effects"))
         return 1;
-    SetWindowPos(gallery, nullptr, 0, 0, 780, 480, SWP_NOZORDER);
+    SetWindowPos(gallery, nullptr, 0, 0, ToScreen(780), ToScreen(480), SWP_NOZORDER);
     ShowWindow(gallery, nShow);
     if (*pszArguments)
         gallery.ShowAt(atoi(pszArguments));

@@ -6,11 +6,21 @@
 #include "CUI/Data.h"
 #include "CUI/Effects.h"
 
+// Pixels at 96 dots per inch, in those of the screen.
+inline int ToScreen(int nPixels)
+{
+    const HDC hDC = GetDC(nullptr);
+    const int nScaled = MulDiv(nPixels, GetDeviceCaps(hDC, LOGPIXELSY), 96);
+    ReleaseDC(nullptr, hDC);
+    return nScaled;
+}
+
 // A bitmap of a night or a day by the sea. Without a sky it has the key colour there.
 const DWORD SKY_KEY = RGB(255, 0, 255);
 
-inline CCUIBitmap MakePicture(int cx, int cy, bool bNight, bool bSky)
+inline CCUIBitmap MakePicture(int nWidth, int nHeight, bool bNight, bool bSky)
 {
+    const int cx = ToScreen(nWidth), cy = ToScreen(nHeight);
     const HDC hScreen = GetDC(nullptr);
     const HDC hDC = CreateCompatibleDC(hScreen);
     const HBITMAP hBitmap = CreateCompatibleBitmap(hScreen, cx, cy);

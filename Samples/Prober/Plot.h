@@ -6,6 +6,15 @@
 
 #include "CUI/Control.h"
 
+// Pixels at 96 dots per inch, in those of the screen.
+inline int ToScreen(int nPixels)
+{
+    const HDC hDC = GetDC(nullptr);
+    const int nScaled = MulDiv(nPixels, GetDeviceCaps(hDC, LOGPIXELSY), 96);
+    ReleaseDC(nullptr, hDC);
+    return nScaled;
+}
+
 // The history of a number as a line, the latest value at the right edge.
 class CPlot : public CCUIControl
 {
