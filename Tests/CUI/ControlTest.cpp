@@ -145,6 +145,7 @@ TEST(Control, FollowsItsCommandAndRepaintsOnlyWhatChanged)
     frame.RouteCommands(true);
     frame.m_on.clear();
     Click(button);
+    EXPECT_EQ("0 ", command.Done());
     // Disabled with the focus, it passes that on, so that the keyboard is not lost.
     SetFocus(button);
     panel.m_on[CUI_WM_TABKEY] = [&] { return SetFocus(other), 1; };
@@ -354,6 +355,7 @@ TEST(Control, OpensItsMenuBelowAndStaysDownMeanwhile)
     };
     Send(button, WM_SYSKEYDOWN, VK_DOWN, 1 << 29);
     PumpWaiting();
+    EXPECT_EQ("0 ", command.Done());
     EXPECT_FALSE(open == closed || open.cx == 0);
     EXPECT_EQ(closed, button.Picture());
     // The click that closes it does not open it again.

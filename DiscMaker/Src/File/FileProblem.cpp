@@ -7,8 +7,7 @@ namespace {
 CCUString Reason(DWORD nError)
 {
     switch (nError) {
-    case ERROR_FILE_NOT_FOUND:
-    case ERROR_PATH_NOT_FOUND: return "it is not there";
+    case ERROR_FILE_NOT_FOUND: return "it is not there";
     case ERROR_ACCESS_DENIED:
         return "it is write-protected, or a program uses it (such as the launcher, if it runs)";
     case ERROR_SHARING_VIOLATION:
@@ -17,6 +16,7 @@ CCUString Reason(DWORD nError)
     case ERROR_HANDLE_DISK_FULL:
     case ERROR_DISK_FULL: return "the disk is full";
     case ERROR_INVALID_NAME: return "no file can have such a name";
+    case ERROR_PATH_NOT_FOUND:
     case ERROR_DIRECTORY: return "its folder is not there";
     case ERROR_BUFFER_OVERFLOW:
     case ERROR_FILENAME_EXCED_RANGE: return "its path is too long";
