@@ -11,6 +11,7 @@
 #include "CU/ProberClient.h"
 #include "CU/Registry.h"
 #include "CU/String.h"
+#include "CU/TextFile.h"
 #include "CU/ThreadExit.h"
 #include "CU/Time.h"
 #include "CU/Timer.h"
@@ -129,6 +130,21 @@ void ShowTimerTask()
         CUDump("%lu alarms are armed on this thread\n", pTask->GetListLength());
     //! [CCUTimerTask]
 }
+
+//! [CCUTextFile]
+// "\t" becomes four spaces; encoding and line ends stay as they are.
+bool ExpandTabs(const char *pszPath)
+{
+    CCUTextFile file;
+    if (!file.Load(pszPath) || file.GetLostCount() != 0)
+        return false;
+    CCUString sText;
+    for (const char *p = file.GetText(); *p; ++p)
+        sText += *p == '\t' ? CCUString(' ', 4) : CCUString(*p, 1);
+    file.SetText(sText);
+    return file.Save(pszPath) != 0;
+}
+//! [CCUTextFile]
 
 bool ShowFile(CCUString &sText)
 {
