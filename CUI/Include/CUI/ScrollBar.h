@@ -1,10 +1,15 @@
 #pragma once
 
 /// @file
-/// The system's scroll bar, as a control.
+/// The system's scroll bar, as a control or as a part of a window.
 
 #include "CUI/Platform.h"
 #include "CUI/SystemControl.h"
+
+/// Moves a bar of a window to where the user wants it, as OnHScroll (nBar: SB_HORZ) and OnVScroll
+/// (SB_VERT) are told by nCode: GetScrollPos has the position then. nLine: how far an arrow goes.
+/// Whether the bar is at another position now. The range is what SetScrollInfo said.
+CUI_API bool CUIFollowScrollBar(HWND hWnd, int nBar, UINT nCode, int nLine);
 
 /// A scroll bar that moves as it is told to: OnChange hears of the new position only.
 class CCUIScrollBar : public CCUISystemControl

@@ -30,6 +30,10 @@ int CUICommonAnswer(const char *pszFunction, const CUICommonResult &result)
     case FNERR_INVALIDFILENAME:
         return CUIChoiceFailed(pszFunction, result.dwCode, ERROR_INVALID_NAME);
     case FNERR_BUFFERTOOSMALL: return CUIChoiceFailed(pszFunction, result.dwCode, ERROR_MORE_DATA);
+    case PDERR_NODEFAULTPRN:
+    case PDERR_NODEVICES:
+    case PDERR_PRINTERNOTFOUND:
+        return CUIChoiceFailed(pszFunction, result.dwCode, ERROR_INVALID_PRINTER_NAME);
     case CUI_NO_FUNCTION: return CUIChoiceFailed(pszFunction, result.dwCode, result.dwError);
     default: return CUIChoiceFailed(pszFunction, result.dwCode, ERROR_GEN_FAILURE);
     }

@@ -3,6 +3,7 @@
 #include "CUI/Data.h"
 #include "CUI/LayoutWindow.h"
 #include "Layout/LayoutItems.h"
+#include "Layout/WheelStep.h"
 #include "Window/Mirrored.h"
 
 namespace {
@@ -12,7 +13,9 @@ const UINT LINES = 3;
 const UINT LINES_SETTING = 0x0068;  // SPI_GETWHEELSCROLLLINES
 const UINT WHOLE_PAGE = 0xFFFFFFFF;
 
-int WheelStep(int nPage)
+}  // namespace
+
+int CUIWheelStep(int nPage)
 {
     UINT nLines = LINES;
     SystemParametersInfoA(LINES_SETTING, 0, &nLines, 0);
@@ -20,8 +23,6 @@ int WheelStep(int nPage)
     const bool bPage = nLines == WHOLE_PAGE || nLines > static_cast<UINT>(nPage / (nLine + 1));
     return bPage ? nPage : static_cast<int>(nLines) * nLine;
 }
-
-}  // namespace
 
 void CCUILayoutWindow::SetScrolling(bool bScrolls)
 {
@@ -147,7 +148,7 @@ bool CCUILayoutWindow::Wheel(int nDelta)
 {
     if (!m_bScrolls || m_nScrollLength <= m_nScrollPage)
         return false;
-    const int nStep = WheelStep(m_nScrollPage);
+    const int nStep = CUIWheelStep(m_nScrollPage);
     m_nWheel += nDelta;
     const int nPixels = m_nWheel * nStep / WHEEL_DELTA;
     if (nPixels) {

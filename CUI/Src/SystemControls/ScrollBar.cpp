@@ -1,19 +1,18 @@
 #include "CUI/ScrollBar.h"
 
-// Whether the bar is at another position afterwards.
-bool CCUIScrollBar::Follow(UINT nCode)
+bool CUIFollowScrollBar(HWND hWnd, int nBar, UINT nCode, int nLine)
 {
     SCROLLINFO info = {sizeof info, SIF_ALL, 0, 0, 0, 0, 0};
-    if (!GetScrollInfo(m_hWnd, SB_CTL, &info))
+    if (!GetScrollInfo(hWnd, nBar, &info))
         return false;
     const int nPage = static_cast<int>(info.nPage);
     // Wider than the bar's own numbers, so that no step goes around.
     const long long nLast = nPage > 1 ? info.nMax - (nPage - 1LL) : info.nMax;
-    const int nPageStep = nPage > 1 ? nPage : m_nLine;
+    const int nPageStep = nPage > 1 ? nPage : nLine;
     long long nPos = info.nPos;
     switch (nCode) {
-    case SB_LINEUP: nPos -= m_nLine; break;
-    case SB_LINEDOWN: nPos += m_nLine; break;
+    case SB_LINEUP: nPos -= nLine; break;
+    case SB_LINEDOWN: nPos += nLine; break;
     case SB_PAGEUP: nPos -= nPageStep; break;
     case SB_PAGEDOWN: nPos += nPageStep; break;
     // The message has 16 bits of it only.
@@ -29,6 +28,11 @@ bool CCUIScrollBar::Follow(UINT nCode)
         nPos = info.nMin;
     if (nPos == info.nPos)
         return false;
-    SetPos(static_cast<int>(nPos));
+    SetScrollPos(hWnd, nBar, static_cast<int>(nPos), TRUE);
     return true;
+}
+
+bool CCUIScrollBar::Follow(UINT nCode)
+{
+    return CUIFollowScrollBar(m_hWnd, SB_CTL, nCode, m_nLine);
 }

@@ -10,6 +10,7 @@
 #include "CUI/ListBox.h"
 #include "CUI/ListView.h"
 #include "CUI/MessageBox.h"
+#include "CUI/PrintPreview.h"
 #include "CUI/ProgressBar.h"
 #include "CUI/ScrollBar.h"
 #include "CUI/Separator.h"
@@ -135,6 +136,46 @@ bool ShowMessageBox(CCUIWindow &window)
     box.SetDefaultButton(IDCANCEL);
     return box.DoModal(&window) == IDYES;
     //! [CCUIMessageBox]
+}
+
+//! [CCUIPages]
+// One page, with a frame along its margins.
+class CFramePage : public CCUIPages
+{
+public:
+    CUIPaper m_paper = {};
+
+    int GetPageCount() override { return 1; }
+    void DrawPage(HDC hDC, int /*nPage*/) override
+    {
+        Rectangle(hDC, m_paper.margins.left, m_paper.margins.top,
+                  m_paper.size.cx - m_paper.margins.right,
+                  m_paper.size.cy - m_paper.margins.bottom);
+    }
+};
+//! [CCUIPages]
+
+void PrintPages(CCUIWindow &window, CFramePage &pages)
+{
+    //! [CCUIPrinter]
+    CCUIPrinter printer;
+    if (printer.Choose(&window)) {
+        pages.m_paper = printer.GetPaper();
+        printer.Print("Frame", pages);
+    }
+    //! [CCUIPrinter]
+}
+
+void ShowPages(CCUIFrameWindow &frame, CCUIPrintPreview &preview, CFramePage &pages)
+{
+    //! [CCUIPrintPreview]
+    CCUIPrinter printer;
+    printer.OpenDefault();  // without one there are usual papers
+    pages.m_paper = printer.GetPaper();
+    preview.SetPages(&pages, pages.m_paper);
+    preview.CreateControl(frame, 1, "");
+    frame.SetClient(&preview);
+    //! [CCUIPrintPreview]
 }
 
 void ShowProgressBar(CCUIProgressBar &bar, CCUIWindow &window)
