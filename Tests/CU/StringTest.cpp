@@ -174,6 +174,8 @@ TEST(String, AgreesWithTheStandardStringOnRandomTexts)
         ASSERT_EQ(Text(s.SpanIncluding(psz)), a.substr(0, a.find_first_not_of(b))) << input;
         ASSERT_EQ(Text(s.SpanExcluding(psz)), a.substr(0, a.find_first_of(b))) << input;
         ASSERT_EQ(s.Find(psz), static_cast<int>(a.find(b))) << input;
+        for (const int nFrom : {1, 3, 7})
+            ASSERT_EQ(s.Find(psz, nFrom), static_cast<int>(a.find(b, size_t(nFrom)))) << input;
         ASSERT_EQ(s.Find(ch), static_cast<int>(a.find(ch))) << input;
         ASSERT_EQ(s.ReverseFind(ch), static_cast<int>(a.rfind(ch))) << input;
         ASSERT_EQ(s.FindOneOf(psz), static_cast<int>(a.find_first_of(b))) << input;

@@ -293,6 +293,7 @@ TEST(Dialog, ExchangesWhatItsControlsHold)
     SendDlgItemMessageA(dialog, 1002, LB_SETCURSEL, 1, 0);
     SendDlgItemMessageA(dialog, 1003, CB_SETCURSEL, 1, 0);
     CheckDlgButton(dialog, 1004, BST_UNCHECKED);
+    EXPECT_TRUE(dialog.UpdateData("FromScreen") && dialog.m_nEntry == 1 && dialog.m_nCheck == 0);
     dialog.CenterOnOwner();
     const RECT rc = dialog.GetPlace();
     EXPECT_EQ("320 400", Text("%ld %ld", (rc.left + rc.right) / 2, (rc.top + rc.bottom) / 2));

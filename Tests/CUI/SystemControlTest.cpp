@@ -433,6 +433,12 @@ TEST(SystemControls, PassTabOnAndLetTextsHaveIt)
     edit.SetReadOnly(true);
     PressKey(VK_TAB);
     EXPECT_STREQ("\t", edit.GetText());
+    edit.SetText("\tx");
+    const auto widthOfTab = [&](int nCharacters) {
+        edit.SetTabWidth(nCharacters);
+        return LOWORD(edit.Send(EM_POSFROMCHAR, 1)) - LOWORD(edit.Send(EM_POSFROMCHAR, 0));
+    };
+    EXPECT_NEAR(2 * widthOfTab(2), widthOfTab(4), 1);
     edit.Enable(false);
     EXPECT_EQ("focus 4 tab 4 focus 5 tab 5 tab 5 tab 5 ", told);
     EXPECT_EQ(parent.GetHandle(), GetFocus());

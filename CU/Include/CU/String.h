@@ -103,7 +103,8 @@ public:
     /// The characters that fit without another block.
     int GetAllocLength() const { return GetData()->nAllocLength; }
     /// The characters, for where nothing asks for a `const char *`, such as the arguments of a
-    /// format. Valid until the next call that changes or destroys this string.
+    /// format and `text.GetString() + n` (`text + n` is ambiguous: it could append). Valid until
+    /// the next call that changes or destroys this string.
     /// @{
     const char *GetString() const { return m_pchData; }
     operator const char *() const { return m_pchData; }
@@ -155,10 +156,12 @@ public:
     /// @}
 
     /// The index of the first (ReverseFind: the last) match; -1: none. The terminating NUL is never
-    /// found; the empty substring is found at 0, a null one nowhere.
+    /// found; the empty substring is found at 0, a null one nowhere. From nFirst on: what begins
+    /// there or behind, the empty substring at once; a negative nFirst is 0.
     /// @{
     int Find(char ch) const;
     int Find(const char *pszSub) const;
+    int Find(const char *pszSub, int nFirst) const;
     int ReverseFind(char ch) const;
     int FindOneOf(const char *set) const;
     /// @}

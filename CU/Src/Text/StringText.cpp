@@ -134,21 +134,33 @@ int CCUString::Find(char ch) const
     return p ? static_cast<int>(p - m_pchData) : -1;
 }
 
-int CCUString::Find(const char *pszSub) const
+// The first pszSub from nFirst, 0 or above, on.
+static inline int FindFrom(const CCUString &sText, const char *pszSub, int nFirst)
 {
-    if (!pszSub)
+    if (!pszSub || nFirst > sText.GetLength())
         return -1;
+    const char *const pText = sText.GetString();
     const size_t nSub = strlen(pszSub);
     if (nSub == 0)
-        return 0;
-    if (nSub > static_cast<size_t>(GetLength()))
+        return nFirst;
+    if (nSub > static_cast<size_t>(sText.GetLength() - nFirst))
         return -1;
-    const char *pEnd = m_pchData + GetLength() - nSub + 1;
-    for (const char *p = m_pchData; (p = CUFindByte(p, pEnd, *pszSub)) != nullptr; ++p) {
+    const char *pEnd = pText + sText.GetLength() - nSub + 1;
+    for (const char *p = pText + nFirst; (p = CUFindByte(p, pEnd, *pszSub)) != nullptr; ++p) {
         if (memcmp(p, pszSub, nSub) == 0)
-            return static_cast<int>(p - m_pchData);
+            return static_cast<int>(p - pText);
     }
     return -1;
+}
+
+int CCUString::Find(const char *pszSub) const
+{
+    return FindFrom(*this, pszSub, 0);
+}
+
+int CCUString::Find(const char *pszSub, int nFirst) const
+{
+    return FindFrom(*this, pszSub, nFirst < 0 ? 0 : nFirst);
 }
 
 int CCUString::ReverseFind(char ch) const

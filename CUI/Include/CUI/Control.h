@@ -48,8 +48,8 @@ public:
     CUI_API ~CCUIControl() override;
 
     /// Creates the window as a visible child that Tab reaches, as large as it is by nature where
-    /// prc (the parent's client pixels) is null. A null text leaves what SetText said. 1 on
-    /// success.
+    /// prc (the parent's client pixels) is null. A null text leaves what SetText said. Further
+    /// styles, such as WS_VSCROLL, a derived class adds in PreCreate. 1 on success.
     CUI_API int CreateControl(HWND hParent, UINT nID, const char *pszText,
                               const RECT *prc = nullptr);
     /// Creates the window in the place of a dialog's control, which is destroyed: with its

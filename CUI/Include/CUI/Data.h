@@ -76,8 +76,8 @@ public:
     DWORD crDkGray;      ///< RGB(0x80, 0x80, 0x80)
     DWORD crMenuBar;     ///< where the system has none, the entry of COLOR_MENU
     DWORD crMenuHilite;  ///< where the system has none, the entry of COLOR_HIGHLIGHT
-    /// The system colours 0 to 20, tagged: 10 + index in the top byte. Not for GDI, which takes
-    /// some tags for palette indexes: see ResolveColor.
+    /// The system colours 0 to 20 (of later ones ask GetSysColor), tagged: 10 + index in the top
+    /// byte. Not for GDI, which takes some tags for palette indexes: see ResolveColor.
     DWORD crSys[COLOR_BTNHIGHLIGHT + 1];
 
     /// The system's cursors IDC_WAIT, IDC_ARROW and IDC_IBEAM.

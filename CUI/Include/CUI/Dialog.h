@@ -82,6 +82,12 @@ public:
     /// Exchanges data: "ToScreen" or "FromScreen"; any other code is traced. Returns what
     /// ExchangeData said.
     virtual int UpdateData(CCUString &sCode);
+    /// The same, of a text as it is written.
+    int UpdateData(const char *pszCode)
+    {
+        CCUString sCode(pszCode);
+        return UpdateData(sCode);
+    }
     /// Something happened that the program may want to know: "Dirty". The base does nothing.
     virtual void OnEvent(CCUString &sEvent);
 

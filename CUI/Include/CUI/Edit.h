@@ -7,7 +7,8 @@
 #include "CUI/SystemControl.h"
 
 /// A field of text, of one line or many. Positions are characters from the text's start; of a text
-/// of many lines, which end in "\r\n", both of these count.
+/// of many lines, which end in "\r\n", both of these count. Whether lines wrap is settled when the
+/// control is made: with WS_HSCROLL and ES_AUTOHSCROLL they do not.
 class CCUIEdit : public CCUISystemControl
 {
 public:
@@ -99,6 +100,15 @@ public:
     }
     void ScrollLines(int nLines) { Send(EM_LINESCROLL, 0, static_cast<LPARAM>(nLines)); }
     /// @}
+
+    /// How far apart tab stops are in a text of many lines, in characters as wide as most; 8 at
+    /// first.
+    void SetTabWidth(int nCharacters)
+    {
+        UINT nUnits = static_cast<UINT>(4 * nCharacters);  // each a fourth of a character
+        Send(EM_SETTABSTOPS, 1, &nUnits);
+        InvalidateRect(m_hWnd, nullptr, TRUE);
+    }
 
     /// Whether Tab goes into a text of many lines, in dialogs too, instead of to the next control,
     /// which is then reached with Ctrl and Tab, where that is no dialog, and with Shift and Tab.
