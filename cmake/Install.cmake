@@ -36,8 +36,8 @@ install(FILES CHANGELOG.md DESTINATION ${doc_dir})
 file(GLOB doc_pictures Docs/*.png)
 list(FILTER doc_pictures EXCLUDE REGEX "/(launcher|disc-maker)\\.png$")
 install(FILES ${doc_pictures} DESTINATION ${doc_dir})
-install(DIRECTORY Samples/Hello Samples/Frame Samples/Tutorial Samples/Viewer Samples/Effects Samples/Prober
-  DESTINATION ${doc_dir}
+install(DIRECTORY Samples/Hello Samples/Frame Samples/Tutorial Samples/Viewer Samples/Editor Samples/Effects
+  Samples/Prober DESTINATION ${doc_dir}
   PATTERN "*.py" EXCLUDE)
 
 if(AUTORUN_MANUAL)

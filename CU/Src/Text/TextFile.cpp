@@ -20,7 +20,8 @@ const DWORD IGNORE_MERGE_ERRORS = 2;
 
 bool HasMark(const CCUString &sBytes, const char *pszMark, int nLength)
 {
-    return sBytes.GetLength() >= nLength && memcmp(sBytes, pszMark, nLength) == 0;
+    return sBytes.GetLength() >= nLength &&
+           memcmp(sBytes, pszMark, static_cast<size_t>(nLength)) == 0;
 }
 
 bool ReadBytes(const char *pszPath, CCUString &sBytes)

@@ -53,7 +53,8 @@ public:
     CUI_API int OpenDefault();
     /// Lets the user choose printer, paper, copies and pages in the system's dialog, which begins
     /// with what was chosen before. nPages: how many there are; 0: not known yet. 1; or 0, as
-    /// CUIChooseFont says, without a printer as OpenDefault: what is open stays.
+    /// CUIChooseFont says, without a printer as OpenDefault, of which the system says nothing to
+    /// the user: what is open stays.
     CUI_API int Choose(CCUIWindow *pParent, int nPages = 0);
     /// Forgets it, with all choices.
     CUI_API void Close();

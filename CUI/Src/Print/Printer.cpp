@@ -86,7 +86,7 @@ int CCUIPrinter::Choose(CCUIWindow *pParent, int nPages)
     // The dialog takes both over and gives them, or others, back.
     record.hDevMode = m_hDevMode;
     record.hDevNames = m_hDevNames;
-    record.Flags = PD_RETURNDC | PD_NOSELECTION | PD_USEDEVMODECOPIESANDCOLLATE;
+    record.Flags = PD_RETURNDC | PD_NOSELECTION | PD_USEDEVMODECOPIESANDCOLLATE | PD_NOWARNING;
     record.nMinPage = record.nFromPage = 1;
     record.nMaxPage = static_cast<WORD>(nPages > 0 && nPages < MOST_PAGES ? nPages : MOST_PAGES);
     record.nToPage = record.nMaxPage;
