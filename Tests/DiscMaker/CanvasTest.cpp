@@ -85,6 +85,34 @@ TEST(Canvas, MovesAndSizesWhatIsDragged)
     }
 }
 
+// Numbers can be any, and what is not on the face does not paint it anew.
+TEST(Canvas, StandsHugePlacesAndRestsAtWhatItDoesNotShow)
+{
+    CCanvasWindow window;
+    CDocument &document = window.m_document;
+    document.SetEntry(IDS_ABOUT_RECT, "-2147483648,-2147483648,2147483647,2147483647");
+    for (const UINT nPlace : {UINT{IDS_RUN_POS}, UINT{IDS_PRODUCT_POS}, UINT{IDS_TITLE_POS}}) {
+        for (const char *const pszPlace : {"2147483647,-2147483648", "-2147483648,2147483647"}) {
+            document.SetEntry(nPlace, pszPlace);
+            for (const int nZoom : {400, 100}) {
+                window.m_canvas.SetZoom(nZoom);
+                window.m_canvas.SelectAll();
+                window.m_canvas.Nudge(1, -1);
+                window.m_canvas.ArrangeSelection(SpaceDown);
+                UpdateWindow(window.m_canvas);
+            }
+            EXPECT_LE(abs(window.m_canvas.ItemRect(ItemRun).left), 0x1000001);
+        }
+    }
+    ValidateRect(window.m_canvas, nullptr);
+    for (const UINT nEntry : {UINT{IDS_CAPTION}, UINT{IDS_RUN_COMMAND}, UINT{IDS_SPARE_COLOR}}) {
+        document.SetEntry(nEntry, "1,2,3");
+        EXPECT_FALSE(GetUpdateRect(window.m_canvas, nullptr, FALSE)) << nEntry;
+    }
+    document.SetEntry(IDS_RUN, "Seen");
+    EXPECT_TRUE(GetUpdateRect(window.m_canvas, nullptr, FALSE));
+}
+
 TEST(Canvas, SelectsAndArranges)
 {
     CCanvasWindow window;

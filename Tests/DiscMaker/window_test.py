@@ -16,7 +16,7 @@ from PIL import Image, ImageGrab
 
 ROOT = pathlib.Path(__file__).resolve().parents[2]
 sys.path.append(str(ROOT / "Tests/AutoRun"))
-from launcher import (BUILD, NONE, RUN, reference, wait_for, windows,  # noqa: E402
+from launcher import (BUILD, NONE, RUN, output_of, reference, wait_for, windows,  # noqa: E402
                       windows_path, xdotool)
 
 SETTINGS = r"HKCU\Software\Disc Maker"
@@ -94,6 +94,30 @@ class Window(MakerWindow):
         xdotool("key", "ctrl+z")
         wait_for(lambda: self.find(self.pictures[NONE]), "the face as it was")
         self.assertEqual(self.first, self.save(changed))
+
+    def test_the_chooser_of_fonts_and_a_character_that_no_field_can_hold(self):
+        def focused(caption):
+            wait_for(lambda: caption in xdotool("getwindowfocus", "getwindowname"), caption)
+        focused("Disc Maker")
+        xdotool("key", "--delay", 60, "ctrl+2", *["Down"] * 8, "F4")
+        focused("Font")
+        xdotool("type", "--delay", 40, "Courier")
+        xdotool("key", "--delay", 60, "Tab", "Tab")
+        xdotool("type", "--delay", 40, "20")
+        xdotool("key", "Return")
+        focused("Disc Maker")
+        self.addCleanup(output_of, "setxkbmap", "us")
+        output_of("setxkbmap", "ru")
+        xdotool("key", "Cyrillic_de")
+        focused("Typing")
+        xdotool("key", "Return")
+        focused("Disc Maker")
+        output_of("setxkbmap", "us")
+        self.save(self.first)
+        output_of("wine", BUILD / "DiscMaker/DiscMaker.exe", "/export",
+                  windows_path(self.launcher), windows_path(self.folder / "skin"))
+        self.assertRegex((self.folder / "skin/Skin.rc").read_text("utf-8"),
+                         'IDS_TITLE_FONT *"20,0,0,Courier"')
 
 
 if __name__ == "__main__":

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "Model/SkinEntry.h"
+#include "Resource.h"
 
 namespace {
 
@@ -33,12 +34,22 @@ int CCanvas::CreateCanvas(HWND hParent, UINT nID)
 
 // --- What is shown ---
 
+bool CCanvas::Shows(const SkinPart &part) const
+{
+    if (part.m_kind == SkinPart::Picture)
+        return true;
+    const SkinEntry *const pEntry =
+        part.m_kind == SkinPart::Entry ? FindSkinEntry(part.m_nID) : nullptr;
+    return pEntry && pEntry->m_bUsed && pEntry->m_kind != EntryCommand &&
+           pEntry->m_nID != IDS_CAPTION && part.m_nLanguage == m_document.Language();
+}
+
 void CCanvas::Read(const SkinPart *pPart)
 {
+    if (pPart && !Shows(*pPart))
+        return;
     const SkinEntry *const pEntry =
         pPart && pPart->m_kind == SkinPart::Entry ? FindSkinEntry(pPart->m_nID) : nullptr;
-    if (pPart && !pEntry && pPart->m_kind != SkinPart::Picture)
-        return;
     if (!pPart)
         m_face.ReadAll();
     else
@@ -129,6 +140,11 @@ POINT CCanvas::ToFace(const POINT &client) const
 {
     const auto down = [this](int n) { return (n * 100 - (n < 0 ? m_nZoom - 1 : 0)) / m_nZoom; };
     return {down(client.x - m_origin.x), down(client.y - m_origin.y)};
+}
+
+FaceItem CCanvas::ItemAt(const POINT &client) const
+{
+    return FaceItemAt(m_face.Face(), m_title, ToFace(client));
 }
 
 SIZE CCanvas::ZoomedSize() const

@@ -79,6 +79,8 @@ public:
     const CLauncherFace &Face() const { return m_face.Face(); }
     // From and to client pixels.
     POINT ToFace(const POINT &client) const;
+    // The item on top at a client pixel, or ItemNone.
+    FaceItem ItemAt(const POINT &client) const;
     RECT ToClient(const RECT &face) const;
 
     int PreTranslateMessage(MSG *pMsg) override;
@@ -124,6 +126,7 @@ private:
     void Scroll(int nBar, UINT nCode);
     void ScrollIntoView(const RECT &face);
 
+    bool Shows(const SkinPart &part) const;
     void DrawAll();
     void ReadRects();
     void MarkItem(FaceItem item, const RECT &rect);

@@ -54,9 +54,7 @@ int CCanvas::OnSetCursor(HWND hWnd, UINT nHitTest, UINT nMessage)
     GetCursorPos(&point);
     ScreenToClient(m_hWnd, &point);
     const int nGrip = m_drag == DragSize ? m_nGrip : GripAt(point);
-    const bool bItem =
-        m_drag == DragMove ||
-        (m_drag == DragNone && FaceItemAt(m_face.Face(), m_title, ToFace(point)) != ItemNone);
+    const bool bItem = m_drag == DragMove || (m_drag == DragNone && ItemAt(point) != ItemNone);
     SetCursor(LoadCursorA(nullptr, nGrip >= 0 ? GRIPS[nGrip].m_pszCursor
                                    : bItem    ? IDC_SIZEALL
                                               : IDC_ARROW));
@@ -108,7 +106,7 @@ void CCanvas::OnLButtonDown(UINT nFlags, POINT &point)
         BeginDrag(DragSize, point);
         return;
     }
-    const FaceItem item = FaceItemAt(m_face.Face(), m_title, ToFace(point));
+    const FaceItem item = ItemAt(point);
     if (item == ItemNone) {
         SetSelection({});
         BeginDrag(DragFrame, point);
@@ -123,14 +121,14 @@ void CCanvas::OnLButtonDown(UINT nFlags, POINT &point)
 
 void CCanvas::OnLButtonDblClk(UINT, POINT &point)
 {
-    const FaceItem item = FaceItemAt(m_face.Face(), m_title, ToFace(point));
+    const FaceItem item = ItemAt(point);
     if (item != ItemNone)
         m_host.OnCanvasActivate(item);
 }
 
 void CCanvas::OnRButtonDown(UINT nFlags, POINT &point)
 {
-    const FaceItem item = FaceItemAt(m_face.Face(), m_title, ToFace(point));
+    const FaceItem item = ItemAt(point);
     if (m_drag == DragNone && item != ItemNone && !IsSelected(item))
         SetSelection({item});
     CCUIControlWindow::OnRButtonDown(nFlags, point);

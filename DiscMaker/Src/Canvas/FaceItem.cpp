@@ -1,5 +1,6 @@
 #include "Canvas/FaceItem.h"
 
+#include "Base/Wrap.h"
 #include "Resource.h"
 
 namespace {
@@ -23,9 +24,24 @@ const FaceItem FROM_TOP[] = {ItemHelp,       ItemRun,         ItemExit,       It
                              ItemAbout,      ItemTitle,       ItemHelpBullet, ItemRunBullet,
                              ItemExitBullet, ItemSetupBullet, ItemProduct};
 
+// Numbers in a skin can be any. What is as far away as this is nowhere near the picture, and sums
+// of places, sizes and zoomed sizes stay numbers.
+const LONG FARTHEST = 0x1000000;
+
+LONG Within(LONG n)
+{
+    return CUILarger(-FARTHEST, CUISmaller(n, FARTHEST));
+}
+
 RECT RectAt(const POINT &at, int cx, int cy)
 {
-    return {at.x, at.y, at.x + cx, at.y + cy};
+    const LONG x = Within(at.x), y = Within(at.y);
+    return {x, y, x + cx, y + cy};
+}
+
+RECT Within(const RECT &rect)
+{
+    return {Within(rect.left), Within(rect.top), Within(rect.right), Within(rect.bottom)};
 }
 
 }  // namespace
@@ -61,7 +77,7 @@ RECT FaceItemRect(const CLauncherFace &face, const SIZE &title, FaceItem item)
         case ItemTitle: return RectAt(face.TitlePlace(), title.cx, title.cy);
         case ItemProduct:
             return RectAt(face.ProductPlace(), face.Product().Width(), face.Product().Height());
-        default: return face.AboutPlace();
+        default: return Within(face.AboutPlace());
         }
     }
     const HotSpot &line = face.Line(info.m_nLine);

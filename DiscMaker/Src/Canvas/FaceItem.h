@@ -37,8 +37,8 @@ FaceItem BulletOf(FaceItem item);
 // The item that an entry is about, or ItemNone.
 FaceItem FaceItemOf(UINT nEntry);
 
-// Where it is, in pixels of the face. A title is as large as `title` says. A line's is what reacts
-// to the mouse.
+// Where it is, in pixels of the face, at most some 16 million of them away. A title is as large as
+// `title` says. A line's is what reacts to the mouse.
 RECT FaceItemRect(const CLauncherFace &face, const SIZE &title, FaceItem item);
 // The item on top at a point, or ItemNone.
 FaceItem FaceItemAt(const CLauncherFace &face, const SIZE &title, const POINT &point);

@@ -24,7 +24,11 @@ DWORD BitsSize(const BITMAPINFOHEADER &header)
     return nRow * static_cast<DWORD>(header.biHeight < 0 ? -header.biHeight : header.biHeight);
 }
 
-// The header, when all that it speaks of is there.
+bool IsDepth(WORD nBits)
+{
+    return nBits == 1 || nBits == 4 || nBits == 8 || nBits == 16 || nBits == 24 || nBits == 32;
+}
+
 const BITMAPINFOHEADER *SoundHeader(const std::vector<BYTE> &bytes)
 {
     if (bytes.size() < sizeof(BITMAPINFOHEADER))
@@ -33,7 +37,8 @@ const BITMAPINFOHEADER *SoundHeader(const std::vector<BYTE> &bytes)
     const LONG cy = pHeader->biHeight;
     if (pHeader->biSize < sizeof *pHeader || pHeader->biSize > bytes.size() ||
         pHeader->biWidth < 1 || pHeader->biWidth > MOST_PIXELS || cy == 0 || cy > MOST_PIXELS ||
-        cy < -MOST_PIXELS || pHeader->biBitCount > 32)
+        cy < -MOST_PIXELS || !IsDepth(pHeader->biBitCount) || pHeader->biPlanes != 1 ||
+        pHeader->biCompression > BI_BITFIELDS)
         return nullptr;
     const unsigned long long nSize =
         0ULL + pHeader->biSize + TableSize(*pHeader) + BitsSize(*pHeader);
@@ -42,11 +47,14 @@ const BITMAPINFOHEADER *SoundHeader(const std::vector<BYTE> &bytes)
 
 }  // namespace
 
+const BITMAPINFOHEADER *HeaderOfPicture(const CBlob &picture)
+{
+    return picture ? SoundHeader(*picture) : nullptr;
+}
+
 CCUIBitmap BitmapOfPicture(const CBlob &picture)
 {
-    if (!picture)
-        return CCUIBitmap();
-    const BITMAPINFOHEADER *const pHeader = SoundHeader(*picture);
+    const BITMAPINFOHEADER *const pHeader = HeaderOfPicture(picture);
     if (!pHeader)
         return CCUIBitmap();
     const auto *const pInfo = reinterpret_cast<const BITMAPINFO *>(pHeader);

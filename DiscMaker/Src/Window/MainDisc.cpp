@@ -29,6 +29,8 @@ void CMainWindow::Preview()
 
 void CMainWindow::MakeDiscNow()
 {
+    if (!IsWhole("The disc was not made."))
+        return;
     const std::unique_ptr<CSkinFile> launcher = OpenLauncher(true);
     if (!launcher)
         return;

@@ -1,6 +1,8 @@
 // How the main window changes what is selected.
 #include <stdlib.h>
 
+#include <algorithm>
+
 #include "CUI/Choosers.h"
 #include "CUI/MessageBox.h"
 #include "File/FileBytes.h"
@@ -9,6 +11,8 @@
 #include "Model/EntryText.h"
 #include "Picture/Import.h"
 #include "Picture/Palette.h"
+#include "Problems/SkinStrings.h"
+#include "Resource.h"
 #include "Window/Clipboard.h"
 #include "Window/MainWindow.h"
 #include "Window/ProgramPath.h"
@@ -19,6 +23,7 @@
 namespace {
 
 const int POINTS_PER_INCH = 72;
+const char *const PICTURE_PATTERNS = "*.bmp;*.dib;*.png;*.jpg;*.jpeg;*.gif";
 
 bool IsEdit(HWND hWnd)
 {
@@ -88,7 +93,11 @@ void CMainWindow::Copy(bool bSkin)
         if (bSkin)
             entries[entry.m_nID] = m_document.Entry(entry.m_nID);
     }
-    CopyToClipboard(*this, EntriesToLines(entries), bSkin ? &m_document.Skin() : nullptr);
+    if (bSkin)
+        entries[IDS_DISC_LABEL] = m_document.Entry(IDS_DISC_LABEL);
+    if (!CopyToClipboard(*this, EntriesToLines(entries), bSkin ? &m_document.Skin() : nullptr))
+        CUIMessageBox(this, "The clipboard is in use by another program. Nothing was copied.",
+                      "Copy", MB_OK | MB_ICONWARNING);
 }
 
 // Texts and programs of one item go to the one that is selected, which stays where it is; anything
@@ -103,6 +112,15 @@ void CMainWindow::Paste()
         return;
     }
     const CEntryTexts entries = LinesToEntries(TextFromClipboard(*this));
+    if (entries.empty()) {
+        CUIMessageBox(
+            this,
+            "There is no entry of a skin in the text of the clipboard, or another program "
+            "uses it. Entries are pasted in the form of a script, such as\n\n"
+            "IDS_TITLE \"Fennick 4.1\"",
+            "Paste", MB_OK | MB_ICONINFORMATION);
+        return;
+    }
     const CDocumentStep step(m_document);
     const FaceItem from = OnlyItem(entries);
     if (from != ItemNone && m_canvas.Selection().size() == 1 && m_canvas.Selection()[0] != from) {
@@ -188,11 +206,14 @@ void CMainWindow::ChooseProgram(const PropertyRow &row)
 void CMainWindow::ChoosePicture(const PropertyRow &row)
 {
     CCUString sPath;
-    if (!CUIChooseOpenFile(this, sPath,
-                           "Pictures|*.bmp;*.dib;*.png;*.jpg;*.jpeg;*.gif|All files|*.*"))
-        return;
+    if (CUIChooseOpenFile(this, sPath,
+                          CCUString("Pictures|") + PICTURE_PATTERNS + "|All files|*.*"))
+        TakePicture(sPath, static_cast<SkinPicture>(row.m_nID));
+}
+
+void CMainWindow::TakePicture(const CCUString &sPath, SkinPicture picture)
+{
     CProblems problems;
-    const SkinPicture picture = static_cast<SkinPicture>(row.m_nID);
     const CBlob blob = ImportPicture(sPath, m_document.Skin(), picture, problems);
     if (blob)
         m_document.SetPicture(picture, blob);
@@ -203,8 +224,12 @@ void CMainWindow::ChoosePicture(const PropertyRow &row)
 void CMainWindow::ChooseIcon()
 {
     CCUString sPath;
-    if (!CUIChooseOpenFile(this, sPath, "Icons (*.ico)|*.ico"))
-        return;
+    if (CUIChooseOpenFile(this, sPath, "Icons (*.ico)|*.ico"))
+        TakeIcon(sPath);
+}
+
+void CMainWindow::TakeIcon(const CCUString &sPath)
+{
     const CBlob icon = ReadFileBytes(sPath);
     if (icon && IsIconFile(CByteView(*icon)))
         m_document.SetIcon(icon);
@@ -213,17 +238,42 @@ void CMainWindow::ChooseIcon()
                       MB_OK | MB_ICONERROR);
 }
 
+// A picture that is dropped beside all that has one becomes the background. False for other files.
+bool CMainWindow::TakeDropped(const CCUString &sPath, const POINT &point)
+{
+    const CCUString sPattern = CCUString("*") + sPath.Mid(std::max(0, sPath.ReverseFind('.')));
+    if (sPattern.CompareNoCase("*.ico") == 0) {
+        TakeIcon(sPath);
+        return true;
+    }
+    CCUString sLower = sPattern;
+    sLower.MakeLower();
+    if ((CCUString(PICTURE_PATTERNS) + ";").Find(sLower + ";") < 0)
+        return false;
+    const FaceItem item = m_canvas.ItemAt(point);
+    TakePicture(sPath, item == ItemProduct                                  ? PictureProduct
+                       : item != ItemNone && FaceItemInfoOf(item).m_bBullet ? PictureBullet
+                                                                            : PictureBackground);
+    return true;
+}
+
+void CMainWindow::OnFilesDropped(const CCUString *pFiles, int nFiles, const POINT &point)
+{
+    POINT onCanvas = point;
+    MapWindowPoints(*this, m_canvas, &onCanvas, 1);
+    // Under an open dialog nothing is taken.
+    if (nFiles != 1 || !IsWindowEnabled(*this) || !TakeDropped(pFiles[0], onCanvas))
+        CCUIFrameWindow::OnFilesDropped(pFiles, nFiles, point);
+    else
+        BringToFront();
+}
+
 void CMainWindow::ChooseLanguage()
 {
     CCUIMenu menu;
     const std::vector<CSkinTexts> &texts = m_document.Skin().m_texts;
-    for (size_t i = 0; i < texts.size(); ++i) {
-        char szName[100] = "All languages";
-        if (texts[i].m_nLanguage)
-            GetLocaleInfoA(MAKELCID(texts[i].m_nLanguage, SORT_DEFAULT), LOCALE_SLANGUAGE, szName,
-                           sizeof szName);
-        menu.Append(static_cast<UINT>(i + 1), szName);
-    }
+    for (size_t i = 0; i < texts.size(); ++i)
+        menu.Append(static_cast<UINT>(i + 1), LanguageName(texts[i].m_nLanguage));
     POINT point;
     GetCursorPos(&point);
     const int nChosen = DisplayPopupMenu(&menu, TPM_RETURNCMD, point, nullptr);

@@ -2,6 +2,7 @@
 #include "CUI/Choosers.h"
 #include "CUI/MessageBox.h"
 #include "File/FileBytes.h"
+#include "File/FileProblem.h"
 #include "File/SkinFolder.h"
 #include "Window/MainWindow.h"
 #include "Window/ProgramPath.h"
@@ -18,8 +19,16 @@ const char *const LAUNCHER_NAME = "AutoRun.exe";
 void CMainWindow::Begin()
 {
     const CCUString sLauncher = ProgramFolder() + LAUNCHER_NAME;
-    if (GetFileAttributesA(sLauncher) == INVALID_FILE_ATTRIBUTES || !OpenPath(sLauncher, true))
-        m_document.Start(CSkin());
+    const bool bThere = FileExists(sLauncher);
+    if (bThere && OpenPath(sLauncher, true))
+        return;
+    m_document.Start(CSkin());
+    m_nKept = m_document.Revision();
+    if (!bThere)
+        AddProblem(m_fileProblems, ProblemNote, sLauncher,
+                   "There is no launcher beside Disc Maker, and so no looks to begin with.",
+                   "a launcher will be asked for when it is saved or the disc is made");
+    m_bCheck = true;
     ShowName();
 }
 
@@ -190,8 +199,20 @@ bool CMainWindow::SaveAsLauncher()
         return false;
     if (m_file && !m_file->IsFolder())
         return SaveTo(m_file, sPath);
+    if (!IsWhole("It was not saved."))
+        return false;
     std::unique_ptr<CSkinFile> launcher = OpenLauncher(true);
     return launcher && SaveTo(launcher, sPath);
+}
+
+// Whether nothing is lost when the skin is put into another launcher, or a disc; else that is told.
+bool CMainWindow::IsWhole(const char *pszText)
+{
+    CProblems problems;
+    if (!m_file || m_file->IsWhole(m_document.Skin(), problems))
+        return true;
+    ShowProblems(pszText, problems);
+    return false;
 }
 
 // Whether there is no other skin in a folder, or the user does not want it any more.
@@ -209,7 +230,9 @@ bool CMainWindow::MayReplaceSkin(const CCUString &sFolder)
 
 bool CMainWindow::SaveAsFolder()
 {
-    CCUString sFolder = m_file && m_file->IsFolder() && !m_bUntitled ? m_file->Path() : CCUString();
+    CCUString sFolder;
+    if (m_file && m_file->IsFolder() && !m_bUntitled)
+        sFolder = FolderOf(m_file->Path());
     if (!CUIChooseFolder(this, sFolder, "The folder for the skin:"))
         return false;
     if (m_file && m_file->IsFolder())
@@ -249,8 +272,14 @@ std::unique_ptr<CSkinFile> CMainWindow::OpenLauncher(bool bAsk)
 
 void CMainWindow::KeepForCrash()
 {
-    if (!m_document.IsModified() || m_nKept == m_document.Revision())
+    if (m_nKept == m_document.Revision())
         return;
+    if (!m_document.IsModified()) {
+        // Undone to what is saved.
+        m_recovery.Forget();
+        m_nKept = m_document.Revision();
+        return;
+    }
     const CCUString sPath = m_file && !m_bUntitled ? m_file->Path() : CCUString();
     CProblems problems;
     if (m_recovery.Keep(m_document.Skin(), sPath, problems))

@@ -41,11 +41,14 @@ public:
     CPropertyGrid &Properties() { return m_grid; }
 
     void TimeOut(long nNow) override;
+    void OnIdle() override;
 
 protected:
     int OnCreate(CREATESTRUCTA *pCreate) override;
     void OnDestroy() override;
     bool QueryClose() override;
+    // Pictures go to what they are dropped on, other files are opened.
+    void OnFilesDropped(const CCUString *pFiles, int nFiles, const POINT &point) override;
     void OnSysColorChange() override;
     void OnDisplayChange(UINT nBitsPerPixel, int cx, int cy) override;
     long OnMessage(UINT message, WPARAM wParam, LPARAM lParam) override;
@@ -76,6 +79,7 @@ private:
     void ShowName();
     void ShowProblems(const char *pszText, const CProblems &problems);
     std::unique_ptr<CSkinFile> OpenLauncher(bool bAsk);
+    bool IsWhole(const char *pszText);
     void KeepForCrash();
 
     // Editing; see MainEdit.cpp.
@@ -86,7 +90,10 @@ private:
     void PickColor(const PropertyRow &row);
     void ChooseProgram(const PropertyRow &row);
     void ChoosePicture(const PropertyRow &row);
+    void TakePicture(const CCUString &sPath, SkinPicture picture);
     void ChooseIcon();
+    void TakeIcon(const CCUString &sPath);
+    bool TakeDropped(const CCUString &sPath, const POINT &point);
     void ChooseLanguage();
     void ShareAllColors();
     static bool IsTyping();
@@ -105,7 +112,6 @@ private:
     void OnPropertyRow(const PropertyRow &row, bool bChosen) override;
     void OnPropertyButton(const PropertyRow &row) override;
     void OnProblem(const CProblem &problem) override;
-    void OnIdle() override;
     void ShowPlace();
     CCUString FaultOf(const PropertyRow &row) const;
 

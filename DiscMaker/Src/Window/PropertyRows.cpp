@@ -1,8 +1,11 @@
 #include "Window/PropertyRows.h"
 
-#include "CUI/Bitmap.h"
+#include <ctype.h>
+#include <stdlib.h>
+
 #include "Canvas/PictureBitmap.h"
 #include "Model/EntryText.h"
+#include "Problems/SkinStrings.h"
 #include "Resource.h"
 
 namespace {
@@ -41,27 +44,17 @@ CCUString ShortCaption(const SkinEntry &entry)
     return sShort;
 }
 
-CCUString LanguageName(LANGID nLanguage)
-{
-    char szName[100] = "";
-    if (nLanguage)
-        GetLocaleInfoA(MAKELCID(nLanguage, SORT_DEFAULT), LOCALE_SLANGUAGE, szName, sizeof szName);
-    return nLanguage ? szName : "All languages";
-}
-
 CCUString PictureText(const CBlob &picture)
 {
     if (!picture)
         return "(none)";
-    const CCUIBitmap bitmap = BitmapOfPicture(picture);
-    if (!bitmap)
+    const BITMAPINFOHEADER *const pHeader = HeaderOfPicture(picture);
+    if (!pHeader)
         return "(cannot be shown)";
-    const WORD nBits = reinterpret_cast<const BITMAPINFOHEADER *>(picture->data())->biBitCount;
+    const int nBits = pHeader->biBitCount;
     CCUString sText;
-    if (nBits > 8)
-        sText.Format("%d x %d, %u bits", bitmap.Width(), bitmap.Height(), nBits);
-    else
-        sText.Format("%d x %d, %u colours", bitmap.Width(), bitmap.Height(), 1U << nBits);
+    sText.Format(nBits > 8 ? "%ld x %ld, %d bits" : "%ld x %ld, %d colours", pHeader->biWidth,
+                 labs(pHeader->biHeight), nBits > 8 ? nBits : 1 << nBits);
     return sText;
 }
 

@@ -2,8 +2,8 @@
 
 #include "CUI/Edit.h"
 
-// A field for a text of a skin. What would lose characters when it is pasted is asked first: fields
-// hold characters of this system's code page alone.
+// A field for a text of a skin. Fields hold characters of this system's code page alone: one that
+// it lacks is not typed, and what would lose some when it is pasted is asked first.
 class CTextField : public CCUIEdit
 {
 public:
