@@ -57,11 +57,16 @@ TEST(Command, ChecksAppliesAndDraws)
     EXPECT_EQ(std::string::npos, gone.m_text.find("is not among")) << gone.m_text;
     const CAnswer lost = Ask(folder, "/check \"" + folder.Path() + "\\a?b.exe\"");
     EXPECT_NE(std::string::npos, lost.m_text.find("characters that this system's code page lacks"));
-    EXPECT_EQ(2, Ask(folder, "/picture " + launcher + " " + launcher).m_nExitCode);
+    const auto draw = [&](const std::string &path) {
+        return Ask(folder, "/picture " + launcher + " \"" + path + "\"");
+    };
+    EXPECT_EQ(2, draw(folder.Path() + "\\a.exe").m_nExitCode);
     EXPECT_EQ(0, Ask(folder, "/check " + launcher).m_nExitCode) << "it is no picture now";
+    const CAnswer none = draw(folder.Path() + "\\no\\p.png");
+    EXPECT_NE(std::string::npos, none.m_text.find("its folder is not there.\r\n")) << none.m_text;
     for (const char *name : {"\\p.png", "\\p.bmp"}) {
         const std::string picture = folder.Path() + name;
-        ASSERT_EQ(0, Ask(folder, "/picture " + launcher + " \"" + picture + "\"").m_nExitCode);
+        ASSERT_EQ(0, draw(picture).m_nExitCode);
         CProblems problems;
         CPixels pixels;
         ASSERT_TRUE(ReadPictureFile(picture.c_str(), pixels, problems)) << name;

@@ -179,6 +179,22 @@ TEST_F(CDiscTest, RefusesPlacesThatMeet)
     ExpectRefused("lies in the folder of its own contents", "\\in\\Music\\disc");
     ExpectRefused("The contents lie in", "\\in", "\\in\\Music");
     ExpectRefused("A file has the name", "\\launcher");
+    // A link leads into the disc that is there.
+    ASSERT_TRUE(Make());
+    CreateDirectoryA((Path() + "\\link").c_str(), nullptr);
+    typedef HANDLE FOpen(const WCHAR *, DWORD, DWORD, SECURITY_ATTRIBUTES *, DWORD, DWORD, HANDLE);
+    CFakeCall<FOpen> *pOpen = nullptr;
+    CFakeCall<FOpen> open(
+        "CreateFileW", [&](const WCHAR *name, DWORD nAccess, DWORD nShare, SECURITY_ATTRIBUTES *p,
+                           DWORD nHow, DWORD nFlags, HANDLE h) {
+            std::wstring path = name;
+            const size_t nLink = path.find(L"\\link");
+            if (nLink != std::wstring::npos)
+                path.replace(nLink, 5, L"\\out\\Music");
+            return pOpen->Original(path.c_str(), nAccess, nShare, p, nHow, nFlags, h);
+        });
+    pOpen = &open;
+    ExpectRefused("The contents lie in", "\\out", "\\link");
     ExpectRefused("in which the disc is to be made is not there", "\\none\\out");
 }
 

@@ -34,6 +34,11 @@ class DiscTest(unittest.TestCase):
         self.assertIn(b"\r\nlabel=Fennick 4.1\r\n", (disc / "autorun.inf").read_bytes())
         self.assertEqual(Image.open(self.folder / "p.png").size, (514, 345))
         self.assertEqual((self.folder / "d.iso").read_bytes()[32808:32840].strip(), b"Fennick 4.1")
+        for option in "--iso", "--picture":
+            for place in "My contents/tutorial.exe", "out/d/p.png":
+                code, text = self.make(option, place)
+                self.assertEqual((code, text.count("choose another place")), (2, 1), text)
+        self.assertEqual((self.contents / "tutorial.exe").read_text(), "tutorial.exe")
         (self.contents / "tutorial.exe").unlink()
         code, text = self.make()
         self.assertEqual((code, text.count('"tutorial.exe" is not among')), (1, 1), text)

@@ -118,6 +118,11 @@ bool CDiscLayout::MayReplaceOld()
         return Fail(m_out, "A file has the name of the disc's folder.");
     if (!DiscReadTree(m_out, m_old, failed))
         return Fail(failed, "The folder cannot be read: " + CUErrorText(GetLastError()));
+    // The contents' path may lead there by a link.
+    for (const CDiscPath &folder : m_old.m_folders) {
+        if (DiscIsSameFolder(m_out.Join(folder), m_contents))
+            return Fail(m_out, "The contents lie in the folder of the disc.");
+    }
     if (!m_old.m_links.empty())
         return Fail(m_out.Join(m_old.m_links[0]), "This was not written by Disc Maker.");
     CCUFile list;

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "CUI/Data.h"
+
 namespace {
 
 std::vector<WCHAR> ToWide(const CCUString &sText, UINT nCodePage)
@@ -24,16 +26,32 @@ CCUString FromWide(const std::vector<WCHAR> &text, UINT nCodePage)
     return sText;
 }
 
+// Empty when that cannot be done. Names of the code page are limited to 260 characters by some
+// systems, and wide ones are none on Windows 95 to Me.
+std::vector<WCHAR> FullPath(const CCUString &sPath)
+{
+    if (!CUIGetWinData()->bWinNT) {
+        char szPath[MAX_PATH] = "";
+        char *pszName = nullptr;
+        const DWORD nLength = GetFullPathNameA(sPath, MAX_PATH, szPath, &pszName);
+        return nLength < MAX_PATH && *szPath ? ToWide(szPath, CP_ACP) : std::vector<WCHAR>();
+    }
+    const std::vector<WCHAR> path = ToWide(sPath, CP_ACP);
+    std::vector<WCHAR> full(GetFullPathNameW(path.data(), 0, nullptr, nullptr));
+    const DWORD nRoom = static_cast<DWORD>(full.size());
+    const DWORD nLength = GetFullPathNameW(path.data(), nRoom, full.data(), nullptr);
+    full.resize(nLength > 0 && nLength < nRoom ? nLength + 1 : 0);
+    return full;
+}
+
 }  // namespace
 
 CDiscPath::CDiscPath(const CCUString &sPath) : m_text(1)
 {
-    char *pszName = nullptr;
-    char szPath[1024];
-    const DWORD nLength = GetFullPathNameA(sPath, sizeof szPath, szPath, &pszName);
-    if (sPath.IsEmpty() || nLength == 0 || nLength >= sizeof szPath)
+    std::vector<WCHAR> text = FullPath(sPath);
+    if (sPath.IsEmpty() || text.empty())
         return;
-    m_text = ToWide(szPath, CP_ACP);
+    m_text.swap(text);
     // "C:\Disc\" and "C:\Disc" are the same; "C:\" stays.
     while (Length() > 3 && m_text[Length() - 1] == L'\\')
         m_text.erase(m_text.end() - 2);

@@ -16,8 +16,13 @@ CCUString Reason(DWORD nError)
     case ERROR_WRITE_PROTECT: return "the disk is write-protected";
     case ERROR_HANDLE_DISK_FULL:
     case ERROR_DISK_FULL: return "the disk is full";
-    default: return CUErrorText(nError);
+    case ERROR_DIRECTORY: return "its folder is not there";
+    case ERROR_BUFFER_OVERFLOW:
+    case ERROR_FILENAME_EXCED_RANGE: return "its path is too long";
+    default: break;
     }
+    const CCUString sText = CUErrorText(nError);
+    return sText.Right(1) == "." ? sText.Left(sText.GetLength() - 1) : sText;
 }
 
 }  // namespace

@@ -6,9 +6,11 @@
 
 namespace {
 
-const char *const FACES[] = {"Arial",    "Courier", "Courier New",     "MS Sans Serif",
-                             "MS Serif", "Symbol",  "Times New Roman", "Times",
-                             "Helv",     "System",  "Small Fonts",     "Wingdings"};
+// "Times", "Helv" and "Helvetica" are other names that every Windows knows for its own.
+const char *const FACES[] = {
+    "Arial",  "Courier",  "Courier New", "Fixedsys",      "Helv",        "Helvetica",
+    "Modern", "MS Serif", "Roman",       "MS Sans Serif", "Small Fonts", "Script",
+    "Symbol", "System",   "Times",       "Terminal",      "Wingdings",   "Times New Roman"};
 
 const char *FontFault(const CCUString &sText)
 {

@@ -1,5 +1,6 @@
 #include <string.h>
 
+#include "Model/EntryText.h"
 #include "Problems/Checks.h"
 
 namespace {
@@ -7,18 +8,12 @@ namespace {
 const int SMALLEST_POINTS = 7;
 const int LARGEST_POINTS = 72;
 
-// Faces of one word, as far as the launcher reads a face. "Times", "Helv" and "Helvetica" are other
-// names that every Windows knows for its own.
-const char *const FACES_EVERYWHERE[] = {"Arial",  "Times",    "Helv",     "Helvetica", "Courier",
-                                        "System", "Fixedsys", "Terminal", "Symbol",    "Wingdings",
-                                        "Roman",  "Modern",   "Script"};
 // With Windows 98 and 2000, or the browser that came then.
 const char *const FACES_LATER[] = {"Verdana", "Tahoma", "Georgia", "Impact", "Webdings"};
 
-template <size_t N>
-bool IsAmong(const CCUString &sFace, const char *const (&faces)[N])
+bool IsLater(const CCUString &sFace)
 {
-    for (const char *const pszFace : faces) {
+    for (const char *const pszFace : FACES_LATER) {
         if (sFace.CompareNoCase(pszFace) == 0)
             return true;
     }
@@ -48,14 +43,14 @@ void CheckFace(CSkinCheck &check, const SkinEntry &entry, const CCUString &sText
         check.Warn(entry.m_nID,
                    sCaption + "the face \"" + sWritten + "\" is cut to \"" + sFace +
                        "\": a face ends at its first space and after 31 characters.",
-                   IsAmong(sFace, FACES_EVERYWHERE)
+                   IsFaceEverywhere(sFace)
                        ? "Windows finds a similar face under that name."
                        : "Windows takes some other face, and texts get another width.");
-    else if (IsAmong(sFace, FACES_LATER))
+    else if (IsLater(sFace))
         check.Note(entry.m_nID,
                    sCaption + "Windows 95 and NT 4 may not have the face \"" + sFace + "\".",
                    "They take some other face, and texts get another width.");
-    else if (!IsAmong(sFace, FACES_EVERYWHERE))
+    else if (!IsFaceEverywhere(sFace))
         check.Warn(entry.m_nID, sCaption + "not every system has the face \"" + sFace + "\".",
                    "Others take some other face, and texts get another width.");
 }
