@@ -164,5 +164,5 @@ TEST(Check, TellsMistakesInPictures)
     EXPECT_EQ(6, nFound) << dark;
     CSkin noIcon = GoodSkin();
     noIcon.m_icon = nullptr;
-    ExpectLine(noIcon, "", "The icon is missing");
+    ExpectLine(noIcon, "", "warning: IDI_AUTORUN: The icon is missing");
 }

@@ -69,6 +69,8 @@ TEST(Problem, SaysEverythingOnceInWords)
         ProblemLine(problem));
     EXPECT_STREQ("Run line, program (German)", ProblemPlace(problem));
     EXPECT_STREQ("Label", ProblemPlace({ProblemNote, IDS_DISC_LABEL, "", "", ""}));
+    EXPECT_STREQ("Exit line", ProblemPlace({ProblemNote, IDS_EXIT, "", "", ""}));
+    EXPECT_STREQ("Icon", ProblemPlace({ProblemNote, PROBLEM_ICON, "", "", ""}));
     EXPECT_STREQ("note: IDS_DISC_LABEL: ", ProblemLine({ProblemNote, IDS_DISC_LABEL, "", "", ""}));
     EXPECT_STREQ("Run line, program (German)\n\"a.exe\" is gone. Nothing happens.",
                  ProblemsInWords({problem}));

@@ -50,8 +50,14 @@ TEST(PropertyGrid, TakesBackWhatWasTypedInTheSkinThatIsShown)
         EXPECT_STREQ(pszLabel, window.m_document.Entry(IDS_DISC_LABEL));
     }
     // With a row for languages a heading stands where the background stood.
-    window.m_grid.SelectResource(IDB_BACKGROUND);
+    window.m_grid.SelectEntry(IDB_BACKGROUND, true);
     skin.m_texts.push_back({0x407, {}});
     window.m_document.Start(skin);
     EXPECT_NE(PropertyRow::Heading, window.m_grid.Selected()->m_kind);
+    // What problems are about; where no row is, it stays.
+    window.m_grid.SelectEntry(PROBLEM_ICON, true);
+    EXPECT_EQ(PropertyRow::Icon, window.m_grid.Selected()->m_kind);
+    window.m_grid.SelectEntry(IDS_EXIT, true);
+    window.m_grid.SelectEntry(99, true);
+    EXPECT_EQ(UINT{IDS_EXIT}, window.m_grid.Selected()->m_nID);
 }

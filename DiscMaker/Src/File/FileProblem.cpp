@@ -16,6 +16,7 @@ CCUString Reason(DWORD nError)
     case ERROR_WRITE_PROTECT: return "the disk is write-protected";
     case ERROR_HANDLE_DISK_FULL:
     case ERROR_DISK_FULL: return "the disk is full";
+    case ERROR_INVALID_NAME: return "no file can have such a name";
     case ERROR_DIRECTORY: return "its folder is not there";
     case ERROR_BUFFER_OVERFLOW:
     case ERROR_FILENAME_EXCED_RANGE: return "its path is too long";

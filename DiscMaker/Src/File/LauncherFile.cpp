@@ -122,7 +122,7 @@ bool IsSound(const CSkin &skin, CProblems &problems)
 {
     bool bFit = true;
     if (skin.m_icon && !IsIconFile(CByteView(*skin.m_icon))) {
-        problems.push_back(CProblem{ProblemError, IDI_AUTORUN, "",
+        problems.push_back(CProblem{ProblemError, PROBLEM_ICON, "",
                                     "The icon is no whole .ico file.", "it cannot be saved"});
         bFit = false;
     }
@@ -216,7 +216,7 @@ void CLauncherFile::ReadPictures(CProblems &problems)
                                         "only one of them is shown and changed here"});
     }
     if (!ReadIcon(m_resources, IDI_AUTORUN, m_skin.m_icon))
-        problems.push_back(CProblem{ProblemWarning, IDI_AUTORUN, m_sPath, "The icon is damaged.",
+        problems.push_back(CProblem{ProblemWarning, PROBLEM_ICON, m_sPath, "The icon is damaged.",
                                     "the disc has none"});
 }
 

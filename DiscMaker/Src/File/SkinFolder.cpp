@@ -13,6 +13,7 @@ namespace {
 const size_t LARGEST_SCRIPT = 0x100000;
 const int ICON = PictureCount;
 const UINT FILE_IDS[] = {IDB_BACKGROUND, IDB_PRODUCT, IDB_BULLET, IDI_AUTORUN};
+const UINT PROBLEM_ENTRIES[] = {IDB_BACKGROUND, IDB_PRODUCT, IDB_BULLET, PROBLEM_ICON};
 const char *const FILE_NAMES[] = {"Background", "Product", "Bullet", "AutoRun"};
 
 // A new skin folder begins with these lines.
@@ -127,9 +128,11 @@ void CSkinFolder::ReadPicture(int nFile)
     file.m_bytes = ReadFileBytes(PathOf(file.m_sName), &nError);
     CCUString sWhere;
     sWhere.Format("%s:%u", NameOf(m_sPath).GetString(), pPicture->m_nLine);
-    if (!file.m_bytes)
-        return AddFileProblem(file.m_unread, sWhere, "\"" + file.m_sName + "\" cannot be read",
-                              nError);
+    if (!file.m_bytes) {
+        AddFileProblem(file.m_unread, sWhere, "\"" + file.m_sName + "\" cannot be read", nError);
+        file.m_unread.back().m_nEntry = PROBLEM_ENTRIES[nFile];
+        return;
+    }
     CBlob picture = nFile == ICON ? file.m_bytes : ReadBmpFile(file.m_bytes);
     if (nFile == ICON && !IsIconFile(CByteView(*picture)))
         picture = nullptr;
@@ -139,7 +142,7 @@ void CSkinFolder::ReadPicture(int nFile)
     const CCUString sKind = PictureKind(file.m_bytes);
     const char *const pszWanted = nFile == ICON ? "is no .ico file" : "is no .bmp file";
     file.m_unread.push_back(
-        CProblem{ProblemError, FILE_IDS[nFile], sWhere,
+        CProblem{ProblemError, PROBLEM_ENTRIES[nFile], sWhere,
                  "\"" + file.m_sName + "\" " + pszWanted +
                      (sKind.IsEmpty() ? CCUString(".") : ": it is " + sKind + "."),
                  "the launcher cannot be made with it"});

@@ -18,6 +18,11 @@ const char *WeightText(ProblemWeight weight)
     }
 }
 
+CCUString EntryName(UINT nEntry)
+{
+    return nEntry == PROBLEM_ICON ? CCUString("IDI_AUTORUN") : EntrySymbol(nEntry);
+}
+
 CCUString EntryCaption(UINT nEntry)
 {
     switch (nEntry) {
@@ -26,11 +31,11 @@ CCUString EntryCaption(UINT nEntry)
     case IDB_BACKGROUND: return "Background";
     case IDB_PRODUCT: return "Product picture";
     case IDB_BULLET: return "Bullet";
-    case IDI_AUTORUN: return "Icon";
+    case PROBLEM_ICON: return "Icon";
     default: break;
     }
     const SkinEntry *const pEntry = FindSkinEntry(nEntry);
-    return pEntry ? CCUString(pEntry->m_pszCaption) : "Entry " + EntrySymbol(nEntry);
+    return pEntry ? CCUString(pEntry->m_pszCaption) : "Entry " + EntryName(nEntry);
 }
 
 CCUString Sentence(CCUString sText)
@@ -98,7 +103,7 @@ CCUString ProblemLine(const CProblem &problem)
     if (!problem.m_sWhere.IsEmpty())
         sLine += problem.m_sWhere + ": ";
     if (problem.m_nEntry)
-        sLine += EntrySymbol(problem.m_nEntry) + ": ";
+        sLine += EntryName(problem.m_nEntry) + ": ";
     sLine += problem.m_sWhat;
     if (!problem.m_sEffect.IsEmpty())
         sLine += CCUString(" (") + problem.m_sEffect + ")";

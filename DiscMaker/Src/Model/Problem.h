@@ -12,11 +12,14 @@ enum ProblemWeight
     ProblemError     // the disc does not work, or the file cannot be read or written
 };
 
+// What problems call the icon: its number in the launcher is a text's too.
+const UINT PROBLEM_ICON = 0x10000;
+
 // One thing that is wrong with a skin, a file or a disc, in words for who makes the disc.
 struct CProblem
 {
     ProblemWeight m_weight;
-    UINT m_nEntry;        // id of the string or the picture that it is about; 0: none
+    UINT m_nEntry;        // id of the string or the picture that it is about; PROBLEM_ICON; 0: none
     CCUString m_sWhere;   // "Skin.rc:12", "Music\Intro.wav"; empty: the entry says it
     CCUString m_sWhat;    // what is wrong
     CCUString m_sEffect;  // what happens on the disc if it stays

@@ -109,10 +109,10 @@ void CheckIcon(const CSkin &skin, CProblems &problems)
 {
     const BYTE start[] = {0, 0, 1, 0};
     if (!skin.m_icon || skin.m_icon->empty())
-        Add(problems, ProblemWarning, 0, "The icon is missing.",
+        Add(problems, ProblemWarning, PROBLEM_ICON, "The icon is missing.",
             "The disc and the launcher are shown with the system's icon for programs.");
     else if (skin.m_icon->size() < 6 || memcmp(skin.m_icon->data(), start, sizeof start) != 0)
-        Add(problems, ProblemWarning, 0, "The icon is no .ico file.",
+        Add(problems, ProblemWarning, PROBLEM_ICON, "The icon is no .ico file.",
             "The disc is shown with the system's icon for programs.");
 }
 

@@ -314,7 +314,7 @@ void CMainWindow::OnCanvasActivate(FaceItem item)
     if (info.m_nText)
         m_grid.SelectEntry(info.m_nText, true);
     else
-        m_grid.SelectPicture(item == ItemProduct ? PictureProduct : PictureBullet);
+        m_grid.SelectEntry(item == ItemProduct ? IDB_PRODUCT : IDB_BULLET, false);
 }
 
 void CMainWindow::OnCanvasZoom()
@@ -329,7 +329,7 @@ CCUString CMainWindow::FaultOf(const PropertyRow &row) const
 {
     CCUString sFault = RowFault(m_document, row);
     for (const CProblem &problem : m_list.Problems()) {
-        if (sFault.IsEmpty() && row.m_kind == PropertyRow::Entry && problem.m_nEntry == row.m_nID &&
+        if (sFault.IsEmpty() && problem.m_nEntry && problem.m_nEntry == RowEntry(row) &&
             m_document.IsShown(problem))
             sFault = ProblemWhat(problem) + " " + ProblemEffect(problem);
     }
@@ -375,10 +375,7 @@ void CMainWindow::OnProblem(const CProblem &problem)
         m_document.SetLanguage(static_cast<size_t>(problem.m_nTexts));
         m_bCheck = true;
     }
-    if (FindSkinEntry(problem.m_nEntry) || problem.m_nEntry == IDS_DISC_LABEL)
-        m_grid.SelectEntry(problem.m_nEntry, true);
-    else
-        m_grid.SelectResource(problem.m_nEntry);
+    m_grid.SelectEntry(problem.m_nEntry, true);
 }
 
 void CMainWindow::ShowPlace()

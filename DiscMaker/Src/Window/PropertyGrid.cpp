@@ -94,7 +94,7 @@ void CPropertyGrid::SetProblems(const CProblems &problems)
     std::vector<bool> marks(m_rows.size(), false);
     for (const CProblem &problem : problems) {
         const bool bShown = problem.m_nEntry && m_document.IsShown(problem);
-        const int nRow = bShown ? Find(PropertyRow::Entry, problem.m_nEntry) : -1;
+        const int nRow = bShown ? FindRow(problem.m_nEntry) : -1;
         if (nRow >= 0 && problem.m_weight != ProblemNote)
             marks[static_cast<size_t>(nRow)] = true;
     }
@@ -110,23 +110,14 @@ bool CPropertyGrid::HasFault(int nRow) const
     return m_problems[static_cast<size_t>(nRow)] || !RowFault(m_document, Row(nRow)).IsEmpty();
 }
 
-int CPropertyGrid::Find(PropertyRow::Kind kind, UINT nID) const
+// Of what problems call so; -1: there is none.
+int CPropertyGrid::FindRow(UINT nEntry) const
 {
     for (int i = 0; i < RowCount(); ++i) {
-        if (Row(i).m_kind == kind && Row(i).m_nID == nID)
+        if (nEntry && RowEntry(Row(i)) == nEntry)
             return i;
     }
     return -1;
-}
-
-void CPropertyGrid::SelectResource(UINT nResource)
-{
-    switch (nResource) {
-    case IDB_BACKGROUND: SelectPicture(PictureBackground); break;
-    case IDB_PRODUCT: SelectPicture(PictureProduct); break;
-    case IDB_BULLET: SelectPicture(PictureBullet); break;
-    default: SelectRow(Find(PropertyRow::Icon, 0)); break;
-    }
 }
 
 const PropertyRow *CPropertyGrid::Selected() const
@@ -297,17 +288,12 @@ void CPropertyGrid::FocusEditor()
 
 void CPropertyGrid::SelectEntry(UINT nEntry, bool bEdit)
 {
-    const int nRow = Find(PropertyRow::Entry, nEntry);
+    const int nRow = FindRow(nEntry);
     if (nRow < 0)
         return;
     SelectRow(nRow);
-    if (bEdit)
+    if (bEdit && IsRowText(Row(nRow)))
         FocusEditor();
-}
-
-void CPropertyGrid::SelectPicture(SkinPicture picture)
-{
-    SelectRow(Find(PropertyRow::Picture, picture));
 }
 
 void CPropertyGrid::TakeText()

@@ -42,11 +42,9 @@ public:
     // Marks the rows that problems are about.
     void SetProblems(const CProblems &problems);
 
-    // Shows and selects the row of an entry; bEdit: with the focus, to be typed over.
+    // Shows and selects the row of what problems call so, an entry, a picture or the icon, if there
+    // is one; bEdit: a text gets the focus, to be typed over.
     void SelectEntry(UINT nEntry, bool bEdit);
-    void SelectPicture(SkinPicture picture);
-    // A picture or the icon, by its id in the launcher.
-    void SelectResource(UINT nResource);
     const PropertyRow *Selected() const;
 
     int PreTranslateMessage(MSG *pMsg) override;
@@ -75,7 +73,7 @@ private:
     RECT RowRect(int nRow) const;
     int RowAt(int y) const;
     bool IsOnDivider(const POINT &point) const;
-    int Find(PropertyRow::Kind kind, UINT nID) const;
+    int FindRow(UINT nEntry) const;
     int NextRow(int nFrom, int nBy) const;
 
     void MeasureRows();

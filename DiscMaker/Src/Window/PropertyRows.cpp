@@ -5,6 +5,7 @@
 
 #include "Canvas/PictureBitmap.h"
 #include "Model/EntryText.h"
+#include "Model/Problem.h"
 #include "Problems/SkinStrings.h"
 #include "Resource.h"
 
@@ -209,6 +210,17 @@ CCUString RowHelp(const CDocument &document, const PropertyRow &row)
                    "overwritten. " +
                        HelpOf(row)
                  : HelpOf(row);
+}
+
+UINT RowEntry(const PropertyRow &row)
+{
+    const UINT pictures[PictureCount] = {IDB_BACKGROUND, IDB_PRODUCT, IDB_BULLET};
+    switch (row.m_kind) {
+    case PropertyRow::Entry: return row.m_nID;
+    case PropertyRow::Picture: return pictures[row.m_nID];
+    case PropertyRow::Icon: return PROBLEM_ICON;
+    default: return 0;
+    }
 }
 
 SkinPart RowPart(const CDocument &document, const PropertyRow &row)

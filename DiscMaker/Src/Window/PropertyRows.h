@@ -34,5 +34,7 @@ bool HasRowButton(const PropertyRow &row);  // has something to be chosen
 // What is wrong with it, else empty; what it is.
 CCUString RowFault(const CDocument &document, const PropertyRow &row);
 CCUString RowHelp(const CDocument &document, const PropertyRow &row);
+// What problems call what it is about; 0: none is about it.
+UINT RowEntry(const PropertyRow &row);
 // The part of the skin that it is about.
 SkinPart RowPart(const CDocument &document, const PropertyRow &row);
