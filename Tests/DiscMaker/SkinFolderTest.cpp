@@ -266,6 +266,23 @@ TEST(SkinFolder, WritesPicturesBesideTheScript)
     EXPECT_TRUE(strstr(Lines(problems).c_str(), "a.bmp: Another program has changed"));
 }
 
+TEST(SkinFolder, IsNotWrittenElsewhereWithoutItsHeader)
+{
+    CScriptFolder folder("#include \"names.h\"\nSTRINGTABLE { NAME \"T\" }\n");
+    const std::string header = folder.m_directory.Path() + "\\names.h";
+    const std::string other = folder.m_directory.Path() + "\\new";
+    WriteFileBytes(header, "#define NAME 28\n");
+    const auto file = folder.Open();
+    ASSERT_TRUE(file) << Lines(folder.m_problems);
+    DeleteFileA(header.c_str());
+    CProblems problems;
+    EXPECT_FALSE(file->Save(file->Skin(), other.c_str(), problems));
+    EXPECT_TRUE(strstr(Lines(problems).c_str(), "names.h: The header cannot be read any more"));
+    EXPECT_EQ("(no file)", Contents(other + "\\Skin.rc"));
+    WriteFileBytes(header, "#define NAME 28\n");
+    EXPECT_TRUE(file->Save(file->Skin(), other.c_str(), problems)) << Lines(problems);
+}
+
 TEST(SkinFolder, SaysThatNotEveryCompilerKnowsTheMarkOfUtf8)
 {
     for (const char *const pragma : {"", "#pragma code_page(65001)\n"}) {

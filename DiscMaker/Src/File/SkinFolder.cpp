@@ -234,9 +234,15 @@ bool CSkinFolder::Write(const CSkin &skin, const CCUString &sScript, CProblems &
     for (int i = 0; i < FILE_COUNT; ++i)
         AddPicture(i, PictureOf(skin, i), sFolder, editor, files);
     for (const CCUString &sHeader : m_script.Headers()) {
-        const CBlob header = bElsewhere ? ReadFileBytes(PathOf(sHeader)) : nullptr;
-        if (header && IsInside(sHeader) && !FileExists(JoinPath(sFolder, sHeader)))
-            files.Add(JoinPath(sFolder, sHeader), header);
+        if (!bElsewhere || !IsInside(sHeader) || FileExists(JoinPath(sFolder, sHeader)))
+            continue;
+        DWORD nError = NO_ERROR;
+        const CBlob header = ReadFileBytes(PathOf(sHeader), &nError);
+        if (!header) {
+            AddFileProblem(problems, PathOf(sHeader), "The header cannot be read any more", nError);
+            return false;
+        }
+        files.Add(JoinPath(sFolder, sHeader), header);
     }
     editor.SetTexts(skin.m_texts);
     if (!skin.m_version.empty() && skin.m_version != m_skin.m_version)

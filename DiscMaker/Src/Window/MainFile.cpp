@@ -1,4 +1,5 @@
 // How the main window opens and saves.
+#include "Base/Handle.h"
 #include "CUI/Choosers.h"
 #include "CUI/MessageBox.h"
 #include "File/FileBytes.h"
@@ -13,6 +14,17 @@ const char *const OPEN_FILTER =
     "Launchers and skins (*.exe;*.rc)|*.exe;*.rc|Launchers (*.exe)|*.exe|Skins (*.rc)|*.rc";
 const char *const LAUNCHER_FILTER = "Launchers (*.exe)|*.exe";
 const char *const LAUNCHER_NAME = "AutoRun.exe";
+
+// Not counting folders.
+bool HasFiles(const CCUString &sFolder)
+{
+    WIN32_FIND_DATAA data;
+    const CCUFindHandle hFind(FindFirstFileA(JoinPath(sFolder, "*"), &data));
+    bool bMore = static_cast<bool>(hFind);
+    while (bMore && data.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY)
+        bMore = FindNextFileA(hFind, &data) != FALSE;
+    return bMore;
+}
 
 }  // namespace
 
@@ -215,17 +227,20 @@ bool CMainWindow::IsWhole(const char *pszText)
     return false;
 }
 
-// Whether there is no other skin in a folder, or the user does not want it any more.
-bool CMainWindow::MayReplaceSkin(const CCUString &sFolder)
+// Whether there is nothing in a folder that could be lost, or the user does not want it any more.
+bool CMainWindow::MayReplaceFiles(const CCUString &sFolder)
 {
     const CCUString sScript = JoinPath(sFolder, SKIN_SCRIPT_NAME);
-    if (!FileExists(sScript) || (!m_bUntitled && m_file->Path().CompareNoCase(sScript) == 0))
+    if (!HasFiles(sFolder) || (!m_bUntitled && m_file->Path().CompareNoCase(sScript) == 0))
         return true;
-    return CUIMessageBox(this,
-                         "There is a skin in this folder already:\n" + sScript +
-                             "\n\nReplace its script and its pictures of the same names?",
-                         "Save as skin folder",
-                         MB_OKCANCEL | MB_ICONWARNING | MB_DEFBUTTON2) == IDOK;
+    const char *const pszText = FileExists(sScript) ? "There is a skin in this folder already:\n"
+                                                    : "There are files in this folder already:\n";
+    return CUIMessageBox(
+               this,
+               pszText + sFolder +
+                   "\n\nReplace those that have the name of the skin's script or of one of "
+                   "its pictures?",
+               "Save as skin folder", MB_OKCANCEL | MB_ICONWARNING | MB_DEFBUTTON2) == IDOK;
 }
 
 bool CMainWindow::SaveAsFolder()
@@ -236,7 +251,7 @@ bool CMainWindow::SaveAsFolder()
     if (!CUIChooseFolder(this, sFolder, "The folder for the skin:"))
         return false;
     if (m_file && m_file->IsFolder())
-        return MayReplaceSkin(sFolder) && SaveTo(m_file, sFolder);
+        return MayReplaceFiles(sFolder) && SaveTo(m_file, sFolder);
     m_document.Seal();
     CProblems problems;
     std::unique_ptr<CSkinFile> folder;

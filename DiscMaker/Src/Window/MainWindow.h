@@ -73,7 +73,7 @@ private:
     bool Save();
     bool SaveAsLauncher();
     bool SaveAsFolder();
-    bool MayReplaceSkin(const CCUString &sFolder);
+    bool MayReplaceFiles(const CCUString &sFolder);
     bool SaveTo(std::unique_ptr<CSkinFile> &file, const CCUString &sPath);
     void Saved(const CProblems &problems);
     void ShowName();
