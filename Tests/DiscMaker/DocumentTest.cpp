@@ -1,4 +1,5 @@
 #include <gtest/gtest.h>
+#include <algorithm>
 #include <functional>
 #include <random>
 
@@ -12,7 +13,6 @@
 #include "Support/ChildProcess.h"
 #include "Support/FailingCall.h"
 #include "Support/TemporaryDirectory.h"
-#include <psapi.h>
 
 namespace {
 
@@ -34,12 +34,20 @@ std::vector<BYTE> All(const CDocument &document)
     return PackSkin(document.Skin());
 }
 
-// What the process has taken of the system's memory.
+// What the process has taken of its heaps, which the system gives memory in large pieces.
 size_t MemoryBytes()
 {
-    PROCESS_MEMORY_COUNTERS counters = {};
-    GetProcessMemoryInfo(GetCurrentProcess(), &counters, sizeof counters);
-    return counters.PagefileUsage;
+    HANDLE heaps[32];
+    const DWORD nHeaps = std::min<DWORD>(GetProcessHeaps(32, heaps), 32);
+    size_t nBytes = 0;
+    for (DWORD i = 0; i < nHeaps; ++i) {
+        PROCESS_HEAP_ENTRY entry = {};
+        while (HeapWalk(heaps[i], &entry)) {
+            if (entry.wFlags & PROCESS_HEAP_ENTRY_BUSY)
+                nBytes += entry.cbData + entry.cbOverhead;
+        }
+    }
+    return nBytes;
 }
 
 }  // namespace
