@@ -35,7 +35,7 @@ std::string Edited(const std::string &script, Change change)
     CSkin skin = file->Skin();
     change(skin);
     file->Save(skin, folder.Path().c_str(), folder.m_problems);
-    const std::string saved = Contents(folder.Path());
+    std::string saved = Contents(folder.Path());
     EXPECT_TRUE(file->Save(skin, folder.Path().c_str(), folder.m_problems));
     EXPECT_EQ(saved, Contents(folder.Path()));
     return saved;
@@ -120,7 +120,7 @@ TEST(SkinFolder, ChangesOnlyWhatWasEdited)
         "STRINGTABLE\r\nBEGIN\r\n  IDS_SETUP,   \"In\"\r\n"
         "  IDS_EXIT,\t\"Out\" // the \"way\" out\r\n  9 \"x\" 10 \"y\"\r\nEND\r\n// end";
     EXPECT_EQ(script, Edited(script, [](CSkin &) {}));
-    const auto With = [&](std::string from, const std::string &to) {
+    const auto With = [&](const std::string &from, const std::string &to) {
         std::string changed = script;
         return changed.replace(changed.find(from), from.size(), to);
     };
