@@ -38,7 +38,7 @@ void CheckFace(CSkinCheck &check, const SkinEntry &entry, const CCUString &sText
                    IsFaceEverywhere(sFace)
                        ? "Windows finds a similar face under that name."
                        : "Windows takes some other face, and texts get another width.");
-    else if (IsLater(sFace))
+    else if (IsAmong(sFace, FACES_LATER))
         check.Note(entry.m_nID,
                    sCaption + "Windows 95 and NT 4 may not have the face \"" + sFace + "\".",
                    "They take some other face, and texts get another width.");
