@@ -19,6 +19,7 @@ class CCUIPrintPreview : public CCUIControl
 public:
     /// Without pages, to be shown whole.
     CUI_API CCUIPrintPreview();
+    CUI_API ~CCUIPrintPreview() override;
 
     /// Shows other pages, or the same after a change; null: none. They are not owned, and stay as
     /// long as they are shown.

@@ -37,6 +37,8 @@ CCUIPrintPreview::CCUIPrintPreview()
     m_bOpaque = true;
 }
 
+CCUIPrintPreview::~CCUIPrintPreview() = default;
+
 int CCUIPrintPreview::PreCreate(CREATESTRUCTA *pCreate)
 {
     pCreate->style |= WS_HSCROLL | WS_VSCROLL;
