@@ -5,6 +5,7 @@
 #include "Support/GdiCount.h"
 #include "Support/ImportHook.h"
 #include "Support/MultimediaHook.h"
+#include "Support/PixelMap.h"
 #include "Support/Reports.h"
 #include "Support/TestSettings.h"
 #include "Support/TestWindow.h"
@@ -140,7 +141,9 @@ TEST(MessageBoxes, IsAsLargeAsItsTextNeedsAndTheScreenAllows)
         lines += lines;
     RECT work;
     SystemParametersInfoA(SPI_GETWORKAREA, 0, &work, 0);
-    for (const std::string &text : {std::string("Short"), words, std::string(900, 'x'), lines}) {
+    for (const std::string &text :
+         {std::string("\"Fox\" was replaced."), words, std::string(900, 'x'), lines})
+    {
         CCUIMessageBox box(text.c_str(), "title", MB_YESNOCANCEL | MB_ICONHAND);
         box.SetDontAsk("size");
         Ask(box, [&](HWND hBox) {
@@ -163,10 +166,15 @@ TEST(MessageBoxes, IsAsLargeAsItsTextNeedsAndTheScreenAllows)
             RECT place, needed;
             GetClientRect(hText, &place);
             needed = place;
-            const HDC hDC = GetDC(hText);
-            SelectObject(hDC, HGDIOBJ(SendMessageA(hText, WM_GETFONT, 0, 0)));
-            DrawTextA(hDC, text.c_str(), -1, &needed, DT_CALCRECT | DT_WORDBREAK | DT_EDITCONTROL);
-            ReleaseDC(hText, hDC);
+            const auto draw = [&](UINT nMore) {
+                CTestSurface surface(CPixelMap(place.right + 9, place.bottom, 0xFFFFFF));
+                SelectObject(surface, HGDIOBJ(SendMessageA(hText, WM_GETFONT, 0, 0)));
+                DrawTextA(surface, text.c_str(), -1, &needed,
+                          DT_WORDBREAK | DT_EDITCONTROL | nMore);
+                return surface.Read();
+            };
+            EXPECT_TRUE(bScrolls || draw(DT_NOCLIP) == draw(0)) << "something sticks out";
+            draw(DT_CALCRECT);
             EXPECT_TRUE(needed.right <= place.right && bScrolls == (needed.bottom > place.bottom));
             Press(VK_NEXT)(hBox);
             PumpWaiting();
