@@ -219,7 +219,8 @@ void CArrangement::PlaceButtons(int nBody, int yTop) const
 SIZE CArrangement::Place()
 {
     const int nBody = BodyWidth();
-    // The last character may be drawn beyond the width that it is said to have. The margin has room.
+    // The last character may be drawn beyond the width that it is said to have. The margin has
+    // room.
     const int nOverhang = Units(1, 0).cx;
     const bool bFills = m_bScrolls || (m_content.m_nFlags & MB_RIGHT);
     const SIZE text = {bFills ? nBody - m_nColumn : m_text.cx + nOverhang, m_text.cy};
