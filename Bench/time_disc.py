@@ -1,9 +1,8 @@
 #!/usr/bin/env python3
 """Measures ./disc beside cp -r of the same contents, in turns. Usage: Bench/time_disc.py [MIB [PAIRS]]
 
-Prints the median times and the median of the pairs' ratios: of a skin that a disc was made of
-before, of one that Disc Maker has to put into a launcher, and of both with hardly any contents,
-which is what all but the copy costs.
+Prints the median times and the median of the pairs' ratios, also with hardly any contents, which is
+what all but the copy costs.
 """
 
 import os
@@ -16,13 +15,10 @@ import tempfile
 import time
 
 ROOT = pathlib.Path(__file__).resolve().parents[1]
-KEPT = ROOT / "build/kept-disc"
 PROGRAMS = ("Fennick.exe", "RunFennick.exe", "tutorial.exe")
 
 
-def seconds(target, *words, forget=False):
-    if forget:
-        shutil.rmtree(KEPT, ignore_errors=True)
+def seconds(target, *words):
     start = time.monotonic()
     subprocess.run(words, check=True, stdout=subprocess.DEVNULL)
     took = time.monotonic() - start
@@ -39,11 +35,10 @@ def measure(folder, mebibytes, pairs):
     copy = (folder / "copy", "cp", "-r", contents, folder / "copy")
     seconds(*disc)  # no good: Wine's server starts
     seconds(*copy)
-    for what, forget in (("the same skin again", False), ("a new skin", True)):
-        times = [(seconds(*disc, forget=forget), seconds(*copy)) for _ in range(pairs)]
-        ours, peer = (statistics.median(side) for side in zip(*times))
-        ratio = statistics.median(one / other for one, other in times)
-        print(f"{mebibytes} MiB, {what}: ./disc {ours:.3f} s, cp -r {peer:.3f} s, ratio {ratio:.2f}")
+    times = [(seconds(*disc), seconds(*copy)) for _ in range(pairs)]
+    ours, peer = (statistics.median(side) for side in zip(*times))
+    ratio = statistics.median(one / other for one, other in times)
+    print(f"{mebibytes} MiB: ./disc {ours:.3f} s, cp -r {peer:.3f} s, ratio {ratio:.2f}")
 
 
 def main():

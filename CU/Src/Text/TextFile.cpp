@@ -2,6 +2,7 @@
 
 #include <string.h>
 
+#include "Base/SystemLibrary.h"
 #include "CU/File.h"
 #include "Text/Utf.h"
 
@@ -54,7 +55,7 @@ bool WriteBytes(const char *pszPath, const CCUString &sBytes)
     return true;
 }
 
-// Some systems replace such a file without a word.
+// Wine 8 replaces a file that is read-only without a word.
 bool IsProtected(const char *pszPath)
 {
     const DWORD nAttributes = GetFileAttributesA(pszPath);
@@ -80,10 +81,8 @@ bool Replace(const char *pszNew, const char *pszPath)
 {
     if (GetFileAttributesA(pszPath) == INVALID_FILE_ATTRIBUTES)
         return MoveFileA(pszNew, pszPath) != 0;
-    static const auto s_replaceFile = reinterpret_cast<ReplaceFileCall *>(
-        GetProcAddress(GetModuleHandleA("kernel32.dll"), "ReplaceFileA"));
-    if (s_replaceFile &&
-        s_replaceFile(pszPath, pszNew, nullptr, IGNORE_MERGE_ERRORS, nullptr, nullptr))
+    const auto replaceFile = CUFindFunction<ReplaceFileCall>("kernel32.dll", "ReplaceFileA");
+    if (replaceFile && replaceFile(pszPath, pszNew, nullptr, IGNORE_MERGE_ERRORS, nullptr, nullptr))
         return true;
     if (MoveFileExA(pszNew, pszPath, MOVEFILE_REPLACE_EXISTING))
         return true;

@@ -3,6 +3,7 @@
 #include <limits.h>
 
 #include "Base/GdiGuards.h"
+#include "Base/Wrap.h"
 #include "CU/Dump.h"
 #include "Dialog/ChooserOwner.h"
 #include "Dialog/CommonDialog.h"
@@ -11,11 +12,6 @@ namespace {
 
 const int MOST_PAGES = 0xFFFF;  // that the system's dialog can count
 const char DIALOG[] = "PrintDlgA";
-
-int Larger(int n1, int n2)
-{
-    return n1 > n2 ? n1 : n2;
-}
 
 // One of the device's values across or down, in units of paper.
 int InUnits(HDC hDC, int nValue, int nPixelsPerInch)
@@ -123,8 +119,8 @@ CUIPaper CCUIPrinter::GetPaper(int nMargin) const
     const int nRight = size.cx - nLeft - InUnits(m_hDC, HORZRES, LOGPIXELSX);
     const int nBottom = size.cy - nTop - InUnits(m_hDC, VERTRES, LOGPIXELSY);
     return {size,
-            {Larger(nMargin, nLeft), Larger(nMargin, nTop), Larger(nMargin, nRight),
-             Larger(nMargin, nBottom)}};
+            {CUILarger(nMargin, nLeft), CUILarger(nMargin, nTop), CUILarger(nMargin, nRight),
+             CUILarger(nMargin, nBottom)}};
 }
 
 int CCUIPrinter::Print(const char *pszName, CCUIPages &pages)
