@@ -16,8 +16,8 @@ from PIL import Image, ImageGrab
 
 ROOT = pathlib.Path(__file__).resolve().parents[2]
 sys.path.append(str(ROOT / "Tests/AutoRun"))
-from launcher import (BUILD, NONE, RUN, output_of, reference, wait_for, windows,  # noqa: E402
-                      windows_path, xdotool)
+from launcher import (BUILD, NONE, RUN, output_of, reference, wait_for,  # noqa: E402
+                      wait_for_focus_on, windows, windows_path, xdotool)
 
 SETTINGS = r"HKCU\Software\Disc Maker"
 
@@ -96,22 +96,20 @@ class Window(MakerWindow):
         self.assertEqual(self.first, self.save(changed))
 
     def test_the_chooser_of_fonts_and_a_character_that_no_field_can_hold(self):
-        def focused(caption):
-            wait_for(lambda: caption in xdotool("getwindowfocus", "getwindowname"), caption)
-        focused("Disc Maker")
+        wait_for_focus_on("Disc Maker")
         xdotool("key", "--delay", 60, "ctrl+2", *["Down"] * 8, "F4")
-        focused("Font")
+        wait_for_focus_on("Font")
         xdotool("type", "--delay", 40, "Courier")
         xdotool("key", "--delay", 60, "Tab", "Tab")
         xdotool("type", "--delay", 40, "20")
         xdotool("key", "Return")
-        focused("Disc Maker")
+        wait_for_focus_on("Disc Maker")
         self.addCleanup(output_of, "setxkbmap", "us")
         output_of("setxkbmap", "ru")
         xdotool("key", "Cyrillic_de")
-        focused("Typing")
+        wait_for_focus_on("Typing")
         xdotool("key", "Return")
-        focused("Disc Maker")
+        wait_for_focus_on("Disc Maker")
         output_of("setxkbmap", "us")
         self.save(self.first)
         output_of("wine", BUILD / "DiscMaker/DiscMaker.exe", "/export",

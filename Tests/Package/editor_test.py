@@ -11,7 +11,7 @@ import unittest
 from PIL import Image, ImageChops, ImageGrab, ImageOps
 
 from package_test import ROOT, Package, output_of, wait_for, windows, xdotool
-from launcher import windows_path
+from launcher import wait_for_focus, windows_path
 
 SHEETS = (297 / 210, 11 / 8.5)  # A4 and Letter
 SETTINGS = r"HKCU\Software\Samples\Editor"
@@ -19,7 +19,8 @@ SETTINGS = r"HKCU\Software\Samples\Editor"
 
 def keys(*names, to):
     """Presses them once a window with such a caption has the focus: others would get them before."""
-    wait_for(lambda: to == xdotool("getwindowfocus", "getwindowname").strip(), f"the focus of {to}")
+    wait_for_focus(lambda: to == xdotool("getwindowfocus", "getwindowname").strip(),
+                   lambda: windows(re.escape(to)))
     xdotool("key", "--delay", 100, *names)
 
 
