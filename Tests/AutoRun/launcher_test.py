@@ -14,8 +14,8 @@ import tempfile
 import time
 import unittest
 
-from launcher import (BUILD, EXIT, HELP, NONE, ROOT, RUN, SETUP, LauncherTest, is_same, output_of,
-                      wait_for, windows, windows_path, xdotool)
+from launcher import (BUILD, DEPTH, EXIT, HELP, NONE, ROOT, RUN, SETUP, LauncherTest, is_same,
+                      output_of, wait_for, windows, windows_path, xdotool)
 
 TITLES = {"Fennick.exe": "Install Fennick", "RunFennick.exe": "Fennick from the disc",
           "tutorial.exe": "Learn to use Fennick"}
@@ -124,14 +124,28 @@ class Input(LauncherTest):
             self.close(process)
 
 
-class HighColour(LauncherTest):
-    """Run by Screens at 16 bits: everything as it is with more, in the colours that there are."""
+# What depends on the colours that the screen has. Whether the palette was realised is only seen
+# from inside.
+DRAWING = "CUITests.exe", "Draw.*:OffScreenDC.*:Data.*:Bitmap.*:BmpLoad.*"
+PALETTE = "AutoRunTests.exe", "Palette.*"
 
+
+class FewColours(LauncherTest):
+    """Run by Screens at 16 and 8 bits."""
+
+    @unittest.skipIf(DEPTH == 8, "has a palette")
     def test_lines_light_up(self):
+        """Everything is as it is with more, in the colours that there are."""
         process = self.start()
         for line in (NONE, SETUP, RUN, HELP, EXIT):
             self.over(line)
         self.close(process)
+
+    def test_drawing(self):
+        for program, names in (DRAWING, PALETTE) if DEPTH == 8 else (DRAWING,):
+            text = output_of("wine", BUILD / "Tests" / program, "--gtest_filter=" + names)
+            self.assertRegex(text, r"\[  PASSED  \] [1-9]")
+            self.assertNotIn("SKIPPED", text)
 
 
 class OddSkins(LauncherTest):
@@ -198,30 +212,17 @@ class Exports(LauncherTest):
             self.assertLess(os.path.getsize(launcher) - resources, 288 * 1024)
 
 
-# What depends on the colours that the screen has. Whether the palette was realised is only seen
-# from inside.
-DRAWING = "CUITests.exe", "Draw.*:OffScreenDC.*:Data.*:Bitmap.*:BmpLoad.*"
-PALETTE = "AutoRunTests.exe", "Palette.*"
-
-
 class Screens(unittest.TestCase):
     """Screens of fewer colours, in front of a prefix of their own: one shows on one screen."""
 
     def test_16_and_8_bits(self):
-        for depth, tests in ("16", (DRAWING,)), ("8", (DRAWING, PALETTE)):
+        for depth in "16", "8":
             environment = dict(os.environ, AUTORUN_WINEPREFIX=str(ROOT / "build/wine-screens"),
                                SCREEN_DEPTH=depth)
             for name in ("DISPLAY", "WITH_WINE_INSIDE", "WINEPREFIX"):
                 environment.pop(name, None)
-            output_of(ROOT / "setup", env=environment)
-            if depth == "16":
-                output_of(ROOT / "Tools/with-wine", sys.executable, __file__, "HighColour",
-                          env=environment)
-            for program, names in tests:
-                text = output_of(ROOT / "Tools/with-wine", "wine", BUILD / "Tests" / program,
-                                 "--gtest_filter=" + names, env=environment)
-                self.assertRegex(text, r"\[  PASSED  \] [1-9]")
-                self.assertNotIn("SKIPPED", text)
+            output_of(ROOT / "Tools/with-wine", sys.executable, __file__, "FewColours",
+                      env=environment)
 
 
 if __name__ == "__main__":
