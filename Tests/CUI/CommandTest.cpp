@@ -5,6 +5,7 @@
 #include "CU/IDGenerator.h"
 #include "CUI/CommandMap.h"
 #include "CUI/Menu.h"
+#include "Support/MenuItems.h"
 #include "Support/Reports.h"
 #include "Support/TestCommand.h"
 
@@ -44,19 +45,6 @@ struct CCloser : CTestWindow
     int OnReflectedMessage(UINT, WPARAM, LPARAM, long &) override { return m_onSeen(), 0; }
     std::function<void()> m_onSeen;
 };
-
-std::string Item(HMENU hMenu, UINT nItem)
-{
-    char szText[64] = "";
-    GetMenuStringA(hMenu, nItem, szText, sizeof szText, MF_BYPOSITION);
-    MENUITEMINFOA item = {};
-    item.cbSize = sizeof item;
-    item.fMask = MIIM_STATE | MIIM_TYPE;
-    GetMenuItemInfoA(hMenu, nItem, TRUE, &item);
-    return std::string(szText) + ((item.fState & MFS_DISABLED) ? " disabled" : "") +
-           ((item.fState & MFS_CHECKED) ? " checked" : "") +
-           ((item.fType & MFT_RADIOCHECK) ? " radio" : "");
-}
 
 }  // namespace
 
@@ -147,7 +135,7 @@ TEST(CommandRouting, SurvivesHandlersThatDeleteTheirWindowOrThemselves)
     CCUICommandMap::UpdateMenu(hMenu);
     command->m_onText = std::exchange(command->m_onUpdate, [] {});
     CCUICommandMap::UpdateMenu(hMenu);
-    EXPECT_EQ("new new one", Item(hMenu, 0) + " " + Item(hMenu, 1) + " " + Item(hMenu, 2));
+    EXPECT_EQ("new new one", ItemsOf(hMenu));
     // A control that closes or deletes the window ends the command's way.
     command->m_onText = [] {};
     command->m_nState = CUI_COMMAND_ACTIVE;
@@ -186,13 +174,13 @@ TEST(CommandRouting, RefreshesTheItemsOfAMenuAndWhatIsIdleAsTheHandlersSay)
                                   (n & CUI_COMMAND_CHECKED ? " checked" : "");
         nUpdates = 0;
         CCUICommandMap::UpdateMenu(hMenu);
-        EXPECT_EQ(text + state + (n & CUI_COMMAND_RADIO ? " radio" : ""), Item(hMenu, 0));
-        EXPECT_EQ(state, Item(hMenu, 1)) << n;
+        EXPECT_EQ(text + state + (n & CUI_COMMAND_RADIO ? " radio" : ""), ItemOf(hMenu, 0));
+        EXPECT_EQ("*" + state, ItemOf(hMenu, 1)) << n;
         EXPECT_EQ(n & 0x3C ? 0 : 2, nUpdates) << n;  // minimised, hidden, by a timer
         nUpdates = 0;
         CCUICommandMap::IdleUpdate();
         EXPECT_EQ(!(n & 0x3D), nUpdates) << n;  // nor those that menus refresh
     }
-    EXPECT_EQ("other disabled checked", Item(hMenu, 2));
-    EXPECT_EQ("inside checked", Item(hSub, 0));
+    EXPECT_EQ("other disabled checked", ItemOf(hMenu, 2));
+    EXPECT_EQ("inside checked", ItemOf(hSub, 0));
 }

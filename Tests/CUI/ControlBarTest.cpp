@@ -3,13 +3,13 @@
 
 #include <commctrl.h>
 
-#include "CUI/BmpLoad.h"
 #include "CUI/BmpState.h"
 #include "CUI/CommandMap.h"
 #include "CUI/Data.h"
 #include "Support/DotsPerInch.h"
 #include "Support/ImportHook.h"
-#include "Support/PixelMap.h"
+#include "Support/MenuItems.h"
+#include "Support/TestBitmap.h"
 #include "Support/TestCommand.h"
 #include "Support/TestSettings.h"
 #include "Support/UpdateArea.h"
@@ -56,7 +56,6 @@ struct CBar : CScripted<CCUIControlBar>
         const RECT rc = nItem < 0 ? GetOverflowRect() : GetItemRect(nItem);
         SendMessageA(m_hWnd, message, 0, MAKELPARAM(rc.left + x, rc.top + 1));
     }
-    void Key(UINT nKey) { SendMessageA(m_hWnd, WM_KEYDOWN, nKey, 1); }
     std::string Places() const
     {
         std::string places;
@@ -66,11 +65,7 @@ struct CBar : CScripted<CCUIControlBar>
         }
         return places;
     }
-    static CCUIBitmap Strip()
-    {
-        CTestSurface surface(TestPicture(64, 15, 5));
-        return CCUIBitmap(CUICopyBitmap(surface.Bitmap(), 64, 15, nullptr), nullptr);
-    }
+    static CCUIBitmap Strip() { return BitmapOf(TestPicture(64, 15, 5)); }
 };
 
 struct CCommands
@@ -255,22 +250,20 @@ TEST(ControlBar, GoesFromButtonToButtonByTheKeyboardAndGivesTheFocusBack)
     SetFocus(parent);
     EXPECT_TRUE(CCUIControlBar::ActivateNext(parent));
     EXPECT_EQ(bar.GetHandle(), GetFocus());
-    for (const int nKey : {VK_RIGHT, VK_DOWN, VK_END, VK_HOME, VK_LEFT})
-        bar.Key(static_cast<UINT>(nKey));
+    Input(bar, {VK_RIGHT, VK_DOWN, VK_END, VK_HOME, VK_LEFT});
     EXPECT_EQ("help1000 help1002 help1000 help1002 help1000 help1002 ", parent.Told());
-    bar.Key(VK_SPACE);
+    Input(bar, {VK_SPACE});
     EXPECT_EQ("help0 1002 ", parent.Told());
     EXPECT_EQ(parent.GetHandle(), GetFocus());
     EXPECT_TRUE(CCUIControlBar::ActivateNext(parent, true));
     EXPECT_EQ(second.GetHandle(), GetFocus());
-    second.Key(VK_ESCAPE);
+    Input(second, {VK_ESCAPE});
     EXPECT_EQ(parent.GetHandle(), GetFocus());
     // A window in the bar is a stop of its own, which Tab leaves.
-    const HWND hEdit = MakePlain("EDIT", bar, 77);
-    SetWindowLongA(hEdit, GWL_STYLE, WS_CHILD | WS_TABSTOP);
+    const HWND hEdit = MakePlain("EDIT", bar, 77, WS_TABSTOP);
     bar.AddControl(hEdit, 0);
     SetFocus(bar);
-    bar.Key(VK_END);
+    Input(bar, {VK_END});
     EXPECT_EQ(hEdit, GetFocus());
     parent.Told();
     EXPECT_TRUE(PressKey(VK_TAB));
@@ -302,14 +295,10 @@ TEST(ControlBar, DocksWhereItIsDraggedAndRemembersThat)
     EXPECT_EQ(CUI_BAR_RIGHT, bar.GetSide());
     std::string sides;
     CFakeCall<BOOL(HMENU, UINT, int, int, HWND, TPMPARAMS *)> track(
-        "TrackPopupMenuEx", [&](HMENU hMenu, auto...) {
-            char szText[20];
-            for (UINT i = 0; GetMenuStringA(hMenu, i, szText, 20, MF_BYPOSITION); ++i)
-                sides += Text("%s%u ", szText, GetMenuState(hMenu, i, MF_BYPOSITION));
-            return 1 + CUI_BAR_LEFT;
-        });
+        "TrackPopupMenuEx",
+        [&](HMENU hMenu, auto...) { return sides = ItemsOf(hMenu), 1 + CUI_BAR_LEFT; });
     SendMessageA(bar, WM_CONTEXTMENU, 0, -1);
-    EXPECT_EQ("&Top0 &Unten0 &Left0 &Right520 layout3 ", sides + parent.Told());
+    EXPECT_EQ("&Top &Unten &Left &Right checked radiolayout3 ", sides + parent.Told());
     EXPECT_EQ(CUI_BAR_LEFT, bar.GetSide());
     bar.ShowBar(false);
     CCUIControlBar later;

@@ -7,8 +7,8 @@
 #include "Support/DotsPerInch.h"
 #include "Support/GdiCount.h"
 #include "Support/HeapWatch.h"
-#include "Support/PixelMap.h"
 #include "Support/Reports.h"
+#include "Support/TestBitmap.h"
 #include "Support/TestCommand.h"
 #include "Support/TestTimer.h"
 
@@ -45,8 +45,7 @@ struct CButton : CCUIButton
 
     CPixelMap Picture()
     {
-        RECT rect;
-        GetClientRect(m_hWnd, &rect);
+        const RECT rect = ClientOf(m_hWnd);
         CTestSurface surface(CPixelMap(rect.right, rect.bottom, 0xFF00FF));
         SendMessageA(m_hWnd, WM_PRINTCLIENT, reinterpret_cast<WPARAM>(HDC(surface)), 0);
         return surface.Read();
@@ -214,9 +213,9 @@ std::string PlayDialog(bool bOurs)
     std::unique_ptr<CCUIButton> ours[std::size(controls)];
     for (size_t i = 0; i < std::size(controls); ++i) {
         const int nID = 100 + int(i);
-        const HWND hWnd = CreateWindowExA(
-            0, "BUTTON", controls[i].text, controls[i].style | WS_CHILD | WS_VISIBLE, 10,
-            int(i) * 20, 90, 18, dialog, reinterpret_cast<HMENU>(nID), nullptr, nullptr);
+        const HWND hWnd =
+            MakePlain("BUTTON", dialog, nID, controls[i].style | WS_VISIBLE, controls[i].text);
+        MoveWindow(hWnd, 10, int(i) * 20, 90, 18, FALSE);
         if (controls[i].style & BS_DEFPUSHBUTTON)
             Send(dialog, DM_SETDEFID, static_cast<WPARAM>(nID));
         Send(hWnd, WM_SETFONT, reinterpret_cast<WPARAM>(GetStockObject(ANSI_FIXED_FONT)));
@@ -280,14 +279,11 @@ TEST(Control, MnemonicsWorkOutsideOfDialogs)
     CParent parent;
     CButton a(parent, 5, CUI_BUTTON_PUSH, "&Go"), b(parent, 6, CUI_BUTTON_PUSH, "&Same"),
         c(parent, 7, CUI_BUTTON_CHECK, "&Same && more");
-    const HWND hLabel = MakePlain("STATIC", parent), hEdit = MakePlain("EDIT", parent, 9);
-    SetWindowTextA(hLabel, "&Name");
+    MakePlain("STATIC", parent, 0, WS_VISIBLE | WS_TABSTOP, "&Name");
+    MakePlain("EDIT", parent, 9, WS_VISIBLE | WS_TABSTOP);
     CTestWindow disabled(parent, WS_CHILD | WS_VISIBLE | WS_DISABLED);
     CButton inside(disabled, 8, CUI_BUTTON_PUSH, "&More");
-    CreateWindowA("STATIC", "a&more", WS_CHILD | WS_VISIBLE | SS_NOPREFIX, 0, 0, 9, 9, parent,
-                  nullptr, nullptr, nullptr);
-    for (const HWND hWnd : {hLabel, hEdit})
-        SetWindowLongA(hWnd, GWL_STYLE, WS_CHILD | WS_VISIBLE | WS_TABSTOP);
+    MakePlain("STATIC", parent, 0, WS_VISIBLE | SS_NOPREFIX, "a&more");
     SetFocus(a);
     CTestCommand command(1000);
     CButton late(parent, 10, CUI_BUTTON_PUSH, "&Late");
@@ -382,9 +378,7 @@ TEST(Control, ShowsEachStateAndWhatIsBehind)
     };
     CPixelMap picture(32, 16, 0xFF00FF);
     picture.Set(20, 8, 0x0000FF);
-    CTestSurface surface(picture);
-    const HBITMAP hCopy = static_cast<HBITMAP>(CopyImage(surface.Bitmap(), IMAGE_BITMAP, 0, 0, 0));
-    const CCUIBitmap bitmap(hCopy, nullptr);
+    const CCUIBitmap bitmap = BitmapOf(picture);
     int nGdi = 0;
     for (const int nLook : {0, 1, 2, 0, 1}) {
         const bool bFlat = nLook == 1, bMark = nLook == 2;

@@ -62,13 +62,9 @@ TEST(FrameWindow, PutsBarsAroundItsClient)
     MoveWindow(frame, 0, 0, rc.right - rc.left, rc.bottom - rc.top, FALSE);
     CBar top(frame, 30), hidden(frame, 10, 0), left(frame, 40), right(frame, 7), below(frame, 5),
         status(frame, 20), client(frame, 0);
-    const std::pair<CBar *, CUIBarSide> bars[] = {{&top, CUI_BAR_TOP},
-                                                  {&hidden, CUI_BAR_TOP},
-                                                  {&left, CUI_BAR_LEFT},
-                                                  {&right, CUI_BAR_RIGHT},
-                                                  {&below, CUI_BAR_BOTTOM}};
-    for (const auto &bar : bars)
-        frame.AddBar(bar.first, bar.second);
+    frame.AddBar(&top, CUI_BAR_TOP), frame.AddBar(&hidden, CUI_BAR_TOP);
+    frame.AddBar(&left, CUI_BAR_LEFT), frame.AddBar(&right, CUI_BAR_RIGHT);
+    frame.AddBar(&below, CUI_BAR_BOTTOM);
     frame.SetStatusBar(&status, nullptr);
     frame.SetClient(&client);
     EXPECT_EQ("0,280,400,300 40,275,393,280", PlaceOf(status) + " " + PlaceOf(below));
@@ -216,9 +212,7 @@ TEST(FrameWindow, CoversTheScreenAndComesBackAsItWas)
         EXPECT_EQ(std::set<std::string>{screen + "0"}, seen);
         PressKey(VK_F7, frame.m_client);
         // Escape first closes a list.
-        const HWND hCombo =
-            CreateWindowExA(0, "COMBOBOX", "", WS_CHILD | WS_VISIBLE | CBS_DROPDOWN, 0, 0, 90, 90,
-                            frame.m_client, nullptr, nullptr, nullptr);
+        const HWND hCombo = MakePlain("COMBOBOX", frame.m_client, 0, WS_VISIBLE | CBS_DROPDOWN);
         SendMessageA(hCombo, CB_SHOWDROPDOWN, TRUE, 0);
         EXPECT_FALSE(PressKey(VK_ESCAPE, GetWindow(hCombo, GW_CHILD)));
         DestroyWindow(hCombo);
@@ -255,7 +249,7 @@ TEST(FrameWindow, LeadsHelpKeysAndFocusBetweenItsParts)
     EXPECT_EQ(
         Of({frame.m_bars[1].GetFixedSize(), frame.m_bars[0].GetFixedSize(), rc.right, rc.top}),
         PlaceOf(frame.m_client));
-    // What is under the mouse, or lit by the keyboard, has its help in the status bar.
+    // What is lit in a menu or a bar has its help in the status bar.
     const auto look = [&] { return WindowPixels(frame.m_status, {0, 0, 200, 18}); };
     const CPixelMap ready = look();
     frame.m_status.ShowHelp("Long help");
@@ -263,16 +257,9 @@ TEST(FrameWindow, LeadsHelpKeysAndFocusBetweenItsParts)
     const auto select = [&](int nItem, int nFlags) {
         return SendMessageA(frame, WM_MENUSELECT, MAKEWPARAM(nItem, nFlags), nFlags != 0xFFFF);
     };
-    const std::function<void(bool)> ways[] = {
-        [&](bool b) { select(b ? 1700 : 0, b ? 0 : 0xFFFF); },
-        [&](bool b) {
-            SendMessageA(frame.m_bars[1], b ? WM_MOUSEMOVE : WM_MOUSELEAVE, 0, MAKELPARAM(12, 8));
-        }};
-    for (const auto &way : ways) {
-        for (const bool bHelp : {true, false}) {
-            way(bHelp);
-            EXPECT_EQ(bHelp ? help : ready, look());
-        }
+    for (const bool bHelp : {true, false}) {
+        select(bHelp ? 1700 : 0, bHelp ? 0 : 0xFFFF);
+        EXPECT_EQ(bHelp ? help : ready, look());
     }
     select(1700, MF_POPUP);
     EXPECT_FALSE(help == look());
@@ -283,8 +270,7 @@ TEST(FrameWindow, LeadsHelpKeysAndFocusBetweenItsParts)
         EXPECT_EQ(hExpected == frame.m_button ? ready : help, look());
     }
     CCUICommandMap::IdleUpdate();
-    MSG msg = {frame.m_bars[0], WM_SYSCHAR, 'o', 0, 0, {}};
-    EXPECT_TRUE(CCUIWindow::PerformPreTranslation(&msg));
+    EXPECT_TRUE(PressKey('o', frame.m_bars[0], WM_SYSCHAR));
     EXPECT_EQ("0 ", command.Done());
     // Whoever had the focus has it again after other windows.
     CTestWindow other(nullptr, WS_POPUP | WS_VISIBLE);

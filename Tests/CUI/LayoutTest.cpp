@@ -59,11 +59,6 @@ Boxes MakeBoxes(HWND hParent, const std::vector<std::pair<int, unsigned long>> &
     return boxes;
 }
 
-HWND MakeStop(const char *pszClass, HWND hParent)
-{
-    return CreateWindowA(pszClass, "text", SHOWN, 0, 0, 9, 9, hParent, nullptr, nullptr, nullptr);
-}
-
 void PressTab(bool bShift = false, HWND hDialog = nullptr)
 {
     BYTE keys[256] = {};
@@ -193,7 +188,7 @@ TEST(Layout, TabGoesThroughAllThatCanHaveTheFocus)
     CLayout outer(top, COLUMN);
     CBox first(outer);
     CLayout inner(outer, ROW), empty(outer, ROW);
-    const HWND hEdit = MakeStop("EDIT", inner);
+    const HWND hEdit = MakePlain("EDIT", inner, 0, SHOWN);
     CBox hidden(inner, 5, 4, WS_CHILD | WS_TABSTOP), disabled(inner, 5, 4, SHOWN | WS_DISABLED);
     CBox noStop(inner, 5, 4, WS_CHILD | WS_VISIBLE), last(inner);
     SetFocus(outer);
@@ -212,10 +207,10 @@ TEST(Layout, TabGoesThroughAllThatCanHaveTheFocus)
     PressTab();
     EXPECT_EQ(nullptr, GetFocus());
     // A dialog moves the focus behind the end.
-    const HWND hDialog = MakeStop("#32770", top);
+    const HWND hDialog = MakePlain("#32770", top, 0, SHOWN);
     CLayout within(hDialog, ROW);
     CBox one(within);
-    const HWND hOther = MakeStop("BUTTON", hDialog);
+    const HWND hOther = MakePlain("BUTTON", hDialog, 0, SHOWN);
     SetFocus(one);
     for (const HWND hWnd : {hOther, one.GetHandle()}) {
         PressTab(false, hDialog);
@@ -360,7 +355,7 @@ TEST(Layout, HoldsTenThousandChildrenAndLeavesNothing)
         CCUIControlWindow::PropData data = {3, 0, 4, 0, 0};
         HWND hLast = nullptr;
         for (int i = 0; i < nChildren; ++i)
-            SetPropA(hLast = MakeStop("STATIC", layout), g_sControlWindowProp, &data);
+            SetPropA(hLast = MakePlain("STATIC", layout, 0, SHOWN), g_sControlWindowProp, &data);
         PumpWaiting();
         layout.ScrollTo(0x7FFFFFFF);
         EXPECT_EQ(57, RectOf(hLast).top);

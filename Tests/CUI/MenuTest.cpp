@@ -7,39 +7,15 @@
 #include "Support/DotsPerInch.h"
 #include "Support/GdiCount.h"
 #include "Support/ImportHook.h"
-#include "Support/PixelMap.h"
+#include "Support/MenuItems.h"
 #include "Support/Reports.h"
+#include "Support/TestBitmap.h"
 #include "Support/TestCommand.h"
 
 namespace {
 
 const UINT ID = 1000;
 const HINSTANCE MODULE = GetModuleHandleA(nullptr);
-
-MENUITEMINFOA Info(HMENU hMenu, UINT nItem)
-{
-    MENUITEMINFOA info = {};
-    info.cbSize = sizeof info;
-    info.fMask = MIIM_ID | MIIM_STATE | MIIM_TYPE | MIIM_DATA;
-    GetMenuItemInfoA(hMenu, nItem, TRUE, &info);
-    return info;
-}
-
-// An item's text, and what draws it.
-std::string Item(HMENU hMenu, UINT nItem)
-{
-    char szText[300] = "";
-    GetMenuStringA(hMenu, nItem, szText, sizeof szText, MF_BYPOSITION);
-    return std::string(szText) + ((Info(hMenu, nItem).fType & MFT_OWNERDRAW) ? "*" : "");
-}
-
-std::string Items(HMENU hMenu)
-{
-    std::string items;
-    for (int i = 0; i < GetMenuItemCount(hMenu); ++i)
-        items += (i ? " " : "") + Item(hMenu, static_cast<UINT>(i));
-    return items;
-}
 
 void Open(HWND hWnd, HMENU hMenu)
 {
@@ -49,7 +25,7 @@ void Open(HWND hWnd, HMENU hMenu)
 // What a screen reader finds.
 std::string Accessible(HMENU hMenu, UINT nItem)
 {
-    const auto *const pInfo = reinterpret_cast<const DWORD *>(Info(hMenu, nItem).dwItemData);
+    const auto *const pInfo = reinterpret_cast<const DWORD *>(ItemInfo(hMenu, nItem).dwItemData);
     EXPECT_EQ(0xAA0DF00D, pInfo[0]);
     const CCUString sText(*reinterpret_cast<wchar_t *const *>(pInfo + 2));
     EXPECT_EQ(pInfo[1], static_cast<DWORD>(sText.GetLength()));
@@ -58,7 +34,7 @@ std::string Accessible(HMENU hMenu, UINT nItem)
 
 MEASUREITEMSTRUCT Measure(HWND hWnd, HMENU hMenu, UINT nItem)
 {
-    MEASUREITEMSTRUCT measure = {ODT_MENU, 0, 0, 0, 0, Info(hMenu, nItem).dwItemData};
+    MEASUREITEMSTRUCT measure = {ODT_MENU, 0, 0, 0, 0, ItemInfo(hMenu, nItem).dwItemData};
     EXPECT_EQ(1, SendMessageA(hWnd, WM_MEASUREITEM, 0, reinterpret_cast<LPARAM>(&measure)));
     return measure;
 }
@@ -100,9 +76,7 @@ CCUIBitmap Strip()
     CPixelMap strip(48, 16, PICTURE_GROUND);
     for (int i = 0; i < 64 * 3; ++i)
         strip.Set(i / 64 * 16 + 4 + i % 8, 4 + i / 8 % 8, PICTURE_COLORS[i / 64]);
-    CTestSurface surface(strip);
-    return CCUIBitmap(static_cast<HBITMAP>(CopyImage(surface.Bitmap(), IMAGE_BITMAP, 0, 0, 0)),
-                      nullptr);
+    return BitmapOf(strip);
 }
 
 }  // namespace
@@ -149,10 +123,10 @@ TEST(Menu, TakesItsItemsOverAsTheyAreWhenItOpensAndKeepsTheirTexts)
     EXPECT_EQ(nullptr, sub.GetHandle());
     AppendMenuA(hMenu, MF_OWNERDRAW, 7, "foreign");
     Open(window, hMenu);
-    EXPECT_EQ("one\tF9*  two* more* *", Items(hMenu));
-    EXPECT_EQ("three", Items(GetSubMenu(hMenu, 3)));
+    EXPECT_EQ("one\tF9*  two* more* *", ItemsOf(hMenu));
+    EXPECT_EQ("three", ItemsOf(GetSubMenu(hMenu, 3)));
     Open(window, GetSubMenu(hMenu, 3));
-    EXPECT_EQ("three*", Items(GetSubMenu(hMenu, 3)));
+    EXPECT_EQ("three*", ItemsOf(GetSubMenu(hMenu, 3)));
     // Whatever is done to it from outside.
     const UINT cxOld = Measure(window, hMenu, 0).itemWidth;
     const std::string long_text(200, 'w');
@@ -161,16 +135,16 @@ TEST(Menu, TakesItsItemsOverAsTheyAreWhenItOpensAndKeepsTheirTexts)
     menu.Insert(0, 20, "new");
     ModifyMenuA(hMenu, 2, MF_BYPOSITION | MF_STRING, ID, "dos");
     Open(window, hMenu);
-    EXPECT_EQ("new* " + long_text + "* dos*  more* *", Items(hMenu));
+    EXPECT_EQ("new* " + long_text + "* dos*  more* *", ItemsOf(hMenu));
     EXPECT_LT(cxOld + 1000, Measure(window, hMenu, 0).itemWidth);
     const HMENU hPlain = menu.Detach();
-    EXPECT_EQ("new " + long_text + " dos  more *", Items(hPlain));
+    EXPECT_EQ("new " + long_text + " dos  more *", ItemsOf(hPlain));
     DestroyMenu(hPlain);
 
     CCUIMenu bar(MODULE, MAKEINTRESOURCEA(520), CUI_MENU_BAR);
     EXPECT_EQ("&First &Second|T&hree",
-              Items(bar.GetHandle()) + "|" +
-                  Items(CCUIMenu(MODULE, MAKEINTRESOURCEA(520), 1).GetHandle()));
+              ItemsOf(bar.GetHandle()) + "|" +
+                  ItemsOf(CCUIMenu(MODULE, MAKEINTRESOURCEA(520), 1).GetHandle()));
 }
 
 TEST(Menu, ShowsWhatHandlersSay)
@@ -190,7 +164,7 @@ TEST(Menu, ShowsWhatHandlersSay)
         });
     const CFakeCall<int(HMENU, UINT, LPSTR, int, UINT)> get(
         "GetMenuStringA", [&](HMENU h, UINT n, char *psz, int nMost, UINT nFlags) {
-            const bool bDrawn = Info(h, n).fType & MFT_OWNERDRAW;
+            const bool bDrawn = ItemInfo(h, n).fType & MFT_OWNERDRAW;
             return bDrawn ? 0 : get.Original(h, n, psz, nMost, nFlags);
         });
     UINT widths[3] = {};
@@ -202,10 +176,10 @@ TEST(Menu, ShowsWhatHandlersSay)
         cx = Measure(window, hMenu, 1).itemWidth;
     }
     EXPECT_TRUE(widths[1] < widths[0] && widths[2] == widths[0]);
-    EXPECT_TRUE(Info(hMenu, 0).fType & MFT_RADIOCHECK);
+    EXPECT_TRUE(ItemInfo(hMenu, 0).fType & MFT_RADIOCHECK);
     EXPECT_EQ(MAKELONG(1, MNC_EXECUTE),
               SendMessageA(window, WM_MENUCHAR, 'p', reinterpret_cast<LPARAM>(hMenu)));
-    EXPECT_EQ("&plain", Item(menu.Detach(), 1));
+    EXPECT_EQ("&plain", ItemOf(menu.Detach(), 1));
     DestroyMenu(hMenu);
 }
 
@@ -277,7 +251,7 @@ TEST(Menu, ShowsTheShortcutsOfItsWindowsInAColumnOfTheirOwn)
     const int cxSpace = width(window);
     EXPECT_EQ("own\tSpace &column\tF7 x",
               accessible(0) + " " + accessible(1) + " " + accessible(2));
-    EXPECT_EQ("&column*", Item(menu.GetHandle(), 1));
+    EXPECT_EQ("&column*", ItemOf(menu.GetHandle(), 1));
     menu.SetText(ID, "own");
     const int cxF7 = width(child);
     EXPECT_EQ("own\tW", accessible(0));
@@ -362,7 +336,7 @@ TEST(Menu, RunsByKeyboardInItsPopupsAndSurvivesWhatHappensToIt)
     fill(bar);
     SetMenu(window, bar.GetHandle());
     Open(window, GetSubMenu(bar.GetHandle(), 1));
-    EXPECT_EQ("&one &sub", Items(bar.GetHandle())) << "the bar stays the system's";
+    EXPECT_EQ("&one &sub", ItemsOf(bar.GetHandle())) << "the bar stays the system's";
     window.Destroy();
     EXPECT_FALSE(IsMenu(bar.GetHandle()));
     EXPECT_EQ(0, reports.Total());

@@ -148,10 +148,9 @@ TEST(MessageBoxes, IsAsLargeAsItsTextNeedsAndTheScreenAllows)
         box.SetDontAsk("size");
         Ask(box, [&](HWND hBox) {
             const RECT rect = RectOf(hBox);
+            const RECT client = ClientOf(hBox);
             RECT both;
             EXPECT_TRUE(UnionRect(&both, &rect, &work) && EqualRect(&both, &work));
-            RECT client;
-            GetClientRect(hBox, &client);
             for (HWND h = GetWindow(hBox, GW_CHILD); h; h = GetWindow(h, GW_HWNDNEXT)) {
                 const RECT child = RectOf(h);
                 EXPECT_TRUE(UnionRect(&both, &client, &child) && EqualRect(&both, &client));
@@ -163,9 +162,8 @@ TEST(MessageBoxes, IsAsLargeAsItsTextNeedsAndTheScreenAllows)
             const HWND hText = GetDlgItem(hBox, 0xFFFF);
             const bool bScrolls = (GetWindowLongA(hText, GWL_STYLE) & WS_VSCROLL) != 0;
             EXPECT_EQ(text == lines, bScrolls);
-            RECT place, needed;
-            GetClientRect(hText, &place);
-            needed = place;
+            const RECT place = ClientOf(hText);
+            RECT needed = place;
             const auto draw = [&](UINT nMore) {
                 CTestSurface surface(CPixelMap(place.right + 9, place.bottom, 0xFFFFFF));
                 SelectObject(surface, HGDIOBJ(SendMessageA(hText, WM_GETFONT, 0, 0)));

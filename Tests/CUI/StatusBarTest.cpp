@@ -3,11 +3,10 @@
 
 #include <commctrl.h>
 
-#include "CUI/BmpLoad.h"
 #include "CUI/Data.h"
 #include "Support/DotsPerInch.h"
-#include "Support/PixelMap.h"
 #include "Support/Reports.h"
+#include "Support/TestBitmap.h"
 #include "Support/UpdateArea.h"
 
 namespace {
@@ -18,8 +17,7 @@ struct CStatusBar : CScripted<CCUIStatusBar>
     explicit CStatusBar(HWND hFrame) { CreateBar(hFrame, 3), Place(); }
     void Place(int cx = 0)
     {
-        RECT rc;
-        GetClientRect(GetParent(m_hWnd), &rc);
+        const RECT rc = ClientOf(GetParent(m_hWnd));
         const int cy = GetFixedSize();
         MoveWindow(m_hWnd, 0, rc.bottom - cy, cx ? cx : rc.right, cy, TRUE);
         UpdateWindow(m_hWnd);
@@ -98,9 +96,9 @@ TEST(StatusBar, ShowsTextPictureProgressAndHelpInItsPixels)
     EXPECT_EQ(0, WindowPixels(bar, rcPane).Count(crDone));
     // Text and picture give way to the help and come back.
     const CPixelMap picture = TestPicture(9, 8, 3);
-    CTestSurface surface(picture);
+    const CCUIBitmap bitmap = BitmapOf(picture);
     bar.SetText(0, "Text");
-    bar.SetPicture(0, CCUIBitmap(CUICopyBitmap(surface.Bitmap(), 9, 8, nullptr), nullptr));
+    bar.SetPicture(0, bitmap);
     const CPixelMap shown = WindowPixels(bar, rcFirst);
     const LONG y = rcFirst.top + (rcFirst.bottom - rcFirst.top - 8) / 2;
     EXPECT_EQ(picture, WindowPixels(bar, {4, y, 13, y + 8}));
@@ -110,12 +108,11 @@ TEST(StatusBar, ShowsTextPictureProgressAndHelpInItsPixels)
     EXPECT_FALSE(help == shown);
     bar.ClearHelp();
     EXPECT_EQ(shown, WindowPixels(bar, rcFirst));
-    const CCUIBitmap large(CUICopyBitmap(surface.Bitmap(), 9, 8, nullptr), nullptr);
     {
         const CDotsPerInch dpi(480);
-        bar.SetPicture(0, large, 480);
+        bar.SetPicture(0, bitmap, 480);
         const int nHeight = bar.GetFixedSize();
-        bar.SetPicture(0, large);
+        bar.SetPicture(0, bitmap);
         EXPECT_LT(nHeight, bar.GetFixedSize());
     }
     bar.SetPicture(0, CCUIBitmap());

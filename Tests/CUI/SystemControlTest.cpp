@@ -226,12 +226,6 @@ struct CList : CCUIListView, CRecord
     int OnDeleteItem(int n) override { return Told(Text("delete %ld", GetItemData(n))); }
 };
 
-void Input(HWND hWnd, std::initializer_list<WPARAM> keys)
-{
-    for (const WPARAM nKey : keys)
-        SendMessageA(hWnd, WM_KEYDOWN, nKey, 1);
-}
-
 void Rename(HWND hLabel)
 {
     SetWindowTextA(hLabel, "new");
@@ -265,9 +259,7 @@ TEST(SystemControls, TellTheirObjectsWhatUsersDo)
         combo.AddString("item");
     SetFocus(combo);
     combo.DropDown(true);
-    RECT dropped = {};
-    GetClientRect(FindWindowA("ComboLBox", nullptr), &dropped);
-    EXPECT_EQ(8, dropped.bottom / combo.Send(CB_GETITEMHEIGHT));
+    EXPECT_EQ(8, ClientOf(FindWindowA("ComboLBox", nullptr)).bottom / combo.Send(CB_GETITEMHEIGHT));
     EXPECT_EQ(0, PressKey(VK_RETURN));
     combo.DropDown(false);
     Input(GetFocus(), {VK_DOWN});
@@ -386,8 +378,7 @@ TEST(SystemControls, MayBeDeletedByWhatTheyTell)
     auto *const pList = new CMade<CList>(parent, 2);
     pList->m_onTold = [=] { delete pList; };
     auto *const pBound = new CPlain<CCUIListBox>;
-    const HWND hBound = CreateWindowA("LISTBOX", "", WS_CHILD | LBS_NOTIFY, 0, 0, 9, 9, parent,
-                                      reinterpret_cast<HMENU>(3), nullptr, nullptr);
+    const HWND hBound = MakePlain("LISTBOX", parent, 3, LBS_NOTIFY);
     pBound->Bind(parent, 3);
     pBound->AddString("a");
     pBound->m_onTold = [=] { delete pBound; };

@@ -32,10 +32,11 @@ inline bool CreateTestWindow(CCUIWindow &window, HWND hParent = nullptr,
 }
 
 // A window that is no object's.
-inline HWND MakePlain(const char *pszClass = "STATIC", HWND hParent = nullptr, int nID = 0)
+inline HWND MakePlain(const char *pszClass = "STATIC", HWND hParent = nullptr, int nID = 0,
+                      DWORD nMore = 0, const char *pszText = "text")
 {
-    return CreateWindowExA(0, pszClass, "text", hParent ? WS_CHILD : WS_POPUP, 0, 0, 9, 9, hParent,
-                           reinterpret_cast<HMENU>(nID), nullptr, nullptr);
+    return CreateWindowExA(0, pszClass, pszText, nMore | (hParent ? WS_CHILD : WS_POPUP), 0, 0, 9,
+                           9, hParent, reinterpret_cast<HMENU>(nID), nullptr, nullptr);
 }
 
 // An object without a window yet that runs functions of the test in the place of its own handling
@@ -96,6 +97,12 @@ inline void Click(HWND hWnd, int x = 2, int y = 2)
     Send(hWnd, WM_LBUTTONUP, 0, MAKELPARAM(x, y));
 }
 
+inline void Input(HWND hWnd, std::initializer_list<WPARAM> keys)
+{
+    for (const WPARAM nKey : keys)
+        Send(hWnd, WM_KEYDOWN, nKey, 1);
+}
+
 // Handles what the thread has waiting, and no more.
 inline void PumpWaiting()
 {
@@ -111,6 +118,12 @@ bool PumpUntil(Condition condition)
     for (int nQuiet = 0; nQuiet < 6000 && !condition(); PumpWaiting())
         nQuiet += MsgWaitForMultipleObjects(0, nullptr, FALSE, 10, QS_ALLINPUT) == WAIT_TIMEOUT;
     return condition();
+}
+
+inline RECT ClientOf(HWND hWnd)
+{
+    RECT rect = {};
+    return GetClientRect(hWnd, &rect), rect;
 }
 
 inline std::string TextOf(HWND hWnd)
@@ -152,8 +165,8 @@ inline std::string PlaceOf(HWND hWnd)
 }
 
 // A key as the loop gets it, pressed in the window with the focus.
-inline int PressKey(WPARAM nKey, HWND hWnd = GetFocus())
+inline int PressKey(WPARAM nKey, HWND hWnd = GetFocus(), UINT message = WM_KEYDOWN)
 {
-    MSG msg = {hWnd, WM_KEYDOWN, nKey, 1, 0, {}};
+    MSG msg = {hWnd, message, nKey, 1, 0, {}};
     return CCUIWindow::PerformPreTranslation(&msg);
 }
