@@ -1,7 +1,7 @@
 #include "AutoRunDlg.h"
 #include "Bench.h"
 #include "Canvas/Canvas.h"
-#include "File/SkinFile.h"
+#include "File/OpenSkin.h"
 
 namespace {
 
@@ -13,7 +13,7 @@ struct CCanvasFrame : CCUIWindow, CDocumentWatcher, CCanvasHost
         m_canvas.CreateCanvas(*this, 1);
         SetWindowPos(m_canvas, nullptr, 0, 0, 540, 370, SWP_NOZORDER);
         CProblems problems;
-        m_document.Start(CSkinFile::Open(BENCH_LAUNCHER, problems)->Skin());
+        m_document.Start(OpenSkin(BENCH_LAUNCHER, problems)->Skin());
         UpdateWindow(m_canvas);
     }
     ~CCanvasFrame() override { Destroy(); }

@@ -8,7 +8,7 @@
 
 #include "Bench.h"
 #include "Command/Command.h"
-#include "File/SkinFile.h"
+#include "File/OpenSkin.h"
 #include "Model/Document.h"
 #include "Model/EntryText.h"
 #include "ProgramStart.h"
@@ -47,7 +47,7 @@ public:
     explicit CApplies(const std::string &folder) : m_folder(folder)
     {
         CProblems problems;
-        const auto file = CSkinFile::Open(BENCH_LAUNCHER, problems);
+        const auto file = OpenSkin(BENCH_LAUNCHER, problems);
         CSkin skin = file->Skin();
         file->SaveCopy(skin, (m_folder + "\\0.exe").c_str(), problems);
         for (CBlob &picture : skin.m_pictures)
@@ -94,7 +94,7 @@ double UndoBytes()
 {
     CProblems problems;
     CDocument document;
-    document.Start(CSkinFile::Open(BENCH_LAUNCHER, problems)->Skin());
+    document.Start(OpenSkin(BENCH_LAUNCHER, problems)->Skin());
     // A number that may fall: the heap can give back more than the steps take.
     const auto Used = [] {
         PROCESS_MEMORY_COUNTERS counters = {};

@@ -2,7 +2,7 @@
 
 #include "Canvas/Canvas.h"
 #include "Canvas/Snap.h"
-#include "File/SkinFile.h"
+#include "File/OpenSkin.h"
 #include "Resource.h"
 #include "Support/TestWindow.h"
 
@@ -17,7 +17,7 @@ struct CCanvasWindow : CCUIWindow, CDocumentWatcher, CCanvasHost
         m_canvas.CreateCanvas(*this, 1);
         SetWindowPos(m_canvas, nullptr, 0, 0, 700, 500, SWP_NOZORDER);
         CProblems problems;
-        m_document.Start(CSkinFile::Open(TEST_LAUNCHER, problems)->Skin());
+        m_document.Start(OpenSkin(TEST_LAUNCHER, problems)->Skin());
         UpdateWindow(m_canvas);
     }
     ~CCanvasWindow() override { Destroy(); }

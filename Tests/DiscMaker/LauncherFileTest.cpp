@@ -1,5 +1,6 @@
 #include "DiscMaker/SkinFiles.h"
 
+#include "File/OpenSkin.h"
 #include "File/LauncherFile.h"
 #include "Model/Blob.h"
 #include "Resource.h"
@@ -87,7 +88,7 @@ TEST(LauncherFile, WritesWhatTheToolsWrite)
     const CBlob other = ReadFileBytes(TEST_OTHER_LAUNCHER);
     const auto wanted = CLauncherFile::Read("b", other, problems);
     EXPECT_TRUE(SameBytes(shipped->WithSkin(wanted->Skin(), problems), other)) << Lines(problems);
-    const auto folder = CSkinFile::Open(SKIN_FOLDERS[1], problems);
+    const auto folder = OpenSkin(SKIN_FOLDERS[1], problems);
     EXPECT_TRUE(SameBytes(shipped->WithSkin(folder->Skin(), problems), other)) << Lines(problems);
     EXPECT_TRUE(
         SameBytes(shipped->WithSkin(shipped->Skin(), problems), ReadFileBytes(TEST_LAUNCHER)));
@@ -141,7 +142,7 @@ TEST(LauncherFile, SystemReadsWhatWasSaved)
     const CBlob saved = ReadFileBytes(path.c_str());
     EXPECT_TRUE(OtherSections(*ReadFileBytes(TEST_LAUNCHER), ".rsrc") ==
                 OtherSections(*saved, ".rsrc"));
-    const auto again = CSkinFile::Open(path.c_str(), problems);
+    const auto again = OpenSkin(path.c_str(), problems);
     EXPECT_TRUE(again->Skin().m_version == skin.m_version);
     // Back again, all is as it was.
     ASSERT_TRUE(file->Save(Launcher(problems)->Skin(), path.c_str(), problems)) << Lines(problems);
@@ -155,7 +156,7 @@ TEST(LauncherFile, SystemReadsWhatWasSaved)
     ASSERT_TRUE(EndUpdateResourceA(update, FALSE));
     skin = Launcher(problems)->Skin();
     skin.m_pictures[PictureBullet] = MakeBlob(bits);
-    ExpectSameSkin(CSkinFile::Open(theirs.c_str(), problems)->Skin(), skin);
+    ExpectSameSkin(OpenSkin(theirs.c_str(), problems)->Skin(), skin);
 }
 
 // Where another section is in the way the resources move to a new one, at the end.
@@ -220,7 +221,7 @@ TEST(LauncherFile, LosesNothingWhenItCannotSave)
     const std::string path = directory.Path() + "\\a.exe";
     CopyFileA(TEST_LAUNCHER, path.c_str(), FALSE);
     CProblems problems;
-    const auto file = CSkinFile::Open(path.c_str(), problems);
+    const auto file = OpenSkin(path.c_str(), problems);
     CSkin skin = file->Skin();
     SetText(skin, IDS_TITLE, "Other");
     const auto ExpectFailure = [&](const char *pszReason) {
@@ -278,5 +279,5 @@ TEST(LauncherFile, LosesNothingWhenItCannotSave)
     EXPECT_TRUE(file->IsOutdated());
     file->OverwriteChanges(true);
     EXPECT_TRUE(file->Save(skin, path.c_str(), problems));
-    EXPECT_EQ("Other", TextOf(CSkinFile::Open(path.c_str(), problems)->Skin(), IDS_TITLE));
+    EXPECT_EQ("Other", TextOf(OpenSkin(path.c_str(), problems)->Skin(), IDS_TITLE));
 }

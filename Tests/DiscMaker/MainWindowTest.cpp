@@ -87,7 +87,7 @@ TEST_F(CMakerTest, TakesWhatIsDropped)
     Drop(launcher, {1, 1});
     EXPECT_STREQ(launcher.c_str(), m_window.GetDocument());
     CProblems problems;
-    ExpectSameSkin(CSkinFile::Open(TEST_LAUNCHER, problems)->Skin(), m_window.Document().Skin());
+    ExpectSameSkin(OpenSkin(TEST_LAUNCHER, problems)->Skin(), m_window.Document().Skin());
     const CBlob small = TestPictureBlob(16, 16, MakePixel(1, 2, 3)), bmp = MakeBmpFile(small);
     WriteFileBytes(picture, std::string(bmp->begin(), bmp->end()));
     const POINT places[] = {{500, 5}, {400, 150}, {20, 180}};

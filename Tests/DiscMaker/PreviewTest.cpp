@@ -29,7 +29,7 @@ TEST(Preview, RunsTheSkinAndLeavesNothing)
     const std::string taken = temp.Path() + szTaken;
     CreateDirectoryA(taken.c_str(), nullptr);
     CProblems problems;
-    const auto launcher = CSkinFile::Open(TEST_LAUNCHER, problems);
+    const auto launcher = OpenSkin(TEST_LAUNCHER, problems);
     CSkin skin = launcher->Skin();
     SetText(skin, IDS_CAPTION, "A preview");
     {

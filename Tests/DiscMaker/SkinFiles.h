@@ -5,7 +5,7 @@
 #include <string>
 
 #include "File/FileBytes.h"
-#include "File/SkinFile.h"
+#include "File/OpenSkin.h"
 #include "Model/Blob.h"
 #include "Support/TemporaryDirectory.h"
 

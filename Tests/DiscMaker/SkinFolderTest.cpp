@@ -1,3 +1,4 @@
+#include "File/OpenSkin.h"
 #include "File/SkinFolder.h"
 
 #include "DiscMaker/SkinFiles.h"
@@ -18,7 +19,7 @@ struct CScriptFolder
     std::unique_ptr<CSkinFile> Open()
     {
         m_problems.clear();
-        return CSkinFile::Open(m_directory.Path().c_str(), m_problems);
+        return OpenSkin(m_directory.Path().c_str(), m_problems);
     }
     CTemporaryDirectory m_directory;
     CProblems m_problems;
@@ -50,8 +51,8 @@ TEST(SkinFolder, ReadsAndKeepsTheSkins)
         CTemporaryDirectory directory;
         const std::string path = CopyFolder(directory, SKIN_FOLDERS[i]);
         CProblems problems;
-        const auto folder = CSkinFile::Open(path.c_str(), problems);
-        const auto launcher = CSkinFile::Open(SKIN_LAUNCHERS[i], problems);
+        const auto folder = OpenSkin(path.c_str(), problems);
+        const auto launcher = OpenSkin(SKIN_LAUNCHERS[i], problems);
         ASSERT_TRUE(folder && launcher) << Lines(problems);
         ExpectSameSkin(folder->Skin(), launcher->Skin());
         const CTemporaryDirectory elsewhere;
@@ -65,7 +66,7 @@ TEST(SkinFolder, ReadsAndKeepsTheSkins)
         }
         const std::string exported = directory.Path() + "\\exported";
         EXPECT_TRUE(CSkinFolder::Export(launcher->Skin(), exported.c_str(), problems));
-        const auto read = CSkinFile::Open(exported.c_str(), problems);
+        const auto read = OpenSkin(exported.c_str(), problems);
         ASSERT_TRUE(read) << Lines(problems);
         ExpectSameSkin(read->Skin(), launcher->Skin());
         EXPECT_TRUE(read->Skin().m_version == launcher->Skin().m_version);
@@ -213,7 +214,7 @@ TEST(SkinFolder, WritesPicturesBesideTheScript)
     CTemporaryDirectory directory;
     const std::string path = CopyFolder(directory, SKIN_FOLDERS[1]);
     CProblems problems;
-    auto file = CSkinFile::Open(path.c_str(), problems);
+    auto file = OpenSkin(path.c_str(), problems);
     const CSkin before = file->Skin();
     CSkin skin = before;
     std::swap(skin.m_pictures[PictureProduct], skin.m_pictures[PictureBackground]);
@@ -222,7 +223,7 @@ TEST(SkinFolder, WritesPicturesBesideTheScript)
         problems.clear();
         const bool bSaved = file->Save(skin, path.c_str(), problems);
         CFailPlan::s_nFailAt = 0;
-        const auto now = CSkinFile::Open(path.c_str(), problems);
+        const auto now = OpenSkin(path.c_str(), problems);
         EXPECT_TRUE(now) << Lines(problems);
         ExpectSameSkin(now ? now->Skin() : CSkin(), bSaved ? skin : before);
         EXPECT_EQ(6u, directory.Files("skin\\*").size());

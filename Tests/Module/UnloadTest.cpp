@@ -129,6 +129,21 @@ TEST(Module, GoesInTheMiddleOfEverythingAndLeavesNothing)
     EXPECT_NE("", directory.Contents("ZELTrace-*"));
 }
 
+TEST(Module, GivesTheLibrariesBackThatItHasLoaded)
+{
+    const char *const libraries[] = {"comctl32.dll", "shell32.dll"};
+    const CHostsWindow hosts;
+    const CModule module;
+    for (const char *name : libraries)
+        EXPECT_EQ(nullptr, GetModuleHandleA(name)) << name;
+    EXPECT_TRUE(module.Function<BOOL(HWND)>("UseLibraries")(hosts.m_hWnd));
+    for (const char *name : libraries)
+        EXPECT_NE(nullptr, GetModuleHandleA(name)) << name;
+    FreeLibrary(module.m_hModule);
+    for (const char *name : libraries)
+        EXPECT_EQ(nullptr, GetModuleHandleA(name)) << name;
+}
+
 TEST(Module, EndsWithItsProcess)
 {
     const CTemporaryDirectory directory;

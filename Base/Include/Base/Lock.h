@@ -6,7 +6,7 @@
 #include "Base/Compiler.h"
 
 // The two kinds of locks. CCULazyLock is waited for and may be taken again by the thread that has
-// it; CCUTryLock is for caches, where nobody needs to wait.
+// it; CCUTryLock is for caches, where nobody needs to wait but who changes them (CCUTryLockWait).
 
 // A critical section that exists from its first use on, whichever thread comes first and whatever
 // has been constructed by then: a static of this class needs no constructor to run.
@@ -89,4 +89,23 @@ public:
 private:
     volatile LONG &m_nLock;
     const bool m_bTaken;
+};
+
+// The same, but waits: for who must change what those with a CCUTryLock read. They have it for
+// less than a microsecond each: where it stays taken for a second the end of the process has killed
+// the thread that had it, and it counts as free.
+class CCUTryLockWait
+{
+public:
+    explicit CCUTryLockWait(volatile LONG &nLock) : m_nLock(nLock)
+    {
+        for (int i = 0; InterlockedExchange(&nLock, 1) != 0 && i < 1000; ++i)
+            Sleep(1);
+    }
+    ~CCUTryLockWait() { CUStoreRelease<LONG>(m_nLock, 0); }
+    CCUTryLockWait(const CCUTryLockWait &) = delete;
+    CCUTryLockWait &operator=(const CCUTryLockWait &) = delete;
+
+private:
+    volatile LONG &m_nLock;
 };

@@ -41,6 +41,7 @@ enum CUUnloadPhase : int
 CU_UNLOAD void CUIUnloadWindows(CUUnloadPhase phase);
 CU_UNLOAD void CUIUnloadClasses();
 CU_UNLOAD void CUIUnloadData();
+CU_UNLOAD void CUIUnloadLibraries();
 CU_UNLOAD void CUModuleThreadEnd();
 CU_UNLOAD void CUUnloadThreadEnd();
 CU_UNLOAD void CUUnloadTimers(CUUnloadPhase phase);

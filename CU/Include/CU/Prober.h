@@ -116,6 +116,7 @@ protected:
 
 private:
     friend class CCUProberList;
+    friend class CCUProberValues;
     friend class CCUProberIndex;
 
     const char *m_pszPath;
@@ -174,7 +175,7 @@ protected:
     volatile LONG m_nValue;  ///< the value
 
 private:
-    friend class CCUProberList;
+    friend class CCUProberValues;
     CU_API void SetNoticed(long nValue);
 
     long m_nDefault;
@@ -211,7 +212,7 @@ public:
     }
 
 private:
-    friend class CCUProberList;
+    friend class CCUProberValues;
 
     std::atomic<long long> m_nBits;
     double m_fDefault;
@@ -240,7 +241,7 @@ public:
     }
 
 private:
-    friend class CCUProberList;
+    friend class CCUProberValues;
 
     volatile bool m_bValue;
     bool m_bDefault;
@@ -259,7 +260,7 @@ public:
     CU_API void Set(const CCUString &sValue);  ///< gives it another value
 
 private:
-    friend class CCUProberList;
+    friend class CCUProberValues;
 
     CCUString m_sValue;
     const char *m_pszDefault;
@@ -298,7 +299,7 @@ public:
     ~CCUProberFunction() { Unlist(); }
 
 private:
-    friend class CCUProberList;
+    friend class CCUProberValues;
 
     CU_API CCUProberFunction(CUProberKind nKind, void (*function)(), const char *pszPath,
                              const char *pszName, const char *pszDescription, const char *pszUnit,

@@ -3,8 +3,6 @@
 #include <stdlib.h>
 #include <string.h>
 
-#include "Probe/ProberList.h"
-
 namespace {
 
 const unsigned FIRST_BITS = 6;
@@ -59,29 +57,11 @@ CUProberNode *MakeNode(const char *pszPath, const char *pszName, unsigned long n
 
 }  // namespace
 
-// Keeps searches out. One takes less than a microsecond: where the try-lock stays taken, the end of
-// the process has killed the thread that had it.
-class CCUProberIndex::CChange
-{
-public:
-    explicit CChange(CCUProberIndex &index) : m_index(index)
-    {
-        for (int i = 0; InterlockedExchange(&index.m_nBusy, 1) != 0 && i < 1000; ++i)
-            Sleep(1);
-    }
-    ~CChange() { CUStoreRelease<LONG>(m_index.m_nBusy, 0); }
-    CChange(const CChange &) = delete;
-    CChange &operator=(const CChange &) = delete;
-
-private:
-    CCUProberIndex &m_index;
-};
-
 void CCUProberIndex::AtLast(CCULastCall &call)
 {
     auto &index = static_cast<CCUProberIndex &>(call);
-    const CCULockGuard guard(CCUProberList::s_lock);
-    const CChange change(index);
+    const CCULockGuard guard(index.m_lock);
+    const CCUTryLockWait change(index.m_nBusy);
     index.GiveUp();
 }
 
@@ -100,7 +80,7 @@ void CCUProberIndex::GiveUp()
 
 void CCUProberIndex::Make(CCUProberVariable *const &pFirst, unsigned long nCount)
 {
-    const CChange change(*this);
+    const CCUTryLockWait change(m_nBusy);
     m_nBits = FIRST_BITS;
     while ((1UL << m_nBits) < nCount * 2)
         ++m_nBits;
@@ -116,7 +96,7 @@ void CCUProberIndex::Add(CCUProberVariable &variable, unsigned long nCount)
 {
     if (!IsMade())
         return;
-    const CChange change(*this);
+    const CCUTryLockWait change(m_nBusy);
     if (nCount > 1UL << m_nBits)
         GiveUp();  // with it, for it is in the list
     else
@@ -139,7 +119,7 @@ void CCUProberIndex::Remove(CCUProberVariable &variable)
 {
     if (!IsMade())
         return;
-    const CChange change(*this);
+    const CCUTryLockWait change(m_nBusy);
     CUProberNode **ppNode = PathBucket(variable.m_pNode->nHash);
     while (*ppNode != variable.m_pNode)
         ppNode = &(*ppNode)->pNext;
@@ -177,16 +157,4 @@ CCUProberVariable *CCUProberIndex::Find(unsigned long nID) const
     while (p && p->m_nID != nID)
         p = p->m_pNextOfID;
     return p;
-}
-
-unsigned long CCUProberList::Find(const char *pPath, int nLength)
-{
-    const size_t nPath = nLength < 0 ? strlen(pPath) : static_cast<size_t>(nLength);
-    unsigned long nID;
-    if (s_index.TryFind(pPath, nPath, nID))
-        return nID;
-    const CCULockGuard guard(s_lock);
-    if (!s_index.IsMade())
-        s_index.Make(s_pFirst, s_nCount);
-    return s_index.Find(pPath, nPath);
 }

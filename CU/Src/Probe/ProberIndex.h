@@ -2,6 +2,7 @@
 
 #include "Base/Compiler.h"
 #include "Base/Lifetime.h"
+#include "Base/Lock.h"
 #include "CU/Prober.h"
 
 // A variable's path and name, with all that a search wants in one place.
@@ -23,8 +24,9 @@ struct CUProberNode
 class CCUProberIndex : private CCULastCall
 {
 public:
-    constexpr CCUProberIndex()
+    explicit constexpr CCUProberIndex(CCULazyLock &lock)
         : CCULastCall(),
+          m_lock(lock),
           m_ppPaths(nullptr),
           m_ppIDs(nullptr),
           m_nBits(0),
@@ -53,7 +55,6 @@ private:
     CU_COLD static void AtLast(CCULastCall &call);
     CU_COLD void GiveUp();
     CU_COLD void Enter(CCUProberVariable &variable);
-    class CChange;
     CUProberNode **PathBucket(unsigned nHash) const
     {
         return &m_ppPaths[(nHash * 2654435769U) >> (32 - m_nBits)];  // 2^32 by the golden ratio
@@ -63,6 +64,7 @@ private:
         return &m_ppIDs[nID & ((1UL << m_nBits) - 1)];
     }
 
+    CCULazyLock &m_lock;  // the list's
     CUProberNode **m_ppPaths;
     CCUProberVariable **m_ppIDs;
     unsigned m_nBits;

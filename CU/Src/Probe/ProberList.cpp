@@ -1,31 +1,18 @@
 #include "Probe/ProberList.h"
 
+#include <string.h>
+
 #include "Base/Lifetime.h"
 #include "CU/DebugSwitch.h"
-#include "Probe/ProberText.h"
 
 namespace {
 
 const LONG ALL_WATCHES = 0x7FFFFFFF;
 
-template <typename Value>
-Value Call(void (*function)(), void *pArgument)
-{
-    return reinterpret_cast<Value (*)(void *)>(function)(pArgument);
-}
-
 }  // namespace
 
-// The computing of a value that is going on.
-struct CCUProberList::CReading
-{
-    const CCUProberVariable *pVariable;
-    DWORD nThread;
-    CReading *pNext;
-};
-
 CCULazyLock CCUProberList::s_lock;
-CCUProberIndex CCUProberList::s_index;
+CCUProberIndex CCUProberList::s_index(CCUProberList::s_lock);
 CCUProberVariable *CCUProberList::s_pFirst = nullptr;
 CCUProberVariable *CCUProberList::s_pLast = nullptr;
 unsigned long CCUProberList::s_nCount = 0;
@@ -68,18 +55,46 @@ void CCUProberList::Remove(CCUProberVariable &variable)
     s_lock.Leave();
 }
 
+CCUProberList::CReading::CReading(const CCUProberVariable &variable)
+    : m_variable(variable), m_nThread(GetCurrentThreadId()), m_pNext(s_pReadings)
+{
+    s_pReadings = this;
+    s_lock.Leave();
+}
+
+CCUProberList::CReading::~CReading()
+{
+    s_lock.Enter();
+    CReading **ppLink = &s_pReadings;
+    while (*ppLink != this)
+        ppLink = &(*ppLink)->m_pNext;
+    *ppLink = m_pNext;
+}
+
 // By another thread: a function that destroys its own variable is not waited for.
 bool CCUProberList::IsRead(const CCUProberVariable &variable)
 {
     const DWORD nThread = GetCurrentThreadId();
-    for (const CReading *p = s_pReadings; p; p = p->pNext) {
-        if (p->pVariable == &variable && p->nThread != nThread)
+    for (const CReading *p = s_pReadings; p; p = p->m_pNext) {
+        if (&p->m_variable == &variable && p->m_nThread != nThread)
             return true;
     }
     return false;
 }
 
 // --- Asking ---
+
+unsigned long CCUProberList::Find(const char *pPath, int nLength)
+{
+    const size_t nPath = nLength < 0 ? strlen(pPath) : static_cast<size_t>(nLength);
+    unsigned long nID;
+    if (s_index.TryFind(pPath, nPath, nID))
+        return nID;
+    const CCULockGuard guard(s_lock);
+    if (!s_index.IsMade())
+        s_index.Make(s_pFirst, s_nCount);
+    return s_index.Find(pPath, nPath);
+}
 
 CCUProberVariable *CCUProberList::Lookup(unsigned long nID)
 {
@@ -122,146 +137,6 @@ unsigned long CCUProberList::Next(unsigned long nID, const char *pszSubtree)
     while (p && (p->m_nID <= nID || (pszSubtree && !IsWithin(*p, pszSubtree))))
         p = p->m_pNext;
     return p ? p->m_nID : 0;
-}
-
-CCUString CCUProberList::DefaultOf(const CCUProberVariable &variable)
-{
-    if (variable.m_bComputed)
-        return CCUString();
-    CUProberValue value;
-    value.nKind = variable.m_nKind;
-    switch (variable.m_nKind) {
-    case CU_PROBER_LONG:
-        value.nLong = static_cast<const CCUProberLong &>(variable).m_nDefault;
-        break;
-    case CU_PROBER_DOUBLE:
-        value.fDouble = static_cast<const CCUProberDouble &>(variable).m_fDefault;
-        break;
-    case CU_PROBER_TEXT:
-        value.sText = static_cast<const CCUProberText &>(variable).m_pszDefault;
-        break;
-    case CU_PROBER_FLAG:
-        value.nLong = static_cast<const CCUProberFlag &>(variable).m_bDefault;
-        break;
-    }
-    return value.ToText();
-}
-
-bool CCUProberList::Describe(unsigned long nID, CUProberEntry &entry)
-{
-    const CCULockGuard guard(s_lock);
-    const CCUProberVariable *const pVariable = Lookup(nID);
-    if (!pVariable)
-        return false;
-    entry.nID = nID;
-    entry.nKind = pVariable->m_nKind;
-    entry.bComputed = pVariable->m_bComputed;
-    entry.bOpen = pVariable->m_bOpen && !entry.bComputed;
-    entry.sPath = pVariable->m_pszPath;
-    entry.sName = pVariable->m_pszName;
-    entry.sDescription = pVariable->m_pszDescription;
-    entry.sUnit = pVariable->m_pszUnit;
-    entry.sDefault = DefaultOf(*pVariable);
-    return true;
-}
-
-void CCUProberList::Read(const CCUProberVariable &variable, CUProberValue &value)
-{
-    switch (variable.m_nKind) {
-    case CU_PROBER_LONG: {
-        const auto &number = static_cast<const CCUProberLong &>(variable);
-        value.nLong = variable.m_nNotice & CCUProberVariable::UNREAD
-                          ? static_cast<const CCUDebugSwitch &>(number).Get()
-                          : number.m_nValue;
-        break;
-    }
-    case CU_PROBER_DOUBLE:
-        value.fDouble = static_cast<const CCUProberDouble &>(variable).Get();
-        break;
-    case CU_PROBER_TEXT: value.sText = static_cast<const CCUProberText &>(variable).m_sValue; break;
-    case CU_PROBER_FLAG: value.nLong = static_cast<const CCUProberFlag &>(variable).m_bValue; break;
-    }
-}
-
-void CCUProberList::GetLocked(unsigned long nID, CUProberValue &value)
-{
-    const CCUProberVariable *const pVariable = Lookup(nID);
-    value.nResult = pVariable ? CU_PROBER_DONE : CU_PROBER_GONE;
-    if (!pVariable)
-        return;
-    value.nKind = pVariable->m_nKind;
-    if (pVariable->m_bComputed)
-        Compute(static_cast<const CCUProberFunction &>(*pVariable), value);
-    else
-        Read(*pVariable, value);
-}
-
-// Gives the lock away meanwhile. Of the variable nothing is used afterwards.
-void CCUProberList::Compute(const CCUProberFunction &variable, CUProberValue &value)
-{
-    CReading reading = {&variable, GetCurrentThreadId(), s_pReadings};
-    s_pReadings = &reading;
-    void (*const function)() = variable.m_function;
-    void *const pArgument = variable.m_pArgument;
-    s_lock.Leave();
-    if (value.nKind == CU_PROBER_LONG)
-        value.nLong = Call<long>(function, pArgument);
-    else if (value.nKind == CU_PROBER_DOUBLE)
-        value.fDouble = Call<double>(function, pArgument);
-    else
-        value.sText = Call<CCUString>(function, pArgument);
-    s_lock.Enter();
-    CReading **ppLink = &s_pReadings;
-    while (*ppLink != &reading)
-        ppLink = &(*ppLink)->pNext;
-    *ppLink = reading.pNext;
-}
-
-// --- Setting ---
-
-bool CCUProberList::Store(CCUProberVariable &variable, const char *pszText)
-{
-    switch (variable.m_nKind) {
-    case CU_PROBER_LONG: {
-        auto &number = static_cast<CCUProberLong &>(variable);
-        long nValue = number.m_nDefault;
-        if (pszText && !CUParseProberLong(pszText, nValue))
-            return false;
-        number.Set(nValue);
-        return true;
-    }
-    case CU_PROBER_DOUBLE: {
-        auto &number = static_cast<CCUProberDouble &>(variable);
-        double fValue = number.m_fDefault;
-        if (pszText && !CUParseProberDouble(pszText, fValue))
-            return false;
-        number.Set(fValue);
-        return true;
-    }
-    case CU_PROBER_FLAG: {
-        auto &flag = static_cast<CCUProberFlag &>(variable);
-        bool bValue = flag.m_bDefault;
-        if (pszText && !CUParseProberFlag(pszText, bValue))
-            return false;
-        flag.Set(bValue);
-        return true;
-    }
-    case CU_PROBER_TEXT: break;
-    }
-    auto &text = static_cast<CCUProberText &>(variable);
-    text.Set(pszText ? pszText : text.m_pszDefault);
-    return true;
-}
-
-CUProberResult CCUProberList::Set(unsigned long nID, const char *pszText, bool bOutside)
-{
-    const CCULockGuard guard(s_lock);
-    CCUProberVariable *const pVariable = Lookup(nID);
-    if (!pVariable)
-        return CU_PROBER_GONE;
-    if (pVariable->m_bComputed || (bOutside && !pVariable->m_bOpen))
-        return CU_PROBER_REFUSED;
-    return Store(*pVariable, pszText) ? CU_PROBER_DONE : CU_PROBER_NOT_PARSED;
 }
 
 // --- Watching ---

@@ -8,7 +8,7 @@ class CCUDebugSwitch;
 
 // All variables of the process, in the order in which they were listed. The list itself is made of
 // the variables: nothing is allocated before somebody asks by path or number, which takes the
-// index.
+// index. What the variables say, and how they are set, is for CCUProberValues.
 //
 // Under the lock nobody calls what belongs to the program: functions that compute a value run
 // without it, noted as readings, for whose end the variable's destructor waits.
@@ -30,30 +30,36 @@ public:
     static unsigned long Find(const char *pPath, int nLength);
     // What the iteration of CCUProber::GetNext answers.
     static unsigned long Next(unsigned long nID, const char *pszSubtree);
-    static bool Describe(unsigned long nID, CUProberEntry &entry);
-    // For who has the lock once, and wants many values. A function is called without it.
-    static void GetLocked(unsigned long nID, CUProberValue &value);
-    // bOutside: in the name of another process.
-    static CUProberResult Set(unsigned long nID, const char *pszText, bool bOutside);
+    // Under the lock. Null: it is gone.
+    static CCUProberVariable *Lookup(unsigned long nID);
+
+    // The computing of a value. Made by who has the lock once: gives it away for as long as it
+    // lives. Of the variable nothing is used afterwards.
+    class CReading
+    {
+    public:
+        explicit CReading(const CCUProberVariable &variable);
+        ~CReading();
+        CReading(const CReading &) = delete;
+        CReading &operator=(const CReading &) = delete;
+
+    private:
+        friend class CCUProberList;
+        const CCUProberVariable &m_variable;
+        const DWORD m_nThread;
+        CReading *m_pNext;
+    };
 
     static void AddWatch(CCUProberWatch &watch);
     static void RemoveWatch(CCUProberWatch &watch);
     static unsigned long NextChanged(CCUProberWatch &watch);
 
 private:
-    struct CReading;
-
     // All of these under the lock.
-    static CCUProberVariable *Lookup(unsigned long nID);
     static bool IsRead(const CCUProberVariable &variable);
     static bool IsWithin(const CCUProberVariable &variable, const char *pszSubtree);
     static void TreeChanged(CCUProberVariable &variable, bool bNew);
     static void Tell(CCUProberWatch &watch);
-    static void Read(const CCUProberVariable &variable, CUProberValue &value);
-    static CCUString DefaultOf(const CCUProberVariable &variable);
-    static bool Store(CCUProberVariable &variable, const char *pszText);
-
-    static void Compute(const CCUProberFunction &variable, CUProberValue &value);
 
     static CCUProberIndex s_index;
     static CCUProberVariable *s_pFirst;

@@ -8,6 +8,7 @@
 #include "CU/Dump.h"
 #include "Probe/ProberList.h"
 #include "Probe/ProberProtocol.h"
+#include "Probe/ProberValues.h"
 #include "Text/StringBlock.h"
 #include "Trace/DumpCount.h"
 
@@ -116,7 +117,7 @@ void List(CWriter &writer, unsigned long nID)
 {
     CUProberEntry entry;
     while ((nID = CCUProberList::Next(nID, nullptr)) != 0) {
-        if (!CCUProberList::Describe(nID, entry))
+        if (!CCUProberValues::Describe(nID, entry))
             continue;
         const CCUString *const texts[CU_PROBER_TEXTS] = {
             &entry.sPath, &entry.sName, &entry.sDescription, &entry.sUnit, &entry.sDefault};
@@ -154,7 +155,7 @@ void Read(CWriter &writer, const char *pIDs, DWORD nCount)
         unsigned long nID;
         memcpy(&nID, pIDs + nRead * sizeof nID, sizeof nID);
         value.nLong = 0;
-        CCUProberList::GetLocked(nID, value);
+        CCUProberValues::GetLocked(nID, value);
         CUProberItem item = {static_cast<DWORD>(value.nResult), static_cast<DWORD>(value.nLong), 0};
         item.nState |= static_cast<DWORD>(value.nKind) << 8;
         if (value.nKind == CU_PROBER_DOUBLE) {
@@ -195,7 +196,7 @@ LRESULT SetStaged(WPARAM wParam)
     if (wParam != static_cast<WPARAM>(staged.nStaged))
         return 0;
     staged.nStaged = 0;
-    return CCUProberList::Set(staged.nID, staged.sText, true) + 1;
+    return CCUProberValues::Set(staged.nID, staged.sText, true) + 1;
 }
 
 // Every byte of the data is what the request says that it is, or there is no answer.

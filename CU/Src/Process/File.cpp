@@ -2,6 +2,7 @@
 
 #include "CU/Assert.h"
 #include "CU/Dump.h"
+#include "Process/Directories.h"
 
 #define CU_SOURCE "File"
 
@@ -38,14 +39,6 @@ DWORD MapCreation(unsigned int nOpenFlags)
     if (!(nOpenFlags & CCUFile::modeCreate))
         return OPEN_EXISTING;
     return nOpenFlags & CCUFile::modeNoTruncate ? OPEN_ALWAYS : CREATE_ALWAYS;
-}
-
-// A file that stands in the way, and a directory that somebody else has made meanwhile, answer
-// that they exist already.
-bool IsPresentOrCreated(const char *path)
-{
-    return GetFileAttributesA(path) != INVALID_FILE_ATTRIBUTES || CreateDirectoryA(path, nullptr) ||
-           GetLastError() == ERROR_ALREADY_EXISTS;
 }
 
 }  // namespace
@@ -165,17 +158,8 @@ int CCUFileCreateDirs(CCUString path, int pathEndsInFileName)
     path = CUTranslateFileName(path);
     if (!pathEndsInFileName && path.Right(1) != "\\")
         path += '\\';
-    // Of "\\server\share\", neither the slashes nor the server can be tested or made.
-    const int nSkipped = path.Left(2) == "\\\\" ? 3 : 0;
-    int nPrefix = 0;
-    for (int i = 0; i < path.GetLength(); ++i) {
-        if (path[i] != '\\' || nPrefix++ < nSkipped)
-            continue;
-        const CCUString sPrefix = path.Left(i + 1);
-        if (!IsPresentOrCreated(sPrefix)) {
-            CUDump("CreateDirectory %s error\n", sPrefix.GetString());
-            return 0;
-        }
-    }
-    return 1;
+    const CCUString sFailed = CUMakeDirectories(path);
+    if (!sFailed.IsEmpty())
+        CUDump(CU_DIRECTORY_FAILED, sFailed.GetString());
+    return sFailed.IsEmpty();
 }

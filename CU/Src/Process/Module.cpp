@@ -26,6 +26,8 @@ void TakeBackRest(CCULastCall &)
         CUIUnloadClasses();
     if (CUIUnloadData)
         CUIUnloadData();
+    if (CUIUnloadLibraries)
+        CUIUnloadLibraries();
     if (CUUnloadProcessInfo)
         CUUnloadProcessInfo();
     if (CUUnloadMultimedia)

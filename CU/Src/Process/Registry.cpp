@@ -153,7 +153,7 @@ bool CCURegistry::Ascend()
 
 bool CCURegistry::Read(const char *pszName, DWORD &dwType, void *data, DWORD &nSize) const
 {
-    // A null handle would read as a root of the system on some versions.
+    // What the system says of a null handle is documented nowhere: it is not asked.
     if (!m_hKey)
         return Succeeded(ERROR_INVALID_HANDLE);
     return Succeeded(

@@ -61,8 +61,8 @@ void SetFirstHandler(EXCEPTION_REGISTRATION_RECORD *record)
 }
 
 // Lets all calls down to the guard's clean up. RtlUnwind keeps no register but ebp and esp, and it
-// either returns or jumps to the address given, which differs between systems: here both come to
-// the same label. GCC would move a label of C's away from behind the call.
+// either returns, as in Wine 8, or jumps to the address given, as documented: here both come to the
+// same label. GCC would move a label of C's away from behind the call.
 void UnwindTo(void *frame, EXCEPTION_RECORD *record)
 {
     decltype(&RtlUnwind) unwind = RtlUnwind;
@@ -83,7 +83,8 @@ EXCEPTION_DISPOSITION __cdecl OnException(EXCEPTION_RECORD *record, void *frame,
     const DWORD Unwinding = 6;  // by somebody further up, who goes on elsewhere
     if (record->ExceptionFlags & Unwinding)
         return ExceptionContinueSearch;
-    // Not every system clears the direction flag, which the fault may have left set.
+    // The fault may have left the direction flag set. Wine 8 clears it; Windows XP and before do
+    // not promise to.
     asm volatile("cld");
     CGuard *volatile guard = static_cast<CGuard *>(frame);
     guard->dwCode = record->ExceptionCode;

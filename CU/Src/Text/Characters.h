@@ -19,6 +19,15 @@ inline const char *CUSkipBlanks(const char *psz)
     return psz;
 }
 
+// The path with backslashes alone.
+inline void CUTurnSlashes(char *psz)
+{
+    for (; *psz; ++psz) {
+        if (*psz == '/')
+            *psz = '\\';
+    }
+}
+
 // Searching by words of four characters: the C libraries that go byte by byte take three times as
 // long.
 

@@ -115,7 +115,8 @@ CCUString CUFromUtf16(const CCUString &sWide, int &nLost)
     WideCharToMultiByte(CP_ACP, 0, pWide, nUnits, sText.GetBuffer(nLength), nLength, nullptr,
                         nullptr);
     sText.ReleaseBuffer(nLength);
-    // Some of what the code page lacks becomes what looks like it, and not all systems tell.
+    // Some of what the code page lacks becomes what looks like it, and no system before Windows 98
+    // and 2000 can be asked to do otherwise.
     const CCUString sBack = CUToUtf16(sText);
     const wchar_t *const pBack = UnitsOf(sBack);
     nLost = 0;

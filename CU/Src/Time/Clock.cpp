@@ -150,7 +150,7 @@ bool CUSetSystemTime(double seconds)
     SYSTEMTIME time = {};
     // The record of a time that is refused stays all zeros, which SetSystemTime refuses.
     FileTimeToSystemTime(&file, &time);
-    // Asked for all the same where the privilege cannot be had: not every system wants it.
+    // Goes on where the privilege cannot be had: Windows 95 knows none, and wants none.
     CCUObjectHandle token;
     EnableSystemTime(token, TOKEN_ALL_ACCESS);
     token.Close();

@@ -6,6 +6,7 @@
 #include "Base/Wrap.h"
 #include "CU/Dump.h"
 #include "Time/Clock.h"
+#include "Time/LocalTime.h"
 #include "Time/TimeZone.h"
 
 namespace {
@@ -96,6 +97,14 @@ int LocalField(const CCUTime &time, int tm::*pField, int nFirst)
     return record ? record->*pField + nFirst : 0;
 }
 
+tm *CopyOut(tm *record, tm *out)
+{
+    if (!record || !out)
+        return record;
+    *out = *record;
+    return out;
+}
+
 bool IsInRange(int nValue, int nFirst, int nLast)
 {
     return nValue >= nFirst && nValue <= nLast;
@@ -130,6 +139,23 @@ CCUTime &CCUTime::operator=(const CCUTime &other)
 CCUTime CCUTime::GetTickCount()
 {
     return CCUTime();
+}
+
+tm *CCUTime::GetGmtTm(tm *out) const
+{
+    return CopyOut(CUGmtTm(m_nTime), out);
+}
+
+tm *CCUTime::GetLocalTm(tm *out, const _TIME_ZONE_INFORMATION *tzi) const
+{
+    bool bInvalidZone;
+    tm *record = CULocalTm(m_nTime, tzi, bInvalidZone);
+    if (bInvalidZone) {
+        CUDump("CCUTime - invalid time zone\n");
+        // Who hears the trace may have asked for a time, too: there is one record a thread.
+        record = CULocalTm(m_nTime, tzi, bInvalidZone);
+    }
+    return CopyOut(record, out);
 }
 
 int CCUTime::GetYear() const

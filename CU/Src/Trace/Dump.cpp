@@ -9,8 +9,9 @@
 #include "Base/Lock.h"
 #include "Base/Lifetime.h"
 #include "CU/Assert.h"
-#include "CU/File.h"
 #include "CU/String.h"
+#include "Process/Directories.h"
+#include "Text/Characters.h"
 #include "Trace/DumpCount.h"
 #include "Trace/LogFiles.h"
 
@@ -173,7 +174,8 @@ bool FullPath(const char *folder, CCUString &sFull)
     const DWORD nLength = GetFullPathNameA(folder, MAX_PATH, szFull, &pName);
     if (nLength == 0 || nLength >= MAX_PATH)
         return false;
-    sFull = CUTranslateFileName(szFull);
+    CUTurnSlashes(szFull);
+    sFull = szFull;
     if (sFull.Right(1) == "\\")
         sFull = sFull.Left(sFull.GetLength() - 1);
     return true;
@@ -255,7 +257,10 @@ int CUDumpSetLogFile(const char *folder, const char *prefix)
     const CDumpUse dump;
     if (dump)
         dump->m_logFiles.SetPlace(sFolder, sPrefix);
-    return !sFolder.IsEmpty() && !CCUFileCreateDirs(sFolder, 0) ? 0 : 1;
+    const CCUString sFailed = CUMakeDirectories(sFolder.IsEmpty() ? sFolder : sFolder + '\\');
+    if (!sFailed.IsEmpty())
+        CUDump(CU_DIRECTORY_FAILED, sFailed.GetString());
+    return sFailed.IsEmpty();
 }
 
 void CUDumpSetFileOverrunCallback(CCUDumpFileOverrunCallback *pCallback)

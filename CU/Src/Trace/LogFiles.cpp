@@ -10,8 +10,8 @@
 #include "Base/Handle.h"
 #include "Base/TempDirectory.h"
 #include "CU/Assert.h"
-#include "CU/File.h"
-#include "CU/Time.h"
+#include "Text/Characters.h"
+#include "Time/LocalTime.h"
 
 #define CU_SOURCE "Dump"
 
@@ -38,9 +38,28 @@ bool FindTempDirectory(CCUString &sTempDir)
     char szTempDir[MAX_PATH];
     const bool bFound = CUFindTempDirectory(szTempDir) != 0;
     CU_ASSERT_TEXT(bFound, "GetTempPath(_MAX_PATH, sTempDir.GetBuffer(_MAX_PATH))");
-    if (bFound)
+    if (bFound) {
+        CUTurnSlashes(szTempDir);
         sTempDir = szTempDir;
+    }
     return bFound;
+}
+
+long Now()
+{
+    const long nNow = static_cast<long>(time(nullptr));
+    return nNow < 0 ? LONG_MAX : nNow;
+}
+
+// What follows the prefix in the name of the file of a second; empty where the calendar has ended.
+CCUString TimedName(long nTime)
+{
+    bool bInvalidZone;
+    char szName[32] = "";
+    const tm *const record = CULocalTm(nTime, nullptr, bInvalidZone);
+    if (record)
+        strftime(szName, sizeof szName, "-%Y-%m-%d-%H-%M-%S.txt", record);
+    return szName;
 }
 
 // Makes a file that did not exist before, so that two processes never share one. Null when it
@@ -174,10 +193,10 @@ void CCULogFiles::OpenNewFile()
 bool CCULogFiles::OpenIn(const CCUString &sFolder, const CCUString &sLostFolder)
 {
     Prune(sFolder, true);
-    const long nNow = CCUTime().GetTime();
-    CCUTime time = FirstTimeForName(sFolder, nNow);
+    const long nNow = Now();
+    long nTime = FirstTimeForName(sFolder, nNow);
     CCUString sName;
-    FILE *file = CreateNamedByTime(sFolder, time, sName);
+    FILE *file = CreateNamedByTime(sFolder, nTime, sName);
     if (!file)
         return false;
     m_knownFiles.Add(sName.Mid(sFolder.GetLength() + 1));
@@ -187,7 +206,7 @@ bool CCULogFiles::OpenIn(const CCUString &sFolder, const CCUString &sLostFolder)
     m_file = file;
     m_sName = sName;
     m_bMoved = false;
-    m_nTimeOfName = time.GetTime();
+    m_nTimeOfName = nTime;
     m_nTimeMade = nNow;
     m_nStartTime = GetTickCount();
     m_nWritten = 0;
@@ -196,21 +215,19 @@ bool CCULogFiles::OpenIn(const CCUString &sFolder, const CCUString &sLostFolder)
     return true;
 }
 
-// Opens a file named after `time`, or after the first second from then on that has none, which
-// `time` is then.
-FILE *CCULogFiles::CreateNamedByTime(const CCUString &sFolder, CCUTime &time,
-                                     CCUString &sName) const
+// Opens a file named after `nTime`, or after the first second from then on that has none, which
+// `nTime` is then.
+FILE *CCULogFiles::CreateNamedByTime(const CCUString &sFolder, long &nTime, CCUString &sName) const
 {
-    for (int i = 0; i < MOST_NAMES; ++i, time += CCUTimeSpan(1)) {
-        const CCUString sTimed = time.Format("-%Y-%m-%d-%H-%M-%S.txt");
-        // Past the last second that a time can hold.
+    for (int i = 0; i < MOST_NAMES; ++i, ++nTime) {
+        const CCUString sTimed = TimedName(nTime);
         if (sTimed.IsEmpty())
             return nullptr;
         // The temporary directory ends in a backslash, so the name has two there.
-        sName = CUTranslateFileName(NameStart(sFolder) + sTimed);
+        sName = NameStart(sFolder) + sTimed;
         bool bTaken;
         FILE *file = CreateNew(sName, bTaken);
-        if (!bTaken)
+        if (!bTaken || nTime == LONG_MAX)
             return file;
     }
     return nullptr;
@@ -221,7 +238,7 @@ FILE *CCULogFiles::CreateNamedByTime(const CCUString &sFolder, CCUTime &time,
 // A clock that has been set back since is followed all the same.
 long CCULogFiles::FirstTimeForName(const CCUString &sFolder, long nNow) const
 {
-    const CCUString sStart = CUTranslateFileName(NameStart(sFolder));
+    const CCUString sStart = NameStart(sFolder);
     const bool bAhead = nNow >= m_nTimeMade && nNow <= m_nTimeOfName && m_nTimeOfName < LONG_MAX &&
                         strncmp(m_sName, sStart, static_cast<size_t>(sStart.GetLength())) == 0;
     return bAhead ? m_nTimeOfName + 1 : nNow;

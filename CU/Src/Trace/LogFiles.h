@@ -5,7 +5,6 @@
 #include "Base/Array.h"
 #include "CU/Dump.h"
 #include "CU/String.h"
-#include "CU/Time.h"
 
 // The log files of the debug trace: the current one and the pruning of the older ones. Used under
 // the trace's lock only. Private to the layer.
@@ -44,7 +43,7 @@ private:
     bool FindFolder(CCUString &sFolder) const;
     CCUString NameStart(const CCUString &sFolder) const { return sFolder + '\\' + m_sPrefix; }
     long FirstTimeForName(const CCUString &sFolder, long nNow) const;
-    FILE *CreateNamedByTime(const CCUString &sFolder, CCUTime &time, CCUString &sName) const;
+    FILE *CreateNamedByTime(const CCUString &sFolder, long &nTime, CCUString &sName) const;
     void BeginFile(FILE *file, const CCUString &sName);
 
     void Prune(const CCUString &sFolder, bool bMakeRoom);

@@ -6,7 +6,7 @@
 #include "CUI/Platform.h"
 
 class CCUICommandHandler;
-class CCUICommandView;
+class CCUICommandViewList;
 
 /// The process's map from command identifiers to their handlers: two dense tables, one for
 /// 1,000 to 9,999 and one for 10,000 and above. It is made by its first use and deleted when the
@@ -67,7 +67,7 @@ public:
     static void Dump();
 
 private:
-    friend class CCUICommandView;
+    friend class CCUICommandViewList;
     friend CCUICommandHandler *CUIFindCommand(unsigned int nID);
     enum
     {
@@ -91,9 +91,6 @@ private:
     static int Table(unsigned int nID);
     static CCUICommandHandler *Find(unsigned int nID);
     static CCUICommandHandler *Refresh(unsigned int nID);
-    static CCUICommandHandler *HandlerToAsk(CCUICommandHandler *pHandler);
-    static void UpdateView(int nIndex);
-    static void UpdateViews();
 
     // NOLINTBEGIN(readability-identifier-naming): the static operations' counterparts
     int _Add(CCUICommandHandler *pCmdHandler);

@@ -39,7 +39,6 @@ protected:
     CUI_API virtual void OnCommandChanged(unsigned short nState, const CCUString &sText);
 
 private:
-    friend class CCUICommandMap;
     friend class CCUICommandViewList;
 
     static void Tell(int nIndex, CCUICommandHandler *pHandler, unsigned int nState);

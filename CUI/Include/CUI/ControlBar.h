@@ -139,7 +139,7 @@ protected:
     /// @}
 
 private:
-    friend class CCUIBarItem;
+    class CItem;
 
     static CCUIControlBar *Find(HWND hWnd);
     HWND Target() const;
@@ -161,10 +161,13 @@ private:
     bool CanPress(int nItem) const;
     void SetHot(int nItem);
     void ShowTip(unsigned int nID);
-    bool IsMouseOver() const;
     void MouseHasLeft();
     bool ShowDragCursor() const;
     void TakeFocus(HWND hOld);
+    SIZE NaturalSize() const;
+    void LoseCapture();
+    void LoseWindow();
+    void LookForMouse();
     bool Handle(UINT message, WPARAM wParam, LPARAM lParam, long &result);
     void EndPress();
     void SendCommand(unsigned int nID);

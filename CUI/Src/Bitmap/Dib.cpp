@@ -13,11 +13,6 @@ const DWORD WRITABLE_PAGE =
     PAGE_READWRITE | PAGE_WRITECOPY | PAGE_EXECUTE_READWRITE | PAGE_EXECUTE_WRITECOPY;
 const DWORD READABLE_PAGE = WRITABLE_PAGE | PAGE_READONLY | PAGE_EXECUTE_READ;
 
-RGBQUAD ToQuad(DWORD cr)
-{
-    return {GetBValue(cr), GetGValue(cr), GetRValue(cr), 0};
-}
-
 bool IsColor(const RGBQUAD &color, DWORD cr)
 {
     return color.rgbBlue == GetBValue(cr) && color.rgbGreen == GetGValue(cr) &&
@@ -76,7 +71,7 @@ void CUIReplaceColors(RGBQUAD *pTable, DWORD nColors, const CUIColorMap &map)
         while (i < map.m_nCount && !IsColor(*pColor, map.m_pFrom[i]))
             ++i;
         if (i < map.m_nCount)
-            *pColor = ToQuad(map.m_pTo[i]);
+            *pColor = CUIToQuad(map.m_pTo[i]);
     }
 }
 

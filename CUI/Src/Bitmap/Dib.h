@@ -18,6 +18,12 @@ struct CUIDibHead
     const BITMAPINFO *Info() const { return reinterpret_cast<const BITMAPINFO *>(this); }
 };
 
+// A colour as tables have it.
+inline RGBQUAD CUIToQuad(COLORREF cr)
+{
+    return {GetBValue(cr), GetGValue(cr), GetRValue(cr), 0};
+}
+
 // The number of colours that the header claims.
 DWORD CUIDibColorCount(const BITMAPINFOHEADER &header);
 

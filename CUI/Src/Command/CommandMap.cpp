@@ -8,8 +8,6 @@
 #include "CU/Dump.h"
 #include "CU/String.h"
 #include "CUI/CommandHandler.h"
-#include "CUI/CommandView.h"
-#include "Command/CommandViewList.h"
 
 #define CU_SOURCE "CommandMap"
 
@@ -18,10 +16,6 @@ namespace {
 const size_t ENTRY_SIZE = sizeof(void *);
 // No block of memory is as large as half the address space.
 const unsigned long long MOST_ENTRIES = 0x7FFF0000 / ENTRY_SIZE;
-
-// The states whose commands are refreshed by somebody else, or not at all.
-const unsigned short NO_IDLE_UPDATE = CUI_COMMAND_MENU | CUI_COMMAND_MINIMIZED | CUI_COMMAND_TIMER |
-                                      CUI_COMMAND_HIDDEN | CUI_COMMAND_HIDDEN_DIALOG_CONTROL;
 
 struct CStateName
 {
@@ -35,15 +29,6 @@ const CStateName STATE_NAMES[] = {
     {CUI_COMMAND_HIDDEN, " Hidden"}, {CUI_COMMAND_TIMER, " Timer"},
     {CUI_COMMAND_ACTIVE, " Active"}, {CUI_COMMAND_HIDDEN_DIALOG_CONTROL, " HiddenDialogControl"},
 };
-
-// The function that the handler's class has for GetState: the third in the table of the class. The
-// compiler looks there, too, where it compares before it calls.
-const void *GetStateOf(const CCUICommandHandler &handler)
-{
-    const void *const *pTable;
-    memcpy(&pTable, static_cast<const void *>(&handler), sizeof pTable);
-    return pTable[2];
-}
 
 }  // namespace
 
@@ -90,13 +75,6 @@ int CCUICommandMap::Remove(CCUICommandHandler *pCmdHandler)
 CCUICommandHandler *CCUICommandMap::Override(unsigned int nID, CCUICommandHandler *pCmdHandler)
 {
     return This()._Override(nID, pCmdHandler);
-}
-
-void CCUICommandMap::IdleUpdate()
-{
-    // Not This(), which makes the tables: a program without commands needs none.
-    s_this._IdleUpdate();
-    UpdateViews();
 }
 
 void CCUICommandMap::Dump()
@@ -205,90 +183,6 @@ CCUICommandHandler *CCUICommandMap::_Override(unsigned int nID, CCUICommandHandl
     m_pMap[nMap][nIndex] = pCmdHandler;
     UseUpTo(nMap, static_cast<int>(nIndex) + 1);
     return pPrevious;
-}
-
-// Here, and not in CommandHandler.cpp with the other defaults, so that the compiler knows it in the
-// passes below: where a handler does not override it, they compare two pointers and call nothing.
-unsigned short CCUICommandHandler::GetState(unsigned int)
-{
-    return CUI_COMMAND_ACTIVE;
-}
-
-void CCUICommandMap::_IdleUpdate()
-{
-    for (int nMap = 0; nMap < TABLES; ++nMap) {
-        // Handlers may move the table and change its slots: nothing is kept over a call of theirs.
-        // The bound is, so that a pass ends even if every handler that is refreshed adds another.
-        const int nLength = m_nLength[nMap];
-        int nIndex = 0;
-        int nEnd = 0;
-        for (; nIndex < nLength && nIndex < m_nEnd[nMap]; ++nIndex) {
-            CCUICommandHandler *pCmdHandler = m_pMap[nMap][nIndex];
-            if (!pCmdHandler)
-                continue;
-            nEnd = nIndex + 1;
-            const unsigned int nID = Base(nMap) + static_cast<unsigned int>(nIndex);
-            const bool bRefresh = !(pCmdHandler->GetState(nID) & NO_IDLE_UPDATE);
-            if (bRefresh && m_pMap[nMap][nIndex] == pCmdHandler)
-                pCmdHandler->HandleUpdate(nID);
-        }
-        // The slots from there on were empty when the last handler had been called.
-        if (nIndex == m_nEnd[nMap])
-            m_nEnd[nMap] = nEnd;
-    }
-}
-
-// The handler, if its state may change; null for those that leave GetState to the base.
-CCUICommandHandler *CCUICommandMap::HandlerToAsk(CCUICommandHandler *pHandler)
-{
-    static const void *s_pDefault;
-    if (!s_pDefault) {
-        const CCUICommandHandler plain(~0u, 1);
-        s_pDefault = GetStateOf(plain);
-    }
-    return pHandler && GetStateOf(*pHandler) != s_pDefault ? pHandler : nullptr;
-}
-
-// Looks at the command of the view at that place. Handlers may delete the view, themselves, and
-// others; what they leave behind is found out by the next pass.
-void CCUICommandMap::UpdateView(int nIndex)
-{
-    CCUICommandViewList &views = CCUICommandViewList::s_all;
-    const unsigned int nID = views.m_pEntries[nIndex].nID;
-    CCUICommandHandler *const pHandler = Find(nID);
-    views.SetAsked(nIndex, HandlerToAsk(pHandler));
-    const unsigned int nChange = s_nChange;
-    views.BeginWalk();
-    const unsigned int nState = pHandler ? pHandler->GetState(nID) : CUI_COMMAND_NO_HANDLER;
-    if (views.m_pEntries[nIndex].pView && nChange == s_nChange)
-        CCUICommandView::Tell(nIndex, pHandler, nState);
-    views.EndWalk();
-}
-
-void CCUICommandMap::UpdateViews()
-{
-    CCUICommandViewList &views = CCUICommandViewList::s_all;
-    const int nCount = views.m_nCount;
-    const unsigned int nChange = s_nChange;
-    const bool bAll = views.m_nMapChange != nChange;
-    if (!bAll && !views.m_nAsked)
-        return;
-    views.m_nMapChange = nChange;
-    views.BeginWalk();
-    for (int i = 0; i < nCount; ++i) {
-        const CCUICommandViewEntry &entry = views.m_pEntries[i];
-        if (bAll || nChange != s_nChange) {
-            UpdateView(i);
-        } else if (entry.pAsked) {
-            CCUICommandHandler *const pHandler = entry.pAsked;
-            const unsigned int nOld = entry.nState;
-            const unsigned int nState = pHandler->GetState(entry.nID);
-            const bool bSame = nState == nOld && !(nState & CUI_COMMAND_TEXT);
-            if (!bSame && views.m_pEntries[i].pView && nChange == s_nChange)
-                CCUICommandView::Tell(i, pHandler, nState);
-        }
-    }
-    views.EndWalk();
 }
 
 void CCUICommandMap::_Dump()

@@ -6,6 +6,30 @@
 #include "CUI/CommandMap.h"
 #include "Command/CommandViewList.h"
 
+namespace {
+
+// The function that the handler's class has for GetState: the third in the table of the class. The
+// compiler looks there, too, where it compares before it calls.
+const void *GetStateOf(const CCUICommandHandler &handler)
+{
+    const void *const *pTable;
+    memcpy(&pTable, static_cast<const void *>(&handler), sizeof pTable);
+    return pTable[2];
+}
+
+// The handler, if its state may change; null for those that leave GetState to the base.
+CCUICommandHandler *HandlerToAsk(CCUICommandHandler *pHandler)
+{
+    static const void *s_pDefault;
+    if (!s_pDefault) {
+        const CCUICommandHandler plain(~0u, 1);
+        s_pDefault = GetStateOf(plain);
+    }
+    return pHandler && GetStateOf(*pHandler) != s_pDefault ? pHandler : nullptr;
+}
+
+}  // namespace
+
 CCUICommandViewList CCUICommandViewList::s_all;
 
 int CCUICommandViewList::Add(CCUICommandView *pView, unsigned int nID)
@@ -71,6 +95,19 @@ void CCUICommandViewList::Shrink()
     m_nCapacity = 0;
 }
 
+void CCUICommandViewList::Update(int nIndex)
+{
+    const unsigned int nID = m_pEntries[nIndex].nID;
+    CCUICommandHandler *const pHandler = CCUICommandMap::Find(nID);
+    SetAsked(nIndex, HandlerToAsk(pHandler));
+    const unsigned int nChange = CCUICommandMap::s_nChange;
+    BeginWalk();
+    const unsigned int nState = pHandler ? pHandler->GetState(nID) : CUI_COMMAND_NO_HANDLER;
+    if (m_pEntries[nIndex].pView && nChange == CCUICommandMap::s_nChange)
+        CCUICommandView::Tell(nIndex, pHandler, nState);
+    EndWalk();
+}
+
 CCUICommandView::CCUICommandView() : m_nID(0), m_nIndex(0) {}
 
 CCUICommandView::~CCUICommandView()
@@ -98,7 +135,7 @@ void CCUICommandView::OnCommandChanged(unsigned short, const CCUString &) {}
 void CCUICommandView::UpdateCommand()
 {
     if (m_nID)
-        CCUICommandMap::UpdateView(m_nIndex);
+        CCUICommandViewList::s_all.Update(m_nIndex);
 }
 
 // Tells the view at nIndex of a state that may be another than the one it knows. Handlers may

@@ -31,6 +31,12 @@ public:
     // Has the handler asked in every pass; null: none.
     void SetAsked(int nIndex, CCUICommandHandler *pAsked);
 
+    // Looks at the command of the view at that place. Handlers may delete the view, themselves, and
+    // others; what they leave behind is found out by the next pass.
+    void Update(int nIndex);
+    // The pass over all views.
+    void UpdateAll();
+
     // Around each walk.
     void BeginWalk() { ++m_nWalks; }
     void EndWalk();

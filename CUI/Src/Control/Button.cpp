@@ -6,6 +6,7 @@
 #include "CUI/Menu.h"
 #include "Control/ButtonParts.h"
 #include "Drawing/Look.h"
+#include "Menu/MenuClosing.h"
 #include "Window/Mirrored.h"
 
 namespace {
@@ -345,10 +346,9 @@ void CCUIButton::DropDown()
         return;
     m_bOpen = false;
     Repaint();
-    // The click on the button that closed the menu is not to open it again.
-    MSG msg;
-    if (m_hWnd == hWnd)
-        PeekMessageA(&msg, hWnd, WM_LBUTTONDOWN, WM_LBUTTONDOWN, PM_REMOVE);
+    RECT rect;
+    if (m_hWnd == hWnd && GetWindowRect(hWnd, &rect))
+        CUITakeClosingClick(hWnd, rect);
 }
 
 void CCUIButton::OnDropDown()

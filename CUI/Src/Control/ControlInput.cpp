@@ -4,13 +4,7 @@
 
 #include "CUI/ToolTip.h"
 #include "Control/ControlTip.h"
-
-namespace {
-
-// Milliseconds between two looks at the mouse where the system does not tell that it has left.
-const long LOOK = 100;
-
-}  // namespace
+#include "Window/Input.h"
 
 long CCUIControl::WindowProc(UINT message, WPARAM wParam, LPARAM lParam)
 {
@@ -150,7 +144,7 @@ void CCUIControl::SetHot(bool bHot)
 void CCUIControl::AwaitLeave()
 {
     if (!TrackMouseLeave())
-        SetAlarm(LOOK);
+        SetAlarm(CUI_MOUSE_LOOK);
 }
 
 // Windows 95 may have nothing that tells.
@@ -158,9 +152,8 @@ void CCUIControl::TimeOut(long)
 {
     if (!(m_nState & CUI_STATE_HOT))
         return;
-    POINT point;
-    if (GetCapture() == m_hWnd || (GetCursorPos(&point) && WindowFromPoint(point) == m_hWnd))
-        SetAlarm(LOOK);
+    if (GetCapture() == m_hWnd || CUIIsMouseOver(m_hWnd))
+        SetAlarm(CUI_MOUSE_LOOK);
     else
         SetHot(false);
 }

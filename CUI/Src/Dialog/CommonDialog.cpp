@@ -1,14 +1,14 @@
 #include "Dialog/CommonDialog.h"
 
-#include "Dialog/ChooserLibrary.h"
 #include "Dialog/ChooserOwner.h"
+#include "Window/LoadedLibrary.h"
 
 #include <cderr.h>
 
 CUICommonResult CUICommonDialog(const char *pszFunction, void *pRecord)
 {
-    auto *const pFunction = CUIFindChooser<BOOL WINAPI(void *)>(CUIComDlg32, pszFunction);
-    auto *const pGetError = CUIFindChooser<DWORD WINAPI()>(CUIComDlg32, "CommDlgExtendedError");
+    auto *const pFunction = CUIFindFunction<BOOL WINAPI(void *)>(CUIComDlg32, pszFunction);
+    auto *const pGetError = CUIFindFunction<DWORD WINAPI()>(CUIComDlg32, "CommDlgExtendedError");
     if (!pFunction || !pGetError)
         return {FALSE, CUI_NO_FUNCTION, GetLastError()};
     if (pFunction(pRecord))

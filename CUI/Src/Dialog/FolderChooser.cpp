@@ -1,8 +1,8 @@
 // The chooser of folders.
 
 #include "CUI/Choosers.h"
-#include "Dialog/ChooserLibrary.h"
 #include "Dialog/ChooserOwner.h"
+#include "Window/LoadedLibrary.h"
 
 #include <shlobj.h>
 
@@ -14,8 +14,9 @@ class COle
 public:
     COle()
     {
-        auto *const pInitialize = CUIFindChooser<HRESULT WINAPI(void *)>(CUIOle32, "OleInitialize");
-        m_pUninitialize = CUIFindChooser<void WINAPI()>(CUIOle32, "OleUninitialize");
+        auto *const pInitialize =
+            CUIFindFunction<HRESULT WINAPI(void *)>(CUIOle32, "OleInitialize");
+        m_pUninitialize = CUIFindFunction<void WINAPI()>(CUIOle32, "OleUninitialize");
         m_bReady = pInitialize && m_pUninitialize && SUCCEEDED(pInitialize(nullptr));
     }
     ~COle()
@@ -42,7 +43,7 @@ int CALLBACK OnBrowse(HWND hDialog, UINT message, LPARAM, LPARAM lParam)
 
 void FreeShellMemory(void *pMemory)
 {
-    auto *const pGetMalloc = CUIFindChooser<HRESULT WINAPI(IMalloc **)>(CUIShell32, "SHGetMalloc");
+    auto *const pGetMalloc = CUIFindFunction<HRESULT WINAPI(IMalloc **)>(CUIShell32, "SHGetMalloc");
     IMalloc *pMalloc = nullptr;
     if (!pGetMalloc || FAILED(pGetMalloc(&pMalloc)) || !pMalloc)
         return;
@@ -55,9 +56,9 @@ void FreeShellMemory(void *pMemory)
 int CUIChooseFolder(CCUIWindow *pParent, CCUString &sPath, const char *pszText)
 {
     auto *const pBrowse =
-        CUIFindChooser<LPITEMIDLIST WINAPI(BROWSEINFOA *)>(CUIShell32, "SHBrowseForFolderA");
+        CUIFindFunction<LPITEMIDLIST WINAPI(BROWSEINFOA *)>(CUIShell32, "SHBrowseForFolderA");
     auto *const pGetPath =
-        CUIFindChooser<BOOL WINAPI(LPCITEMIDLIST, char *)>(CUIShell32, "SHGetPathFromIDListA");
+        CUIFindFunction<BOOL WINAPI(LPCITEMIDLIST, char *)>(CUIShell32, "SHGetPathFromIDListA");
     if (!pBrowse || !pGetPath)
         return CUIChoiceFailed("SHBrowseForFolderA", 0, GetLastError());
     const COle ole;

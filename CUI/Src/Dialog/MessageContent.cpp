@@ -45,6 +45,21 @@ CCUString StandardCaption(int nID)
 
 }  // namespace
 
+CCUString CUIWithLineEnds(const CCUString &sText)
+{
+    CCUString sResult;
+    char *pTo = sResult.GetBuffer(2 * sText.GetLength());
+    char before = '\0';
+    for (const char *pFrom = sText; *pFrom; before = *pFrom++) {
+        if (*pFrom == '\n' && before != '\r')
+            *pTo++ = '\r';
+        *pTo++ = *pFrom;
+    }
+    *pTo = '\0';
+    sResult.ReleaseBuffer();
+    return sResult;
+}
+
 CCUIMessageContent::CCUIMessageContent(const char *pszText, const char *pszCaption, UINT nFlags)
     : m_sText(pszText),
       m_sCaption(pszCaption),

@@ -3,6 +3,9 @@
 #include "CU/String.h"
 #include "Dialog/TemplateWriter.h"
 
+// The text with "\r\n" at the end of each line, as edit controls and the clipboard want it.
+CCUString CUIWithLineEnds(const CCUString &sText);
+
 struct CCUIMessageButton
 {
     int nID = 0;

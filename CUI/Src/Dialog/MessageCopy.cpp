@@ -2,46 +2,11 @@
 
 #include "Dialog/MessageCopy.h"
 
-#include <string.h>
-
+#include "Base/Clipboard.h"
 #include "CU/Dump.h"
 #include "CUI/MessageBox.h"
 #include "Dialog/MessageContent.h"
 #include "Window/MnemonicText.h"
-
-namespace {
-
-bool PutOnClipboard(UINT nFormat, const void *pData, SIZE_T nSize)
-{
-    const HGLOBAL hData = GlobalAlloc(GMEM_MOVEABLE | GMEM_DDESHARE, nSize);
-    void *const pMemory = hData ? GlobalLock(hData) : nullptr;
-    if (pMemory) {
-        memcpy(pMemory, pData, nSize);
-        GlobalUnlock(hData);
-        if (SetClipboardData(nFormat, hData))
-            return true;
-    }
-    if (hData)
-        GlobalFree(hData);
-    return false;
-}
-
-}  // namespace
-
-CCUString CUIWithLineEnds(const CCUString &sText)
-{
-    CCUString sResult;
-    char *pTo = sResult.GetBuffer(2 * sText.GetLength());
-    char before = '\0';
-    for (const char *pFrom = sText; *pFrom; before = *pFrom++) {
-        if (*pFrom == '\n' && before != '\r')
-            *pTo++ = '\r';
-        *pTo++ = *pFrom;
-    }
-    *pTo = '\0';
-    sResult.ReleaseBuffer();
-    return sResult;
-}
 
 // The form that the system's box has.
 CCUString CCUIMessageBox::GetCopyText()
@@ -69,14 +34,14 @@ CCUString CCUIMessageBox::GetCopyText()
 // keyboard.
 void CUICopyText(HWND hWnd, const CCUString &sText)
 {
-    if (!OpenClipboard(hWnd)) {
+    const CCUClipboard clipboard(hWnd);
+    if (!clipboard) {
         CUDump("Unable to open the clipboard, gle: %lu\n", GetLastError());
         return;
     }
     const LCID nLocale = GetSystemDefaultLCID();
     const SIZE_T nSize = static_cast<SIZE_T>(sText.GetLength()) + 1;
-    if (!EmptyClipboard() || !PutOnClipboard(CF_TEXT, sText.GetString(), nSize) ||
-        !PutOnClipboard(CF_LOCALE, &nLocale, sizeof nLocale))
+    if (!EmptyClipboard() || !CUPutOnClipboard(CF_TEXT, sText.GetString(), nSize) ||
+        !CUPutOnClipboard(CF_LOCALE, &nLocale, sizeof nLocale))
         CUDump("Unable to copy a message, gle: %lu\n", GetLastError());
-    CloseClipboard();
 }

@@ -5,14 +5,10 @@
 #include "Base/Wrap.h"
 #include "CU/Dump.h"
 #include "CUI/Data.h"
+#include "Bitmap/Dib.h"
 #include "Drawing/RasterOps.h"
 
 namespace {
-
-RGBQUAD Quad(DWORD cr)
-{
-    return {GetBValue(cr), GetGValue(cr), GetRValue(cr), 0};
-}
 
 // What is kept from one drawing to the next, released at exit; who draws still later makes it
 // again.
@@ -45,7 +41,7 @@ HBRUSH MakePattern(DWORD crFace, DWORD crHilite)
         BITMAPINFOHEADER header;
         RGBQUAD colors[2];
     } info = {{sizeof(BITMAPINFOHEADER), 8, 8, 1, 1, BI_RGB, 0, 0, 0, 0, 0},
-              {Quad(crFace), Quad(crHilite)}};
+              {CUIToQuad(crFace), CUIToQuad(crHilite)}};
     DWORD bits[8];  // the lowest row first, each aligned to a double word
     for (int nRow = 0; nRow < 8; ++nRow)
         bits[nRow] = nRow % 2 == 0 ? 0xAA : 0x55;

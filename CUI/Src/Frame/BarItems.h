@@ -4,14 +4,14 @@
 #include "CUI/Bitmap.h"
 #include "CUI/CommandView.h"
 
-class CCUIControlBar;
 class CCUIMenu;
 
-// One item of a control bar: a button, where it has a command, a window, or else a separator.
-class CCUIBarItem final : public CCUICommandView
+// One item of a control bar: a button, where it has a command, a window, or else a separator. The
+// bar's own class of items hears of changes of the command.
+class CCUIBarItem : public CCUICommandView
 {
 public:
-    explicit CCUIBarItem(CCUIControlBar *pBar) : m_pBar(pBar) {}
+    virtual ~CCUIBarItem() = default;
 
     int nPicture = -1;          // its place in the strip; -1: none
     unsigned short nState = 0;  // of CCUICommandState what can be seen
@@ -25,12 +25,6 @@ public:
 
     bool IsSeparator() const { return !GetCommand() && !hControl; }
     bool IsButton() const { return GetCommand() && !hControl; }
-
-protected:
-    void OnCommandChanged(unsigned short nNewState, const CCUString &sNewText) override;
-
-private:
-    CCUIControlBar *const m_pBar;
 };
 
 // What makes an item look otherwise for the moment.

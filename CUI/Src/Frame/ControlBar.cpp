@@ -21,10 +21,21 @@ const unsigned short SEEN = CUI_COMMAND_ACTIVE | CUI_COMMAND_CHECKED;
 
 }  // namespace
 
-void CCUIBarItem::OnCommandChanged(unsigned short nNewState, const CCUString &sNewText)
+// An item that shows its command in the bar.
+class CCUIControlBar::CItem final : public CCUIBarItem
 {
-    m_pBar->ShowCommand(*this, nNewState, sNewText);
-}
+public:
+    explicit CItem(CCUIControlBar *pBar) : m_pBar(pBar) {}
+
+protected:
+    void OnCommandChanged(unsigned short nNewState, const CCUString &sNewText) override
+    {
+        m_pBar->ShowCommand(*this, nNewState, sNewText);
+    }
+
+private:
+    CCUIControlBar *const m_pBar;
+};
 
 CCUIControlBar *CCUIControlBar::s_pFirst;
 
@@ -105,7 +116,7 @@ void CCUIControlBar::SetButtons(const unsigned int *pnIDs, int nCount)
 void CCUIControlBar::Append(unsigned int nID, int nPicture, HWND hControl)
 {
     CWatch watch(this);
-    auto *const pItem = new CCUIBarItem(this);
+    auto *const pItem = new CItem(this);
     pItem->nPicture = nPicture;
     pItem->hControl = hControl;
     if (hControl) {

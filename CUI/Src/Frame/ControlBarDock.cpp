@@ -5,6 +5,7 @@
 #include "Dialog/FrameworkText.h"
 #include "Drawing/Look.h"
 #include "Frame/BarItems.h"
+#include "Window/Input.h"
 
 namespace {
 
@@ -14,11 +15,6 @@ const int DOCK_DISTANCE = 40;
 // In the order of CUIBarSide.
 const char *const SIDES[] = {"&Top", "&Bottom", "&Left", "&Right"};
 const UINT SIDE_COUNT = 4;
-
-bool IsKey(UINT message)
-{
-    return message >= WM_KEYFIRST && message <= WM_KEYLAST;
-}
 
 }  // namespace
 
@@ -57,7 +53,7 @@ void CCUIControlBar::Drag()
             PostQuitMessage(static_cast<int>(msg.wParam));
             break;
         }
-        if (!IsKey(msg.message)) {
+        if (!CUIIsKeyMessage(msg.message)) {
             TranslateMessage(&msg);
             DispatchMessageA(&msg);
         } else if (msg.message == WM_KEYDOWN && msg.wParam == VK_ESCAPE) {

@@ -9,14 +9,21 @@
 #include "Control/ControlTip.h"
 #include "Drawing/Look.h"
 #include "Frame/BarItems.h"
+#include "Menu/MenuClosing.h"
+#include "Window/Input.h"
 
 namespace {
 
-// What a menu's owner hears when it has closed.
-const UINT MENU_CLOSED = 0xFFFF;
 // Asks whether the mouse has left, where the system does not tell.
 const UINT LEAVE_TIMER = 1;
-const UINT LEAVE_MILLISECONDS = 100;
+
+// In a dialog the bar wants its keys while it has the focus.
+long DialogCode(const MSG *pMsg)
+{
+    const bool bKey = pMsg && pMsg->message == WM_KEYDOWN &&
+                      (pMsg->wParam == VK_RETURN || pMsg->wParam == VK_ESCAPE);
+    return DLGC_WANTARROWS | (bKey ? DLGC_WANTMESSAGE : 0);
+}
 
 }  // namespace
 
@@ -59,7 +66,7 @@ void CCUIControlBar::SetHot(int nItem)
     const unsigned int nID = pItem ? pItem->GetCommand() : 0;
     ShowTip(nID);
     if (!watch.IsGone() && m_hWnd)
-        SendMessageA(Target(), WM_MENUSELECT, MAKEWPARAM(nID, nID ? 0 : MENU_CLOSED), 0);
+        SendMessageA(Target(), WM_MENUSELECT, MAKEWPARAM(nID, nID ? 0 : CUI_MENU_CLOSED), 0);
 }
 
 // Of the lit item, whose command that is.
@@ -76,19 +83,13 @@ void CCUIControlBar::ShowTip(unsigned int nID)
         CUIControlTip().SetTool(m_hWnd, &m_pItems->Place(m_nHot), sTip);
 }
 
-bool CCUIControlBar::IsMouseOver() const
-{
-    POINT point;
-    return GetCursorPos(&point) && WindowFromPoint(point) == m_hWnd;
-}
-
 void CCUIControlBar::OnMouseMove(UINT nFlags, POINT &point)
 {
     CWatch watch(this);
     if (!m_bTracking) {
         m_bTracking = true;
         if (!TrackMouseLeave())
-            SetTimer(m_hWnd, LEAVE_TIMER, LEAVE_MILLISECONDS, nullptr);
+            SetTimer(m_hWnd, LEAVE_TIMER, CUI_MOUSE_LOOK, nullptr);
     }
     if (m_bDragging) {
         POINT screen = point;
@@ -149,7 +150,7 @@ void CCUIControlBar::OnLButtonUp(UINT nFlags, POINT &point)
     m_bDragging = false;
     EndPress();
     // While it was held nobody told that the mouse has left.
-    if (!watch.IsGone() && !bInside && !IsMouseOver())
+    if (!watch.IsGone() && !bInside && !CUIIsMouseOver(m_hWnd))
         SetHot(-1);
     if (watch.IsGone())
         return;
@@ -224,11 +225,7 @@ void CCUIControlBar::OpenMenu(int nItem, CCUIMenu &menu)
     const int nCommand = DisplayPopupMenu(&menu, nFlags, point, &rcScreen);
     if (watch.IsGone() || !m_hWnd)
         return;
-    // The click on the button that closed the menu must not open it again.
-    MSG msg;
-    if (PeekMessageA(&msg, m_hWnd, WM_LBUTTONDOWN, WM_LBUTTONDOWN, PM_NOREMOVE) &&
-        PtInRect(&rcScreen, msg.pt))
-        PeekMessageA(&msg, m_hWnd, WM_LBUTTONDOWN, WM_LBUTTONDOWN, PM_REMOVE);
+    CUITakeClosingClick(m_hWnd, rcScreen);
     if (watch.IsGone() || !m_hWnd)
         return;
     if (CCUIBarItem *const pItem = m_pItems->At(nItem))
@@ -239,7 +236,7 @@ void CCUIControlBar::OpenMenu(int nItem, CCUIMenu &menu)
         LeaveKeyboard();
     if (watch.IsGone())
         return;
-    if (!IsMouseOver())
+    if (!CUIIsMouseOver(m_hWnd))
         SetHot(-1);
     if (nCommand && !watch.IsGone())
         SendCommand(static_cast<unsigned int>(nCommand));
@@ -394,58 +391,64 @@ int CCUIControlBar::PreTranslateMessage(MSG *pMsg)
 
 // --- Messages ---
 
+SIZE CCUIControlBar::NaturalSize() const
+{
+    const int nThickness = m_pItems->Thickness(IsVertical());
+    const int nLength = m_pItems->Length(IsVertical());
+    return IsVertical() ? SIZE{nThickness, nLength} : SIZE{nLength, nThickness};
+}
+
+void CCUIControlBar::LoseCapture()
+{
+    RepaintItem(m_nPressed);
+    m_nPressed = -1;
+    m_bDragging = false;
+}
+
+void CCUIControlBar::LoseWindow()
+{
+    CUIHideControlTip(m_hWnd);
+    m_nHot = m_nPressed = -1;
+    m_bTracking = false;
+}
+
+// For LEAVE_TIMER.
+void CCUIControlBar::LookForMouse()
+{
+    if (CUIIsMouseOver(m_hWnd))
+        return;
+    KillTimer(m_hWnd, LEAVE_TIMER);
+    MouseHasLeft();
+}
+
 // What a message does before the base class gets it. True: it was all, the base does not get it.
 bool CCUIControlBar::Handle(UINT message, WPARAM wParam, LPARAM lParam, long &result)
 {
     switch (message) {
+    case WM_SYSCOLORCHANGE: m_pItems->RefreshPictures(); return false;
+    case WM_MOUSELEAVE: MouseHasLeft(); return false;
+    case WM_CANCELMODE: EndPress(); return false;
+    case WM_KILLFOCUS: SetHot(-1); return false;
+    case WM_CAPTURECHANGED: LoseCapture(); return false;
+    case WM_DESTROY: LoseWindow(); return false;
+    case WM_MENUSELECT: SendMessageA(Target(), message, wParam, lParam); return true;
     case WM_ERASEBKGND: result = 1; return true;
-    case CUI_WM_NATURALSIZE: {
-        SIZE &size = *reinterpret_cast<SIZE *>(lParam);
-        const int nThickness = m_pItems->Thickness(IsVertical());
-        const int nLength = m_pItems->Length(IsVertical());
-        size.cx = IsVertical() ? nThickness : nLength;
-        size.cy = IsVertical() ? nLength : nThickness;
+    case WM_GETDLGCODE: result = DialogCode(reinterpret_cast<const MSG *>(lParam)); return true;
+    case CUI_WM_NATURALSIZE:
+        *reinterpret_cast<SIZE *>(lParam) = NaturalSize();
         result = 1;
         return true;
-    }
-    case WM_MENUSELECT: SendMessageA(Target(), message, wParam, lParam); return true;
-    case WM_SYSCOLORCHANGE: m_pItems->RefreshPictures(); break;
-    case WM_MOUSELEAVE: MouseHasLeft(); break;
-    case WM_CANCELMODE: EndPress(); break;
-    case WM_KILLFOCUS: SetHot(-1); break;
-    case WM_CAPTURECHANGED:
-        RepaintItem(m_nPressed);
-        m_nPressed = -1;
-        m_bDragging = false;
-        break;
-    case WM_DESTROY:
-        CUIHideControlTip(m_hWnd);
-        m_nHot = m_nPressed = -1;
-        m_bTracking = false;
-        break;
     case WM_TIMER:
         if (wParam != LEAVE_TIMER)
-            break;
-        if (!IsMouseOver()) {
-            KillTimer(m_hWnd, LEAVE_TIMER);
-            MouseHasLeft();
-        }
+            return false;
+        LookForMouse();
         return true;
     case WM_SETCURSOR:
         if (reinterpret_cast<HWND>(wParam) == m_hWnd && LOWORD(lParam) == HTCLIENT)
             result = ShowDragCursor();
         return result != 0;
-    case WM_GETDLGCODE: {
-        // In a dialog: its keys while it has the focus.
-        const auto *const pMsg = reinterpret_cast<const MSG *>(lParam);
-        const bool bKey = pMsg && pMsg->message == WM_KEYDOWN &&
-                          (pMsg->wParam == VK_RETURN || pMsg->wParam == VK_ESCAPE);
-        result = DLGC_WANTARROWS | (bKey ? DLGC_WANTMESSAGE : 0);
-        return true;
+    default: return false;
     }
-    default: break;
-    }
-    return false;
 }
 
 long CCUIControlBar::WindowProc(UINT message, WPARAM wParam, LPARAM lParam)

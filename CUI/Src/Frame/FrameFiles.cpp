@@ -1,9 +1,9 @@
 // The files that a frame is asked to open from outside.
 
-#include "Base/SystemLibrary.h"
 #include "CU/Dump.h"
 #include "CUI/FrameWindow.h"
 #include "Frame/Paths.h"
+#include "Window/LoadedLibrary.h"
 
 namespace {
 
@@ -16,7 +16,7 @@ struct CDrop
 
     bool Find()
     {
-        const HMODULE hShell = finish ? nullptr : CULoadSystemLibrary("shell32.dll");
+        const HMODULE hShell = finish ? nullptr : CUILoadLibrary(CUIShell32);
         if (hShell) {
             queryFile = CUFindFunction<decltype(::DragQueryFileA)>(hShell, "DragQueryFileA");
             queryPoint = CUFindFunction<decltype(::DragQueryPoint)>(hShell, "DragQueryPoint");

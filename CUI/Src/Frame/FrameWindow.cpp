@@ -13,6 +13,8 @@
 #include "Command/CommandText.h"
 #include "Frame/FrameDocks.h"
 #include "Frame/Paths.h"
+#include "Menu/MenuClosing.h"
+#include "Window/Input.h"
 
 #define CU_SOURCE "FrameWindow"
 
@@ -20,14 +22,8 @@ namespace {
 
 // A child that changes its size whenever it is laid out would have the frame lay out for ever.
 const int MOST_PASSES = 4;
-const UINT MENU_CLOSED = 0xFFFF;
 
 CCUIFrameWindow *s_pMainFrame;
-
-bool IsKey(UINT message)
-{
-    return message >= WM_KEYFIRST && message <= WM_KEYLAST;
-}
 
 // Whether the screen has a palette. The messages of palettes come on all others as well.
 bool HasPalette()
@@ -254,7 +250,7 @@ int CCUIFrameWindow::SetAccelerators(HINSTANCE hInstance, const char *name)
 
 int CCUIFrameWindow::PreTranslateMessage(MSG *pMsg)
 {
-    if (!IsKey(pMsg->message))
+    if (!CUIIsKeyMessage(pMsg->message))
         return CCUIWindow::PreTranslateMessage(pMsg);
     // Keys of a dialog that the frame waits for come by as well, on their way up.
     if (!IsWindowEnabled(m_hWnd))
@@ -291,7 +287,7 @@ void CCUIFrameWindow::OnMenuSelect(UINT nItem, UINT nFlags, HMENU hMenu)
 {
     CWatch watch(this);
     if (m_pDocks->GetHelp()) {
-        const bool bClosed = nFlags == MENU_CLOSED && !hMenu;
+        const bool bClosed = nFlags == CUI_MENU_CLOSED && !hMenu;
         const CCUString sHelp = bClosed ? CCUString() : CUICommandHelp(nItem, nFlags);
         // The handler may have changed what there is.
         CCUIHelpText *const pHelp = watch.IsGone() ? nullptr : m_pDocks->GetHelp();

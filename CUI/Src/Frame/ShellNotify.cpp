@@ -1,6 +1,6 @@
 #include "Frame/ShellNotify.h"
 
-#include "Base/SystemLibrary.h"
+#include "Window/LoadedLibrary.h"
 
 namespace {
 
@@ -37,7 +37,7 @@ CCUIShellNotify &CUIShellNotify()
     if (s_shell.notify)
         return s_shell;
     s_shell.notify = NoNotify;
-    const HMODULE hShell = CULoadSystemLibrary("shell32.dll");
+    const HMODULE hShell = CUILoadLibrary(CUIShell32);
     if (!hShell)
         return s_shell;
     const auto notify = CUFindFunction<decltype(Shell_NotifyIconA)>(hShell, "Shell_NotifyIconA");

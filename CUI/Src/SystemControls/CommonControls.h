@@ -1,6 +1,6 @@
 #pragma once
 
 // Loads the system's comctl32.dll at the first call, which makes the window classes of the common
-// controls known; it stays loaded, for windows of them may be there until the process ends. Private
-// to the layer. Whether there is such a library.
+// controls known; it stays loaded as long as the framework, for windows of them may be there.
+// Private to the layer. Whether there is such a library.
 bool CUILoadCommonControls();

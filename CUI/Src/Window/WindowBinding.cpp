@@ -4,10 +4,13 @@
 #include "Window/WindowBinding.h"
 
 #include "Base/KeepLastError.h"
+#include "Base/Module.h"
 #include "CU/Assert.h"
 #include "CU/CU.h"
+#include "Window/LoadedLibrary.h"
 #include "Window/WindowHookList.h"
 #include "Window/WindowMap.h"
+#include "Window/WindowThread.h"
 
 #define CU_SOURCE "Window"
 
@@ -183,4 +186,73 @@ bool CCUIWindow::HasWindow()
         Detach();
     }
     return m_hWnd != nullptr;
+}
+
+// --- The end of a module ---
+
+namespace {
+
+// The atom of the system's class of dialogs.
+const DWORD DIALOG_CLASS = 32770;
+
+bool IsCodeOfModule(LONG pCode)
+{
+    MEMORY_BASIC_INFORMATION memory = {};
+    return VirtualQuery(reinterpret_cast<void *>(pCode), &memory, sizeof memory) &&
+           memory.AllocationBase == CUInstance();
+}
+
+// Whether the module made the window. A dialog does not tell by its instance, which the program
+// names, but by its dialog procedure, which is ours.
+bool IsOfModule(HWND hWnd)
+{
+    return reinterpret_cast<HINSTANCE>(GetWindowLongA(hWnd, GWL_HINSTANCE)) == CUInstance() ||
+           (GetClassLongA(hWnd, GCW_ATOM) == DIALOG_CLASS &&
+            IsCodeOfModule(GetWindowLongA(hWnd, DWL_DLGPROC)));
+}
+
+// The windows of the map whose turn it is, in an array for the caller to delete.
+HWND *WindowsToUnload(CUUnloadPhase phase, unsigned &nWindows)
+{
+    const CUIWindowMapLock lock;
+    const CUIWindowTable &table = CUIWindowTable::Current();
+    HWND *const pWindows = new HWND[table.nMask + 1];
+    nWindows = 0;
+    for (unsigned i = 0; i <= table.nMask; ++i) {
+        const HWND hWnd = table.pSlots[i].hWnd.Get();
+        if (hWnd && CUIsUnloadTurn(hWnd, phase))
+            pWindows[nWindows++] = hWnd;
+    }
+    return pWindows;
+}
+
+}  // namespace
+
+// All objects let go before the first window goes, so that no handler runs any more.
+void CUIUnloadWindows(CUUnloadPhase phase)
+{
+    unsigned nWindows = 0;
+    HWND *const pWindows = WindowsToUnload(phase, nWindows);
+    bool bDoubted = false;
+    for (unsigned i = 0; i < nWindows; ++i) {
+        if (CCUIWindow *const pWindow = CUIWindowMapFind(pWindows[i], bDoubted))
+            pWindow->Detach();
+    }
+    for (unsigned i = 0; i < nWindows; ++i) {
+        CUIWindowMapRemove(pWindows[i]);
+        if (!IsOfModule(pWindows[i]))
+            continue;
+        if (phase == CUUnloadOthers)
+            CUIKeepWindowLibraries();
+        CUUnloadWindow(pWindows[i]);
+    }
+    delete[] pWindows;
+    if (phase == CUUnloadOthers)
+        return;
+    CUIWindowThread::DeleteAll();
+    for (CUIWindowTable *pTable; (pTable = CUIWindowTable::s_pCurrent.Get())->pSmaller;) {
+        CUIWindowTable::s_pCurrent.Set(pTable->pSmaller);
+        delete[] pTable->pSlots;
+        delete pTable;
+    }
 }

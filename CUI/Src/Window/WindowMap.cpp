@@ -1,7 +1,6 @@
 #include "Window/WindowMap.h"
 
 #include "Base/Lock.h"
-#include "Base/Module.h"
 #include "CU/Prober.h"
 #include "Window/WindowThread.h"
 
@@ -205,68 +204,4 @@ void CUIWindowMapRemoveThread(const CUIWindowThread *pThread)
 {
     const CChange change;
     FreeIf([=](const CUIWindowSlot &slot) { return slot.pThread.Get() == pThread; });
-}
-
-namespace {
-
-// The atom of the system's class of dialogs.
-const DWORD DIALOG_CLASS = 32770;
-
-bool IsCodeOfModule(LONG pCode)
-{
-    MEMORY_BASIC_INFORMATION memory = {};
-    return VirtualQuery(reinterpret_cast<void *>(pCode), &memory, sizeof memory) &&
-           memory.AllocationBase == CUInstance();
-}
-
-// Whether the module made the window. A dialog does not tell by its instance, which the program
-// names, but by its dialog procedure, which is ours.
-bool IsOfModule(HWND hWnd)
-{
-    return reinterpret_cast<HINSTANCE>(GetWindowLongA(hWnd, GWL_HINSTANCE)) == CUInstance() ||
-           (GetClassLongA(hWnd, GCW_ATOM) == DIALOG_CLASS &&
-            IsCodeOfModule(GetWindowLongA(hWnd, DWL_DLGPROC)));
-}
-
-// The windows of the map whose turn it is, in an array for the caller to delete.
-HWND *WindowsToUnload(CUUnloadPhase phase, unsigned &nWindows)
-{
-    const CUIWindowMapLock lock;
-    const CUIWindowTable &table = CUIWindowTable::Current();
-    HWND *const pWindows = new HWND[s_nUsed];
-    nWindows = 0;
-    for (unsigned i = 0; i <= table.nMask; ++i) {
-        const HWND hWnd = table.pSlots[i].hWnd.Get();
-        if (hWnd && CUIsUnloadTurn(hWnd, phase))
-            pWindows[nWindows++] = hWnd;
-    }
-    return pWindows;
-}
-
-}  // namespace
-
-// All objects let go before the first window goes, so that no handler runs any more.
-void CUIUnloadWindows(CUUnloadPhase phase)
-{
-    unsigned nWindows = 0;
-    HWND *const pWindows = WindowsToUnload(phase, nWindows);
-    bool bDoubted = false;
-    for (unsigned i = 0; i < nWindows; ++i) {
-        if (CCUIWindow *const pWindow = CUIWindowMapFind(pWindows[i], bDoubted))
-            pWindow->Detach();
-    }
-    for (unsigned i = 0; i < nWindows; ++i) {
-        CUIWindowMapRemove(pWindows[i]);
-        if (IsOfModule(pWindows[i]))
-            CUUnloadWindow(pWindows[i]);
-    }
-    delete[] pWindows;
-    if (phase == CUUnloadOthers)
-        return;
-    CUIWindowThread::DeleteAll();
-    for (CUIWindowTable *pTable; (pTable = CUIWindowTable::s_pCurrent.Get())->pSmaller;) {
-        CUIWindowTable::s_pCurrent.Set(pTable->pSmaller);
-        delete[] pTable->pSlots;
-        delete pTable;
-    }
 }

@@ -7,7 +7,7 @@
 #include "Command/PictureCommand.h"
 #include "Disc/MakeDisc.h"
 #include "File/FileBytes.h"
-#include "File/SkinFile.h"
+#include "File/OpenSkin.h"
 #include "File/SkinFolder.h"
 #include "Problems/Check.h"
 
@@ -25,15 +25,10 @@ typedef std::vector<CCUString> CWords;
 // What a command does: false when it could not.
 typedef bool FRun(const CWords &words, CProblems &problems);
 
-std::unique_ptr<CSkinFile> Open(const CCUString &sPath, CProblems &problems)
-{
-    return CSkinFile::Open(sPath, problems);
-}
-
 // To be written elsewhere.
 std::unique_ptr<CSkinFile> OpenWhole(const CCUString &sPath, CProblems &problems)
 {
-    std::unique_ptr<CSkinFile> pFile = Open(sPath, problems);
+    std::unique_ptr<CSkinFile> pFile = OpenSkin(sPath, problems);
     if (pFile && !pFile->IsWhole(pFile->Skin(), problems))
         pFile.reset();
     return pFile;
@@ -56,7 +51,7 @@ CCUString OwnLauncher()
 
 bool Check(const CWords &words, CProblems &problems)
 {
-    const auto pFile = Open(words[0], problems);
+    const auto pFile = OpenSkin(words[0], problems);
     if (pFile)
         CheckSkin(pFile->Skin(), words.size() > 1 ? words[1] : CCUString(), problems);
     return pFile != nullptr;
@@ -68,7 +63,7 @@ bool Apply(const CWords &words, CProblems &problems)
     if (words[1].CompareNoCase("/to") != 0)
         return Fail(problems, words[1], "\"/to\" is wanted here, and a launcher.");
     const auto pSkin = OpenWhole(words[0], problems);
-    const auto pLauncher = pSkin ? Open(sLauncher, problems) : nullptr;
+    const auto pLauncher = pSkin ? OpenSkin(sLauncher, problems) : nullptr;
     if (!pLauncher)
         return false;
     if (pLauncher->IsFolder())
@@ -84,7 +79,7 @@ bool Export(const CWords &words, CProblems &problems)
 
 bool Picture(const CWords &words, CProblems &problems)
 {
-    const auto pFile = Open(words[0], problems);
+    const auto pFile = OpenSkin(words[0], problems);
     return pFile && WriteFacePicture(pFile->Skin(), words[1], problems);
 }
 

@@ -22,7 +22,8 @@ HANDLE OpenConsole()
 
 COutput::COutput() : m_hOutput(GetStdHandle(STD_OUTPUT_HANDLE)), m_bConsole(false)
 {
-    // For a program with windows some systems hand out a number that is no handle.
+    // A program with windows that the Explorer starts gets the number of a monitor here, from
+    // Windows 98 and 2000 on: no handle.
     if (m_hOutput == INVALID_HANDLE_VALUE || GetFileType(m_hOutput) == FILE_TYPE_UNKNOWN)
         m_hOutput = nullptr;
     if (!m_hOutput)

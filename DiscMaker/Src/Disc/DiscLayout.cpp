@@ -29,6 +29,21 @@ CDiscPath Relative(const char *pszName)
     return CDiscPath().With(pszName);
 }
 
+// Empty when there is no such file.
+CSums ReadSumsFile(const CDiscPath &path)
+{
+    CCUFile list;
+    if (!list.Open(path.Text(), CCUFile::modeRead))
+        return CSums();
+    const unsigned long nLength = list.GetLength();
+    CCUString sText;
+    const unsigned int nRead =
+        nLength < LONG_MAX ? list.Read(sText.GetBufferSetLength(static_cast<int>(nLength)), nLength)
+                           : 0;
+    sText.ReleaseBuffer(static_cast<int>(nRead));
+    return ReadSums(sText);
+}
+
 // One disc that is being made.
 class CDiscLayout
 {
@@ -44,6 +59,7 @@ private:
     bool PlacesAreGood();
     bool ReadContents();
     bool MayReplaceOld();
+    bool IsAsWritten(const CSums &sums);
     bool HasSpace();
     bool WriteAll(CDiscWriter &writer, const CDiscPath &launcher, const CCUString &sAutorunInf);
     bool TakePlace();
@@ -108,7 +124,6 @@ bool CDiscLayout::ReadContents()
     return true;
 }
 
-// Everything in the folder was written by us and is as we wrote it.
 bool CDiscLayout::MayReplaceOld()
 {
     if (!DiscExists(m_out))
@@ -125,18 +140,12 @@ bool CDiscLayout::MayReplaceOld()
     }
     if (!m_old.m_links.empty())
         return Fail(m_out.Join(m_old.m_links[0]), "This was not written by Disc Maker.");
-    CCUFile list;
-    CSums sums;
-    if (list.Open(m_out.Join(Relative(SUMS_NAME)).Text(), CCUFile::modeRead)) {
-        const unsigned long nLength = list.GetLength();
-        CCUString sText;
-        const unsigned int nRead =
-            nLength < LONG_MAX
-                ? list.Read(sText.GetBufferSetLength(static_cast<int>(nLength)), nLength)
-                : 0;
-        sText.ReleaseBuffer(static_cast<int>(nRead));
-        sums = ReadSums(sText);
-    }
+    return IsAsWritten(ReadSumsFile(m_out.Join(Relative(SUMS_NAME))));
+}
+
+// Everything in the folder was written by us and is as we wrote it.
+bool CDiscLayout::IsAsWritten(const CSums &sums)
+{
     for (const CDiscTree::CFile &file : m_old.m_files) {
         if (lstrcmpA(file.m_path.Text(), SUMS_NAME) == 0 && !sums.empty())
             continue;

@@ -2,7 +2,7 @@
 
 #include "CU/ErrorText.h"
 #include "Disc/DiscLayout.h"
-#include "File/SkinFile.h"
+#include "File/OpenSkin.h"
 #include "Model/TempFolder.h"
 #include "Problems/Check.h"
 #include "Resource.h"
@@ -43,7 +43,7 @@ bool MakeLauncher(const CSkin &skin, const CCUString &sLauncher, const CCUString
                   CProblems &problems)
 {
     CProblems reading;
-    const std::unique_ptr<CSkinFile> pLauncher = CSkinFile::Open(sLauncher, reading);
+    const std::unique_ptr<CSkinFile> pLauncher = OpenSkin(sLauncher, reading);
     if (!pLauncher)
         problems.insert(problems.end(), reading.begin(), reading.end());
     if (pLauncher && !pLauncher->IsFolder())

@@ -6,17 +6,13 @@
 #include "Model/Skin.h"
 
 // Where a skin lives: a launcher, or a skin folder (Skin.rc and the pictures that it names). It
-// keeps what it read, so that saving changes only what was edited.
+// keeps what it read, so that saving changes only what was edited. OpenSkin.h makes one.
 class CSkinFile
 {
 public:
     virtual ~CSkinFile() {}
     CSkinFile(const CSkinFile &) = delete;
     CSkinFile &operator=(const CSkinFile &) = delete;
-
-    // A folder, a Skin.rc in one, or a launcher. Null when it cannot be read: why is among the
-    // problems, as is what could be read but not understood.
-    static std::unique_ptr<CSkinFile> Open(const CCUString &sPath, CProblems &problems);
 
     // As it was read, or saved last.
     const CSkin &Skin() const { return m_skin; }

@@ -26,6 +26,34 @@ std::vector<bool> StartsOf(const CCUString &sText, UINT nCodePage)
     return starts;
 }
 
+// Where a text and another one differ: what is in front and what is behind they have in common.
+struct CDifference
+{
+    size_t m_nFirst, m_nLast;  // pieces of the one
+    int m_nFront, m_nEnd;      // bytes of the other
+};
+
+CDifference Compare(const std::vector<CPiece> &pieces, const CCUString &sText, UINT nCodePage)
+{
+    const std::vector<bool> starts = StartsOf(sText, nCodePage);
+    CDifference at = {0, pieces.size(), 0, sText.GetLength()};
+    for (; at.m_nFirst < at.m_nLast; ++at.m_nFirst) {
+        const CCUString &sBytes = pieces[at.m_nFirst].m_sBytes;
+        if (sText.Mid(at.m_nFront, sBytes.GetLength()) != sBytes)
+            break;
+        at.m_nFront += sBytes.GetLength();
+    }
+    for (; at.m_nLast > at.m_nFirst; --at.m_nLast) {
+        const CCUString &sBytes = pieces[at.m_nLast - 1].m_sBytes;
+        const int nStart = at.m_nEnd - sBytes.GetLength();
+        if (nStart < at.m_nFront || !starts[static_cast<size_t>(nStart)] ||
+            sText.Mid(nStart, sBytes.GetLength()) != sBytes)
+            break;
+        at.m_nEnd = nStart;
+    }
+    return at;
+}
+
 }  // namespace
 
 int CharacterSize(const char *p, UINT nCodePage)
@@ -67,31 +95,16 @@ CWideText CWideText::Edited(const CCUString &sText, UINT nCodePage) const
     // Not a code page that turns characters into bytes one by one.
     if (sShown != ToCodePage(nCodePage))
         return CWideText(sText, nCodePage);
-    const std::vector<bool> starts = StartsOf(sText, nCodePage);
-    int nFront = 0, nEnd = sText.GetLength();
-    size_t nFirst = 0, nLast = pieces.size();
-    for (; nFirst < nLast; ++nFirst) {
-        const CCUString &sBytes = pieces[nFirst].m_sBytes;
-        if (sText.Mid(nFront, sBytes.GetLength()) != sBytes)
-            break;
-        nFront += sBytes.GetLength();
-    }
-    for (; nLast > nFirst; --nLast) {
-        const CCUString &sBytes = pieces[nLast - 1].m_sBytes;
-        const int nStart = nEnd - sBytes.GetLength();
-        if (nStart < nFront || !starts[static_cast<size_t>(nStart)] ||
-            sText.Mid(nStart, sBytes.GetLength()) != sBytes)
-            break;
-        nEnd = nStart;
-    }
-    const CWideText changed(sText.Mid(nFront, nEnd - nFront), nCodePage);
+    const CDifference difference = Compare(pieces, sText, nCodePage);
+    const CWideText changed(sText.Mid(difference.m_nFront, difference.m_nEnd - difference.m_nFront),
+                            nCodePage);
     const auto at = [&](size_t nPiece) {
         const size_t n = nPiece < pieces.size() ? pieces[nPiece].m_nStart : m_text.size();
         return m_text.begin() + static_cast<ptrdiff_t>(n);
     };
     CWideText text;
-    text.m_text.assign(m_text.begin(), at(nFirst));
+    text.m_text.assign(m_text.begin(), at(difference.m_nFirst));
     text.m_text.insert(text.m_text.end(), changed.m_text.begin(), changed.m_text.end());
-    text.m_text.insert(text.m_text.end(), at(nLast), m_text.end());
+    text.m_text.insert(text.m_text.end(), at(difference.m_nLast), m_text.end());
     return text;
 }

@@ -1,31 +1,8 @@
 #pragma once
 
-#include "Model/Problem.h"
-#include "Problems/SkinLook.h"
+#include "Problems/SkinCheck.h"
 
-// What all checks of one language work with.
-class CSkinCheck
-{
-public:
-    CSkinCheck(const CSkin &skin, size_t nLanguage, CProblems &problems);
-
-    const CSkin &m_skin;
-    const CSkinStrings m_strings;
-    const CSkinLook m_look;
-
-    // Adds a problem of that entry.
-    void Add(ProblemWeight weight, UINT nEntry, const CCUString &sWhat, const CCUString &sEffect);
-    void Note(UINT nEntry, const CCUString &sWhat, const CCUString &sEffect);
-    void Warn(UINT nEntry, const CCUString &sWhat, const CCUString &sEffect);
-    void Fail(UINT nEntry, const CCUString &sWhat, const CCUString &sEffect);
-
-private:
-    CCUString m_sWhere;
-    const int m_nTexts;
-    CProblems &m_problems;
-};
-
-// One subject each.
+// The checks, each in the source of its name. One subject each.
 void CheckEntries(CSkinCheck &check);   // missing ones, unused ones
 void CheckNumbers(CSkinCheck &check);   // places, rectangles, colours, the numbers of fonts
 void CheckFonts(CSkinCheck &check);     // heights and faces
@@ -38,6 +15,3 @@ void CheckCommands(CSkinCheck &check, const CCUString &sContents);
 
 // Of no language: the pictures and the icon.
 void CheckPictures(const CSkin &skin, CProblems &problems);
-
-// "%d" of `nNumber` in `pszFormat`, which has one.
-CCUString WithNumber(const char *pszFormat, int nNumber);

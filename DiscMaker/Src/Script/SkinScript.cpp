@@ -14,15 +14,6 @@ bool CSkinScript::Read(const CByteView &file, const CCUString &sWhere, const CCU
     return CSkinScriptReader(*this, sWhere, sFolder, problems).Read();
 }
 
-const CScriptPicture *CSkinScript::FindPicture(bool bIcon, UINT nId) const
-{
-    for (const CScriptPicture &picture : m_pictures) {
-        if (picture.m_bIcon == bIcon && picture.m_nID == nId)
-            return &picture;
-    }
-    return nullptr;
-}
-
 int CSkinScript::CountUses(const CCUString &sFile) const
 {
     int nUses = 0;

@@ -67,7 +67,14 @@ public:
         return m_version.m_body.m_nStart != 0 ? &m_version : nullptr;
     }
     // The first statement for that resource; null when there is none.
-    const CScriptPicture *FindPicture(bool bIcon, UINT nId) const;
+    const CScriptPicture *FindPicture(bool bIcon, UINT nId) const
+    {
+        for (const CScriptPicture &picture : m_pictures) {
+            if (picture.m_bIcon == bIcon && picture.m_nID == nId)
+                return &picture;
+        }
+        return nullptr;
+    }
     // How many picture statements name a file.
     int CountUses(const CCUString &sFile) const;
     // Names of headers beside the script.

@@ -2,6 +2,7 @@
 
 #include <string.h>
 
+#include "Base/Clipboard.h"
 #include "CU/Dump.h"
 #include "Model/SkinBytes.h"
 
@@ -13,41 +14,15 @@ UINT SkinFormat()
     return s_nFormat;
 }
 
-class COpenClipboard
+class COpenClipboard : public CCUClipboard
 {
 public:
-    explicit COpenClipboard(HWND hWnd) : m_bOpen(OpenClipboard(hWnd) != 0)
+    explicit COpenClipboard(HWND hWnd) : CCUClipboard(hWnd)
     {
-        if (!m_bOpen)
+        if (!*this)
             CUDump("DiscMaker: the clipboard is in use: error %lu\n", GetLastError());
     }
-    ~COpenClipboard()
-    {
-        if (m_bOpen)
-            CloseClipboard();
-    }
-    COpenClipboard(const COpenClipboard &) = delete;
-    COpenClipboard &operator=(const COpenClipboard &) = delete;
-    explicit operator bool() const { return m_bOpen; }
-
-private:
-    bool m_bOpen;
 };
-
-bool Put(UINT nFormat, const void *pBytes, size_t nBytes)
-{
-    const HGLOBAL hBytes = GlobalAlloc(GMEM_MOVEABLE | GMEM_DDESHARE, nBytes);
-    void *const p = hBytes ? GlobalLock(hBytes) : nullptr;
-    if (p) {
-        memcpy(p, pBytes, nBytes);
-        GlobalUnlock(hBytes);
-        if (SetClipboardData(nFormat, hBytes))
-            return true;  // the system's from now on
-    }
-    if (hBytes)
-        GlobalFree(hBytes);
-    return false;
-}
 
 // What is there in a format, as long as it lives; the clipboard is open.
 class CClipboardBytes
@@ -79,15 +54,15 @@ bool CopyToClipboard(HWND hWnd, const CCUString &sText, const CSkin *pSkin)
     const COpenClipboard clipboard(hWnd);
     if (!clipboard || !EmptyClipboard())
         return false;
-    bool bDone =
-        Put(CF_TEXT, static_cast<const char *>(sText), static_cast<size_t>(sText.GetLength()) + 1);
+    bool bDone = CUPutOnClipboard(CF_TEXT, static_cast<const char *>(sText),
+                                  static_cast<size_t>(sText.GetLength()) + 1);
     if (pSkin) {
         // The system may give back more bytes than were put there.
         std::vector<BYTE> bytes = PackSkin(*pSkin);
         const DWORD nSize = static_cast<DWORD>(bytes.size());
         const BYTE *const pSize = reinterpret_cast<const BYTE *>(&nSize);
         bytes.insert(bytes.begin(), pSize, pSize + sizeof nSize);
-        bDone = Put(SkinFormat(), bytes.data(), bytes.size()) && bDone;
+        bDone = CUPutOnClipboard(SkinFormat(), bytes.data(), bytes.size()) && bDone;
     }
     return bDone;
 }

@@ -4,6 +4,7 @@
 #include "CUI/MessageBox.h"
 #include "File/FileBytes.h"
 #include "File/FileProblem.h"
+#include "File/OpenSkin.h"
 #include "File/SkinFolder.h"
 #include "Window/MainWindow.h"
 #include "Window/ProgramPath.h"
@@ -62,7 +63,7 @@ void CMainWindow::OfferRecovery()
     CProblems problems;
     std::unique_ptr<CSkinFile> file;
     if (!sPath.IsEmpty())
-        file = CSkinFile::Open(sPath, problems);
+        file = OpenSkin(sPath, problems);
     m_bUntitled = !file;
     if (file)
         m_file = std::move(file);
@@ -80,7 +81,7 @@ void CMainWindow::OnOpenFile(const CCUString &sPath)
 bool CMainWindow::OpenPath(const CCUString &sPath, bool bUntitled)
 {
     CProblems problems;
-    std::unique_ptr<CSkinFile> file = CSkinFile::Open(sPath, problems);
+    std::unique_ptr<CSkinFile> file = OpenSkin(sPath, problems);
     if (!file) {
         ShowProblems("It cannot be opened.", problems);
         return false;
@@ -256,7 +257,7 @@ bool CMainWindow::SaveAsFolder()
     CProblems problems;
     std::unique_ptr<CSkinFile> folder;
     if (CSkinFolder::Export(m_document.Skin(), sFolder, problems))
-        folder = CSkinFile::Open(sFolder, problems);
+        folder = OpenSkin(sFolder, problems);
     if (!folder) {
         ShowProblems("It was not saved.", problems);
         return false;
@@ -279,7 +280,7 @@ std::unique_ptr<CSkinFile> CMainWindow::OpenLauncher(bool bAsk)
             return nullptr;
     }
     CProblems problems;
-    std::unique_ptr<CSkinFile> file = CSkinFile::Open(sPath, problems);
+    std::unique_ptr<CSkinFile> file = OpenSkin(sPath, problems);
     if (!file)
         ShowProblems("The launcher cannot be opened.", problems);
     return file;

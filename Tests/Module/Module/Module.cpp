@@ -15,7 +15,9 @@
 #include "CUI/Button.h"
 #include "CUI/ControlWindow.h"
 #include "CUI/Dialog.h"
+#include "CUI/NotifyIcon.h"
 #include "CUI/OffScreenDC.h"
+#include "CUI/ProgressBar.h"
 #include "CUI/StatusBar.h"
 #include "CUI/WindowClass.h"
 
@@ -147,6 +149,14 @@ extern "C" __declspec(dllexport) BOOL Use(int nPart, HWND hHosts)
 {
     CUDisplayAssert("a report", "Module", __LINE__);
     return s_parts[nPart].Use(hHosts);
+}
+
+// What needs libraries that the module is not linked with. The control stays.
+extern "C" __declspec(dllexport) BOOL UseLibraries(HWND hParent)
+{
+    CCUINotifyIcon().Add(LoadIconA(nullptr, MAKEINTRESOURCEA(32512)), "tip");  // IDI_APPLICATION
+    static CCUIProgressBar s_bar;
+    return s_bar.CreateControl(hParent, 1);
 }
 
 extern "C" __declspec(dllexport) int TimesServed(int nPart)
