@@ -268,21 +268,16 @@ TEST(Prober, AnswersManyThatAskAtOnce)
     const auto pump = [](void *) { return CFakeClock::Pump(1) + 5L; };
     const CCUProberFunction pumping("\\Asked", "Pumping", pump);
     const unsigned long nID = pumping.GetID();
-    volatile HWND hWnd = nullptr;
-    volatile LONG nLeft = 40;
-    CThreads::Run(41, [&](int nThread) {
-        if (nThread == 0) {
-            for (hWnd = CUGetWindow(); nLeft > 0; CFakeClock::Pump())
-                MsgWaitForMultipleObjects(0, nullptr, FALSE, 10, QS_ALLINPUT);
-            return;
-        }
-        while (!hWnd)
-            Sleep(1);
+    const HWND hWnd = CUGetWindow();  // the first thread's, whichever test asked first
+    const auto ask = [&](int) {
         CCUProberClient client;
         CUProberValue value;
         EXPECT_TRUE(client.Connect(hWnd, 60000) && client.Read(&nID, &value, 1));
         EXPECT_EQ(CU_PROBER_DONE, client.Set(open.GetID(), "5"));
-        InterlockedDecrement(&nLeft);
+    };
+    CThreads::Run(40, ask, [] {
+        MsgWaitForMultipleObjects(0, nullptr, FALSE, 10, QS_ALLINPUT);
+        CFakeClock::Pump();
     });
 }
 

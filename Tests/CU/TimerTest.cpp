@@ -7,6 +7,7 @@
 #include <string>
 
 #include "CU/TimerTask.h"
+#include "Support/ChildProcess.h"
 #include "Support/FailingCall.h"
 #include "Support/Reports.h"
 #include "Support/TestTimer.h"
@@ -122,16 +123,26 @@ TEST_F(Timer, PassStopsAfterATenthOfASecond)
     EXPECT_EQ(1, c->m_nCalls);
 }
 
-TEST_F(Timer, AfterShutdownNothingIsArmedOrKilledAndNoDeadObjectIsServed)
+// For good, and so in a process of its own.
+CHILD_PROCESS(Shutdown)
 {
-    for (CTestTimer *pTimer : {a.get(), b.get(), d.get()})
+    CFakeClock clock;
+    PassStartTick(clock);
+    CTestTimer armed, killed, late;
+    auto pDead = std::make_unique<CTestTimer>([] { exit(2); });
+    for (CTestTimer *pTimer : {&armed, &killed, pDead.get()})
         pTimer->SetAlarm(0);
     CUShutdown();
-    b->KillAlarm();
-    c->SetAlarm(0);
-    d.reset();
-    m_clock.Run(1000);
-    EXPECT_EQ("a@0 b@0 ", m_log);
+    killed.KillAlarm();
+    late.SetAlarm(0);
+    pDead.reset();
+    clock.Run(1000);
+    exit(armed.m_nCalls == 1 && killed.m_nCalls == 1 && late.m_nCalls == 0 ? 0 : 1);
+}
+
+TEST_F(Timer, AfterShutdownNothingIsArmedOrKilledAndNoDeadObjectIsServed)
+{
+    EXPECT_EQ(0u, CChildProcess("Shutdown").ExitCode());
 }
 
 TEST_F(Timer, OutlivesLostMessages)
@@ -160,6 +171,7 @@ TEST_F(Timer, OutlivesLostMessages)
 static void ServeOnThreads()
 {
     std::vector<CTestTimer> timers(16);
+    const HWND hBefore = TimerTaskWindow();
     CThreads::Run(8, [&](int nThread) {
         CTestTimer &timer = timers[static_cast<size_t>(nThread)];
         timers[static_cast<size_t>(nThread) + 8].SetAlarm(3600000);
@@ -168,7 +180,7 @@ static void ServeOnThreads()
             Sleep(1), CFakeClock::Pump();
         timer.SetAlarm(0);
     });
-    EXPECT_EQ(nullptr, TimerTaskWindow());
+    EXPECT_EQ(hBefore, TimerTaskWindow());
     for (CTestTimer &timer : timers)
         timer.SetAlarm(10000);
     EXPECT_EQ(timers.size(), CCUTimerTask::GetThreadTimerTask()->GetListLength());

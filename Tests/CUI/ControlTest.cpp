@@ -2,6 +2,7 @@
 // them.
 #include "CUI/Button.h"
 #include "CUI/CommandMap.h"
+#include "CUI/LayoutWindow.h"
 #include "CUI/Menu.h"
 #include "CUI/Separator.h"
 #include "Support/DotsPerInch.h"
@@ -307,6 +308,24 @@ TEST(Control, MnemonicsWorkOutsideOfDialogs)
         EXPECT_EQ(row.bTaken, CUITranslateMnemonic(parent, &msg)) << row.c;
         EXPECT_EQ(row.nFocus, GetDlgCtrlID(GetFocus())) << row.c;
         EXPECT_EQ(row.told, parent.Told()) << row.c;
+    }
+}
+
+// Button, layouts and parent look for it, one after the other.
+TEST(Control, MnemonicRefreshesTheCommandsOnceAKey)
+{
+    CParent parent;
+    CCUILayoutWindow outer, inner;
+    outer.Create(nullptr, "", WS_CHILD | WS_VISIBLE, {0, 0, 90, 90}, parent, 1);
+    inner.Create(nullptr, "", WS_CHILD | WS_VISIBLE, {0, 0, 90, 90}, outer, 1);
+    CButton button(inner, 5, CUI_BUTTON_PUSH, "&Go");
+    CTestCommand command(1000);
+    int nRefreshed = 0;
+    command.m_onUpdate = [&] { ++nRefreshed; };
+    MSG msg = {button, WM_SYSCHAR, 'x', 1 << 29, 0, {}};
+    for (const int nKeys : {1, 2}) {
+        EXPECT_FALSE(CCUIWindow::PerformPreTranslation(&msg));
+        EXPECT_EQ(nKeys, nRefreshed);
     }
 }
 

@@ -6,11 +6,13 @@
 #include "CU/Platform.h"
 
 // Runs `work` on several threads at once, each with its number from 0 on, and waits for all. None
-// begins before all are there: short work would be done by one after the other.
+// begins before all are there: short work would be done by one after the other. `meanwhile` is done
+// again and again until then.
 class CThreads
 {
 public:
-    static void Run(int nThreads, const std::function<void(int nThread)> &work)
+    static void Run(int nThreads, const std::function<void(int nThread)> &work,
+                    const std::function<void()> &meanwhile = nullptr)
     {
         const auto nCount = static_cast<size_t>(nThreads);
         volatile LONG nMissing = nThreads;
@@ -20,7 +22,9 @@ public:
             starts[i] = {&work, static_cast<int>(i), &nMissing};
             threads[i] = CreateThread(nullptr, 0, Start, &starts[i], 0, nullptr);
         }
-        WaitForMultipleObjects(threads.size(), threads.data(), TRUE, INFINITE);
+        while (WaitForMultipleObjects(threads.size(), threads.data(), TRUE,
+                                      meanwhile ? 0 : INFINITE) == WAIT_TIMEOUT)
+            meanwhile();
         for (const HANDLE hThread : threads)
             CloseHandle(hThread);
     }

@@ -140,9 +140,10 @@ public:
 
     /// Shows the frame at the place, in the size and in the state (normal or maximised) that it had
     /// when it was last destroyed, which the settings keep in that section
-    /// (CUI/Settings.h), value "Placement". A size of other dots per inch is scaled, and what no
-    /// screen shows any more is moved onto the nearest. nShow: as WinMain gets it; minimised and
-    /// maximised starts are honoured.
+    /// (CUI/Settings.h), value "Placement". A size of other dots per inch is scaled and then kept
+    /// on the screen, what is larger than the screen is cut, and what no screen shows any more is
+    /// moved onto the nearest. nShow: as WinMain gets it; minimised and maximised starts are
+    /// honoured.
     CUI_API void ShowKept(const char *pszSection, int nShow = SW_SHOWNORMAL);
     /// Restores a minimised frame and brings it, or the dialog that it waits for, to the front.
     CUI_API void BringToFront();
@@ -180,7 +181,10 @@ protected:
     /// Files were dropped at a client position. The base opens them, one after the other.
     CUI_API virtual void OnFilesDropped(const CCUString *pFiles, int nFiles, const POINT &point);
     /// Full screen begins or ends: the bars are hidden or shown, the frame is about to be moved.
-    /// What else is not to be seen with them is hidden here; the base does nothing.
+    /// What else is not to be seen with them is hidden here. Drawing is off meanwhile, so that all
+    /// of it is seen in one step: the system takes the frame and what is inside for hidden
+    /// (IsWindowVisible), and shows what is painted here no more than the rest. IsShown tells the
+    /// truth about a window inside. The base does nothing.
     CUI_API virtual void OnFullScreen(bool bFull);
 
     /// Lays out, remembers and gives back the focus, shows help texts, keeps the place, posts the

@@ -3,6 +3,7 @@
 #include "CUI/CommandMap.h"
 #include "CUI/Control.h"
 #include "Window/MnemonicText.h"
+#include "Window/PreTranslation.h"
 
 namespace {
 
@@ -66,7 +67,8 @@ int CUITranslateMnemonic(HWND hParent, const MSG *pMsg)
         return 0;
     // Keys that come quickly leave no time for an idle pass: what the last one has enabled may look
     // disabled yet.
-    CCUICommandMap::IdleUpdate();
+    if (CUIPreTranslation::IsFirst(pMsg))
+        CCUICommandMap::IdleUpdate();
     CSearch search = {
         hParent, CUIUpper(static_cast<char>(pMsg->wParam)), GetFocus(), nullptr, nullptr, 0, false};
     EnumChildWindows(hParent, Visit, reinterpret_cast<LPARAM>(&search));

@@ -115,11 +115,16 @@ bool CUIReadPlacement(const char *pszText, CCUIPlacement &placement)
 void CUIFitPlacement(CCUIPlacement &placement, int nDpi)
 {
     RECT &rect = placement.rect;
+    const bool bGrows = nDpi > placement.nDpi;
     rect.right = rect.left + MulDiv(rect.right - rect.left, nDpi, placement.nDpi);
     rect.bottom = rect.top + MulDiv(rect.bottom - rect.top, nDpi, placement.nDpi);
     placement.nDpi = nDpi;
     const RECT work = CUIScreenOf(rect).work;
-    if (IsWithinReach(rect, work))
+    // What the user has moved partly out of the screen stays there; what has grown out of it does
+    // not, nor what was made on a larger one.
+    const bool bTooLarge =
+        CUIWidth(rect) > CUIWidth(work) || CUIHeight(rect) > CUIHeight(work);
+    if (!bGrows && !bTooLarge && IsWithinReach(rect, work))
         return;
     Fit(rect.left, rect.right, work.left, work.right);
     Fit(rect.top, rect.bottom, work.top, work.bottom);

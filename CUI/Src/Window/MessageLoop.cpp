@@ -9,6 +9,7 @@
 #include "CU/Time.h"
 #include "CUI/CommandMap.h"
 #include "CUI/Window.h"
+#include "Window/PreTranslation.h"
 
 #define CU_SOURCE "Window"
 
@@ -227,8 +228,12 @@ int CCUIWindow::PumpMessage(MSG *pMsg)
     return 1;
 }
 
+const MSG *CUIPreTranslation::s_pMsg;
+bool CUIPreTranslation::s_bAsked;
+
 int CCUIWindow::PerformPreTranslation(MSG *pMsg)
 {
+    const CUIPreTranslation preTranslation(pMsg);
     HWND hWnd = pMsg->hwnd;
     for (int i = 0; hWnd && i < MOST_OWNERS; ++i) {
         CCUIWindow *const pWindow = FromHandle(hWnd);
