@@ -1,8 +1,10 @@
 # Sourced by the commands at the root and the tools: where Windows programs run here, and how.
 # shellcheck shell=bash
-root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
+root=$(cd "${BASH_SOURCE[0]%/*}/.." && pwd)
 export WINEARCH=win32
 export WINEPREFIX="${AUTORUN_WINEPREFIX:-$root/build/wine}"
+# Is there once ./setup has made the prefix; another number has all of them made again.
+wine_mark=$WINEPREFIX/.ready-3
 export WINEDEBUG="${WINEDEBUG:--all}"
 # Without its debugger Wine ends a crashed program at once instead of asking in a dialog; menu
 # entries for the programs under test are not wanted.
