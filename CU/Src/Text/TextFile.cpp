@@ -2,6 +2,7 @@
 
 #include <string.h>
 
+#include "Base/Handle.h"
 #include "Base/SystemLibrary.h"
 #include "CU/File.h"
 #include "Text/Utf.h"
@@ -44,15 +45,14 @@ bool ReadBytes(const char *pszPath, CCUString &sBytes)
 
 bool WriteBytes(const char *pszPath, const CCUString &sBytes)
 {
-    CCUFile file;
-    if (!file.Open(pszPath, CCUFile::modeWrite | CCUFile::modeCreate))
+    const CCUFileHandle file(CreateFileA(pszPath, GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS,
+                                         FILE_ATTRIBUTE_NORMAL, nullptr));
+    const auto nLength = static_cast<DWORD>(sBytes.GetLength());
+    DWORD nWritten = 0;
+    if (!file || !WriteFile(file, sBytes, nLength, &nWritten, nullptr))
         return false;
-    const auto nLength = static_cast<unsigned int>(sBytes.GetLength());
     SetLastError(ERROR_DISK_FULL);  // of a write that is short
-    if (file.Write(sBytes, nLength) != nLength)
-        return false;
-    file.Flush();
-    return true;
+    return nWritten == nLength && FlushFileBuffers(file);
 }
 
 // Wine 8 replaces a file that is read-only without a word.
@@ -67,12 +67,17 @@ bool IsProtected(const char *pszPath)
 }
 
 // A new, empty file in the folder of another one; "" where there can be none.
-CCUString MakeFileBeside(const CCUString &sPath)
+CCUString MakeFileBeside(const char *pszPath)
 {
-    const int nName = sPath.ReverseFind('\\') + 1;
-    const CCUString sFolder = nName ? sPath.Left(nName) : CCUString(".");
-    char szNew[MAX_PATH] = "";
-    return GetTempFileNameA(sFolder, "txt", 0, szNew) ? szNew : "";
+    char szFolder[MAX_PATH] = "", szNew[MAX_PATH] = "";
+    char *pszName = nullptr;
+    // The system knows which of the characters divide a path.
+    if (GetFullPathNameA(pszPath, MAX_PATH, szFolder, &pszName) >= MAX_PATH)
+        SetLastError(ERROR_FILENAME_EXCED_RANGE);
+    if (!pszName)
+        return "";
+    *pszName = '\0';
+    return GetTempFileNameA(szFolder, "txt", 0, szNew) ? szNew : "";
 }
 
 // Puts a file in the place of another one, if there is one, in one step but for Windows 95 and its
@@ -208,6 +213,10 @@ int CCUTextFile::Save(const char *pszPath) const
 {
     if (m_sText.GetLength() > MOST_CHARACTERS) {
         SetLastError(ERROR_NOT_ENOUGH_MEMORY);
+        return 0;
+    }
+    if (!pszPath || !*pszPath) {
+        SetLastError(ERROR_INVALID_NAME);
         return 0;
     }
     if (IsProtected(pszPath))
