@@ -157,6 +157,21 @@ TEST(TextFile, LosesNothingWhenItCannotBeWritten)
             });
         refused(ERROR_DISK_FULL);
     }
+    {
+        const CFakeCall<BOOL(HANDLE)> lost("FlushFileBuffers", [](HANDLE) {
+            return SetLastError(ERROR_WRITE_FAULT), FALSE;
+        });
+        refused(ERROR_WRITE_FAULT);
+    }
+    EXPECT_EQ(0, file.Save(nullptr));
+    EXPECT_EQ(0, file.Save(""));
+    {
+        std::string folder;  // of the new file, until it takes its place
+        const CFakeCall<UINT(LPCSTR, LPCSTR, UINT, LPSTR)> temp(
+            "GetTempFileNameA", [&](LPCSTR pszFolder, auto...) { return folder = pszFolder, 0; });
+        EXPECT_EQ(0, file.Save((texts.Path() + "/a.txt").c_str()));
+        EXPECT_EQ(texts.Path() + "\\", folder);
+    }
     // Windows 95: no step that replaces a file.
     const CFakeCall<BOOL(LPCSTR, LPCSTR, DWORD)> move("MoveFileExA", [](LPCSTR, LPCSTR, DWORD) {
         return SetLastError(ERROR_CALL_NOT_IMPLEMENTED), FALSE;

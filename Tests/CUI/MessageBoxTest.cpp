@@ -145,7 +145,7 @@ TEST(MessageBoxes, IsAsLargeAsItsTextNeedsAndTheScreenAllows)
          {std::string("\"Fox\" was replaced."), words, std::string(900, 'x'), lines})
     {
         CCUIMessageBox box(text.c_str(), "title", MB_YESNOCANCEL | MB_ICONHAND);
-        box.SetDontAsk("size");
+        box.SetDontAsk("size", text == lines ? nullptr : text.c_str());
         Ask(box, [&](HWND hBox) {
             const RECT rect = RectOf(hBox);
             const RECT client = ClientOf(hBox);

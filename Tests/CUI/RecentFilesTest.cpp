@@ -69,6 +69,9 @@ TEST(RecentFiles, ShowInTheMenuOpenAndTellWhatIsGone)
     const std::string items = Open(frame);
     EXPECT_NE(std::string::npos, items.find("...\\")) << items;
     EXPECT_EQ("file.txt|&2 C:\\A && B.txt|", items.substr(items.find("file.txt")));
+    // Of a command that is not its own.
+    EXPECT_STREQ("No files", recent.GetShortTT(5));
+    EXPECT_EQ(CUI_COMMAND_MENU | CUI_COMMAND_TEXT, recent.GetState(5));
     folder.Make("there.txt");
     const std::string there = folder.Path() + "\\there.txt";
     recent.Add(there.c_str());

@@ -134,9 +134,21 @@ TEST(SystemControls, FindItemsAndHoldTextsOfAnyLength)
         many.Send(LB_GETITEMRECT, WPARAM(nItem), &rect);
         EXPECT_TRUE(rect.top >= 0 && rect.bottom <= 60 && many.HitTest({3, rect.top + 1}) == nItem);
     }
+    parent.m_on[WM_MEASUREITEM] = [&] {
+        auto &measure = *reinterpret_cast<MEASUREITEMSTRUCT *>(parent.m_lParam);
+        return measure.itemHeight = measure.itemID < 9 ? 25 : 10, 1L;
+    };
+    CCUIListBox drawn;
+    drawn.CreateControl(parent, 9, nullptr,
+                        CCUIListBox::STYLE | LBS_OWNERDRAWVARIABLE | LBS_HASSTRINGS, &small);
+    for (int i = 0; i < 10; ++i)
+        drawn.AddString("item");
+    drawn.EnsureVisible(9);
+    EXPECT_EQ(8, drawn.GetTopIndex());
     CMade<CCUIEdit> edit(parent, 9, CCUIEdit::STYLE_LINES, "one\r\ntwo");
     edit.Append("\r\nthree");
     EXPECT_STREQ("three", edit.GetLine(2));
+    EXPECT_TRUE(edit.GetLine(3).IsEmpty() && edit.GetLineLength(3) == 0);
     const auto rising = [](LPARAM a, LPARAM b) { return int(a - b); };
     CMade<CCUIListView> list(parent, 7);
     list.SetExtendedStyle(LVS_EX_CHECKBOXES);

@@ -239,6 +239,10 @@ int CCUTextFile::Save(const char *pszPath) const
         SetLastError(ERROR_NOT_ENOUGH_MEMORY);
         return 0;
     }
+    if (!pszPath || !*pszPath) {
+        SetLastError(ERROR_INVALID_NAME);
+        return 0;
+    }
     if (IsProtected(pszPath))
         return 0;
     const CCUString sNew = MakeFileBeside(pszPath);

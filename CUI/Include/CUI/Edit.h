@@ -82,7 +82,8 @@ public:
         InvalidateRect(m_hWnd, nullptr, TRUE);
     }
 
-    /// Lines, as they are wrapped.
+    /// Lines, as they are wrapped; -1: the one of the caret. One that there is not starts at -1 and
+    /// is empty.
     /// @{
     int GetLineCount() const { return Send(EM_GETLINECOUNT); }
     int GetLineOf(int nPosition) const  ///< -1: of the selection's start
@@ -92,7 +93,9 @@ public:
     int GetLineStart(int nLine) const { return Send(EM_LINEINDEX, static_cast<WPARAM>(nLine)); }
     int GetLineLength(int nLine) const
     {
-        return Send(EM_LINELENGTH, static_cast<WPARAM>(GetLineStart(nLine)));
+        // Of -1 the message tells something else: what is not selected around the selection.
+        const int nStart = GetLineStart(nLine);
+        return nStart < 0 ? 0 : Send(EM_LINELENGTH, static_cast<WPARAM>(nStart));
     }
     CCUString GetLine(int nLine) const
     {

@@ -43,10 +43,10 @@ enum : unsigned long
     /// the one to the other: with the mouse, or with the arrow keys, Home and End when it has the
     /// focus. Escape puts back, and so does losing the mouse.
     CUI_PLACE_SPLITTER = 0x100,
-    CUI_PLACE_KEEP =
-        0x200,  ///< hidden, the child keeps its place; otherwise it gives it back
-                /// The child is asked with CUI_WM_NATURALSIZE. Its fixed size becomes what it
-                /// answers, if that is more, and its size across too, unless it fills.
+    /// Hidden, the child keeps its place; otherwise it gives it back.
+    CUI_PLACE_KEEP = 0x200,
+    /// The child is asked with CUI_WM_NATURALSIZE. Its fixed size becomes what it answers, if that
+    /// is more, and its size across too, unless it fills.
     CUI_PLACE_FIT = 0x400
     /// @}
 };

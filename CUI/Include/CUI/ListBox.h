@@ -89,15 +89,19 @@ public:
     /// Scrolls no further than it must.
     void EnsureVisible(int nItem)
     {
-        RECT rect, client;
+        RECT rect = {}, client = {};
         if (Send(LB_GETITEMRECT, static_cast<WPARAM>(nItem), &rect) == LB_ERR)
             return;
         GetClientRect(m_hWnd, &client);
-        const int nSeen = (client.bottom - client.top) / (rect.bottom - rect.top);
-        if (rect.top < client.top || nSeen < 1)
-            SetTopIndex(nItem);
-        else if (rect.bottom > client.bottom)
-            SetTopIndex(nItem - nSeen + 1);
+        int nTop = nItem;
+        if (rect.bottom > client.bottom) {
+            // Items that the program draws may differ in height.
+            LRESULT nRoom = client.bottom - (rect.bottom - rect.top);
+            while (nTop > 0 && (nRoom -= Send(LB_GETITEMHEIGHT, static_cast<WPARAM>(nTop - 1))) >= 0)
+                --nTop;
+        }
+        if (rect.top < client.top || rect.bottom > client.bottom)
+            SetTopIndex(nTop);
     }
     /// The item at a point of the client area; -1: none.
     int HitTest(const POINT &point) const

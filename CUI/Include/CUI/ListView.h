@@ -151,7 +151,7 @@ public:
         SetState(nItem, INDEXTOSTATEIMAGEMASK(bCheck ? 2U : 1U), LVIS_STATEIMAGEMASK);
     }
     /// @}
-    /// Scrolls, and in a tree expands, no further than it must for the item to be seen.
+    /// Scrolls no further than it must for the item to be seen.
     void EnsureVisible(int nItem) { Send(LVM_ENSUREVISIBLE, static_cast<WPARAM>(nItem), FALSE); }
     void Update(int nItem) { Send(LVM_UPDATE, static_cast<WPARAM>(nItem)); }  ///< repaints it
     /// The first item behind nAfter whose text is that one, or begins with it, or whose data are

@@ -145,8 +145,9 @@ void CArrangement::MeasureCheck()
     const int nMark = GetSystemMetrics(SM_CXMENUCHECK) + m_gap.cx;
     const int nRoom = CUISmaller(Units(280, 0).cx, m_most.cx - m_nColumn) - nMark;
     m_check = Measure(m_content.CheckText(), nRoom, DT_WORDBREAK);
-    m_check.cx += nMark;
-    m_check.cy = CUILarger(m_check.cy + 2, Units(0, 10).cy);
+    // A long word sticks out of its line. What the screen has no room for is cut off.
+    m_check.cx = CUISmaller(m_check.cx, m_most.cx - m_nColumn - nMark) + nMark;
+    m_check.cy = CUISmaller(CUILarger(m_check.cy + 2, Units(0, 10).cy), m_most.cy / 4);
 }
 
 // Lines of a length that reads well; longer ones, if that would fill half of the screen.

@@ -197,7 +197,7 @@ void CCUIRecentFiles::FillMenu(HMENU hMenu)
 
 unsigned short CCUIRecentFiles::GetState(unsigned int nID)
 {
-    if (static_cast<int>(nID - m_nID) < m_nFiles)
+    if (!GetFile(static_cast<int>(nID - m_nID)).IsEmpty())
         return CUI_COMMAND_MENU | CUI_COMMAND_ACTIVE | CUI_COMMAND_TEXT;
     return m_sNone.IsEmpty() ? CUI_COMMAND_MENU : CUI_COMMAND_MENU | CUI_COMMAND_TEXT;
 }
@@ -205,12 +205,13 @@ unsigned short CCUIRecentFiles::GetState(unsigned int nID)
 CCUString CCUIRecentFiles::GetShortTT(unsigned int nID)
 {
     const int nIndex = static_cast<int>(nID - m_nID);
-    if (nIndex >= m_nFiles)
+    const CCUString sPath = GetFile(nIndex);
+    if (sPath.IsEmpty())
         return m_sNone;
     const int nNumber = nIndex + 1;
     CCUString sNumber;
     sNumber.Format(nNumber < TEN ? "&%d " : nNumber == TEN ? "1&0 " : "%d ", nNumber);
-    return sNumber + Literal(Shortened(m_files[nIndex]));
+    return sNumber + Literal(Shortened(sPath));
 }
 
 CCUString CCUIRecentFiles::GetLongTT(unsigned int nID)
