@@ -31,7 +31,10 @@ def wait_for(condition, what):
 def state_of_screen():
     picture = BUILD / f"Tests/failed-{os.getpid()}.png"
     ImageGrab.grab(xdisplay="").save(picture)
-    return f"{picture} shows the screen, the focus has {xdotool('getwindowfocus', 'getwindowname')!r}"
+    programs = "".join(line for line in output_of("ps", "-eo", "pid,stat,etime,time,wchan:20,args")
+                       .splitlines(keepends=True) if ".exe" in line)
+    return (f"{picture} shows the screen, the focus has "
+            f"{xdotool('getwindowfocus', 'getwindowname')!r}; programs:\n{programs}")
 
 
 def windows_path(path):

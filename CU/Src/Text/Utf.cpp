@@ -76,8 +76,8 @@ int PieceLength(const wchar_t *p, const wchar_t *pEnd)
     return nLast >= HIGH_UNIT && nLast < LOW_UNIT ? MOST_UNITS - 1 : MOST_UNITS;
 }
 
-// How many units are others when they come back from the code page: some of what it lacks becomes what
-// looks like it, and no system before Windows 98 and 2000 can be asked to do otherwise.
+// How many units are others when they come back from the code page: some of what it lacks becomes
+// what looks like it, and no system before Windows 98 and 2000 can be asked to do otherwise.
 int CountLost(const wchar_t *p, int nUnits, const char *pBytes, int nBytes)
 {
     wchar_t back[MOST_UNITS];
