@@ -64,7 +64,7 @@ CU_NOINLINE inline bool CUBeginOnce(volatile LONG &nState)
 // off: see cmake/Options.cmake.)
 //
 // Not for work that a crash report needs, nor where a thread that waits may hold the loader's lock
-// and the one that works needs it. There, all threads that meet do the work, with the same result.
+// and the one that works needs it: see CUOnceWithoutWait.
 template <typename F>
 inline void CUOnce(volatile LONG &nState, F make)
 {
@@ -73,6 +73,17 @@ inline void CUOnce(volatile LONG &nState, F make)
         return;
     make();
     InterlockedExchange(&nState, CUOnceDone);
+}
+
+// The same where nobody may wait: threads that meet all do the work, with the same result. None
+// reads it before it is whole. nMade is plain static data, 0 at first.
+template <typename F>
+inline void CUOnceWithoutWait(volatile LONG &nMade, F make)
+{
+    if (CULoadAcquire(nMade))
+        return;
+    make();
+    InterlockedExchange(&nMade, 1);
 }
 
 // Counts the threads that are inside of something, each with a CInside on its stack: who gives that

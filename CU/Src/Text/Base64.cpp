@@ -3,6 +3,7 @@
 #include <limits.h>
 #include <string.h>
 
+#include "Base/Atomic.h"
 #include "CU/String.h"
 
 namespace {
@@ -31,20 +32,19 @@ void PutGroup(char *pch, unsigned int nGroup)
 // The two characters for each 12 bits. Made when a long text first needs them, to keep the
 // program's file small. Threads that do so at the same time write the same.
 unsigned short s_pairs[4096];
-volatile LONG s_bPairsMade = 0;
+volatile LONG s_nPairsMade = 0;
 
 // From this length on the pairs are worth making.
 const int LONG_TEXT = 256;
 
 void MakePairs()
 {
-    if (s_bPairsMade)
-        return;
-    for (unsigned int n = 0; n < 4096; ++n) {
-        const char pair[] = {Letter(n, 6), Letter(n, 0)};
-        memcpy(&s_pairs[n], pair, sizeof pair);
-    }
-    InterlockedExchange(&s_bPairsMade, 1);
+    CUOnceWithoutWait(s_nPairsMade, [] {
+        for (unsigned int n = 0; n < 4096; ++n) {
+            const char pair[] = {Letter(n, 6), Letter(n, 0)};
+            memcpy(&s_pairs[n], pair, sizeof pair);
+        }
+    });
 }
 
 // The bytes of a word in the other order; the compilers make one instruction of it.
@@ -79,24 +79,24 @@ void PutGroupsByPairs(char *&pOut, const char *&p, const char *pEnd)
 // a group. SKIPPED for characters outside of the alphabet. Made when first needed, as the pairs
 // are.
 unsigned int s_values[4][256];
-volatile LONG s_bValuesMade = 0;
+volatile LONG s_nValuesMade = 0;
 
 const unsigned int SKIPPED = 0xFF000000;
 
 void MakeValues()
 {
-    if (s_bValuesMade)
-        return;
-    // Each word is written just once, with its final value: another thread may have made them all
-    // and be reading.
-    for (unsigned int ch = 0; ch < 256; ++ch) {
-        unsigned int nValue = 0;
-        while (nValue < 64 && static_cast<unsigned char>(ALPHABET[nValue]) != ch)
-            ++nValue;
-        for (int nPlace = 0; nPlace < 4; ++nPlace)
-            s_values[nPlace][ch] = nValue < 64 ? SwapBytes(nValue << (26 - 6 * nPlace)) : SKIPPED;
-    }
-    InterlockedExchange(&s_bValuesMade, 1);
+    CUOnceWithoutWait(s_nValuesMade, [] {
+        // Each word is written just once, with its final value: another thread may have made them
+        // all and be reading.
+        for (unsigned int ch = 0; ch < 256; ++ch) {
+            unsigned int nValue = 0;
+            while (nValue < 64 && static_cast<unsigned char>(ALPHABET[nValue]) != ch)
+                ++nValue;
+            for (int nPlace = 0; nPlace < 4; ++nPlace)
+                s_values[nPlace][ch] =
+                    nValue < 64 ? SwapBytes(nValue << (26 - 6 * nPlace)) : SKIPPED;
+        }
+    });
 }
 
 // Whole groups of four, up to the first one with a character that is skipped; moves both places on.

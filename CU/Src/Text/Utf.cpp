@@ -1,12 +1,9 @@
 #include "Text/Utf.h"
 
+#include "Base/Utf8.h"
+
 namespace {
 
-const unsigned int FIRST_PAIR = 0x10000;  // from here on UTF-16 has two units for a character
-const unsigned int HIGH_UNIT = 0xD800;
-const unsigned int LOW_UNIT = 0xDC00;
-const unsigned int END_OF_UNITS = 0xE000;
-const unsigned int END_OF_CHARACTERS = 0x110000;
 const int MOST_UNITS = 1024;
 
 const wchar_t *UnitsOf(const CCUString &sWide)
@@ -19,39 +16,18 @@ int CountUnits(const CCUString &sWide)
     return sWide.GetLength() / static_cast<int>(sizeof(wchar_t));
 }
 
-// The character at p, and the one behind it in p; END_OF_CHARACTERS where there is none in UTF-8.
-unsigned int TakeUtf8(const unsigned char *&p, const unsigned char *pEnd)
-{
-    const unsigned int nFirst = *p++;
-    if (nFirst < 0x80)
-        return nFirst;
-    const int nMore = nFirst >= 0xF0 ? 3 : nFirst >= 0xE0 ? 2 : 1;
-    if (nFirst < 0xC0 || nFirst >= 0xF8 || pEnd - p < nMore)
-        return END_OF_CHARACTERS;
-    unsigned int nChar = nFirst & (0x3Fu >> nMore);
-    for (int i = 0; i < nMore; ++i, ++p) {
-        if ((*p & 0xC0) != 0x80)
-            return END_OF_CHARACTERS;
-        nChar = nChar << 6 | (*p & 0x3Fu);
-    }
-    // Neither longer than it has to be, nor one unit of a pair.
-    static const unsigned int LEAST[] = {0, 0x80, 0x800, FIRST_PAIR};
-    const bool bUnit = nChar >= HIGH_UNIT && nChar < END_OF_UNITS;
-    return nChar < LEAST[nMore] || bUnit ? END_OF_CHARACTERS : nChar;
-}
-
 unsigned int TakeUtf16(const wchar_t *&p, const wchar_t *pEnd)
 {
     const unsigned int nFirst = *p++;
-    if (nFirst < HIGH_UNIT || nFirst >= LOW_UNIT || p == pEnd || *p < LOW_UNIT ||
-        *p >= END_OF_UNITS)
+    if (nFirst < CU_HIGH_UNIT || nFirst >= CU_LOW_UNIT || p == pEnd || *p < CU_LOW_UNIT ||
+        *p >= CU_END_OF_UNITS)
         return nFirst;
-    return FIRST_PAIR + ((nFirst - HIGH_UNIT) << 10) + (*p++ - LOW_UNIT);
+    return CU_FIRST_PAIR + ((nFirst - CU_HIGH_UNIT) << 10) + (*p++ - CU_LOW_UNIT);
 }
 
 int LengthInUtf8(unsigned int nChar)
 {
-    return nChar < 0x80 ? 1 : nChar < 0x800 ? 2 : nChar < FIRST_PAIR ? 3 : 4;
+    return nChar < 0x80 ? 1 : nChar < 0x800 ? 2 : nChar < CU_FIRST_PAIR ? 3 : 4;
 }
 
 char *PutUtf8(char *p, unsigned int nChar)
@@ -73,7 +49,7 @@ int PieceLength(const wchar_t *p, const wchar_t *pEnd)
     if (pEnd - p <= MOST_UNITS)
         return static_cast<int>(pEnd - p);
     const wchar_t nLast = p[MOST_UNITS - 1];
-    return nLast >= HIGH_UNIT && nLast < LOW_UNIT ? MOST_UNITS - 1 : MOST_UNITS;
+    return nLast >= CU_HIGH_UNIT && nLast < CU_LOW_UNIT ? MOST_UNITS - 1 : MOST_UNITS;
 }
 
 // How many units are others when they come back from the code page: some of what it lacks becomes
@@ -95,8 +71,8 @@ bool CUIsUtf8(const CCUString &sBytes)
     bool bAscii = true;
     const auto *p = reinterpret_cast<const unsigned char *>(sBytes.GetString());
     for (const unsigned char *const pEnd = p + sBytes.GetLength(); p < pEnd;) {
-        const unsigned int nChar = TakeUtf8(p, pEnd);
-        if (nChar >= END_OF_CHARACTERS)
+        const unsigned int nChar = CUTakeUtf8(p, pEnd);
+        if (nChar >= CU_END_OF_CHARACTERS)
             return false;
         bAscii = bAscii && nChar < 0x80;
     }
@@ -110,10 +86,10 @@ CCUString CUUtf8To16(const CCUString &sBytes)
     wchar_t *pTo = pFirst;
     const auto *p = reinterpret_cast<const unsigned char *>(sBytes.GetString());
     for (const unsigned char *const pEnd = p + sBytes.GetLength(); p < pEnd;) {
-        unsigned int nChar = TakeUtf8(p, pEnd);
-        if (nChar >= FIRST_PAIR) {
-            *pTo++ = static_cast<wchar_t>(HIGH_UNIT + ((nChar - FIRST_PAIR) >> 10));
-            nChar = LOW_UNIT + (nChar & 0x3FF);
+        unsigned int nChar = CUTakeUtf8(p, pEnd);
+        if (nChar >= CU_FIRST_PAIR) {
+            *pTo++ = static_cast<wchar_t>(CU_HIGH_UNIT + ((nChar - CU_FIRST_PAIR) >> 10));
+            nChar = CU_LOW_UNIT + (nChar & 0x3FF);
         }
         *pTo++ = static_cast<wchar_t>(nChar);
     }

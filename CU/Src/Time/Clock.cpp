@@ -55,20 +55,17 @@ double CounterSeconds()
 long long CUEpochTicks()
 {
     static long long s_nEpoch;
-    static volatile LONG s_bKnown;
-    if (!s_bKnown) {
+    static volatile LONG s_nKnown;
+    // A crash report asks for the time, and must not wait for a thread that stands still in here.
+    CUOnceWithoutWait(s_nKnown, [] {
         SYSTEMTIME epoch = {};
         epoch.wYear = 1970;
         epoch.wMonth = 1;
         epoch.wDay = 1;
         FILETIME file = {};
         SystemTimeToFileTime(&epoch, &file);
-        // Not by CUOnce: a crash report asks for the time, and must not wait for a thread that
-        // stands still in here. Threads that meet write the same, and none reads before it is
-        // whole.
         s_nEpoch = CUFileTimeToTicks(file);
-        InterlockedExchange(&s_bKnown, 1);
-    }
+    });
     return s_nEpoch;
 }
 

@@ -1,6 +1,5 @@
 #include "Window/WindowMap.h"
 
-#include "Base/Lock.h"
 #include "CU/Prober.h"
 #include "Window/WindowThread.h"
 
@@ -12,7 +11,6 @@ CUIWindowSlot s_firstSlots[1u << FIRST_BITS];
 CUIWindowTable s_first = {(1u << FIRST_BITS) - 1, 32 - FIRST_BITS, s_firstSlots, nullptr};
 
 unsigned s_nUsed;  // slots with a handle; under the lock
-CCULazyLock s_lock;
 
 long Windows(void *)
 {
@@ -113,16 +111,6 @@ void FreeIf(IsGone isGone)
 CCUAtomic<CUIWindowTable *> CUIWindowTable::s_pCurrent(&s_first);
 CCUAtomic<unsigned> CUIWindowTable::s_nChanges;
 
-CUIWindowMapLock::CUIWindowMapLock()
-{
-    s_lock.Enter();
-}
-
-CUIWindowMapLock::~CUIWindowMapLock()
-{
-    s_lock.Leave();
-}
-
 uintptr_t CUIWindowMapReadLocked(HWND hWnd)
 {
     const CUIWindowMapLock lock;
@@ -139,9 +127,26 @@ bool CUIWindowMapGet(HWND hWnd, CUIWindowBinding &binding)
     return true;
 }
 
+// All bindings of the thread.
+static void RemoveThread(const CUIWindowThread *pThread)
+{
+    const CChange change;
+    FreeIf([=](const CUIWindowSlot &slot) { return slot.pThread.Get() == pThread; });
+}
+
+static LRESULT CALLBACK WatchProc(int nCode, WPARAM wParam, LPARAM lParam)
+{
+    const HHOOK hWatch = CUIWindowThread::Current().GetWatch();
+    const LRESULT result = CallNextHookEx(hWatch, nCode, wParam, lParam);
+    if (nCode == HCBT_DESTROYWND && !result)
+        CUIWindowMapDoubt(reinterpret_cast<HWND>(wParam));
+    return result;
+}
+
 void CUIWindowMapSet(HWND hWnd, const CUIWindowBinding &binding)
 {
     CUIWindowThread &thread = CUIWindowThread::Current();
+    CUIWindowThread::s_forget = RemoveThread;
     {
         const CChange change;
         thread.Bind();
@@ -156,7 +161,7 @@ void CUIWindowMapSet(HWND hWnd, const CUIWindowBinding &binding)
     }
     // Only now: another thread may have removed this thread's last binding until here, and with it
     // the watch.
-    thread.Watch();
+    thread.Watch(WatchProc);
 }
 
 void CUIWindowMapRemove(HWND hWnd)
@@ -198,10 +203,4 @@ void CUIWindowMapDoubt(HWND hWnd)
             slot.Doubt();
         return (slot.nWindow.Get() & CUIWindowSlot::DOUBTED) && !IsWindow(hSlot);
     });
-}
-
-void CUIWindowMapRemoveThread(const CUIWindowThread *pThread)
-{
-    const CChange change;
-    FreeIf([=](const CUIWindowSlot &slot) { return slot.pThread.Get() == pThread; });
 }

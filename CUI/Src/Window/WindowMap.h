@@ -109,15 +109,3 @@ void CUIWindowMapRemoveDoubted(HWND hWnd, const CCUIWindow *pWindow);
 // one: their bindings are doubted from now on. Bindings that were doubted before are removed where
 // the window has gone.
 void CUIWindowMapDoubt(HWND hWnd);
-// Removes all bindings of the thread.
-void CUIWindowMapRemoveThread(const CUIWindowThread *pThread);
-
-// Keeps others from changing the map, and the threads' records.
-class CUIWindowMapLock
-{
-public:
-    CUIWindowMapLock();
-    ~CUIWindowMapLock();
-    CUIWindowMapLock(const CUIWindowMapLock &) = delete;
-    CUIWindowMapLock &operator=(const CUIWindowMapLock &) = delete;
-};

@@ -1,13 +1,26 @@
 #include "Window/WindowThread.h"
 
+#include "Base/Lock.h"
 #include "Base/Module.h"
-#include "Window/WindowMap.h"
 
 namespace {
 
-CUIWindowThread *s_pFirstThread;  // under the map's lock
+CCULazyLock s_lock;
+CUIWindowThread *s_pFirstThread;  // under the lock
 
 }  // namespace
+
+void (*volatile CUIWindowThread::s_forget)(const CUIWindowThread *pThread);
+
+CUIWindowMapLock::CUIWindowMapLock()
+{
+    s_lock.Enter();
+}
+
+CUIWindowMapLock::~CUIWindowMapLock()
+{
+    s_lock.Leave();
+}
 
 CUIWindowThread::CUIWindowThread(DWORD nThread)
     : m_pHookWin(nullptr),
@@ -52,7 +65,8 @@ void CUIWindowThread::OnThreadExit(bool)
     // A module that is unloaded needs the records until CUIUnloadWindows deletes them all.
     if (g_moduleEnd == CUModuleUnloads)
         return;
-    CUIWindowMapRemoveThread(this);
+    if (s_forget)
+        s_forget(this);
     {
         const CUIWindowMapLock lock;
         Disarm();
@@ -83,10 +97,10 @@ void CUIWindowThread::Disarm()
     m_pHookWin.Set(nullptr);
 }
 
-void CUIWindowThread::Watch()
+void CUIWindowThread::Watch(HOOKPROC watchProc)
 {
     if (!m_hWatch)
-        m_hWatch = SetWindowsHookExA(WH_CBT, WatchProc, nullptr, m_nThread);
+        m_hWatch = SetWindowsHookExA(WH_CBT, watchProc, nullptr, m_nThread);
 }
 
 void CUIWindowThread::Unbind()
@@ -95,12 +109,4 @@ void CUIWindowThread::Unbind()
         return;
     UnhookWindowsHookEx(m_hWatch);
     m_hWatch = nullptr;
-}
-
-LRESULT CALLBACK CUIWindowThread::WatchProc(int nCode, WPARAM wParam, LPARAM lParam)
-{
-    const LRESULT result = CallNextHookEx(Current().m_hWatch, nCode, wParam, lParam);
-    if (nCode == HCBT_DESTROYWND && !result)
-        CUIWindowMapDoubt(reinterpret_cast<HWND>(wParam));
-    return result;
 }

@@ -5,8 +5,8 @@
 #include "CUI/Window.h"
 
 // What is kept for a thread with windows, from its first one to its end: the object that waits for
-// its window, and the hook that hears of windows that are destroyed. The other half of the window
-// map, under the same lock. The records are a list that is searched by the thread's number: of
+// its window, and the hook by which the window map hears of windows that are destroyed. Under one
+// lock with the map. The records are a list that is searched by the thread's number: of
 // thread-local slots, the other way, NT 4 has 64 a process, and they may be used up.
 class CUIWindowThread : public CCUThreadExitHandler
 {
@@ -24,19 +24,32 @@ public:
     void Disarm();
     // For the map: a thread's windows are watched while any of them is bound. Bind and Unbind count
     // them, under the lock.
-    void Watch();
+    void Watch(HOOKPROC watchProc);
+    HHOOK GetWatch() const { return m_hWatch; }
     void Bind() { ++m_nBound; }
     void Unbind();
 
     CCUAtomic<CCUIWindow *> m_pHookWin;  // waits for its window
     HHOOK m_hNextHook;                   // the creation hook
 
+    // Removes a thread's windows from the map; null before there is one in it.
+    static void (*volatile s_forget)(const CUIWindowThread *pThread);
+
 private:
     explicit CUIWindowThread(DWORD nThread);
-    static LRESULT CALLBACK WatchProc(int nCode, WPARAM wParam, LPARAM lParam);
 
     const DWORD m_nThread;
     CUIWindowThread *m_pNext;
     int m_nBound;
     HHOOK m_hWatch;  // null: no window is bound, or the system has refused the hook
+};
+
+// Keeps others from changing the map, and the threads' records.
+class CUIWindowMapLock
+{
+public:
+    CUIWindowMapLock();
+    ~CUIWindowMapLock();
+    CUIWindowMapLock(const CUIWindowMapLock &) = delete;
+    CUIWindowMapLock &operator=(const CUIWindowMapLock &) = delete;
 };

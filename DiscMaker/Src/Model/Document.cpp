@@ -271,17 +271,7 @@ void CDocument::SetAll(const CSkin &skin)
             continue;
         SkinPart part = EntryPart(0);
         part.m_nLanguage = i;
-        const std::map<UINT, CWideText> old = m_skin.m_texts[i].m_entries;
-        const std::map<UINT, CWideText> &entries = pTexts->m_entries;
-        for (const auto &entry : old) {
-            part.m_nID = entry.first;
-            if (!entries.count(entry.first))
-                SetText(part, nullptr);
-        }
-        for (const auto &entry : entries) {
-            part.m_nID = entry.first;
-            SetText(part, &entry.second);
-        }
+        SetTexts(part, &SkinPart::m_nID, m_skin.m_texts[i].m_entries, pTexts->m_entries);
     }
     for (int i = 0; i < PictureCount; ++i)
         SetPicture(static_cast<SkinPicture>(i), skin.m_pictures[i]);
@@ -295,14 +285,26 @@ void CDocument::SetVersions(const std::map<CWideText, CWideText> &texts)
         return;
     SkinPart part;
     part.m_kind = SkinPart::Version;
-    const std::map<CWideText, CWideText> old = m_skin.m_version;
+    SetTexts(part, &SkinPart::m_name, m_skin.m_version, texts);
+}
+
+// Puts these texts in the place of the old ones, which are the skin's own and change meanwhile.
+template <typename Key>
+void CDocument::SetTexts(const SkinPart &kind, Key SkinPart::*pKey,
+                         const std::map<Key, CWideText> &old, const std::map<Key, CWideText> &texts)
+{
+    SkinPart part = kind;
+    std::vector<Key> gone;
     for (const auto &text : old) {
-        part.m_name = text.first;
         if (!texts.count(text.first))
-            SetText(part, nullptr);
+            gone.push_back(text.first);
+    }
+    for (const Key &key : gone) {
+        part.*pKey = key;
+        SetText(part, nullptr);
     }
     for (const auto &text : texts) {
-        part.m_name = text.first;
+        part.*pKey = text.first;
         SetText(part, &text.second);
     }
 }

@@ -96,6 +96,9 @@ private:
     void CutStep();
     void SetBlob(const SkinPart &part, const CBlob &blob);
     void SetVersions(const std::map<CWideText, CWideText> &texts);
+    template <typename Key>
+    void SetTexts(const SkinPart &kind, Key SkinPart::*pKey, const std::map<Key, CWideText> &old,
+                  const std::map<Key, CWideText> &texts);
     void Tell(const SkinPart *pPart);
 
     CDocumentWatcher *m_pWatcher;

@@ -2,6 +2,8 @@
 
 #include <stdio.h>
 
+#include "Base/Utf8.h"
+
 namespace {
 
 const WCHAR LAST_ASCII = 0x7F;
@@ -155,18 +157,12 @@ void AppendEscaped(CScriptChars &chars, WCHAR ch)
 bool IsUtf8(const CByteView &bytes, bool *pMany)
 {
     bool bMany = false;
-    for (size_t i = 0; i < bytes.Size();) {
-        const BYTE nLead = bytes.Byte(i++);
-        if (nLead <= LAST_ASCII)
-            continue;
-        const int nMore = nLead >= 0xF0 ? 3 : nLead >= 0xE0 ? 2 : 1;
-        if (nLead < 0xC2 || nLead > 0xF4 || !bytes.Has(i, static_cast<size_t>(nMore)))
+    const BYTE *p = bytes.Data();
+    for (const BYTE *const pEnd = p + bytes.Size(); p < pEnd;) {
+        const unsigned int nChar = CUTakeUtf8(p, pEnd);
+        if (nChar >= CU_END_OF_CHARACTERS)
             return false;
-        for (int j = 0; j < nMore; ++j) {
-            if ((bytes.Byte(i++) & 0xC0) != 0x80)
-                return false;
-        }
-        bMany = true;
+        bMany = bMany || nChar > LAST_ASCII;
     }
     if (pMany)
         *pMany = bMany;
