@@ -123,9 +123,8 @@ TEST(TextFile, LosesNothingWhenItCannotBeWritten)
         refused(ERROR_DISK_FULL);
     }
     {
-        const CFakeCall<BOOL(HANDLE)> lost("FlushFileBuffers", [](HANDLE) {
-            return SetLastError(ERROR_WRITE_FAULT), FALSE;
-        });
+        const CFakeCall<BOOL(HANDLE)> lost(
+            "FlushFileBuffers", [](HANDLE) { return SetLastError(ERROR_WRITE_FAULT), FALSE; });
         refused(ERROR_WRITE_FAULT);
     }
     EXPECT_EQ(0, file.Save(nullptr));

@@ -97,7 +97,8 @@ public:
         if (rect.bottom > client.bottom) {
             // Items that the program draws may differ in height.
             LRESULT nRoom = client.bottom - (rect.bottom - rect.top);
-            while (nTop > 0 && (nRoom -= Send(LB_GETITEMHEIGHT, static_cast<WPARAM>(nTop - 1))) >= 0)
+            while (nTop > 0 &&
+                   (nRoom -= Send(LB_GETITEMHEIGHT, static_cast<WPARAM>(nTop - 1))) >= 0)
                 --nTop;
         }
         if (rect.top < client.top || rect.bottom > client.bottom)
