@@ -192,7 +192,8 @@ private:
     // Once after each turn of the message loop, and so for one of the commands.
     void HandleUpdate(unsigned nID) override
     {
-        static const char *const ENCODINGS[] = {"ANSI", "UTF-8", "UTF-8 with a mark", "UTF-16"};
+        static const char *const ENCODINGS[] = {"ANSI", "UTF-8", "UTF-8 with a mark", "UTF-16",
+                                                "UTF-16, big-endian"};
         static const char *const LINE_ENDS[] = {"CR LF", "LF", "CR", "mixed line ends"};
         if (nID != ID_NEW)
             return;

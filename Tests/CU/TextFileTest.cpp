@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <fstream>
 #include <sstream>
 #include <string>
@@ -9,6 +10,8 @@
 #include "CU/TextFile.h"
 #include "Support/ImportHook.h"
 #include "Support/TemporaryDirectory.h"
+
+using namespace std::string_literals;
 
 namespace {
 
@@ -46,6 +49,11 @@ struct CTexts : CTemporaryDirectory
     }
 };
 
+BOOL WINAPI BreakOff(LPCSTR pszPath, LPCSTR, LPCSTR pszOld, DWORD, void *, void *)
+{
+    return DeleteFileA(pszOld) && MoveFileA(pszPath, pszOld) && FALSE;
+}
+
 }  // namespace
 
 TEST(TextFile, WritesAFileAsItWas)
@@ -66,7 +74,10 @@ TEST(TextFile, WritesAFileAsItWas)
          all + "\r\n\r\n" + std::string("a\0b", 3)},
         {"\xC3\xB6\r\r", CCUTextFile::Utf8, CCUTextFile::Cr, "\xF6\r\n\r\n"},
         {"\xEF\xBB\xBFx\r\n\xE2\x82\xAC", CCUTextFile::Utf8Mark, CCUTextFile::CrLf, "x\r\n\x80"},
-        {std::string("\xFF\xFE\xAC\x20\n\0", 6), CCUTextFile::Utf16, CCUTextFile::Lf, "\x80\r\n"}};
+        {std::string("\xFF\xFE\xAC\x20\n\0", 6), CCUTextFile::Utf16, CCUTextFile::Lf, "\x80\r\n"},
+        {std::string("\xFE\xFF\x20\xAC\0\n", 6), CCUTextFile::Utf16Big, CCUTextFile::Lf,
+         "\x80\r\n"},
+        {"\xFE\xFFx", CCUTextFile::Ansi, CCUTextFile::CrLf, "\xFE\xFFx"}};
     for (const auto &file : FILES) {
         const CCUTextFile read = texts.Load(file.bytes);
         EXPECT_EQ(file.encoding, read.GetEncoding()) << file.text;
@@ -89,6 +100,12 @@ TEST(TextFile, KnowsUtf8AndWhatTheCodePageLacks)
           "\xF8\x88\x80\x80\x80", "\xE2\x82", "\xC3\xB6\xFF"})
         EXPECT_EQ(CCUTextFile::Ansi, texts.Load(bytes).GetEncoding()) << bytes;
     EXPECT_EQ(5, texts.Load("a\xCE\xB1\xF0\x9F\x98\x80\xE2\x86\x92\xEF\xBF\xBD").GetLostCount());
+    // More than is converted at a time; half a pair at the end.
+    std::string units = "\xFF\xFE"s;
+    for (int i = 0; i < 2000; ++i)
+        units += "A\0\xB1\x03"s;
+    const CCUTextFile greek = texts.Load(units + "\x3D\xD8"s);
+    EXPECT_TRUE(greek.GetLostCount() == 2001 && greek.GetText().GetLength() == 4001);
     // Every character of the code page, as the system writes it.
     CCUTextFile file;
     for (int i = 1; i < 256; ++i)
@@ -116,6 +133,24 @@ TEST(TextFile, LosesNothingWhenItCannotBeWritten)
     refused(ERROR_ACCESS_DENIED);
     SetFileAttributesA(texts.path.c_str(), FILE_ATTRIBUTE_NORMAL);
     {
+        const std::ifstream open(texts.path);
+        refused(ERROR_ACCESS_DENIED);
+    }
+    {
+        const CFakeCall<BOOL(HANDLE)> flush(
+            "FlushFileBuffers", [](HANDLE) { return SetLastError(ERROR_HANDLE_DISK_FULL), 0; });
+        refused(ERROR_HANDLE_DISK_FULL);
+    }
+    // A system's call that has moved the old file away when the new one cannot be moved.
+    {
+        const CFakeCall<FARPROC(HMODULE, LPCSTR)> find(
+            "GetProcAddress", [](HMODULE, LPCSTR) { return reinterpret_cast<FARPROC>(BreakOff); });
+        const CFakeCall<BOOL(LPCSTR, LPCSTR, DWORD)> move("MoveFileExA", [](LPCSTR, LPCSTR, DWORD) {
+            return SetLastError(ERROR_ACCESS_DENIED), FALSE;
+        });
+        refused(ERROR_ACCESS_DENIED);
+    }
+    {
         const CFakeCall<BOOL(HANDLE, LPCVOID, DWORD, LPDWORD, LPOVERLAPPED)> full(
             "WriteFile", [](HANDLE, LPCVOID, DWORD, LPDWORD pWritten, LPOVERLAPPED) {
                 return *pWritten = 1, TRUE;
@@ -126,8 +161,22 @@ TEST(TextFile, LosesNothingWhenItCannotBeWritten)
     const CFakeCall<BOOL(LPCSTR, LPCSTR, DWORD)> move("MoveFileExA", [](LPCSTR, LPCSTR, DWORD) {
         return SetLastError(ERROR_CALL_NOT_IMPLEMENTED), FALSE;
     });
+    SetFileAttributesA(texts.path.c_str(), FILE_ATTRIBUTE_HIDDEN);
     EXPECT_EQ("new", texts.Save(file));
+    EXPECT_TRUE(GetFileAttributesA(texts.path.c_str()) & FILE_ATTRIBUTE_HIDDEN);
     EXPECT_EQ(1, texts.CountFiles());
+    // However the path is written, what is new is made beside it. Longer than all memory.
+    std::string slashes = texts.path, folder;
+    std::replace(slashes.begin(), slashes.end(), '\\', '/');
+    const CFakeCall<UINT(LPCSTR, LPCSTR, UINT, LPSTR)> temp(
+        "GetTempFileNameA", [&](LPCSTR pszFolder, LPCSTR pszPrefix, UINT nUnique, LPSTR pszNew) {
+            return folder = pszFolder, temp.Original(pszFolder, pszPrefix, nUnique, pszNew);
+        });
+    EXPECT_EQ(1, file.Save(slashes.c_str())) << GetLastError();
+    EXPECT_EQ(texts.Path() + "\\", folder);
+    std::ofstream(texts.path, std::ios::binary).seekp(0x100000000) << "x";
+    EXPECT_EQ(0, file.Load(texts.path.c_str()));
+    EXPECT_EQ(DWORD(ERROR_NOT_ENOUGH_MEMORY), GetLastError());
     EXPECT_EQ(0, file.Load((texts.path + "?").c_str()));
     EXPECT_STREQ("new", file.GetText());
 }

@@ -19,7 +19,8 @@ public:
         Ansi,      ///< in the ANSI code page; of a file also: nothing but ASCII
         Utf8,      ///< UTF-8
         Utf8Mark,  ///< UTF-8 behind the mark EF BB BF
-        Utf16      ///< two bytes each, the lower one first, behind the mark FF FE
+        Utf16,     ///< two bytes each, the lower one first, behind the mark FF FE
+        Utf16Big   ///< the same with the higher one first, behind the mark FE FF
     };
     /// What stands between lines.
     enum LineEnd
@@ -33,16 +34,16 @@ public:
     /// No text, ANSI, CrLf.
     CU_API CCUTextFile();
 
-    /// Reads a file, of up to 256 MB. 1; or 0, with the system's error and everything as it was. A
+    /// Reads a file, of up to 128 MB. 1; or 0, with the system's error and everything as it was. A
     /// file without a mark is UTF-8 where all of it can be that, else ANSI.
     CU_API int Load(const char *pszPath);
-    /// Writes the text beside the file, and puts it in the place of that when all is on the disk.
-    /// 1; or 0, with the system's error, and what was there is as it was. A file that is marked as
-    /// read-only is not replaced.
+    /// Writes the text beside the file, and puts it in the place of that when all is on the disk,
+    /// with its attributes. 1; or 0, with the system's error, and what was there is as it was. A
+    /// file that is marked as read-only, or that another program holds open, is not replaced.
     CU_API int Save(const char *pszPath) const;
 
     const CCUString &GetText() const { return m_sText; }  ///< "\r\n" between lines
-    /// Of up to 512 MB; lines end in "\r\n".
+    /// Of up to 256 MB; lines end in "\r\n".
     void SetText(const CCUString &sText) { m_sText = sText; }
     /// How the file had it that was read, and how the next one gets it.
     /// @{

@@ -2,17 +2,19 @@
 
 #include <string.h>
 
+#include "Base/Handle.h"
+#include "Base/KeepLastError.h"
 #include "Base/SystemLibrary.h"
-#include "CU/File.h"
 #include "Text/Utf.h"
 
 namespace {
 
 // What this makes of so much fits into a string.
-const unsigned long MOST_BYTES = 256 << 20;
+const DWORD MOST_BYTES = 128 << 20;
 const int MOST_CHARACTERS = 2 * MOST_BYTES;
 const char MARK8[] = "\xEF\xBB\xBF";
 const char MARK16[] = "\xFF\xFE";
+const char MARK16_BIG[] = "\xFE\xFF";
 
 // Of Windows 2000; keeps the file's rights, attributes and times.
 typedef BOOL WINAPI ReplaceFileCall(const char *, const char *, const char *, DWORD, void *,
@@ -25,34 +27,42 @@ bool HasMark(const CCUString &sBytes, const char *pszMark, int nLength)
            memcmp(sBytes, pszMark, static_cast<size_t>(nLength)) == 0;
 }
 
+bool IsUtf16(const CCUString &sBytes, const char *pszMark)
+{
+    return HasMark(sBytes, pszMark, 2) && sBytes.GetLength() % 2 == 0;
+}
+
 bool ReadBytes(const char *pszPath, CCUString &sBytes)
 {
-    CCUFile file;
-    if (!file.Open(pszPath, CCUFile::modeRead | CCUFile::shareDenyNone))
+    const CCUFileHandle file(CreateFileA(pszPath, GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE,
+                                         nullptr, OPEN_EXISTING, 0, nullptr));
+    if (!file)
         return false;
-    const unsigned long nLength = file.GetLength();
-    if (nLength > MOST_BYTES) {
-        SetLastError(ERROR_NOT_ENOUGH_MEMORY);
+    SetLastError(ERROR_NOT_ENOUGH_MEMORY);  // of a file that is too long
+    DWORD nHigh = 0, nRead = 0;
+    const DWORD nLength = GetFileSize(file, &nHigh);
+    if (nHigh || nLength > MOST_BYTES)
         return false;
-    }
-    const int nRoom = static_cast<int>(nLength);
-    SetLastError(ERROR_READ_FAULT);  // of a read that is short
-    const bool bRead = file.Read(sBytes.GetBuffer(nRoom), nLength) == nLength;
-    sBytes.ReleaseBuffer(nRoom);
+    SetLastError(ERROR_READ_FAULT);  // of one that has become shorter
+    const bool bRead =
+        ReadFile(file, sBytes.GetBuffer(static_cast<int>(nLength)), nLength, &nRead, nullptr) &&
+        nRead == nLength;
+    sBytes.ReleaseBuffer(static_cast<int>(nLength));
     return bRead;
 }
 
+// Into a file that is there already.
 bool WriteBytes(const char *pszPath, const CCUString &sBytes)
 {
-    CCUFile file;
-    if (!file.Open(pszPath, CCUFile::modeWrite | CCUFile::modeCreate))
+    CCUFileHandle file(CreateFileA(pszPath, GENERIC_WRITE, 0, nullptr, OPEN_EXISTING, 0, nullptr));
+    if (!file)
         return false;
-    const auto nLength = static_cast<unsigned int>(sBytes.GetLength());
+    const auto nLength = static_cast<DWORD>(sBytes.GetLength());
+    DWORD nWritten = 0;
     SetLastError(ERROR_DISK_FULL);  // of a write that is short
-    if (file.Write(sBytes, nLength) != nLength)
-        return false;
-    file.Flush();
-    return true;
+    // Of a disk elsewhere the last two steps may be the first to tell that it is full.
+    return WriteFile(file, sBytes, nLength, &nWritten, nullptr) && nWritten == nLength &&
+           FlushFileBuffers(file) && CloseHandle(file.Release());
 }
 
 // Wine 8 replaces a file that is read-only without a word.
@@ -67,38 +77,53 @@ bool IsProtected(const char *pszPath)
 }
 
 // A new, empty file in the folder of another one; "" where there can be none.
-CCUString MakeFileBeside(const CCUString &sPath)
+CCUString MakeFileBeside(const char *pszPath)
 {
-    const int nName = sPath.ReverseFind('\\') + 1;
-    const CCUString sFolder = nName ? sPath.Left(nName) : CCUString(".");
-    char szNew[MAX_PATH] = "";
-    return GetTempFileNameA(sFolder, "txt", 0, szNew) ? szNew : "";
+    // The system knows all ways to write a path: "C:a.txt", "b/a.txt", in every code page.
+    char szFolder[MAX_PATH] = "", szNew[MAX_PATH] = "", *pszName = nullptr;
+    const DWORD nLength = GetFullPathNameA(pszPath, MAX_PATH, szFolder, &pszName);
+    if (nLength >= MAX_PATH || !pszName) {
+        SetLastError(nLength >= MAX_PATH ? ERROR_FILENAME_EXCED_RANGE : ERROR_INVALID_NAME);
+        return "";
+    }
+    *pszName = '\0';
+    return GetTempFileNameA(szFolder, "txt", 0, szNew) ? szNew : "";
 }
 
-// Puts a file in the place of another one, if there is one, in one step but for Windows 95 and its
-// successors, which have none for that.
-bool Replace(const char *pszNew, const char *pszPath)
+bool Exists(const char *pszPath)
 {
-    if (GetFileAttributesA(pszPath) == INVALID_FILE_ATTRIBUTES)
-        return MoveFileA(pszNew, pszPath) != 0;
+    return GetFileAttributesA(pszPath) != INVALID_FILE_ATTRIBUTES;
+}
+
+// Puts a file in the place of another one, which may be pszOld afterwards. It is one step but for
+// Windows 95 and its successors, which have none for that.
+bool PutInPlace(const char *pszNew, const char *pszPath, const char *pszOld)
+{
     const auto replaceFile = CUFindFunction<ReplaceFileCall>("kernel32.dll", "ReplaceFileA");
-    if (replaceFile && replaceFile(pszPath, pszNew, nullptr, IGNORE_MERGE_ERRORS, nullptr, nullptr))
+    if (replaceFile && replaceFile(pszPath, pszNew, pszOld, IGNORE_MERGE_ERRORS, nullptr, nullptr))
         return true;
     if (MoveFileExA(pszNew, pszPath, MOVEFILE_REPLACE_EXISTING))
         return true;
-    if (GetLastError() != ERROR_CALL_NOT_IMPLEMENTED)
-        return false;
+    return GetLastError() == ERROR_CALL_NOT_IMPLEMENTED && DeleteFileA(pszOld) &&
+           MoveFileA(pszPath, pszOld) && MoveFileA(pszNew, pszPath);
+}
+
+bool Replace(const char *pszNew, const char *pszPath)
+{
+    if (!Exists(pszPath))
+        return MoveFileA(pszNew, pszPath) != 0;
     const CCUString sOld = MakeFileBeside(pszPath);
-    if (sOld.IsEmpty() || !DeleteFileA(sOld) || !MoveFileA(pszPath, sOld))
+    if (sOld.IsEmpty())
         return false;
-    if (MoveFileA(pszNew, pszPath)) {
+    SetFileAttributesA(pszNew, GetFileAttributesA(pszPath));
+    const bool bDone = PutInPlace(pszNew, pszPath, sOld);
+    const CCUKeepLastError keepLastError;
+    // What breaks off between its steps, as ReplaceFile may, leaves the file with the other name.
+    if (bDone || Exists(pszPath))
         DeleteFileA(sOld);
-        return true;
-    }
-    const DWORD nError = GetLastError();
-    MoveFileA(sOld, pszPath);
-    SetLastError(nError);
-    return false;
+    else
+        MoveFileA(sOld, pszPath);
+    return bDone;
 }
 
 CCUTextFile::LineEnd FindLineEnd(const CCUString &sText)
@@ -179,9 +204,12 @@ void CCUTextFile::Decode(const CCUString &sBytes)
     CCUString sText = sBytes;
     m_nLost = 0;
     m_encoding = Ansi;
-    if (HasMark(sBytes, MARK16, 2) && sBytes.GetLength() % 2 == 0) {
+    if (IsUtf16(sBytes, MARK16)) {
         m_encoding = Utf16;
         sText = CUFromUtf16(sBytes.Mid(2), m_nLost);
+    } else if (IsUtf16(sBytes, MARK16_BIG)) {
+        m_encoding = Utf16Big;
+        sText = CUFromUtf16(CUSwapUtf16(sBytes.Mid(2)), m_nLost);
     } else if (CUIsUtf8(sBytes)) {
         const bool bMark = HasMark(sBytes, MARK8, 3);
         m_encoding = bMark ? Utf8Mark : Utf8;
@@ -200,6 +228,7 @@ CCUString CCUTextFile::Encode() const
     case Utf8: return CUUtf16To8(CUToUtf16(sText));
     case Utf8Mark: return MARK8 + CUUtf16To8(CUToUtf16(sText));
     case Utf16: return MARK16 + CUToUtf16(sText);
+    case Utf16Big: return MARK16_BIG + CUSwapUtf16(CUToUtf16(sText));
     default: return sText;
     }
 }
@@ -217,8 +246,8 @@ int CCUTextFile::Save(const char *pszPath) const
         return 0;
     if (WriteBytes(sNew, Encode()) && Replace(sNew, pszPath))
         return 1;
-    const DWORD nError = GetLastError();
+    const CCUKeepLastError keepLastError;
+    SetFileAttributesA(sNew, FILE_ATTRIBUTE_NORMAL);
     DeleteFileA(sNew);
-    SetLastError(nError);
     return 0;
 }

@@ -7,6 +7,7 @@ const unsigned int HIGH_UNIT = 0xD800;
 const unsigned int LOW_UNIT = 0xDC00;
 const unsigned int END_OF_UNITS = 0xE000;
 const unsigned int END_OF_CHARACTERS = 0x110000;
+const int MOST_UNITS = 1024;
 
 const wchar_t *UnitsOf(const CCUString &sWide)
 {
@@ -48,17 +49,43 @@ unsigned int TakeUtf16(const wchar_t *&p, const wchar_t *pEnd)
     return FIRST_PAIR + ((nFirst - HIGH_UNIT) << 10) + (*p++ - LOW_UNIT);
 }
 
+int LengthInUtf8(unsigned int nChar)
+{
+    return nChar < 0x80 ? 1 : nChar < 0x800 ? 2 : nChar < FIRST_PAIR ? 3 : 4;
+}
+
 char *PutUtf8(char *p, unsigned int nChar)
 {
-    if (nChar < 0x80) {
+    const int nMore = LengthInUtf8(nChar) - 1;
+    if (nMore == 0) {
         *p++ = static_cast<char>(nChar);
         return p;
     }
-    const int nMore = nChar >= FIRST_PAIR ? 3 : nChar >= 0x800 ? 2 : 1;
     *p++ = static_cast<char>(~(0x7Fu >> nMore) | nChar >> (6 * nMore));
     for (int i = nMore - 1; i >= 0; --i)
         *p++ = static_cast<char>(0x80 | (nChar >> (6 * i) & 0x3F));
     return p;
+}
+
+// How many of the next units are converted at a time: no pair is taken apart.
+int PieceLength(const wchar_t *p, const wchar_t *pEnd)
+{
+    if (pEnd - p <= MOST_UNITS)
+        return static_cast<int>(pEnd - p);
+    const wchar_t nLast = p[MOST_UNITS - 1];
+    return nLast >= HIGH_UNIT && nLast < LOW_UNIT ? MOST_UNITS - 1 : MOST_UNITS;
+}
+
+// How many units are others when they come back from the code page, where some of what it lacks
+// becomes what looks like it, and not all systems tell.
+int CountLost(const wchar_t *p, int nUnits, const char *pBytes, int nBytes)
+{
+    wchar_t back[MOST_UNITS];
+    const int nBack = MultiByteToWideChar(CP_ACP, 0, pBytes, nBytes, back, MOST_UNITS);
+    int nLost = 0;
+    for (int i = 0; i < nUnits; ++i)
+        nLost += i >= nBack || back[i] != p[i];
+    return nLost;
 }
 
 }  // namespace
@@ -96,31 +123,52 @@ CCUString CUUtf8To16(const CCUString &sBytes)
 
 CCUString CUUtf16To8(const CCUString &sWide)
 {
+    const wchar_t *const pEnd = UnitsOf(sWide) + CountUnits(sWide);
+    int nLength = 0;
+    for (const wchar_t *p = UnitsOf(sWide); p < pEnd;)
+        nLength += LengthInUtf8(TakeUtf16(p, pEnd));
     CCUString sBytes;
-    char *const pFirst = sBytes.GetBuffer(3 * CountUnits(sWide));
-    char *pTo = pFirst;
-    const wchar_t *p = UnitsOf(sWide);
-    for (const wchar_t *const pEnd = p + CountUnits(sWide); p < pEnd;)
+    char *pTo = sBytes.GetBuffer(nLength);
+    for (const wchar_t *p = UnitsOf(sWide); p < pEnd;)
         pTo = PutUtf8(pTo, TakeUtf16(p, pEnd));
-    sBytes.ReleaseBuffer(static_cast<int>(pTo - pFirst));
+    sBytes.ReleaseBuffer(nLength);
     return sBytes;
+}
+
+CCUString CUSwapUtf16(CCUString sWide)
+{
+    const int nLength = sWide.GetLength();
+    char *const p = sWide.GetBuffer(nLength);
+    for (int i = 0; i + 1 < nLength; i += 2) {
+        const char cFirst = p[i];
+        p[i] = p[i + 1];
+        p[i + 1] = cFirst;
+    }
+    sWide.ReleaseBuffer(nLength);
+    return sWide;
 }
 
 CCUString CUFromUtf16(const CCUString &sWide, int &nLost)
 {
-    const wchar_t *const pWide = UnitsOf(sWide);
-    const int nUnits = CountUnits(sWide);
+    const wchar_t *p = UnitsOf(sWide);
+    const wchar_t *const pEnd = p + CountUnits(sWide);
     CCUString sText;
-    const int nLength = WideCharToMultiByte(CP_ACP, 0, pWide, nUnits, nullptr, 0, nullptr, nullptr);
-    WideCharToMultiByte(CP_ACP, 0, pWide, nUnits, sText.GetBuffer(nLength), nLength, nullptr,
-                        nullptr);
-    sText.ReleaseBuffer(nLength);
-    // Some of what the code page lacks becomes what looks like it, and not all systems tell.
-    const CCUString sBack = CUToUtf16(sText);
-    const wchar_t *const pBack = UnitsOf(sBack);
+    const int nLength =
+        WideCharToMultiByte(CP_ACP, 0, p, CountUnits(sWide), nullptr, 0, nullptr, nullptr);
+    char *const pFirst = sText.GetBuffer(nLength);
+    char *pTo = pFirst;
     nLost = 0;
-    for (int i = 0; i < nUnits; ++i)
-        nLost += i >= CountUnits(sBack) || pBack[i] != pWide[i];
+    // In pieces, so that what is compared needs little room, and a character that takes another
+    // number of units on its way back counts for no more than its piece.
+    while (p < pEnd) {
+        const int nPiece = PieceLength(p, pEnd);
+        const int nRoom = nLength - static_cast<int>(pTo - pFirst);
+        const int nBytes = WideCharToMultiByte(CP_ACP, 0, p, nPiece, pTo, nRoom, nullptr, nullptr);
+        nLost += CountLost(p, nPiece, pTo, nBytes);
+        p += nPiece;
+        pTo += nBytes;
+    }
+    sText.ReleaseBuffer(static_cast<int>(pTo - pFirst));
     return sText;
 }
 

@@ -11,6 +11,8 @@ bool CUIsUtf8(const CCUString &sBytes);
 // Of what CUIsUtf8 said so.
 CCUString CUUtf8To16(const CCUString &sBytes);
 CCUString CUUtf16To8(const CCUString &sWide);
+// With the bytes of each unit the other way round.
+CCUString CUSwapUtf16(CCUString sWide);
 // To the ANSI code page; nLost: how many characters it does not have.
 CCUString CUFromUtf16(const CCUString &sWide, int &nLost);
 CCUString CUToUtf16(const CCUString &sText);
