@@ -3,6 +3,7 @@
 #include <list>
 
 #include "CUI/PrintPreview.h"
+#include "Support/GdiCount.h"
 #include "Support/ImportHook.h"
 #include "Support/PixelMap.h"
 #include "Support/Reports.h"
@@ -16,15 +17,18 @@ namespace {
 // Pages of which the lower right quarter is black, and their number's first pixel.
 struct CTestPages : CCUIPages
 {
-    int GetPageCount() override { return 5; }
+    int GetPageCount() override { return m_nCount; }
     void DrawPage(HDC hDC, int nPage) override
     {
+        m_onDraw();
         m_drawn += Text("%d ", nPage);
         const RECT quarter = {m_size.cx / 2, m_size.cy / 2, m_size.cx, m_size.cy};
         FillRect(hDC, &quarter, static_cast<HBRUSH>(GetStockObject(BLACK_BRUSH)));
     }
     SIZE m_size = {};
+    int m_nCount = 5;
     std::string m_drawn;
+    std::function<void()> m_onDraw = [] {};
 };
 
 // A printer of 100 by 50 dots an inch, 2 by 2 inches, which does not reach the outer tenth of an
@@ -38,6 +42,7 @@ struct CTestPrinter
         s_pThis->m_asked +=
             Text("%u-%u %d%d;", pRecord->nMinPage, pRecord->nMaxPage, pRecord->hDevMode != nullptr,
                  !hOwner || !IsWindowEnabled(GetParent(hOwner)));
+        s_pThis->m_onDialog();
         if (s_pThis->m_nCode)
             return FALSE;
         if (!pRecord->hDevMode)
@@ -54,7 +59,8 @@ struct CTestPrinter
     inline static CTestPrinter *s_pThis;
     std::string m_asked, m_did;
     DWORD m_nCode = 0, m_nFlags = 0;
-    int m_nGoodPages = 9;
+    int m_nGoodPages = 9, m_nBegun = 1;
+    std::function<void()> m_onDialog = [] {};
     std::list<CTestSurface> m_sheets;
     const CFakeCall<FARPROC(HMODULE, LPCSTR)> m_find{
         "GetProcAddress", [](HMODULE, LPCSTR name) {
@@ -72,7 +78,7 @@ struct CTestPrinter
     const CFakeCall<int(HDC, const DOCINFOA *)> m_begin{
         "StartDocA", [this](HDC, const DOCINFOA *pInfo) { return m_did += pInfo->lpszDocName, 1; }};
     // Each of another type: those of one share what they answer.
-    const CFakeCall<int(HDC)> m_page{"StartPage", [this](HDC) { return m_did += "<", 1; }};
+    const CFakeCall<int(HDC)> m_page{"StartPage", [this](HDC) { return m_did += "<", m_nBegun; }};
     const CFakeCall<int(HANDLE)> m_pageEnd{"EndPage", [this](HANDLE) {
                                                return m_did += ">", SetLastError(ERROR_DISK_FULL),
                                                       m_nGoodPages-- > 0 ? 1 : -1;
@@ -121,6 +127,76 @@ TEST(Printer, IsChosenAndPrintsThePagesThatTheUserWants)
     EXPECT_FALSE(printer.Choose(&window));
     EXPECT_EQ(DWORD(ERROR_INVALID_PRINTER_NAME), GetLastError());
     EXPECT_EQ(hBefore, printer.GetDC());
+}
+
+TEST(Printer, MayBeClosedAndDeletedMeanwhile)
+{
+    CTestPrinter system;
+    CTestPages pages;
+    const CDumped dumped;
+    auto pPrinter = std::make_unique<CCUIPrinter>();
+    const auto print = [&](std::function<void()> onDraw) {
+        system.m_did.clear();
+        EXPECT_TRUE(pPrinter->OpenDefault());
+        pages.m_onDraw = onDraw;
+        EXPECT_FALSE(pPrinter->Print("", pages));
+        return GetLastError();
+    };
+    EXPECT_EQ(DWORD(ERROR_CANCELLED), print([&] { pPrinter->Close(); }));
+    EXPECT_EQ("<abort", system.m_did);
+    EXPECT_EQ(nullptr, pPrinter->GetDC());
+    EXPECT_EQ(DWORD(ERROR_CANCELLED), print([&] { pPrinter->Choose(nullptr); }));
+    EXPECT_EQ(DWORD(ERROR_CANCELLED), print([&] { pPrinter.reset(); }));
+    pPrinter = std::make_unique<CCUIPrinter>();
+    // A system that tells failures by the answer alone.
+    system.m_nBegun = SP_OUTOFDISK;
+    EXPECT_EQ(DWORD(ERROR_DISK_FULL), print([] {}));
+    pages.m_nCount = 0;
+    EXPECT_TRUE(pPrinter->Print("", pages));
+    EXPECT_EQ("<abort", system.m_did);
+    ExpectNoGdiLeft(9, [&] {
+        pPrinter = std::make_unique<CCUIPrinter>();
+        pPrinter->OpenDefault();
+        system.m_onDialog = [&] { pPrinter.reset(); };
+        EXPECT_FALSE(pPrinter->Choose(nullptr));
+        system.m_onDialog = [] {};
+        system.m_sheets.clear();
+    });
+}
+
+TEST(PrintPreview, HasTheBarsThatThePageNeeds)
+{
+    CTestWindow window(nullptr, WS_POPUP | WS_VISIBLE);
+    window.Move({0, 0, 300, 300});
+    CTestPages pages;
+    CCUIPrintPreview preview;
+    preview.SetZoom(100);
+    EXPECT_EQ(100, preview.GetZoom());
+    const RECT rect = {0, 0, 220, 220};
+    preview.CreateControl(window, 1, "", &rect);
+    // Pixels; 190 with the gaps around have no room beside a bar.
+    for (const SIZE size : {SIZE{190, 300}, {300, 190}, {300, 300}, {190, 190}, {150, 300}}) {
+        preview.SetPages(&pages, {{size.cx * 15, size.cy * 15}, {}});
+        const RECT client = preview.GetClientArea();
+        const auto check = [&](int nBar, DWORD nStyle, LONG nAll, LONG nView, bool bNeeded) {
+            SCROLLINFO info = {sizeof info, SIF_ALL, 0, 0, 0, 0, 0};
+            GetScrollInfo(preview, nBar, &info);
+            EXPECT_EQ(bNeeded, (GetWindowLongA(preview, GWL_STYLE) & LONG(nStyle)) != 0);
+            EXPECT_TRUE(!bNeeded || (info.nMax == nAll - 1 && LONG(info.nPage) == nView));
+        };
+        const bool bBoth = size.cx > 200 || size.cy > 200;
+        check(SB_HORZ, WS_HSCROLL, size.cx + 20, client.right, bBoth && size.cx > 150);
+        check(SB_VERT, WS_VSCROLL, size.cy + 20, client.bottom, bBoth);
+    }
+    preview.SetPages(&pages, {{30, 30}, {}});
+    preview.SetZoom(0);
+    preview.StepZoom(true);
+    EXPECT_TRUE(preview.IsWhole());
+    pages.m_nCount = -1;
+    preview.SetPages(&pages, {});
+    pages.m_drawn.clear();
+    WindowPixels(preview);
+    EXPECT_EQ("", pages.m_drawn);
 }
 
 TEST(PrintPreview, ShowsThePageAsItIsPrinted)

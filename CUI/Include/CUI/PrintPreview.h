@@ -38,7 +38,7 @@ public:
     CUI_API int GetZoom() const;
     /// @}
     bool IsWhole() const { return m_nPercent == 0; }  ///< as large as there is room
-    /// Goes to the next of the usual sizes, larger or smaller.
+    /// Goes to the next of the usual sizes, larger or smaller, if there is one.
     CUI_API void StepZoom(bool bLarger);
 
     CUI_API int PreCreate(CREATESTRUCTA *pCreate) override;
@@ -59,7 +59,7 @@ private:
     SIZE PaperSize() const;
     POINT PagePlace() const;
     void Measure();
-    bool SetBar(int nBar, int nPage, int nView, LONG &nAt);
+    bool SetBar(int nBar, int nAll, int nView, LONG &nAt);
     void Arrange();
     void ScrollOrTurn(int nBy);
 

@@ -25,7 +25,8 @@ public:
     virtual int GetPageCount() = 0;
     /// Draws a page, from 0. The DC has units of CUI_PAPER_INCH, and the paper's top left corner as
     /// its origin; what is done to it is undone. Texts are as wide on all devices where they are
-    /// drawn with the widths of their characters (ExtTextOut), measured in a large size.
+    /// drawn with the widths of their characters (ExtTextOut), measured in a large size. For a
+    /// preview it runs while a window is painted: it takes no messages then and shows no window.
     virtual void DrawPage(HDC hDC, int nPage) = 0;
 
 protected:
@@ -56,7 +57,8 @@ public:
     /// CUIChooseFont says, without a printer as OpenDefault, of which the system says nothing to
     /// the user: what is open stays.
     CUI_API int Choose(CCUIWindow *pParent, int nPages = 0);
-    /// Forgets it, with all choices.
+    /// Forgets it, with all choices. What is being printed or chosen meanwhile is given up, as it
+    /// is when the object is deleted.
     CUI_API void Close();
 
     /// The printer's DC; the object's. Null: none is open.
@@ -65,17 +67,20 @@ public:
     /// margins are as wide as said, and wider where the printer cannot reach.
     CUI_API CUIPaper GetPaper(int nMargin = CUI_PAPER_INCH * 4 / 5) const;
 
-    /// Prints the pages that the user has chosen, as a document of that name. 1; or 0, with the
-    /// system's error, and nothing is printed that had not been sent.
+    /// Prints the pages that the user has chosen, as a document of that name; none of them there:
+    /// nothing. 1; or 0, with the system's error, ERROR_CANCELLED when somebody has given it up,
+    /// and nothing is printed that had not been sent.
     CUI_API int Print(const char *pszName, CCUIPages &pages);
 
 private:
-    bool PrintPages(CCUIPages &pages);
-    bool PrintPage(CCUIPages &pages, int nPage);
+    class CRun;
+    bool PrintDocument(const char *pszName, CCUIPages &pages);
+    static bool PrintPage(const CRun &run, HDC hDC, CCUIPages &pages, int nPage);
 
     HDC m_hDC;
     HGLOBAL m_hDevMode;
     HGLOBAL m_hDevNames;
     int m_nFirst;  // of the pages, from 0
     int m_nEnd;    // the one behind the last
+    CRun *m_pRun;  // the innermost of the calls that go on
 };

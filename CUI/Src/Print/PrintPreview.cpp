@@ -1,5 +1,6 @@
 #include "CUI/PrintPreview.h"
 
+#include "Base/Wrap.h"
 #include "CUI/Data.h"
 #include "CUI/Draw.h"
 #include "CUI/ScrollBar.h"
@@ -47,9 +48,13 @@ int CCUIPrintPreview::PreCreate(CREATESTRUCTA *pCreate)
 
 void CCUIPrintPreview::SetPages(CCUIPages *pPages, const CUIPaper &paper)
 {
+    CWatch watch(this);
+    const int nPages = pPages ? pPages->GetPageCount() : 0;
+    if (watch.IsGone())
+        return;
     m_pPages = pPages;
     m_paper = paper;
-    m_nPages = pPages ? pPages->GetPageCount() : 0;
+    m_nPages = CUILarger(nPages, 0);
     m_nPage = Limited(m_nPage, 0, m_nPages ? m_nPages - 1 : 0);
     Arrange();
 }
@@ -72,11 +77,14 @@ SIZE CCUIPrintPreview::PaperSize() const
 
 void CCUIPrintPreview::SetZoom(int nPercent)
 {
+    const int nOld = m_nPercent;
+    m_nPercent = nPercent ? Limited(nPercent, LEAST, MOST) : 0;
+    if (!m_hWnd || m_nPercent == nOld)
+        return;
     const POINT place = PagePlace();
     const SIZE page = m_page;
     const double x = page.cx ? (m_view.cx / 2. - place.x) / page.cx : 0;
     const double y = page.cy ? (m_view.cy / 2. - place.y) / page.cy : 0;
-    m_nPercent = nPercent ? Limited(nPercent, LEAST, MOST) : 0;
     CWatch watch(this);
     Arrange();
     if (watch.IsGone())
@@ -90,19 +98,21 @@ void CCUIPrintPreview::SetZoom(int nPercent)
 
 int CCUIPrintPreview::GetZoom() const
 {
-    return MulDiv(m_page.cx, 100, PaperSize().cx);
+    return m_nPercent ? m_nPercent : MulDiv(m_page.cx, 100, PaperSize().cx);
 }
 
 void CCUIPrintPreview::StepZoom(bool bLarger)
 {
     static const int STEPS[] = {LEAST, 25, 50, 75, 100, 150, 200, 300, MOST};
     const int nNow = GetZoom();
-    int nNext = bLarger ? MOST : LEAST;
+    int nNext = 0;
     for (const int nStep : STEPS) {
-        if (bLarger ? nStep > nNow && nStep < nNext : nStep < nNow && nStep > nNext)
-            nNext = nStep;
+        const bool bNext = bLarger ? nNext == 0 && nStep > nNow : nStep < nNow;
+        nNext = bNext ? nStep : nNext;
     }
-    SetZoom(nNext);
+    // A page as large as there is room may be larger, or smaller, than all of them.
+    if (nNext)
+        SetZoom(nNext);
 }
 
 // The page's size in the view that there is.
@@ -122,9 +132,8 @@ void CCUIPrintPreview::Measure()
 }
 
 // False: the object has gone.
-bool CCUIPrintPreview::SetBar(int nBar, int nPage, int nView, LONG &nAt)
+bool CCUIPrintPreview::SetBar(int nBar, int nAll, int nView, LONG &nAt)
 {
-    const int nAll = m_nPercent ? nPage + 2 * Scaled(GAP) : 0;
     const int nMost = nAll > nView ? nAll - nView : 0;
     nAt = Limited(nAt, 0, nMost);
     const SCROLLINFO info = {sizeof info,
@@ -139,18 +148,26 @@ bool CCUIPrintPreview::SetBar(int nBar, int nPage, int nView, LONG &nAt)
     return !watch.IsGone();
 }
 
-// Each scroll bar takes room from the other one.
+// Each scroll bar takes room from the other one, so that which are there now says nothing.
 void CCUIPrintPreview::Arrange()
 {
     if (m_bArranging || !m_hWnd)
         return;
     m_bArranging = true;
-    for (int nPass = 0; nPass < 2; ++nPass) {
-        Measure();
-        if (!SetBar(SB_HORZ, m_page.cx, m_view.cx, m_at.x) ||
-            !SetBar(SB_VERT, m_page.cy, m_view.cy, m_at.y))
-            return;
-    }
+    Measure();
+    const CUIData *const pData = CUIGetWinData();
+    const LONG nStyle = GetWindowLongA(m_hWnd, GWL_STYLE);
+    SIZE room = {m_view.cx + (nStyle & WS_VSCROLL ? pData->cxVScroll : 0),
+                 m_view.cy + (nStyle & WS_HSCROLL ? pData->cyHScroll : 0)};
+    SIZE all = {0, 0};
+    if (m_nPercent)
+        all = {m_page.cx + 2 * Scaled(GAP), m_page.cy + 2 * Scaled(GAP)};
+    const bool bAcross = all.cx > room.cx;
+    const bool bDown = all.cy > room.cy - (bAcross ? pData->cyHScroll : 0);
+    room.cx -= bDown ? pData->cxVScroll : 0;
+    room.cy -= all.cx > room.cx ? pData->cyHScroll : 0;
+    if (!SetBar(SB_HORZ, all.cx, room.cx, m_at.x) || !SetBar(SB_VERT, all.cy, room.cy, m_at.y))
+        return;
     Measure();
     m_bArranging = false;
     Repaint();
@@ -242,8 +259,8 @@ void CCUIPrintPreview::OnKeyDown(UINT nKey, UINT nRepeat, UINT nFlags)
     switch (nKey) {
     case VK_UP: ScrollOrTurn(-Scaled(ARROW)); break;
     case VK_DOWN: ScrollOrTurn(Scaled(ARROW)); break;
-    case VK_PRIOR: ScrollOrTurn(-m_view.cy); break;
-    case VK_NEXT: ScrollOrTurn(m_view.cy); break;
+    case VK_PRIOR: ScrollOrTurn(-CUILarger(1, m_view.cy)); break;
+    case VK_NEXT: ScrollOrTurn(CUILarger(1, m_view.cy)); break;
     case VK_HOME: SetPage(0); break;
     case VK_END: SetPage(m_nPages); break;
     case VK_LEFT: OnHScroll(SB_LINELEFT, 0, nullptr); break;

@@ -2,9 +2,10 @@
 
 #include <limits.h>
 
-#include "Base/GdiGuards.h"
+#include "Base/KeepLastError.h"
 #include "Base/Wrap.h"
 #include "CU/Dump.h"
+#include "CU/String.h"
 #include "Dialog/ChooserOwner.h"
 #include "Dialog/CommonDialog.h"
 
@@ -27,30 +28,85 @@ bool MeasuresInInches()
     return *szMeasure == '1';
 }
 
-void FreeRecord(PRINTDLGA &record)
+void Free(HDC hDC, HGLOBAL hDevMode, HGLOBAL hDevNames)
 {
-    GlobalFree(record.hDevMode);
-    GlobalFree(record.hDevNames);
+    if (hDC)
+        DeleteDC(hDC);
+    GlobalFree(hDevMode);
+    GlobalFree(hDevNames);
+}
+
+// What a call of printing answered: Windows 95 tells failures by the answer alone.
+bool IsDone(int nAnswer)
+{
+    if (nAnswer > 0)
+        return true;
+    if (GetLastError() == NO_ERROR)
+        SetLastError(nAnswer == SP_USERABORT   ? ERROR_CANCELLED
+                     : nAnswer == SP_OUTOFDISK ? ERROR_DISK_FULL
+                                               : ERROR_GEN_FAILURE);
+    return false;
 }
 
 }  // namespace
 
+// A call of the printer during which code of others runs, which may close or delete it.
+class CCUIPrinter::CRun
+{
+public:
+    explicit CRun(CCUIPrinter *pPrinter)
+        : m_pPrinter(pPrinter), m_pOuter(pPrinter->m_pRun), m_bOver(false)
+    {
+        pPrinter->m_pRun = this;
+    }
+    ~CRun()
+    {
+        if (m_pPrinter)
+            m_pPrinter->m_pRun = m_pOuter;
+    }
+    CRun(const CRun &) = delete;
+    CRun &operator=(const CRun &) = delete;
+
+    // Touch nothing of the printer then, nor of what belongs to it.
+    bool IsOver() const { return m_bOver; }
+    // All that run. Deleted: the printer is.
+    static void EndAll(CRun *pRun, bool bDeleted)
+    {
+        for (; pRun; pRun = pRun->m_pOuter) {
+            pRun->m_bOver = true;
+            if (bDeleted)
+                pRun->m_pPrinter = nullptr;
+        }
+    }
+
+private:
+    CCUIPrinter *m_pPrinter;
+    CRun *m_pOuter;
+    bool m_bOver;
+};
+
 CCUIPrinter::CCUIPrinter()
-    : m_hDC(nullptr), m_hDevMode(nullptr), m_hDevNames(nullptr), m_nFirst(0), m_nEnd(INT_MAX)
+    : m_hDC(nullptr),
+      m_hDevMode(nullptr),
+      m_hDevNames(nullptr),
+      m_nFirst(0),
+      m_nEnd(INT_MAX),
+      m_pRun(nullptr)
 {
 }
 
 CCUIPrinter::~CCUIPrinter()
 {
     Close();
+    CRun::EndAll(m_pRun, true);
 }
 
 void CCUIPrinter::Close()
 {
-    if (m_hDC)
-        DeleteDC(m_hDC);
-    GlobalFree(m_hDevMode);
-    GlobalFree(m_hDevNames);
+    CRun::EndAll(m_pRun, false);
+    if (m_pRun && m_hDC)
+        AbortDoc(m_hDC);
+    Free(m_hDC, m_hDevMode, m_hDevNames);
     m_hDC = nullptr;
     m_hDevMode = m_hDevNames = nullptr;
     m_nFirst = 0;
@@ -66,9 +122,10 @@ int CCUIPrinter::OpenDefault()
     record.Flags = PD_RETURNDC | PD_RETURNDEFAULT | PD_NOWARNING;
     const CUICommonResult result = CUICommonDialog(DIALOG, &record);
     if (!result.bChosen) {
-        FreeRecord(record);
+        Free(nullptr, record.hDevMode, record.hDevNames);
         return CUICommonAnswer(DIALOG, result);
     }
+    Close();
     m_hDC = record.hDC;
     m_hDevMode = record.hDevMode;
     m_hDevNames = record.hDevNames;
@@ -82,6 +139,7 @@ int CCUIPrinter::Choose(CCUIWindow *pParent, int nPages)
     // The dialog takes both over and gives them, or others, back.
     record.hDevMode = m_hDevMode;
     record.hDevNames = m_hDevNames;
+    m_hDevMode = m_hDevNames = nullptr;
     record.Flags = PD_RETURNDC | PD_NOSELECTION | PD_USEDEVMODECOPIESANDCOLLATE | PD_NOWARNING;
     record.nMinPage = record.nFromPage = 1;
     record.nMaxPage = static_cast<WORD>(nPages > 0 && nPages < MOST_PAGES ? nPages : MOST_PAGES);
@@ -89,16 +147,25 @@ int CCUIPrinter::Choose(CCUIWindow *pParent, int nPages)
     record.nCopies = 1;
     CUICommonResult result;
     {
-        const CCUIChooserOwner owner(pParent);
-        record.hwndOwner = owner;
-        result = CUICommonDialog(DIALOG, &record);
+        const CRun run(this);
+        {
+            const CCUIChooserOwner owner(pParent);
+            record.hwndOwner = owner;
+            result = CUICommonDialog(DIALOG, &record);
+        }
+        if (run.IsOver()) {
+            Free(record.hDC, record.hDevMode, record.hDevNames);
+            return CUIChoiceCancelled();
+        }
     }
+    if (!result.bChosen) {
+        m_hDevMode = record.hDevMode;
+        m_hDevNames = record.hDevNames;
+        return CUICommonAnswer(DIALOG, result);
+    }
+    Close();
     m_hDevMode = record.hDevMode;
     m_hDevNames = record.hDevNames;
-    if (!result.bChosen)
-        return CUICommonAnswer(DIALOG, result);
-    if (m_hDC)
-        DeleteDC(m_hDC);
     m_hDC = record.hDC;
     const bool bSome = (record.Flags & PD_PAGENUMS) != 0;
     m_nFirst = bSome ? record.nFromPage - 1 : 0;
@@ -129,44 +196,57 @@ int CCUIPrinter::Print(const char *pszName, CCUIPages &pages)
         SetLastError(ERROR_INVALID_PRINTER_NAME);
         return 0;
     }
-    const DOCINFOA document = {sizeof document, pszName, nullptr, nullptr, 0};
-    if (StartDocA(m_hDC, &document) > 0) {
-        if (PrintPages(pages) && EndDoc(m_hDC) > 0)
-            return 1;
-        const DWORD nError = GetLastError();
-        AbortDoc(m_hDC);
-        SetLastError(nError);
-    }
-    const DWORD nError = GetLastError();
-    CUDump("Unable to print %s, gle: %lu\n", pszName, nError);
-    SetLastError(nError);
+    const CCUString sName(pszName);  // may go with the printer
+    SetLastError(NO_ERROR);
+    if (PrintDocument(sName, pages))
+        return 1;
+    const CCUKeepLastError keepLastError;
+    CUDump("Unable to print %s, gle: %lu\n", sName.GetString(), keepLastError.Error());
     return 0;
 }
 
-bool CCUIPrinter::PrintPages(CCUIPages &pages)
+bool CCUIPrinter::PrintDocument(const char *pszName, CCUIPages &pages)
 {
+    const CRun run(this);
     const int nCount = pages.GetPageCount();
-    for (int nPage = m_nFirst; nPage < m_nEnd && nPage < nCount; ++nPage) {
-        if (!PrintPage(pages, nPage))
+    const DOCINFOA document = {sizeof document, pszName, nullptr, nullptr, 0};
+    if (!run.IsOver()) {
+        const HDC hDC = m_hDC;
+        const int nEnd = CUISmaller(m_nEnd, nCount);
+        int nPage = m_nFirst;
+        if (nPage >= nEnd)
+            return true;
+        if (!IsDone(StartDocA(hDC, &document)))
             return false;
+        while (nPage < nEnd && PrintPage(run, hDC, pages, nPage))
+            ++nPage;
+        if (nPage == nEnd && IsDone(EndDoc(hDC)))
+            return true;
+        if (!run.IsOver()) {
+            const CCUKeepLastError keepLastError;
+            AbortDoc(hDC);
+            return false;
+        }
     }
-    return true;
+    SetLastError(ERROR_CANCELLED);
+    return false;
 }
 
-bool CCUIPrinter::PrintPage(CCUIPages &pages, int nPage)
+bool CCUIPrinter::PrintPage(const CRun &run, HDC hDC, CCUIPages &pages, int nPage)
 {
-    if (StartPage(m_hDC) <= 0)
+    if (!IsDone(StartPage(hDC)))
         return false;
-    {
-        const CCUISavedDC saved(m_hDC);
-        SetMapMode(m_hDC, MM_ANISOTROPIC);
-        SetWindowExtEx(m_hDC, CUI_PAPER_INCH, CUI_PAPER_INCH, nullptr);
-        SetViewportExtEx(m_hDC, GetDeviceCaps(m_hDC, LOGPIXELSX), GetDeviceCaps(m_hDC, LOGPIXELSY),
-                         nullptr);
-        // The DC begins where the printer can print, not at the paper's edge.
-        SetViewportOrgEx(m_hDC, -GetDeviceCaps(m_hDC, PHYSICALOFFSETX),
-                         -GetDeviceCaps(m_hDC, PHYSICALOFFSETY), nullptr);
-        pages.DrawPage(m_hDC, nPage);
-    }
-    return EndPage(m_hDC) > 0;
+    const int nSaved = SaveDC(hDC);
+    SetMapMode(hDC, MM_ANISOTROPIC);
+    SetWindowExtEx(hDC, CUI_PAPER_INCH, CUI_PAPER_INCH, nullptr);
+    SetViewportExtEx(hDC, GetDeviceCaps(hDC, LOGPIXELSX), GetDeviceCaps(hDC, LOGPIXELSY), nullptr);
+    // The DC begins where the printer can print, not at the paper's edge.
+    SetViewportOrgEx(hDC, -GetDeviceCaps(hDC, PHYSICALOFFSETX),
+                     -GetDeviceCaps(hDC, PHYSICALOFFSETY), nullptr);
+    pages.DrawPage(hDC, nPage);
+    if (run.IsOver())
+        return false;
+    RestoreDC(hDC, nSaved);
+    SetLastError(NO_ERROR);  // what the drawing left
+    return IsDone(EndPage(hDC));
 }
