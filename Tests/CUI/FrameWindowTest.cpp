@@ -54,6 +54,27 @@ struct CFullFrame : CTestFrame
 
 }  // namespace
 
+TEST(FrameWindow, HasCommandsAsTheyStandWhenItIsShown)
+{
+    CTestCommand command(1700);
+    auto pFrame = std::make_unique<CFullFrame>();
+    for (const int nShow : {SW_SHOWMAXIMIZED, SW_SHOWNORMAL, SW_SHOWNA}) {
+        command.m_nState = command.m_nState ? 0 : CUI_COMMAND_ACTIVE;
+        ShowWindow(*pFrame, nShow);
+        EXPECT_EQ(command.m_nState != 0, IsWindowEnabled(pFrame->m_button) != 0) << nShow;
+        ShowWindow(*pFrame, SW_HIDE);
+    }
+    // Handlers that show it themselves, and that delete it.
+    int nUpdates = 0;
+    command.m_onUpdate = [&] { ++nUpdates, pFrame->Show(true); };
+    pFrame->Show(true);
+    EXPECT_EQ(1, nUpdates);
+    pFrame->Show(false);
+    command.m_onUpdate = [&] { pFrame.reset(); };
+    pFrame->Show(true);
+    EXPECT_EQ(nullptr, pFrame);
+}
+
 TEST(FrameWindow, PutsBarsAroundItsClient)
 {
     CTestFrame frame;

@@ -28,9 +28,10 @@ class CCUIRecentFiles;
 ///     +--------------------------------------+
 ///
 /// It routes commands (CCUIWindow::RouteCommands), shows their help texts while a menu is open,
-/// gives the focus back to the child that had it, and asks before it closes. None of the windows
-/// put together here is owned: their objects are the program's, usually members of its frame, and
-/// may go at any time. For the user-interface thread only.
+/// gives the focus back to the child that had it, and asks before it closes. Commands are refreshed
+/// (CCUICommandMap::IdleUpdate) before it is shown, so that its first painting has their states.
+/// None of the windows put together here is owned: their objects are the program's, usually members
+/// of its frame, and may go at any time. For the user-interface thread only.
 class CCUIFrameWindow : public CCUIWindow
 {
 public:
@@ -215,6 +216,7 @@ private:
     void End();
     void KeepPlacement();
     void UpdateTitle();
+    bool RefreshCommands();
     void EnterFullScreen();
     void LeaveFullScreen();
     void CoverScreen();
@@ -235,4 +237,5 @@ private:
     bool m_bAsking;     // QueryClose is under way
     bool m_bLayingOut;
     bool m_bLayOutAgain;  // something has changed meanwhile
+    bool m_bRefreshing;   // the commands, before the frame is seen
 };

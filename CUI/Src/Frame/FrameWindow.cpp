@@ -6,6 +6,7 @@
 #include "Base/GdiGuards.h"
 #include "CU/Assert.h"
 #include "CUI/Accelerators.h"
+#include "CUI/CommandMap.h"
 #include "CUI/Control.h"
 #include "CUI/ControlBar.h"
 #include "CUI/RecentFiles.h"
@@ -80,7 +81,8 @@ CCUIFrameWindow::CCUIFrameWindow()
       m_bSwitching(false),
       m_bAsking(false),
       m_bLayingOut(false),
-      m_bLayOutAgain(false)
+      m_bLayOutAgain(false),
+      m_bRefreshing(false)
 {
     RouteCommands(true);
 }
@@ -378,6 +380,11 @@ long CCUIFrameWindow::OnMessage(UINT message, WPARAM wParam, LPARAM lParam)
 {
     switch (message) {
     case CUI_WM_LAYOUT: Layout(); return 0;
+    case WM_WINDOWPOSCHANGING:
+        if ((reinterpret_cast<const WINDOWPOS *>(lParam)->flags & SWP_SHOWWINDOW) &&
+            !RefreshCommands())
+            return 0;
+        return CCUIWindow::OnMessage(message, wParam, lParam);
     case WM_QUERYNEWPALETTE: return OfferPalette(m_hWnd);
     case WM_PALETTECHANGED:
         if (HasPalette())
@@ -385,6 +392,21 @@ long CCUIFrameWindow::OnMessage(UINT message, WPARAM wParam, LPARAM lParam)
         return 0;
     default: return CCUIWindow::OnMessage(message, wParam, lParam);
     }
+}
+
+// The frame is about to be seen, and what shows commands with it: the idle pass of the loop comes
+// after the first painting. False: the frame has gone.
+bool CCUIFrameWindow::RefreshCommands()
+{
+    if (m_bRefreshing)
+        return true;
+    CWatch watch(this);
+    m_bRefreshing = true;
+    CCUICommandMap::IdleUpdate();
+    if (watch.IsGone())
+        return false;
+    m_bRefreshing = false;
+    return m_hWnd != nullptr;
 }
 
 void CCUIFrameWindow::OnParentNotify(UINT nEvent, UINT nID, LPARAM lParam)
