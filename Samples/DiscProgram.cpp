@@ -7,6 +7,7 @@
 #include "CUI/Data.h"
 #include "CUI/Dialog.h"
 #include "CUI/Draw.h"
+#include "CUI/Font.h"
 #include "CUI/ResourceString.h"
 
 namespace {
@@ -45,7 +46,6 @@ class CDiscProgramDlg : public CCUIDialog
 {
 public:
     explicit CDiscProgramDlg(HINSTANCE hInstance);
-    ~CDiscProgramDlg() override;
 
 protected:
     int OnInitDialog(HWND hFocus, LPARAM lParam) override;
@@ -57,7 +57,7 @@ private:
     CCUString m_sModule;
     CCUString m_sHeading;
     CCUString m_sPurpose;
-    HFONT m_hFontHeading;
+    CCUIFont m_fontHeading;
     HICON m_hIcon;
 };
 
@@ -73,15 +73,10 @@ CDiscProgramDlg::CDiscProgramDlg(HINSTANCE hInstance)
     font.lfWeight = FW_BOLD;
     font.lfPitchAndFamily = VARIABLE_PITCH | FF_SWISS;
     lstrcpyA(font.lfFaceName, "Arial");
-    m_hFontHeading = CreateFontIndirectA(&font);
+    m_fontHeading = CCUIFont(font);
     // A shared icon is the system's to free.
     m_hIcon = static_cast<HICON>(LoadImageA(hInstance, MAKEINTRESOURCEA(IDI_PROGRAM), IMAGE_ICON,
                                             ICON_SIDE, ICON_SIDE, LR_SHARED));
-}
-
-CDiscProgramDlg::~CDiscProgramDlg()
-{
-    DeleteObject(m_hFontHeading);
 }
 
 int CDiscProgramDlg::OnInitDialog(HWND hFocus, LPARAM lParam)
@@ -122,7 +117,7 @@ void CDiscProgramDlg::DrawHeader(HDC hDC, const RECT &rectHeader)
     const int x = ICON_SIDE + 2 * nMargin;
     SetBkMode(hDC, TRANSPARENT);
     SetTextColor(hDC, RGB(0, 0, 0));
-    SelectObject(hDC, m_hFontHeading);
+    SelectObject(hDC, m_fontHeading);
     TextOutA(hDC, x, nMargin, m_sHeading, m_sHeading.GetLength());
     SelectObject(hDC, reinterpret_cast<HFONT>(SendMessageA(*this, WM_GETFONT, 0, 0)));
     TextOutA(hDC, x, nMargin + 30, m_sPurpose, m_sPurpose.GetLength());

@@ -1,9 +1,11 @@
 // A text editor: open texts, drop them, or name them in the command line.
 
+#include <utility>
+
 #include "CU/ErrorText.h"
 #include "CU/TextFile.h"
-#include "CUI/CommandMap.h"
 #include "CUI/ControlBar.h"
+#include "CUI/Font.h"
 #include "CUI/FrameWindow.h"
 #include "CUI/Menu.h"
 #include "CUI/MessageBox.h"
@@ -24,7 +26,6 @@ public:
     {
         m_options.Keep(false);
     }
-    ~CEditor() override { DeleteObject(m_hFont); }
 
     void OnOpenFile(const CCUString &sPath) override
     {
@@ -309,16 +310,14 @@ private:
     }
     void UseOptions()
     {
-        const LOGFONTA font = m_options.GetFont(CUIGetWinData()->cyPixelsPerInch);
-        const HFONT hOld = m_hFont;
-        m_hFont = CreateFontIndirectA(&font);
+        CCUIFont font(m_options.GetFont(CUIGetWinData()->cyPixelsPerInch));
         if (!m_edit.Exist() || m_edit.IsWrapping() != (m_options.m_bWrap != 0)) {
             m_edit.Make(*this, m_options.m_bWrap != 0);
             SetClient(&m_edit);
         }
-        m_edit.SetFont(m_hFont);
+        m_edit.SetFont(font);
         m_edit.SetTabWidth(m_options.m_nTabWidth);
-        DeleteObject(hOld);
+        m_font = std::move(font);
     }
 
     // --- Pages ---
@@ -363,13 +362,13 @@ private:
     CCUIRecentFiles m_recent{this, ID_RECENT};
     CCUIControlBar m_bar, m_pageBar;
     CCUIStatusBar m_status;
+    CCUIFont m_font;
     CTextEdit m_edit;
     CTextPages m_pages;
     CCUIPrintPreview m_preview;
     CCUIPrinter m_printer;
     CFindDialog m_find;
     CCUTextFile m_file;
-    HFONT m_hFont = nullptr;
 };
 
 int WINAPI WinMain(HINSTANCE, HINSTANCE, LPSTR, int nShow)
@@ -380,7 +379,5 @@ int WINAPI WinMain(HINSTANCE, HINSTANCE, LPSTR, int nShow)
         return 1;
     editor.ShowKept("Frame", nShow);
     editor.OnCommandLine(GetCommandLineA(), "");
-    // For the status bar, before the first input brings an idle pass.
-    CCUICommandMap::IdleUpdate();
     return CCUIWindow::RunLoop();
 }

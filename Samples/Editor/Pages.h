@@ -3,9 +3,11 @@
 #include <string.h>
 
 #include <algorithm>
+#include <utility>
 #include <vector>
 
 #include "CU/String.h"
+#include "CUI/Font.h"
 #include "CUI/Printer.h"
 
 // A text on pages. It is measured once, so large that all devices show the same lines, and each
@@ -14,11 +16,7 @@ class CTextPages : public CCUIPages
 {
 public:
     CTextPages() : m_hDC(CreateCompatibleDC(nullptr)) {}
-    ~CTextPages()
-    {
-        DeleteDC(m_hDC);
-        DeleteObject(m_hFont);
-    }
+    ~CTextPages() { DeleteDC(m_hDC); }
     CTextPages(const CTextPages &) = delete;
     CTextPages &operator=(const CTextPages &) = delete;
 
@@ -30,10 +28,9 @@ public:
         m_sText = sText;
         m_sTitle = sTitle;
         m_paper = paper;
-        const HFONT hFont = CreateFontIndirectA(&font);
-        SelectObject(m_hDC, hFont);
-        DeleteObject(m_hFont);
-        m_hFont = hFont;
+        CCUIFont taken(font);
+        SelectObject(m_hDC, taken);
+        m_font = std::move(taken);
         TEXTMETRICA metric;
         GetTextMetricsA(m_hDC, &metric);
         m_cyRow = metric.tmHeight + metric.tmExternalLeading;
@@ -51,7 +48,7 @@ public:
     }
     void DrawPage(HDC hDC, int nPage) override
     {
-        const HGDIOBJ hOldFont = SelectObject(hDC, m_hFont);
+        const HGDIOBJ hOldFont = SelectObject(hDC, m_font);
         SetBkMode(hDC, TRANSPARENT);
         SetTextColor(hDC, 0);
         LONG y = m_paper.margins.top;
@@ -66,8 +63,9 @@ public:
                     sNumber.GetLength());
             y += 2 * m_cyRow;
         }
-        const size_t nFirst = static_cast<size_t>(nPage) * m_nRows;
-        const size_t nEnd = std::min(nFirst + m_nRows, m_rows.size());
+        const size_t nRows = static_cast<size_t>(m_nRows),
+                     nFirst = static_cast<size_t>(nPage) * nRows;
+        const size_t nEnd = std::min(nFirst + nRows, m_rows.size());
         for (size_t n = nFirst; n < nEnd; n++, y += m_cyRow)
             DrawRow(hDC, 0, y, m_sText.GetString() + m_rows[n].nStart, m_rows[n].nLength);
         SelectObject(hDC, hOldFont);
@@ -94,7 +92,8 @@ private:
                 n++;
                 continue;
             }
-            const auto *const pTab = static_cast<const char *>(memchr(psz + n, '\t', nLength - n));
+            const auto *const pTab =
+                static_cast<const char *>(memchr(psz + n, '\t', static_cast<size_t>(nLength - n)));
             const int nPiece = pTab ? static_cast<int>(pTab - psz) - n : nLength - n;
             int nFit = 0, nWidths[LONGEST_ROW];
             SIZE size;
@@ -144,8 +143,8 @@ private:
         return std::max(1, nFit);
     }
 
+    CCUIFont m_font;
     HDC m_hDC;  // to measure
-    HFONT m_hFont = nullptr;
     CCUString m_sText, m_sTitle;
     CUIPaper m_paper = {};
     std::vector<CRow> m_rows;

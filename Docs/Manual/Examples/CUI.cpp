@@ -1,5 +1,7 @@
 // The examples of the reference for the user-interface layer: each is named after its class.
 
+#include <utility>
+
 #include "CU/Dump.h"
 #include "CUI/Accelerators.h"
 #include "CUI/Bitmap.h"
@@ -13,6 +15,7 @@
 #include "CUI/Dialog.h"
 #include "CUI/DialogTemplate.h"
 #include "CUI/Draw.h"
+#include "CUI/Font.h"
 #include "CUI/FrameWindow.h"
 #include "CUI/HelpText.h"
 #include "CUI/Menu.h"
@@ -49,6 +52,26 @@ void ShowBitmap(HDC hDC)
         CUDump("No picture: error %lu\n", GetLastError());
     //! [CCUIBitmap]
 }
+
+//! [CCUIFont]
+class CHeading : public CCUIControl
+{
+public:
+    CHeading() { SetFont(m_font); }
+    // As the user's menus are written, only larger.
+    void Enlarge()
+    {
+        LOGFONTA like = CCUIFont::Describe(CUIGetWinData()->hMenuFontBold);
+        like.lfHeight = like.lfHeight * 3 / 2;
+        CCUIFont font(like);
+        SetFont(font);
+        m_font = std::move(font);  // the one before is deleted when nobody has it any more
+    }
+
+private:
+    CCUIFont m_font{"Arial", 14, FW_BOLD};
+};
+//! [CCUIFont]
 
 //! [CCUICommandHandler]
 class CClipboardCommands : public CCUICommandHandler
