@@ -192,9 +192,10 @@ private:
     CCUIBitmap m_background;
 
     CCUILayoutWindow m_outer{CCUILayoutWindow::Row}, m_settings, m_rows;
-    CCUILayoutWindow m_row[3] = {CCUILayoutWindow(CCUILayoutWindow::Row),
-                                 CCUILayoutWindow(CCUILayoutWindow::Row),
-                                 CCUILayoutWindow(CCUILayoutWindow::Row)};
+    struct CRow : CCUILayoutWindow
+    {
+        CRow() : CCUILayoutWindow(Row) {}
+    } m_row[3];
     CChoice m_direction{*this, "Direction:"}, m_easing{*this, "Easing:"};
     CChoice m_repeat{*this, "Repeat:"}, m_duration{*this, "Duration of a pass:"};
     CSwitch m_backwards{*this, CUI_BUTTON_CHECK}, m_soft{*this, CUI_BUTTON_CHECK};

@@ -21,8 +21,9 @@ public:
         if (!QueryClose() || !file.Open(sPath, CCUFile::modeRead))
             return;
         CCUString sText;
-        const int nLength = static_cast<int>(file.GetLength());
-        sText.ReleaseBuffer(static_cast<int>(file.Read(sText.GetBuffer(nLength), nLength)));
+        const unsigned nLength = file.GetLength();
+        char *const psz = sText.GetBuffer(static_cast<int>(nLength));
+        sText.ReleaseBuffer(static_cast<int>(file.Read(psz, nLength)));
         SetWindowTextA(m_edit, sText);
         m_recent.Add(sPath);
         SetDocument(sPath);

@@ -90,7 +90,7 @@ private:
             if (value.nResult == CU_PROBER_DONE && value.nKind != CU_PROBER_TEXT)
                 m_plot.Add(value.nKind == CU_PROBER_DOUBLE ? value.fDouble : value.nLong);
         }
-        SetAlarm(std::clamp(s_interval.Get(), 20L, 60000L));
+        SetAlarm(std::max(20L, std::min(s_interval.Get(), 60000L)));
     }
 
     void HandleCommand(unsigned nID) override

@@ -34,7 +34,7 @@ public:
     void ZoomTo(double zoom)
     {
         const double most = 32767. / std::max({m_picture.Width(), m_picture.Height(), 2048});
-        zoom = std::clamp(zoom, LEAST_ZOOM, most);
+        zoom = std::max(LEAST_ZOOM, std::min(zoom, most));
         const int x = m_size.cx / 2, y = m_size.cy / 2;
         const double change = zoom / m_zoom;
         m_at = {x - lround((x - m_at.x) * change), y - lround((y - m_at.y) * change)};
@@ -91,7 +91,8 @@ private:
     // Where a length begins: in the middle of a larger room, else so that it covers the room.
     static LONG Placed(LONG nAt, LONG nLength, LONG nRoom)
     {
-        return nLength <= nRoom ? (nRoom - nLength) / 2 : std::clamp(nAt, nRoom - nLength, 0L);
+        return nLength <= nRoom ? (nRoom - nLength) / 2
+                                : std::max(nRoom - nLength, std::min(nAt, 0L));
     }
     void Adjust()
     {

@@ -89,9 +89,13 @@ class Package(unittest.TestCase):
             return output.read()
 
     def test_headers(self):
-        """Every one compiles alone, and all in any order, as users' compilers may be told to."""
+        """Every one compiles alone, and all in any order, as users' compilers may be told to; so do the
+        samples."""
         headers = sorted((self.tree / "include").rglob("*.h"))
         sources = [((*self.clang, "-std=c++14"), [header]) for header in headers]
+        samples = list((ROOT / "Samples").rglob("*.cpp"))
+        sources += [((*self.clang, "-std=c++14"), [sample]) for sample in samples]
+        self.assertIn(ROOT / "Samples/Viewer/Viewer.cpp", samples)
         sources.append(((*self.gcc, "-std=c++20", "-DUNICODE", "-D_UNICODE"), headers[::-1]))
         # What Visual Studio's compiler would read, also of the headers that the sources share, but for the
         # one that it has no words for. The system's headers here are not its own, and so come before, as
