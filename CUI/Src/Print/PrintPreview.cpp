@@ -237,9 +237,12 @@ void CCUIPrintPreview::OnMouseWheel(UINT nFlags, int nDelta, POINT &)
         ScrollOrTurn(-nNotches * CUIWheelStep(m_view.cy));
 }
 
-// Down or up; from the end of a page to the next one.
+// Down or up; from the end of a page to the next one. 0: not at all, which users may set of the
+// wheel.
 void CCUIPrintPreview::ScrollOrTurn(int nBy)
 {
+    if (nBy == 0)
+        return;
     const int nNext = m_nPage + (nBy > 0 ? 1 : -1);
     const LONG nOld = m_at.y;
     m_at.y += nBy;
@@ -259,8 +262,8 @@ void CCUIPrintPreview::OnKeyDown(UINT nKey, UINT nRepeat, UINT nFlags)
     switch (nKey) {
     case VK_UP: ScrollOrTurn(-Scaled(ARROW)); break;
     case VK_DOWN: ScrollOrTurn(Scaled(ARROW)); break;
-    case VK_PRIOR: ScrollOrTurn(-CUILarger(1, m_view.cy)); break;
-    case VK_NEXT: ScrollOrTurn(CUILarger(1, m_view.cy)); break;
+    case VK_PRIOR: ScrollOrTurn(-m_view.cy); break;
+    case VK_NEXT: ScrollOrTurn(m_view.cy); break;
     case VK_HOME: SetPage(0); break;
     case VK_END: SetPage(m_nPages); break;
     case VK_LEFT: OnHScroll(SB_LINELEFT, 0, nullptr); break;
