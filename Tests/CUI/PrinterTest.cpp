@@ -135,7 +135,7 @@ TEST(Printer, MayBeClosedAndDeletedMeanwhile)
     CTestPages pages;
     const CDumped dumped;
     auto pPrinter = std::make_unique<CCUIPrinter>();
-    const auto print = [&](std::function<void()> onDraw) {
+    const auto print = [&](const std::function<void()> &onDraw) {
         system.m_did.clear();
         EXPECT_TRUE(pPrinter->OpenDefault());
         pages.m_onDraw = onDraw;
