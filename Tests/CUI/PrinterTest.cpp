@@ -135,7 +135,7 @@ TEST(Printer, MayBeClosedAndDeletedMeanwhile)
     CTestPages pages;
     const CDumped dumped;
     auto pPrinter = std::make_unique<CCUIPrinter>();
-    const auto print = [&](std::function<void()> onDraw) {
+    const auto print = [&](const std::function<void()> &onDraw) {
         system.m_did.clear();
         EXPECT_TRUE(pPrinter->OpenDefault());
         pages.m_onDraw = onDraw;
@@ -255,6 +255,13 @@ TEST(PrintPreview, ShowsThePageAsItIsPrinted)
     preview.SetZoom(0);
     preview.OnMouseWheel(0, WHEEL_DELTA, point);
     EXPECT_EQ(3, preview.GetPage());
+    {
+        const CFakeCall<BOOL(UINT, UINT, void *, UINT)> noLines(
+            "SystemParametersInfoA",
+            [](UINT, UINT, void *p, UINT) { return *static_cast<UINT *>(p) = 0, TRUE; });
+        preview.OnMouseWheel(0, WHEEL_DELTA, point);
+        EXPECT_EQ(3, preview.GetPage());
+    }
     preview.SetPages(nullptr, {});
     EXPECT_EQ(GetSysColor(COLOR_APPWORKSPACE), WindowPixels(preview).At(110, 110));
 }

@@ -237,9 +237,12 @@ void CCUIPrintPreview::OnMouseWheel(UINT nFlags, int nDelta, POINT &)
         ScrollOrTurn(-nNotches * CUIWheelStep(m_view.cy));
 }
 
-// Down or up; from the end of a page to the next one.
+// Down or up; from the end of a page to the next one. 0: not at all, which users may set of the
+// wheel.
 void CCUIPrintPreview::ScrollOrTurn(int nBy)
 {
+    if (nBy == 0)
+        return;
     const int nNext = m_nPage + (nBy > 0 ? 1 : -1);
     const LONG nOld = m_at.y;
     m_at.y += nBy;
