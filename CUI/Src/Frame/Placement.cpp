@@ -122,8 +122,7 @@ void CUIFitPlacement(CCUIPlacement &placement, int nDpi)
     const RECT work = CUIScreenOf(rect).work;
     // What the user has moved partly out of the screen stays there; what has grown out of it does
     // not, nor what was made on a larger one.
-    const bool bTooLarge =
-        CUIWidth(rect) > CUIWidth(work) || CUIHeight(rect) > CUIHeight(work);
+    const bool bTooLarge = CUIWidth(rect) > CUIWidth(work) || CUIHeight(rect) > CUIHeight(work);
     if (!bGrows && !bTooLarge && IsWithinReach(rect, work))
         return;
     Fit(rect.left, rect.right, work.left, work.right);
