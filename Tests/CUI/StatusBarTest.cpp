@@ -1,4 +1,5 @@
 // Panes of a status bar: where they are, what of them is painted, and what the mouse does there.
+#include "CUI/ControlBar.h"
 #include "CUI/StatusBar.h"
 
 #include <commctrl.h>
@@ -8,6 +9,7 @@
 #include "Support/DotsPerInch.h"
 #include "Support/PixelMap.h"
 #include "Support/Reports.h"
+#include "Support/Threads.h"
 #include "Support/UpdateArea.h"
 
 namespace {
@@ -167,4 +169,19 @@ TEST(StatusBar, TellsClicksAndSurvivesWhatTheyBringAbout)
     frame.m_on[WM_NOTIFY] = [&] { return bar.reset(), 0; };
     SendMessageA(*bar, WM_RBUTTONUP, 0, second);
     EXPECT_FALSE(bar);
+}
+
+TEST(StatusBar, ReportsCallsOfOtherThreads)
+{
+    CReports reports;
+    CTestPopup frame;
+    CStatusBar bar(frame);
+    CCUIControlBar buttons;
+    buttons.CreateBar(frame, 2);
+    const auto call = [&](int) { bar.SetText(0, "done"), buttons.AddSeparator(); };
+    call(0);
+    EXPECT_EQ(0, reports.Total());
+    CThreads::Run(1, call, PumpWaiting);
+    EXPECT_EQ(1, reports.Count("CUIIsOwnThread(m_hWnd)", "StatusBar"));
+    EXPECT_EQ(1, reports.Count("CUIIsOwnThread(m_hWnd)", "ControlBar"));
 }

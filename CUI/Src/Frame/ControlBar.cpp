@@ -11,6 +11,7 @@
 #include "Control/ControlTip.h"
 #include "Drawing/BufferedPaint.h"
 #include "Frame/BarItems.h"
+#include "Window/OwnThread.h"
 
 #define CU_SOURCE "ControlBar"
 
@@ -104,6 +105,7 @@ void CCUIControlBar::SetButtons(const unsigned int *pnIDs, int nCount)
 // SetCommand asks the command's handler, which may change or delete the bar.
 void CCUIControlBar::Append(unsigned int nID, int nPicture, HWND hControl)
 {
+    CU_ASSERT(CUIIsOwnThread(m_hWnd));
     CWatch watch(this);
     auto *const pItem = new CCUIBarItem(this);
     pItem->nPicture = nPicture;
@@ -151,6 +153,7 @@ void CCUIControlBar::AddControl(HWND hControl, unsigned int nID)
 
 void CCUIControlBar::RemoveAll()
 {
+    CU_ASSERT(CUIIsOwnThread(m_hWnd));
     CWatch watch(this);
     m_nHot = m_nPressed = -1;
     while (!watch.IsGone() && m_pItems->Count() > 0) {
@@ -189,6 +192,7 @@ void CCUIControlBar::ShowTexts(bool bShow)
 // Buttons with a picture have not asked for their text.
 void CCUIControlBar::TextsChanged()
 {
+    CU_ASSERT(CUIIsOwnThread(m_hWnd));
     CWatch watch(this);
     m_pItems->ForgetSizes();
     m_bFilling = true;
