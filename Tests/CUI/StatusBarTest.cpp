@@ -182,6 +182,6 @@ TEST(StatusBar, ReportsCallsOfOtherThreads)
     call(0);
     EXPECT_EQ(0, reports.Total());
     CThreads::Run(1, call, PumpWaiting);
-    EXPECT_EQ(1, reports.Count("CUIIsOwnThread(m_hWnd)", "StatusBar"));
-    EXPECT_EQ(1, reports.Count("CUIIsOwnThread(m_hWnd)", "ControlBar"));
+    EXPECT_EQ(1, reports.Count("IsOwnThread()", "StatusBar"));
+    EXPECT_EQ(1, reports.Count("IsOwnThread()", "ControlBar"));
 }

@@ -341,8 +341,8 @@ TEST(SystemControls, TellWhatBecomesOfItems)
     DoubleClick(tree, row);
     EXPECT_EQ("activate r ", tree.Taken());
     EXPECT_TRUE(tree.IsExpanded(hRoot));
-    for (const UINT message : {WM_RBUTTONDOWN, WM_RBUTTONUP})
-        PostMessageA(tree, message, 0, MAKELPARAM(30, row.top + 2));
+    for (const int message : {WM_RBUTTONDOWN, WM_RBUTTONUP})
+        PostMessageA(tree, UINT(message), 0, MAKELPARAM(30, row.top + 2));
     PumpWaiting();
     EXPECT_EQ("menu ", tree.Taken());
     Rename(tree.EditLabel(hRoot));

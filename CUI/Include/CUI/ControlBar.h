@@ -38,7 +38,7 @@ class CCUIMenu;
 /// had it, as pressing does, before the command.
 ///
 /// For the user-interface thread only: changes of its items on another one than the window's are
-/// reported as "CUIIsOwnThread(m_hWnd)".
+/// reported as "IsOwnThread()".
 class CCUIControlBar : public CCUIControlWindow
 {
 public:

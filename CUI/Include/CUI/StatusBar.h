@@ -41,7 +41,7 @@ struct CUIPaneNotification
 /// the right. '&' is a character like any other, what does not fit ends in "...". A pane's number
 /// that is none is reported as "pPane", and nothing happens or "" is answered. Panes can be set up
 /// before there is a window. For the user-interface thread only: calls on another one than the
-/// window's are reported as "CUIIsOwnThread(m_hWnd)".
+/// window's are reported as "IsOwnThread()".
 class CCUIStatusBar : public CCUIControlWindow, public CCUIHelpText
 {
 public:

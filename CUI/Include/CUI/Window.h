@@ -503,12 +503,12 @@ private:
     CCUIWindowHookList *m_pHooks;
 };
 
-// Outlives the object for as long as somebody watches it. A watch that never ends, since its
-// function was left by an exception or with its thread, costs these bytes and no more.
+/// Outlives the object for as long as somebody watches it. A watch that never ends, since its
+/// function was left by an exception or with its thread, costs these bytes and no more.
 struct CCUIWindow::CLife
 {
-    CCUIWindow *pWindow;  // null: gone
-    int nUsers;           // the object and its watches
+    CCUIWindow *pWindow;  ///< null: gone
+    int nUsers;           ///< the object and its watches
 };
 
 /// Tells, on the stack of a function that calls user code, whether the object still stands.

@@ -105,7 +105,7 @@ void CCUIControlBar::SetButtons(const unsigned int *pnIDs, int nCount)
 // SetCommand asks the command's handler, which may change or delete the bar.
 void CCUIControlBar::Append(unsigned int nID, int nPicture, HWND hControl)
 {
-    CU_ASSERT(CUIIsOwnThread(m_hWnd));
+    CU_ASSERT_TEXT(CUIIsOwnThread(m_hWnd), "IsOwnThread()");
     CWatch watch(this);
     auto *const pItem = new CCUIBarItem(this);
     pItem->nPicture = nPicture;
@@ -153,7 +153,7 @@ void CCUIControlBar::AddControl(HWND hControl, unsigned int nID)
 
 void CCUIControlBar::RemoveAll()
 {
-    CU_ASSERT(CUIIsOwnThread(m_hWnd));
+    CU_ASSERT_TEXT(CUIIsOwnThread(m_hWnd), "IsOwnThread()");
     CWatch watch(this);
     m_nHot = m_nPressed = -1;
     while (!watch.IsGone() && m_pItems->Count() > 0) {
@@ -192,7 +192,7 @@ void CCUIControlBar::ShowTexts(bool bShow)
 // Buttons with a picture have not asked for their text.
 void CCUIControlBar::TextsChanged()
 {
-    CU_ASSERT(CUIIsOwnThread(m_hWnd));
+    CU_ASSERT_TEXT(CUIIsOwnThread(m_hWnd), "IsOwnThread()");
     CWatch watch(this);
     m_pItems->ForgetSizes();
     m_bFilling = true;
