@@ -29,14 +29,13 @@ public:
     template <int COUNT>
     void Make(HWND hParent, const char *const (&texts)[COUNT], int nChosen)
     {
-        m_label.SetFixedSize(CUIGetWinData()->cyChar);
-        m_label.SetLayoutFlags(CUI_PLACE_FILL);
+        m_label.SetLayoutFlags(CUI_PLACE_FILL | CUI_PLACE_FIT);
         m_label.CreateControl(hParent, 0, m_pszName);
         CreateControl(hParent, 0);
         for (const char *pszText : texts)
             AddString(pszText);
         SetCurSel(nChosen);
-        SetLayoutFlags(CUI_PLACE_FILL);
+        SetLayoutFlags(CUI_PLACE_FILL | CUI_PLACE_FIT);
     }
 
 protected:
@@ -149,7 +148,7 @@ private:
         m_soft.SetCheck(BST_CHECKED);
         m_colour.Make(m_settings, "One &colour behind");
         m_again.Make(m_settings, "&Run");
-        m_progress.SetLayoutFlags(CUI_PLACE_FILL);
+        m_progress.SetLayoutFlags(CUI_PLACE_FILL | CUI_PLACE_FIT);
         m_progress.CreateControl(m_settings, 0);
         m_progress.SetTicFreq(25);
     }

@@ -1,4 +1,5 @@
 // Panes of a status bar: where they are, what of them is painted, and what the mouse does there.
+#include "CUI/ControlBar.h"
 #include "CUI/StatusBar.h"
 
 #include <commctrl.h>
@@ -7,6 +8,7 @@
 #include "Support/DotsPerInch.h"
 #include "Support/Reports.h"
 #include "Support/TestBitmap.h"
+#include "Support/Threads.h"
 #include "Support/UpdateArea.h"
 
 namespace {
@@ -164,4 +166,19 @@ TEST(StatusBar, TellsClicksAndSurvivesWhatTheyBringAbout)
     frame.m_on[WM_NOTIFY] = [&] { return bar.reset(), 0; };
     SendMessageA(*bar, WM_RBUTTONUP, 0, second);
     EXPECT_FALSE(bar);
+}
+
+TEST(StatusBar, ReportsCallsOfOtherThreads)
+{
+    CReports reports;
+    CTestPopup frame;
+    CStatusBar bar(frame);
+    CCUIControlBar buttons;
+    buttons.CreateBar(frame, 2);
+    const auto call = [&](int) { bar.SetText(0, "done"), buttons.AddSeparator(); };
+    call(0);
+    EXPECT_EQ(0, reports.Total());
+    CThreads::Run(1, call, PumpWaiting);
+    EXPECT_EQ(1, reports.Count("IsOwnThread()", "StatusBar"));
+    EXPECT_EQ(1, reports.Count("IsOwnThread()", "ControlBar"));
 }

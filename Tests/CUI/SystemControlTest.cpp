@@ -226,6 +226,7 @@ struct CTree : CCUITreeView, CRecord
     int OnBeginLabelEdit(HTREEITEM h, bool &b) override { return Asked(b, "label " + Name(h)); }
     int OnEndLabelEdit(HTREEITEM, const char *psz, bool &b) override { return Renamed(b, psz); }
     int OnDeleteItem(HTREEITEM, LPARAM lData) override { return Told(Text("delete %ld", lData)); }
+    void OnContextMenu(HWND, POINT &) override { Told("menu"); }
 };
 struct CList : CCUIListView, CRecord
 {
@@ -344,6 +345,10 @@ TEST(SystemControls, TellWhatBecomesOfItems)
     DoubleClick(tree, row);
     EXPECT_EQ("activate r ", tree.Taken());
     EXPECT_TRUE(tree.IsExpanded(hRoot));
+    for (const int message : {WM_RBUTTONDOWN, WM_RBUTTONUP})
+        PostMessageA(tree, UINT(message), 0, MAKELPARAM(30, row.top + 2));
+    PumpWaiting();
+    EXPECT_EQ("menu ", tree.Taken());
     Rename(tree.EditLabel(hRoot));
     EXPECT_EQ("label r new ", tree.Taken());
     EXPECT_STREQ("new", tree.GetItemText(hRoot));

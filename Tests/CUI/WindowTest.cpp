@@ -1,4 +1,6 @@
 // Objects and their windows: binding, letting go, dying at odd moments, coming and going unheard.
+#include <setjmp.h>
+
 #include <deque>
 #include <random>
 
@@ -32,6 +34,15 @@ WNDPROC g_pForeignOld;
 LRESULT CALLBACK ForeignProc(HWND hWnd, UINT message, WPARAM wParam, LPARAM lParam)
 {
     return CallWindowProcA(g_pForeignOld, hWnd, message, wParam, lParam);
+}
+
+// A window's procedure before ours, which notes what gets default processing.
+std::string g_defaults;
+LRESULT CALLBACK NotingProc(HWND hWnd, UINT message, WPARAM wParam, LPARAM lParam)
+{
+    if (message > WM_APP)
+        g_defaults += Text("%u ", message - WM_APP);
+    return DefWindowProcA(hWnd, message, wParam, lParam);
 }
 
 std::string WindowText(HWND hWnd)
@@ -299,4 +310,53 @@ TEST(Window, IsMovedShownAndNamedWithoutItsHandle)
     none.Focus(), none.Show(), none.Invalidate(), none.SetText("x");
     EXPECT_FALSE(none.IsShown() || none.HasFocus() || none.GetPlace().right);
     EXPECT_STREQ("", none.GetText());
+}
+
+// Without the system's own calls in between, which do not stand a change of stacks.
+static void CallDirectly(HWND hWnd, UINT message)
+{
+    const auto proc = reinterpret_cast<WNDPROC>(GetWindowLongA(hWnd, GWL_WNDPROC));
+    CallWindowProcA(proc, hWnd, message, 0, 0);
+}
+
+static void *g_fibers[2];
+static void WINAPI OtherFiber(void *hWnd)
+{
+    CallDirectly(static_cast<HWND>(hWnd), WM_APP + 4);
+    SwitchToFiber(g_fibers[0]);
+}
+
+// Handlers that never return, and some that return in another order.
+TEST(Window, KnowsItsMessageWhateverBecomesOfOthers)
+{
+    const HWND hWnd = MakePlain("STATIC");
+    SetProcedure(hWnd, NotingProc);
+    CScripted<> window;
+    window.Attach(hWnd);
+    static jmp_buf s_jump;
+    window.m_on[WM_APP + 1] = [&] {
+        if (setjmp(s_jump) == 0)
+            CallDirectly(window, WM_APP + 2);
+        return window.Default();
+    };
+    window.m_on[WM_APP + 2] = []() -> long { longjmp(s_jump, 1); };
+    CallDirectly(window, WM_APP + 1);
+    window.Default();
+    EXPECT_EQ("1 ", std::exchange(g_defaults, ""));
+
+    g_fibers[0] = ConvertThreadToFiber(nullptr);
+    g_fibers[1] = CreateFiber(0, OtherFiber, hWnd);
+    window.m_on[WM_APP + 3] = [&] { return SwitchToFiber(g_fibers[1]), window.Default(); };
+    window.m_on[WM_APP + 4] = [&] { return SwitchToFiber(g_fibers[0]), window.Default(); };
+    CallDirectly(hWnd, WM_APP + 3);
+    SwitchToFiber(g_fibers[1]);
+    EXPECT_EQ("3 4 ", std::exchange(g_defaults, ""));
+    DeleteFiber(g_fibers[1]);
+    // A handler that goes with its stack: from then on nothing is read nor written there.
+    g_fibers[1] = CreateFiber(0, OtherFiber, hWnd);
+    SwitchToFiber(g_fibers[1]);
+    DeleteFiber(g_fibers[1]);
+    window.Default();
+    DestroyWindow(window);
+    EXPECT_EQ("", g_defaults);
 }

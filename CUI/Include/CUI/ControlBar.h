@@ -37,7 +37,8 @@ class CCUIMenu;
 /// from one to the next, Enter and Space press it, Escape gives the focus back to the window that
 /// had it, as pressing does, before the command.
 ///
-/// For the user-interface thread only.
+/// For the user-interface thread only: changes of its items on another one than the window's are
+/// reported as "IsOwnThread()".
 class CCUIControlBar : public CCUIControlWindow
 {
 public:

@@ -40,7 +40,8 @@ struct CUIPaneNotification
 /// Tabs before a text align it as in the system's own status bars: one centres it, two put it to
 /// the right. '&' is a character like any other, what does not fit ends in "...". A pane's number
 /// that is none is reported as "pPane", and nothing happens or "" is answered. Panes can be set up
-/// before there is a window. For the user-interface thread only.
+/// before there is a window. For the user-interface thread only: calls on another one than the
+/// window's are reported as "IsOwnThread()".
 class CCUIStatusBar : public CCUIControlWindow, public CCUIHelpText
 {
 public:

@@ -9,7 +9,8 @@
 #include <commctrl.h>
 #include <string.h>
 
-/// A tree of items. A null item is none, as a parent the tree's invisible root.
+/// A tree of items. A null item is none, as a parent the tree's invisible root. A click with the
+/// right button asks the tree for its context menu (OnContextMenu), as it does other windows.
 class CCUITreeView : public CCUISystemControl
 {
 public:
@@ -209,6 +210,12 @@ protected:
             break;
         case TVN_BEGINDRAGA: return OnBeginDrag(tree.itemNew.hItem);
         case TVN_DELETEITEMA: return OnDeleteItem(tree.itemOld.hItem, tree.itemOld.lParam);
+        case NM_RCLICK:
+            // Else the tree would ask its parent for a context menu, not itself.
+            result = 1;
+            SendMessageA(m_hWnd, WM_CONTEXTMENU, FromPointer<WPARAM>(m_hWnd),
+                         static_cast<LPARAM>(GetMessagePos()));
+            return 1;
         case NM_DBLCLK: {
             const HTREEITEM hItem = HitTest(GetMessagePoint());
             bHandled = hItem ? OnItemActivate(hItem) : 0;

@@ -472,7 +472,9 @@ protected:
 
 private:
     class CMessage;
+    class CMessages;
     class CAnswer;
+    struct CLife;
 
     static LRESULT CALLBACK StaticWindowProc(HWND hWnd, UINT message, WPARAM wParam, LPARAM lParam);
     static LRESULT CALLBACK CreationHookProc(int nCode, WPARAM wParam, LPARAM lParam);
@@ -485,16 +487,28 @@ private:
     long DispatchFurther(UINT message, WPARAM wParam, LPARAM lParam);
     long HandOn();
     void RouteCommand(UINT nCode, UINT nID, HWND hControl);
+    CMessage *CurrentMessage();
+    void ForgetMessages();
+    void EndLife();
+    long DefProcNow(UINT message, WPARAM wParam, LPARAM lParam);
 
     HACCEL m_hAccelerators;
     CCUIMenu *m_pContextMenu;
     int m_bShowToolTips;
     bool m_bRoutesCommands;
-    int m_bMissedDetach;   // the window died attached: OnDestroy did not reach the base
-    HWND m_hCreated;       // what the creation under way has bound
-    CMessage *m_pMessage;  // being handled, the innermost
-    CWatch *m_pWatch;      // who must hear that the object is gone
+    int m_bMissedDetach;     // the window died attached: OnDestroy did not reach the base
+    HWND m_hCreated;         // what the creation under way has bound
+    CMessages *m_pMessages;  // being handled; null: there has been none yet
+    CLife *m_pLife;          // shared with the watches; null: there has been none yet
     CCUIWindowHookList *m_pHooks;
+};
+
+/// Outlives the object for as long as somebody watches it. A watch that never ends, since its
+/// function was left by an exception or with its thread, costs these bytes and no more.
+struct CCUIWindow::CLife
+{
+    CCUIWindow *pWindow;  ///< null: gone
+    int nUsers;           ///< the object and its watches
 };
 
 /// Tells, on the stack of a function that calls user code, whether the object still stands.
@@ -507,10 +521,8 @@ public:
     CWatch(const CWatch &) = delete;
     CWatch &operator=(const CWatch &) = delete;
     /// Whether the object's destructor has run.
-    bool IsGone() const { return !m_pWindow; }
+    bool IsGone() const { return !m_pLife->pWindow; }
 
 private:
-    friend class CCUIWindow;
-    CCUIWindow *m_pWindow;
-    CWatch *m_pNext;
+    CLife *const m_pLife;
 };

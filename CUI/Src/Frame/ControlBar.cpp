@@ -11,6 +11,7 @@
 #include "Control/ControlTip.h"
 #include "Drawing/BufferedPaint.h"
 #include "Frame/BarItems.h"
+#include "Window/OwnThread.h"
 
 #define CU_SOURCE "ControlBar"
 
@@ -115,6 +116,7 @@ void CCUIControlBar::SetButtons(const unsigned int *pnIDs, int nCount)
 // SetCommand asks the command's handler, which may change or delete the bar.
 void CCUIControlBar::Append(unsigned int nID, int nPicture, HWND hControl)
 {
+    CU_ASSERT_TEXT(CUIIsOwnThread(m_hWnd), "IsOwnThread()");
     CWatch watch(this);
     auto *const pItem = new CItem(this);
     pItem->nPicture = nPicture;
@@ -162,6 +164,7 @@ void CCUIControlBar::AddControl(HWND hControl, unsigned int nID)
 
 void CCUIControlBar::RemoveAll()
 {
+    CU_ASSERT_TEXT(CUIIsOwnThread(m_hWnd), "IsOwnThread()");
     CWatch watch(this);
     m_nHot = m_nPressed = -1;
     while (!watch.IsGone() && m_pItems->Count() > 0) {
@@ -200,6 +203,7 @@ void CCUIControlBar::ShowTexts(bool bShow)
 // Buttons with a picture have not asked for their text.
 void CCUIControlBar::TextsChanged()
 {
+    CU_ASSERT_TEXT(CUIIsOwnThread(m_hWnd), "IsOwnThread()");
     CWatch watch(this);
     m_pItems->ForgetSizes();
     m_bFilling = true;

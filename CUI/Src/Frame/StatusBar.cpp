@@ -9,6 +9,7 @@
 #include "Drawing/BufferedPaint.h"
 #include "Drawing/Look.h"
 #include "Frame/StatusPane.h"
+#include "Window/OwnThread.h"
 
 #define CU_SOURCE "StatusBar"
 
@@ -39,6 +40,8 @@ int CCUIStatusBar::CreateBar(HWND hParent, UINT nID)
 
 CCUIStatusPane *CCUIStatusBar::Pane(int nPane) const
 {
+    // While this thread paints, it would read what another one has half written.
+    CU_ASSERT_TEXT(CUIIsOwnThread(m_hWnd), "IsOwnThread()");
     CCUIStatusPane *const pPane =
         nPane >= 0 && nPane < m_pPanes->Count() ? &(*m_pPanes)[nPane] : nullptr;
     CU_ASSERT(pPane);
@@ -153,6 +156,7 @@ void CCUIStatusBar::SetProgress(int nPane, int nValue, int nMost)
 
 void CCUIStatusBar::SetHelp(bool bHelp, const CCUString &sText)
 {
+    CU_ASSERT_TEXT(CUIIsOwnThread(m_hWnd), "IsOwnThread()");
     if (m_bHelp == bHelp && m_sHelp == sText)
         return;
     m_bHelp = bHelp;

@@ -61,8 +61,8 @@ CCUIWindow::CCUIWindow()
       m_bRoutesCommands(false),
       m_bMissedDetach(0),
       m_hCreated(nullptr),
-      m_pMessage(nullptr),
-      m_pWatch(nullptr),
+      m_pMessages(nullptr),
+      m_pLife(nullptr),
       m_pHooks(nullptr)
 {
 }
@@ -83,8 +83,7 @@ CCUIWindow::~CCUIWindow()
     if (m_hAccelerators)
         DestroyAcceleratorTable(m_hAccelerators);
     delete m_pHooks;
-    for (CWatch *pWatch = m_pWatch; pWatch; pWatch = pWatch->m_pNext)
-        pWatch->m_pWindow = nullptr;
+    EndLife();
 }
 
 void CCUIWindow::InsertMessageHook(CCUIWindowHook *pHook)

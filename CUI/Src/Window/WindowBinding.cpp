@@ -183,6 +183,7 @@ bool CCUIWindow::HasWindow()
 {
     if (m_hWnd && !Exist()) {
         m_bMissedDetach = 1;
+        ForgetMessages();
         Detach();
     }
     return m_hWnd != nullptr;

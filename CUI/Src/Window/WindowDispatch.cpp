@@ -1,7 +1,9 @@
 // The way of a message, from top to bottom: the window procedure, the window's object, the object's
 // hooks, the message table, the base handlers, default processing.
 
+#include "Base/Array.h"
 #include "Base/Compiler.h"
+#include "Base/Stack.h"
 #include "CU/Assert.h"
 #include "CUI/Menu.h"
 #include "Menu/MenuHooks.h"
@@ -15,44 +17,25 @@
 // What all the base handlers call: a copy in each would only make the program larger.
 #define CUI_OUT_OF_LINE CU_NOINLINE
 
-CCUIWindow::CWatch::CWatch(CCUIWindow *pWindow) : m_pWindow(pWindow), m_pNext(pWindow->m_pWatch)
+CCUIWindow::CWatch::CWatch(CCUIWindow *pWindow)
+    : m_pLife(pWindow->m_pLife ? pWindow->m_pLife : new CLife{pWindow, 1})
 {
-    pWindow->m_pWatch = this;
+    pWindow->m_pLife = m_pLife;
+    ++m_pLife->nUsers;
 }
 
 CCUIWindow::CWatch::~CWatch()
 {
-    if (!m_pWindow)
-        return;
-    // The first, unless another thread than the window's called the object meanwhile.
-    CWatch **pp = &m_pWindow->m_pWatch;
-    while (*pp && *pp != this)
-        pp = &(*pp)->m_pNext;
-    if (*pp)
-        *pp = m_pNext;
+    if (--m_pLife->nUsers == 0)
+        delete m_pLife;
 }
 
-// The message that a window is handling, on the stack of the window procedure. Messages nest: the
-// one before comes back when the inner one is done.
+// The message that a window is handling, on the stack of the window procedure.
 class CCUIWindow::CMessage : public CCUIWindow::CWatch
 {
 public:
-    CMessage(CCUIWindow *pWindow, UINT message, WPARAM wParam, LPARAM lParam)
-        : CWatch(pWindow),
-          m_message(message),
-          m_wParam(wParam),
-          m_lParam(lParam),
-          m_answer(0),
-          m_pOuter(pWindow->m_pMessage),
-          m_pOwner(pWindow)
-    {
-        pWindow->m_pMessage = this;
-    }
-    ~CMessage()
-    {
-        if (!IsGone())
-            m_pOwner->m_pMessage = m_pOuter;
-    }
+    CMessage(CCUIWindow *pWindow, UINT message, WPARAM wParam, LPARAM lParam);
+    ~CMessage();
 
     const UINT m_message;
     const WPARAM m_wParam;
@@ -60,9 +43,98 @@ public:
     long m_answer;  // of a handler that returns nothing
 
 private:
-    CMessage *const m_pOuter;
     CCUIWindow *const m_pOwner;
 };
+
+// The messages that a window is handling, the innermost last. They end in another order where
+// fibers switch in handlers, and some never do: those whose handlers were left by an exception that
+// the system has swallowed or by a jump, or with their thread. So a message is looked at only while
+// it lies on the part of the stack that is in use.
+class CCUIWindow::CMessages
+{
+public:
+    void Begin(CMessage *pMessage)
+    {
+        DropLeft(reinterpret_cast<char *>(pMessage));
+        m_messages.Add(pMessage);
+    }
+    void End(const CMessage *pMessage)
+    {
+        int i = m_messages.Count() - 1;
+        while (i >= 0 && m_messages[i] != pMessage)
+            --i;
+        if (i >= 0)
+            m_messages.Remove(i, 1);
+    }
+    // The innermost of this stack, or null.
+    CMessage *Current()
+    {
+        char here = 0;
+        DropLeft(&here);
+        const char *const pBase = static_cast<char *>(CUStackBounds().StackBase);
+        for (int i = m_messages.Count() - 1; i >= 0; --i) {
+            const auto *const p = reinterpret_cast<char *>(m_messages[i]);
+            if (p > &here && p < pBase)
+                return m_messages[i];
+        }
+        return nullptr;
+    }
+
+private:
+    void DropLeft(const char *pInUse)
+    {
+        const char *const pEnd = static_cast<char *>(CUStackBounds().StackLimit);
+        for (int i = m_messages.Count() - 1; i >= 0; --i) {
+            const auto *const p = reinterpret_cast<char *>(m_messages[i]);
+            if (p < pInUse && p >= pEnd)
+                m_messages.Remove(i, 1);
+        }
+    }
+
+    CCUArray<CMessage *> m_messages;
+};
+
+CCUIWindow::CMessage::CMessage(CCUIWindow *pWindow, UINT message, WPARAM wParam, LPARAM lParam)
+    : CWatch(pWindow),
+      m_message(message),
+      m_wParam(wParam),
+      m_lParam(lParam),
+      m_answer(0),
+      m_pOwner(pWindow)
+{
+    if (!pWindow->m_pMessages)
+        pWindow->m_pMessages = new CMessages;
+    pWindow->m_pMessages->Begin(this);
+}
+
+CCUIWindow::CMessage::~CMessage()
+{
+    if (!IsGone() && m_pOwner->m_pMessages)
+        m_pOwner->m_pMessages->End(this);
+}
+
+CUI_OUT_OF_LINE CCUIWindow::CMessage *CCUIWindow::CurrentMessage()
+{
+    return m_pMessages ? m_pMessages->Current() : nullptr;
+}
+
+// What was handled for a window that has gone unheard: its thread may have ended with it, and
+// others have that stack now.
+void CCUIWindow::ForgetMessages()
+{
+    delete m_pMessages;
+    m_pMessages = nullptr;
+}
+
+void CCUIWindow::EndLife()
+{
+    ForgetMessages();
+    if (!m_pLife)
+        return;
+    m_pLife->pWindow = nullptr;
+    if (--m_pLife->nUsers == 0)
+        delete m_pLife;
+}
 
 CUI_OUT_OF_LINE CCUIWindow *CCUIWindow::FromHandle(HWND hWnd)
 {
@@ -284,7 +356,7 @@ long CCUIWindow::WindowProc(UINT message, WPARAM wParam, LPARAM lParam)
 // The further messages, in a table of their own, so that those above are as fast as without them.
 CUI_OUT_OF_LINE long CCUIWindow::DispatchFurther(UINT message, WPARAM wParam, LPARAM lParam)
 {
-    CAnswer answer(m_pMessage);
+    CAnswer answer(CurrentMessage());
     CPointArg point(lParam);
     const auto w = static_cast<UINT>(wParam);
 
@@ -359,7 +431,7 @@ void CCUIWindow::OnSetWindowState(UINT) { Default(); }
 CUI_OUT_OF_LINE long CCUIWindow::HandOn()
 {
     // On the stack: OnMessage may delete the object.
-    CMessage *const pMessage = m_pMessage;
+    CMessage *const pMessage = CurrentMessage();
     if (!pMessage)
         return 0;
     const long answer = OnMessage(pMessage->m_message, pMessage->m_wParam, pMessage->m_lParam);
@@ -495,7 +567,7 @@ HWND CCUIWindow::FindReflectChild(UINT message, WPARAM, LPARAM lParam) const
 CUI_OUT_OF_LINE long CCUIWindow::ReflectOrDefault(HWND hChild)
 {
     // The child may delete this object; the message, on the stack, then tells.
-    const CMessage *const pMessage = m_pMessage;
+    const CMessage *const pMessage = CurrentMessage();
     long result = 0;
     if (hChild && ReflectLastMessage(hChild, &result))
         return result;
@@ -506,9 +578,10 @@ int CCUIWindow::ReflectLastMessage(HWND hChild, long *pResult)
 {
     CCUIWindow *const pChild = FromHandle(hChild);
     // WM_CTLCOLORDLG asks a dialog about itself, with its own handle.
-    if (!m_pMessage || !pChild || pChild == this)
+    const CMessage *const pMessage = CurrentMessage();
+    if (!pMessage || !pChild || pChild == this)
         return 0;
-    const CMessage &message = *m_pMessage;
+    const CMessage &message = *pMessage;
     long result = 0;
     int bHandled = 0;
     if (message.m_message == WM_NOTIFY)
@@ -544,14 +617,19 @@ long CCUIWindow::DefProc(UINT message, WPARAM wParam, LPARAM lParam)
 {
     // While it handles a message the window lives. At other times its handle may have become
     // another window's.
-    if (!m_pMessage)
+    if (!CurrentMessage())
         HasWindow();
+    return DefProcNow(message, wParam, lParam);
+}
+
+long CCUIWindow::DefProcNow(UINT message, WPARAM wParam, LPARAM lParam)
+{
     CU_ASSERT_TEXT(m_hWnd && IsWindow(m_hWnd), "Exist()");
     return CallProcedure(m_pOldProc, m_hWnd, message, wParam, lParam);
 }
 
 CUI_OUT_OF_LINE long CCUIWindow::Default()
 {
-    return m_pMessage ? DefProc(m_pMessage->m_message, m_pMessage->m_wParam, m_pMessage->m_lParam)
-                      : 0;
+    const CMessage *const pMessage = CurrentMessage();
+    return pMessage ? DefProcNow(pMessage->m_message, pMessage->m_wParam, pMessage->m_lParam) : 0;
 }
