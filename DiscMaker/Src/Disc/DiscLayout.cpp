@@ -1,11 +1,9 @@
 #include "Disc/DiscLayout.h"
 
-#include <limits.h>
-
 #include "CU/ErrorText.h"
-#include "CU/File.h"
 #include "Disc/DiscWriter.h"
 #include "Disc/Label.h"
+#include "File/FileBytes.h"
 #include "File/FileProblem.h"
 
 namespace {
@@ -125,18 +123,11 @@ bool CDiscLayout::MayReplaceOld()
     }
     if (!m_old.m_links.empty())
         return Fail(m_out.Join(m_old.m_links[0]), "This was not written by Disc Maker.");
-    CCUFile list;
+    const CBlob list = ReadFileBytes(m_out.Join(Relative(SUMS_NAME)).Text());
     CSums sums;
-    if (list.Open(m_out.Join(Relative(SUMS_NAME)).Text(), CCUFile::modeRead)) {
-        const unsigned long nLength = list.GetLength();
-        CCUString sText;
-        const unsigned int nRead =
-            nLength < LONG_MAX
-                ? list.Read(sText.GetBufferSetLength(static_cast<int>(nLength)), nLength)
-                : 0;
-        sText.ReleaseBuffer(static_cast<int>(nRead));
-        sums = ReadSums(sText);
-    }
+    if (list && !list->empty())
+        sums = ReadSums(CCUString(reinterpret_cast<const char *>(list->data()),
+                                  static_cast<int>(list->size())));
     for (const CDiscTree::CFile &file : m_old.m_files) {
         if (lstrcmpA(file.m_path.Text(), SUMS_NAME) == 0 && !sums.empty())
             continue;
