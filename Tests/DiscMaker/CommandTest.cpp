@@ -74,6 +74,13 @@ TEST(Command, ChecksAppliesAndDraws)
         EXPECT_EQ(440, pixels.m_cx);
         EXPECT_EQ(300, pixels.m_cy);
     }
+    // Far too large to be a window's.
+    std::string background = ReadText(folder.Path() + "\\skin\\Background.bmp");
+    background[19] = background[23] = 0x75;
+    std::ofstream(folder.Path() + "\\skin\\Background.bmp", std::ios::binary) << background;
+    const CAnswer huge = Ask(folder, "/picture " + exported + " \"" + folder.Path() + "\\h.png\"");
+    EXPECT_EQ(2, huge.m_nExitCode);
+    EXPECT_NE(std::string::npos, huge.m_text.find("has no size.")) << huge.m_text;
     system(("cmd /c rmdir /s /q \"" + folder.Path() + "\"").c_str());
 }
 
