@@ -44,6 +44,11 @@ class DiscTest(unittest.TestCase):
         code, text = self.make()
         self.assertEqual((code, text.count("contents/link: This is no file")), (1, 1), text)
         link.unlink()
+        other = self.contents / "Tutorial.exe"
+        other.write_text("other")
+        code, text = self.make()
+        self.assertEqual((code, text.count("in small and capital letters alone")), (2, 1), text)
+        other.unlink()
         (self.contents / "tutorial.exe").unlink()
         code, text = self.make()
         self.assertEqual((code, text.count('"tutorial.exe" is not among')), (1, 1), text)
