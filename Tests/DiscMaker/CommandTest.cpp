@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "Command/Arguments.h"
+#include "File/DiscFiles.h"
 #include "File/SkinFile.h"
 #include "Picture/Import.h"
 #include "DiscMaker/Commands.h"
@@ -73,6 +74,13 @@ TEST(Command, ChecksAppliesAndDraws)
         EXPECT_EQ(440, pixels.m_cx);
         EXPECT_EQ(300, pixels.m_cy);
     }
+    // Far too large to be a window's.
+    std::string background = ReadText(folder.Path() + "\\skin\\Background.bmp");
+    background[19] = background[23] = 0x75;
+    std::ofstream(folder.Path() + "\\skin\\Background.bmp", std::ios::binary) << background;
+    const CAnswer huge = Ask(folder, "/picture " + exported + " \"" + folder.Path() + "\\h.png\"");
+    EXPECT_EQ(2, huge.m_nExitCode);
+    EXPECT_NE(std::string::npos, huge.m_text.find("has no size.")) << huge.m_text;
     system(("cmd /c rmdir /s /q \"" + folder.Path() + "\"").c_str());
 }
 
@@ -94,4 +102,38 @@ TEST(Command, MakesADisc)
     EXPECT_EQ(0, whole.m_nExitCode) << whole.m_text;
     EXPECT_TRUE(ReadText(TEST_LAUNCHER) == ReadText(out + "\\AutoRun.exe"));
     system(("cmd /c rmdir /s /q \"" + folder.Path() + "\"").c_str());
+}
+
+// Programs are found where only the long form of a path leads, and the disc is made anew there.
+TEST(Command, MakesADiscInFoldersOfLongPaths)
+{
+    const CTemporaryDirectory folder;
+    CDiscPath deep(folder.Path().c_str());
+    for (int i = 0; i < 3; ++i) {
+        deep = deep.Join(std::wstring(100, L'd').c_str());
+        ASSERT_TRUE(DiscMakeFolder(deep));
+    }
+    ASSERT_TRUE(DiscMakeFolder(deep.Join(L"in")));
+    for (const WCHAR *pszName : {L"in\\Fennick.exe", L"in\\RunFennick.exe", L"in\\tutorial.exe"})
+        ASSERT_TRUE(CloseHandle(DiscCreateNew(deep.Join(pszName))));
+    const std::string in = deep.Text().GetString();
+    const std::string command =
+        "/disc \"" TEST_LAUNCHER "\" \"" + in + "\\in\" \"" + in + "\\out\"";
+    for (int i = 0; i < 2; ++i) {
+        const CAnswer answer = Ask(folder, command);
+        EXPECT_EQ(0, answer.m_nExitCode) << answer.m_text;
+    }
+    EXPECT_TRUE(DiscExists(deep.Join(L"out\\tutorial.exe")));
+    const CAnswer again = Ask(folder, "/check \"" + in + "\\out\\AutoRun.exe\" \"" + in + "\\in\"");
+    EXPECT_EQ(0, again.m_nExitCode) << again.m_text;
+    ASSERT_TRUE(DiscDeleteFile(deep.Join(L"in\\tutorial.exe")));
+    EXPECT_NE(std::string::npos, Ask(folder, command).m_text.find("\"tutorial.exe\" is not among"));
+    const CDiscPath top(folder.Path().c_str());
+    CDiscTree tree;
+    CDiscPath failed;
+    DiscReadTree(top, tree, failed);
+    for (const CDiscTree::CFile &file : tree.m_files)
+        DiscDeleteFile(top.Join(file.m_path));
+    for (size_t i = tree.m_folders.size(); i > 0; --i)
+        DiscRemoveFolder(top.Join(tree.m_folders[i - 1]));
 }

@@ -345,3 +345,26 @@ TEST(EntryText, SaysWhatIsWrong)
         EXPECT_STRNE("", EntryFault(*FindSkinEntry(text.m_nID), text.m_pszBad)) << text.m_pszBad;
     }
 }
+
+// However a skin spaces its numbers they are shown in one form, and stay as they are until edited.
+TEST(EntryText, ShowsNumbersInOneForm)
+{
+    const struct
+    {
+        UINT m_nID;
+        const char *m_pszText, *m_pszShown, *m_pszWritten;
+    } TEXTS[] = {{IDS_RUN_POS, "14,52", "14, 52", "14,52"},
+                 {IDS_RUN_POS, " 14,  -52 ", "14, -52", "14,-52"},
+                 {IDS_RUN_POS, "14,52,9", "14,52,9", "14,52,9"},
+                 {IDS_RUN_POS, "14,5 2", "14,5 2", "14,5 2"},
+                 {IDS_RUN_POS, "14 ,52", "14 ,52", "14 ,52"},
+                 {IDS_ABOUT_RECT, "1,2, 3,4", "1, 2, 3, 4", "1,2,3,4"},
+                 {IDS_HIGHLIGHT_COLOR, "0, 300,9", "0, 300, 9", "0,300,9"},
+                 {IDS_TITLE, "1,2", "1,2", "1,2"}};
+    for (const auto &text : TEXTS) {
+        const SkinEntry &entry = *FindSkinEntry(text.m_nID);
+        EXPECT_STREQ(text.m_pszShown, EntryToField(entry, text.m_pszText));
+        EXPECT_STREQ(text.m_pszShown, EntryInWords(entry, text.m_pszText));
+        EXPECT_STREQ(text.m_pszWritten, EntryFromField(entry, text.m_pszText));
+    }
+}

@@ -71,6 +71,13 @@ struct CSystemView
     HMODULE m_h;
 };
 
+BOOL CALLBACK PutResource(HMODULE hFrom, LPCSTR pszType, LPSTR pszName, LONG_PTR nUpdate)
+{
+    const HRSRC found = FindResourceA(hFrom, pszName, pszType);
+    return UpdateResourceA(reinterpret_cast<HANDLE>(nUpdate), pszType, pszName, LANG_NEUTRAL,
+                           LockResource(LoadResource(hFrom, found)), SizeofResource(hFrom, found));
+}
+
 }  // namespace
 
 // The linker lays the section out as we do, so that nothing changes but what was edited: one skin's
@@ -103,17 +110,19 @@ TEST(LauncherFile, WritesWhatTheToolsWrite)
         const auto made = CLauncherFile::Read("c", MakeBlob(bytes), problems);
         const auto target = CLauncherFile::Read(
             "d", file == other ? ReadFileBytes(TEST_LAUNCHER) : other, problems);
+        EXPECT_EQ("", Lines(problems)) << "as long as it is kept";
         EXPECT_TRUE(SameBytes(made->WithSkin(target->Skin(), problems),
                               file == other ? ReadFileBytes(TEST_LAUNCHER) : other));
+        EXPECT_TRUE(strstr(Lines(problems).c_str(), "was signed. (the signature is taken out"));
+        problems.clear();
     }
 }
 
-// The system reads what was written, and another writer, the system's, says the same.
+// The system reads what was written.
 TEST(LauncherFile, SystemReadsWhatWasSaved)
 {
     CTemporaryDirectory directory;
     const std::string path = directory.Path() + "\\a.exe";
-    const std::string theirs = directory.Path() + "\\b.exe";
     CProblems problems;
     const auto file = Launcher(problems);
     CSkin skin = file->Skin();
@@ -147,16 +156,29 @@ TEST(LauncherFile, SystemReadsWhatWasSaved)
     // Back again, all is as it was.
     ASSERT_TRUE(file->Save(Launcher(problems)->Skin(), path.c_str(), problems)) << Lines(problems);
     EXPECT_TRUE(SameBytes(ReadFileBytes(path.c_str()), ReadFileBytes(TEST_LAUNCHER)));
+}
 
+// What the system's writer, which Windows 98 has not, makes of the same pictures and texts.
+TEST(LauncherFile, WritesWhatTheSystemsWriterDoes)
+{
+    CTemporaryDirectory directory;
+    const std::string path = directory.Path() + "\\a.exe", theirs = directory.Path() + "\\b.exe";
+    CProblems problems;
     CopyFileA(TEST_LAUNCHER, theirs.c_str(), FALSE);
-    const HANDLE update = BeginUpdateResourceA(theirs.c_str(), FALSE);
-    std::vector<BYTE> bits = *skin.m_pictures[PictureBullet];
-    UpdateResourceA(update, RT_BITMAP, MAKEINTRESOURCEA(IDB_BULLET), LANG_NEUTRAL, bits.data(),
-                    static_cast<DWORD>(bits.size()));
-    ASSERT_TRUE(EndUpdateResourceA(update, FALSE));
-    skin = Launcher(problems)->Skin();
-    skin.m_pictures[PictureBullet] = MakeBlob(bits);
-    ExpectSameSkin(OpenSkin(theirs.c_str(), problems)->Skin(), skin);
+    {
+        const CSystemView other(TEST_OTHER_LAUNCHER);
+        const HANDLE update = BeginUpdateResourceA(theirs.c_str(), FALSE);
+        for (LPSTR type : {RT_STRING, RT_BITMAP, RT_ICON, RT_GROUP_ICON})
+            EnumResourceNamesA(other.m_h, type, PutResource, reinterpret_cast<LONG_PTR>(update));
+        ASSERT_TRUE(EndUpdateResourceA(update, FALSE));
+    }
+    const auto wanted = OpenSkin(TEST_OTHER_LAUNCHER, problems);
+    ASSERT_TRUE(Launcher(problems)->SaveCopy(wanted->Skin(), path.c_str(), problems));
+    ExpectSameSkin(OpenSkin(theirs.c_str(), problems)->Skin(),
+                   OpenSkin(path.c_str(), problems)->Skin());
+    EXPECT_TRUE(OtherSections(*ReadFileBytes(theirs.c_str()), ".rsrc") ==
+                OtherSections(*ReadFileBytes(path.c_str()), ".rsrc"));
+    EXPECT_EQ("", Lines(problems));
 }
 
 // Where another section is in the way the resources move to a new one, at the end.

@@ -3,11 +3,14 @@
 #include <gtest/gtest.h>
 #include <shlobj.h>
 
+#include "DiscMaker/Boxes.h"
 #include "DiscMaker/SkinFiles.h"
 #include "DiscMaker/Skins.h"
 #include "File/PictureFile.h"
+#include "Support/ImportHook.h"
 #include "Support/TestSettings.h"
 #include "Support/TestWindow.h"
+#include "Window/Ids.h"
 
 namespace {
 
@@ -44,6 +47,42 @@ struct CMakerTest : testing::Test
     const CTemporaryDirectory m_temp;
     const CTestSettings m_settings;
     CMainWindow m_window;
+};
+
+// The system's chooser of folders, in which the user always takes the same one.
+struct CFakeFolders : CTestWindow
+{
+    explicit CFakeFolders(const std::string &path)
+    {
+        s_path = path;
+        s_hDialog = *this;
+        m_on[BFFM_SETSELECTIONA] = [this] {
+            m_first = reinterpret_cast<const char *>(m_lParam);
+            return 0;
+        };
+    }
+    static LPITEMIDLIST WINAPI Browse(BROWSEINFOA *pInfo)
+    {
+        if (pInfo->lpfn)
+            pInfo->lpfn(s_hDialog, BFFM_INITIALIZED, 0, pInfo->lParam);
+        static ITEMIDLIST s_list;
+        return &s_list;
+    }
+    static BOOL WINAPI GetChosen(LPCITEMIDLIST, char *pszPath)
+    {
+        lstrcpyA(pszPath, s_path.c_str());
+        return TRUE;
+    }
+    static FARPROC Find(HMODULE, LPCSTR pszName)
+    {
+        return lstrcmpA(pszName, "SHBrowseForFolderA") == 0     ? FARPROC(Browse)
+               : lstrcmpA(pszName, "SHGetPathFromIDListA") == 0 ? FARPROC(GetChosen)
+                                                                : nullptr;
+    }
+    inline static std::string s_path;
+    inline static HWND s_hDialog;
+    std::string m_first;  // where the chooser began
+    const CFakeCall<FARPROC(HMODULE, LPCSTR)> m_find{"GetProcAddress", Find};
 };
 
 }  // namespace
@@ -98,4 +137,40 @@ TEST_F(CMakerTest, TakesWhatIsDropped)
         document.Undo();
         EXPECT_FALSE(document.IsModified());
     }
+}
+
+TEST_F(CMakerTest, AsksBeforeASkinGoesOverFilesAndBeginsWhereItIs)
+{
+    const std::string own = CopyFolder(m_temp, SKIN_FOLDERS[0]), other = m_temp.Path() + "\\other";
+    CreateDirectoryA(other.c_str(), nullptr);
+    for (const char *pszName : {"\\Bullet.bmp", "\\mine.txt"})
+        WriteFileBytes(other + pszName, "mine");
+    m_window.OnOpenFile((own + "\\Skin.rc").c_str());
+    CFakeFolders chooser(other);
+    const auto save = [&](int nButton) {
+        const CBoxAnswer box("Save as skin folder", nButton);
+        SendMessageA(m_window, WM_COMMAND, ID_SAVE_FOLDER, 0);
+        return box.Asked();
+    };
+    EXPECT_EQ(1, save(IDCANCEL));
+    EXPECT_EQ(own + "\\", chooser.m_first);
+    EXPECT_EQ("mine", Contents(other + "\\Bullet.bmp"));
+    EXPECT_EQ("(no file)", Contents(other + "\\Skin.rc"));
+    EXPECT_EQ(1, save(IDOK));
+    EXPECT_TRUE(Contents(own + "\\Bullet.bmp") == Contents(other + "\\Bullet.bmp"));
+    EXPECT_TRUE(Contents(own + "\\Skin.rc") == Contents(other + "\\Skin.rc"));
+    EXPECT_EQ("mine", Contents(other + "\\mine.txt"));
+    EXPECT_EQ(0, save(IDCANCEL)) << "where it is already";
+    EXPECT_EQ(other + "\\", chooser.m_first);
+}
+
+TEST_F(CMakerTest, SaysThatTheClipboardIsInUse)
+{
+    const CFakeCall<BOOL(HWND)> open("OpenClipboard", [](HWND) {
+        SetLastError(ERROR_ACCESS_DENIED);
+        return FALSE;
+    });
+    const CBoxAnswer box("Copy", IDCANCEL);
+    SendMessageA(m_window, WM_COMMAND, ID_COPY_SKIN, 0);
+    EXPECT_EQ(1, box.Asked());
 }

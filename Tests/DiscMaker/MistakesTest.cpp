@@ -221,12 +221,12 @@ TEST(Mistakes, OfTheSystemAreToldAndNothingIsLost)
     }
     EXPECT_TRUE(before == maker.Files());
     // The script names a picture that has gone when it is that one's turn.
-    CFakeCall<HANDLE(const char *, DWORD, DWORD, SECURITY_ATTRIBUTES *, DWORD, DWORD, HANDLE)>
-        *pOpen = nullptr;
-    CFakeCall<HANDLE(const char *, DWORD, DWORD, SECURITY_ATTRIBUTES *, DWORD, DWORD, HANDLE)> open(
-        "CreateFileA", [&](const char *name, DWORD nAccess, DWORD nShare, SECURITY_ATTRIBUTES *p,
+    typedef HANDLE FOpen(const WCHAR *, DWORD, DWORD, SECURITY_ATTRIBUTES *, DWORD, DWORD, HANDLE);
+    CFakeCall<FOpen> *pOpen = nullptr;
+    CFakeCall<FOpen> open(
+        "CreateFileW", [&](const WCHAR *name, DWORD nAccess, DWORD nShare, SECURITY_ATTRIBUTES *p,
                            DWORD nHow, DWORD nFlags, HANDLE h) {
-            if (strstr(name, "Background.bmp"))
+            if (wcsstr(name, L"Background.bmp"))
                 DeleteFileA(maker.Path("skin\\Product.bmp").c_str());
             return pOpen->Original(name, nAccess, nShare, p, nHow, nFlags, h);
         });

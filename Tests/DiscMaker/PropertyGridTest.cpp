@@ -61,3 +61,19 @@ TEST(PropertyGrid, TakesBackWhatWasTypedInTheSkinThatIsShown)
     window.m_grid.SelectEntry(99, true);
     EXPECT_EQ(UINT{IDS_EXIT}, window.m_grid.Selected()->m_nID);
 }
+
+TEST(PropertyGrid, SpacesPlacesAndWritesThemAsSkinsDo)
+{
+    CGridWindow window;
+    CSkin skin = GoodSkin();
+    skin.m_texts[0].m_entries[IDS_RUN_POS] = CWideText("14,  52", 1252);
+    window.m_document.Start(skin);
+    window.m_grid.SelectEntry(IDS_RUN_POS, true);
+    EXPECT_EQ("14, 52", TextOf(window.Editor()));
+    EXPECT_STREQ("14,  52", window.m_document.Entry(IDS_RUN_POS));
+    SetWindowTextA(window.Editor(), "15, 52");
+    EXPECT_STREQ("15,52", window.m_document.Entry(IDS_RUN_POS));
+    EXPECT_EQ("15, 52", TextOf(window.Editor()));
+    window.PressEscape();
+    EXPECT_STREQ("14,  52", window.m_document.Entry(IDS_RUN_POS));
+}

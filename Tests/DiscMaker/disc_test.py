@@ -39,6 +39,16 @@ class DiscTest(unittest.TestCase):
                 code, text = self.make(option, place)
                 self.assertEqual((code, text.count("choose another place")), (2, 1), text)
         self.assertEqual((self.contents / "tutorial.exe").read_text(), "tutorial.exe")
+        link = self.contents / "link"
+        link.symlink_to("nowhere")
+        code, text = self.make()
+        self.assertEqual((code, text.count("contents/link: This is no file")), (1, 1), text)
+        link.unlink()
+        other = self.contents / "Tutorial.exe"
+        other.write_text("other")
+        code, text = self.make()
+        self.assertEqual((code, text.count("in small and capital letters alone")), (2, 1), text)
+        other.unlink()
         (self.contents / "tutorial.exe").unlink()
         code, text = self.make()
         self.assertEqual((code, text.count('"tutorial.exe" is not among')), (1, 1), text)

@@ -44,12 +44,13 @@ bool WriteFacePicture(const CSkin &skin, const CCUString &sPath, CProblems &prob
     // Not over a launcher, say, that was named by mistake.
     if (!bBmp && sPath.Right(4).CompareNoCase(".png") != 0)
         return Fail(problems, sPath, "The name of a picture ends in .png or .bmp.");
-    if (!skin.m_pictures[PictureBackground] || skin.m_texts.empty())
-        return Fail(problems, "", "Without a background the launcher's window has no size.");
     CDocument document;
     document.Start(skin);
     CSkinFace face(document);
     face.ReadAll();
+    if (!face.Face().Background() || skin.m_texts.empty())
+        return Fail(problems, "",
+                    "Without a background that can be read the launcher's window has no size.");
     CFacePicture picture;
     picture.Draw(face.Face(), HotSpotNone);
     CPixels pixels;

@@ -1,11 +1,9 @@
 #include "Disc/DiscLayout.h"
 
-#include <limits.h>
-
 #include "CU/ErrorText.h"
-#include "CU/File.h"
 #include "Disc/DiscWriter.h"
 #include "Disc/Label.h"
+#include "File/FileBytes.h"
 #include "File/FileProblem.h"
 
 namespace {
@@ -32,16 +30,11 @@ CDiscPath Relative(const char *pszName)
 // Empty when there is no such file.
 CSums ReadSumsFile(const CDiscPath &path)
 {
-    CCUFile list;
-    if (!list.Open(path.Text(), CCUFile::modeRead))
+    const CBlob list = ReadFileBytes(path.Text());
+    if (!list || list->empty())
         return CSums();
-    const unsigned long nLength = list.GetLength();
-    CCUString sText;
-    const unsigned int nRead =
-        nLength < LONG_MAX ? list.Read(sText.GetBufferSetLength(static_cast<int>(nLength)), nLength)
-                           : 0;
-    sText.ReleaseBuffer(static_cast<int>(nRead));
-    return ReadSums(sText);
+    return ReadSums(CCUString(reinterpret_cast<const char *>(list->data()),
+                              static_cast<int>(list->size())));
 }
 
 // One disc that is being made.

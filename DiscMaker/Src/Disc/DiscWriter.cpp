@@ -14,6 +14,10 @@ CCUString Reason(DWORD nError)
         return "the disk is full.";
     if (nError == ERROR_ACCESS_DENIED || nError == ERROR_WRITE_PROTECT)
         return "writing is not allowed there.";
+    // The folder was empty at first. On other systems than Windows the contents may have such
+    // names.
+    if (nError == ERROR_FILE_EXISTS || nError == ERROR_ALREADY_EXISTS)
+        return "another name in the contents differs from it in small and capital letters alone.";
     if (nError == ERROR_SHARING_VIOLATION)
         return "another program has it open.";
     return CUErrorText(nError);

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Disc/DiscFiles.h"
+#include "File/DiscFiles.h"
 #include "Disc/DiscProgress.h"
 #include "Disc/SumsFile.h"
 #include "Model/Problem.h"

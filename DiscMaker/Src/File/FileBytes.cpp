@@ -1,6 +1,6 @@
 #include "File/FileBytes.h"
 
-#include "Base/Handle.h"
+#include "File/DiscFiles.h"
 #include "Model/Blob.h"
 
 namespace {
@@ -9,7 +9,7 @@ const DWORD LARGEST_FILE = 0x10000000;
 
 DWORD AttributesOf(const CCUString &sPath)
 {
-    return GetFileAttributesA(sPath);
+    return DiscAttributes(CDiscPath(sPath));
 }
 
 int NameStart(const CCUString &sPath)
@@ -29,8 +29,7 @@ CBlob ReadFileBytes(const CCUString &sPath, DWORD *pError)
 {
     DWORD nUnused = 0;
     DWORD &nError = pError ? *pError : nUnused;
-    const CCUFileHandle file(CreateFileA(sPath, GENERIC_READ, FILE_SHARE_READ, nullptr,
-                                         OPEN_EXISTING, FILE_FLAG_SEQUENTIAL_SCAN, nullptr));
+    const CCUFileHandle file(DiscOpen(CDiscPath(sPath)));
     DWORD nHigh = 0;
     const DWORD nSize = file ? GetFileSize(file, &nHigh) : 0;
     nError = file ? NO_ERROR : GetLastError();

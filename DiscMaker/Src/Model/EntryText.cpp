@@ -48,6 +48,28 @@ const char *RectFault(const CCUString &sText)
                : "The right edge must be right of the left one, the lower below the upper one.";
 }
 
+// The numbers of a place, a rectangle or a colour without the spaces between them. False when the
+// text is nothing of that, or has more in it than the launcher reads.
+bool BareNumbers(const SkinEntry &entry, const CCUString &sText, CCUString &sBare)
+{
+    POINT point = {};
+    RECT rect = {};
+    int components[3] = {};
+    CCUString sRead;
+    if (entry.m_kind == EntryPoint && ParsePoint(sText, point))
+        sRead = FormatPoint(point);
+    else if (entry.m_kind == EntryRect && ParseRect(sText, rect))
+        sRead = FormatRect(rect);
+    else if (entry.m_kind == EntryColor && ParseColor(sText, components))
+        sRead.Format("%d,%d,%d", components[0], components[1], components[2]);
+    sBare.Empty();
+    for (const char *p = sText; *p; ++p) {
+        if (*p != ' ')
+            sBare += *p;
+    }
+    return !sRead.IsEmpty() && sRead == sBare;
+}
+
 }  // namespace
 
 CCUString EntryFault(const SkinEntry &entry, const CCUString &sText)
@@ -94,22 +116,34 @@ CCUString EntryHelp(const SkinEntry &entry)
 CCUString EntryInWords(const SkinEntry &entry, const CCUString &sText)
 {
     SkinFont font = {0, 0, 0, ""};
-    POINT point = {};
+    if (entry.m_kind != EntryFont || !ParseFont(sText, font))
+        return EntryToField(entry, sText);
     CCUString sWords;
-    switch (entry.m_kind) {
-    case EntryFont:
-        if (!ParseFont(sText, font))
-            return sText;
-        sWords.Format("%s, %d points%s%s", static_cast<const char *>(font.m_sFace), font.m_nPoints,
-                      font.m_nBold > 0 ? ", bold" : "", font.m_nItalic ? ", italic" : "");
-        return sWords;
-    case EntryPoint:
-        if (!ParsePoint(sText, point))
-            return sText;
-        sWords.Format("%ld, %ld", point.x, point.y);
-        return sWords;
-    default: return entry.m_nID == IDS_ABOUT ? ToOneLine(sText) : sText;
+    sWords.Format("%s, %d points%s%s", static_cast<const char *>(font.m_sFace), font.m_nPoints,
+                  font.m_nBold > 0 ? ", bold" : "", font.m_nItalic ? ", italic" : "");
+    return sWords;
+}
+
+CCUString EntryToField(const SkinEntry &entry, const CCUString &sText)
+{
+    CCUString sBare;
+    if (!BareNumbers(entry, sText, sBare))
+        return entry.m_nID == IDS_ABOUT ? ToOneLine(sText) : sText;
+    CCUString sSpaced;
+    for (const char *p = sBare; *p; ++p) {
+        sSpaced += *p;
+        if (*p == ',')
+            sSpaced += ' ';
     }
+    return sSpaced;
+}
+
+CCUString EntryFromField(const SkinEntry &entry, const CCUString &sText)
+{
+    CCUString sBare;
+    if (BareNumbers(entry, sText, sBare))
+        return sBare;
+    return entry.m_nID == IDS_ABOUT ? FromOneLine(sText) : sText;
 }
 
 CCUString ToOneLine(const CCUString &sText, UINT nCodePage)

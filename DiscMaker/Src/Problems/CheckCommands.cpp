@@ -1,5 +1,6 @@
 #include <string.h>
 
+#include "File/FileBytes.h"
 #include "Model/IsAmong.h"
 #include "Problems/Checks.h"
 #include "Problems/CommandLine.h"
@@ -139,8 +140,7 @@ bool CCommandCheck::CanBeStarted()
 
 bool CCommandCheck::IsFile(const CCUString &sProgram) const
 {
-    const DWORD nAttributes = GetFileAttributesA(m_sContents + "\\" + WithExtension(sProgram));
-    return nAttributes != INVALID_FILE_ATTRIBUTES && !(nAttributes & FILE_ATTRIBUTE_DIRECTORY);
+    return FileExists(JoinPath(m_sContents, WithExtension(sProgram)));
 }
 
 // Whether a longer part of the command is a file on the disc.

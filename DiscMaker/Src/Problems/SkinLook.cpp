@@ -88,12 +88,16 @@ RECT Draw(CPixels &onto, const CPixels &picture, const POINT &at)
     for (LONG y = part.top; y < part.bottom; ++y) {
         DWORD *const pOnto = onto.Row(y);
         const DWORD *const pPicture = picture.Row(y - at.y);
+        RECT row = {part.right, y, part.left, y + 1};
         for (LONG x = part.left; x < part.right; ++x) {
-            const RECT pixel = {x, y, x + 1, y + 1};
-            if (IsOther(pOnto[x], pPicture[x - at.x]))
-                UnionRect(&seen, &seen, &pixel);
+            if (IsOther(pOnto[x], pPicture[x - at.x])) {
+                row.left = std::min(row.left, x);
+                row.right = x + 1;
+            }
             pOnto[x] = pPicture[x - at.x];
         }
+        if (row.left < row.right)
+            UnionRect(&seen, &seen, &row);
     }
     return seen;
 }

@@ -134,10 +134,10 @@ CCUString RowText(const CDocument &document, const PropertyRow &row)
 
 CCUString RowEditText(const CDocument &document, const PropertyRow &row)
 {
-    if (row.m_kind != PropertyRow::Entry)
-        return RowText(document, row);
-    const CCUString sText = document.Entry(row.m_nID);
-    return row.m_nID == IDS_ABOUT ? ToOneLine(sText) : sText;
+    const SkinEntry *const pEntry = FindSkinEntry(row.m_nID);
+    return row.m_kind == PropertyRow::Entry && pEntry
+               ? EntryToField(*pEntry, document.Entry(row.m_nID))
+               : RowText(document, row);
 }
 
 const CWideText *RowOwnText(const CDocument &document, const PropertyRow &row)
@@ -147,8 +147,9 @@ const CWideText *RowOwnText(const CDocument &document, const PropertyRow &row)
 
 void SetRowText(CDocument &document, const PropertyRow &row, const CCUString &sText)
 {
+    const SkinEntry *const pEntry = FindSkinEntry(row.m_nID);
     if (row.m_kind == PropertyRow::Entry)
-        document.SetEntry(row.m_nID, row.m_nID == IDS_ABOUT ? FromOneLine(sText) : sText);
+        document.SetEntry(row.m_nID, pEntry ? EntryFromField(*pEntry, sText) : sText);
     else if (row.m_kind == PropertyRow::Version)
         document.SetVersion(row.m_sCaption, sText);
 }

@@ -5,25 +5,18 @@
 
 namespace {
 
-// Whether the character of a WM_CHAR, a question mark or a similar one, stands for another: its key
-// gives one that the code page lacks.
-bool IsLostCharacter(WPARAM wParam, LPARAM lParam)
+// What a key gives waits behind the key's message, in Unicode; the field is handed it in characters
+// of this system's code page, a question mark or a similar one for what that lacks. So it is seen
+// here, and a dead key's part in it is not disturbed, as it would be by asking for the key's
+// character anew. Windows 95 to Me have no Unicode and answer that nothing waits.
+bool IsNextCharacterLost(HWND hWnd)
 {
-    // The keys of the number pad have some scan codes in common with letters.
-    if (wParam < ' ' || lParam & KF_EXTENDED << 16)
-        return false;
-    typedef int WINAPI FToUnicode(UINT, UINT, const BYTE *, WCHAR *, int, UINT);
-    // Windows 95 has none, and 98 and Me one that answers 0.
-    static FToUnicode *const s_toUnicode =
-        reinterpret_cast<FToUnicode *>(GetProcAddress(GetModuleHandleA("user32.dll"), "ToUnicode"));
-    const UINT nScan = HIWORD(lParam) & 0xFF;
-    const UINT nKey = MapVirtualKeyA(nScan, 1);
-    BYTE keys[256] = {};
-    WCHAR chars[8] = {};
+    MSG next;
     bool bLost = false;
-    if (s_toUnicode && nKey && GetKeyboardState(keys) &&
-        s_toUnicode(nKey, nScan, keys, chars, 8, 0) == 1)
-        CWideText(chars, 1).ToCodePage(CP_ACP, &bLost);
+    if (PeekMessageW(&next, hWnd, WM_CHAR, WM_CHAR, PM_NOREMOVE)) {
+        const WCHAR ch = static_cast<WCHAR>(next.wParam);
+        CWideText(&ch, 1).ToCodePage(CP_ACP, &bLost);
+    }
     return bLost;
 }
 
@@ -34,12 +27,16 @@ CTextField::~CTextField() = default;
 long CTextField::OnMessage(UINT message, WPARAM wParam, LPARAM lParam)
 {
     CWatch watch(this);
-    if (message == WM_CHAR && !IsReadOnly() && IsLostCharacter(wParam, lParam)) {
-        CUIMessageBox(this,
-                      "This field cannot hold that character: the code page of this system lacks "
-                      "it. A script, Skin.rc, can hold it.",
-                      "Typing", MB_OK | MB_ICONWARNING);
-        return 0;
+    if (message >= WM_KEYFIRST && message <= WM_KEYLAST) {
+        const bool bLost = message == WM_CHAR && m_bNextLost;
+        const bool bNextLost = IsNextCharacterLost(m_hWnd);
+        if (watch.IsGone())
+            return 0;
+        m_bNextLost = bNextLost;
+        if (bLost && !IsReadOnly()) {
+            RefuseCharacter();
+            return 0;
+        }
     }
     if (message == WM_PASTE && !IsReadOnly() && LosesCharacters(m_hWnd) &&
         CUIMessageBox(this,
@@ -51,4 +48,19 @@ long CTextField::OnMessage(UINT message, WPARAM wParam, LPARAM lParam)
     if (watch.IsGone())
         return 0;
     return CCUIEdit::OnMessage(message, wParam, lParam);
+}
+
+// More of them that come while the user is told are dropped.
+void CTextField::RefuseCharacter()
+{
+    if (m_bRefusing)
+        return;
+    CWatch watch(this);
+    m_bRefusing = true;
+    CUIMessageBox(this,
+                  "This field cannot hold that character: the code page of this system lacks "
+                  "it. A script, Skin.rc, can hold it.",
+                  "Typing", MB_OK | MB_ICONWARNING);
+    if (!watch.IsGone())
+        m_bRefusing = false;
 }

@@ -11,4 +11,10 @@ public:
 
 protected:
     long OnMessage(UINT message, WPARAM wParam, LPARAM lParam) override;
+
+private:
+    void RefuseCharacter();
+
+    bool m_bNextLost = false;  // the character that the field gets next stands for another one
+    bool m_bRefusing = false;  // the user is being told
 };

@@ -1,4 +1,4 @@
-#include "Disc/DiscPath.h"
+#include "File/DiscPath.h"
 
 #include <algorithm>
 

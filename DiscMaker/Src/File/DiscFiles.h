@@ -1,7 +1,7 @@
 #pragma once
 
 #include "Base/Handle.h"
-#include "Disc/DiscPath.h"
+#include "File/DiscPath.h"
 
 // The file system by wide names, of any length, where the system takes them (NT); else by those of
 // its code page. What fails leaves the thread's last error.

@@ -1,4 +1,4 @@
-#include "Disc/DiscFiles.h"
+#include "File/DiscFiles.h"
 
 #include <string.h>
 
@@ -22,6 +22,9 @@ std::vector<WCHAR> LongForm(const CDiscPath &path)
 {
     const WCHAR *pText = path.Wide();
     const WCHAR drive[] = L"\\\\?\\";
+    const size_t nPrefix = sizeof drive / sizeof *drive - 1;
+    if (path.Length() > nPrefix && memcmp(pText, drive, nPrefix * sizeof *drive) == 0)
+        return std::vector<WCHAR>(pText, pText + path.Length() + 1);  // given so
     const WCHAR network[] = L"\\\\?\\UNC";
     const bool bNetwork = pText[0] == L'\\' && pText[1] == L'\\';
     std::vector<WCHAR> text(bNetwork ? network : drive,

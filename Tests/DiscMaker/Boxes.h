@@ -1,0 +1,42 @@
+#pragma once
+
+#include <string>
+
+#include "CUI/Platform.h"
+
+// Answers this thread's boxes of that title with a button, as long as it lives.
+class CBoxAnswer
+{
+public:
+    CBoxAnswer(const char *pszTitle, int nButton) : m_nTimer(SetTimer(nullptr, 0, 100, OnTimer))
+    {
+        s_title = pszTitle;
+        s_nButton = nButton;
+        s_nAsked = 0;
+    }
+    ~CBoxAnswer() { KillTimer(nullptr, m_nTimer); }
+    CBoxAnswer(const CBoxAnswer &) = delete;
+    CBoxAnswer &operator=(const CBoxAnswer &) = delete;
+    int Asked() const { return s_nAsked; }
+
+private:
+    static void CALLBACK OnTimer(HWND, UINT, UINT_PTR, DWORD)
+    {
+        EnumThreadWindows(GetCurrentThreadId(), OnWindow, 0);
+    }
+    static BOOL CALLBACK OnWindow(HWND hWnd, LPARAM)
+    {
+        char szTitle[100] = "";
+        GetWindowTextA(hWnd, szTitle, sizeof szTitle);
+        if (!IsWindowVisible(hWnd) || s_title != szTitle)
+            return TRUE;
+        ++s_nAsked;
+        SendMessageA(hWnd, WM_COMMAND, static_cast<WPARAM>(s_nButton), 0);
+        return FALSE;
+    }
+
+    inline static std::string s_title;
+    inline static int s_nButton = 0;
+    inline static int s_nAsked = 0;
+    const UINT_PTR m_nTimer;
+};
