@@ -4,6 +4,7 @@
 #include "Window/WindowBinding.h"
 
 #include "Base/KeepLastError.h"
+#include "Base/Lifetime.h"
 #include "Base/Module.h"
 #include "CU/Assert.h"
 #include "CU/CU.h"
@@ -133,6 +134,9 @@ HWND CCUIWindow::Detach()
     const WNDPROC pOldProc = m_pOldProc;
     m_hWnd = nullptr;
     m_pOldProc = nullptr;
+    // An object that nobody destroys would leave its blocks behind.
+    if (g_moduleEnd == CUModuleUnloads)
+        EndLife();
     bool bDoubted = false;
     const bool bInMap = CUIWindowMapFind(hWnd, bDoubted) == this;
     if (pOldProc && bInMap) {

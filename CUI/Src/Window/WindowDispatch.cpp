@@ -134,6 +134,7 @@ void CCUIWindow::EndLife()
     m_pLife->pWindow = nullptr;
     if (--m_pLife->nUsers == 0)
         delete m_pLife;
+    m_pLife = nullptr;
 }
 
 CUI_OUT_OF_LINE CCUIWindow *CCUIWindow::FromHandle(HWND hWnd)

@@ -33,8 +33,8 @@ CSums ReadSumsFile(const CDiscPath &path)
     const CBlob list = ReadFileBytes(path.Text());
     if (!list || list->empty())
         return CSums();
-    return ReadSums(CCUString(reinterpret_cast<const char *>(list->data()),
-                              static_cast<int>(list->size())));
+    return ReadSums(
+        CCUString(reinterpret_cast<const char *>(list->data()), static_cast<int>(list->size())));
 }
 
 // One disc that is being made.
