@@ -29,6 +29,7 @@ public:
     template <int COUNT>
     void Make(HWND hParent, const char *const (&texts)[COUNT], int nChosen)
     {
+        m_label.SetFixedSize(0);  // as high as its text
         m_label.SetLayoutFlags(CUI_PLACE_FILL | CUI_PLACE_FIT);
         m_label.CreateControl(hParent, 0, m_pszName);
         CreateControl(hParent, 0);

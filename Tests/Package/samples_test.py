@@ -72,17 +72,17 @@ class Samples(Package):
         still = Image.open(ROOT / "Docs/effects.png").convert("RGB")
         for place in STAGES:
             wait_for(lambda p=place: grab(p) == still.crop(p), f"the picture of the page at {place}")
-        click(48, 317)  # Run
+        click(48, 285)  # Run
         for place in STAGES:
             self.moves(place, f"the effect at {place}")
         # Once, downwards: in the middle it is day below. At the end all show the second picture.
-        click(85, 166)
+        click(85, 142)
         keys("Home", "Return")
-        click(85, 66)
+        click(85, 58)
         keys("Home", "Down", "Down", "Return")
         wait_for(lambda: grab(STAGES[4]) == grab(STAGES[5]), "the end")
         self.assertNotEqual(grab(STAGES[4]), still.crop(STAGES[4]))
-        click(18, 241)  # Wine 8 does not close a window by the keyboard from a combo box
+        click(18, 209)  # Wine 8 does not close a window by the keyboard from a combo box
         keys("alt+F4")
         self.assertEqual(0, gallery.wait(60))
 
