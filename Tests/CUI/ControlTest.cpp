@@ -360,6 +360,10 @@ TEST(Control, OpensItsMenuBelowAndStaysDownMeanwhile)
     button.SetDropMenu(&menu);
     SetFocus(button);
     const CPixelMap closed = button.Picture();
+    int nArrow = 0;  // pixels of its triangle, to the right of the text
+    for (int i = 0; i < closed.cx * closed.cy; ++i)
+        nArrow += i % closed.cx > 64 && closed.At(i % closed.cx, i / closed.cx) == 0;
+    EXPECT_EQ(16, nArrow);
     CPixelMap open;
     frame.m_on.clear();
     frame.m_on[WM_INITMENUPOPUP] = [&] {
