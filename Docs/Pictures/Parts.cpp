@@ -1,13 +1,25 @@
-// What Tools/refresh-picture takes pictures of for the page of the framework: a menu, a message box
-// and buttons in all their states. Usage: Parts menu|box|buttons
+// What Tools/refresh-picture takes pictures of for the page of the framework: a menu, a message
+// box, buttons in all their states and the system's controls. Usage: Parts
+// menu|box|buttons|controls
 
 #include <string.h>
 
 #include "CUI/Button.h"
+#include "CUI/ComboBox.h"
 #include "CUI/Draw.h"
+#include "CUI/Edit.h"
+#include "CUI/ListBox.h"
+#include "CUI/ListView.h"
 #include "CUI/Menu.h"
 #include "CUI/MessageBox.h"
+#include "CUI/ProgressBar.h"
+#include "CUI/ScrollBar.h"
 #include "CUI/Separator.h"
+#include "CUI/SpinButton.h"
+#include "CUI/Static.h"
+#include "CUI/TabControl.h"
+#include "CUI/TrackBar.h"
+#include "CUI/TreeView.h"
 #include "CUI/Window.h"
 
 const int PICTURE = 14;
@@ -199,10 +211,80 @@ static int ShowButtons()
     return nResult;
 }
 
+// A control, with its style or the usual one.
+static void Make(CCUISystemControl &control, HWND hParent, const char *pszText, const RECT &place,
+                 DWORD dwStyle = 0)
+{
+    static UINT s_nID = 100;
+    control.CreateControl(hParent, ++s_nID, pszText, dwStyle, &place);
+}
+
+static int ShowControls()
+{
+    CPartsWindow window;
+    window.Create(nullptr, "Controls", WS_POPUP, {0, 0, 470, 210}, nullptr, 0);
+    CCUIStatic label;
+    CCUIEdit name, number;
+    CCUISpinButton spin;
+    CCUIComboBox choice;
+    CCUIListBox list;
+    CCUITreeView tree;
+    CCUITabControl tabs;
+    CCUIListView files;
+    CCUITrackBar zoom;
+    CCUIProgressBar progress;
+    CCUIScrollBar scroll;
+
+    Make(label, window, "&Name", {8, 11, 48, 27});
+    Make(name, window, "Harbour at dusk", {50, 8, 150, 28});
+    Make(number, window, "", {8, 36, 70, 56});
+    Make(spin, window, nullptr, {70, 36, 88, 56});
+    spin.SetRange(1, 3600);
+    spin.SetPos(15);
+    Make(choice, window, nullptr, {94, 36, 150, 120});
+    choice.AddString("Bitmap");
+    choice.SetCurSel(0);
+    Make(list, window, nullptr, {8, 64, 150, 124});
+    list.AddString("Dunes");
+    list.AddString("Fennec");
+    list.AddString("Harbour");
+    list.AddString("Island");
+    list.SetCurSel(1);
+    Make(tree, window, nullptr, {8, 132, 150, 202});
+    const HTREEITEM hRoot = tree.InsertItem(nullptr, "Pictures");
+    tree.InsertItem(hRoot, "Animals");
+    tree.InsertItem(tree.InsertItem(hRoot, "Sea"), "Boats");
+    tree.Expand(hRoot);
+
+    // A page of the tabs is in front of them.
+    Make(files, window, nullptr, {164, 40, 454, 118});
+    Make(tabs, window, nullptr, {158, 8, 462, 124});
+    tabs.AddItem("Files");
+    tabs.AddItem("Options");
+    files.InsertColumn(0, "Name", 110);
+    files.InsertColumn(1, "Size", 90, LVCFMT_RIGHT);
+    files.SetItemText(files.AddItem("Fennec.bmp"), 1, "177 KB");
+    files.SetItemText(files.AddItem("Harbour.bmp"), 1, "96 KB");
+    files.Select(1);
+    Make(zoom, window, nullptr, {158, 132, 462, 160});
+    zoom.SetTicFreq(10);
+    zoom.SetPos(30);
+    Make(progress, window, nullptr, {164, 164, 456, 180});
+    progress.SetPos(60);
+    Make(scroll, window, nullptr, {164, 186, 456, 202}, SBS_HORZ);
+    scroll.SetRange(0, 100, 30);
+    scroll.SetPos(20);
+
+    window.Show();
+    files.Focus();
+    return CCUIWindow::RunLoop();
+}
+
 int main(int nArguments, char **ppszArguments)
 {
     const char *pszPart = nArguments > 1 ? ppszArguments[1] : "";
-    return !strcmp(pszPart, "menu")  ? ShowMenu()
-           : !strcmp(pszPart, "box") ? ShowBox()
-                                     : ShowButtons();
+    return !strcmp(pszPart, "menu")       ? ShowMenu()
+           : !strcmp(pszPart, "box")      ? ShowBox()
+           : !strcmp(pszPart, "controls") ? ShowControls()
+                                          : ShowButtons();
 }

@@ -95,9 +95,13 @@ TEST(Control, IsPressedWhileMouseOrKeyHoldItAndClicksWhenTheyLetGo)
     }
 }
 
-TEST(Control, IsHotWithATipWhileTheMouseIsOverIt)
+TEST(Control, IsHotWithATipAndHelpWhileTheMouseIsOverIt)
 {
     CParent parent;
+    parent.RouteCommands(true);
+    parent.m_on[WM_MENUSELECT] = [&] {
+        return parent.m_told += Text("help%d ", SHORT(parent.m_wParam)), 0;
+    };
     CTestCommand command(1000);
     CButton button(parent);
     button.SetFlat(true);
@@ -110,7 +114,18 @@ TEST(Control, IsHotWithATipWhileTheMouseIsOverIt)
             ASSERT_TRUE(hTip = FindWindowExA(nullptr, hTip, TOOLTIPS_CLASSA, nullptr));
         while (GetWindow(hTip, GW_OWNER) != parent);
         EXPECT_EQ(bOver, Send(hTip, TTM_GETTOOLCOUNT));
+        EXPECT_EQ(bOver ? "help1000 " : "help0 ", parent.Told());
     }
+    // The help goes with the button; and its owner may be gone before it comes.
+    Send(button, WM_MOUSEMOVE, 0, MAKELPARAM(5, 5));
+    button.Destroy();
+    EXPECT_EQ("help1000 help0 ", parent.Told());
+    const CHeapWatch heap;
+    auto pButton = std::make_unique<CButton>(parent);
+    pButton->SetCommand(1000);
+    parent.m_on[WM_MENUSELECT] = [&] { return pButton.reset(), 0; };
+    Send(*pButton, WM_MOUSEMOVE, 0, MAKELPARAM(5, 5));
+    EXPECT_EQ(nullptr, pButton);
 }
 
 TEST(Control, FollowsItsCommandAndRepaintsOnlyWhatChanged)

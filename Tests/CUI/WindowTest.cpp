@@ -77,6 +77,8 @@ TEST(Window, BindsAnExistingWindowAndLetsGoOfIt)
     DestroyWindow(hEdit);
     window.Attach(hEdit);
     EXPECT_EQ(nullptr, window.GetHandle());  // it is no window any more
+    window.Attach(GetDesktopWindow());
+    EXPECT_EQ(nullptr, window.GetHandle());  // another process's
 }
 
 // Whoever subclassed after us keeps calling our procedure; what it passes on must go where it went

@@ -61,7 +61,9 @@ public:
     /// Binds the control to a command, whose number becomes the control's identifier: enabled,
     /// checked and, with CUI_COMMAND_TEXT, the text follow what the handler says (a command without
     /// a handler is disabled), the tooltip is its GetShortTT, and a click goes to the nearest
-    /// window above that routes commands, or to the parent if none does. 0: no command.
+    /// window above that routes commands, or to the parent if none does. While the mouse is over
+    /// it, the former gets WM_MENUSELECT for the command, as from a control bar, which makes a
+    /// frame show the long help. 0: no command.
     /// @{
     CUI_API void SetCommand(unsigned int nID);
     unsigned int GetCommand() const { return CCUICommandView::GetCommand(); }
@@ -180,6 +182,7 @@ private:
     void EndPress(bool bInside);
     void CancelPress();
     void SetHot(bool bHot);
+    void TellHelp(unsigned int nID, UINT nFlags);
     void AwaitLeave();
     bool IsInside(const POINT &point) const;
     CCUString GetTipText();

@@ -84,8 +84,8 @@ public:
     void DeleteAllItems() { Send(LVM_DELETEALLITEMS); }
     /// How many there are.
     int GetCount() const { return Send(LVM_GETITEMCOUNT); }
-    /// Room for so many items, to be made before they are added; of one with LVS_OWNERDATA, its
-    /// items.
+    /// Room for so many items, to be made before they are added; of one with LVS_OWNERDATA, which
+    /// needs Internet Explorer 3, its items.
     void SetCount(int nCount) { Send(LVM_SETITEMCOUNT, static_cast<WPARAM>(nCount)); }
 
     /// An item's text; "" where there is no such item.

@@ -21,7 +21,8 @@ public:
 
     /// Shows the text when the mouse rests over the part prc (client pixels; null: all) of the
     /// window, in place of the tool before. A single '&' is not shown, nor what follows a tab;
-    /// lines end at '\n'. A null window, and a text that is null or empty: no tool.
+    /// lines end at '\n', and long ones are broken, with Internet Explorer 3, else all is one line.
+    /// A null window, and a text that is null or empty: no tool.
     CUI_API void SetTool(HWND hTool, const RECT *prc, const char *pszText);
     /// The window of the tool; null: none.
     HWND GetTool() const { return m_hTool; }

@@ -129,7 +129,10 @@ int CCUIControl::OnCreate(CREATESTRUCTA *pCreate)
 
 void CCUIControl::OnDestroy()
 {
-    CUIHideControlTip(m_hWnd);
+    CWatch watch(this);
+    SetHot(false);
+    if (watch.IsGone() || !m_hWnd)
+        return;
     m_press = PressNone;
     m_nState &= CUI_STATE_DISABLED | CUI_STATE_CHECKED | CUI_STATE_MIXED | CUI_STATE_DEFAULT;
     KillAlarm();
@@ -315,6 +318,8 @@ void CCUIControl::OnEnable(int bEnable)
     SetState(CUI_STATE_DISABLED, !bEnable);
     if (!bEnable) {
         SetHot(false);
+        if (watch.IsGone())
+            return;
         CancelPress();
     }
     if (!watch.IsGone() && m_hWnd)

@@ -4,6 +4,7 @@
 
 #include "CUI/ToolTip.h"
 #include "Control/ControlTip.h"
+#include "Menu/MenuClosing.h"
 #include "Window/Input.h"
 
 long CCUIControl::WindowProc(UINT message, WPARAM wParam, LPARAM lParam)
@@ -132,13 +133,25 @@ void CCUIControl::SetHot(bool bHot)
     SetState(CUI_STATE_HOT, bHot);
     if (!bHot) {
         CUIHideControlTip(m_hWnd);
+        TellHelp(0, CUI_MENU_CLOSED);
         return;
     }
     AwaitLeave();
     CWatch watch(this);
+    TellHelp(GetCommand(), 0);
+    if (watch.IsGone() || !(m_nState & CUI_STATE_HOT))
+        return;
     const CCUString sTip = GetShowToolTips() ? GetTipText() : CCUString();
     if (!watch.IsGone() && m_hWnd && !sTip.IsEmpty())
         CUIControlTip().SetTool(m_hWnd, nullptr, sTip);
+}
+
+// As a menu's owner hears of the item that is lit, so that help texts take one way.
+void CCUIControl::TellHelp(unsigned int nID, UINT nFlags)
+{
+    const CCUIWindow *const pRouter = GetCommand() ? FindRouter() : nullptr;
+    if (pRouter)
+        SendMessageA(*pRouter, WM_MENUSELECT, MAKEWPARAM(nID, nFlags), 0);
 }
 
 void CCUIControl::AwaitLeave()
