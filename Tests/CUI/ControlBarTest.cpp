@@ -95,7 +95,8 @@ TEST(ControlBar, PutsItsItemsAlongItsSideAndWhatHasNoRoomIntoAMenu)
     bar.SetLength(70);
     std::string menu;
     CFakeCall<BOOL(HMENU, UINT, int, int, HWND, TPMPARAMS *)> track(
-        "TrackPopupMenuEx", [&](HMENU hMenu, auto...) { return menu = ItemsOf(hMenu), 1002; });
+        "TrackPopupMenuEx",
+        [&](HMENU hMenu, auto...) { return menu = ItemsOf(hMenu), int(GetMenuItemID(hMenu, 0)); });
     bar.Mouse(WM_LBUTTONDOWN, -1);
     EXPECT_EQ("tip one", menu);
     EXPECT_NE(std::string::npos, parent.Told().find("1002 "));

@@ -66,7 +66,7 @@ TEST(Layout, GivesChildrenTheirPlacesWhateverChanges)
     const HWND hPlain = MakePlain("STATIC", layout);
     Boxes boxes = MakeBoxes(layout, {{10, 4}, {20, 4}, {30, 4}});
     int nMoves = 0;
-    boxes[0]->m_on[WM_WINDOWPOSCHANGED] = [&] { return ++nMoves, boxes[0]->Default(); };
+    boxes[0]->m_on[WM_WINDOWPOSCHANGING] = [&] { return ++nMoves, boxes[0]->Default(); };
     const auto widen = [&](int cx) { SetWindowPos(layout, nullptr, 0, 0, cx, 60, SWP_NOMOVE); };
     const auto want = [&](size_t nBox, unsigned long nFlags) {
         boxes[nBox]->SetLayoutFlags(nFlags);
