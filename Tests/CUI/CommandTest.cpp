@@ -5,6 +5,7 @@
 #include "CU/IDGenerator.h"
 #include "CUI/CommandMap.h"
 #include "CUI/Menu.h"
+#include "Support/HeapWatch.h"
 #include "Support/MenuItems.h"
 #include "Support/Reports.h"
 #include "Support/TestCommand.h"
@@ -26,16 +27,6 @@ protected:
             CCUIWindow::OnCommand(nCode, nID, hControl);
     }
     int OnReflectedMessage(UINT, WPARAM, LPARAM, long &) override { return ++m_nSeen, m_bTake; }
-};
-
-// Leaves nothing in its memory by which who still looks there gets on.
-struct CPoisoned : CTestWindow
-{
-    static void operator delete(void *p, size_t nSize)
-    {
-        std::fill_n(static_cast<volatile char *>(p), nSize, '\x55');
-        ::operator delete(p);
-    }
 };
 
 // A control that does something to its parent before it says no.
@@ -111,7 +102,8 @@ TEST(CommandRouting, TakesCommandsThroughControlAndWindowsToTheHandler)
 TEST(CommandRouting, SurvivesHandlersThatDeleteTheirWindowOrThemselves)
 {
     CReports reports;
-    std::unique_ptr<CTestWindow> window = std::make_unique<CPoisoned>();
+    const CHeapWatch heap;  // what is used of a dead window is wrong
+    auto window = std::make_unique<CTestWindow>();
     auto command = std::make_unique<CTestCommand>(1000);
     window->RouteCommands(true);
     command->m_onState = [&] { CCUICommandMap::Remove(command.get()); };
@@ -122,7 +114,7 @@ TEST(CommandRouting, SurvivesHandlersThatDeleteTheirWindowOrThemselves)
     command->m_onCommand = command->m_onUpdate = [&] { window.reset(); };
     SendMessageA(*window, WM_COMMAND, 1000, 0);
     EXPECT_EQ(nullptr, window);
-    window = std::make_unique<CPoisoned>();
+    window = std::make_unique<CTestWindow>();
     window->RouteCommands(true);
     CCUIMenu menu;
     AppendMenuA(menu.GetHandle(), MF_STRING, 1000, "one");
@@ -140,7 +132,7 @@ TEST(CommandRouting, SurvivesHandlersThatDeleteTheirWindowOrThemselves)
     command->m_onText = [] {};
     command->m_nState = CUI_COMMAND_ACTIVE;
     for (const int nWay : {0, 1, 2}) {
-        window = std::make_unique<CPoisoned>();
+        window = std::make_unique<CTestWindow>();
         window->RouteCommands(nWay < 2);
         CCloser closer(*window, WS_CHILD);
         closer.m_onSeen = [&] { nWay ? window.reset() : void(window->Destroy()); };

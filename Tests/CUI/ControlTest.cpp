@@ -21,17 +21,13 @@ namespace {
 struct CParent : CTestWindow
 {
     explicit CParent(const char *className = nullptr)
+        : CTestWindow(nullptr, WS_POPUP | WS_VISIBLE, className)
     {
-        Destroy();
-        CreateTestWindow(*this, nullptr, WS_POPUP | WS_VISIBLE, className);
         m_on[WM_COMMAND] = [&] {
             return m_told += Text("%u,%u ", LOWORD(m_wParam), HIWORD(m_wParam)), 0;
         };
         SetForegroundWindow(m_hWnd);
     }
-    std::string Told() { return std::exchange(m_told, ""); }
-
-    std::string m_told;
 };
 
 struct CButton : CCUIButton
@@ -131,7 +127,7 @@ TEST(Control, IsHotWithATipAndHelpWhileTheMouseIsOverIt)
 TEST(Control, FollowsItsCommandAndRepaintsOnlyWhatChanged)
 {
     CReports reports;
-    CParent frame;
+    CTestPopup frame;
     CTestWindow panel(frame, WS_CHILD | WS_VISIBLE);  // that routes nothing
     CTestCommand command(1000);
     CButton button(panel), other(panel, 6);
@@ -158,7 +154,6 @@ TEST(Control, FollowsItsCommandAndRepaintsOnlyWhatChanged)
     command.m_nState = CUI_COMMAND_ACTIVE;
     CCUICommandMap::IdleUpdate();
     frame.RouteCommands(true);
-    frame.m_on.clear();
     Click(button);
     EXPECT_EQ("0 ", command.Done());
     // Disabled with the focus, it passes that on, so that the keyboard is not lost.
@@ -177,9 +172,8 @@ TEST(Control, FollowsItsCommandAndRepaintsOnlyWhatChanged)
 
 TEST(Control, MayBeDeletedByItsOwnCommand)
 {
-    CParent frame;
+    CTestPopup frame;
     frame.RouteCommands(true);
-    frame.m_on.clear();
     CTestCommand command(1000);
     for (const auto kind : {CUI_BUTTON_PUSH, CUI_BUTTON_RADIO, CUI_BUTTON_REPEAT}) {
         for (const UINT message : {UINT{WM_LBUTTONDOWN}, UINT{WM_KEYDOWN}}) {
@@ -366,7 +360,7 @@ TEST(Control, RepeatsAsTheKeyboardDoesWhileItIsHeldDown)
 
 TEST(Control, OpensItsMenuBelowAndStaysDownMeanwhile)
 {
-    CParent frame;
+    CTestPopup frame;
     CTestCommand command(1001);
     frame.RouteCommands(true);
     CButton button(frame, 5, CUI_BUTTON_SPLIT);
@@ -380,7 +374,6 @@ TEST(Control, OpensItsMenuBelowAndStaysDownMeanwhile)
         nArrow += i % closed.cx > 64 && closed.At(i % closed.cx, i / closed.cx) == 0;
     EXPECT_EQ(16, nArrow);
     CPixelMap open;
-    frame.m_on.clear();
     frame.m_on[WM_INITMENUPOPUP] = [&] {
         open = button.Picture();
         for (const int nKey : {VK_DOWN, VK_RETURN})
@@ -485,11 +478,8 @@ TEST(Control, IsMirroredAllButItsText)
         SetWindowLongA(parent, GWL_EXSTYLE, bMirrored ? 0x00400000 : 0);
         CButton button(parent, 5, CUI_BUTTON_CHECK, "FL");
         UpdateWindow(button);
-        const RECT rect = RectOf(parent);
-        const HDC hScreen = GetDC(nullptr);
-        SetViewportOrgEx(hScreen, rect.left + (bMirrored ? 110 : 37), rect.top + 20, nullptr);
-        const CPixelMap map = ReadPixels(hScreen, 63, 30);  // all but the mark
-        ReleaseDC(nullptr, hScreen);
+        const LONG x = RectOf(parent).left + (bMirrored ? 110 : 37), y = RectOf(parent).top + 20;
+        const CPixelMap map = WindowPixels(nullptr, {x, y, x + 63, y + 30});  // all but the mark
         for (int i = 0; i < 63 * 30; ++i) {
             if (map.At(i / 30, i % 30) == GetSysColor(COLOR_BTNTEXT))
                 columns[bMirrored].push_back(i % 30);

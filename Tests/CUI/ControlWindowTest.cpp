@@ -1,16 +1,6 @@
-#include "CUI/ControlWindow.h"
-#include "Support/TestWindow.h"
+#include "Support/TestControl.h"
 
 namespace {
-
-struct CControl : CScripted<CCUIControlWindow>
-{
-    explicit CControl(HWND hParent)
-    {
-        const DWORD nStyle = WS_CHILD | WS_VISIBLE | WS_CLIPSIBLINGS;
-        Create(nullptr, "", nStyle, {10, 20, 60, 50}, hParent, 1);
-    }
-};
 
 struct CEvents : CCUIWindowEventCallback
 {
@@ -28,28 +18,28 @@ struct CEvents : CCUIWindowEventCallback
 TEST(ControlWindow, TellsTheParentWhatOfItsLayoutChanged)
 {
     CTestWindow layout;
-    CControl control(layout);
-    std::string told;
+    CTestControl control(layout);
     layout.m_on[CUI_WM_LAYOUT] = [&] {
         const bool bIts = reinterpret_cast<HWND>(layout.m_wParam) == control.GetHandle();
-        return told += Text(bIts ? "its %ld " : "%ld ", layout.m_lParam), 0;
+        return layout.m_told += Text(bIts ? "its %ld " : "%ld ", layout.m_lParam), 0;
     };
     // Flags that move the siblings too, whether they come or go, lay out all.
     for (const unsigned long nFlags : {4UL, 5UL, 5UL, 0x100UL, 4UL, 0x1000UL, 0x80000000UL})
         control.SetLayoutFlags(nFlags);
-    EXPECT_EQ("its 6 3 3 its 6 3 ", std::exchange(told, ""));
+    EXPECT_EQ("its 6 3 3 its 6 3 ", layout.Told());
     control.SetFixedSize(21);
     control.SetFixedSize(21);
     control.SetColorChanging(1);
     control.SetFixedSize(22);
     control.SetLayoutFlags(7);
-    EXPECT_EQ("its 6 ", told);
+    EXPECT_EQ("its 6 ", layout.Told());
 }
 
 TEST(ControlWindow, RepaintsItselfAndWhatIsAroundItInANewColour)
 {
     CTestPopup parent;
-    CControl control(parent);
+    CTestControl control(parent);
+    MoveWindow(control, 10, 20, 50, 30, FALSE);
     RECT around = {};
     int nPaints = 0;
     parent.m_on[WM_PAINT] = [&] { return GetUpdateRect(parent, &around, 0), parent.Default(); };
@@ -68,19 +58,16 @@ TEST(ControlWindow, TakesTheScreenAndGoesBackToItsPlace)
 {
     CTestPopup layout;
     SetForegroundWindow(layout);
-    CControl below(layout), above(layout);
-    auto control = std::make_unique<CControl>(layout);
+    CTestControl below(layout), above(layout);
+    auto control = std::make_unique<CTestControl>(layout);
     const HWND hWnd = *control;
     SetWindowPos(hWnd, above, 30, 40, 70, 80, 0);
     CEvents events;
     control->SetWindowEventCallback(&events);
     const auto place = [&] {
-        RECT rect;
-        GetWindowRect(hWnd, &rect);
-        MapWindowPoints(nullptr, GetAncestor(hWnd, GA_PARENT), reinterpret_cast<POINT *>(&rect), 2);
-        return Text("%ld %ld %ld %ld, style %lx %lx", rect.left, rect.top, rect.right, rect.bottom,
-                    GetWindowLongA(hWnd, GWL_STYLE) & LONG(WS_CHILD | WS_POPUP),
-                    GetWindowLongA(hWnd, GWL_EXSTYLE));
+        return PlaceOf(hWnd) + Text(", style %lx %lx",
+                                    GetWindowLongA(hWnd, GWL_STYLE) & LONG(WS_CHILD | WS_POPUP),
+                                    GetWindowLongA(hWnd, GWL_EXSTYLE));
     };
     const std::function<void()> leave[] = {
         [&] { control->SetFullScreen(0); },
@@ -92,7 +79,7 @@ TEST(ControlWindow, TakesTheScreenAndGoesBackToItsPlace)
         SetFocus(below);
         control->SetFullScreen(2);
         control->SetFullScreen(1);
-        EXPECT_EQ(Text("0 0 %d %d, style 80000000 88", GetSystemMetrics(SM_CXSCREEN),
+        EXPECT_EQ(Text("0,0,%d,%d, style 80000000 88", GetSystemMetrics(SM_CXSCREEN),
                        GetSystemMetrics(SM_CYSCREEN)),
                   place());
         EXPECT_EQ(GetDesktopWindow(), GetAncestor(hWnd, GA_PARENT));
@@ -100,7 +87,7 @@ TEST(ControlWindow, TakesTheScreenAndGoesBackToItsPlace)
         way();
         PumpWaiting();
         EXPECT_EQ(0, control->GetFullScreen());
-        EXPECT_EQ("30 40 100 120, style 40000000 0", place());
+        EXPECT_EQ("30,40,100,120, style 40000000 0", place());
         EXPECT_EQ(layout.GetHandle(), GetParent(hWnd));
         EXPECT_EQ(above.GetHandle(), GetWindow(hWnd, GW_HWNDPREV));
         EXPECT_EQ(below.GetHandle(), GetFocus());

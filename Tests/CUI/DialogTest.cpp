@@ -26,7 +26,6 @@ struct CTestDialog : CScripted<CCUIDialog>
     }
 
     int m_nExchanged = 1;
-    std::string m_record;
 
     using CCUIDialog::OnOK;
 
@@ -37,11 +36,11 @@ struct CTestDialog : CScripted<CCUIDialog>
     }
     int ExchangeData(unsigned short nDirection) override
     {
-        m_record += nDirection == CUI_TOSCREEN ? "to " : "from ";
+        m_told += nDirection == CUI_TOSCREEN ? "to " : "from ";
         SetDlgItemTextA(m_hWnd, 1001, "put");
         return m_nExchanged;
     }
-    void OnEvent(CCUString &sEvent) override { m_record += std::string(sEvent) + " "; }
+    void OnEvent(CCUString &sEvent) override { m_told += std::string(sEvent) + " "; }
 };
 
 CTestDialog::Step End(unsigned nResult)
@@ -238,7 +237,7 @@ TEST(Dialog, TracksWhatTheUserChanges)
     EXPECT_FALSE(change(1002, LBN_SELCHANGE));
     dialog.SetDirty(true);
     dialog.SetDirty(true);
-    EXPECT_EQ("to Dirty Dirty Dirty Dirty Dirty ", dialog.m_record);
+    EXPECT_EQ("to Dirty Dirty Dirty Dirty Dirty ", dialog.m_told);
 }
 
 TEST(Dialog, StaysOpenWhereItsDataCannotBeTaken)
@@ -253,7 +252,7 @@ TEST(Dialog, StaysOpenWhereItsDataCannotBeTaken)
     dialog.m_nExchanged = 1;
     dialog.OnOK();
     EXPECT_FALSE(dialog.Exist());
-    EXPECT_EQ("to from from ", dialog.m_record);
+    EXPECT_EQ("to from from ", dialog.m_told);
 }
 
 TEST(Dialog, PaintsItsColour)
@@ -293,7 +292,7 @@ TEST(Dialog, ExchangesWhatItsControlsHold)
         }
         int ExchangeFail(int nID, CCUString &sMessage) override
         {
-            return m_record += Text("%d: %s ", nID, sMessage.GetString()), 0;
+            return m_told += Text("%d: %s ", nID, sMessage.GetString()), 0;
         }
         using CCUIDialog::CenterOnOwner;
         CCUString m_sLabel = "label";
@@ -325,7 +324,7 @@ TEST(Dialog, ExchangesWhatItsControlsHold)
     }
     EXPECT_FALSE(dialog.Exist());
     const std::string fail = "1001: -5 - 3600 ";
-    EXPECT_EQ(fail + fail + fail + fail + fail, dialog.m_record);
+    EXPECT_EQ(fail + fail + fail + fail + fail, dialog.m_told);
     EXPECT_EQ("3600 1 1 0 4 -1",
               Text("%d %d %d %d %d %d", dialog.m_nNumber, dialog.m_nItem, dialog.m_nEntry,
                    dialog.m_nCheck, dialog.m_nMissing, dialog.m_nRadio));

@@ -5,12 +5,11 @@
 #include "Support/TestWindow.h"
 
 // A frame that writes down what it is asked; it eats the WM_QUIT that its end posts.
-class CTestFrame : public CScripted<CCUIFrameWindow>
+struct CTestFrame : CScripted<CCUIFrameWindow>
 {
-public:
-    CTestFrame()
+    explicit CTestFrame(DWORD style = WS_OVERLAPPEDWINDOW)
     {
-        CreateEx(0, nullptr, "Program", WS_OVERLAPPEDWINDOW, 40, 50, 400, 300, nullptr, nullptr);
+        CreateEx(0, nullptr, "Program", style, 40, 50, 400, 300, nullptr, nullptr);
     }
     ~CTestFrame() override
     {
@@ -23,15 +22,14 @@ public:
         MSG msg;
         return PeekMessageA(&msg, nullptr, WM_QUIT, WM_QUIT, PM_REMOVE) != 0;
     }
-    void OnOpenFile(const CCUString &sPath) override { m_asked += std::string(sPath) + "|"; }
-    bool QueryClose() override { return m_asked += "close?", m_onQuery(); }
+    void OnOpenFile(const CCUString &sPath) override { m_told += std::string(sPath) + "|"; }
+    bool QueryClose() override { return m_told += "close?", m_onQuery(); }
     void OnFullScreen(bool bFull) override
     {
-        m_asked += bFull ? "full|" : "back|";
+        m_told += bFull ? "full|" : "back|";
         m_onFull();
     }
 
-    std::string m_asked;
     std::function<bool()> m_onQuery = [] { return true; };
     std::function<void()> m_onFull = [] {};
 };

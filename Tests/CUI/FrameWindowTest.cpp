@@ -14,18 +14,9 @@
 #include "Support/PixelMap.h"
 #include "Support/Reports.h"
 #include "Support/TestCommand.h"
+#include "Support/TestControl.h"
 
 namespace {
-
-struct CBar : CScripted<CCUIControlWindow>
-{
-    CBar(HWND hFrame, int nSize, DWORD style = WS_VISIBLE)
-    {
-        SetFixedSize(nSize);
-        Create(nullptr, "", style | WS_CHILD, {0, 0, 1, 1}, hFrame, 1);
-    }
-    ~CBar() override { m_on.clear(), Destroy(); }
-};
 
 // With all that a frame can have.
 struct CFullFrame : CTestFrame
@@ -77,12 +68,9 @@ TEST(FrameWindow, HasCommandsAsTheyStandWhenItIsShown)
 
 TEST(FrameWindow, PutsBarsAroundItsClient)
 {
-    CTestFrame frame;
-    RECT rc = {0, 0, 400, 300};
-    AdjustWindowRect(&rc, WS_OVERLAPPEDWINDOW, FALSE);
-    MoveWindow(frame, 0, 0, rc.right - rc.left, rc.bottom - rc.top, FALSE);
-    CBar top(frame, 30), hidden(frame, 10, 0), left(frame, 40), right(frame, 7), below(frame, 5),
-        status(frame, 20), client(frame, 0);
+    CTestFrame frame(WS_POPUP);
+    CTestControl top(frame, 30), hidden(frame, 10, 4, WS_CHILD), left(frame, 40), right(frame, 7),
+        below(frame, 5), status(frame, 20), client(frame, 0);
     frame.AddBar(&top, CUI_BAR_TOP), frame.AddBar(&hidden, CUI_BAR_TOP);
     frame.AddBar(&left, CUI_BAR_LEFT), frame.AddBar(&right, CUI_BAR_RIGHT);
     frame.AddBar(&below, CUI_BAR_BOTTOM);
@@ -107,8 +95,9 @@ TEST(FrameWindow, SurvivesWhateverGoesMeanwhile)
 {
     CReports reports;
     auto frame = std::make_unique<CTestFrame>();
-    auto bar = std::make_unique<CBar>(*frame, 20), client = std::make_unique<CBar>(*frame, 0),
-         detached = std::make_unique<CBar>(*frame, 30);
+    auto bar = std::make_unique<CTestControl>(*frame),
+         client = std::make_unique<CTestControl>(*frame),
+         detached = std::make_unique<CTestControl>(*frame);
     frame->AddBar(bar.get(), CUI_BAR_TOP);
     frame->SetClient(client.get());
     frame->AddBar(detached.get(), CUI_BAR_TOP);
@@ -127,22 +116,6 @@ TEST(FrameWindow, SurvivesWhateverGoesMeanwhile)
     EXPECT_EQ(0, reports.Total());
 }
 
-// As a program does that begins with a new text.
-TEST(FrameWindow, IsNamedAfterTheProgramWhereOnCreateSetsNoDocument)
-{
-    struct CNewFrame : CTestFrame
-    {
-        int OnCreate(CREATESTRUCTA *pCreate) override
-        {
-            SetDocument("");
-            return CCUIFrameWindow::OnCreate(pCreate);
-        }
-    } frame;
-    frame.Destroy();
-    frame.CreateFrame("Editor");
-    EXPECT_EQ("Editor", TextOf(frame));
-}
-
 TEST(FrameWindow, NamesItsDocumentClosesWhenAskedAndEndsTheProgramAsTheMainFrame)
 {
     CTestFrame main, other;
@@ -151,20 +124,24 @@ TEST(FrameWindow, NamesItsDocumentClosesWhenAskedAndEndsTheProgramAsTheMainFrame
     EXPECT_EQ("Letter.txt* - Program", TextOf(main));
     EnableWindow(other, FALSE);
     SendMessageA(other, WM_CLOSE, 0, 0);
-    EXPECT_EQ("", other.m_asked) << "disabled";
+    EXPECT_EQ("", other.m_told) << "disabled";
     EnableWindow(other, TRUE);
     other.m_onQuery = [&] { return SendMessageA(other, WM_QUERYENDSESSION, 0, 0) != 0; };
     SendMessageA(other, WM_CLOSE, 0, 0);
-    EXPECT_EQ("close?", other.m_asked) << "not while it is asked";
+    EXPECT_EQ("close?", other.m_told) << "not while it is asked";
     EXPECT_TRUE(other.Exist());
     other.m_onQuery = main.m_onQuery;
     SendMessageA(other, WM_CLOSE, 0, 0);
     EXPECT_FALSE(other.Exist() || CTestFrame::TakeQuit());
     SendMessageA(main, WM_CLOSE, 0, 0);
     EXPECT_TRUE(CTestFrame::TakeQuit());
-    CScripted<CCUIFrameWindow> failing;
-    failing.m_on[WM_CREATE] = [] { return -1; };
-    EXPECT_FALSE(failing.CreateFrame("x") || CTestFrame::TakeQuit());
+    CScripted<CCUIFrameWindow> later;
+    later.m_on[WM_CREATE] = [] { return -1; };
+    EXPECT_FALSE(later.CreateFrame("x") || CTestFrame::TakeQuit());
+    // As a program does that begins with a new text.
+    later.m_on[WM_CREATE] = [&] { return later.SetDocument(""), 0; };
+    later.CreateFrame("Editor");
+    EXPECT_EQ("Editor", TextOf(later));
 }
 
 TEST(FrameWindow, KeepsItsPlaceAndFindsAScreenForIt)
@@ -243,7 +220,7 @@ TEST(FrameWindow, CoversTheScreenAndComesBackAsItWas)
         DestroyWindow(hCombo);
         seen.clear();
         PressKey(VK_ESCAPE, frame.m_client);
-        EXPECT_EQ(before + "full|back|0 ", look() + frame.m_asked + command.Done());
+        EXPECT_EQ(before + "full|back|0 ", look() + frame.m_told + command.Done());
         EXPECT_EQ(std::set<std::string>{PlaceOf(frame) + " 1"}, seen);
         frame.m_on.clear();
         // Whoever is told asks for the other one.
@@ -280,14 +257,12 @@ TEST(FrameWindow, LeadsHelpKeysAndFocusBetweenItsParts)
     frame.m_status.ShowHelp("Long help");
     const CPixelMap help = look();
     const auto select = [&](int nItem, int nFlags) {
-        return SendMessageA(frame, WM_MENUSELECT, MAKEWPARAM(nItem, nFlags), nFlags != 0xFFFF);
+        SendMessageA(frame, WM_MENUSELECT, MAKEWPARAM(nItem, nFlags), nFlags != 0xFFFF);
+        return look();
     };
-    for (const bool bHelp : {true, false}) {
-        select(bHelp ? 1700 : 0, bHelp ? 0 : 0xFFFF);
-        EXPECT_EQ(bHelp ? help : ready, look());
-    }
-    select(1700, MF_POPUP);
-    EXPECT_FALSE(help == look());
+    EXPECT_EQ(help, select(1700, 0));
+    EXPECT_EQ(ready, select(0, 0xFFFF));
+    EXPECT_FALSE(help == select(1700, MF_POPUP));
     const HWND order[] = {frame.m_bars[0], frame.m_bars[1], frame.m_button};
     for (const HWND hExpected : order) {
         PressKey(VK_F6);
@@ -320,7 +295,7 @@ TEST(FrameWindow, OpensWhatIsDroppedAndWhatACommandLineNames)
     const std::string drop = "\x14" + std::string(19, 0) + "C:\\one.txt" + '\0' + longName;
     SendMessageA(frame, WM_DROPFILES, 0x1234, 0);
     for (const BOOL bEnabled : {FALSE, TRUE}) {
-        EXPECT_EQ("", frame.m_asked) << "a dialog is open";
+        EXPECT_EQ("", frame.m_told) << "a dialog is open";
         EnableWindow(frame, bEnabled);
         const HGLOBAL hDrop = GlobalAlloc(GHND, drop.size() + 2);
         memcpy(GlobalLock(hDrop), drop.data(), drop.size());
@@ -333,7 +308,7 @@ TEST(FrameWindow, OpensWhatIsDroppedAndWhatACommandLineNames)
     }
     EXPECT_EQ(
         "C:\\one.txt|" + longName + "|C:\\in\\a b.txt|C:\\e.txt|\\\\s\\t\\f|C:\\in\\qr s.txt|",
-        frame.m_asked);
+        frame.m_told);
 }
 
 TEST(FrameWindow, PassesOnWhatIsSaidOfPalettes)

@@ -3,15 +3,13 @@
 #include "Support/GdiCount.h"
 #include "Support/ImportHook.h"
 #include "Support/PixelMap.h"
-#include "Support/Reports.h"
-#include "Support/TestWindow.h"
+#include "Support/TestControl.h"
 
 namespace {
 
 const auto COLUMN = CCUILayoutWindow::Column;
 const auto ROW = CCUILayoutWindow::Row;
 const LONG MIRRORED = 0x00400000;  // WS_EX_LAYOUTRTL
-const DWORD SHOWN = WS_CHILD | WS_VISIBLE | WS_CLIPSIBLINGS | WS_TABSTOP;
 
 struct CLayout : CScripted<CCUILayoutWindow>
 {
@@ -20,23 +18,10 @@ struct CLayout : CScripted<CCUILayoutWindow>
         Create(nullptr, "", SHOWN, {0, 0, cx, cy}, hParent, 0);
     }
     void OnSplitting(HWND, int &nSize) override { nSize = nSize == 13 ? 14 : nSize; }
-    void OnSplit(HWND, int nSize) override { m_splits += Text("%d ", nSize); }
-    std::string m_splits;
+    void OnSplit(HWND, int nSize) override { m_told += Text("%d ", nSize); }
 };
 
-struct CBox : CScripted<CCUIControlWindow>
-{
-    explicit CBox(HWND hParent, int nSize = 20, unsigned long nFlags = 4, DWORD nStyle = SHOWN)
-    {
-        m_propData.nFixedSize = nSize;
-        m_propData.nLayoutFlags = nFlags;
-        m_on[WM_WINDOWPOSCHANGED] = [this] { return ++m_nMoves, Default(); };
-        Create(nullptr, "", nStyle, {0, 0, 9, 7}, hParent, 1);
-    }
-    int m_nMoves = 0;
-};
-
-using Boxes = std::vector<std::unique_ptr<CBox>>;
+using Boxes = std::vector<std::unique_ptr<CTestControl>>;
 
 // From and size along the layout of each.
 std::string Along(const Boxes &boxes, bool bRow = true)
@@ -54,7 +39,7 @@ Boxes MakeBoxes(HWND hParent, const std::vector<std::pair<int, unsigned long>> &
 {
     Boxes boxes;
     for (const auto &child : children)
-        boxes.push_back(std::make_unique<CBox>(hParent, child.first, child.second));
+        boxes.push_back(std::make_unique<CTestControl>(hParent, child.first, child.second));
     PumpWaiting();
     return boxes;
 }
@@ -80,14 +65,16 @@ TEST(Layout, GivesChildrenTheirPlacesWhateverChanges)
     layout.SetGap(3);
     const HWND hPlain = MakePlain("STATIC", layout);
     Boxes boxes = MakeBoxes(layout, {{10, 4}, {20, 4}, {30, 4}});
+    int nMoves = 0;
+    boxes[0]->m_on[WM_WINDOWPOSCHANGING] = [&] { return ++nMoves, boxes[0]->Default(); };
     const auto widen = [&](int cx) { SetWindowPos(layout, nullptr, 0, 0, cx, 60, SWP_NOMOVE); };
     const auto want = [&](size_t nBox, unsigned long nFlags) {
         boxes[nBox]->SetLayoutFlags(nFlags);
     };
     const std::pair<const char *, std::function<void()>> steps[] = {
-        {"5+10 18+20 41+30 ", [&] { boxes[0]->m_nMoves = 0; }},
+        {"5+10 18+20 41+30 ", [] {}},
         {"5+10 18+44 65+30 ", [&] { want(1, 4 | CUIPlaceWeight(1)); }},
-        {"5+10 18+44 65+30 ", [&] { EXPECT_EQ(0, boxes[0]->m_nMoves); }},
+        {"5+10 18+44 65+30 ", [&] { EXPECT_EQ(0, nMoves); }},
         {"5+10 5+57 65+30 ", [&] { ShowWindow(*boxes[0], SW_HIDE); }},
         {"5+10 18+44 65+30 ", [&] { want(0, 4 | CUI_PLACE_KEEP); }},
         // Two share by weight, but for what each needs.
@@ -97,7 +84,7 @@ TEST(Layout, GivesChildrenTheirPlacesWhateverChanges)
         {"5+63 71+21 95+40 ",
          [&] { layout.Suspend(), boxes[2]->SetFixedSize(40), layout.Resume(); }},
         {"5+87 95+40 ", [&] { boxes.erase(boxes.begin() + 1); }},
-        {"5+77 85+40 128+7 ", [&] { boxes.push_back(std::make_unique<CBox>(layout, 7)); }},
+        {"5+77 85+40 128+7 ", [&] { boxes.push_back(std::make_unique<CTestControl>(layout, 7)); }},
         {"5+10 18+40 61+7 ", [&] { widen(20); }},
     };
     for (const auto &[places, act] : steps) {
@@ -173,7 +160,7 @@ TEST(Layout, NestedLayoutsTellWhatTheyNeed)
     inner.SetFixedSize(0);
     deepest.SetLayoutFlags(CUI_PLACE_FIT | CUI_PLACE_FILL);
     deepest.SetFixedSize(0);
-    CBox box(deepest, 15, CUI_PLACE_NEAR), last(outer, 5);
+    CTestControl box(deepest, 15, CUI_PLACE_NEAR), last(outer, 5);
     PumpWaiting();
     EXPECT_EQ("0,0,13,21 1,2,10,17", PlaceOf(inner) + " " + PlaceOf(deepest));
     EXPECT_EQ("0,21,100,26", PlaceOf(last));
@@ -186,11 +173,12 @@ TEST(Layout, TabGoesThroughAllThatCanHaveTheFocus)
 {
     CTestPopup top;
     CLayout outer(top, COLUMN);
-    CBox first(outer);
+    CTestControl first(outer);
     CLayout inner(outer, ROW), empty(outer, ROW);
     const HWND hEdit = MakePlain("EDIT", inner, 0, SHOWN);
-    CBox hidden(inner, 5, 4, WS_CHILD | WS_TABSTOP), disabled(inner, 5, 4, SHOWN | WS_DISABLED);
-    CBox noStop(inner, 5, 4, WS_CHILD | WS_VISIBLE), last(inner);
+    CTestControl hidden(inner, 5, 4, WS_CHILD | WS_TABSTOP),
+        disabled(inner, 5, 4, SHOWN | WS_DISABLED);
+    CTestControl noStop(inner, 5, 4, WS_CHILD | WS_VISIBLE), last(inner);
     SetFocus(outer);
     EXPECT_EQ(first.GetHandle(), GetFocus());
     const HWND order[] = {hEdit, last, first, hEdit, first, last, hEdit};
@@ -209,7 +197,7 @@ TEST(Layout, TabGoesThroughAllThatCanHaveTheFocus)
     // A dialog moves the focus behind the end.
     const HWND hDialog = MakePlain("#32770", top, 0, SHOWN);
     CLayout within(hDialog, ROW);
-    CBox one(within);
+    CTestControl one(within);
     const HWND hOther = MakePlain("BUTTON", hDialog, 0, SHOWN);
     SetFocus(one);
     for (const HWND hWnd : {hOther, one.GetHandle()}) {
@@ -281,7 +269,7 @@ TEST(Layout, SplitterMovesByMouseAndKeysAndGoesBack)
     mouse(WM_MOUSEMOVE, 50);
     mouse(WM_LBUTTONUP, 50);
     EXPECT_EQ(boxes[1]->GetHandle(), GetFocus());
-    EXPECT_EQ("48 ", std::exchange(layout.m_splits, ""));
+    EXPECT_EQ("48 ", layout.Told());
     SetFocus(*boxes[0]);
     PressTab();
     const std::pair<WPARAM, int> keys[] = {
@@ -291,7 +279,7 @@ TEST(Layout, SplitterMovesByMouseAndKeysAndGoesBack)
         EXPECT_EQ(key.second, layout.GetSplit(*boxes[0])) << key.first;
     }
     PressTab();
-    EXPECT_EQ("56 ", std::exchange(layout.m_splits, ""));
+    EXPECT_EQ("56 ", layout.Told());
     // Two with weights share otherwise, in a larger window too.
     boxes[0]->SetLayoutFlags(split | CUIPlaceWeight(1));
     boxes[0]->SetFixedSize(10);

@@ -2,9 +2,9 @@
 // owner.
 
 #include "CUI/MessageBox.h"
+#include "Support/FakeClock.h"
 #include "Support/GdiCount.h"
 #include "Support/ImportHook.h"
-#include "Support/MultimediaHook.h"
 #include "Support/PixelMap.h"
 #include "Support/Reports.h"
 #include "Support/TestSettings.h"
@@ -79,11 +79,6 @@ Act Click(int nIndex)
 Act Press(WPARAM nKey)
 {
     return [=](HWND) { PostMessageA(GetFocus(), WM_KEYDOWN, nKey, 1); };
-}
-DWORD s_nTime;
-DWORD WINAPI Time()
-{
-    return s_nTime;
 }
 
 }  // namespace
@@ -211,9 +206,9 @@ TEST(MessageBoxes, KeepsAnAnswerThatTheUserWantsKept)
 TEST(MessageBoxes, CountsDownUntilTheUserTouchesIt)
 {
     CCUIMessageBox box("text", "title", MB_YESNO);
-    const CMultimediaHook hook(g_multimedia.getTime, Time);
+    CFakeClock clock;
     const auto pass = [&](DWORD nTime) {
-        s_nTime += nTime;
+        clock.Jump(nTime);
         box.TimeOut(0);
         PumpWaiting();
     };
@@ -260,10 +255,9 @@ TEST(MessageBoxes, SpeaksAsTheProgramDoesAndCopiesItselfInTheSystemsForm)
 TEST(MessageBoxes, ShowsIconHelpAndCaptionOfItsOwner)
 {
     CTestWindow owner;
-    std::string told;
-    const CFakeCall<BOOL(UINT)> beep("MessageBeep",
-                                     [&](UINT n) { return told += Text("beep %u ", n), TRUE; });
-    owner.m_on[WM_HELP] = [&] { return told += "help", 0; };
+    const CFakeCall<BOOL(UINT)> beep(
+        "MessageBeep", [&](UINT n) { return owner.m_told += Text("beep %u ", n), TRUE; });
+    owner.m_on[WM_HELP] = [&] { return owner.m_told += "help", 0; };
     ShowWindow(owner, SW_SHOWMINIMIZED);
     owner.m_on[WM_ENTERIDLE] = [&] {
         const HWND hBox = HWND(owner.m_lParam);
@@ -277,7 +271,7 @@ TEST(MessageBoxes, ShowsIconHelpAndCaptionOfItsOwner)
     };
     EXPECT_EQ(IDOK,
               CUIMessageBox(&owner, "text", nullptr, MB_HELP | MB_ICONEXCLAMATION | MB_TOPMOST));
-    EXPECT_EQ("beep 48 help", told);
+    EXPECT_EQ("beep 48 help", owner.Told());
     EXPECT_TRUE(IsWindowEnabled(owner));
     // A message that cannot be shown is not lost.
     const CDumped trace;

@@ -2,14 +2,14 @@
 #include "CUI/RecentFiles.h"
 
 #include "FrameFixture.h"
-#include "Support/FailingCall.h"
+#include "Support/ImportHook.h"
+#include "Support/MenuItems.h"
 #include "Support/TemporaryDirectory.h"
 
 namespace {
 
-class CRecent final : public CCUIRecentFiles
+struct CRecent final : CCUIRecentFiles
 {
-public:
     explicit CRecent(CTestFrame &frame, int nMost) : CCUIRecentFiles(&frame, 1710, nMost, "Test")
     {
         frame.SetMenu(GetModuleHandleA(nullptr), MAKEINTRESOURCEA(700));
@@ -21,18 +21,12 @@ public:
     std::string m_gone;
 };
 
-// The items of the frame's menu when it opens, without the first and the last, which are others'.
+// The items of the frame's menu when it opens.
 std::string Open(CTestFrame &frame)
 {
     const HMENU hMenu = GetSubMenu(frame.GetMenu(), 0);
     SendMessageA(frame, WM_INITMENUPOPUP, reinterpret_cast<WPARAM>(hMenu), 0);
-    std::string items;
-    for (UINT i = 1; static_cast<int>(i) < GetMenuItemCount(hMenu) - 1; ++i) {
-        char szText[256];
-        GetMenuStringA(hMenu, i, szText, sizeof szText, MF_BYPOSITION);
-        items += szText + std::string(GetMenuState(hMenu, i, MF_BYPOSITION) & 3 ? " off|" : "|");
-    }
-    return items;
+    return ItemsOf(hMenu, "|");
 }
 
 }  // namespace
@@ -44,17 +38,17 @@ TEST(RecentFiles, AreKeptLatestFirstAndSharedWithOtherRuns)
     CRecent recent(frame, 3);
     for (const char *path : {"C:\\0", "C:\\a", "C:\\b", "C:\\c", "c:\\B"})
         recent.Add(path);
-    EXPECT_EQ("&1 c:\\B|&2 C:\\c|&3 C:\\a|", Open(frame));
+    EXPECT_EQ("&Open|&1 c:\\B|&2 C:\\c|&3 C:\\a|E&xit", Open(frame));
     CTestSettings::Set("2", "C:\\another run");
     CTestSettings::Set("3", "C:\\b");
-    EXPECT_EQ("&1 c:\\B|&2 C:\\another run|", Open(frame));
+    EXPECT_EQ("&Open|&1 c:\\B|&2 C:\\another run|E&xit", Open(frame));
     recent.Add("C:\\e");
     recent.Remove("C:\\b");
     EXPECT_EQ("C:\\another run", CTestSettings::Get("2") + CTestSettings::Get("3"));
     const CFakeCall<LONG(HKEY, LPCSTR, DWORD, DWORD, const BYTE *, DWORD)> refuse(
         "RegSetValueExA", [](auto...) { return ERROR_ACCESS_DENIED; });
     recent.Add("C:\\f");
-    EXPECT_EQ("&1 C:\\f|&2 C:\\e|&3 C:\\another run|", Open(frame)) << "it refuses";
+    EXPECT_EQ("&Open|&1 C:\\f|&2 C:\\e|&3 C:\\another run|E&xit", Open(frame)) << "it refuses";
 }
 
 TEST(RecentFiles, ShowInTheMenuOpenAndTellWhatIsGone)
@@ -63,12 +57,12 @@ TEST(RecentFiles, ShowInTheMenuOpenAndTellWhatIsGone)
     const CTemporaryDirectory folder;
     CTestFrame frame;
     CRecent recent(frame, 11);
-    EXPECT_EQ("No files off|", Open(frame));
+    EXPECT_EQ("&Open|No files disabled|E&xit", Open(frame));
     recent.Add("C:\\A & B.txt");
     recent.Add("C:\\a very long folder name indeed\\and another one in it\\and so on\\file.txt");
     const std::string items = Open(frame);
     EXPECT_NE(std::string::npos, items.find("...\\")) << items;
-    EXPECT_EQ("file.txt|&2 C:\\A && B.txt|", items.substr(items.find("file.txt")));
+    EXPECT_EQ("file.txt|&2 C:\\A && B.txt|E&xit", items.substr(items.find("file.txt")));
     // Of a command that is not its own.
     EXPECT_STREQ("No files", recent.GetShortTT(5));
     EXPECT_EQ(CUI_COMMAND_MENU | CUI_COMMAND_TEXT, recent.GetState(5));
@@ -77,9 +71,9 @@ TEST(RecentFiles, ShowInTheMenuOpenAndTellWhatIsGone)
     recent.Add(there.c_str());
     for (const WPARAM nID : {1710U, 1712U})
         SendMessageA(frame, WM_COMMAND, nID, 0);
-    EXPECT_EQ(there + "| C:\\A & B.txt 2", frame.m_asked + " " + recent.m_gone);
+    EXPECT_EQ(there + "| C:\\A & B.txt 2", frame.m_told + " " + recent.m_gone);
     for (int i = 0; i < 12; ++i)
         recent.Add(Text("C:\\%d", i).c_str());
     const std::string full = Open(frame);
-    EXPECT_EQ("&9 C:\\3|1&0 C:\\2|11 C:\\1|", full.substr(full.find("&9"))) << full;
+    EXPECT_EQ("&9 C:\\3|1&0 C:\\2|11 C:\\1|E&xit", full.substr(full.find("&9"))) << full;
 }

@@ -8,9 +8,8 @@
 
 namespace {
 
-class CInstance : public CCUISingleInstance
+struct CInstance : CCUISingleInstance
 {
-public:
     explicit CInstance(DWORD nTimeout = 60000) : m_outcome(Start("CUITests\\run", nTimeout)) {}
     void OnLaterRun(const CCUString &sCommandLine, const CCUString &sFolder) override
     {
@@ -47,7 +46,7 @@ TEST(SingleInstance, HandsItsCommandLineAndFolderToTheFirst)
     const CChildProcess later("RivalRun", "\"a b.txt\"", "C:\\windows");
     EXPECT_TRUE(instance.Await(1));
     EXPECT_EQ(1u, later.ExitCode());
-    EXPECT_STRCASEEQ("C:\\windows\\a b.txt|", frame.m_asked.c_str());
+    EXPECT_STRCASEEQ("C:\\windows\\a b.txt|", frame.m_told.c_str());
     EXPECT_FALSE(IsIconic(frame));
     // What others send is not taken.
     HWND hWnd = nullptr;

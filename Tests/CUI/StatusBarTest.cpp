@@ -148,21 +148,20 @@ TEST(StatusBar, TellsClicksAndSurvivesWhatTheyBringAbout)
     CTestPopup frame;
     auto bar = std::make_unique<CStatusBar>(frame);
     bar->AddPane(CUI_PANE_FIXED, 40);
-    std::string told;
     long nAnswer = 1;
     frame.m_on[WM_NOTIFY] = [&] {
         const auto &click = *reinterpret_cast<CUIPaneNotification *>(frame.m_lParam);
-        told += Text("%d:%d ", static_cast<int>(click.header.code), click.nPane);
+        frame.m_told += Text("%d:%d ", static_cast<int>(click.header.code), click.nPane);
         return nAnswer;
     };
-    frame.m_on[WM_CONTEXTMENU] = [&] { return told += "menu ", 0; };
+    frame.m_on[WM_CONTEXTMENU] = [&] { return frame.m_told += "menu ", 0; };
     const LPARAM second = MAKELPARAM(bar->GetPaneRect(1).left + 2, 8);
     SendMessageA(*bar, WM_LBUTTONUP, 0, second);
     SendMessageA(*bar, WM_LBUTTONDBLCLK, 0, MAKELPARAM(5, 0));
     SendMessageA(*bar, WM_RBUTTONUP, 0, second);
     nAnswer = 0;
     SendMessageA(*bar, WM_RBUTTONUP, 0, second);
-    EXPECT_EQ("-2:1 -3:-1 -5:1 -5:1 menu ", told);
+    EXPECT_EQ("-2:1 -3:-1 -5:1 -5:1 menu ", frame.Told());
     frame.m_on[WM_NOTIFY] = [&] { return bar.reset(), 0; };
     SendMessageA(*bar, WM_RBUTTONUP, 0, second);
     EXPECT_FALSE(bar);

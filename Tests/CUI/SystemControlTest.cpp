@@ -41,9 +41,10 @@ void DoubleClick(HWND hWnd, RECT rect)
 template <typename Control>
 struct CMade : Control
 {
-    explicit CMade(HWND hParent, UINT nID = 1, DWORD dwStyle = 0, const char *pszText = nullptr)
+    explicit CMade(HWND hParent, UINT nID = 1, DWORD dwStyle = 0, const char *pszText = nullptr,
+                   const RECT *pRect = nullptr)
     {
-        this->CreateControl(hParent, nID, pszText, dwStyle);
+        this->CreateControl(hParent, nID, pszText, dwStyle, pRect);
     }
 };
 
@@ -122,8 +123,7 @@ TEST(SystemControls, FindItemsAndHoldTextsOfAnyLength)
     CTestPopup parent;
     const std::string text(5000, 'x');
     const RECT small = {0, 0, 50, 60};
-    CCUIListBox many;
-    many.CreateControl(parent, 8, nullptr, CCUIListBox::STYLE | LBS_EXTENDEDSEL, &small);
+    CMade<CCUIListBox> many(parent, 8, CCUIListBox::STYLE | LBS_EXTENDEDSEL, nullptr, &small);
     for (int i = 0; i < 50; ++i)
         many.AddString(text.substr(0, size_t(i) * 100).c_str());
     many.Select(40, true);
@@ -138,9 +138,8 @@ TEST(SystemControls, FindItemsAndHoldTextsOfAnyLength)
         auto &measure = *reinterpret_cast<MEASUREITEMSTRUCT *>(parent.m_lParam);
         return measure.itemHeight = measure.itemID < 9 ? 25 : 10, 1L;
     };
-    CCUIListBox drawn;
-    drawn.CreateControl(parent, 9, nullptr,
-                        CCUIListBox::STYLE | LBS_OWNERDRAWVARIABLE | LBS_HASSTRINGS, &small);
+    const DWORD dwDrawn = CCUIListBox::STYLE | LBS_OWNERDRAWVARIABLE | LBS_HASSTRINGS;
+    CMade<CCUIListBox> drawn(parent, 9, dwDrawn, nullptr, &small);
     for (int i = 0; i < 10; ++i)
         drawn.AddString("item");
     drawn.EnsureVisible(9);
@@ -325,8 +324,7 @@ TEST(SystemControls, TellWhatBecomesOfItems)
     CTestPopup parent;
     const RECT rect = {0, 0, 150, 100};
     RECT row = {};
-    CTree tree;
-    tree.CreateControl(parent, 1, nullptr, CCUITreeView::STYLE | TVS_EDITLABELS, &rect);
+    CMade<CTree> tree(parent, 1, CCUITreeView::STYLE | TVS_EDITLABELS, nullptr, &rect);
     const HTREEITEM hRoot = tree.InsertItem(nullptr, "r", 0, -1, 1);
     const HTREEITEM hChild = tree.InsertItem(hRoot, "c", 0, -1, 2);
     SetFocus(tree);
@@ -355,8 +353,7 @@ TEST(SystemControls, TellWhatBecomesOfItems)
     tree.Destroy();
     EXPECT_NE(std::string::npos, tree.Taken().find("delete 2"));
 
-    CList list;
-    list.CreateControl(parent, 2, nullptr, CCUIListView::STYLE | LVS_EDITLABELS, &rect);
+    CMade<CList> list(parent, 2, CCUIListView::STYLE | LVS_EDITLABELS, nullptr, &rect);
     list.InsertColumn(0, "Name", 60);
     list.SetExtendedStyle(LVS_EX_CHECKBOXES);
     list.AddItem("a", -1, 5);
@@ -412,10 +409,9 @@ TEST(SystemControls, MayBeDeletedByWhatTheyTell)
 TEST(SystemControls, PassTabOnAndLetTextsHaveIt)
 {
     CTestPopup parent;
-    std::string told;
     const auto tell = [&](const char *what) {
         const HWND hChild = reinterpret_cast<HWND>(parent.m_wParam);
-        return told += Text("%s %d ", what, GetDlgCtrlID(hChild)), 1;
+        return parent.m_told += Text("%s %d ", what, GetDlgCtrlID(hChild)), 1;
     };
     parent.m_on[CUI_WM_TABKEY] = [&] { return tell("tab"); };
     parent.m_on[CUI_WM_CHILDFOCUS] = [&] { return tell("focus"); };
@@ -437,7 +433,7 @@ TEST(SystemControls, PassTabOnAndLetTextsHaveIt)
     };
     EXPECT_NEAR(2 * widthOfTab(2), widthOfTab(4), 1);
     edit.Enable(false);
-    EXPECT_EQ("focus 4 tab 4 focus 5 tab 5 tab 5 tab 5 ", told);
+    EXPECT_EQ("focus 4 tab 4 focus 5 tab 5 tab 5 tab 5 ", parent.Told());
     EXPECT_EQ(parent.GetHandle(), GetFocus());
 
     // The dialog has its own way for Tab; it must get there.

@@ -45,13 +45,6 @@ LRESULT CALLBACK NotingProc(HWND hWnd, UINT message, WPARAM wParam, LPARAM lPara
     return DefWindowProcA(hWnd, message, wParam, lParam);
 }
 
-std::string WindowText(HWND hWnd)
-{
-    char szText[64] = "";
-    SendMessageA(hWnd, WM_GETTEXT, sizeof szText, reinterpret_cast<LPARAM>(szText));
-    return szText;
-}
-
 }  // namespace
 
 TEST(Window, BindsAnExistingWindowAndLetsGoOfIt)
@@ -63,7 +56,7 @@ TEST(Window, BindsAnExistingWindowAndLetsGoOfIt)
     window.m_on[WM_APP] = [] { return 5; };
     window.Attach(hEdit);
     EXPECT_EQ(&window, CCUIWindow::FromHandle(hEdit));
-    EXPECT_EQ("text", WindowText(hEdit));  // default processing is the edit control's
+    EXPECT_EQ("text", TextOf(hEdit));  // default processing is the edit control's
     EXPECT_EQ(5, SendMessageA(hEdit, WM_APP, 0, 0));
     // A window has one object, and an object one window: the later binding counts.
     other.Attach(hEdit);
@@ -95,13 +88,13 @@ TEST(Window, LeavesALaterSubclassInPlaceWhenItLetsGo)
     // The other stays, goes and puts our procedure back, or takes it along.
     for (const WNDPROC pProc : {static_cast<WNDPROC>(ForeignProc), pOurProc, editProc}) {
         window.Detach();
-        EXPECT_EQ("text", WindowText(hEdit));
+        EXPECT_EQ("text", TextOf(hEdit));
         EXPECT_EQ(0, SendMessageA(hEdit, WM_APP, 0, 0));
         SetProcedure(hEdit, pProc);
         window.Attach(hEdit);
         nSeen = 0;
         EXPECT_EQ(1, SendMessageA(hEdit, WM_APP, 0, 0));  // seen once
-        EXPECT_EQ("text", WindowText(hEdit));
+        EXPECT_EQ("text", TextOf(hEdit));
         SetProcedure(hEdit, ForeignProc);
     }
 }
@@ -152,7 +145,7 @@ TEST(Window, GivesDefaultProcessingTheMessageAtHandAfterANestedOne)
         SendMessageA(window, WM_GETTEXTLENGTH, 0, 0);
         return window.Default();
     };
-    EXPECT_EQ("test", WindowText(window));
+    EXPECT_EQ("test", TextOf(window));
 }
 
 TEST(Window, AsksMessageHooksInOrderWhileTheyComeAndGo)

@@ -51,6 +51,8 @@ public:
     std::map<UINT, std::function<long()>> m_on;
     WPARAM m_wParam = 0;  // of the message that a function last ran for
     LPARAM m_lParam = 0;
+    std::string Told() { return std::exchange(m_told, ""); }
+    std::string m_told;  // for the test to write down what happens
 
 protected:
     long WindowProc(UINT message, WPARAM wParam, LPARAM lParam) override
@@ -69,14 +71,10 @@ protected:
 class CTestWindow : public CScripted<>
 {
 public:
-    explicit CTestWindow(HWND hParent = nullptr, DWORD style = WS_OVERLAPPEDWINDOW)
+    explicit CTestWindow(HWND hParent = nullptr, DWORD style = WS_OVERLAPPEDWINDOW,
+                         const char *className = nullptr)
     {
-        CreateTestWindow(*this, hParent, style);
-    }
-    ~CTestWindow() override
-    {
-        m_on.clear();
-        Destroy();
+        CreateTestWindow(*this, hParent, style, className);
     }
 };
 
