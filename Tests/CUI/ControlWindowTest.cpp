@@ -99,4 +99,7 @@ TEST(ControlWindow, TakesTheScreenAndGoesBackToItsPlace)
     MSG key = {hWnd, WM_KEYDOWN, VK_ESCAPE, 0, 0, {}};
     EXPECT_EQ(1, control->PreTranslateMessage(&key));
     EXPECT_FALSE(IsWindow(hWnd));
+    below.SetFullScreen(1);
+    below.Destroy();
+    EXPECT_EQ(0, below.GetFullScreen()) << "as an object's next window begins";
 }
