@@ -283,7 +283,7 @@ RECT CCUIControlBar::GetOverflowRect() const
 
 void CCUIControlBar::Repaint(const RECT *pRect)
 {
-    if (m_hWnd)
+    if (m_hWnd && !(pRect && IsRectEmpty(pRect)))
         InvalidateRect(m_hWnd, pRect, FALSE);
 }
 
@@ -333,18 +333,21 @@ void CCUIControlBar::Layout()
     }
 }
 
-// After a change of the bar's length. Most items stay where they are, so only those that have moved
-// are painted again.
+// After a change of the bar's length. The first items stay where they are: what is painted again
+// begins with the first that has moved.
 void CCUIControlBar::Relayout()
 {
     CWatch watch(this);
     Layout();
+    RECT rcMoved = {};
     for (int i = 0; !watch.IsGone() && i <= m_pItems->Count(); ++i) {
         if (m_pItems->HasMoved(i)) {
-            Repaint(&m_pItems->PlaceBefore(i));
-            Repaint(&m_pItems->Place(i));
+            UnionRect(&rcMoved, &rcMoved, &m_pItems->PlaceBefore(i));
+            UnionRect(&rcMoved, &rcMoved, &m_pItems->Place(i));
         }
     }
+    if (!watch.IsGone())
+        Repaint(&rcMoved);
 }
 
 void CCUIControlBar::SetSide(CUIBarSide side)

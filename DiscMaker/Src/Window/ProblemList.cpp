@@ -26,10 +26,10 @@ int CProblemList::CreateList(HWND hParent, UINT nID)
     if (!CreateControl(hParent, nID, nullptr, STYLE | LVS_SINGLESEL | LVS_NOSORTHEADER))
         return 0;
     SetExtendedStyle(LVS_EX_FULLROWSELECT);
+    SetRedraw(false);
     for (const char *const pszColumn : {"", "Where", "Problem", "On the disc"})
-        InsertColumn(static_cast<int>(SendMessageA(reinterpret_cast<HWND>(Send(LVM_GETHEADER)),
-                                                   HDM_GETITEMCOUNT, 0, 0)),
-                     pszColumn, 60);
+        InsertColumn(m_nColumns++, pszColumn, 0);
+    SetRedraw(true);
     return 1;
 }
 
@@ -72,8 +72,11 @@ void CProblemList::FitColumns()
     const int nUnit = Scaled(16);
     const int cxWeight = 4 * nUnit, cxWhere = 11 * nUnit;
     const int cxRest = std::max<int>(20 * nUnit, client.right - cxWeight - cxWhere);
-    SetColumnWidth(0, cxWeight);
-    SetColumnWidth(1, cxWhere);
-    SetColumnWidth(2, cxRest * 11 / 20);
-    SetColumnWidth(3, cxRest - cxRest * 11 / 20);
+    const int cxProblem = cxRest * 11 / 20;
+    const int widths[] = {cxWeight, cxWhere, cxProblem, cxRest - cxProblem};
+    // Each change of a width has the list place its header and bars a dozen times.
+    SetRedraw(false);
+    for (int i = 0; i < m_nColumns; ++i)
+        SetColumnWidth(i, widths[i]);
+    SetRedraw(true);
 }
