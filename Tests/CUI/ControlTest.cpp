@@ -398,7 +398,8 @@ TEST(Control, OpensItsMenuBelowAndStaysDownMeanwhile)
         CButton button(frame, 5, kind, "");
         button.SetDropMenu(&menu);
         const CPixelMap closed = button.Picture();
-        EXPECT_EQ(16, closed.Count(OnScreen(GetSysColor(COLOR_BTNTEXT)))) << "the arrow";
+        const CPixelMap arrow = WindowPixels(button, {68, 10, 77, 20});
+        EXPECT_EQ(16, arrow.Count(OnScreen(GetSysColor(COLOR_BTNTEXT))));
         CPixelMap open;
         frame.m_on[WM_INITMENUPOPUP] = [&] {
             open = button.Picture();
