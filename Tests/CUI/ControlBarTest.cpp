@@ -1,17 +1,18 @@
 // A bar of buttons: places, states, mouse, keyboard, menus, docking.
 #include "CUI/ControlBar.h"
 
-#include <commctrl.h>
-
 #include "CUI/BmpState.h"
 #include "CUI/CommandMap.h"
 #include "CUI/Data.h"
+#include "CUI/Draw.h"
+#include "CUI/Menu.h"
 #include "Support/DotsPerInch.h"
 #include "Support/ImportHook.h"
 #include "Support/MenuItems.h"
 #include "Support/TestBitmap.h"
 #include "Support/TestCommand.h"
 #include "Support/TestSettings.h"
+#include "Support/TipText.h"
 #include "Support/UpdateArea.h"
 
 namespace {
@@ -93,16 +94,42 @@ TEST(ControlBar, PutsItsItemsAlongItsSideAndWhatHasNoRoomIntoAMenu)
     EXPECT_EQ("2,8 2,30 2,52 2,60 2,82 - 2,125 ", places(140));
     // The menu has the commands that are hidden, as they stand.
     bar.SetLength(70);
-    std::string menu;
+    std::string menu, opened;
     CFakeCall<BOOL(HMENU, UINT, int, int, HWND, TPMPARAMS *)> track(
-        "TrackPopupMenuEx",
-        [&](HMENU hMenu, auto...) { return menu = ItemsOf(hMenu), int(GetMenuItemID(hMenu, 0)); });
+        "TrackPopupMenuEx", [&](HMENU hMenu, UINT, int x, int y, auto...) {
+            opened += Text("%d,%d ", x, y);
+            return menu = ItemsOf(hMenu), int(GetMenuItemID(hMenu, 0));
+        });
     bar.Mouse(WM_LBUTTONDOWN, -1);
+    opened.clear();
     EXPECT_EQ("tip one", menu);
     EXPECT_NE(std::string::npos, parent.Told().find("1002 "));
     DestroyWindow(hEdit);
     bar.SetSide(CUI_BAR_TOP);
     EXPECT_EQ("8,2 31,2 54,2 62,2 85,2 - - ", places(110));
+    // A menu of its own opens from an arrow: below, beside an upright bar, mirrored to the left.
+    CCUIMenu own;
+    bar.SetDropDown(1000, &own);
+    EXPECT_EQ("8,2 43,2 66,2 74,2 97,2 - - ", places(200));
+    bar.Mouse(WM_LBUTTONDOWN, 0, 24);
+    SetWindowLongA(bar, GWL_EXSTYLE, 0x00400000);
+    bar.Mouse(WM_LBUTTONDOWN, 0, 24);
+    SetWindowLongA(bar, GWL_EXSTYLE, 0);
+    bar.SetSide(CUI_BAR_LEFT);
+    bar.SetLength(200);
+    bar.Mouse(WM_LBUTTONDOWN, 0, 24);
+    EXPECT_EQ("18,44 202,44 47,28 ", opened);
+    SetCursorPos(30, 22);
+    EXPECT_EQ(1, Send(bar, WM_SETCURSOR, WPARAM(bar.GetHandle()), HTCLIENT));
+    EXPECT_EQ(LoadCursorA(nullptr, IDC_SIZEALL), GetCursor());
+    SetCursorPos(500, 500);
+    // Pictures stretch to the dots of the screen, as far as they are drawn for fewer.
+    const CDotsPerInch dpi(192);
+    for (const int nDpi : {96, 192, 400}) {
+        bar.SetPictures(CBar::Strip(), 16, nDpi);
+        const RECT rc = bar.GetItemRect(1);
+        EXPECT_EQ(nDpi == 96 ? 44 : 29, rc.bottom - rc.top);
+    }
 }
 
 TEST(ControlBar, ShowsWhatTheHandlersSayAndRepaintsOnlyWhatThatChanges)
@@ -117,23 +144,46 @@ TEST(ControlBar, ShowsWhatTheHandlersSayAndRepaintsOnlyWhatThatChanges)
     CCUICommandMap::IdleUpdate();
     EXPECT_EQ("31,2,54,24", UpdateArea(bar));
     UpdateWindow(bar);
-    // In the pixels of the disabled look; so has the button whose command has no handler.
-    const CPixelMap shown = WindowPixels(bar);
-    CTestSurface expected(shown);
-    for (const int nItem : {1, 4}) {
+    // Part by part; the button whose command has no handler is disabled.
+    const COLORREF crFace = GetSysColor(COLOR_BTNFACE), crLight = GetSysColor(COLOR_BTNHIGHLIGHT),
+                   crShadow = GetSysColor(COLOR_BTNSHADOW);
+    CTestSurface expected(CPixelMap(200, 26));
+    RECT rcAll = ClientOf(bar), rcGrip = {3, 3, 6, 23}, rcLine = {57, 4, 62, 22};
+    FillRect(expected, &rcAll, CUIGetWinData()->hbrBtnFace);
+    CUIDCDraw3dRect(expected, &rcGrip, crLight, crShadow, 0, 0);
+    DrawEdge(expected, &rcLine, EDGE_ETCHED, BF_LEFT);
+    const auto draw = [&](int nItem, int nShift, unsigned nLook, int nEdge) {
         const RECT rc = bar.GetItemRect(nItem);
-        const int x = rc.left + 3, nSource = nItem == 1 ? 16 : 48;
+        const int x = rc.left + 3 + nShift, nSource = 16 * (nItem - (nItem > 2));
         CUIBmpStateRects rects = {rc, {x, 5, x + 17, 20}, {nSource, 0, nSource + 16, 15}};
         FillRect(expected, &rc, CUIGetWinData()->hbrBtnFace);
-        CUIBmpDrawState(expected, &rects.rcArea, CBar::Strip(), CUIBMPSTATE_DISABLED,
-                        GetSysColor(COLOR_BTNFACE), GetSysColor(COLOR_BTNHIGHLIGHT),
-                        GetSysColor(COLOR_BTNSHADOW));
+        CUIBmpDrawState(expected, &rects.rcArea, CBar::Strip(), nLook, crFace, crLight, crShadow);
+        if (nEdge)
+            CUIDCDraw3dRect(expected, &rc, nEdge > 0 ? crLight : crShadow,
+                            nEdge > 0 ? crShadow : crLight, 0, 0);
+    };
+    draw(0, 0, 0, 0), draw(3, 0, 0, 0);
+    for (const int nItem : {1, 4})
+        draw(nItem, 0, CUIBMPSTATE_DISABLED, 0);
+    EXPECT_EQ(expected.Read(), WindowPixels(bar));
+    // Under the mouse, held down, left and let go.
+    const struct
+    {
+        UINT message;
+        int nItem, nShift, nEdge;
+    } rows[] = {{WM_MOUSEMOVE, 0, 0, 1}, {WM_LBUTTONDOWN, 0, 1, -1}, {WM_MOUSEMOVE, 1, 0, 1},
+                {WM_LBUTTONUP, 1, 0, 0}, {WM_MOUSEMOVE, 1, 0, 0},    {WM_MOUSEMOVE, 0, 0, 1},
+                {WM_MOUSELEAVE, 0, 0, 0}};
+    for (const auto &row : rows) {
+        bar.Mouse(row.message, row.nItem);
+        draw(0, row.nShift, 0, row.nEdge);
+        EXPECT_EQ(expected.Read(), WindowPixels(bar)) << &row - rows;
     }
-    EXPECT_EQ(expected.Read(), shown);
     all.commands[0].m_nState |= CUI_COMMAND_CHECKED;
     CCUICommandMap::IdleUpdate();
     EXPECT_EQ("8,2,31,24", UpdateArea(bar));
-    EXPECT_EQ(GetSysColor(COLOR_BTNSHADOW), WindowPixels(bar).At(10, 2));
+    draw(0, 1, CUIBMPSTATE_OVERLAY, -1);
+    EXPECT_EQ(expected.Read(), WindowPixels(bar));
     // Texts are asked for where they are shown, and again when the handler says so.
     bar.ShowTexts(true);
     const auto width = [&] {
@@ -144,7 +194,10 @@ TEST(ControlBar, ShowsWhatTheHandlersSayAndRepaintsOnlyWhatThatChanges)
     all.commands[0].m_text = "t";
     EXPECT_EQ(cxText, width());
     all.commands[0].m_nState |= CUI_COMMAND_TEXT;
-    EXPECT_GT(cxText, width());
+    SIZE text = {};
+    SelectObject(expected, CUIGetWinData()->hMenuFont);
+    GetTextExtentPoint32A(expected, "t", 1, &text);
+    EXPECT_EQ(text.cx + 3 + 16 + 4 + 7, width());
     // A handler that puts other buttons into the bar, or ends it, while it is asked.
     auto other = std::make_unique<CBar>(parent);
     all.commands[0].m_onState = [&] { other.reset(); };
@@ -153,24 +206,6 @@ TEST(ControlBar, ShowsWhatTheHandlersSayAndRepaintsOnlyWhatThatChanges)
     all.commands[0].m_onState = [&] { bar.RemoveAll(), bar.AddButton(1003, 0); };
     bar.RefreshCommands();
     EXPECT_EQ("8,2 - - - - - - ", bar.Places());
-}
-
-TEST(ControlBar, StretchesItsPicturesToTheDotsOfTheScreen)
-{
-    CParent parent;
-    const CCommands all;
-    const CDotsPerInch dpi(192);
-    CBar bar(parent);
-    const CPixelMap strip = PixelsOf(CBar::Strip());
-    CPixelMap expected(32, 30);
-    for (int i = 0; i < 32 * 30; ++i)
-        expected.Set(i % 32, i / 32, strip.At(16 + i % 32 / 2, i / 32 / 2));
-    const RECT rc = bar.GetItemRect(1);
-    EXPECT_EQ(expected, WindowPixels(bar, {rc.left + 7, rc.top + 7, rc.right - 7, rc.bottom - 7}));
-    for (const int nDpi : {192, 400}) {
-        bar.SetPictures(CBar::Strip(), 16, nDpi);
-        EXPECT_EQ(15 + 14, bar.GetItemRect(1).bottom - bar.GetItemRect(1).top);
-    }
 }
 
 TEST(ControlBar, PressesWhatTheMouseGoesDownAndUpOn)
@@ -192,14 +227,12 @@ TEST(ControlBar, PressesWhatTheMouseGoesDownAndUpOn)
     // The mouse may leave and come back; what it is let go outside of is not done.
     bar->Mouse(WM_LBUTTONDOWN, 0);
     bar->Mouse(WM_MOUSEMOVE, 1);
-    UpdateWindow(*bar);
     bar->Mouse(WM_MOUSEMOVE, 0);
-    EXPECT_EQ("8,2,31,24", UpdateArea(*bar));
     bar->Mouse(WM_LBUTTONUP, 0);
+    EXPECT_EQ("1000 ", parent.Told());
     bar->Mouse(WM_LBUTTONDOWN, 0);
     bar->Mouse(WM_MOUSEMOVE, 1);
     bar->Mouse(WM_LBUTTONUP, 1);
-    EXPECT_EQ("1000 ", parent.Told());
     for (const UINT message : {UINT{WM_CAPTURECHANGED}, UINT{WM_CANCELMODE}}) {
         bar->Mouse(WM_LBUTTONDOWN, 0);
         SendMessageA(*bar, message, 0, 0);
@@ -209,14 +242,7 @@ TEST(ControlBar, PressesWhatTheMouseGoesDownAndUpOn)
     // Under the mouse a button has its help and its tip.
     bar->Mouse(WM_MOUSEMOVE, 1);
     bar->Mouse(WM_MOUSEMOVE, 1, 2);
-    char szTip[80] = "";
-    TOOLINFOA tool = {};
-    tool.cbSize = TTTOOLINFOA_V1_SIZE;
-    tool.hwnd = *bar;
-    tool.lpszText = szTip;
-    SendMessageA(FindWindowA(TOOLTIPS_CLASSA, nullptr), TTM_GETTEXTA, 0,
-                 reinterpret_cast<LPARAM>(&tool));
-    EXPECT_STREQ("Save & go", szTip);
+    EXPECT_EQ("Save & go", TipOf(*bar));
     bar->Mouse(WM_MOUSEMOVE, 3);
     SendMessageA(*bar, WM_MOUSELEAVE, 0, 0);
     EXPECT_EQ("help1001 help1002 help0 ", parent.Told());
@@ -243,6 +269,9 @@ TEST(ControlBar, GoesFromButtonToButtonByTheKeyboardAndGivesTheFocusBack)
     EXPECT_EQ(bar.GetHandle(), GetFocus());
     Input(bar, {VK_RIGHT, VK_DOWN, VK_END, VK_HOME, VK_LEFT});
     EXPECT_EQ("help1000 help1002 help1000 help1002 help1000 help1002 ", parent.Told());
+    SetWindowLongA(bar, GWL_EXSTYLE, 0x00400000);  // mirrored
+    Input(bar, {VK_RIGHT, VK_LEFT});
+    EXPECT_EQ("help1000 help1002 ", parent.Told());
     Input(bar, {VK_SPACE});
     EXPECT_EQ("help0 1002 ", parent.Told());
     EXPECT_EQ(parent.GetHandle(), GetFocus());
@@ -270,20 +299,23 @@ TEST(ControlBar, DocksWhereItIsDraggedAndRemembersThat)
     CBar bar(parent, "main");
     PumpWaiting();
     parent.Told();
-    const auto drag = [&](std::initializer_list<POINT> way, UINT last) {
+    const auto drag = [&](std::initializer_list<POINT> way, UINT last, int yFrom = 5) {
         for (const POINT &to : way)
             PostMessageA(bar, WM_MOUSEMOVE, 0, MAKELPARAM(to.x, to.y));
         PostMessageA(bar, last, VK_ESCAPE, 0);
-        SendMessageA(bar, WM_LBUTTONDOWN, 0, MAKELPARAM(3, 5));
+        SendMessageA(bar, WM_LBUTTONDOWN, 0, MAKELPARAM(3, yFrom));
         EXPECT_EQ(nullptr, GetCapture());
         PumpWaiting();
         return parent.Told();
     };
     EXPECT_EQ("", drag({{100, 20}, {150, 150}}, WM_LBUTTONUP));
+    EXPECT_EQ("", drag({{150, 290}}, WM_LBUTTONUP, 500)) << "not of the bar";
     EXPECT_EQ("layout3 layout3 layout3 ", drag({{5, 150}, {150, 290}}, WM_KEYDOWN));
     EXPECT_EQ(CUI_BAR_TOP, bar.GetSide());
     EXPECT_EQ("layout3 ", drag({{290, 150}, {280, 5}}, WM_LBUTTONUP));
-    EXPECT_EQ(CUI_BAR_RIGHT, bar.GetSide());
+    CCUIControlBar same;
+    same.CreateBar(parent, 5, "main");
+    EXPECT_EQ(CUI_BAR_RIGHT, same.GetSide());
     std::string sides;
     CFakeCall<BOOL(HMENU, UINT, int, int, HWND, TPMPARAMS *)> track(
         "TrackPopupMenuEx",

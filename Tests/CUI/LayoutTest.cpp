@@ -1,3 +1,4 @@
+#include "CUI/Data.h"
 #include "CUI/Draw.h"
 #include "CUI/LayoutWindow.h"
 #include "Support/GdiCount.h"
@@ -221,10 +222,14 @@ TEST(Layout, ScrollsWhenThereIsNoRoom)
     const auto scroll = [&](WPARAM nCode) {
         return SendMessageA(layout, WM_VSCROLL, nCode, 0), layout.GetScrollPos();
     };
-    EXPECT_EQ(0, scroll(SB_TOP));
-    EXPECT_EQ(60, scroll(SB_PAGEDOWN));
+    const int nLine = CUIGetWinData()->cyChar;
+    const std::pair<WPARAM, int> codes[] = {{SB_TOP, 0},       {SB_PAGEDOWN, 60},
+                                            {SB_BOTTOM, 80},   {SB_LINEUP, 80 - nLine},
+                                            {SB_LINEDOWN, 80}, {SB_PAGEUP, 20}};
+    for (const auto &code : codes)
+        EXPECT_EQ(code.second, scroll(code.first)) << code.first;
     SendMessageA(*boxes[2], WM_MOUSEWHEEL, MAKEWPARAM(0, WHEEL_DELTA), 0);
-    EXPECT_GT(60, layout.GetScrollPos());
+    EXPECT_GT(20, layout.GetScrollPos());
     // Windows far out wait at one place, and come to theirs.
     boxes[1]->SetFixedSize(0x7000);
     scroll(SB_TOP);
@@ -272,8 +277,11 @@ TEST(Layout, SplitterMovesByMouseAndKeysAndGoesBack)
     EXPECT_EQ("48 ", layout.Told());
     SetFocus(*boxes[0]);
     PressTab();
-    const std::pair<WPARAM, int> keys[] = {
-        {VK_LEFT, 40}, {VK_END, 80}, {VK_UP, 80}, {VK_ESCAPE, 48}, {VK_RIGHT, 56}};
+    EXPECT_EQ(OnScreen(GetSysColor(COLOR_HIGHLIGHT)), WindowPixels(hSplitter).At(3, 30));
+    Send(hSplitter, WM_SETCURSOR, 0, HTCLIENT);
+    EXPECT_EQ(LoadCursorA(nullptr, IDC_SIZEWE), GetCursor());
+    const std::pair<WPARAM, int> keys[] = {{VK_LEFT, 40}, {VK_HOME, 0},    {VK_END, 80},
+                                           {VK_UP, 80},   {VK_ESCAPE, 48}, {VK_RIGHT, 56}};
     for (const auto &key : keys) {
         SendMessageA(hSplitter, WM_KEYDOWN, key.first, 0);
         EXPECT_EQ(key.second, layout.GetSplit(*boxes[0])) << key.first;
@@ -310,6 +318,7 @@ TEST(Layout, SurvivesWhatHandlersDo)
     int nSize = 20;
     boxes[0]->m_on[WM_SIZE] = [&] { return boxes[0]->SetFixedSize(++nSize), 0; };
     boxes[0]->SetFixedSize(12);
+    EXPECT_EQ(28, nSize) << "in eight rounds";
     // One deletes the layout.
     boxes[0]->m_on[WM_SIZE] = [&] { return pLayout.reset(), 0; };
     boxes[0]->SetFixedSize(5);

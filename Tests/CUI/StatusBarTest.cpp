@@ -71,6 +71,12 @@ TEST(StatusBar, SharesItsWidthAmongPanesAndRepaintsTheOneThatChanges)
         SendMessageA(bar, WM_WININICHANGE, 0, 0);
         EXPECT_EQ(nHeight + 6, bar.GetFixedSize());
     }
+    CCUIControlBar buttons;
+    buttons.CreateBar(frame, 2);
+    CThreads::Run(
+        1, [&](int) { bar.SetText(0, "done"), buttons.AddSeparator(); }, PumpWaiting);
+    EXPECT_EQ(1, reports.Count("IsOwnThread()", "StatusBar"));
+    EXPECT_EQ(1, reports.Count("IsOwnThread()", "ControlBar"));
     EXPECT_EQ("pPane; pPane", reports.Of("StatusBar", [&] {
         bar.SetText(2, "");
         EXPECT_STREQ("", bar.GetText(-1));
@@ -86,7 +92,7 @@ TEST(StatusBar, ShowsTextPictureProgressAndHelpInItsPixels)
     // A part of a progress is done in its own colour, and the next step paints no more than that.
     bar.SetProgress(nPane, 30, 100);
     const CPixelMap done = WindowPixels(bar, rcPane);
-    const COLORREF crDone = GetSysColor(COLOR_HIGHLIGHT);
+    const COLORREF crDone = OnScreen(GetSysColor(COLOR_HIGHLIGHT));
     EXPECT_TRUE(done.At(1, 3) == crDone && done.At(30, 3) == crDone && done.At(31, 3) != crDone);
     std::string painted;
     bar.m_on[WM_PAINT] = [&] { return painted = UpdateArea(bar), bar.DefProc(WM_PAINT, 0, 0); };
@@ -96,6 +102,16 @@ TEST(StatusBar, ShowsTextPictureProgressAndHelpInItsPixels)
     bar.m_on.clear();
     InvalidateRect(bar, nullptr, FALSE);
     EXPECT_EQ(0, WindowPixels(bar, rcPane).Count(crDone));
+    // Texts at the left, in the middle, at the right, and disabled.
+    const char *const texts[] = {"|", "\t|", "\t\t|", "|"};
+    const LONG xMiddle = rcFirst.right / 2, x[] = {6, xMiddle, rcFirst.right - 5, 6};
+    for (int i = 0; i < 4; ++i) {
+        bar.SetText(0, texts[i]);
+        EnableWindow(bar, i < 3);
+        const COLORREF cr = OnScreen(GetSysColor(i < 3 ? COLOR_BTNTEXT : COLOR_GRAYTEXT));
+        EXPECT_LT(0, WindowPixels(bar, {x[i] - 3, 5, x[i] + 3, rcFirst.bottom - 3}).Count(cr)) << i;
+    }
+    EnableWindow(bar, TRUE);
     // Text and picture give way to the help and come back.
     const CPixelMap picture = TestPicture(9, 8, 3);
     const CCUIBitmap bitmap = BitmapOf(picture);
@@ -136,6 +152,16 @@ TEST(StatusBar, HasAGripWhereTheWindowCanBeSizedByIt)
     frame.m_on[WM_NCLBUTTONDOWN] = [] { return 7; };
     EXPECT_EQ(7, SendMessageA(bar, WM_NCLBUTTONDOWN, HTBOTTOMRIGHT, 5));
     EXPECT_EQ(5, frame.m_lParam);
+    const RECT rc = ClientOf(bar);
+    EXPECT_LT(0, WindowPixels(bar, {rc.right - 12, rc.bottom - 12, rc.right, rc.bottom})
+                     .Count(OnScreen(GetSysColor(COLOR_BTNSHADOW))));
+    // Mirrored, at the left.
+    SetWindowLongA(bar, GWL_EXSTYLE, 0x00400000);
+    POINT point = {rc.right - 3, rc.bottom - 3};
+    ClientToScreen(bar, &point);
+    EXPECT_EQ(HTBOTTOMLEFT, SendMessageA(bar, WM_NCHITTEST, 0, MAKELPARAM(point.x, point.y)));
+    EXPECT_EQ(7, SendMessageA(bar, WM_NCLBUTTONDOWN, HTBOTTOMLEFT, 5));
+    SetWindowLongA(bar, GWL_EXSTYLE, 0);
     ShowWindow(frame, SW_MAXIMIZE);
     EXPECT_EQ(HTCLIENT, hit());
     ShowWindow(frame, SW_RESTORE);
@@ -159,25 +185,11 @@ TEST(StatusBar, TellsClicksAndSurvivesWhatTheyBringAbout)
     SendMessageA(*bar, WM_LBUTTONUP, 0, second);
     SendMessageA(*bar, WM_LBUTTONDBLCLK, 0, MAKELPARAM(5, 0));
     SendMessageA(*bar, WM_RBUTTONUP, 0, second);
+    SendMessageA(*bar, WM_RBUTTONDBLCLK, 0, second);
     nAnswer = 0;
     SendMessageA(*bar, WM_RBUTTONUP, 0, second);
-    EXPECT_EQ("-2:1 -3:-1 -5:1 -5:1 menu ", frame.Told());
+    EXPECT_EQ("-2:1 -3:-1 -5:1 -6:1 -5:1 menu ", frame.Told());
     frame.m_on[WM_NOTIFY] = [&] { return bar.reset(), 0; };
     SendMessageA(*bar, WM_RBUTTONUP, 0, second);
     EXPECT_FALSE(bar);
-}
-
-TEST(StatusBar, ReportsCallsOfOtherThreads)
-{
-    CReports reports;
-    CTestPopup frame;
-    CStatusBar bar(frame);
-    CCUIControlBar buttons;
-    buttons.CreateBar(frame, 2);
-    const auto call = [&](int) { bar.SetText(0, "done"), buttons.AddSeparator(); };
-    call(0);
-    EXPECT_EQ(0, reports.Total());
-    CThreads::Run(1, call, PumpWaiting);
-    EXPECT_EQ(1, reports.Count("IsOwnThread()", "StatusBar"));
-    EXPECT_EQ(1, reports.Count("IsOwnThread()", "ControlBar"));
 }

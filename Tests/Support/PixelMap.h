@@ -38,18 +38,6 @@ inline CPixelMap ReadPixels(HDC hDC, int cx, int cy)
     return map;
 }
 
-// What a window shows, there or everywhere, after what was asked of it.
-inline CPixelMap WindowPixels(HWND hWnd, RECT rc = {})
-{
-    UpdateWindow(hWnd);
-    if (IsRectEmpty(&rc))
-        GetClientRect(hWnd, &rc);
-    const HDC hDC = GetDC(hWnd);
-    SetViewportOrgEx(hDC, rc.left, rc.top, nullptr);
-    const CPixelMap map = ReadPixels(hDC, rc.right - rc.left, rc.bottom - rc.top);
-    return ReleaseDC(hWnd, hDC), map;
-}
-
 // The picture of a bitmap; an empty one for what is no bitmap.
 inline CPixelMap PixelsOf(HBITMAP hBitmap)
 {
@@ -122,3 +110,22 @@ private:
     HBITMAP m_hBitmap;
     HGDIOBJ m_hOld;
 };
+
+// What a window shows, there or everywhere, after what was asked of it: in the colours that a
+// bitmap of the screen's depth has for it, as pictures that a test draws beside.
+inline CPixelMap WindowPixels(HWND hWnd, RECT rc = {})
+{
+    UpdateWindow(hWnd);
+    if (IsRectEmpty(&rc))
+        GetClientRect(hWnd, &rc);
+    const HDC hDC = GetDC(hWnd);
+    CTestSurface surface(CPixelMap(rc.right - rc.left, rc.bottom - rc.top));
+    BitBlt(surface, 0, 0, rc.right - rc.left, rc.bottom - rc.top, hDC, rc.left, rc.top, SRCCOPY);
+    return ReleaseDC(hWnd, hDC), surface.Read();
+}
+
+// The colour that the screen has for one.
+inline COLORREF OnScreen(COLORREF cr)
+{
+    return CTestSurface(CPixelMap(1, 1, cr)).Read().At(0, 0);
+}

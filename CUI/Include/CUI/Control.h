@@ -185,6 +185,8 @@ private:
     void TellHelp(unsigned int nID, UINT nFlags);
     void AwaitLeave();
     bool IsInside(const POINT &point) const;
+    long FollowDefault(UINT message);
+    void FocusAndClick();
     CCUString GetTipText();
     HBRUSH GetBackground(HDC hDC);
     bool ReadText();

@@ -113,6 +113,7 @@ private:
     void OnSized();
     void ReloadPictures();
     bool PaneClicked(UINT nCode, POINT point);
+    bool Handle(UINT message, WPARAM wParam, LPARAM lParam, long &result);
 
     CCUIStatusPanes *m_pPanes;  // owned
     bool m_bHelp;

@@ -142,41 +142,45 @@ void CCUIControl::OnDestroy()
 long CCUIControl::OnMessage(UINT message, WPARAM wParam, LPARAM lParam)
 {
     switch (message) {
-    case WM_SETTEXT: {
-        CWatch watch(this);
-        const long nResult = Default();
-        if (!watch.IsGone() && ReadText())
-            ContentChanged();
-        return nResult;
-    }
+    case WM_SETTEXT:
+    case UPDATE_UI_STATE: return FollowDefault(message);
     case WM_SETFONT: SetFont(reinterpret_cast<HFONT>(wParam)); return 0;
-    case CUI_WM_NATURALSIZE: GetNaturalSize(*reinterpret_cast<SIZE *>(lParam)); return 1;
     case WM_GETFONT: return reinterpret_cast<long>(m_hFont);
+    case CUI_WM_NATURALSIZE: GetNaturalSize(*reinterpret_cast<SIZE *>(lParam)); return 1;
     case WM_PRINTCLIENT: OnPaint(reinterpret_cast<HDC>(wParam)); return 0;
-    case BM_CLICK: {
-        // As of the system's buttons.
-        CWatch watch(this);
-        if (m_bFocusOnClick && !(m_nState & (CUI_STATE_DISABLED | CUI_STATE_FOCUSED)))
-            SetFocus(m_hWnd);
-        if (!watch.IsGone())
-            Click();
-        return 0;
-    }
+    case BM_CLICK: FocusAndClick(); return 0;
     case WM_QUERYNEWPALETTE: return Realize(false) != GDI_ERROR;
     case WM_PALETTECHANGED:
         // In front once more, two controls with palettes would take turns for ever.
         if (reinterpret_cast<HWND>(wParam) != m_hWnd)
             Realize(true);
         return 0;
-    case UPDATE_UI_STATE: {
-        CWatch watch(this);
-        const long nResult = Default();
-        if (!watch.IsGone() && m_hWnd)
-            ReadCues();
-        return nResult;
-    }
     default: return CCUIControlWindow::OnMessage(message, wParam, lParam);
     }
+}
+
+// The system keeps text and cues; what it has now is shown.
+long CCUIControl::FollowDefault(UINT message)
+{
+    CWatch watch(this);
+    const long nResult = Default();
+    if (watch.IsGone() || !m_hWnd)
+        return nResult;
+    if (message != WM_SETTEXT)
+        ReadCues();
+    else if (ReadText())
+        ContentChanged();
+    return nResult;
+}
+
+// As of the system's buttons.
+void CCUIControl::FocusAndClick()
+{
+    CWatch watch(this);
+    if (m_bFocusOnClick && !(m_nState & (CUI_STATE_DISABLED | CUI_STATE_FOCUSED)))
+        SetFocus(m_hWnd);
+    if (!watch.IsGone())
+        Click();
 }
 
 // False: the control or its window went meanwhile.
@@ -278,9 +282,18 @@ int CCUIControl::Scaled(int nPixels)
 
 void CCUIControl::SetCommand(unsigned int nID)
 {
+    CWatch watch(this);
+    // Under the mouse, help and tip of the one command go and those of the other come.
+    const bool bHot = nID != GetCommand() && (m_nState & CUI_STATE_HOT);
+    if (bHot)
+        SetHot(false);
+    if (watch.IsGone())
+        return;
     if (nID && HasWindow())
         SetWindowLongA(m_hWnd, GWL_ID, static_cast<LONG>(nID));
     CCUICommandView::SetCommand(nID);
+    if (bHot && !watch.IsGone() && m_hWnd)
+        SetHot(true);
 }
 
 void CCUIControl::FollowCommand(unsigned short nState, const CCUString &sText)

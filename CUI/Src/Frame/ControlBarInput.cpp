@@ -11,6 +11,7 @@
 #include "Frame/BarItems.h"
 #include "Menu/MenuClosing.h"
 #include "Window/Input.h"
+#include "Window/Mirrored.h"
 
 namespace {
 
@@ -118,7 +119,9 @@ void CCUIControlBar::OnLButtonDown(UINT nFlags, POINT &point)
 {
     const int nItem = HitTest(point);
     if (nItem < 0) {
-        if (m_pItems->m_bGrip)
+        RECT client;
+        GetClientRect(m_hWnd, &client);
+        if (m_pItems->m_bGrip && PtInRect(&client, point))
             Drag();
         else
             CCUIControlWindow::OnLButtonDown(nFlags, point);
@@ -216,11 +219,10 @@ void CCUIControlBar::OpenMenu(int nItem, CCUIMenu &menu)
     const RECT rcItem = m_pItems->Place(nItem);
     RECT rcScreen = rcItem;
     MapWindowPoints(m_hWnd, nullptr, reinterpret_cast<POINT *>(&rcScreen), 2);
-    POINT point = {rcScreen.left, rcScreen.bottom};
-    if (IsVertical()) {
-        point.x = rcScreen.right;
-        point.y = rcScreen.top;
-    }
+    // The menu of a mirrored window begins at the right and goes to the left.
+    const bool bLeft = IsVertical() == CUIIsMirrored(m_hWnd);
+    POINT point = {bLeft ? rcScreen.left : rcScreen.right,
+                   IsVertical() ? rcScreen.top : rcScreen.bottom};
     const UINT nFlags = TPM_RETURNCMD | (IsVertical() ? 0 : TPM_VERTICAL);
     const int nCommand = DisplayPopupMenu(&menu, nFlags, point, &rcScreen);
     if (watch.IsGone() || !m_hWnd)
@@ -352,6 +354,8 @@ void CCUIControlBar::PressByKey()
 
 void CCUIControlBar::OnKeyDown(UINT nKey, UINT nRepeat, UINT nFlags)
 {
+    if ((nKey == VK_LEFT || nKey == VK_RIGHT) && CUIIsMirrored(m_hWnd))
+        nKey = VK_LEFT + VK_RIGHT - nKey;
     const CCUIBarItem *const pItem = m_pItems->At(m_nHot);
     if (pItem && pItem->pMenu && nKey == (IsVertical() ? VK_RIGHT : VK_DOWN)) {
         if (CanPress(m_nHot))

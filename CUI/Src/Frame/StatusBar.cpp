@@ -9,6 +9,7 @@
 #include "Drawing/BufferedPaint.h"
 #include "Drawing/Look.h"
 #include "Frame/StatusPane.h"
+#include "Window/Mirrored.h"
 #include "Window/OwnThread.h"
 
 #define CU_SOURCE "StatusBar"
@@ -17,6 +18,24 @@ namespace {
 
 // No window is wider; sums of sizes and weights stay in an int.
 const int MOST_SIZE = 32767;
+
+// What the parent hears of a message of the mouse; 0: nothing.
+UINT ClickOf(UINT message)
+{
+    switch (message) {
+    case WM_LBUTTONUP: return NM_CLICK;
+    case WM_LBUTTONDBLCLK: return NM_DBLCLK;
+    case WM_RBUTTONUP: return NM_RCLICK;
+    case WM_RBUTTONDBLCLK: return NM_RDBLCLK;
+    default: return 0;
+    }
+}
+
+// The corner with the grip, as the system calls it.
+long CornerOf(HWND hWnd)
+{
+    return CUIIsMirrored(hWnd) ? HTBOTTOMLEFT : HTBOTTOMRIGHT;
+}
 
 }  // namespace
 
@@ -316,35 +335,36 @@ bool CCUIStatusBar::IsInGrip(POINT screen) const
     return SizingWindow() && PtInRect(&rcGrip, screen);
 }
 
-long CCUIStatusBar::WindowProc(UINT message, WPARAM wParam, LPARAM lParam)
+// What a message does before the base class gets it. True: it was all, the base does not get it.
+bool CCUIStatusBar::Handle(UINT message, WPARAM wParam, LPARAM lParam, long &result)
 {
     const POINT point = {static_cast<SHORT>(LOWORD(lParam)), static_cast<SHORT>(HIWORD(lParam))};
-    const HWND hSizing = message == WM_NCLBUTTONDOWN ? SizingWindow() : nullptr;
-    UINT nClick = 0;
+    HWND hSizing = nullptr;
     switch (message) {
-    case WM_CREATE: m_propData.nFixedSize = m_pPanes->NaturalHeight(); break;
-    case WM_ERASEBKGND: return 1;
-    case WM_LBUTTONUP: nClick = NM_CLICK; break;
-    case WM_LBUTTONDBLCLK: nClick = NM_DBLCLK; break;
-    case WM_RBUTTONUP: nClick = NM_RCLICK; break;
-    case WM_RBUTTONDBLCLK: nClick = NM_RDBLCLK; break;
-    case WM_NCHITTEST:
-        if (IsInGrip(point))
-            return HTBOTTOMRIGHT;
-        break;
+    case WM_CREATE: m_propData.nFixedSize = m_pPanes->NaturalHeight(); return false;
+    case WM_SYSCOLORCHANGE: ReloadPictures(); return false;
+    case WM_ERASEBKGND: result = 1; return true;
+    case WM_NCHITTEST: result = IsInGrip(point) ? CornerOf(m_hWnd) : HTNOWHERE; return result != 0;
     case WM_NCLBUTTONDOWN:
         // By default the system would size this window.
-        if (hSizing && wParam == HTBOTTOMRIGHT)
-            return SendMessageA(hSizing, message, wParam, lParam);
-        break;
-    case WM_SYSCOLORCHANGE: ReloadPictures(); break;
+        hSizing = wParam == static_cast<WPARAM>(CornerOf(m_hWnd)) ? SizingWindow() : nullptr;
+        if (hSizing)
+            result = SendMessageA(hSizing, message, wParam, lParam);
+        return hSizing != nullptr;
     default: break;
     }
     // By default the system asks for the context menu when the right button goes up.
-    if (nClick && PaneClicked(nClick, point))
-        return 0;
+    const UINT nClick = ClickOf(message);
+    return nClick && PaneClicked(nClick, point);
+}
+
+long CCUIStatusBar::WindowProc(UINT message, WPARAM wParam, LPARAM lParam)
+{
     CWatch watch(this);
-    const long result = CCUIControlWindow::WindowProc(message, wParam, lParam);
+    long result = 0;
+    if (Handle(message, wParam, lParam, result))
+        return result;
+    result = CCUIControlWindow::WindowProc(message, wParam, lParam);
     if (watch.IsGone() || !m_hWnd)
         return result;
     const bool bSettings = message == WM_WININICHANGE;
