@@ -177,6 +177,8 @@ TEST(FrameWindow, KeepsItsPlaceAndFindsAScreenForIt)
         EXPECT_EQ(row.nShow == SW_SHOWMINIMIZED, IsIconic(frame) != 0);
         frame.BringToFront();
         EXPECT_TRUE(IsWindowVisible(frame) && row.bMaximized == (IsZoomed(frame) != 0));
+        SendMessageA(frame, WM_ENDSESSION, FALSE, 0);
+        EXPECT_TRUE(frame.Exist());
         SendMessageA(frame, WM_ENDSESSION, TRUE, 0);
         EXPECT_FALSE(frame.Exist());
         EXPECT_EQ(row.place + Text(",%d,96", row.bMaximized), CTestSettings::Get("Placement"));
@@ -235,9 +237,12 @@ TEST(FrameWindow, CoversTheScreenAndComesBackAsItWas)
         ShowWindow(frame, SW_RESTORE);
         EXPECT_EQ(screen + screen + "000 0", look());
         EXPECT_EQ(hMenu, frame.GetMenu());
+        EXPECT_TRUE(frame.SetMenu(GetModuleHandleA(nullptr), MAKEINTRESOURCEA(700)));
+        EXPECT_FALSE(IsMenu(hMenu) || GetMenu(frame));
+        const HMENU hLast = frame.GetMenu();
         frame.Destroy();
         EXPECT_EQ(kept, CTestSettings::Get("Placement"));
-        EXPECT_FALSE(IsMenu(hMenu));
+        EXPECT_FALSE(IsMenu(hLast) || frame.SetMenu(hLast));
     }
 }
 
@@ -269,6 +274,13 @@ TEST(FrameWindow, LeadsHelpKeysAndFocusBetweenItsParts)
         EXPECT_EQ(hExpected, GetFocus());
         EXPECT_EQ(hExpected == frame.m_button ? ready : help, look());
     }
+    BYTE keys[256] = {};
+    keys[VK_SHIFT] = 0x80;
+    SetKeyboardState(keys);
+    PressKey(VK_F6);
+    keys[VK_SHIFT] = 0;
+    SetKeyboardState(keys);
+    EXPECT_EQ(frame.m_bars[1].GetHandle(), GetFocus());
     CCUICommandMap::IdleUpdate();
     EXPECT_TRUE(PressKey('o', frame.m_bars[0], WM_SYSCHAR));
     EXPECT_EQ("0 ", command.Done());
@@ -294,6 +306,11 @@ TEST(FrameWindow, OpensWhatIsDroppedAndWhatACommandLineNames)
     const std::string longName = "D:\\" + std::string(400, 'n');
     const std::string drop = "\x14" + std::string(19, 0) + "C:\\one.txt" + '\0' + longName;
     SendMessageA(frame, WM_DROPFILES, 0x1234, 0);
+    const LONG nPlain = GetWindowLongA(frame, GWL_EXSTYLE);
+    for (const bool bAccept : {true, false}) {
+        frame.AcceptFiles(bAccept);
+        EXPECT_EQ(nPlain | (bAccept ? WS_EX_ACCEPTFILES : 0), GetWindowLongA(frame, GWL_EXSTYLE));
+    }
     for (const BOOL bEnabled : {FALSE, TRUE}) {
         EXPECT_EQ("", frame.m_told) << "a dialog is open";
         EnableWindow(frame, bEnabled);

@@ -139,8 +139,8 @@ TEST(MessageBoxes, IsAsLargeAsItsTextNeedsAndTheScreenAllows)
     for (const std::string &text :
          {std::string("\"Fox\" was replaced."), words, std::string(900, 'x'), lines})
     {
-        const bool bRight = text == words;
-        CCUIMessageBox box(text.c_str(), "title",
+        const bool bRight = text == words, bShort = text.size() < 99;
+        CCUIMessageBox box(text.c_str(), std::string(bShort ? 99 : 1, 'W').c_str(),
                            MB_YESNOCANCEL | MB_ICONHAND | (bRight ? MB_RIGHT | MB_RTLREADING : 0));
         box.SetDontAsk("size", text == lines ? nullptr : text.c_str());
         for (int nID = 100; bRight && nID < 107; ++nID)
@@ -183,6 +183,10 @@ TEST(MessageBoxes, IsAsLargeAsItsTextNeedsAndTheScreenAllows)
             };
             EXPECT_TRUE(bScrolls || draw(DT_NOCLIP) == draw(0)) << "something sticks out";
             draw(DT_CALCRECT);
+            const RECT rcCheck = RectOf(GetDlgItem(hBox, 0xF000));
+            EXPECT_TRUE(!bShort || needed.right + GetSystemMetrics(SM_CXMENUCHECK) <=
+                                       rcCheck.right - rcCheck.left);
+            EXPECT_TRUE(!bShort || rect.right - rect.left >= work.right / 2) << "its title";
             EXPECT_TRUE(needed.right <= place.right && bScrolls == (needed.bottom > place.bottom));
             Press(VK_NEXT)(hBox);
             PumpWaiting();
