@@ -89,6 +89,9 @@ TEST(FrameWindow, PutsBarsAroundItsClient)
         act();
         EXPECT_EQ(place, PlaceOf(client));
     }
+    const RECT suggested = {30, 40, 330, 240};
+    SendMessageA(frame, 0x02E0, 0, reinterpret_cast<LPARAM>(&suggested));  // WM_DPICHANGED
+    EXPECT_EQ(Of(suggested), PlaceOf(frame));
 }
 
 TEST(FrameWindow, SurvivesWhateverGoesMeanwhile)
@@ -125,6 +128,7 @@ TEST(FrameWindow, NamesItsDocumentClosesWhenAskedAndEndsTheProgramAsTheMainFrame
     EnableWindow(other, FALSE);
     SendMessageA(other, WM_CLOSE, 0, 0);
     EXPECT_EQ("", other.m_told) << "disabled";
+    EXPECT_TRUE(IsWindowVisible(other)) << "and in front";
     EnableWindow(other, TRUE);
     other.m_onQuery = [&] { return SendMessageA(other, WM_QUERYENDSESSION, 0, 0) != 0; };
     SendMessageA(other, WM_CLOSE, 0, 0);
@@ -326,6 +330,7 @@ TEST(FrameWindow, OpensWhatIsDroppedAndWhatACommandLineNames)
     EXPECT_EQ(
         "C:\\one.txt|" + longName + "|C:\\in\\a b.txt|C:\\e.txt|\\\\s\\t\\f|C:\\in\\qr s.txt|",
         frame.m_told);
+    EXPECT_TRUE(IsWindowVisible(frame)) << "in front";
 }
 
 TEST(FrameWindow, PassesOnWhatIsSaidOfPalettes)

@@ -237,14 +237,14 @@ TEST(MessageBoxes, CountsDownUntilTheUserTouchesIt)
         box.TimeOut(0);
         PumpWaiting();
     };
-    for (const UINT touch : {0, WM_KEYDOWN, WM_SYSKEYDOWN, WM_LBUTTONDOWN, WM_RBUTTONDOWN, 0x020A})
+    for (const int nTouch : {0, WM_KEYDOWN, WM_SYSKEYDOWN, WM_LBUTTONDOWN, WM_RBUTTONDOWN, 0x020A})
     {
-        const bool bTouch = touch != 0;
+        const bool bTouch = nTouch != 0;
         box.SetCountdown(5);
         const int nAnswer = Ask(box, [&](HWND hBox) {
             pass(2100);
             EXPECT_EQ("title: text *&Yes (3) &No", Describe(hBox));
-            PostMessageA(GetDlgItem(hBox, 0xFFFF), touch, VK_SHIFT, 1), pass(0);
+            PostMessageA(GetDlgItem(hBox, 0xFFFF), static_cast<UINT>(nTouch), VK_SHIFT, 1), pass(0);
             EXPECT_EQ(bTouch, Describe(hBox) == "title: text *&Yes &No");
             pass(3000);
             if (bTouch)
