@@ -85,19 +85,20 @@ bool CCUIMenuPopup::TakeSettings()
 
 void CCUIMenuPopup::Prepare(const CCUIMenuPictures *pPictures, const CCUIAccelerators &keys)
 {
-    m_nItems = CUILarger(GetMenuItemCount(m_hMenu), 0);
+    const int nItems = CUILarger(GetMenuItemCount(m_hMenu), 0);
     // First read them all: their texts may be in records that other items are about to get.
-    auto *const items = new CUIMenuItem[static_cast<unsigned>(m_nItems)];
-    for (int i = 0; i < m_nItems; ++i)
+    auto *const items = new CUIMenuItem[static_cast<unsigned>(nItems)];
+    for (int i = 0; i < nItems; ++i)
         items[i].Read(m_hMenu, static_cast<UINT>(i));
     CCUIMenuRecord *const pOld = m_pRecords;
-    if (m_nItems > m_nRecords) {
-        m_nRecords = m_nItems + m_nItems / 4;
+    if (nItems > m_nRecords) {
+        m_nRecords = nItems + nItems / 4;
         m_pRecords = new CCUIMenuRecord[static_cast<unsigned>(m_nRecords)];
     }
+    m_nItems = nItems;
     const bool bAll = TakeSettings();
     m_cxPicture = m_cyPicture = 0;
-    for (int i = 0; i < m_nItems; ++i) {
+    for (int i = 0; i < nItems; ++i) {
         CCUIMenuRecord &record = m_pRecords[i];
         const bool bChanged = Take(record, items[i], pPictures, keys) || bAll;
         if (items[i].HasText() && (bChanged || items[i].m_pRecord != &record))
