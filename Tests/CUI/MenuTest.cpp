@@ -189,11 +189,9 @@ TEST(Menu, LooksAsTheSystemsColoursSayAtThatMoment)
     CCUIMenu menu;
     const HMENU hMenu = menu.GetHandle();
     for (UINT i = 0; i < 5; ++i)
-        menu.Append(ID + i, "&mmmmmm");
-    menu.Append(ID + 5, "&mmmmmm\tm");
-    menu.Append(ID + 6, "&mmmmmm\tmm");
+        menu.Append(ID + i, "mmmmmm");
     CCUIMenu sub;
-    menu.AppendPopup("&mmmmmm", sub);
+    menu.AppendPopup("mmmmmm", sub);
     const UINT ids[] = {ID + 9, ID + 1, 0, ID + 4};
     ASSERT_TRUE(menu.SetPictures(Strip(), ids));
     menu.SetDefault(ID + 2);
@@ -209,9 +207,7 @@ TEST(Menu, LooksAsTheSystemsColoursSayAtThatMoment)
         EXPECT_EQ(0, plain.Count(0x0000FF)) << "all of it is drawn";
         EXPECT_EQ(crMenu, plain.At(0, 0));
         EXPECT_LT(40, plain.Count(crText));
-        const auto text = [&](UINT nItem) { return Draw(window, hMenu, nItem, 0).Count(crText); };
-        EXPECT_EQ(text(6) - text(5), text(5) - text(3)) << "the key stands beside the text";
-        EXPECT_LT(text(3), text(7)) << "an arrow";
+        EXPECT_LT(plain.Count(crText), Draw(window, hMenu, 5, 0).Count(crText)) << "an arrow";
         const CPixelMap selected = Draw(window, hMenu, 3, ODS_SELECTED);
         EXPECT_EQ(bFlat ? COLORREF{0x00FF00} : crSelected, selected.At(0, 0)) << "a frame";
         EXPECT_EQ(crSelected, selected.At(1, 1));
