@@ -57,13 +57,14 @@ struct CFakeLibrary
         "GetProcAddress", [this](HMODULE, LPCSTR name) { return m_functions[name]; }};
 };
 
-BOOL WINAPI Refuse(void *)
+BOOL WINAPI Refuse(OPENFILENAMEA *pRecord)
 {
+    EXPECT_TRUE(pRecord->Flags & OFN_OVERWRITEPROMPT);
     return FALSE;
 }
 
 // A system that refuses three times before it has an answer.
-std::string s_asked;
+std::string s_asked, s_folder;
 BOOL WINAPI OpenAfterAll(OPENFILENAMEA *pRecord)
 {
     s_asked += Text("%lu %lu %s; ", pRecord->lStructSize, pRecord->nMaxFile, pRecord->lpstrFile);
@@ -76,7 +77,9 @@ BOOL WINAPI OpenAfterAll(OPENFILENAMEA *pRecord)
     EXPECT_EQ(0, memcmp("Pictures\0*.bmp;*.dib\0All\0*.*\0", pRecord->lpstrFilter, 30));
     SetCurrentDirectoryA("C:\\");
     pRecord->nFilterIndex = 2;
-    return memcpy(pRecord->lpstrFile, "C:\\\0one.bmp\0D:\\two.bmp\0", 24), TRUE;
+    s_asked += Text("%lx %s", pRecord->Flags, pRecord->lpstrTitle);
+    const std::string names = s_folder + std::string("\0one.bmp\0D:\\two.bmp\0", 21);
+    return memcpy(pRecord->lpstrFile, names.data(), names.size()), TRUE;
 }
 
 BOOL WINAPI ColorWithOwn(CHOOSECOLORA *pRecord)
@@ -84,7 +87,8 @@ BOOL WINAPI ColorWithOwn(CHOOSECOLORA *pRecord)
     EXPECT_EQ(GetSysColor(COLOR_BTNFACE), pRecord->rgbResult);
     s_asked += Text("%lx %lx; ", pRecord->lpCustColors[2], pRecord->lpCustColors[3]);
     pRecord->lpCustColors[3] = 0x123456;
-    return s_dwCode = 0, FALSE;
+    pRecord->rgbResult = 7;
+    return s_dwCode = 0, pRecord->lpCustColors[2] == 0x5A;
 }
 
 }  // namespace
@@ -119,19 +123,29 @@ TEST(Choosers, AskTheSystemAgainInTheWayThatItWants)
     GetCurrentDirectoryA(MAX_PATH, szBefore);
     CCUString sPath("a?b");
     CCUIFileChoice choice;
+    choice.nFlags = OFN_CREATEPROMPT;
+    choice.pszTitle = "Title";
+    s_folder = "C:\\";
     EXPECT_TRUE(CUIChooseOpenFile(nullptr, sPath, "Pictures|*.bmp;*.dib|All|*.*", &choice));
-    EXPECT_EQ("88 32768 a?b; 76 32768 a?b; 76 32768 ; 76 262144 ; ", s_asked);
+    EXPECT_EQ("88 32768 a?b; 76 32768 a?b; 76 32768 ; 76 262144 ; 8380c Title", s_asked);
     EXPECT_STREQ("C:\\", sPath);
     EXPECT_EQ(2, choice.nFilter);
     GetCurrentDirectoryA(MAX_PATH, szAfter);
     EXPECT_STREQ(szBefore, szAfter);
     CCUIChosenFiles files;
     EXPECT_EQ(0, files.GetCount());
-    EXPECT_TRUE(CUIChooseOpenFiles(nullptr, files, "Pictures|*.bmp;*.dib|All|*.*"));
-    EXPECT_EQ(2, files.GetCount());
-    EXPECT_STREQ("C:\\one.bmp", files.GetPath(0));
-    EXPECT_STREQ("D:\\two.bmp", files.GetPath(1));
-    EXPECT_TRUE(files.GetPath(2).IsEmpty());
+    choice.nFlags = 0;
+    for (const char *const folder : {"C:\\", "C:\\in"}) {
+        s_asked.clear();
+        s_folder = folder;
+        EXPECT_TRUE(CUIChooseOpenFiles(nullptr, files, "Pictures|*.bmp;*.dib|All|*.*", &choice));
+        EXPECT_NE(std::string::npos, s_asked.find(" 81a0c Title"));
+        EXPECT_EQ(2, files.GetCount());
+        EXPECT_EQ(s_folder == "C:\\" ? "C:\\one.bmp" : "C:\\in\\one.bmp",
+                  std::string(files.GetPath(0)));
+        EXPECT_STREQ("D:\\two.bmp", files.GetPath(1));
+        EXPECT_TRUE(files.GetPath(2).IsEmpty());
+    }
 }
 
 TEST(Choosers, KeepTheUsersOwnColors)
@@ -140,10 +154,18 @@ TEST(Choosers, KeepTheUsersOwnColors)
     const CFakeLibrary library("ChooseColorA", ColorWithOwn);
     COLORREF cr = CUIGetWinData()->crSys[COLOR_BTNFACE];
     s_asked.clear();
-    for (int i = 0; i < 2; ++i)
-        EXPECT_FALSE(CUIChooseColor(nullptr, cr));
-    EXPECT_EQ("ffffff ffffff; ffffff 123456; ", s_asked);
-    EXPECT_EQ(CUIGetWinData()->crSys[COLOR_BTNFACE], cr);
+    EXPECT_FALSE(CUIChooseColor(nullptr, cr));
+    // Another program that runs changes one of those that are kept.
+    COLORREF kept[16] = {};
+    DWORD nSize = sizeof kept;
+    CCURegistry registry;
+    EXPECT_TRUE(CUIOpenSettings(registry, "Choosers", false) &&
+                registry.GetBinary("CustomColors", kept, nSize));
+    kept[2] = 0x5A;
+    registry.SetBinary("CustomColors", kept, sizeof kept);
+    EXPECT_TRUE(CUIChooseColor(nullptr, cr));
+    EXPECT_EQ("ffffff ffffff; 5a 123456; ", s_asked);
+    EXPECT_EQ(7u, cr);
 }
 
 TEST(Choosers, GiveWhatTheUserChooses)

@@ -89,6 +89,9 @@ TEST(FrameWindow, PutsBarsAroundItsClient)
         act();
         EXPECT_EQ(place, PlaceOf(client));
     }
+    const RECT suggested = {30, 40, 330, 240};
+    SendMessageA(frame, 0x02E0, 0, reinterpret_cast<LPARAM>(&suggested));  // WM_DPICHANGED
+    EXPECT_EQ(Of(suggested), PlaceOf(frame));
 }
 
 TEST(FrameWindow, SurvivesWhateverGoesMeanwhile)
@@ -125,6 +128,7 @@ TEST(FrameWindow, NamesItsDocumentClosesWhenAskedAndEndsTheProgramAsTheMainFrame
     EnableWindow(other, FALSE);
     SendMessageA(other, WM_CLOSE, 0, 0);
     EXPECT_EQ("", other.m_told) << "disabled";
+    EXPECT_TRUE(IsWindowVisible(other)) << "and in front";
     EnableWindow(other, TRUE);
     other.m_onQuery = [&] { return SendMessageA(other, WM_QUERYENDSESSION, 0, 0) != 0; };
     SendMessageA(other, WM_CLOSE, 0, 0);
@@ -177,6 +181,8 @@ TEST(FrameWindow, KeepsItsPlaceAndFindsAScreenForIt)
         EXPECT_EQ(row.nShow == SW_SHOWMINIMIZED, IsIconic(frame) != 0);
         frame.BringToFront();
         EXPECT_TRUE(IsWindowVisible(frame) && row.bMaximized == (IsZoomed(frame) != 0));
+        SendMessageA(frame, WM_ENDSESSION, FALSE, 0);
+        EXPECT_TRUE(frame.Exist());
         SendMessageA(frame, WM_ENDSESSION, TRUE, 0);
         EXPECT_FALSE(frame.Exist());
         EXPECT_EQ(row.place + Text(",%d,96", row.bMaximized), CTestSettings::Get("Placement"));
@@ -235,9 +241,12 @@ TEST(FrameWindow, CoversTheScreenAndComesBackAsItWas)
         ShowWindow(frame, SW_RESTORE);
         EXPECT_EQ(screen + screen + "000 0", look());
         EXPECT_EQ(hMenu, frame.GetMenu());
+        EXPECT_TRUE(frame.SetMenu(GetModuleHandleA(nullptr), MAKEINTRESOURCEA(700)));
+        EXPECT_FALSE(IsMenu(hMenu) || GetMenu(frame));
+        const HMENU hLast = frame.GetMenu();
         frame.Destroy();
         EXPECT_EQ(kept, CTestSettings::Get("Placement"));
-        EXPECT_FALSE(IsMenu(hMenu));
+        EXPECT_FALSE(IsMenu(hLast) || frame.SetMenu(hLast));
     }
 }
 
@@ -269,6 +278,13 @@ TEST(FrameWindow, LeadsHelpKeysAndFocusBetweenItsParts)
         EXPECT_EQ(hExpected, GetFocus());
         EXPECT_EQ(hExpected == frame.m_button ? ready : help, look());
     }
+    BYTE keys[256] = {};
+    keys[VK_SHIFT] = 0x80;
+    SetKeyboardState(keys);
+    PressKey(VK_F6);
+    keys[VK_SHIFT] = 0;
+    SetKeyboardState(keys);
+    EXPECT_EQ(frame.m_bars[1].GetHandle(), GetFocus());
     CCUICommandMap::IdleUpdate();
     EXPECT_TRUE(PressKey('o', frame.m_bars[0], WM_SYSCHAR));
     EXPECT_EQ("0 ", command.Done());
@@ -294,6 +310,11 @@ TEST(FrameWindow, OpensWhatIsDroppedAndWhatACommandLineNames)
     const std::string longName = "D:\\" + std::string(400, 'n');
     const std::string drop = "\x14" + std::string(19, 0) + "C:\\one.txt" + '\0' + longName;
     SendMessageA(frame, WM_DROPFILES, 0x1234, 0);
+    const LONG nPlain = GetWindowLongA(frame, GWL_EXSTYLE);
+    for (const bool bAccept : {true, false}) {
+        frame.AcceptFiles(bAccept);
+        EXPECT_EQ(nPlain | (bAccept ? WS_EX_ACCEPTFILES : 0), GetWindowLongA(frame, GWL_EXSTYLE));
+    }
     for (const BOOL bEnabled : {FALSE, TRUE}) {
         EXPECT_EQ("", frame.m_told) << "a dialog is open";
         EnableWindow(frame, bEnabled);
@@ -309,6 +330,7 @@ TEST(FrameWindow, OpensWhatIsDroppedAndWhatACommandLineNames)
     EXPECT_EQ(
         "C:\\one.txt|" + longName + "|C:\\in\\a b.txt|C:\\e.txt|\\\\s\\t\\f|C:\\in\\qr s.txt|",
         frame.m_told);
+    EXPECT_TRUE(IsWindowVisible(frame)) << "in front";
 }
 
 TEST(FrameWindow, PassesOnWhatIsSaidOfPalettes)

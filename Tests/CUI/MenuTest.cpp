@@ -190,6 +190,8 @@ TEST(Menu, LooksAsTheSystemsColoursSayAtThatMoment)
     const HMENU hMenu = menu.GetHandle();
     for (UINT i = 0; i < 5; ++i)
         menu.Append(ID + i, "mmmmmm");
+    CCUIMenu sub;
+    menu.AppendPopup("mmmmmm", sub);
     const UINT ids[] = {ID + 9, ID + 1, 0, ID + 4};
     ASSERT_TRUE(menu.SetPictures(Strip(), ids));
     menu.SetDefault(ID + 2);
@@ -205,6 +207,7 @@ TEST(Menu, LooksAsTheSystemsColoursSayAtThatMoment)
         EXPECT_EQ(0, plain.Count(0x0000FF)) << "all of it is drawn";
         EXPECT_EQ(crMenu, plain.At(0, 0));
         EXPECT_LT(40, plain.Count(crText));
+        EXPECT_LT(plain.Count(crText), Draw(window, hMenu, 5, 0).Count(crText)) << "an arrow";
         const CPixelMap selected = Draw(window, hMenu, 3, ODS_SELECTED);
         EXPECT_EQ(bFlat ? COLORREF{0x00FF00} : crSelected, selected.At(0, 0)) << "a frame";
         EXPECT_EQ(crSelected, selected.At(1, 1));
@@ -222,6 +225,7 @@ TEST(Menu, LooksAsTheSystemsColoursSayAtThatMoment)
         EXPECT_EQ(64, picture.Count(PICTURE_COLORS[1]));
         EXPECT_EQ(0, picture.Count(PICTURE_GROUND));
         EXPECT_LE(64, Draw(window, hMenu, 4, ODS_CHECKED).Count(PICTURE_COLORS[2]));
+        EXPECT_FALSE(Draw(window, hMenu, 4, ODS_CHECKED) == Draw(window, hMenu, 4, 0)) << "pressed";
         const CPixelMap faint = Draw(window, hMenu, 1, ODS_GRAYED);
         EXPECT_EQ(0, faint.Count(PICTURE_COLORS[1]));
         EXPECT_LE(50, faint.Count(0));

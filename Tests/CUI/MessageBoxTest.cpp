@@ -139,22 +139,37 @@ TEST(MessageBoxes, IsAsLargeAsItsTextNeedsAndTheScreenAllows)
     for (const std::string &text :
          {std::string("\"Fox\" was replaced."), words, std::string(900, 'x'), lines})
     {
-        CCUIMessageBox box(text.c_str(), "title", MB_YESNOCANCEL | MB_ICONHAND);
+        const bool bRight = text == words, bShort = text.size() < 99;
+        CCUIMessageBox box(text.c_str(), std::string(bShort ? 99 : 1, 'W').c_str(),
+                           MB_YESNOCANCEL | MB_ICONHAND | (bRight ? MB_RIGHT | MB_RTLREADING : 0));
         box.SetDontAsk("size", text == lines ? nullptr : text.c_str());
+        for (int nID = 100; bRight && nID < 107; ++nID)
+            box.AddButton(nID, std::string(30, 'm').c_str());  // in several rows
+        box.SetCancelButton(100);
         Ask(box, [&](HWND hBox) {
             const RECT rect = RectOf(hBox);
             const RECT client = ClientOf(hBox);
             RECT both;
             EXPECT_TRUE(UnionRect(&both, &rect, &work) && EqualRect(&both, &work));
+            LONG nButtons = 0, nMiddles = 0;
             for (HWND h = GetWindow(hBox, GW_CHILD); h; h = GetWindow(h, GW_HWNDNEXT)) {
                 const RECT child = RectOf(h);
                 EXPECT_TRUE(UnionRect(&both, &client, &child) && EqualRect(&both, &client));
+                if (SendMessageA(h, WM_GETDLGCODE, 0, 0) &
+                    (DLGC_DEFPUSHBUTTON | DLGC_UNDEFPUSHBUTTON))
+                    ++nButtons, nMiddles += child.left + child.right - client.right;
                 for (HWND hNext = h; (hNext = GetWindow(hNext, GW_HWNDNEXT)) != nullptr;) {
                     const RECT next = RectOf(hNext);
                     EXPECT_FALSE(IntersectRect(&both, &child, &next));
                 }
             }
+            EXPECT_LE(std::abs(nMiddles), nButtons) << "each row of buttons is in the middle";
             const HWND hText = GetDlgItem(hBox, 0xFFFF);
+            const RECT rcText = RectOf(hText), rcIcon = RectOf(GetDlgItem(hBox, 0xF001));
+            const LONG nHigher = std::max(rcText.bottom - rcText.top, rcIcon.bottom - rcIcon.top);
+            EXPECT_NEAR(2 * rcIcon.top + nHigher, rcText.top + rcText.bottom, 1);
+            EXPECT_EQ(bRight || text == lines, rcText.right == client.right - rcIcon.left);
+            EXPECT_EQ(bRight, (GetWindowLongA(hText, GWL_EXSTYLE) & WS_EX_RTLREADING) != 0);
             const bool bScrolls = (GetWindowLongA(hText, GWL_STYLE) & WS_VSCROLL) != 0;
             EXPECT_EQ(text == lines, bScrolls);
             const RECT place = ClientOf(hText);
@@ -168,10 +183,16 @@ TEST(MessageBoxes, IsAsLargeAsItsTextNeedsAndTheScreenAllows)
             };
             EXPECT_TRUE(bScrolls || draw(DT_NOCLIP) == draw(0)) << "something sticks out";
             draw(DT_CALCRECT);
+            const RECT rcCheck = RectOf(GetDlgItem(hBox, 0xF000));
+            EXPECT_TRUE(!bShort || needed.right + GetSystemMetrics(SM_CXMENUCHECK) <=
+                                       rcCheck.right - rcCheck.left);
+            EXPECT_TRUE(!bShort || rect.right - rect.left >= work.right / 2) << "its title";
             EXPECT_TRUE(needed.right <= place.right && bScrolls == (needed.bottom > place.bottom));
             Press(VK_NEXT)(hBox);
             PumpWaiting();
             EXPECT_EQ(bScrolls, SendMessageA(hText, EM_GETFIRSTVISIBLELINE, 0, 0) > 0);
+            SendMessageA(hBox, 0x020A, MAKEWPARAM(0, 120 * 99), 0);  // the wheel
+            EXPECT_EQ(0, SendMessageA(hText, EM_GETFIRSTVISIBLELINE, 0, 0));
             Press(VK_ESCAPE)(hBox);
         });
     }
@@ -196,7 +217,11 @@ TEST(MessageBoxes, KeepsAnAnswerThatTheUserWantsKept)
     // A box without that button asks.
     CCUIMessageBox other("text", "title", MB_OK);
     other.SetDontAsk("question");
-    EXPECT_EQ(IDOK, Ask(other, Press(VK_ESCAPE)));
+    EXPECT_EQ(IDOK, Ask(other, [](HWND hBox) {
+                  SendMessageA(GetDlgItem(hBox, 0xF000), BM_CLICK, 0, 0);
+                  Press(VK_ESCAPE)(hBox);
+              }));
+    EXPECT_EQ(IDOK, Ask(other, [](HWND hBox) { ADD_FAILURE(), Press(VK_ESCAPE)(hBox); }));
     EXPECT_EQ(1, CUIForgetAnswer("question"));
     EXPECT_EQ(IDYES, ask(0, true));
     EXPECT_EQ(1, CUIForgetAnswer());
@@ -212,13 +237,14 @@ TEST(MessageBoxes, CountsDownUntilTheUserTouchesIt)
         box.TimeOut(0);
         PumpWaiting();
     };
-    for (const bool bTouch : {false, true}) {
+    for (const int nTouch : {0, WM_KEYDOWN, WM_SYSKEYDOWN, WM_LBUTTONDOWN, WM_RBUTTONDOWN, 0x020A})
+    {
+        const bool bTouch = nTouch != 0;
         box.SetCountdown(5);
         const int nAnswer = Ask(box, [&](HWND hBox) {
             pass(2100);
             EXPECT_EQ("title: text *&Yes (3) &No", Describe(hBox));
-            if (bTouch)
-                Press(VK_SHIFT)(hBox), pass(0);
+            PostMessageA(GetDlgItem(hBox, 0xFFFF), static_cast<UINT>(nTouch), VK_SHIFT, 1), pass(0);
             EXPECT_EQ(bTouch, Describe(hBox) == "title: text *&Yes &No");
             pass(3000);
             if (bTouch)
@@ -233,9 +259,13 @@ TEST(MessageBoxes, SpeaksAsTheProgramDoesAndCopiesItselfInTheSystemsForm)
     CCUIMessageBox box("One\nTwo", "Title");
     box.AddButton(IDCLOSE);
     box.AddButton(20, "&More");
+    box.SetDefaultButton(20);
+    const HICON hIcon = LoadIconA(nullptr, IDI_QUESTION);
+    box.SetIcon(hIcon);
     box.SetDontAsk("texts", "Nie &mehr");
     Ask(box, [&](HWND hBox) {
-        EXPECT_EQ("Title: One\nTwo *S&chluss &More", Describe(hBox));
+        EXPECT_EQ("Title: One\nTwo S&chluss *&More", Describe(hBox));
+        EXPECT_EQ(hIcon, HICON(SendDlgItemMessageA(hBox, 0xF001, STM_GETICON, 0, 0)));
         for (const BYTE nDown : {BYTE(0x80), BYTE(0)}) {
             BYTE keys[256] = {};
             keys[VK_CONTROL] = nDown;
@@ -258,20 +288,24 @@ TEST(MessageBoxes, ShowsIconHelpAndCaptionOfItsOwner)
     const CFakeCall<BOOL(UINT)> beep(
         "MessageBeep", [&](UINT n) { return owner.m_told += Text("beep %u ", n), TRUE; });
     owner.m_on[WM_HELP] = [&] { return owner.m_told += "help", 0; };
+    MoveWindow(owner, 400, 300, 200, 150, FALSE);
     ShowWindow(owner, SW_SHOWMINIMIZED);
     owner.m_on[WM_ENTERIDLE] = [&] {
         const HWND hBox = HWND(owner.m_lParam);
         EXPECT_FALSE(IsIconic(owner) || IsWindowEnabled(owner));
         EXPECT_EQ("test: text *OK Help", Describe(hBox));
+        const RECT rc = RectOf(hBox);
+        EXPECT_LE(std::abs(rc.left + rc.right - 1000) + std::abs(rc.top + rc.bottom - 750), 2);
         EXPECT_EQ(LoadIconA(nullptr, IDI_EXCLAMATION),
                   HICON(SendDlgItemMessageA(hBox, 0xF001, STM_GETICON, 0, 0)));
         EXPECT_TRUE(GetWindowLongA(hBox, GWL_EXSTYLE) & WS_EX_TOPMOST);
         SendMessageA(hBox, WM_COMMAND, IDHELP, 0);
+        SendMessageA(hBox, WM_HELP, 0, 0);
         return Press(VK_ESCAPE)(hBox), 0;
     };
     EXPECT_EQ(IDOK,
               CUIMessageBox(&owner, "text", nullptr, MB_HELP | MB_ICONEXCLAMATION | MB_TOPMOST));
-    EXPECT_EQ("beep 48 help", owner.Told());
+    EXPECT_EQ("beep 48 helphelp", owner.Told());
     EXPECT_TRUE(IsWindowEnabled(owner));
     // A message that cannot be shown is not lost.
     const CDumped trace;

@@ -40,8 +40,8 @@
 /// want as many bytes as the picture would take without runs.
 ///
 /// Rows from the top down (a negative biHeight) are shown as they are meant, except by CUIBmpLoad
-/// and so CCUIBitmap::Load, which show what the system's LoadImage makes of them: on some systems
-/// an empty picture of their size.
+/// and so CCUIBitmap::Load, which show what the system's LoadImage makes of them: in Wine 8 an
+/// empty picture of their size.
 
 #include "CUI/Platform.h"
 #include "CUI/ResourceName.h"

@@ -173,6 +173,8 @@ private:
     void EndPress();
     void SendCommand(unsigned int nID);
     void Press(int nItem);
+    void ShowMenuOpen(int nItem, bool bOpen);
+    int ChooseBeside(CCUIMenu &menu, const RECT &rcScreen);
     void OpenMenu(int nItem, CCUIMenu &menu);
     void OpenOverflow();
     void LeaveKeyboard();

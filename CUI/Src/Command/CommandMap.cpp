@@ -17,6 +17,10 @@ const size_t ENTRY_SIZE = sizeof(void *);
 // No block of memory is as large as half the address space.
 const unsigned long long MOST_ENTRIES = 0x7FFF0000 / ENTRY_SIZE;
 
+// The states whose commands are refreshed by somebody else, or not at all.
+const unsigned short NO_IDLE_UPDATE = CUI_COMMAND_MENU | CUI_COMMAND_MINIMIZED | CUI_COMMAND_TIMER |
+                                      CUI_COMMAND_HIDDEN | CUI_COMMAND_HIDDEN_DIALOG_CONTROL;
+
 struct CStateName
 {
     unsigned short nBit;
@@ -183,6 +187,38 @@ CCUICommandHandler *CCUICommandMap::_Override(unsigned int nID, CCUICommandHandl
     m_pMap[nMap][nIndex] = pCmdHandler;
     UseUpTo(nMap, static_cast<int>(nIndex) + 1);
     return pPrevious;
+}
+
+// Here, so that the compiler knows it in the pass below: where a handler does not override it, the
+// pass compares two pointers and calls nothing. The other defaults are in CommandHandler.cpp, for
+// of those the pass would compare HandleUpdate as well, which every handler overrides.
+unsigned short CCUICommandHandler::GetState(unsigned int)
+{
+    return CUI_COMMAND_ACTIVE;
+}
+
+void CCUICommandMap::_IdleUpdate()
+{
+    for (int nMap = 0; nMap < TABLES; ++nMap) {
+        // Handlers may move the table and change its slots: nothing is kept over a call of theirs.
+        // The bound is, so that a pass ends even if every handler that is refreshed adds another.
+        const int nLength = m_nLength[nMap];
+        int nIndex = 0;
+        int nEnd = 0;
+        for (; nIndex < nLength && nIndex < m_nEnd[nMap]; ++nIndex) {
+            CCUICommandHandler *pCmdHandler = m_pMap[nMap][nIndex];
+            if (!pCmdHandler)
+                continue;
+            nEnd = nIndex + 1;
+            const unsigned int nID = Base(nMap) + static_cast<unsigned int>(nIndex);
+            const bool bRefresh = !(pCmdHandler->GetState(nID) & NO_IDLE_UPDATE);
+            if (bRefresh && m_pMap[nMap][nIndex] == pCmdHandler)
+                pCmdHandler->HandleUpdate(nID);
+        }
+        // The slots from there on were empty when the last handler had been called.
+        if (nIndex == m_nEnd[nMap])
+            m_nEnd[nMap] = nEnd;
+    }
 }
 
 void CCUICommandMap::_Dump()

@@ -1,4 +1,5 @@
-// The idle pass: all commands, then all that shows them.
+// The idle pass: all commands, then all that shows them. Apart from CommandView.cpp, for this alone
+// runs again and again, and so is compiled for speed.
 
 #include "CUI/CommandHandler.h"
 #include "CUI/CommandMap.h"

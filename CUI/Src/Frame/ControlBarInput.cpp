@@ -207,38 +207,48 @@ long CCUIControlBar::OnNotify(UINT nID, NMHDR *pHeader)
 
 // --- Menus ---
 
-// Beside the item, which looks pressed meanwhile.
-void CCUIControlBar::OpenMenu(int nItem, CCUIMenu &menu)
+// The item looks pressed while its menu is open. bOpen: it is about to be.
+void CCUIControlBar::ShowMenuOpen(int nItem, bool bOpen)
 {
-    CWatch watch(this);
-    m_nPressed = nItem;
-    m_bInside = true;
     if (CCUIBarItem *const pItem = m_pItems->At(nItem))
-        pItem->bArrow = true;
+        pItem->bArrow = bOpen;
     RepaintItem(nItem);
-    const RECT rcItem = m_pItems->Place(nItem);
-    RECT rcScreen = rcItem;
-    MapWindowPoints(m_hWnd, nullptr, reinterpret_cast<POINT *>(&rcScreen), 2);
+    if (bOpen) {
+        m_nPressed = nItem;
+        m_bInside = true;
+    } else {
+        EndPress();
+    }
+}
+
+// Shows the menu beside the item that is at rcScreen. Answers the command that was chosen; 0: none.
+int CCUIControlBar::ChooseBeside(CCUIMenu &menu, const RECT &rcScreen)
+{
     // The menu of a mirrored window begins at the right and goes to the left.
     const bool bLeft = IsVertical() == CUIIsMirrored(m_hWnd);
     POINT point = {bLeft ? rcScreen.left : rcScreen.right,
                    IsVertical() ? rcScreen.top : rcScreen.bottom};
+    CWatch watch(this);
     const UINT nFlags = TPM_RETURNCMD | (IsVertical() ? 0 : TPM_VERTICAL);
     const int nCommand = DisplayPopupMenu(&menu, nFlags, point, &rcScreen);
+    if (!watch.IsGone() && m_hWnd)
+        CUITakeClosingClick(m_hWnd, rcScreen);
+    return nCommand;
+}
+
+void CCUIControlBar::OpenMenu(int nItem, CCUIMenu &menu)
+{
+    CWatch watch(this);
+    ShowMenuOpen(nItem, true);
+    RECT rcScreen = m_pItems->Place(nItem);
+    MapWindowPoints(m_hWnd, nullptr, reinterpret_cast<POINT *>(&rcScreen), 2);
+    const int nCommand = ChooseBeside(menu, rcScreen);
     if (watch.IsGone() || !m_hWnd)
         return;
-    CUITakeClosingClick(m_hWnd, rcScreen);
-    if (watch.IsGone() || !m_hWnd)
-        return;
-    if (CCUIBarItem *const pItem = m_pItems->At(nItem))
-        pItem->bArrow = false;
-    RepaintItem(nItem);
-    EndPress();
+    ShowMenuOpen(nItem, false);
     if (!watch.IsGone())
         LeaveKeyboard();
-    if (watch.IsGone())
-        return;
-    if (!CUIIsMouseOver(m_hWnd))
+    if (!watch.IsGone() && !CUIIsMouseOver(m_hWnd))
         SetHot(-1);
     if (nCommand && !watch.IsGone())
         SendCommand(static_cast<unsigned int>(nCommand));

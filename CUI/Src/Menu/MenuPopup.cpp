@@ -75,6 +75,14 @@ CCUIMenuRecord *CCUIMenuPopup::Record(ULONG_PTR dwItemData) const
     return bOurs ? reinterpret_cast<CCUIMenuRecord *>(dwItemData) : nullptr;
 }
 
+// Whether all items must be shown anew, since the settings or the keys' names are others.
+bool CCUIMenuPopup::TakeSettings()
+{
+    const HKL hOld = m_hLayout;
+    m_hLayout = GetKeyboardLayout(0);
+    return m_metrics.Refresh() || m_hLayout != hOld;
+}
+
 void CCUIMenuPopup::Prepare(const CCUIMenuPictures *pPictures, const CCUIAccelerators &keys)
 {
     const int nItems = CUILarger(GetMenuItemCount(m_hMenu), 0);
@@ -88,29 +96,29 @@ void CCUIMenuPopup::Prepare(const CCUIMenuPictures *pPictures, const CCUIAcceler
         m_pRecords = new CCUIMenuRecord[static_cast<unsigned>(m_nRecords)];
     }
     m_nItems = nItems;
-    bool bAll = m_metrics.Refresh();
-    const HKL hLayout = GetKeyboardLayout(0);
-    if (hLayout != m_hLayout) {
-        m_hLayout = hLayout;
-        bAll = true;
-    }
+    const bool bAll = TakeSettings();
     m_cxPicture = m_cyPicture = 0;
     for (int i = 0; i < nItems; ++i) {
         CCUIMenuRecord &record = m_pRecords[i];
         const bool bChanged = Take(record, items[i], pPictures, keys) || bAll;
-        if (!items[i].HasText() || !(bChanged || items[i].m_pRecord != &record))
-            continue;
-        // The system asks anew how large an item is only when that has been set again.
-        items[i].m_pRecord = &record;
-        items[i].Write(m_hMenu, static_cast<UINT>(i));
-        record.m_sKey = record.m_key.cmd ? CCUIAccelerators::KeyText(record.m_key) : CCUString();
-        record.SetAccessible();
+        if (items[i].HasText() && (bChanged || items[i].m_pRecord != &record))
+            Give(record, items[i], static_cast<UINT>(i));
     }
     delete[] items;
     if (pOld != m_pRecords)
         delete[] pOld;
     MeasureTexts();
     MeasureColumns();
+}
+
+// Makes the item one that is drawn from the record. The system asks anew how large an item is only
+// when that has been set again.
+void CCUIMenuPopup::Give(CCUIMenuRecord &record, CUIMenuItem &item, UINT nItem) const
+{
+    item.m_pRecord = &record;
+    item.Write(m_hMenu, nItem);
+    record.m_sKey = record.m_key.cmd ? CCUIAccelerators::KeyText(record.m_key) : CCUString();
+    record.SetAccessible();
 }
 
 // Writes into the record what an item is now; whether anything of that has changed.

@@ -36,6 +36,8 @@ private:
 
     bool Take(CCUIMenuRecord &record, const CUIMenuItem &item, const CCUIMenuPictures *pPictures,
               const CCUIAccelerators &keys);
+    bool TakeSettings();
+    void Give(CCUIMenuRecord &record, CUIMenuItem &item, UINT nItem) const;
     void MeasureTexts();
     void MeasureColumns();
     int MarkWidth() const;
