@@ -26,6 +26,14 @@ TESTS = (
     ("CUI", "Data.Holds*", "Window.Binds*", "MessageLoop.Serves*", "Dialog.Ends*",
      "ControlWindow.TakesTheScreen*", "BmpLoad.Gives*", "Draw.SetsTheTables*",
      "ResourceString.Loads*"),
+    # Windows and what they are put together of; but none that takes seconds.
+    ("CUI", "FrameWindow.DoesWithout*"),
+    ("CUI", "Choosers.*"),
+    ("CUI", "CommandView.*", "Control.*", "ControlBar.*", "FrameWindow.C*", "FrameWindow.K*",
+     "FrameWindow.LeadsHelp*", "FrameWindow.O*", "FrameWindow.P*", "FrameWindow.S*", "Layout.G*",
+     "Layout.M*", "Layout.S*", "Layout.T*", "Menu.*", "MessageBoxes.C*", "MessageBoxes.IsCancelled*",
+     "MessageBoxes.K*", "MessageBoxes.S*", "NotifyIcon.*", "RecentFiles.*", "SingleInstance.Hands*",
+     "StatusBar.*", "SystemControls.M*", "SystemControls.T*"),
 )
 
 

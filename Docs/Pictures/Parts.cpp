@@ -1,17 +1,23 @@
 // What Tools/refresh-picture takes pictures of for the page of the framework: a menu, a message
-// box, buttons in all their states and the system's controls. Usage: Parts
-// menu|box|buttons|controls
+// box, buttons in all their states, the system's controls, a chooser and a notification icon.
+// Usage: Parts menu|box|buttons|controls|chooser|icon
 
+#include <windows.h>
+
+#include <commdlg.h>
 #include <string.h>
 
 #include "CUI/Button.h"
+#include "CUI/Choosers.h"
 #include "CUI/ComboBox.h"
+#include "CUI/Data.h"
 #include "CUI/Draw.h"
 #include "CUI/Edit.h"
 #include "CUI/ListBox.h"
 #include "CUI/ListView.h"
 #include "CUI/Menu.h"
 #include "CUI/MessageBox.h"
+#include "CUI/NotifyIcon.h"
 #include "CUI/ProgressBar.h"
 #include "CUI/ScrollBar.h"
 #include "CUI/Separator.h"
@@ -24,6 +30,16 @@
 
 const int PICTURE = 14;
 const COLORREF KEY = RGB(255, 0, 255);
+
+// Pixels at 96 dots per inch, in those of the screen.
+static int Scaled(LONG nPixels)
+{
+    return MulDiv(static_cast<int>(nPixels), CUIGetWinData()->cyPixelsPerInch, 96);
+}
+static RECT Scaled(const RECT &place)
+{
+    return {Scaled(place.left), Scaled(place.top), Scaled(place.right), Scaled(place.bottom)};
+}
 
 // A row of pictures: discs in red and purple, a blue square, a yellow triangle.
 static CCUIBitmap MakePictures()
@@ -70,7 +86,7 @@ protected:
     int OnEraseBkgnd(HDC hDC) override
     {
         const RECT area = GetClientArea();
-        CUIDCFillSolidRect(hDC, &area, GetSysColor(COLOR_BTNFACE));
+        FillRect(hDC, &area, CUIGetWinData()->hbrBtnFace);
         return 1;
     }
     void OnDestroy() override
@@ -125,19 +141,24 @@ static int ShowMenu()
     bar.AppendPopup("&View", view);
 
     CPartsWindow window;
-    window.Create(nullptr, "Menu", WS_OVERLAPPEDWINDOW, {0, 0, 240, 284}, nullptr, 0);
+    window.Create(nullptr, "Menu", WS_OVERLAPPEDWINDOW, Scaled({0, 0, 240, 284}), nullptr, 0);
     SetMenu(window, bar.GetHandle());
     window.Show();
     return CCUIWindow::RunLoop();
 }
 
-static int ShowBox()
+// Wine 8 gives the first window of a program the focus, but not if it is a dialog.
+static void MakeOwner(CCUIWindow &window, const RECT &place)
 {
-    // Wine 8 gives the first window of a program the focus, but not if it is a dialog.
-    CPartsWindow window;
-    window.Create(nullptr, "Owner", WS_OVERLAPPEDWINDOW, {440, 360, 580, 410}, nullptr, 0);
+    window.Create(nullptr, "Owner", WS_OVERLAPPEDWINDOW, place, nullptr, 0);
     window.Show();
     window.Show(false);
+}
+
+static int ShowBox()
+{
+    CPartsWindow window;
+    MakeOwner(window, {440, 360, 580, 410});
     CCUIMessageBox box(
         "Save the changes to \"Harbour at dusk & dawn.bmp\" before the viewer closes?\n\n"
         "What is not saved is lost.",
@@ -150,10 +171,31 @@ static int ShowBox()
     return box.DoModal(&window) == IDCANCEL ? 0 : 1;
 }
 
+static int ShowChooser()
+{
+    CPartsWindow window;
+    MakeOwner(window, {0, 0, 140, 50});
+    COLORREF cr = RGB(32, 64, 200);
+    CUIChooseColor(&window, cr, CC_FULLOPEN);
+    return 0;
+}
+
+static int ShowIcon()
+{
+    CPartsWindow window;
+    window.Create(nullptr, "Icon", WS_POPUP, {0, 0, 190, 112}, nullptr, 0);
+    window.Show();
+    CCUINotifyIcon icon;
+    icon.Add(LoadIconA(nullptr, IDI_INFORMATION), "The harbour");
+    // Blanks, since Wine 8 makes balloons too narrow.
+    icon.ShowBalloon("Harbour", "High water in half an hour.   ");
+    return CCUIWindow::RunLoop();
+}
+
 static int ShowButtons()
 {
     CPartsWindow window;
-    window.Create(nullptr, "Buttons", WS_POPUP, {0, 0, 430, 150}, nullptr, 0);
+    window.Create(nullptr, "Buttons", WS_POPUP, Scaled({0, 0, 430, 150}), nullptr, 0);
     const CCUIBitmap pictures = MakePictures();
     const struct
     {
@@ -191,15 +233,15 @@ static int ShowButtons()
         if (buttons[i].nPicture >= 0)
             button.SetPicture(pictures, buttons[i].nPicture, PICTURE, KEY);
         button.SetCheck(buttons[i].nCheck);
-        button.CreateControl(window, 100 + static_cast<UINT>(i), buttons[i].pszText,
-                             &buttons[i].place);
+        const RECT place = Scaled(buttons[i].place);
+        button.CreateControl(window, 100 + static_cast<UINT>(i), buttons[i].pszText, &place);
         button.Enable(buttons[i].bEnabled);
     }
     pButtons[11]->SetDefault(true);
     SendMessageA(*pButtons[12], BM_SETSTATE, TRUE, 0);
     CCUISeparator upright, level;
-    const RECT side = {270, 6, 274, 34};
-    const RECT below = {8, 36, 422, 40};
+    const RECT side = Scaled({270, 6, 274, 34});
+    const RECT below = Scaled({8, 36, 422, 40});
     upright.CreateControl(window, 200, "", &side);
     level.CreateControl(window, 201, "", &below);
 
@@ -216,13 +258,14 @@ static void Make(CCUISystemControl &control, HWND hParent, const char *pszText, 
                  DWORD dwStyle = 0)
 {
     static UINT s_nID = 100;
-    control.CreateControl(hParent, ++s_nID, pszText, dwStyle, &place);
+    const RECT scaled = Scaled(place);
+    control.CreateControl(hParent, ++s_nID, pszText, dwStyle, &scaled);
 }
 
 static int ShowControls()
 {
     CPartsWindow window;
-    window.Create(nullptr, "Controls", WS_POPUP, {0, 0, 470, 210}, nullptr, 0);
+    window.Create(nullptr, "Controls", WS_POPUP, Scaled({0, 0, 470, 210}), nullptr, 0);
     CCUIStatic label;
     CCUIEdit name, number;
     CCUISpinButton spin;
@@ -261,8 +304,8 @@ static int ShowControls()
     Make(tabs, window, nullptr, {158, 8, 462, 124});
     tabs.AddItem("Files");
     tabs.AddItem("Options");
-    files.InsertColumn(0, "Name", 110);
-    files.InsertColumn(1, "Size", 90, LVCFMT_RIGHT);
+    files.InsertColumn(0, "Name", Scaled(110));
+    files.InsertColumn(1, "Size", Scaled(90), LVCFMT_RIGHT);
     files.SetItemText(files.AddItem("Fennec.bmp"), 1, "177 KB");
     files.SetItemText(files.AddItem("Harbour.bmp"), 1, "96 KB");
     files.Select(1);
@@ -286,5 +329,7 @@ int main(int nArguments, char **ppszArguments)
     return !strcmp(pszPart, "menu")       ? ShowMenu()
            : !strcmp(pszPart, "box")      ? ShowBox()
            : !strcmp(pszPart, "controls") ? ShowControls()
+           : !strcmp(pszPart, "chooser")  ? ShowChooser()
+           : !strcmp(pszPart, "icon")     ? ShowIcon()
                                           : ShowButtons();
 }

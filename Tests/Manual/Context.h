@@ -10,7 +10,7 @@
 const unsigned ID_COUNT = 1010, ID_RESET = 1011, ID_NEW = 1012, ID_OPEN = 1013, ID_CUT = 1014,
                ID_COPY = 1015, ID_PASTE = 1016, ID_NOTES = 1017;
 const UINT IDB_BUTTONS = 1, IDI_PROGRAM = 2, IDC_WRAP = 3, IDC_NAME = 4, IDC_FILES = 5, IDB_DAY = 6,
-           IDB_NIGHT = 7;
+           IDB_NIGHT = 7, IDD_OPTIONS = 8, IDC_SECONDS = 9, IDC_REPEAT = 10;
 
 static long nQueued, nUsed;
 void Save();

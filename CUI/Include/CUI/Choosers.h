@@ -15,7 +15,8 @@
 /// meanwhile, as for CCUIDialog::DoModal. The system runs the message loop of these dialogs: timers
 /// (CCUTimer) and paints go on, but there are no idle passes, and PreTranslateMessage is not asked.
 /// comdlg32.dll, shell32.dll and ole32.dll are loaded from the system's folder by the first call
-/// that needs them and stay. For the user-interface thread.
+/// that needs them and stay; where one is missing its choosers fail, but that of folders does with
+/// its older form without ole32.dll. For the user-interface thread.
 
 #include "CU/String.h"
 #include "CUI/Platform.h"
@@ -30,7 +31,7 @@ struct CCUIFileChoice
                                       ///< system knows
     const char *pszExtension = nullptr;  ///< for a name that is typed without one, such as "bmp"
     int nFilter = 1;                     ///< the filter shown, from 1; then the one that was chosen
-    unsigned long nFlags = 0;            ///< further OFN_ flags of the system
+    unsigned long nFlags = 0;            ///< further OFN_ flags of commdlg.h
 };
 
 /// The files that were chosen in one folder.
@@ -66,8 +67,8 @@ CUI_API int CUIChooseSaveFile(CCUIWindow *pParent, CCUString &sPath,
 CUI_API int CUIChooseFolder(CCUIWindow *pParent, CCUString &sPath, const char *pszText = nullptr);
 
 /// Chooses a colour; cr is the first one, also one that CUIData::ResolveColor takes. nFlags: CC_
-/// flags of the system, such as CC_FULLOPEN. The user's own colours are kept in the program's
-/// settings (CUI/Settings.h), also when the dialog is cancelled.
+/// flags of the system's commdlg.h, such as CC_FULLOPEN. The user's own colours are kept in the
+/// program's settings (CUI/Settings.h), also when the dialog is cancelled.
 CUI_API int CUIChooseColor(CCUIWindow *pParent, COLORREF &cr, unsigned long nFlags = 0);
 
 /// Chooses a screen font; `font` is the first one, unless its face is empty. With a colour (null:

@@ -155,7 +155,8 @@ public:
 
     // --- What comes from outside ---
 
-    /// Whether files may be dropped on the frame.
+    /// Whether files may be dropped on the frame. The first drop loads shell32.dll; without it
+    /// nothing is opened, which is traced.
     CUI_API void AcceptFiles(bool bAccept);
 
     /// Asked to open a file by the user: dropped, chosen from the recent files or named in a

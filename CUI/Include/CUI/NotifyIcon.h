@@ -25,9 +25,10 @@ enum CUIBalloonIcon
 /// It has a hidden window of its own, made by Add: so it needs none of the program's windows and
 /// outlives each of them. A top-level one, since the shell tells no others of its start.
 ///
-/// Calls return 1, or 0 where the shell refuses, which is traced: there may be none, or none yet.
-/// Systems without a notification area (NT 3.51) have no icon, balloons need Windows Me or 2000;
-/// tips are cut to 63 characters, there to 127. For the user-interface thread only.
+/// Calls return 1, or 0 where the shell refuses, which is traced: there may be none, or none yet,
+/// or no shell32.dll, which the first icon loads. Systems without a notification area (NT 3.51)
+/// have no icon, balloons need Windows Me or 2000; tips are cut to 63 characters, there to 127. For
+/// the user-interface thread only.
 class CCUINotifyIcon : public CCUIWindow
 {
 public:

@@ -179,7 +179,11 @@ int CCUILayoutWindow::OnEraseBkgnd(HDC hDC)
 {
     RECT rect;
     GetClientRect(m_hWnd, &rect);
-    CUIDCFillSolidRect(hDC, &rect, CUIGetWinData()->ResolveColor(m_propData.crWindow));
+    // Screens of 256 colours mix the brush of colours that they do not have, as controls inside do.
+    if (m_propData.crWindow == CUI_NO_WINDOW_COLOR)
+        FillRect(hDC, &rect, CUIGetWinData()->hbrBtnFace);
+    else
+        CUIDCFillSolidRect(hDC, &rect, CUIGetWinData()->ResolveColor(m_propData.crWindow));
     return 1;
 }
 
