@@ -192,7 +192,8 @@ TEST(SkinFolder, SaysWhereAScriptIsWrong)
          "Skin.rc:2: VALUE is followed by"},
         {"/* a\n", "A comment that begins"},
         {"200 BITMAP\n", "Skin.rc:1: The name of the picture's file is missing"},
-        {"200 BITMAP none.bmp\n", "Skin.rc:1: 200: \"none.bmp\" cannot be read: it is not there"},
+        {"200 BITMAP none.bmp\n",
+         "Skin.rc:1: 200: \"none.bmp\" cannot be read: it is not there"},
         {"200 BITMAP \"Skin.rc\"\n", "\"Skin.rc\" is no .bmp file"},
         {"#if 1\n", "An #if is not ended"},
         {"7 DIALOG 0, 0, 1, 1\nCAPTION \"x\"\n{\n}\n8 RCDATA\nBEGIN\n1\nEND\n9 TXT a/b.txt\n",
@@ -235,8 +236,7 @@ TEST(SkinFolder, WritesPicturesBesideTheScript)
     {
         CFailingCall<BOOL(HANDLE, const void *, DWORD, DWORD *, OVERLAPPED *)> write("WriteFile");
         CFailingCall<BOOL(HANDLE)> flush("FlushFileBuffers");
-        CFailingCall<BOOL(const char *, const char *)> move("MoveFileA");
-        CFailingCall<UINT(const char *, const char *, UINT, char *)> name("GetTempFileNameA");
+        CFailingCall<BOOL(const WCHAR *, const WCHAR *)> move("MoveFileW");
         int nFailAt = 1;
         for (; CFailPlan::Start(nFailAt), !Write(); ++nFailAt)
             ASSERT_LT(nFailAt, 100);

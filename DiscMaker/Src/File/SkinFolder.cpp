@@ -1,6 +1,6 @@
 #include "File/SkinFolder.h"
 
-#include "CU/File.h"
+#include "File/DiscFiles.h"
 #include "File/FileProblem.h"
 #include "File/IconGroup.h"
 #include "File/PictureFile.h"
@@ -204,7 +204,7 @@ void CSkinFolder::AddPicture(int nFile, const CBlob &picture, const CCUString &s
     if (sName != old.m_sName)
         editor.SetPicture(nFile == ICON, FILE_IDS[nFile], sName);
     const CCUString sPath = JoinPath(sFolder, sName);
-    CCUFileCreateDirs(sPath, 1);
+    DiscMakeFoldersFor(CDiscPath(sPath));
     files.Add(sPath, bChanged ? FileOf(nFile, picture) : old.m_bytes);
 }
 
@@ -228,7 +228,7 @@ bool CSkinFolder::Write(const CSkin &skin, const CCUString &sScript, CProblems &
 {
     const CCUString sFolder = FolderOf(sScript);
     const bool bElsewhere = !IsSamePath(sFolder, FolderOf(m_sPath));
-    CCUFileCreateDirs(sScript, 1);
+    DiscMakeFoldersFor(CDiscPath(sScript));
     CScriptEditor editor(m_script);
     CFileSet files;
     for (int i = 0; i < FILE_COUNT; ++i)
