@@ -193,7 +193,7 @@ TEST(SkinFolder, SaysWhereAScriptIsWrong)
         {"/* a\n", "A comment that begins"},
         {"200 BITMAP\n", "Skin.rc:1: The name of the picture's file is missing"},
         {"200 BITMAP none.bmp\n",
-         "Skin.rc:1: 200: \"none.bmp\" cannot be read: it is not there"},
+         "Skin.rc:1: bitmap 200: \"none.bmp\" cannot be read: it is not there"},
         {"200 BITMAP \"Skin.rc\"\n", "\"Skin.rc\" is no .bmp file"},
         {"#if 1\n", "An #if is not ended"},
         {"7 DIALOG 0, 0, 1, 1\nCAPTION \"x\"\n{\n}\n8 RCDATA\nBEGIN\n1\nEND\n9 TXT a/b.txt\n",
