@@ -89,6 +89,10 @@ void CFileSet::Add(const CCUString &sPath, const CBlob &bytes)
     CFile file;
     file.m_sPath = sPath;
     file.m_path = CDiscPath(sPath);
+    for (const CFile &other : m_files) {
+        if (other.m_path.IsSame(file.m_path))
+            return;
+    }
     file.m_bytes = bytes;
     m_files.push_back(file);
 }

@@ -13,6 +13,7 @@ public:
     CFileSet(const CFileSet &) = delete;
     CFileSet &operator=(const CFileSet &) = delete;
 
+    // A path that is there already does not come a second time: two pictures may share a file.
     void Add(const CCUString &sPath, const CBlob &bytes);
     bool IsEmpty() const { return m_files.empty(); }
     // Once. When it fails the reason is among the problems.
