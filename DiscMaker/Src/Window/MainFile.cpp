@@ -137,7 +137,12 @@ bool CMainWindow::QueryClose()
     box.AddButton(IDYES, "&Save");
     box.AddButton(IDNO, "&Discard");
     box.AddButton(IDCANCEL);
+    // A session that ends may not wait for the answer.
+    KeepForCrash();
+    m_nDiscarded = 0;
     const int nAnswer = box.DoModal(this);
+    if (nAnswer == IDNO)
+        m_nDiscarded = m_document.Revision();
     return nAnswer == IDNO || (nAnswer == IDYES && Save());
 }
 
@@ -274,6 +279,17 @@ std::unique_ptr<CSkinFile> CMainWindow::OpenLauncher(bool bAsk)
     if (!file)
         ShowProblems("The launcher cannot be opened.", problems);
     return file;
+}
+
+// The window goes. Who was not asked, or did not answer, finds the skin at the next start.
+void CMainWindow::LeaveOrForget()
+{
+    if (!m_document.IsModified() || m_nDiscarded == m_document.Revision()) {
+        m_recovery.Forget();
+        return;
+    }
+    KeepForCrash();
+    m_recovery.Leave();
 }
 
 void CMainWindow::KeepForCrash()
