@@ -139,8 +139,8 @@ private:
     CProblemList m_list;
     int m_cxSide;
     int m_cyList;
-    unsigned m_nChecked = 0;  // revision whose problems are shown
-    unsigned m_nKept = 0;     // revision that is kept in case of a crash
+    unsigned m_nChecked = 0;    // revision whose problems are shown
+    unsigned m_nKept = 0;       // revision that is kept in case of a crash
     unsigned m_nDiscarded = 0;  // revision that the user does not want; 0: none
     bool m_bCheck = true;
     bool m_bRealizing = false;  // the screen gets the background's colours
