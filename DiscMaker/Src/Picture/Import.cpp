@@ -47,7 +47,7 @@ bool Fail(CProblems &problems, const CCUString &sPath, const CCUString &sWhat)
 CBlob ReadBytes(const CCUString &sPath, CProblems &problems)
 {
     DWORD nError = NO_ERROR;
-    const CBlob bytes = ReadFileBytes(sPath, &nError);
+    CBlob bytes = ReadFileBytes(sPath, &nError);
     if (!bytes && nError != ERROR_FILE_TOO_LARGE) {
         AddFileProblem(problems, sPath, "The file cannot be read", nError);
         problems.back().m_sEffect = OLD_STAYS;
