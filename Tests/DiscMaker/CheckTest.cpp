@@ -149,9 +149,10 @@ TEST(Check, TellsMistakesInPictures)
     };
     const CBlob whole = GoodSkin().m_pictures[PictureBackground];
     const CBlob cut = std::make_shared<const std::vector<BYTE>>(whole->begin(), whole->end() - 1);
-    ExpectLine(with(PictureBackground, nullptr), "", "error: 200: The background is missing");
+    ExpectLine(with(PictureBackground, nullptr), "",
+               "error: bitmap 200: The background is missing");
     ExpectLine(with(PictureBackground, cut), "", "its data is cut off");
-    ExpectLine(with(PictureBullet, nullptr), "", "warning: 311: The bullet is missing");
+    ExpectLine(with(PictureBullet, nullptr), "", "warning: bitmap 311: The bullet is missing");
     ExpectLine(with(PictureBackground, TestPictureBlob(641, 400, 0xFFFFFFFF)), "",
                "is 641 x 400 pixels, more than 640 x 480");
     const std::string swapped = Lines(with(PictureBullet, whole), "");

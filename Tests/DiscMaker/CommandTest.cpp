@@ -1,10 +1,10 @@
 #include <gtest/gtest.h>
 
 #include "Command/Arguments.h"
-#include "File/DiscFiles.h"
 #include "File/SkinFile.h"
 #include "Picture/Import.h"
 #include "DiscMaker/Commands.h"
+#include "DiscMaker/RemoveTree.h"
 #include "DiscMaker/Skins.h"
 
 TEST(Arguments, AreSplitAtSpaces)
@@ -128,12 +128,5 @@ TEST(Command, MakesADiscInFoldersOfLongPaths)
     EXPECT_EQ(0, again.m_nExitCode) << again.m_text;
     ASSERT_TRUE(DiscDeleteFile(deep.Join(L"in\\tutorial.exe")));
     EXPECT_NE(std::string::npos, Ask(folder, command).m_text.find("\"tutorial.exe\" is not among"));
-    const CDiscPath top(folder.Path().c_str());
-    CDiscTree tree;
-    CDiscPath failed;
-    DiscReadTree(top, tree, failed);
-    for (const CDiscTree::CFile &file : tree.m_files)
-        DiscDeleteFile(top.Join(file.m_path));
-    for (size_t i = tree.m_folders.size(); i > 0; --i)
-        DiscRemoveFolder(top.Join(tree.m_folders[i - 1]));
+    RemoveTree(folder.Path());
 }

@@ -219,6 +219,26 @@ TEST(Document, KeepsItsStepsInOrderWhileOneIsOpen)
     EXPECT_FALSE(document.CanUndo() || document.IsModified());
 }
 
+// Whoever shows whether there is something to be saved does so when he is told of a change.
+TEST(Document, TellsWhatCameBackToWhereItBegan)
+{
+    struct CMark final : CDocumentWatcher
+    {
+        void OnSkinChanged(const SkinPart *) override { m_bModified = m_document.IsModified(); }
+        CDocument m_document{this};
+        bool m_bModified = true;
+    } mark;
+    mark.m_document.Start(TestSkin());
+    for (const bool bCancel : {false, true}) {
+        mark.m_document.BeginStep();
+        mark.m_document.SetEntry(IDS_TITLE, "other");
+        EXPECT_TRUE(mark.m_bModified);
+        mark.m_document.SetEntry(IDS_TITLE, bCancel ? "another" : "Title");
+        bCancel ? mark.m_document.CancelStep() : mark.m_document.EndStep();
+        EXPECT_FALSE(mark.m_bModified);
+    }
+}
+
 TEST(Document, NeedsLessThanAKibibyteForAStepHoweverLongTheTexts)
 {
     CDocument document;

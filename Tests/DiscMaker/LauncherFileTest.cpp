@@ -1,8 +1,11 @@
+#include "DiscMaker/RemoveTree.h"
 #include "DiscMaker/SkinFiles.h"
 
 #include "File/OpenSkin.h"
 #include "File/LauncherFile.h"
+#include "File/SkinFolder.h"
 #include "Model/Blob.h"
+#include "Picture/Import.h"
 #include "Resource.h"
 #include "Support/ImportHook.h"
 
@@ -284,8 +287,8 @@ TEST(LauncherFile, LosesNothingWhenItCannotSave)
         const HANDLE runs =
             CreateFileA(path.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_DELETE, nullptr,
                         OPEN_EXISTING, 0, nullptr);
-        CFakeCall<BOOL(const char *, const char *, DWORD)> replace(
-            "MoveFileExA", [](const char *, const char *, DWORD) {
+        CFakeCall<BOOL(const WCHAR *, const WCHAR *, DWORD)> replace(
+            "MoveFileExW", [](const WCHAR *, const WCHAR *, DWORD) {
                 SetLastError(ERROR_ACCESS_DENIED);
                 return FALSE;
             });
@@ -302,4 +305,28 @@ TEST(LauncherFile, LosesNothingWhenItCannotSave)
     file->OverwriteChanges(true);
     EXPECT_TRUE(file->Save(skin, path.c_str(), problems));
     EXPECT_EQ("Other", TextOf(OpenSkin(path.c_str(), problems)->Skin(), IDS_TITLE));
+}
+
+// Beyond what Windows takes in the narrow form.
+TEST(LongPaths, AreReadAndWritten)
+{
+    const CTemporaryDirectory directory;
+    std::string folder = directory.Path();
+    while (folder.size() < 300)
+        folder += "\\a folder of a deep tree";
+    const CCUString sFolder = folder.c_str(), sLauncher = sFolder + "\\a.exe";
+    CProblems problems;
+    const auto launcher = OpenSkin(TEST_LAUNCHER, problems);
+    CSkin skin = launcher->Skin();
+    EXPECT_TRUE(CSkinFolder::Export(skin, sFolder, problems));
+    EXPECT_TRUE(launcher->Save(skin, sLauncher, problems));
+    SetText(skin, IDS_TITLE, "Other");
+    skin.m_pictures[PictureBullet] = ImportPicture(sFolder + "\\Product.bmp", problems);
+    EXPECT_TRUE(launcher->Save(skin, sLauncher, problems));
+    EXPECT_TRUE(OpenSkin(sFolder, problems)->Save(skin, sFolder, problems));
+    for (const CCUString &sPath : {sFolder, sLauncher})
+        ExpectSameSkin(OpenSkin(sPath, problems)->Skin(), skin);
+    EXPECT_TRUE(skin.m_pictures[PictureBullet]);
+    EXPECT_EQ("", Lines(problems));
+    RemoveTree(directory.Path());
 }

@@ -118,6 +118,27 @@ TEST_F(CMakerTest, KeepsForACrashWhatIsNotSavedAndNoMore)
     EXPECT_EQ(1U, m_temp.Files("*").size());
 }
 
+// Windows ends a session in spite of a question that is open.
+TEST_F(CMakerTest, KeepsWhatIsNotSavedWhenTheSessionEnds)
+{
+    for (const int nButton : {IDCANCEL, IDNO}) {
+        m_window.Document().SetEntry(IDS_TITLE, nButton == IDNO ? "No" : "Kept");
+        const CBoxAnswer box("Disc Maker", nButton);
+        EXPECT_EQ(nButton == IDNO, SendMessageA(m_window, WM_QUERYENDSESSION, 0, 0));
+        EXPECT_EQ(1, box.Asked());
+        SendMessageA(m_window, WM_ENDSESSION, TRUE, 0);
+        EXPECT_FALSE(m_window.Exist());
+        CSkin skin;
+        CCUString sPath;
+        CRecovery recovery;
+        const bool bKept = recovery.Find(skin, sPath);
+        EXPECT_EQ(nButton == IDCANCEL, bKept && TextOf(skin, IDS_TITLE) == "Kept");
+        MSG quit;
+        PeekMessageA(&quit, nullptr, WM_QUIT, WM_QUIT, PM_REMOVE);
+        m_window.CreateFrame("Disc Maker");
+    }
+}
+
 // A launcher is opened; a picture becomes that of what it is dropped on.
 TEST_F(CMakerTest, TakesWhatIsDropped)
 {

@@ -220,8 +220,21 @@ TEST(Mistakes, OfTheSystemAreToldAndNothingIsLost)
         ExpectRefused("the disk is full");
     }
     EXPECT_TRUE(before == maker.Files());
-    // The script names a picture that has gone when it is that one's turn.
     typedef HANDLE FOpen(const WCHAR *, DWORD, DWORD, SECURITY_ATTRIBUTES *, DWORD, DWORD, HANDLE);
+    {
+        CFakeCall<FOpen> *pDenied = nullptr;
+        CFakeCall<FOpen> denied(
+            "CreateFileW", [&](const WCHAR *name, DWORD nAccess, DWORD nShare,
+                               SECURITY_ATTRIBUTES *p, DWORD nHow, DWORD nFlags, HANDLE h) {
+                SetLastError(ERROR_ACCESS_DENIED);
+                return wcsstr(name, L"in\\tutorial.exe")
+                           ? INVALID_HANDLE_VALUE
+                           : pDenied->Original(name, nAccess, nShare, p, nHow, nFlags, h);
+            });
+        pDenied = &denied;
+        ExpectRefused("tutorial.exe: The file cannot be opened: this user may not read it");
+    }
+    // The script names a picture that has gone when it is that one's turn.
     CFakeCall<FOpen> *pOpen = nullptr;
     CFakeCall<FOpen> open(
         "CreateFileW", [&](const WCHAR *name, DWORD nAccess, DWORD nShare, SECURITY_ATTRIBUTES *p,

@@ -192,7 +192,8 @@ TEST(SkinFolder, SaysWhereAScriptIsWrong)
          "Skin.rc:2: VALUE is followed by"},
         {"/* a\n", "A comment that begins"},
         {"200 BITMAP\n", "Skin.rc:1: The name of the picture's file is missing"},
-        {"200 BITMAP none.bmp\n", "Skin.rc:1: 200: \"none.bmp\" cannot be read: it is not there"},
+        {"200 BITMAP none.bmp\n",
+         "Skin.rc:1: bitmap 200: \"none.bmp\" cannot be read: it is not there"},
         {"200 BITMAP \"Skin.rc\"\n", "\"Skin.rc\" is no .bmp file"},
         {"#if 1\n", "An #if is not ended"},
         {"7 DIALOG 0, 0, 1, 1\nCAPTION \"x\"\n{\n}\n8 RCDATA\nBEGIN\n1\nEND\n9 TXT a/b.txt\n",
@@ -235,8 +236,7 @@ TEST(SkinFolder, WritesPicturesBesideTheScript)
     {
         CFailingCall<BOOL(HANDLE, const void *, DWORD, DWORD *, OVERLAPPED *)> write("WriteFile");
         CFailingCall<BOOL(HANDLE)> flush("FlushFileBuffers");
-        CFailingCall<BOOL(const char *, const char *)> move("MoveFileA");
-        CFailingCall<UINT(const char *, const char *, UINT, char *)> name("GetTempFileNameA");
+        CFailingCall<BOOL(const WCHAR *, const WCHAR *)> move("MoveFileW");
         int nFailAt = 1;
         for (; CFailPlan::Start(nFailAt), !Write(); ++nFailAt)
             ASSERT_LT(nFailAt, 100);
@@ -259,6 +259,12 @@ TEST(SkinFolder, WritesPicturesBesideTheScript)
         "IDB_BACKGROUND BITMAP \"Background.bmp\"\nIDI_AUTORUN ICON \"AutoRun.ico\"\n",
         Contents(shared.Path()));
     ExpectSameSkin(shared.Open()->Skin(), skin);
+    CScriptFolder both("309 BITMAP a.bmp\n311 BITMAP a.bmp\n");
+    CopyFileA((SKIN_FOLDERS[1] + std::string("/Bullet.bmp")).c_str(),
+              (both.m_directory.Path() + "\\a.bmp").c_str(), TRUE);
+    const std::string copy = both.m_directory.Path() + "\\copy";
+    EXPECT_TRUE(both.Open()->SaveCopy(both.Open()->Skin(), copy.c_str(), problems));
+    ExpectSameSkin(OpenSkin(copy.c_str(), problems)->Skin(), both.Open()->Skin());
     // Somebody else draws meanwhile.
     WriteFileBytes(shared.m_directory.Path() + "\\a.bmp", "BM drawn anew, with many bytes.");
     SetText(skin, IDS_TITLE, "T");
@@ -295,5 +301,21 @@ TEST(SkinFolder, SaysThatNotEveryCompilerKnowsTheMarkOfUtf8)
         EXPECT_EQ("\xE4", TextOf(file->Skin(), IDS_TITLE));
         const std::string lines = Lines(folder.m_problems);
         EXPECT_EQ(!*pragma, lines.find("#pragma code_page(65001)") != std::string::npos) << lines;
+    }
+}
+
+TEST(SkinFolder, IsWrittenAnewWhereItHasGone)
+{
+    const CTemporaryDirectory directory;
+    const std::string path = CopyFolder(directory, SKIN_FOLDERS[0]);
+    CProblems problems;
+    const auto file = OpenSkin(path.c_str(), problems);
+    const CSkin skin = file->Skin();
+    for (const char *gone : {"", "\\Skin.rc", "\\Product.bmp"}) {
+        std::filesystem::remove_all(path + gone);
+        EXPECT_TRUE(file->Save(skin, path.c_str(), problems));
+        const auto again = OpenSkin(path.c_str(), problems);
+        ASSERT_TRUE(again) << Lines(problems);
+        ExpectSameSkin(again->Skin(), skin);
     }
 }

@@ -1,5 +1,6 @@
 """Makes discs with ./disc, from folders with names of many languages, and looks at what comes out."""
 
+import os
 import pathlib
 import shutil
 import subprocess
@@ -17,19 +18,20 @@ class DiscTest(unittest.TestCase):
         self.addCleanup(shutil.rmtree, self.folder)
         self.contents = self.folder / "My contents"
         (self.contents / "Größe α").mkdir(parents=True)
-        for name in ("Fennick.exe", "RunFennick.exe", "tutorial.exe", "Größe α/漢 é.txt"):
+        for name in ("Fennick.exe", "RunFennick.exe", "tutorial.exe", "Größe α/漢 é😀.txt"):
             (self.contents / name).write_text(name)
+        self.skin = ROOT / "AutoRun/Skin"
 
     def make(self, *options):
-        done = subprocess.run([ROOT / "disc", ROOT / "AutoRun/Skin", "My contents", "--out", "out/d",
+        done = subprocess.run([ROOT / "disc", self.skin, "My contents", "--out", "out/d",
                                *options], cwd=self.folder, capture_output=True, text=True,
-                              check=False)
+                              errors="replace", check=False)
         return done.returncode, done.stdout + done.stderr
 
     def test_disc(self):
         self.assertEqual(self.make("--iso", "d.iso", "--picture", "p.png")[0], 0)
         disc = self.folder / "out/d"
-        self.assertEqual((disc / "Größe α/漢 é.txt").read_text(), "Größe α/漢 é.txt")
+        self.assertEqual((disc / "Größe α/漢 é😀.txt").read_text(), "Größe α/漢 é😀.txt")
         subprocess.run(["sha256sum", "--quiet", "-c", "SHA256SUMS"], cwd=disc, check=True)
         self.assertIn(b"\r\nlabel=Fennick 4.1\r\n", (disc / "autorun.inf").read_bytes())
         self.assertEqual(Image.open(self.folder / "p.png").size, (514, 345))
@@ -39,6 +41,25 @@ class DiscTest(unittest.TestCase):
                 code, text = self.make(option, place)
                 self.assertEqual((code, text.count("choose another place")), (2, 1), text)
         self.assertEqual((self.contents / "tutorial.exe").read_text(), "tutorial.exe")
+        # By the names that images have, and by those that Windows knows.
+        for name, expected, line in (
+                (b"a;b", 2, "a;b: An image cannot have"), (b"n" * 120, 2, "n: An image cannot have"),
+                (b"a\n:", 2, "a?:: This name has a line break"), (b"a:b", 2, "a:b: Windows has no names"),
+                (b"Com3.txt", 1, "Com3.txt: Windows keeps"), (b"a.", 1, "a.: Windows knows no names"),
+                (b"\xff", 1, "This name is not in UTF-8"),
+                (b"SHA256SUMS", 2, "SHA256SUMS: The contents have a file of the name")):
+            folder = os.path.join(os.fsencode(self.contents), name)
+            os.mkdir(folder)
+            code, text = self.make("--iso", "d.iso")
+            os.rmdir(folder)
+            self.assertEqual((code, text.count(line)), (expected, 1), text)
+            self.assertEqual(text.count("\n"), {1: 3, 2: 1}[code] + (name in (b"a;b", b"n" * 120)) * 2, text)
+        self.skin = self.folder / "skin"
+        shutil.copytree(ROOT / "AutoRun/Skin", self.skin)
+        script = self.skin / "Skin.rc"
+        script.write_text(script.read_text("utf-8").replace('LABEL "', 'LABEL "' + "ä" * 20), "utf-8")
+        self.assertEqual(self.make("--iso", "d.iso")[0], 0)
+        self.assertEqual((self.folder / "d.iso").read_bytes()[32808:32840].decode(), "ä" * 16)
         link = self.contents / "link"
         link.symlink_to("nowhere")
         code, text = self.make()

@@ -1,6 +1,7 @@
 #include "Disc/DiscLayout.h"
 
 #include "CU/ErrorText.h"
+#include "Disc/DiscName.h"
 #include "Disc/DiscWriter.h"
 #include "Disc/Label.h"
 #include "File/FileBytes.h"
@@ -10,8 +11,6 @@ namespace {
 
 const char *const LAUNCHER_NAME = "AutoRun.exe";
 const char *const INF_NAME = "autorun.inf";
-// Longer names are cut in the names that Windows reads from an image (Joliet).
-const int MAX_NAME = 64;
 // Windows programs, and image makers, go no further.
 const size_t MAX_DISC_PATH = 240;
 const char *const NO_DISC = "There is no new disc.";
@@ -51,6 +50,8 @@ private:
     bool Fail(const CDiscPath &where, const CCUString &sWhat);
     bool PlacesAreGood();
     bool ReadContents();
+    bool CheckName(const CDiscPath &path);
+    bool IsNameGood(const CDiscPath &path);
     bool MayReplaceOld();
     bool IsAsWritten(const CSums &sums);
     bool HasSpace();
@@ -98,23 +99,43 @@ bool CDiscLayout::PlacesAreGood()
 bool CDiscLayout::ReadContents()
 {
     CDiscPath failed;
-    if (!DiscReadTree(m_contents, m_tree, failed))
-        return Fail(failed, "The folder cannot be read: " + CUErrorText(GetLastError()));
+    if (!DiscReadTree(m_contents, m_tree, failed)) {
+        const CCUString sError = CUErrorText(GetLastError());
+        return IsNameGood(failed) && Fail(failed, "The folder cannot be read: " + sError);
+    }
     for (const CDiscPath &link : m_tree.m_links)
         Add(m_problems, ProblemWarning, link, "This folder is a link to another place.",
             "It is not on the disc.");
-    for (const CDiscTree::CFile &file : m_tree.m_files) {
-        for (const char *const pszName : {LAUNCHER_NAME, INF_NAME, SUMS_NAME}) {
-            if (file.m_path.Text().CompareNoCase(pszName) == 0)
-                return Fail(file.m_path,
-                            "The contents have a file of the name that the disc's own "
-                            "has. Take it out or give it another name.");
-        }
-        if (lstrlenW(file.m_path.Name()) > MAX_NAME || file.m_path.Length() > MAX_DISC_PATH)
-            Add(m_problems, ProblemWarning, file.m_path, "This name is too long for a disc.",
-                "On the disc it may be cut, and programs may not find it.");
+    bool bGood = true;
+    for (const CDiscPath &path : m_tree.m_folders)
+        bGood = CheckName(path) && bGood;
+    for (const CDiscTree::CFile &file : m_tree.m_files)
+        bGood = CheckName(file.m_path) && bGood;
+    return bGood;
+}
+
+// Whether there can be a disc with it.
+bool CDiscLayout::CheckName(const CDiscPath &path)
+{
+    for (const char *const pszName : {LAUNCHER_NAME, INF_NAME, SUMS_NAME}) {
+        if (path.IsSame(Relative(pszName)))
+            return Fail(path,
+                        "The contents have a file of the name that the disc's own "
+                        "has. Take it out or give it another name.");
     }
-    return true;
+    if (path.Length() > MAX_DISC_PATH)
+        Add(m_problems, ProblemWarning, path, "This path is too long for a disc.",
+            "On the disc it may be cut, and programs may not find it.");
+    return IsNameGood(path);
+}
+
+// The last one of a path.
+bool CDiscLayout::IsNameGood(const CDiscPath &path)
+{
+    const CDiscNameFault *const pFault = FindDiscNameFault(path.Name());
+    if (pFault)
+        Add(m_problems, pFault->m_weight, path, pFault->m_pszWhat, pFault->m_pszEffect);
+    return !pFault || pFault->m_weight != ProblemError;
 }
 
 bool CDiscLayout::MayReplaceOld()

@@ -23,6 +23,12 @@ CCUString Reason(DWORD nError)
     return CUErrorText(nError);
 }
 
+// The same of a file that is read.
+CCUString ReadReason(DWORD nError)
+{
+    return nError == ERROR_ACCESS_DENIED ? CCUString("this user may not read it.") : Reason(nError);
+}
+
 }  // namespace
 
 CCUString SumsPath(const CDiscPath &relative)
@@ -107,7 +113,7 @@ bool CDiscWriter::CopyBytes(HANDLE hFrom, HANDLE hTo, const CDiscPath &from,
     for (;;) {
         DWORD nRead = 0;
         if (!ReadFile(hFrom, m_buffer.data(), BUFFER, &nRead, nullptr))
-            return Fail(from.Text(), "The file cannot be read: " + Reason(GetLastError()));
+            return Fail(from.Text(), "The file cannot be read: " + ReadReason(GetLastError()));
         if (nRead == 0)
             break;
         sum.Add(m_buffer.data(), nRead);
@@ -126,7 +132,7 @@ bool CDiscWriter::Copy(const CDiscPath &from, const CDiscPath &relative)
 {
     const CCUFileHandle hFrom(DiscOpen(from));
     if (!hFrom)
-        return Fail(from.Text(), "The file cannot be opened: " + Reason(GetLastError()));
+        return Fail(from.Text(), "The file cannot be opened: " + ReadReason(GetLastError()));
     CCUFileHandle hTo(DiscCreateNew(m_folder.Join(relative)));
     if (!hTo)
         return FailWriting(relative);

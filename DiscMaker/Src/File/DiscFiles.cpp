@@ -40,11 +40,6 @@ HANDLE Create(const CDiscPath &path, DWORD nAccess, DWORD nShare, DWORD nHow, DW
                : CreateFileA(path.Text(), nAccess, nShare, nullptr, nHow, nFlags, nullptr);
 }
 
-bool IsSameName(const CDiscPath &one, const CDiscPath &other)
-{
-    return one.Text().CompareNoCase(other.Text()) == 0 && one.Length() == other.Length();
-}
-
 // Which one it is on its drive; false where the system cannot tell (Windows 95 to Me).
 bool Identify(const CDiscPath &folder, BY_HANDLE_FILE_INFORMATION &information)
 {
@@ -128,7 +123,7 @@ HANDLE DiscOpen(const CDiscPath &path)
 
 HANDLE DiscCreateNew(const CDiscPath &path)
 {
-    return Create(path, GENERIC_WRITE, 0, CREATE_NEW, FILE_ATTRIBUTE_NORMAL);
+    return Create(path, GENERIC_READ | GENERIC_WRITE, 0, CREATE_NEW, FILE_ATTRIBUTE_NORMAL);
 }
 
 DWORD DiscAttributes(const CDiscPath &path)
@@ -158,11 +153,34 @@ bool DiscMove(const CDiscPath &from, const CDiscPath &to)
                     : MoveFileA(from.Text(), to.Text());
 }
 
+bool DiscReplace(const CDiscPath &from, const CDiscPath &to)
+{
+    const DWORD nFlags = MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH;
+    return IsWide() ? MoveFileExW(LongForm(from).data(), LongForm(to).data(), nFlags)
+                    : MoveFileExA(from.Text(), to.Text(), nFlags);
+}
+
+bool DiscMakeFoldersFor(const CDiscPath &file)
+{
+    const CDiscPath folder = file.Parent();
+    return folder.IsEmpty() || DiscIsFolder(folder) ||
+           (DiscMakeFoldersFor(folder) && DiscMakeFolder(folder));
+}
+
+bool DiscHasFiles(const CDiscPath &folder)
+{
+    CSearch search(folder);
+    bool bMore = search.IsThere();
+    while (bMore && search.Found().m_nAttributes & FILE_ATTRIBUTE_DIRECTORY)
+        bMore = search.Next();
+    return bMore;
+}
+
 bool DiscIsSameFolder(const CDiscPath &one, const CDiscPath &other)
 {
     BY_HANDLE_FILE_INFORMATION first;
     BY_HANDLE_FILE_INFORMATION second;
-    if (IsSameName(one, other))
+    if (one.IsSame(other))
         return true;
     return Identify(one, first) && Identify(other, second) &&
            first.dwVolumeSerialNumber == second.dwVolumeSerialNumber &&

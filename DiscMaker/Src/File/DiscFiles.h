@@ -7,12 +7,16 @@
 // its code page. What fails leaves the thread's last error.
 
 HANDLE DiscOpen(const CDiscPath &path);       // to read; nobody may write meanwhile
-HANDLE DiscCreateNew(const CDiscPath &path);  // fails when it is there
+HANDLE DiscCreateNew(const CDiscPath &path);  // to write and read; fails when it is there
 DWORD DiscAttributes(const CDiscPath &path);
 bool DiscMakeFolder(const CDiscPath &path);
 bool DiscRemoveFolder(const CDiscPath &path);
 bool DiscDeleteFile(const CDiscPath &path);
 bool DiscMove(const CDiscPath &from, const CDiscPath &to);
+// A file to the place of another one, in one step; Windows 95 to Me cannot.
+bool DiscReplace(const CDiscPath &from, const CDiscPath &to);
+// Those that are missing on the way to a file.
+bool DiscMakeFoldersFor(const CDiscPath &file);
 
 inline bool DiscExists(const CDiscPath &path)
 {
@@ -24,6 +28,8 @@ inline bool DiscIsFolder(const CDiscPath &path)
     return nAttributes != INVALID_FILE_ATTRIBUTES && (nAttributes & FILE_ATTRIBUTE_DIRECTORY);
 }
 
+// Folders do not count.
+bool DiscHasFiles(const CDiscPath &folder);
 // Whether both paths lead to the same folder, whatever they call it.
 bool DiscIsSameFolder(const CDiscPath &one, const CDiscPath &other);
 // Whether `inner` is that folder or lies below it; `inner` need not exist.

@@ -102,6 +102,11 @@ CDiscPath CDiscPath::Parent() const
     return parent;
 }
 
+bool CDiscPath::IsSame(const CDiscPath &other) const
+{
+    return Length() == other.Length() && lstrcmpiA(Text(), other.Text()) == 0;
+}
+
 const WCHAR *CDiscPath::Name() const
 {
     const WCHAR *pName = Wide();

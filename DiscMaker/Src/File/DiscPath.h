@@ -10,7 +10,8 @@ class CDiscPath
 {
 public:
     CDiscPath() : m_text(1) {}
-    // Of a path of this system's code page, made absolute; empty when that cannot be done.
+    // Of a path of this system's code page, made absolute; empty when that cannot be done, which
+    // only Windows 95 to Me refuse, from 260 characters on.
     explicit CDiscPath(const CCUString &sPath);
     // Of a zero-terminated text that is taken as it stands.
     explicit CDiscPath(const WCHAR *pszPath);
@@ -31,6 +32,9 @@ public:
     // What stands behind the last backslash.
     const WCHAR *Name() const;
 
+    // Whether it is the same one, as far as the names say; which letters are capital counts for
+    // nothing.
+    bool IsSame(const CDiscPath &other) const;
     bool operator<(const CDiscPath &other) const { return m_text < other.m_text; }
 
 private:

@@ -2,8 +2,7 @@
 
 #include <string.h>
 
-#include "Base/Handle.h"
-#include "CU/Dump.h"
+#include "File/DiscFiles.h"
 #include "File/FileProblem.h"
 #include "Model/Blob.h"
 
@@ -16,35 +15,42 @@ DWORD FailureCode()
     return nError == NO_ERROR ? ERROR_GEN_FAILURE : nError;
 }
 
-// The folder of a file, as a call takes it.
-CCUString FolderBeside(const CCUString &sPath)
-{
-    const CCUString sFolder = FolderOf(sPath);
-    return sFolder.IsEmpty() ? CCUString(".") : sFolder;
-}
-
-// A name of its own beside a file, which is made. Empty: GetLastError says why not.
-CCUString NewNameBeside(const CCUString &sPath)
-{
-    char name[MAX_PATH] = "";
-    return GetTempFileNameA(FolderBeside(sPath), "skn", 0, name) ? name : "";
-}
-
-// A new file beside another one, to be written and read; sNew is its name. GetTempFileName would
-// make the file and close it, to be opened a second time.
-HANDLE CreateBeside(const CCUString &sPath, CCUString &sNew)
+// Goes through names of its own beside a file until one is good, or nothing more can be done.
+template <typename Try>
+void FindNameBeside(const CDiscPath &path, Try isGood)
 {
     const DWORD nFirst = GetTickCount();
     for (DWORD i = 0; i <= 0xFFFF; ++i) {
         CCUString sName;
         sName.Format("skn%04lX.tmp", (nFirst + i) & 0xFFFF);
-        sNew = JoinPath(FolderBeside(sPath), sName);
-        const HANDLE hFile = CreateFileA(sNew, GENERIC_READ | GENERIC_WRITE, 0, nullptr, CREATE_NEW,
-                                         FILE_ATTRIBUTE_NORMAL, nullptr);
-        if (hFile != INVALID_HANDLE_VALUE || GetLastError() != ERROR_FILE_EXISTS)
-            return hFile;
+        SetLastError(NO_ERROR);  // of a driver that does not say why it fails
+        if (isGood(path.Parent().Join(CDiscPath().With(sName))))
+            return;
     }
-    return INVALID_HANDLE_VALUE;
+}
+
+// A new file beside another one, to be written and read; created is its path.
+HANDLE CreateBeside(const CDiscPath &path, CDiscPath &created)
+{
+    HANDLE hFile = INVALID_HANDLE_VALUE;
+    FindNameBeside(path, [&](const CDiscPath &name) {
+        created = name;
+        hFile = DiscCreateNew(name);
+        return hFile != INVALID_HANDLE_VALUE || GetLastError() != ERROR_FILE_EXISTS;
+    });
+    return hFile;
+}
+
+// Gives a file another name beside its own; moved is its path then.
+bool MoveAside(const CDiscPath &path, CDiscPath &moved)
+{
+    bool bMoved = false;
+    FindNameBeside(path, [&](const CDiscPath &name) {
+        moved = name;
+        bMoved = DiscMove(path, name);
+        return bMoved || GetLastError() != ERROR_ALREADY_EXISTS;
+    });
+    return bMoved;
 }
 
 DWORD WriteBytes(HANDLE file, const std::vector<BYTE> &bytes)
@@ -78,41 +84,33 @@ DWORD CompareBytes(HANDLE file, const std::vector<BYTE> &bytes)
 
 }  // namespace
 
-CFileSet::~CFileSet()
-{
-    for (auto file = m_files.rbegin(); file != m_files.rend(); ++file) {
-        if (file->m_bPlaced)
-            DeleteFileA(file->m_sPath);
-        if (!file->m_sOld.IsEmpty() && !MoveFileA(file->m_sOld, file->m_sPath))
-            CUDump("DiscMaker: %s stays as %s: error %lu\n", file->m_sPath.GetString(),
-                   file->m_sOld.GetString(), GetLastError());
-        if (!file->m_sNew.IsEmpty())
-            DeleteFileA(file->m_sNew);
-    }
-}
-
 void CFileSet::Add(const CCUString &sPath, const CBlob &bytes)
 {
     CFile file;
     file.m_sPath = sPath;
+    file.m_path = CDiscPath(sPath);
+    for (const CFile &other : m_files) {
+        if (other.m_path.IsSame(file.m_path))
+            return;
+    }
     file.m_bytes = bytes;
     m_files.push_back(file);
 }
 
 bool CFileSet::Write(CFile &file, CProblems &problems)
 {
-    const DWORD nAttributes = GetFileAttributesA(file.m_sPath);
+    const DWORD nAttributes = DiscAttributes(file.m_path);
     file.m_bReplaces = nAttributes != INVALID_FILE_ATTRIBUTES;
-    DWORD nError = NO_ERROR;
+    DWORD nError = file.m_path.IsEmpty() ? ERROR_FILENAME_EXCED_RANGE : NO_ERROR;
     // Wine 8 replaces a file that is read-only without a word.
     if (file.m_bReplaces && (nAttributes & (FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_DIRECTORY)))
         nError = ERROR_ACCESS_DENIED;
     if (nError == NO_ERROR) {
-        CCUString sNew;
-        const CCUFileHandle hNew(CreateBeside(file.m_sPath, sNew));
+        CDiscPath created;
+        const CCUFileHandle hNew(CreateBeside(file.m_path, created));
         nError = hNew ? NO_ERROR : FailureCode();
         if (hNew)
-            file.m_sNew = sNew;
+            file.m_new = created;
         if (nError == NO_ERROR)
             nError = WriteBytes(hNew, *file.m_bytes);
         if (nError == NO_ERROR)
@@ -128,29 +126,28 @@ bool CFileSet::Place(CFile &file, bool bAlone, CProblems &problems)
     const bool bReplaces = file.m_bReplaces;
     // In one step where nothing else may have to be taken back; Windows 98 cannot. What refuses is
     // not asked in another way: NT renames a launcher that runs, but cannot delete it then.
-    const DWORD nFlags = MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH;
-    if (bReplaces && bAlone && MoveFileExA(file.m_sNew, file.m_sPath, nFlags)) {
-        file.m_sNew.Empty();
+    if (bReplaces && bAlone && DiscReplace(file.m_new, file.m_path)) {
+        file.m_new = CDiscPath();
         return true;
     }
     const bool bRefused = bReplaces && bAlone && GetLastError() != ERROR_CALL_NOT_IMPLEMENTED;
     bool bMoved = !bReplaces;
     if (bReplaces && !bRefused) {
-        const CCUString sOld = NewNameBeside(file.m_sPath);
-        bMoved = !sOld.IsEmpty() && DeleteFileA(sOld) && MoveFileA(file.m_sPath, sOld);
+        CDiscPath moved;
+        bMoved = MoveAside(file.m_path, moved);
         if (bMoved)
-            file.m_sOld = sOld;
+            file.m_old = moved;
     }
-    file.m_bPlaced = bMoved && MoveFileA(file.m_sNew, file.m_sPath);
+    file.m_bPlaced = bMoved && DiscMove(file.m_new, file.m_path);
     if (!file.m_bPlaced) {
         AddFileProblem(problems, file.m_sPath, "The file cannot be replaced", GetLastError());
         return false;
     }
-    file.m_sNew.Empty();
+    file.m_new = CDiscPath();
     return true;
 }
 
-bool CFileSet::Commit(CProblems &problems)
+bool CFileSet::WriteAndPlaceAll(CProblems &problems)
 {
     for (CFile &file : m_files) {
         if (!Write(file, problems))
@@ -160,12 +157,35 @@ bool CFileSet::Commit(CProblems &problems)
         if (!Place(file, m_files.size() == 1, problems))
             return false;
     }
+    return true;
+}
+
+void CFileSet::TakeBack(CProblems &problems)
+{
+    for (auto file = m_files.rbegin(); file != m_files.rend(); ++file) {
+        if (file->m_bPlaced)
+            DiscDeleteFile(file->m_path);
+        if (!file->m_old.IsEmpty() && !DiscMove(file->m_old, file->m_path))
+            AddProblem(problems, ProblemError, file->m_old.Text(),
+                       "This is \"" + NameOf(file->m_sPath) +
+                           "\" as it was before, which cannot get its name back.",
+                       "give it its name again");
+        if (!file->m_new.IsEmpty())
+            DiscDeleteFile(file->m_new);
+    }
+}
+
+bool CFileSet::Commit(CProblems &problems)
+{
+    const bool bDone = WriteAndPlaceAll(problems);
+    if (!bDone)
+        TakeBack(problems);
     for (const CFile &file : m_files) {
-        if (!file.m_sOld.IsEmpty() && !DeleteFileA(file.m_sOld))
-            AddProblem(problems, ProblemNote, file.m_sOld,
+        if (bDone && !file.m_old.IsEmpty() && !DiscDeleteFile(file.m_old))
+            AddProblem(problems, ProblemNote, file.m_old.Text(),
                        "\"" + NameOf(file.m_sPath) + "\" as it was before cannot be deleted.",
                        "it is not needed any more");
     }
     m_files.clear();
-    return true;
+    return bDone;
 }

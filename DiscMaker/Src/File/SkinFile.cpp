@@ -1,20 +1,9 @@
 #include "File/SkinFile.h"
 
+#include "File/DiscPath.h"
 #include "File/FileBytes.h"
 #include "File/FileProblem.h"
 #include "Model/Blob.h"
-
-namespace {
-
-CCUString FullPath(const CCUString &sPath)
-{
-    char path[MAX_PATH] = "";
-    char *pName = nullptr;
-    const DWORD nLength = GetFullPathNameA(sPath, MAX_PATH, path, &pName);
-    return nLength > 0 && nLength < MAX_PATH ? path : sPath.GetString();
-}
-
-}  // namespace
 
 bool CSkinFile::IsWhole(const CSkin &, CProblems &) const
 {
@@ -23,7 +12,7 @@ bool CSkinFile::IsWhole(const CSkin &, CProblems &) const
 
 bool CSkinFile::IsSamePath(const CCUString &sPath, const CCUString &sOther)
 {
-    return lstrcmpiA(FullPath(sPath), FullPath(sOther)) == 0;
+    return CDiscPath(sPath).IsSame(CDiscPath(sOther));
 }
 
 bool CSkinFile::IsChanged(const CCUString &sPath, const CBlob &bytes, CProblems &problems) const

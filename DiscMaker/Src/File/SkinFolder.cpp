@@ -1,6 +1,6 @@
 #include "File/SkinFolder.h"
 
-#include "CU/File.h"
+#include "File/DiscFiles.h"
 #include "File/FileProblem.h"
 #include "File/IconGroup.h"
 #include "File/PictureFile.h"
@@ -195,7 +195,8 @@ void CSkinFolder::AddPicture(int nFile, const CBlob &picture, const CCUString &s
             editor.SetPicture(nFile == ICON, FILE_IDS[nFile], "");
         return;
     }
-    if (!bChanged && !bElsewhere)
+    // One that somebody has deleted meanwhile is written again.
+    if (!bChanged && !bElsewhere && FileExists(PathOf(old.m_sName)))
         return;
     // Whatever shares a file goes on sharing it until it is another picture.
     const bool bKeepsName =
@@ -204,7 +205,7 @@ void CSkinFolder::AddPicture(int nFile, const CBlob &picture, const CCUString &s
     if (sName != old.m_sName)
         editor.SetPicture(nFile == ICON, FILE_IDS[nFile], sName);
     const CCUString sPath = JoinPath(sFolder, sName);
-    CCUFileCreateDirs(sPath, 1);
+    DiscMakeFoldersFor(CDiscPath(sPath));
     files.Add(sPath, bChanged ? FileOf(nFile, picture) : old.m_bytes);
 }
 
@@ -227,14 +228,13 @@ bool CSkinFolder::Check(const std::vector<BYTE> &script, const CSkin &skin,
 bool CSkinFolder::Write(const CSkin &skin, const CCUString &sScript, CProblems &problems) const
 {
     const CCUString sFolder = FolderOf(sScript);
-    const bool bElsewhere = !IsSamePath(sFolder, FolderOf(m_sPath));
-    CCUFileCreateDirs(sScript, 1);
+    DiscMakeFoldersFor(CDiscPath(sScript));
     CScriptEditor editor(m_script);
     CFileSet files;
     for (int i = 0; i < FILE_COUNT; ++i)
         AddPicture(i, PictureOf(skin, i), sFolder, editor, files);
     for (const CCUString &sHeader : m_script.Headers()) {
-        if (!bElsewhere || !IsInside(sHeader) || FileExists(JoinPath(sFolder, sHeader)))
+        if (!IsInside(sHeader) || FileExists(JoinPath(sFolder, sHeader)))
             continue;
         DWORD nError = NO_ERROR;
         const CBlob header = ReadFileBytes(PathOf(sHeader), &nError);
@@ -250,7 +250,7 @@ bool CSkinFolder::Write(const CSkin &skin, const CCUString &sScript, CProblems &
     const std::vector<BYTE> script = editor.Finish();
     if (!Check(script, skin, problems))
         return false;
-    if (!IsSamePath(sScript, m_sPath) || script != *m_bytes)
+    if (!IsSamePath(sScript, m_sPath) || script != *m_bytes || !FileExists(sScript))
         files.Add(sScript, MakeBlob(script));
     return files.Commit(problems);
 }

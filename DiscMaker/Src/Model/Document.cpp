@@ -125,7 +125,7 @@ void CDocument::EndStep()
 void CDocument::CutStep()
 {
     // A drag that came back to where it began leaves no step.
-    if (m_bOpen && m_steps.back().m_changes.empty()) {
+    if (IsOpenEmpty()) {
         m_steps.pop_back();
         m_nDone = m_steps.size();
     }

@@ -78,7 +78,7 @@ public:
     void Undo();
     void Redo();
 
-    bool IsModified() const { return !m_bSavedKnown || m_nDone != m_nSaved; }
+    bool IsModified() const { return !m_bSavedKnown || m_nDone - IsOpenEmpty() != m_nSaved; }
     // An open step is cut in two there: what follows is not saved, and CancelStep takes that back.
     void MarkSaved();
     // Another one whenever the skin has changed.
@@ -91,6 +91,8 @@ private:
         std::vector<CSkinChange> m_changes;
     };
 
+    // The step under way has come back to where it began, and will leave none.
+    bool IsOpenEmpty() const { return m_bOpen && m_steps.back().m_changes.empty(); }
     void Add(const CSkinChange &change);
     void OpenStep();
     void CutStep();

@@ -20,7 +20,13 @@ const char *WeightText(ProblemWeight weight)
 
 CCUString EntryName(UINT nEntry)
 {
-    return nEntry == PROBLEM_ICON ? CCUString("IDI_AUTORUN") : EntrySymbol(nEntry);
+    switch (nEntry) {
+    case PROBLEM_ICON: return "IDI_AUTORUN";
+    case IDB_BACKGROUND:
+    case IDB_PRODUCT:
+    case IDB_BULLET: return "bitmap " + EntrySymbol(nEntry);
+    default: return EntrySymbol(nEntry);
+    }
 }
 
 CCUString EntryCaption(UINT nEntry)
@@ -36,6 +42,17 @@ CCUString EntryCaption(UINT nEntry)
     }
     const SkinEntry *const pEntry = FindSkinEntry(nEntry);
     return pEntry ? CCUString(pEntry->m_pszCaption) : "Entry " + EntryName(nEntry);
+}
+
+// Names that other systems than Windows allow, and texts of skins, may have line breaks and the
+// like.
+CCUString InOneLine(CCUString sText)
+{
+    for (int i = 0; i < sText.GetLength(); ++i) {
+        if (static_cast<BYTE>(sText[i]) < 0x20)
+            sText.SetAt(i, '?');
+    }
+    return sText;
 }
 
 CCUString Sentence(CCUString sText)
@@ -60,9 +77,10 @@ bool HasErrors(const CProblems &problems)
 CCUString ProblemPlace(const CProblem &problem)
 {
     const CCUString sCaption = EntryCaption(problem.m_nEntry);
-    if (sCaption.IsEmpty() || problem.m_sWhere.IsEmpty())
-        return sCaption + problem.m_sWhere;
-    return sCaption + " (" + problem.m_sWhere + ")";
+    const CCUString sWhere = InOneLine(problem.m_sWhere);
+    if (sCaption.IsEmpty() || sWhere.IsEmpty())
+        return sCaption + sWhere;
+    return sCaption + " (" + sWhere + ")";
 }
 
 CCUString ProblemWhat(const CProblem &problem)
@@ -107,5 +125,5 @@ CCUString ProblemLine(const CProblem &problem)
     sLine += problem.m_sWhat;
     if (!problem.m_sEffect.IsEmpty())
         sLine += CCUString(" (") + problem.m_sEffect + ")";
-    return sLine;
+    return InOneLine(sLine);
 }

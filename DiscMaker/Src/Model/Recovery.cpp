@@ -93,9 +93,15 @@ void CRecovery::Forget()
 {
     if (m_hFile == INVALID_HANDLE_VALUE)
         return;
-    CloseHandle(m_hFile);
-    m_hFile = INVALID_HANDLE_VALUE;
+    Leave();
     DeleteFileA(m_sFile);
+}
+
+void CRecovery::Leave()
+{
+    if (m_hFile != INVALID_HANDLE_VALUE)
+        CloseHandle(m_hFile);
+    m_hFile = INVALID_HANDLE_VALUE;
 }
 
 bool CRecovery::Find(CSkin &skin, CCUString &sPath)

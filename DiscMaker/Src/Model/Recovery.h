@@ -21,6 +21,8 @@ public:
     bool Keep(const CSkin &skin, const CCUString &sPath, CProblems &problems);
     // There is nothing to be kept any more.
     void Forget();
+    // What is kept stays for the next start.
+    void Leave();
 
     // Takes what a program that has crashed has left behind, the first that can be read; false:
     // there is nothing. It stays on disk, as this object's, until Keep or Forget. What was cut off

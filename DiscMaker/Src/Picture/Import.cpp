@@ -2,8 +2,8 @@
 
 #include <string.h>
 
-#include "CU/ErrorText.h"
-#include "CU/File.h"
+#include "File/FileBytes.h"
+#include "File/FileProblem.h"
 #include "Picture/DibReader.h"
 #include "Picture/DibWriter.h"
 #include "Picture/Flatten.h"
@@ -11,7 +11,8 @@
 
 namespace {
 
-const DWORD MAX_FILE = 128 << 20;
+const size_t MAX_FILE = 128 << 20;
+const char *const OLD_STAYS = "The old picture stays.";
 
 enum PictureFormat
 {
@@ -39,31 +40,32 @@ PictureFormat FormatOf(const std::vector<BYTE> &file)
 
 bool Fail(CProblems &problems, const CCUString &sPath, const CCUString &sWhat)
 {
-    problems.push_back({ProblemError, 0, sPath, sWhat, "The old picture stays."});
+    problems.push_back({ProblemError, 0, sPath, sWhat, OLD_STAYS});
     return false;
 }
 
-bool ReadFileBytes(const CCUString &sPath, std::vector<BYTE> &bytes, CProblems &problems)
+CBlob ReadBytes(const CCUString &sPath, CProblems &problems)
 {
-    CCUFile file;
-    if (!file.Open(sPath, CCUFile::modeRead | CCUFile::shareDenyWrite | CCUFile::modeNoInherit))
-        return Fail(problems, sPath, "The file cannot be opened: " + CUErrorText(GetLastError()));
-    const DWORD nLength = file.GetLength();
-    if (nLength == 0 || nLength > MAX_FILE)
-        return Fail(problems, sPath, "The file is empty or too large for a picture.");
-    bytes.resize(nLength);
-    if (file.Read(bytes.data(), nLength) != nLength)
-        return Fail(problems, sPath, "The file cannot be read: " + CUErrorText(GetLastError()));
-    return true;
+    DWORD nError = NO_ERROR;
+    CBlob bytes = ReadFileBytes(sPath, &nError);
+    if (!bytes && nError != ERROR_FILE_TOO_LARGE) {
+        AddFileProblem(problems, sPath, "The file cannot be read", nError);
+        problems.back().m_sEffect = OLD_STAYS;
+    } else if (!bytes || bytes->empty() || bytes->size() > MAX_FILE) {
+        Fail(problems, sPath, "The file is empty or too large for a picture.");
+        return nullptr;
+    }
+    return bytes;
 }
 
 }  // namespace
 
 bool ReadPictureFile(const CCUString &sPath, CPixels &pixels, CProblems &problems)
 {
-    std::vector<BYTE> file;
-    if (!ReadFileBytes(sPath, file, problems))
+    const CBlob bytes = ReadBytes(sPath, problems);
+    if (!bytes)
         return false;
+    const std::vector<BYTE> &file = *bytes;
     const PictureFormat format = FormatOf(file);
     if (format == FormatBmp) {
         const char *const pszWhy = ReadBmp(file.data(), file.size(), pixels);

@@ -1,7 +1,7 @@
 // How the main window opens and saves.
-#include "Base/Handle.h"
 #include "CUI/Choosers.h"
 #include "CUI/MessageBox.h"
+#include "File/DiscFiles.h"
 #include "File/FileBytes.h"
 #include "File/FileProblem.h"
 #include "File/OpenSkin.h"
@@ -15,17 +15,6 @@ const char *const OPEN_FILTER =
     "Launchers and skins (*.exe;*.rc)|*.exe;*.rc|Launchers (*.exe)|*.exe|Skins (*.rc)|*.rc";
 const char *const LAUNCHER_FILTER = "Launchers (*.exe)|*.exe";
 const char *const LAUNCHER_NAME = "AutoRun.exe";
-
-// Not counting folders.
-bool HasFiles(const CCUString &sFolder)
-{
-    WIN32_FIND_DATAA data;
-    const CCUFindHandle hFind(FindFirstFileA(JoinPath(sFolder, "*"), &data));
-    bool bMore = static_cast<bool>(hFind);
-    while (bMore && data.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY)
-        bMore = FindNextFileA(hFind, &data) != FALSE;
-    return bMore;
-}
 
 }  // namespace
 
@@ -148,7 +137,12 @@ bool CMainWindow::QueryClose()
     box.AddButton(IDYES, "&Save");
     box.AddButton(IDNO, "&Discard");
     box.AddButton(IDCANCEL);
+    // A session that ends may not wait for the answer.
+    KeepForCrash();
+    m_nDiscarded = 0;
     const int nAnswer = box.DoModal(this);
+    if (nAnswer == IDNO)
+        m_nDiscarded = m_document.Revision();
     return nAnswer == IDNO || (nAnswer == IDYES && Save());
 }
 
@@ -232,7 +226,8 @@ bool CMainWindow::IsWhole(const char *pszText)
 bool CMainWindow::MayReplaceFiles(const CCUString &sFolder)
 {
     const CCUString sScript = JoinPath(sFolder, SKIN_SCRIPT_NAME);
-    if (!HasFiles(sFolder) || (!m_bUntitled && m_file->Path().CompareNoCase(sScript) == 0))
+    if (!DiscHasFiles(CDiscPath(sFolder)) ||
+        (!m_bUntitled && m_file->Path().CompareNoCase(sScript) == 0))
         return true;
     const char *const pszText = FileExists(sScript) ? "There is a skin in this folder already:\n"
                                                     : "There are files in this folder already:\n";
@@ -272,7 +267,7 @@ std::unique_ptr<CSkinFile> CMainWindow::OpenLauncher(bool bAsk)
 {
     CCUString sPath =
         m_file && !m_file->IsFolder() ? m_file->Path() : ProgramFolder() + LAUNCHER_NAME;
-    if (GetFileAttributesA(sPath) == INVALID_FILE_ATTRIBUTES) {
+    if (!FileExists(sPath)) {
         CCUIFileChoice choice;
         choice.pszTitle = "Which launcher shall be used?";
         sPath = "";
@@ -284,6 +279,17 @@ std::unique_ptr<CSkinFile> CMainWindow::OpenLauncher(bool bAsk)
     if (!file)
         ShowProblems("The launcher cannot be opened.", problems);
     return file;
+}
+
+// The window goes. Who was not asked, or did not answer, finds the skin at the next start.
+void CMainWindow::LeaveOrForget()
+{
+    if (!m_document.IsModified() || m_nDiscarded == m_document.Revision()) {
+        m_recovery.Forget();
+        return;
+    }
+    KeepForCrash();
+    m_recovery.Leave();
 }
 
 void CMainWindow::KeepForCrash()

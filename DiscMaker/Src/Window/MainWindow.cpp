@@ -114,7 +114,7 @@ void CMainWindow::OnDestroy()
     m_cyList = m_list.GetFixedSize();
     KeepSettings(true);
     CCUIWindow::SetIdleCallback(nullptr);
-    m_recovery.Forget();
+    LeaveOrForget();
     CCUIFrameWindow::OnDestroy();
 }
 

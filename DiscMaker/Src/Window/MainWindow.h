@@ -81,6 +81,7 @@ private:
     std::unique_ptr<CSkinFile> OpenLauncher(bool bAsk);
     bool IsWhole(const char *pszText);
     void KeepForCrash();
+    void LeaveOrForget();
 
     // Editing; see MainEdit.cpp.
     void Copy(bool bSkin);
@@ -138,8 +139,9 @@ private:
     CProblemList m_list;
     int m_cxSide;
     int m_cyList;
-    unsigned m_nChecked = 0;  // revision whose problems are shown
-    unsigned m_nKept = 0;     // revision that is kept in case of a crash
+    unsigned m_nChecked = 0;    // revision whose problems are shown
+    unsigned m_nKept = 0;       // revision that is kept in case of a crash
+    unsigned m_nDiscarded = 0;  // revision that the user does not want; 0: none
     bool m_bCheck = true;
     bool m_bRealizing = false;  // the screen gets the background's colours
     bool m_bFollowing = false;  // canvas and properties just select what the other has
