@@ -14,7 +14,6 @@ struct CView final : CCUICommandView
         const auto function = m_onChange;  // it may delete this
         function();
     }
-    std::string Told() { return std::exchange(m_told, ""); }
 
     std::string m_told;
     std::function<void()> m_onChange = [] {};
@@ -48,8 +47,8 @@ TEST(CommandView, HearsOfEveryChangeOnceAndMayGoInEveryCallOfAPass)
         if (command)
             command->m_nState = 2;
         CCUICommandMap::IdleUpdate();
-        EXPECT_EQ("0 ", views[0]->Told());
+        EXPECT_EQ("0 ", views[0]->m_told);
         for (int i = 10; i < 20; ++i)
-            EXPECT_EQ(command ? "2 142tip 2 " : "2 0 ", views[i]->Told()) << nCase;
+            EXPECT_EQ(command ? "2 142tip 2 " : "2 0 ", views[i]->m_told) << nCase;
     }
 }
