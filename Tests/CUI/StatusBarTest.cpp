@@ -171,8 +171,8 @@ TEST(StatusBar, TellsClicksAndSurvivesWhatTheyBringAbout)
     };
     frame.m_on[WM_CONTEXTMENU] = [&] { return frame.m_told += "menu ", 0; };
     const LPARAM second = MAKELPARAM(bar->GetPaneRect(1).left + 2, 8);
-    for (const UINT message : {WM_LBUTTONUP, WM_LBUTTONDBLCLK, WM_RBUTTONUP, WM_RBUTTONDBLCLK})
-        SendMessageA(*bar, message, 0, second);
+    for (const int message : {WM_LBUTTONUP, WM_LBUTTONDBLCLK, WM_RBUTTONUP, WM_RBUTTONDBLCLK})
+        SendMessageA(*bar, static_cast<UINT>(message), 0, second);
     SendMessageA(*bar, WM_RBUTTONUP, 0, MAKELPARAM(5, 0));
     EXPECT_EQ("-2:1 -3:1 -5:1 -6:1 -5:-1 menu ", frame.Told());
     frame.m_on[WM_NOTIFY] = [&] { return bar.reset(), 0; };
