@@ -27,8 +27,10 @@ struct CDriver : CTestWindow
         if (hDialog == *this || !IsWindowVisible(hDialog))
             return;
         EXPECT_FALSE(IsWindowEnabled(*this) || IsIconic(*this));
+        nButton = ++m_nPresses < 1000 ? nButton : IDCANCEL;
         PostMessageA(hDialog, WM_COMMAND, nButton, LPARAM(GetDlgItem(hDialog, int(nButton))));
     }
+    int m_nPresses = 0;
 };
 
 DWORD s_dwCode;

@@ -334,6 +334,7 @@ TEST(FrameWindow, PassesOnWhatIsSaidOfPalettes)
     picture.CreateControl(frame, 2, "", &rc);
     picture.SetPalette(palette);
     frame.BringToFront();
+    PumpWaiting();
     std::string realized;
     const CFakeCall<HPALETTE(HDC, HPALETTE, BOOL)> select(
         "SelectPalette", [&](HDC hDC, HPALETTE hPalette, BOOL bBehind) {
@@ -352,8 +353,6 @@ TEST(FrameWindow, PassesOnWhatIsSaidOfPalettes)
         realized += Text("%ld ", Send(frame, message, WPARAM(hChanged)));
         UpdateWindow(picture);
     };
-    PumpWaiting();
-    realized.clear();
     send(WM_QUERYNEWPALETTE, nullptr);
     send(WM_PALETTECHANGED, picture);
     send(WM_PALETTECHANGED, frame);
@@ -371,7 +370,6 @@ TEST(FrameWindow, LeavesNothingBehind)
         SendMessageA(frame.m_bars[0], WM_MOUSEMOVE, 0, MAKELPARAM(12, 8));
         frame.SetFullScreen(true);
     };
-    make();
     const CHeapWatch heap;
     make();
     const auto count = [] { return Text("%d %d", WindowCount(), CHeapWatch::Live()); };
