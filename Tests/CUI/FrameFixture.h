@@ -24,11 +24,7 @@ struct CTestFrame : CScripted<CCUIFrameWindow>
     }
     void OnOpenFile(const CCUString &sPath) override { m_told += std::string(sPath) + "|"; }
     bool QueryClose() override { return m_told += "close?", m_onQuery(); }
-    void OnFullScreen(bool bFull) override
-    {
-        m_told += bFull ? "full|" : "back|";
-        m_onFull();
-    }
+    void OnFullScreen(bool) override { m_onFull(); }
 
     std::function<bool()> m_onQuery = [] { return true; };
     std::function<void()> m_onFull = [] {};

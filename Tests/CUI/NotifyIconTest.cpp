@@ -9,20 +9,19 @@
 
 namespace {
 
-// A shell that writes down what it is asked for.
+// A shell that writes down what it is asked for: to add, modify or delete, with how long a record,
+// and what it is told.
 struct CShell
 {
     explicit CShell(bool bBalloons) { CUIShellNotify() = {Notify, bBalloons}; }
     static BOOL WINAPI Notify(DWORD nMessage, NOTIFYICONDATAA *pData)
     {
-        const char *const names[] = {"add", "modify", "delete"};
-        s_asked += Text("%s %lu %u %s%s ", names[nMessage], pData->cbSize, pData->uFlags,
-                        (pData->uFlags & NIF_TIP) ? pData->szTip : "",
-                        pData->cbSize > 88 ? pData->szInfo : "");
+        s_asked +=
+            Text("%c%lu %u %.1s%u%s; ", "amd"[nMessage], pData -> cbSize, pData -> uFlags,
+                 pData -> szTip, strlen(pData->szTip), pData -> cbSize > 88 ? pData -> szInfo : "");
         s_hWnd = pData->hWnd;
         return !s_bRefuses;
     }
-    static std::string Asked() { return std::exchange(s_asked, ""); }
     static void Tell(int message) { SendMessageA(s_hWnd, WM_USER + 1, 1, LPARAM(message)); }
 
     inline static std::string s_asked;
@@ -43,7 +42,6 @@ const HICON ICON = LoadIconA(nullptr, MAKEINTRESOURCEA(32512));
 
 TEST(NotifyIcon, TellsTheShellWhatEachVersionTakesAndOwnsTheIconsItLoads)
 {
-    const std::string longTip(200, 'x');
     int nLoaded = 0;
     std::string destroyed;
     const CFakeCall<HANDLE(HINSTANCE, const char *, UINT, int, int, UINT)> load(
@@ -52,28 +50,24 @@ TEST(NotifyIcon, TellsTheShellWhatEachVersionTakesAndOwnsTheIconsItLoads)
         "DestroyIcon", [&](HICON h) { return destroyed += Text("%d ", int(h)), TRUE; });
     for (const bool bBalloons : {false, true}) {
         CShell shell(bBalloons);
-        const int nSize = bBalloons ? 488 : 88;
         {
             CIcon icon;
             EXPECT_FALSE(icon.SetTip("none") || icon.Add(HICON(nullptr), "none"));
             // It is there with the shell, also where that refuses it at first.
             shell.s_bRefuses = true;
-            EXPECT_FALSE(icon.Add(nullptr, "name", "tip"));
+            EXPECT_FALSE(icon.Add(nullptr, "name", std::string(200, 'x').c_str()));
             shell.s_bRefuses = false;
-            shell.Asked();
-            SendMessageA(shell.s_hWnd, CURegisterMessageId("TaskbarCreated"), 0, 0);
-            EXPECT_TRUE(icon.SetTip(longTip.c_str()));
-            const std::string tip = longTip.substr(0, bBalloons ? 127 : 63);
-            EXPECT_EQ(Text("add %d 7 tip modify %d 4 %s ", nSize, nSize, tip.c_str()),
-                      shell.Asked());
+            shell.s_asked.clear();
+            Send(shell.s_hWnd, CURegisterMessageId("TaskbarCreated"));
             EXPECT_EQ(bBalloons, icon.ShowBalloon("title", "text") != 0);
-            EXPECT_EQ(bBalloons ? "modify 488 16 text " : "", shell.Asked());
             icon.SetIcon(nullptr, L"other");
             icon.SetIcon(ICON);
             icon.Add(nullptr, "third", "tip");
-            shell.Asked();
         }
-        EXPECT_EQ(Text("delete %d 0  ", nSize), shell.Asked());
+        EXPECT_EQ(bBalloons ? "a488 7 x127; m488 16 0text; m488 2 x127; m488 2 x127; m488 2 x127; "
+                              "m488 4 t3; d488 0 t3; "
+                            : "a88 7 x63; m88 2 x63; m88 2 x63; m88 2 x63; m88 4 t3; d88 0 t3; ",
+                  shell.s_asked);
     }
     EXPECT_EQ("1 2 3 4 5 6 ", destroyed);
 }

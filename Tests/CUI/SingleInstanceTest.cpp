@@ -23,14 +23,10 @@ struct CInstance : CCUISingleInstance
     const Outcome m_outcome;
 };
 
-CHILD_PROCESS(ImpatientRun)
-{
-    exit(CInstance(300).m_outcome);
-}
 // The first of four serves the others; the later ones end with 1.
 CHILD_PROCESS(RivalRun)
 {
-    CInstance instance;
+    CInstance instance(strstr(GetCommandLineA(), "impatient") ? 300 : 60000);
     if (instance.m_outcome == CCUISingleInstance::First)
         instance.Await(3);
     exit(instance.m_outcome + 10 * instance.m_nRuns);
@@ -59,7 +55,7 @@ TEST(SingleInstance, HandsItsCommandLineAndFolderToTheFirst)
         EXPECT_EQ(0, SendMessageA(hWnd, WM_COPYDATA, 0, reinterpret_cast<LPARAM>(&data)));
     // Nobody answers now: it must not wait for ever.
     EXPECT_EQ(static_cast<DWORD>(CCUISingleInstance::Unreachable),
-              CChildProcess("ImpatientRun").ExitCode());
+              CChildProcess("RivalRun", "impatient").ExitCode());
 }
 
 TEST(SingleInstance, IsOneOfRunsThatStartAtOnce)
