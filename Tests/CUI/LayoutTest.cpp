@@ -69,15 +69,13 @@ TEST(Layout, GivesChildrenTheirPlacesWhateverChanges)
     const HWND hPlain = MakePlain("STATIC", layout);
     Boxes boxes = MakeBoxes(layout, {{10, 4}, {20, 4}, {30, 4}});
     const auto widen = [&](int cx) { SetWindowPos(layout, nullptr, 0, 0, cx, 60, SWP_NOMOVE); };
-    const auto want = [&](size_t nBox, unsigned long nFlags) {
-        boxes[nBox]->SetLayoutFlags(nFlags);
-    };
     const std::pair<const char *, std::function<void()>> steps[] = {
         {"5+10 18+20 41+30 ", [] {}},
-        {"5+10 18+44 65+30 ", [&] { want(1, 4 | CUIPlaceWeight(1)); }},
+        {"5+10 18+44 65+30 ", [&] { boxes[1]->SetLayoutFlags(4 | CUIPlaceWeight(1)); }},
         {"5+10 5+57 65+30 ", [&] { ShowWindow(*boxes[0], SW_HIDE); }},
         // Two share by weight, but for what each needs.
-        {"5+34 42+20 65+30 ", [&] { want(0, 4 | CUI_PLACE_KEEP | CUIPlaceWeight(3)); }},
+        {"5+34 42+20 65+30 ",
+         [&] { boxes[0]->SetLayoutFlags(4 | CUI_PLACE_KEEP | CUIPlaceWeight(3)); }},
         {"5+71 79+23 105+30 ", [&] { widen(140); }},
         {"5+63 71+21 95+40 ",
          [&] { layout.Suspend(), boxes[2]->SetFixedSize(40), layout.Resume(); }},
