@@ -119,12 +119,12 @@ TEST(SystemControls, FindItemsAndHoldTextsOfAnyLength)
     CMade<CCUIListBox> many(parent, 8, CCUIListBox::STYLE | dwDrawn, nullptr, &small);
     for (int i = 0; i < 50; ++i)
         many.AddString(text.substr(0, size_t(i) * 100).c_str());
-    many.Select(40, true);
-    EXPECT_TRUE(many.FindSelected(4) == 40 && many.GetItemText(40).GetLength() == 4000);
     many.EnsureVisible(40);
     EXPECT_TRUE(many.GetTopIndex() == 38 && many.HitTest({3, 36}) == 40);
     many.EnsureVisible(3);
     EXPECT_EQ(3, many.GetTopIndex());
+    many.Select(40, true);
+    EXPECT_TRUE(many.FindSelected(4) == 40 && many.GetItemText(40).GetLength() == 4000);
     CMade<CCUIEdit> edit(parent, 9, CCUIEdit::STYLE_LINES, "one\r\ntwo");
     edit.Append("\r\nthree");
     EXPECT_STREQ("three", edit.GetLine(2));
