@@ -50,6 +50,10 @@ class Package(unittest.TestCase):
         samples = self.tree / "share/doc/AutoRun"
         for file in (*(samples / "Hello").iterdir(), samples / "Frame/Notes.cpp"):
             self.assertIn("\n" + file.read_text() + "```", page, file.name)
+        for name, most in (("Viewer", 400), ("Editor", 800)):
+            files = set((ROOT / "Samples" / name).glob("*.[hc]*")) - {ROOT / "Samples" / name / "Resource.h"}
+            lines = re.findall(r"^(?!\s*(?://|$))", "".join(file.read_text() for file in files), re.M)
+            self.assertLessEqual(len(lines), most, f"{name}, as the page says")
         for file in filter(pathlib.Path.is_file, self.tree.rglob("*")):
             self.assertNotIn(str(ROOT).encode(), file.read_bytes(), file)
         commands = re.search("```sh\n(.*?)```", page, re.DOTALL)[1]
@@ -77,12 +81,16 @@ class Package(unittest.TestCase):
         output_of("bash", "-ec", commands.replace("Hello", "Frame"), cwd=self.folder)
         self.output_after("Notes", close_modified, "Untitled.txt - Notes")
 
+    def start(self, name, *arguments, **options):
+        program = subprocess.Popen(["wine", self.folder / f"build/{name}.exe", *arguments], **options)
+        self.addCleanup(program.wait)
+        self.addCleanup(program.kill)
+        return program
+
     def output_after(self, name, act, caption=None):
         """What the program writes until it ends by itself, while `act` works on its window."""
         with tempfile.TemporaryFile("w+") as output:
-            program = subprocess.Popen(["wine", self.folder / f"build/{name}.exe"], stdout=output)
-            self.addCleanup(program.wait)
-            self.addCleanup(program.kill)
+            program = self.start(name, stdout=output)
             act(wait_for(lambda: windows(caption or name), "the window").pop())
             self.assertEqual(0, program.wait(60))
             output.seek(0)

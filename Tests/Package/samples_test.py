@@ -55,12 +55,6 @@ def keys(*names):
 
 
 class Samples(Package):
-    def start(self, name, *arguments):
-        program = subprocess.Popen(["wine", self.folder / f"build/{name}.exe", *arguments])
-        self.addCleanup(program.wait)
-        self.addCleanup(program.kill)
-        return program
-
     def moves(self, place, what):
         before = grab(place)
         wait_for(lambda: ImageChops.difference(grab(place), before).getbbox(), what)
