@@ -107,17 +107,18 @@ int main(int argc, char **argv)
     std::sort(Groups().begin(), Groups().end(), [](const CBenchGroup &a, const CBenchGroup &b) {
         return strcmp(a.m_name, b.m_name) < 0;
     });
+    size_t nRun = 0;
     for (const CBenchGroup &group : Groups()) {
-        const bool bWanted =
-            wanted.empty() || std::any_of(wanted.begin(), wanted.end(), [&](const char *name) {
-                return strcmp(name, group.m_name) == 0;
-            });
+        const bool bNamed = std::any_of(wanted.begin(), wanted.end(), [&](const char *name) {
+            return strcmp(name, group.m_name) == 0;
+        });
+        nRun += bNamed;
         s_runningGroup = group.m_name;
-        if (bWanted)
+        if (bNamed || wanted.empty())
             group.m_run();
     }
-    if (BenchRows().empty()) {
-        fprintf(stderr, "no such group; there are");
+    if (nRun < wanted.size()) {
+        fprintf(stderr, "not each of these is a group; there are");
         for (const CBenchGroup &group : Groups())
             fprintf(stderr, " %s", group.m_name);
         fputs("\n", stderr);

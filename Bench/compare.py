@@ -27,7 +27,7 @@ import sys
 
 RUNS = 3
 WORSE = 1.1
-LAST_DIGIT = 0.01  # of the table's ratios: no more than that above is not worse
+LAST_DIGIT = 0.001  # of the accepted ratios: no more than that above is not worse
 
 
 def measure(command, table, groups):
@@ -53,6 +53,10 @@ def worse_rows(accepted, runs, groups):
     return found
 
 
+def shown(ratio):
+    return "gone" if ratio == math.inf else f"{ratio:.2f}" if ratio >= 0.1 else f"{ratio:.4f}"
+
+
 def suspects(accepted, runs):
     """The groups to be measured again."""
     return sorted({group for group, *_ in worse_rows(accepted, runs, list(runs[0]))})
@@ -61,7 +65,7 @@ def suspects(accepted, runs):
 def accept(accepted, runs):
     """The accepted table with the medians of the runs, which measured the same groups."""
     medians = {
-        group: {row: round(statistics.median(run[group][row] for run in runs), 3) for row in rows}
+        group: {row: float(f"{statistics.median(run[group][row] for run in runs):.4g}") for row in rows}
         for group, rows in runs[0].items()
     }
     return dict(sorted({**accepted, **medians}.items()))
@@ -89,7 +93,7 @@ def main():
         return 0
     worse = worse_rows(accepted, runs, args.groups)
     for _, row, old, best in worse:
-        print(f"WORSE  {row}: {old:.2f} -> " + ("gone" if best == math.inf else f"{best:.2f}"))
+        print(f"WORSE  {row}: {shown(old)} -> {shown(best)}")
     new = [(group, row) for group, rows in runs[0].items() for row in rows
            if row not in accepted.get(group, {})]
     for group, row in new:

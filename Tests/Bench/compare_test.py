@@ -44,3 +44,5 @@ with tempfile.TemporaryDirectory() as name:
     check([], [[1]], 1, "WORSE  b / peer: 9.00 -> gone\n")
     check(["--accept"], [[1]] * 3, 0)
     check([], [[1]], 0)
+    check(["--accept"], [[0.005]] * 3, 0)  # a small ratio is held as closely as a large one
+    check([], [[0.007], [0.0068], [0.009]], 1, "WORSE  a / peer: 0.0050 -> 0.0068\n")
