@@ -3,6 +3,7 @@
 #include <set>
 #include <string>
 
+#include "Base/Multimedia.h"
 #include "CU/CU.h"
 #include "CU/DebugSwitch.h"
 #include "CU/ErrorText.h"
@@ -218,6 +219,14 @@ CHILD_PROCESS(Exit)
 CHILD_PROCESS(ExitProcess)
 {
     Leave([] { ExitProcess(6); });
+}
+
+// Nothing has read the time yet.
+TEST(Process, PlaysItsFirstSound)
+{
+    EXPECT_EQ(nullptr, GetModuleHandleA("winmm.dll"));
+    g_multimedia.playSound(nullptr, nullptr, 0);  // ends those that play
+    EXPECT_NE(nullptr, GetModuleHandleA("winmm.dll"));
 }
 
 TEST(Process, EndsInTheMiddleOfEverything)

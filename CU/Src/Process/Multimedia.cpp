@@ -52,10 +52,18 @@ DWORD WINAPI FirstGetTime()
     return g_multimedia.getTime();
 }
 
+BOOL WINAPI FirstPlaySound(LPCSTR pszSound, HMODULE hModule, DWORD nFlags)
+{
+    if (CUIsAtThreadEnd())
+        return FALSE;
+    Load();
+    return g_multimedia.playSound(pszSound, hModule, nFlags);
+}
+
 }  // namespace
 
 bool g_bMultimediaInUse = false;
-CCUMultimedia g_multimedia = {FirstGetTime, NoSetEvent, NoKillEvent, NoPlaySound};
+CCUMultimedia g_multimedia = {FirstGetTime, NoSetEvent, NoKillEvent, FirstPlaySound};
 
 // Once a timer was set the system's timer thread may be at work in the library, which then stays.
 void CUUnloadMultimedia()
