@@ -16,6 +16,7 @@
 #include "Support/Reports.h"
 #include "Support/TestCommand.h"
 #include "Support/TestControl.h"
+#include "Support/Times.h"
 
 namespace {
 
@@ -374,7 +375,6 @@ TEST(FrameWindow, LeavesNothingBehind)
     make();
     const auto count = [] { return Text("%d %d", WindowCount(), CHeapWatch::Live()); };
     const std::string before = count();
-    const char *const pszTimes = getenv("TEST_FRAMES");
-    ExpectNoGdiLeft(pszTimes ? atoi(pszTimes) : 30, make);
+    ExpectNoGdiLeft(Times(30), make);
     EXPECT_EQ(before, count());
 }

@@ -10,6 +10,7 @@
 #include "Support/Reports.h"
 #include "Support/TestWindow.h"
 #include "Support/Threads.h"
+#include "Support/Times.h"
 
 namespace {
 
@@ -211,10 +212,11 @@ TEST(Window, ThreadsCreateTheirsAtOnce)
         });
     CScripted<> waiting;
     waiting.Hook();
-    CThreads::Run(8, [](int) {
+    const int nTimes = Times(40);
+    CThreads::Run(8, [&](int) {
         for (InterlockedIncrement(&s_nThreads); s_nThreads < 8;)
             Sleep(0);
-        for (int i = 0; i < 40; ++i) {
+        for (int i = 0; i < nTimes; ++i) {
             CScripted<> window;
             ASSERT_TRUE(CreateTestWindow(window));
         }
