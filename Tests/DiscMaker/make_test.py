@@ -41,8 +41,9 @@ def keys(*names):
 
 
 def opened(caption):
-    """Waits for a dialog to be ready for keys: painted, and nothing changes any more."""
-    wait_for(lambda: windows(caption), caption)
+    """Waits for a dialog to be ready for keys, and for the picture that is taken of it: nothing
+    changes any more."""
+    wait_for_focus_on(caption)
     shots = [None]
 
     def is_still():

@@ -8,11 +8,15 @@
 class CTestSettings
 {
 public:
-    CTestSettings() { CUISetSettingsKey("Software\\CUITests\\Own"); }
+    CTestSettings()
+    {
+        Clear();  // of what a test left that was ended
+        CUISetSettingsKey("Software\\CUITests\\Own");
+    }
     ~CTestSettings()
     {
         CUISetSettingsKey(nullptr);
-        CCURegistry(HKEY_CURRENT_USER, "Software\\CUITests", false).DeleteKey("Own");
+        Clear();
     }
     static std::string Get(const char *value)
     {
@@ -24,5 +28,11 @@ public:
     {
         CCURegistry(HKEY_CURRENT_USER, "Software\\CUITests\\Own\\Test", false)
             .SetString(value, text.c_str());
+    }
+
+private:
+    static void Clear()
+    {
+        CCURegistry(HKEY_CURRENT_USER, "Software\\CUITests", false).DeleteKey("Own");
     }
 };
