@@ -103,6 +103,7 @@ TEST_F(BmpLoad, GivesThePictureThatTheBytesShow)
                  {"PpLC", 13, 6, 16, 40, BI_RGB, 0},       {"PpLC", 3, 5, 24, 40, BI_RGB, 0},
                  {"PpC", 6, -5, 24, 40, BI_RGB, 0},        {"PpLC", 13, 6, 24, 40, BI_RGB, 5},
                  {"PpLC", 7, 5, 32, 40, BI_RGB, 0},        {"PLC", 13, 6, 16, 40, BI_BITFIELDS, 0},
+                 {"PpLC", 13, 6, 16, 40, BI_BITFIELDS, 3}, {"PpLC", 13, 6, 32, 40, BI_BITFIELDS, 3},
                  {"PLC", 13, 6, 32, 40, BI_BITFIELDS, 0},  {"PSpsLC", 13, 6, 8, 40, BI_RLE8, 0},
                  {"PLC", 13, 6, 1, 108, BI_RGB, 0},        {"PLC", 13, 6, 8, 124, BI_RGB, 0},
                  {"PLC", 13, 6, 24, 124, BI_RGB, 0},       {"PLC", 13, 6, 8, 124, BI_RLE8, 0},

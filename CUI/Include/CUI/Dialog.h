@@ -47,6 +47,9 @@ class CCUIControlList;
 /// Data exchange: OnInitDialog puts the data on the screen, OnOK takes it back, both through
 /// UpdateData, which calls ExchangeData. Dirty tracking: the user's change of a registered control
 /// makes the dialog dirty (OnEvent "Dirty"); a successful exchange makes it clean.
+///
+/// Several threads may make dialogs at once, each for objects of its own: Create, DoModal and
+/// DoModeless see nothing of the others.
 class CUI_API CCUIDialog : public CCUIWindow
 {
 public:

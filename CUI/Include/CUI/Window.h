@@ -71,7 +71,7 @@ public:
     /// success, 0 on failure (the object has no window then, unless a handler gave it another). An
     /// object that has a window keeps it: 0, reported as "m_hWnd == 0". The same goes for a call
     /// from its own handlers while the window is being created, and for an object whose PreCreate
-    /// created a window.
+    /// created a window. Several threads may create windows at once, each for objects of its own.
     /// @{
     virtual int Create(const char *className, const char *windowName, DWORD style, const RECT &rect,
                        HWND hParent, UINT nID);
