@@ -204,6 +204,11 @@ TEST(Layout, ScrollsWhenThereIsNoRoom)
         EXPECT_EQ(code.second, scroll(code.first)) << code.first;
     SendMessageA(*boxes[2], WM_MOUSEWHEEL, MAKEWPARAM(0, WHEEL_DELTA), 0);
     EXPECT_GT(20, layout.GetScrollPos());
+    // A fine wheel comes as far in many small turns.
+    scroll(SB_TOP);
+    for (int i = 0; i < WHEEL_DELTA; ++i)
+        Send(*boxes[2], WM_MOUSEWHEEL, MAKEWPARAM(0, -1));
+    EXPECT_EQ(std::min(3 * nLine, 60), layout.GetScrollPos());
     // Windows far out wait at one place, and come to theirs.
     boxes[1]->SetFixedSize(0x7000);
     scroll(SB_TOP);
