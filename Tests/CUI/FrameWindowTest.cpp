@@ -168,6 +168,11 @@ TEST(FrameWindow, ClosesWhenAskedAndEndsTheProgramAsTheMainFrame)
 TEST(FrameWindow, KeepsItsPlaceAndFindsAScreenForIt)
 {
     const CTestSettings settings;
+    // A system that looks at how long the record is.
+    const CFakeCall<BOOL(HWND, WINDOWPLACEMENT *)> get(
+        "GetWindowPlacement", [&](HWND hWnd, WINDOWPLACEMENT *pPlacement) {
+            return pPlacement->length == sizeof *pPlacement && get.Original(hWnd, pPlacement);
+        });
     RECT work;
     SystemParametersInfoA(SPI_GETWORKAREA, 0, &work, 0);
     const struct

@@ -252,8 +252,12 @@ TEST(Layout, SplitterMovesByMouseAndKeysAndGoesBack)
         SendMessageA(hSplitter, WM_KEYDOWN, key.first, 0);
         EXPECT_EQ(key.second, layout.GetSplit(*boxes[0])) << key.first;
     }
+    BYTE control[256] = {};
+    control[VK_CONTROL] = 0x80;
+    SetKeyboardState(control);
+    Input(hSplitter, {VK_RIGHT});
     PressTab();
-    EXPECT_EQ("48 56 ", layout.Told());
+    EXPECT_EQ("48 57 ", layout.Told());
     // Two with weights share otherwise, in a larger window too.
     boxes[0]->SetLayoutFlags(split | CUIPlaceWeight(1));
     boxes[0]->SetFixedSize(10);
