@@ -169,10 +169,9 @@ TEST(FrameWindow, KeepsItsPlaceAndFindsAScreenForIt)
 {
     const CTestSettings settings;
     // A system that looks at how long the record is.
-    const CFakeCall<BOOL(HWND, WINDOWPLACEMENT *)> get(
-        "GetWindowPlacement", [&](HWND hWnd, WINDOWPLACEMENT *pPlacement) {
-            return pPlacement->length == sizeof *pPlacement && get.Original(hWnd, pPlacement);
-        });
+    const CFakeCall<BOOL(HWND, WINDOWPLACEMENT *)> get("GetWindowPlacement", [&](HWND h, auto *p) {
+        return p->length == sizeof *p && get.Original(h, p);
+    });
     RECT work;
     SystemParametersInfoA(SPI_GETWORKAREA, 0, &work, 0);
     const struct

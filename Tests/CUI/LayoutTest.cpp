@@ -202,8 +202,6 @@ TEST(Layout, ScrollsWhenThereIsNoRoom)
                                             {SB_LINEDOWN, 80}, {SB_PAGEUP, 20}};
     for (const auto &code : codes)
         EXPECT_EQ(code.second, scroll(code.first)) << code.first;
-    SendMessageA(*boxes[2], WM_MOUSEWHEEL, MAKEWPARAM(0, WHEEL_DELTA), 0);
-    EXPECT_GT(20, layout.GetScrollPos());
     // A fine wheel comes as far in many small turns.
     scroll(SB_TOP);
     for (int i = 0; i < WHEEL_DELTA; ++i)
