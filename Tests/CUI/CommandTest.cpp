@@ -48,6 +48,7 @@ TEST(CommandMap, FindsWhatWasAddedOrPutThereLast)
     EXPECT_EQ(&drawn, find(drawn.GetID() + 2));
     EXPECT_EQ(drawn.GetID() + 3, CCUIIDGenerator::GetNextID());
     EXPECT_EQ(0u, none.GetID());
+    EXPECT_EQ(0, CCUICommandMap::Remove(&none));
     {
         // Tables grow in steps of 64; removal finds a handler wherever it has been put.
         CTestCommand later(10070, 70);

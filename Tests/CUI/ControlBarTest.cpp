@@ -27,7 +27,9 @@ struct CParent : CTestWindow
         m_on[WM_COMMAND] = [&] {
             return m_told += Text("%u/%d ", UINT(m_wParam), GetDlgCtrlID(HWND(m_lParam))), 0;
         };
-        m_on[WM_MENUSELECT] = [&] { return m_told += Text("help%d ", SHORT(m_wParam)), 0; };
+        m_on[WM_MENUSELECT] = [&] {
+            return m_told += Text(m_lParam ? "menu%d " : "help%d ", SHORT(m_wParam)), 0;
+        };
         m_on[CUI_WM_LAYOUT] = [&] { return m_told += Text("layout%ld ", m_lParam), 0; };
     }
     CTestCommand m_commands[3] = {CTestCommand(1000), CTestCommand(1001), CTestCommand(1002)};

@@ -526,6 +526,10 @@ TEST(Control, IsMirroredAllButItsText)
             if (map.At(i / 30, i % 30) == GetSysColor(COLOR_BTNTEXT))
                 columns[bMirrored].push_back(i % 30);
         }
+        CButton first(parent, 6, CUI_BUTTON_RADIO), second(parent, 7, CUI_BUTTON_RADIO),
+            third(parent, 8, CUI_BUTTON_RADIO);
+        Input(second, {VK_RIGHT});
+        EXPECT_EQ(bMirrored ? 6 : 8, GetDlgCtrlID(GetFocus()));
     }
     EXPECT_LT(4u, columns[0].size());
     EXPECT_EQ(columns[0], columns[1]);

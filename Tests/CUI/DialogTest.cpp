@@ -64,6 +64,11 @@ TEST(Dialog, EndsWithWhatItWasToldInEveryWay)
         {Post(WM_CLOSE, 0), IDCANCEL},
         {Post(WM_KEYDOWN, VK_ESCAPE), IDCANCEL},
         {[](CTestDialog &running) { running.Destroy(); }, IDCANCEL},
+        {[](CTestDialog &running) {  // and keeps that from the object
+             SetWindowLongA(running, GWL_WNDPROC, reinterpret_cast<LONG>(DefWindowProcA));
+             DestroyWindow(running);
+         },
+         IDCANCEL},
     };
     CTestWindow owner;
     CTestDialog dialog;
@@ -233,6 +238,8 @@ TEST(Dialog, TracksWhatTheUserChanges)
     EXPECT_TRUE(change(1001, EN_CHANGE) && change(1002, LBN_SELCHANGE));
     EXPECT_TRUE(change(1003, CBN_EDITCHANGE) && change(1004, BN_CLICKED));
     EXPECT_FALSE(change(1001, EN_SETFOCUS) || change(1005, BN_CLICKED));
+    dialog.RegisterControl(GetDlgItem(dialog, 1002), 1002, DialogControlNone);
+    EXPECT_FALSE(change(1002, LBN_SELCHANGE));
     dialog.UnRegisterControl(1002);
     EXPECT_FALSE(change(1002, LBN_SELCHANGE));
     dialog.SetDirty(true);

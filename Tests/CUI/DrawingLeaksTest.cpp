@@ -75,6 +75,7 @@ TEST(DrawingLeaks, NothingOnSuccessAndWhicheverCallFails)
         for (const HBITMAP h : {hLoaded, hBaked, CUICopyBitmap(hLoaded, 8, 2, hPals[0]),
                                 CUIBmpLoadBitmap(hModule, MAKEINTRESOURCEA(200)),
                                 CUIBmpLoadBitmapPalette(hModule, MAKEINTRESOURCEA(200), hPals[1]),
+                                CUIBmpLoadBitmapFile(path.c_str(), TRUE),
                                 CUIBmpLoadBitmapFilePalette(path.c_str(), hPals[2]),
                                 CUIBmpMakeMask(target, 0, 0, image.Bitmap(), 0)})
             DeleteObject(h);

@@ -169,6 +169,10 @@ TEST(FrameWindow, ClosesWhenAskedAndEndsTheProgramAsTheMainFrame)
 TEST(FrameWindow, KeepsItsPlaceAndFindsAScreenForIt)
 {
     const CTestSettings settings;
+    // A system that looks at how long the record is.
+    const CFakeCall<BOOL(HWND, WINDOWPLACEMENT *)> get("GetWindowPlacement", [&](HWND h, auto *p) {
+        return p->length == sizeof *p && get.Original(h, p);
+    });
     RECT work;
     SystemParametersInfoA(SPI_GETWORKAREA, 0, &work, 0);
     const struct

@@ -214,23 +214,29 @@ TEST(Menu, ShowsTheShortcutsOfItsWindowsInAColumnOfTheirOwn)
     window.SetAccelerators(outer, 2);
     child.SetAccelerators(&inner, 1);
     CCUIMenu menu;
-    for (const char *const text : {"own\tSpace", "&column", "x"})
+    for (const char *const text : {"own\tSpace", "&column", "x", "\tF7"})
         menu.Append(ID + static_cast<UINT>(GetMenuItemCount(menu.GetHandle())), text);
     const auto width = [&](HWND hWnd) {
         Open(hWnd, menu.GetHandle());
         return static_cast<int>(Measure(hWnd, menu.GetHandle(), 2).itemWidth);
     };
     const auto accessible = [&](UINT nItem) { return Accessible(menu.GetHandle(), nItem); };
-    const int cxSpace = width(window);
+    const auto ink = [&](UINT nItem) {
+        return Draw(window, menu.GetHandle(), nItem, 0).Count(GetSysColor(COLOR_MENUTEXT));
+    };
+    const int cxSpace = width(window), nBoth = ink(1), nKey = ink(3);
     EXPECT_EQ("own\tSpace &column\tF7 x",
               accessible(0) + " " + accessible(1) + " " + accessible(2));
     menu.SetText(ID, "own");
     const int cxF7 = width(child);
     EXPECT_EQ("own\tW", accessible(0));
     EXPECT_LT(cxF7, cxSpace);
-    menu.SetAccelerators(CCUIAccelerators(MODULE, MAKEINTRESOURCEA(520)));
+    CCUIAccelerators keys(MODULE, MAKEINTRESOURCEA(520));
+    keys.Add(nullptr, 1);  // of none
+    menu.SetAccelerators(keys);
     width(child);
     EXPECT_EQ("own\tShift+F2 &column", accessible(0) + " " + accessible(1));
+    EXPECT_EQ(nBoth, ink(1) + nKey) << "one is over the other";
 }
 
 TEST(Menu, AnswersCharactersAsASystemMenu)

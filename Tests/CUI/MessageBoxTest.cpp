@@ -121,11 +121,11 @@ TEST(MessageBoxes, IsCancelledWhereThereIsACancelButton)
     const auto abort = [](HWND hBox) { CCUIWindow::AbortDialog(GetWindow(hBox, GW_OWNER)); };
     EXPECT_EQ(IDNO, Ask(Ours(MB_YESNO), abort));
     CCUIMessageBox box("text", "title", MB_YESNO);
-    box.AddButton(100, "&Now");
+    ASSERT_TRUE(box.AddButton(IDOK, "&Now"));
     box.AddButton(101, "&Later");
     box.SetCancelButton(101);
     EXPECT_EQ(101, Ask(box, Press(VK_ESCAPE)));
-    EXPECT_EQ(100, Ask(box, Press('N')));
+    EXPECT_EQ(IDOK, Ask(box, Press('N')));
 }
 
 TEST(MessageBoxes, IsAsLargeAsItsTextNeedsAndTheScreenAllows)

@@ -230,7 +230,7 @@ private:
     int m_nScrollLength;  // what the scroll bar was told
     int m_nScrollPage;
     int m_nScrollBarPos;
-    int m_nWheel;      // turned, but not yet scrolled
+    int m_nWheel;      // turned, but not yet scrolled: parts of a pixel, WHEEL_DELTA of them
     int m_nSuspended;  // calls
     bool m_bScrolls;
     bool m_bStale;   // children have come or gone

@@ -200,7 +200,6 @@ void CCUIFrameWindow::LeaveFullScreen()
             return;
         const HMENU hMenu = m_hMenuBefore;
         m_bCovering = false;
-        m_hMenuBefore = nullptr;
         SetWindowLongA(hWnd, GWL_STYLE, GetWindowLongA(hWnd, GWL_STYLE) | m_nStyleBefore);
         ::SetMenu(hWnd, hMenu);
         SetWindowPos(hWnd, nullptr, 0, 0, 0, 0,

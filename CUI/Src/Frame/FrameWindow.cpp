@@ -155,9 +155,8 @@ void CCUIFrameWindow::End()
 {
     if (Exist())
         KeepPlacement();
-    if (m_hMenuBefore)
+    if (m_bCovering)
         DestroyMenu(m_hMenuBefore);
-    m_hMenuBefore = nullptr;
     m_bFullScreen = false;
     m_bCovering = false;
     m_hFocus = nullptr;

@@ -148,14 +148,11 @@ bool CCUILayoutWindow::Wheel(int nDelta)
 {
     if (!m_bScrolls || m_nScrollLength <= m_nScrollPage)
         return false;
-    const int nStep = CUIWheelStep(m_nScrollPage);
-    m_nWheel += nDelta;
-    const int nPixels = m_nWheel * nStep / WHEEL_DELTA;
-    if (nPixels) {
-        // What is less than a pixel waits for more.
-        m_nWheel -= nPixels * WHEEL_DELTA / nStep;
+    m_nWheel += nDelta * CUIWheelStep(m_nScrollPage);
+    const int nPixels = m_nWheel / WHEEL_DELTA;
+    m_nWheel %= WHEEL_DELTA;
+    if (nPixels)
         ScrollTo(m_nScrollPos + nPixels);
-    }
     return true;
 }
 
