@@ -2,8 +2,6 @@
 // every message that is sent. Here it ends the test.
 #include <stdio.h>
 
-#include <gtest/gtest.h>
-
 #include "CU/Platform.h"
 
 namespace {
@@ -24,11 +22,6 @@ LONG CALLBACK EndAtFault(EXCEPTION_POINTERS *pInfo)
     return EXCEPTION_CONTINUE_SEARCH;
 }
 
-class CFaultWatch : public testing::Environment
-{
-    void SetUp() override { AddVectoredExceptionHandler(1, EndAtFault); }
-};
-
-const testing::Environment *const s_pWatch = testing::AddGlobalTestEnvironment(new CFaultWatch);
+const void *const s_pWatch = AddVectoredExceptionHandler(1, EndAtFault);
 
 }  // namespace
