@@ -91,11 +91,11 @@ TEST(ControlBar, PutsItsItemsAlongItsSideAndWhatHasNoRoomIntoAMenu)
     // The menu has the commands that are hidden, as they stand.
     bar.SetLength(70);
     std::string menu, opened;
-    CFakeCall<BOOL(HMENU, UINT, int, int, HWND, TPMPARAMS *)> track(
-        "TrackPopupMenuEx", [&](HMENU hMenu, UINT, int x, int y, auto...) {
-            opened += Text("%d,%d ", x, y);
-            return menu = ItemsOf(hMenu), int(GetMenuItemID(hMenu, 0));
-        });
+    const CFakePopup track("TrackPopupMenuEx", [&](HMENU hMenu, UINT, int x, int y, auto...) {
+        opened += Text("%d,%d ", x, y);
+        menu = ItemsOf(hMenu);
+        return int(GetMenuItemID(hMenu, 0));
+    });
     bar.Mouse(WM_LBUTTONDOWN, -1);
     EXPECT_EQ("tip one", menu);
     EXPECT_NE(std::string::npos, parent.Told().find("1002/3 "));
@@ -148,9 +148,8 @@ TEST(ControlBar, ShowsWhatTheHandlersSayAndRepaintsOnlyWhatThatChanges)
             CUIDCDraw3dRect(expected, &rc, nEdge > 0 ? crLight : crShadow,
                             nEdge > 0 ? crShadow : crLight, 0, 0);
     };
-    draw(0, 0, 0, 0), draw(3, 0, 0, 0);
-    for (const int nItem : {1, 4})
-        draw(nItem, 0, CUIBMPSTATE_DISABLED, 0);
+    for (const int nItem : {0, 1, 3, 4})
+        draw(nItem, 0, nItem % 3 ? CUIBMPSTATE_DISABLED : 0, 0);
     EXPECT_EQ(expected.Read(), WindowPixels(bar));
     // Under the mouse, held down, left and let go.
     const int rows[][4] = {{WM_MOUSEMOVE, 0, 0, 1}, {WM_LBUTTONDOWN, 0, 1, -1},
@@ -276,9 +275,10 @@ TEST(ControlBar, DocksWhereItIsDraggedAndRemembersThat)
     same.CreateBar(parent, 5, "main");
     EXPECT_EQ(CUI_BAR_RIGHT, same.GetSide());
     std::string sides;
-    CFakeCall<BOOL(HMENU, UINT, int, int, HWND, TPMPARAMS *)> track(
-        "TrackPopupMenuEx",
-        [&](HMENU hMenu, auto...) { return sides = ItemsOf(hMenu), 1 + CUI_BAR_LEFT; });
+    const CFakePopup track("TrackPopupMenuEx", [&](HMENU hMenu, auto...) {
+        sides = ItemsOf(hMenu);
+        return 1 + CUI_BAR_LEFT;
+    });
     SendMessageA(bar, WM_CONTEXTMENU, 0, -1);
     EXPECT_EQ("&Top &Unten &Left &Right checked radiolayout3 ", sides + parent.Told());
     EXPECT_EQ(CUI_BAR_LEFT, bar.GetSide());

@@ -136,9 +136,13 @@ TEST(FrameWindow, SurvivesWhateverGoesMeanwhile)
     client->m_on[WM_SIZE] = [&] { return frame.reset(), 0; };
     MoveWindow(*frame, 0, 0, 300, 200, FALSE);
     EXPECT_FALSE(frame || client->Exist());
-    frame = std::make_unique<CTestFrame>();
-    frame->m_onQuery = [&] { return frame.reset(), true; };
-    Send(*frame, WM_CLOSE);
+    for (const UINT message : {UINT{WM_CLOSE}, UINT{WM_QUERYENDSESSION}}) {
+        const CHeapWatch heap;
+        frame = std::make_unique<CTestFrame>();
+        frame->m_onQuery = [&] { return frame.reset(), true; };
+        Send(*frame, message);
+        EXPECT_FALSE(frame);
+    }
     EXPECT_EQ(0, reports.Total());
 }
 
@@ -314,10 +318,9 @@ TEST(FrameWindow, OpensWhatIsDroppedAndWhatACommandLineNames)
         EXPECT_EQ(bEnabled, (GetWindowLongA(frame, GWL_EXSTYLE) & WS_EX_ACCEPTFILES) != 0);
         EXPECT_EQ("", frame.m_told) << "a dialog is open";
         EnableWindow(frame, bEnabled);
-        const HGLOBAL hDrop = GlobalAlloc(GHND, drop.size() + 2);
-        memcpy(GlobalLock(hDrop), drop.data(), drop.size());
-        GlobalUnlock(hDrop);
-        SendMessageA(frame, WM_DROPFILES, reinterpret_cast<WPARAM>(hDrop), 0);
+        void *const pDrop = GlobalAlloc(GPTR, drop.size() + 2);
+        memcpy(pDrop, drop.data(), drop.size());
+        Send(frame, WM_DROPFILES, WPARAM(pDrop));
         frame.OnCommandLine(
             "\"C:\\my programs\\p.exe\"  \"a b.txt\" /x -y C:\\d\\..\\e.txt\t"
             "\\\\s\\t\\f \"\" q\"r s\".txt",

@@ -17,11 +17,6 @@ namespace {
 const UINT ID = 1000;
 const HINSTANCE MODULE = GetModuleHandleA(nullptr);
 
-void Open(HWND hWnd, HMENU hMenu)
-{
-    SendMessageA(hWnd, WM_INITMENUPOPUP, reinterpret_cast<WPARAM>(hMenu), 0);
-}
-
 // What a screen reader finds.
 std::string Accessible(HMENU hMenu, UINT nItem)
 {
@@ -97,9 +92,9 @@ TEST(Menu, TakesItsItemsOverAsTheyAreWhenItOpensAndKeepsTheirTexts)
     EXPECT_TRUE(menu.AppendPopup("more", sub));
     EXPECT_EQ(nullptr, sub.GetHandle());
     AppendMenuA(hMenu, MF_OWNERDRAW, 7, "foreign");
-    Open(window, hMenu);
+    OpenMenu(window, hMenu);
     EXPECT_EQ("one\tF9*  two* more* *", ItemsOf(hMenu));
-    Open(window, GetSubMenu(hMenu, 3));
+    OpenMenu(window, GetSubMenu(hMenu, 3));
     EXPECT_EQ("three*", ItemsOf(GetSubMenu(hMenu, 3)));
     // Whatever is done to it from outside.
     const std::string long_text(200, 'w');
@@ -107,7 +102,7 @@ TEST(Menu, TakesItsItemsOverAsTheyAreWhenItOpensAndKeepsTheirTexts)
     EXPECT_TRUE(menu.Remove(ID + 1) && !menu.Remove(ID + 1) && menu.SetText(ID, "uno"));
     menu.Insert(0, 20, "new");
     ModifyMenuA(hMenu, 2, MF_BYPOSITION | MF_STRING, ID, "dos");
-    Open(window, hMenu);
+    OpenMenu(window, hMenu);
     EXPECT_EQ("new* " + long_text + "* dos*  more* *", ItemsOf(hMenu));
     const HMENU hPlain = menu.Detach();
     EXPECT_EQ("new " + long_text + " dos  more *", ItemsOf(hPlain));
@@ -138,7 +133,7 @@ TEST(Menu, ShowsWhatHandlersSay)
         });
     const auto width = [&](const char *pszText) {
         handler.m_text = pszText;
-        Open(window, hMenu);
+        OpenMenu(window, hMenu);
         const std::string text = std::string(pszText) + "\tF4";
         EXPECT_EQ(text + text, menu.GetText(ID).GetString() + Accessible(hMenu, 0));
         return Measure(window, hMenu, 1).itemWidth;
@@ -178,7 +173,7 @@ TEST(Menu, LooksAsTheSystemsColoursSayAtThatMoment)
                 const BOOL bKnown = settings.Original(n, nMore, p, nSave);
                 return n == 0x1022 ? (*static_cast<BOOL *>(p) = bFlat, TRUE) : bKnown;
             });
-        Open(window, hMenu);
+        OpenMenu(window, hMenu);
         const CPixelMap plain = Draw(window, hMenu, 3, 0);
         EXPECT_EQ(0, plain.Count(0x0000FF)) << "all of it is drawn";
         EXPECT_LT(plain.Count(crText), Draw(window, hMenu, 5, 0).Count(crText)) << "an arrow";
@@ -203,7 +198,7 @@ TEST(Menu, LooksAsTheSystemsColoursSayAtThatMoment)
     }
     data.UpdateSysColors();
     const CDotsPerInch dpi(192);
-    Open(window, hMenu);
+    OpenMenu(window, hMenu);
     EXPECT_EQ(4 * 64, Draw(window, hMenu, 1, 0).Count(PICTURE_COLORS[1]));
 }
 
@@ -217,7 +212,7 @@ TEST(Menu, ShowsTheShortcutsOfItsWindowsInAColumnOfTheirOwn)
     for (const char *const text : {"own\tSpace", "&column", "x", "\tF7"})
         menu.Append(ID + static_cast<UINT>(GetMenuItemCount(menu.GetHandle())), text);
     const auto width = [&](HWND hWnd) {
-        Open(hWnd, menu.GetHandle());
+        OpenMenu(hWnd, menu.GetHandle());
         return static_cast<int>(Measure(hWnd, menu.GetHandle(), 2).itemWidth);
     };
     const auto accessible = [&](UINT nItem) { return Accessible(menu.GetHandle(), nItem); };
@@ -252,7 +247,7 @@ TEST(Menu, AnswersCharactersAsASystemMenu)
                                        reinterpret_cast<LPARAM>(hMenu));
         return Text("%d %d", HIWORD(n), LOWORD(n));
     };
-    Open(window, hMenu);
+    OpenMenu(window, hMenu);
     const char *const rows[] = {"a2 0", "A2 0", "F2 2", "c3 1", "n3 4", "p2 5", "&0 0", "x0 0"};
     for (const char *const row : rows)
         EXPECT_EQ(row + 1, answer(row[0])) << row;
@@ -306,7 +301,7 @@ TEST(Menu, RunsByKeyboardInItsPopupsAndSurvivesWhatHappensToIt)
     CCUIMenu bar(CUI_MENU_BAR);
     fill(bar);
     SetMenu(window, bar.GetHandle());
-    Open(window, GetSubMenu(bar.GetHandle(), 1));
+    OpenMenu(window, GetSubMenu(bar.GetHandle(), 1));
     EXPECT_EQ("&one &sub", ItemsOf(bar.GetHandle())) << "the bar stays the system's";
     window.Destroy();
     EXPECT_FALSE(IsMenu(bar.GetHandle()));

@@ -4,7 +4,7 @@
 #include "../../CUI/Src/Frame/ShellNotify.h"
 #include "CU/CU.h"
 #include "CUI/Menu.h"
-#include "Support/ImportHook.h"
+#include "Support/MenuItems.h"
 #include "Support/TestCommand.h"
 
 namespace {
@@ -92,12 +92,11 @@ TEST(NotifyIcon, BringsClicksAndCommandsToTheTarget)
     target.m_on[WM_COMMAND] = [&] { return icon.reset(), 0; };
     const CFakeCall<BOOL(HWND)> front("SetForegroundWindow",
                                       [&](HWND hWnd) { return hFront = hWnd, TRUE; });
-    const CFakeCall<BOOL(HMENU, UINT, int, int, HWND, TPMPARAMS *)> track(
-        "TrackPopupMenuEx", [&](HMENU, UINT, int, int, HWND hOwner, TPMPARAMS *) {
-            EXPECT_EQ(hOwner, hFront);
-            shell.Tell(WM_RBUTTONUP);  // once at a time
-            return 1000;
-        });
+    const CFakePopup track("TrackPopupMenuEx", [&](HMENU, UINT, int, int, HWND hOwner, auto) {
+        EXPECT_EQ(hOwner, hFront);
+        shell.Tell(WM_RBUTTONUP);  // once at a time
+        return 1000;
+    });
     shell.Tell(WM_RBUTTONUP);
     EXPECT_EQ("0 ", command.Done());
     MSG msg;

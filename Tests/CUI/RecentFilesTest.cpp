@@ -24,7 +24,7 @@ struct CRecent final : CCUIRecentFiles
 std::string Open(CTestFrame &frame)
 {
     const HMENU hMenu = GetSubMenu(frame.GetMenu(), 0);
-    SendMessageA(frame, WM_INITMENUPOPUP, reinterpret_cast<WPARAM>(hMenu), 0);
+    OpenMenu(frame, hMenu);
     return ItemsOf(hMenu, "|");
 }
 
@@ -62,7 +62,7 @@ TEST(RecentFiles, ShowInTheMenuOpenAndTellWhatIsGone)
     EXPECT_NE(std::string::npos, items.find("...\\")) << items;
     EXPECT_EQ("file.txt|&2 C:\\A && B.txt|E&xit", items.substr(items.find("file.txt")));
     recent.Add("C:\\windows\\system32\\kernel32.dll");
-    for (const WPARAM nID : {1710U, 1712U})
+    for (const WPARAM nID : {1710U, 1712U, 1713U, 1720U})
         SendMessageA(frame, WM_COMMAND, nID, 0);
     EXPECT_EQ("C:\\windows\\system32\\kernel32.dll|C:\\A & B.txt 2", frame.m_told + recent.m_gone);
     for (int i = 0; i < 12; ++i)

@@ -50,8 +50,10 @@ TEST(SingleInstance, HandsItsCommandLineAndFolderToTheFirst)
         ASSERT_TRUE(hWnd = FindWindowExA(nullptr, hWnd, "pzl-Window", nullptr));
     while (TextOf(hWnd).find("CUITests/run/") != 0);
     char good[] = "f\0c", open[] = "fc";
-    for (COPYDATASTRUCT data :
-         {COPYDATASTRUCT{1, 4, good}, {0x43554931, 3, open}, {0x43554931, 0, nullptr}})
+    for (COPYDATASTRUCT data : {COPYDATASTRUCT{1, 4, good},
+                                {0x43554931, 3, good},
+                                {0x43554931, 3, open},
+                                {0x43554931, 0, nullptr}})
         EXPECT_EQ(0, SendMessageA(hWnd, WM_COPYDATA, 0, reinterpret_cast<LPARAM>(&data)));
     // Nobody answers now: it must not wait for ever.
     EXPECT_EQ(static_cast<DWORD>(CCUISingleInstance::Unreachable),

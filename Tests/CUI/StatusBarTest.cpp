@@ -150,7 +150,7 @@ TEST(StatusBar, HasAGripWhereTheWindowCanBeSizedByIt)
     // Mirrored, at the left.
     SetWindowLongA(bar, GWL_EXSTYLE, 0x00400000);
     EXPECT_EQ(HTBOTTOMLEFT, hit());
-    EXPECT_EQ(7, SendMessageA(bar, WM_NCLBUTTONDOWN, HTBOTTOMLEFT, 5));
+    EXPECT_EQ(7, Send(bar, WM_NCLBUTTONDOWN, WPARAM(hit()), 5));
     SetWindowLongA(bar, GWL_EXSTYLE, 0);
     ShowWindow(frame, SW_MAXIMIZE);
     EXPECT_EQ(HTCLIENT, hit());

@@ -2,7 +2,16 @@
 
 #include <string>
 
-#include "CU/Platform.h"
+#include "Support/ImportHook.h"
+
+// For "TrackPopupMenuEx".
+using CFakePopup = CFakeCall<BOOL(HMENU, UINT, int, int, HWND, TPMPARAMS *)>;
+
+// What a window hears when one of its menus is about to be seen.
+inline void OpenMenu(HWND hWnd, HMENU hMenu)
+{
+    SendMessageA(hWnd, WM_INITMENUPOPUP, reinterpret_cast<WPARAM>(hMenu), 0);
+}
 
 inline MENUITEMINFOA ItemInfo(HMENU hMenu, UINT nItem)
 {
