@@ -34,10 +34,10 @@ double TimeStart(const std::string &commandLine, const std::string &caption)
 // The same picture in other colours.
 CBlob Inverted(const CBlob &dib)
 {
-    std::vector<BYTE> bytes = *dib;
+    std::vector<BYTE> bytes(dib->begin(), dib->end());
     for (size_t i = bytes.size() / 2; i < bytes.size(); ++i)
         bytes[i] = static_cast<BYTE>(~bytes[i]);
-    return std::make_shared<const std::vector<BYTE>>(bytes);
+    return MakeBlob(bytes);
 }
 
 // Two launchers that differ in their three pictures, put into a third in turns.

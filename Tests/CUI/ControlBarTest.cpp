@@ -114,6 +114,17 @@ TEST(ControlBar, PutsItsItemsAlongItsSideAndWhatHasNoRoomIntoAMenu)
     SetWindowLongA(bar, GWL_EXSTYLE, MIRRORED);
     bar.Mouse(WM_LBUTTONDOWN, 0, 24);
     EXPECT_EQ("35,75 47,28 18,44 202,44 ", opened);
+    {
+        // What has its size needs no DC to be laid out.
+        int nMeasured = 0;
+        const CFakeCall<HDC(HWND)> dc("GetDC", [&](HWND hWnd) {
+            nMeasured += !hWnd;
+            return dc.Original(hWnd);
+        });
+        bar.SetSide(CUI_BAR_LEFT);
+        bar.SetSide(CUI_BAR_TOP);
+        EXPECT_EQ(0, nMeasured);
+    }
     // Pictures stretch to the dots of the screen, as far as they are drawn for fewer.
     const CDotsPerInch dpi(192);
     for (const int nDpi : {96, 192, 400}) {

@@ -148,7 +148,7 @@ TEST(Check, TellsMistakesInPictures)
         return skin;
     };
     const CBlob whole = GoodSkin().m_pictures[PictureBackground];
-    const CBlob cut = std::make_shared<const std::vector<BYTE>>(whole->begin(), whole->end() - 1);
+    const CBlob cut = PartOf(whole, 0, whole->size() - 1);
     ExpectLine(with(PictureBackground, nullptr), "",
                "error: bitmap 200: The background is missing");
     ExpectLine(with(PictureBackground, cut), "", "its data is cut off");

@@ -23,7 +23,7 @@ CSkin TestSkin()
                             {{IDS_TITLE, CWideText("Title", 1252)},
                              {IDS_RUN_POS, CWideText("46,172", 1252)},
                              {77, CWideText("kept", 1252)}}});
-    skin.m_pictures[PictureBullet] = std::make_shared<const std::vector<BYTE>>(1000, BYTE(7));
+    skin.m_pictures[PictureBullet] = MakeBlob(std::vector<BYTE>(1000, 7));
     skin.m_version[CWideText("ProductName", 1252)] = CWideText("Fennick", 1252);
     return skin;
 }
@@ -57,7 +57,7 @@ TEST(Document, TakesBackEveryKindOfChangeToTheByte)
     CDocument document;
     document.Start(TestSkin());
     std::vector<std::vector<BYTE>> states = {All(document)};
-    const auto blob = std::make_shared<const std::vector<BYTE>>(10, BYTE(1));
+    const auto blob = MakeBlob(std::vector<BYTE>(10, 1));
     const std::function<void()> CHANGES[] = {[&] { document.SetEntry(IDS_TITLE, "Tidal"); },
                                              [&] { document.SetEntry(IDS_TITLE, ""); },
                                              [&] { document.SetEntry(IDS_ABOUT, "new\nlines"); },

@@ -22,7 +22,7 @@ CBlob BlobOf(size_t nSize, BYTE nByte)
 }
 
 // Every section's name and bytes but those of one.
-std::string OtherSections(const std::vector<BYTE> &file, const char *pszBut)
+std::string OtherSections(const CBytes &file, const char *pszBut)
 {
     const CByteView bytes(file);
     const CByteView headers = bytes.From(bytes.Dword(60));
@@ -92,7 +92,7 @@ TEST(LauncherFile, WritesWhatTheToolsWrite)
     ASSERT_TRUE(image.Read(ReadFileBytes(TEST_LAUNCHER), sWhat)) << sWhat;
     CResourceTree tree;
     ASSERT_TRUE(tree.Read(image.Resources(), image.ResourcesAddress()));
-    EXPECT_TRUE(image.Bytes() == image.WithResources(tree));
+    EXPECT_TRUE(image.Bytes() == *MakeBlob(image.WithResources(tree)));
     CProblems problems;
     const auto shipped = Launcher(problems);
     const CBlob other = ReadFileBytes(TEST_OTHER_LAUNCHER);
@@ -105,7 +105,7 @@ TEST(LauncherFile, WritesWhatTheToolsWrite)
     EXPECT_EQ("", Lines(problems));
     // A signature is taken out, and nothing else, whichever launcher is larger.
     for (const CBlob &file : {ReadFileBytes(TEST_LAUNCHER), other}) {
-        std::vector<BYTE> bytes = *file;
+        std::vector<BYTE> bytes = CByteView(*file).Copy();
         const size_t nDirectory = CByteView(bytes).Dword(60) + 120 + 4 * 8;
         PutDword(bytes, nDirectory, static_cast<DWORD>(bytes.size()));
         PutDword(bytes, nDirectory + 4, 500);
@@ -119,6 +119,24 @@ TEST(LauncherFile, WritesWhatTheToolsWrite)
         EXPECT_TRUE(strstr(Lines(problems).c_str(), "was signed. (the signature is taken out"));
         problems.clear();
     }
+}
+
+// Not copied: they live as long as one of them does. Where a header may not stand they are.
+TEST(LauncherFile, SharesTheBytesOfItsFile)
+{
+    CProblems problems;
+    CBlob bytes = ReadFileBytes(TEST_LAUNCHER);
+    const CBlob picture =
+        CLauncherFile::Read("a", bytes, problems)->Skin().m_pictures[PictureBackground];
+    EXPECT_LT(bytes->begin(), picture->begin());
+    EXPECT_GE(bytes->end(), picture->end());
+    const CBlob part = PartOf(bytes, 1, 77),
+                equal = MakeBlob({bytes->begin() + 1, bytes->begin() + 78});
+    EXPECT_TRUE(part->data() < bytes->begin() || part->data() >= bytes->end());
+    EXPECT_TRUE(SameBytes(part, equal));
+    const std::weak_ptr<const void> file = bytes->Holder();
+    bytes = nullptr;
+    EXPECT_FALSE(file.expired());
 }
 
 // The system reads what was written.
@@ -189,7 +207,7 @@ TEST(LauncherFile, AddsASectionWhereThereIsNoRoom)
 {
     CTemporaryDirectory directory;
     const std::string path = directory.Path() + "\\a.exe";
-    std::vector<BYTE> bytes = *ReadFileBytes(TEST_LAUNCHER);
+    std::vector<BYTE> bytes = CByteView(*ReadFileBytes(TEST_LAUNCHER)).Copy();
     const size_t nDirectories = CByteView(bytes).Dword(60) + 120;
     const DWORD nRelocations = CByteView(bytes).Dword(nDirectories + 5 * 8);
     // A table that somebody put behind the relocations, of nothing.

@@ -166,6 +166,8 @@ TEST(Picture, ImportsPng)
         EXPECT_FALSE(ImportPicture(sPath, problems)) << nCut;
     }
     EXPECT_EQ(4U, problems.size());
+    EXPECT_FALSE(ImportPicture(folder.Path().c_str(), problems));
+    EXPECT_TRUE(strstr(ProblemLine(problems[4]), "cannot be read: it is a folder."));
 }
 
 // Few colours stay exactly as they are; many come near, and the system's stand at the ends.

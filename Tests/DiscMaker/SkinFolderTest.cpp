@@ -304,6 +304,30 @@ TEST(SkinFolder, SaysThatNotEveryCompilerKnowsTheMarkOfUtf8)
     }
 }
 
+TEST(SkinFolder, SaysWhyItCannotBeReadBack)
+{
+    CScriptFolder folder("STRINGTABLE { 28 \"T\" }\n");
+    const auto file = folder.Open();
+    CSkin skin = file->Skin();
+    SetText(skin, IDS_TITLE, "New");
+    bool bMoved = false;
+    const CFakeCall<BOOL(const WCHAR *, const WCHAR *, DWORD)> place(
+        "MoveFileExW", [&](const WCHAR *pszFrom, const WCHAR *pszTo, DWORD nFlags) {
+            bMoved = true;
+            return place.Original(pszFrom, pszTo, nFlags);
+        });
+    typedef HANDLE Open(const WCHAR *, DWORD, DWORD, SECURITY_ATTRIBUTES *, DWORD, DWORD, HANDLE);
+    const CFakeCall<Open> open("CreateFileW", [&](auto... arguments) {
+        SetLastError(ERROR_SHARING_VIOLATION);
+        return bMoved ? INVALID_HANDLE_VALUE : open.Original(arguments...);
+    });
+    CProblems problems;
+    EXPECT_FALSE(file->Save(skin, folder.Path().c_str(), problems));
+    EXPECT_TRUE(strstr(Lines(problems).c_str(),
+                       "cannot be read: another program uses it. (it was "
+                       "written, but cannot be read back)"));
+}
+
 TEST(SkinFolder, IsWrittenAnewWhereItHasGone)
 {
     const CTemporaryDirectory directory;

@@ -54,6 +54,6 @@ inline CSkin GoodSkin()
     skin.m_pictures[PictureBackground] = TestPictureBlob(514, 345, MakePixel(240, 240, 220));
     skin.m_pictures[PictureProduct] = TestPictureBlob(100, 50, MakePixel(250, 240, 250));
     skin.m_pictures[PictureBullet] = TestPictureBlob(16, 16, MakePixel(0, 0, 99));
-    skin.m_icon = std::make_shared<const std::vector<BYTE>>(std::vector<BYTE>{0, 0, 1, 0, 0, 0});
+    skin.m_icon = MakeBlob({0, 0, 1, 0, 0, 0});
     return skin;
 }

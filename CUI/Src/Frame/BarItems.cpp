@@ -112,9 +112,14 @@ RECT CCUIBarItems::Arrow(const CCUIBarItem &item)
 
 // --- Sizes and places ---
 
+static bool IsMeasured(const CCUIBarItem &item)
+{
+    return item.hControl || item.size.cx;
+}
+
 void CCUIBarItems::Measure(CCUIBarItem &item, HDC hDC) const
 {
-    if (item.hControl || item.size.cx)
+    if (IsMeasured(item))
         return;
     if (item.IsSeparator()) {
         item.size.cx = item.size.cy = CUIScale(SEPARATOR);
@@ -138,23 +143,37 @@ void CCUIBarItems::Measure(CCUIBarItem &item, HDC hDC) const
 
 void CCUIBarItems::ForgetSizes()
 {
+    m_cyText = 0;
     for (int i = 0; i < Count(); ++i) {
         if (!(*this)[i].hControl)
             (*this)[i].size.cx = 0;
     }
 }
 
-int CCUIBarItems::Thickness(bool bVertical)
+// A DC of the screen costs more than all else here: a bar is laid out far more often than measured.
+void CCUIBarItems::MeasureAll()
 {
+    bool bMeasured = m_cyText != 0;
+    for (int i = 0; i < Count(); ++i)
+        bMeasured = bMeasured && IsMeasured(*m_items[i]);
+    if (bMeasured)
+        return;
     const CCUIWindowDC screen(nullptr);
     const CCUISelect font(screen, CUIGetWinData()->hMenuFont);
-    // An empty bar is as thick as one with texts.
     TEXTMETRICA metrics = {};
     GetTextMetricsA(screen, &metrics);
-    m_nAcross = metrics.tmHeight + CUIScale(PADDING);
+    m_cyText = metrics.tmHeight;
+    for (int i = 0; i < Count(); ++i)
+        Measure(*m_items[i], screen);
+}
+
+int CCUIBarItems::Thickness(bool bVertical)
+{
+    MeasureAll();
+    // An empty bar is as thick as one with texts.
+    m_nAcross = m_cyText + CUIScale(PADDING);
     for (int i = 0; i < Count(); ++i) {
-        CCUIBarItem &item = (*this)[i];
-        Measure(item, screen);
+        const CCUIBarItem &item = (*this)[i];
         if (item.IsButton() || !bVertical)
             m_nAcross = CUILarger(m_nAcross, bVertical ? item.size.cx : item.size.cy);
     }

@@ -92,6 +92,7 @@ public:
 private:
     bool HasPicture(const CCUIBarItem &item) const;
     bool IsTooWide(const CCUIBarItem &item, bool bVertical) const;
+    void MeasureAll();
     void Measure(CCUIBarItem &item, HDC hDC) const;
     void DrawButton(HDC hDC, const CCUIBarItem &item, CCUIBarLook look, bool bEnabled) const;
     void DrawPicture(HDC hDC, const RECT &rc, const CCUIBarItem &item, int x, bool bEnabled) const;
@@ -105,6 +106,7 @@ private:
     int m_cxPicture = 16;
     RECT m_rcOverflow = {0, 0, 0, 0};
     RECT m_rcOverflowBefore = {0, 0, 0, 0};
+    int m_cyText = 0;   // 0: not measured yet
     int m_nAcross = 0;  // that the items have
     bool m_bVertical = false;
 };

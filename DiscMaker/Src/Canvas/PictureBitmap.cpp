@@ -29,7 +29,7 @@ bool IsDepth(WORD nBits)
     return nBits == 1 || nBits == 4 || nBits == 8 || nBits == 16 || nBits == 24 || nBits == 32;
 }
 
-const BITMAPINFOHEADER *SoundHeader(const std::vector<BYTE> &bytes)
+const BITMAPINFOHEADER *SoundHeader(const CBytes &bytes)
 {
     if (bytes.size() < sizeof(BITMAPINFOHEADER))
         return nullptr;

@@ -2,7 +2,7 @@
 
 #include <vector>
 
-#include "CUI/Platform.h"
+#include "Model/Blob.h"
 
 // Bytes of a file in memory, numbers in them with the low byte first. Whatever an offset says,
 // nothing outside of them is read: there is nothing but zeros.
@@ -12,6 +12,7 @@ public:
     CByteView() : m_pBytes(nullptr), m_nSize(0) {}
     CByteView(const BYTE *pBytes, size_t nSize) : m_pBytes(pBytes), m_nSize(nSize) {}
     explicit CByteView(const std::vector<BYTE> &bytes) : CByteView(bytes.data(), bytes.size()) {}
+    explicit CByteView(const CBytes &bytes) : CByteView(bytes.data(), bytes.size()) {}
 
     const BYTE *Data() const { return m_pBytes; }
     size_t Size() const { return m_nSize; }

@@ -37,9 +37,14 @@ std::vector<WCHAR> FullPath(const CCUString &sPath)
         return nLength < MAX_PATH && *szPath ? ToWide(szPath, CP_ACP) : std::vector<WCHAR>();
     }
     const std::vector<WCHAR> path = ToWide(sPath, CP_ACP);
-    std::vector<WCHAR> full(GetFullPathNameW(path.data(), 0, nullptr, nullptr));
-    const DWORD nRoom = static_cast<DWORD>(full.size());
-    const DWORD nLength = GetFullPathNameW(path.data(), nRoom, full.data(), nullptr);
+    std::vector<WCHAR> full(MAX_PATH);
+    DWORD nRoom = MAX_PATH;
+    DWORD nLength = GetFullPathNameW(path.data(), nRoom, full.data(), nullptr);
+    if (nLength >= nRoom) {
+        nRoom = nLength;
+        full.resize(nRoom);
+        nLength = GetFullPathNameW(path.data(), nRoom, full.data(), nullptr);
+    }
     full.resize(nLength > 0 && nLength < nRoom ? nLength + 1 : 0);
     return full;
 }

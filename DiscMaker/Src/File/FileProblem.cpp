@@ -1,6 +1,7 @@
 #include "File/FileProblem.h"
 
 #include "CU/ErrorText.h"
+#include "File/FileBytes.h"
 
 namespace {
 
@@ -39,7 +40,9 @@ const char *LostNameText(const CCUString &sPath)
 
 void AddFileProblem(CProblems &problems, const CCUString &sPath, const char *pszWhat, DWORD nError)
 {
-    const CCUString sLost = LostNameText(sPath);
-    AddProblem(problems, ProblemError, sPath,
-               CCUString(pszWhat) + ": " + (sLost.IsEmpty() ? Reason(nError) : sLost) + ".");
+    CCUString sWhy = LostNameText(sPath);
+    // Systems only say that access is denied.
+    if (sWhy.IsEmpty())
+        sWhy = FolderExists(sPath) ? CCUString("it is a folder") : Reason(nError);
+    AddProblem(problems, ProblemError, sPath, CCUString(pszWhat) + ": " + sWhy + ".");
 }

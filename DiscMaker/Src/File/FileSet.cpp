@@ -53,7 +53,7 @@ bool MoveAside(const CDiscPath &path, CDiscPath &moved)
     return bMoved;
 }
 
-DWORD WriteBytes(HANDLE file, const std::vector<BYTE> &bytes)
+DWORD WriteBytes(HANDLE file, const CBytes &bytes)
 {
     const DWORD nSize = static_cast<DWORD>(bytes.size());
     DWORD nWritten = 0;
@@ -65,7 +65,7 @@ DWORD WriteBytes(HANDLE file, const std::vector<BYTE> &bytes)
 }
 
 // Whether the file has these bytes and no more.
-DWORD CompareBytes(HANDLE file, const std::vector<BYTE> &bytes)
+DWORD CompareBytes(HANDLE file, const CBytes &bytes)
 {
     std::vector<BYTE> piece(0x10000);
     size_t nDone = 0;

@@ -49,14 +49,13 @@ DWORD CheckSum(const std::vector<BYTE> &file)
 {
     // Two words at a time: their carries come to the same in the end.
     ULONGLONG nSum = 0;
-    for (size_t i = 0; i < file.size(); i += sizeof(DWORD)) {
-        DWORD nWords = 0;
-        if (file.size() - i >= sizeof nWords)
-            memcpy(&nWords, file.data() + i, sizeof nWords);
-        else
-            nWords = CByteView(file).Dword(i);
+    const size_t nWhole = file.size() / sizeof(DWORD) * sizeof(DWORD);
+    for (size_t i = 0; i < nWhole; i += sizeof(DWORD)) {
+        DWORD nWords;
+        memcpy(&nWords, file.data() + i, sizeof nWords);
         nSum += nWords;
     }
+    nSum += CByteView(file).Dword(nWhole);
     while (nSum > 0xFFFF)
         nSum = (nSum & 0xFFFF) + (nSum >> 16);
     return static_cast<DWORD>(nSum + file.size());
@@ -152,12 +151,11 @@ CPeImage::CDirectory CPeImage::Directory(UINT nIndex) const
     return CDirectory{entry.Dword(0), entry.Dword(4)};
 }
 
-CByteView CPeImage::Resources() const
+CBlob CPeImage::Resources() const
 {
     const CSection &section = m_sections[m_nResources];
-    return File()
-        .Part(section.m_nFileOffset, section.m_nFileSize)
-        .From(ResourcesAddress() - section.m_nAddress);
+    const DWORD nInside = ResourcesAddress() - section.m_nAddress;
+    return PartOf(m_bytes, section.m_nFileOffset + nInside, section.m_nFileSize - nInside);
 }
 
 DWORD CPeImage::ResourcesAddress() const

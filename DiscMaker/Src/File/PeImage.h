@@ -11,9 +11,9 @@ public:
     // False when the bytes are no whole 32-bit program with resources; sWhat says what they are.
     bool Read(const CBlob &bytes, CCUString &sWhat);
 
-    const std::vector<BYTE> &Bytes() const { return *m_bytes; }
+    const CBytes &Bytes() const { return *m_bytes; }
     // From the root directory on to the end of its section in the file, and its address.
-    CByteView Resources() const;
+    CBlob Resources() const;
     DWORD ResourcesAddress() const;
     // Whether the file is signed: it is no more when the resources are other ones.
     bool IsSigned() const { return Directory(IMAGE_DIRECTORY_ENTRY_SECURITY).m_nSize != 0; }

@@ -108,7 +108,7 @@ private:
     size_t WriteRecord(const CResourceNode &node)
     {
         const size_t nStart = m_next.m_nRecord;
-        const std::vector<BYTE> &data = *node.m_data;
+        const CBytes &data = *node.m_data;
         m_next.m_nRecord += RECORD_SIZE;
         m_next.m_nData = AlignUp(m_next.m_nData, DATA_ALIGNMENT);
         PutDword(nStart, m_nAddress + static_cast<DWORD>(m_next.m_nData));

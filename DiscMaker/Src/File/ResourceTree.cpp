@@ -15,12 +15,13 @@ const DWORD HIGH_BIT = 0x80000000;
 class CTreeReader
 {
 public:
-    CTreeReader(const CByteView &section, DWORD nAddress)
-        : m_section(section),
+    CTreeReader(const CBlob &section, DWORD nAddress)
+        : m_bytes(section),
+          m_section(*section),
           m_nAddress(nAddress),
-          m_nEntriesLeft(section.Size() / ENTRY_SIZE),
+          m_nEntriesLeft(m_section.Size() / ENTRY_SIZE),
           // Some linkers let equal resources share their bytes.
-          m_nBytesLeft(section.Size() * 2)
+          m_nBytesLeft(m_section.Size() * 2)
     {
     }
 
@@ -82,12 +83,13 @@ private:
         if (!m_section.Has(nData, nSize) || nSize > m_nBytesLeft)
             return false;
         m_nBytesLeft -= nSize;
-        node.m_data = MakeBlob(m_section.Part(nData, nSize).Copy());
+        node.m_data = PartOf(m_bytes, nData, nSize);
         node.m_nCodePage = m_section.Dword(nOffset + 8);
         node.m_nReserved = m_section.Dword(nOffset + 12);
         return true;
     }
 
+    const CBlob &m_bytes;
     CByteView m_section;
     DWORD m_nAddress;
     size_t m_nEntriesLeft;
@@ -135,7 +137,7 @@ CResourceNode *CResourceNode::Find(const CResourceName &name)
     return const_cast<CResourceNode *>(static_cast<const CResourceNode *>(this)->Find(name));
 }
 
-bool CResourceTree::Read(const CByteView &section, DWORD nAddress)
+bool CResourceTree::Read(const CBlob &section, DWORD nAddress)
 {
     m_root = CResourceNode();
     if (CTreeReader(section, nAddress).ReadDirectory(m_root, 0, 1))

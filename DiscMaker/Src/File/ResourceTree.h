@@ -43,8 +43,8 @@ class CResourceTree
 public:
     // Reads the resource section, which stands at an address in the program. False when it is cut
     // or damaged: nothing is kept then. What points in circles or at the same bytes again and again
-    // is damaged.
-    bool Read(const CByteView &section, DWORD nAddress);
+    // is damaged. The resources are parts of the section's bytes.
+    bool Read(const CBlob &section, DWORD nAddress);
     // The size of the section that has these.
     size_t Size() const;
     // Appends that section, which is to stand at an address in the program. The layout is that of

@@ -250,7 +250,8 @@ bool CSkinFolder::Write(const CSkin &skin, const CCUString &sScript, CProblems &
     const std::vector<BYTE> script = editor.Finish();
     if (!Check(script, skin, problems))
         return false;
-    if (!IsSamePath(sScript, m_sPath) || script != *m_bytes || !FileExists(sScript))
+    if (!IsSamePath(sScript, m_sPath) || !SameBytes(MakeBlob(script), m_bytes) ||
+        !FileExists(sScript))
         files.Add(sScript, MakeBlob(script));
     return files.Commit(problems);
 }
@@ -268,7 +269,9 @@ bool CSkinFolder::Save(const CSkin &skin, const CCUString &sPath, CProblems &pro
     CProblems known;
     const auto folder = Read(sScript, known);
     if (!folder) {
-        AddProblem(problems, ProblemError, sScript, "The script was changed while it was saved.");
+        for (CProblem &problem : known)
+            problem.m_sEffect = "it was written, but cannot be read back";
+        problems.insert(problems.end(), known.begin(), known.end());
         return false;
     }
     m_sPath = sScript;

@@ -1,14 +1,10 @@
 #pragma once
 
 #include <map>
-#include <memory>
 #include <vector>
 
+#include "Model/Blob.h"
 #include "Model/WideText.h"
-
-// Bytes that nobody changes any more, shared by all that hold them: copies of a skin and steps that
-// can be undone cost a pointer. Null: there are none.
-typedef std::shared_ptr<const std::vector<BYTE>> CBlob;
 
 enum SkinPicture
 {

@@ -79,9 +79,9 @@ public:
             m_bFailed = true;
             return CBlob();
         }
-        const auto blob = std::make_shared<std::vector<BYTE>>(nSize - 1);
-        Bytes(blob->data(), nSize - 1);
-        return blob;
+        std::vector<BYTE> bytes(nSize - 1);
+        Bytes(bytes.data(), nSize - 1);
+        return MakeBlob(std::move(bytes));
     }
     bool Failed() const { return m_bFailed; }
     bool IsAtEnd() const { return !m_bFailed && m_nLeft == 0; }

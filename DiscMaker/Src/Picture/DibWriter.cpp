@@ -85,7 +85,7 @@ CBlob WriteIndexed(const CPixels &pixels)
     Append(bytes, pixels.m_colors.data(), nColors * sizeof(RGBQUAD));
     if (!AppendIndexes(bytes, pixels))
         return nullptr;
-    return std::make_shared<const std::vector<BYTE>>(std::move(bytes));
+    return MakeBlob(std::move(bytes));
 }
 
 CBlob WriteTrueColor(const CPixels &pixels)
@@ -99,7 +99,7 @@ CBlob WriteTrueColor(const CPixels &pixels)
             Append(bytes, &pixels.Row(y)[x], 3);
         AppendPadding(bytes, 3 * static_cast<size_t>(pixels.m_cx));
     }
-    return std::make_shared<const std::vector<BYTE>>(std::move(bytes));
+    return MakeBlob(std::move(bytes));
 }
 
 }  // namespace

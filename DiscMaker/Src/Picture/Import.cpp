@@ -22,14 +22,14 @@ enum PictureFormat
     FormatNone
 };
 
-bool Begins(const std::vector<BYTE> &file, const char *pszMark)
+bool Begins(const CBytes &file, const char *pszMark)
 {
     const size_t nLength = strlen(pszMark);
     return file.size() >= nLength && memcmp(file.data(), pszMark, nLength) == 0;
 }
 
 // By what a file holds: its name may say something else.
-PictureFormat FormatOf(const std::vector<BYTE> &file)
+PictureFormat FormatOf(const CBytes &file)
 {
     if (Begins(file, "BM"))
         return FormatBmp;
@@ -65,7 +65,7 @@ bool ReadPictureFile(const CCUString &sPath, CPixels &pixels, CProblems &problem
     const CBlob bytes = ReadBytes(sPath, problems);
     if (!bytes)
         return false;
-    const std::vector<BYTE> &file = *bytes;
+    const CBytes &file = *bytes;
     const PictureFormat format = FormatOf(file);
     if (format == FormatBmp) {
         const char *const pszWhy = ReadBmp(file.data(), file.size(), pixels);

@@ -7,9 +7,9 @@ namespace {
 // Of a stored block of the deflate format.
 const size_t MAX_BLOCK = 0xFFFF;
 
-typedef std::vector<BYTE> CBytes;
+typedef std::vector<BYTE> CPngBytes;
 
-void AppendNumber(CBytes &bytes, DWORD n)
+void AppendNumber(CPngBytes &bytes, DWORD n)
 {
     for (int nShift = 24; nShift >= 0; nShift -= 8)
         bytes.push_back(static_cast<BYTE>(n >> nShift));
@@ -26,7 +26,7 @@ DWORD Crc(const BYTE *p, size_t nSize)
     return ~nCrc;
 }
 
-void AppendChunk(CBytes &bytes, const char *pszType, const CBytes &data)
+void AppendChunk(CPngBytes &bytes, const char *pszType, const CPngBytes &data)
 {
     AppendNumber(bytes, static_cast<DWORD>(data.size()));
     const size_t nFrom = bytes.size();
@@ -35,7 +35,7 @@ void AppendChunk(CBytes &bytes, const char *pszType, const CBytes &data)
     AppendNumber(bytes, Crc(bytes.data() + nFrom, bytes.size() - nFrom));
 }
 
-DWORD Adler(const CBytes &bytes)
+DWORD Adler(const CPngBytes &bytes)
 {
     DWORD nSum = 1;
     DWORD nSums = 0;
@@ -47,9 +47,9 @@ DWORD Adler(const CBytes &bytes)
 }
 
 // As a zlib stream of stored blocks.
-CBytes Store(const CBytes &bytes)
+CPngBytes Store(const CPngBytes &bytes)
 {
-    CBytes stream = {0x78, 0x01};
+    CPngBytes stream = {0x78, 0x01};
     for (size_t nAt = 0; nAt < bytes.size(); nAt += MAX_BLOCK) {
         const size_t nSize = std::min(MAX_BLOCK, bytes.size() - nAt);
         stream.push_back(nAt + nSize == bytes.size());
@@ -64,9 +64,9 @@ CBytes Store(const CBytes &bytes)
     return stream;
 }
 
-CBytes Rows(const CPixels &pixels)
+CPngBytes Rows(const CPixels &pixels)
 {
-    CBytes rows;
+    CPngBytes rows;
     rows.reserve((3 * static_cast<size_t>(pixels.m_cx) + 1) * static_cast<size_t>(pixels.m_cy));
     for (int y = 0; y < pixels.m_cy; ++y) {
         rows.push_back(0);  // no filter
@@ -83,13 +83,13 @@ CBytes Rows(const CPixels &pixels)
 
 CBlob WritePng(const CPixels &pixels)
 {
-    CBytes bytes = {0x89, 'P', 'N', 'G', '\r', '\n', 0x1A, '\n'};
-    CBytes header;
+    CPngBytes bytes = {0x89, 'P', 'N', 'G', '\r', '\n', 0x1A, '\n'};
+    CPngBytes header;
     AppendNumber(header, static_cast<DWORD>(pixels.m_cx));
     AppendNumber(header, static_cast<DWORD>(pixels.m_cy));
     header.insert(header.end(), {8, 2, 0, 0, 0});  // 8 bits a channel, RGB
     AppendChunk(bytes, "IHDR", header);
     AppendChunk(bytes, "IDAT", Store(Rows(pixels)));
-    AppendChunk(bytes, "IEND", CBytes());
-    return std::make_shared<const CBytes>(std::move(bytes));
+    AppendChunk(bytes, "IEND", CPngBytes());
+    return MakeBlob(std::move(bytes));
 }

@@ -60,7 +60,7 @@ private:
 };
 
 // The stream owns the copy.
-bool MakeStream(const std::vector<BYTE> &file, CInterface<IStream> &stream)
+bool MakeStream(const CBytes &file, CInterface<IStream> &stream)
 {
     if (!Ole().m_bThere || file.empty())
         return false;
@@ -149,7 +149,7 @@ bool CopyBits(const CGdiPlus &gdi, void *pBitmap, CPixels &pixels)
     return true;
 }
 
-bool ReadWithGdiPlus(const std::vector<BYTE> &file, CPixels &pixels)
+bool ReadWithGdiPlus(const CBytes &file, CPixels &pixels)
 {
     const CGdiPlus &gdi = GdiPlus();
     CInterface<IStream> stream;
@@ -182,7 +182,7 @@ bool CopyBitmap(HBITMAP hBitmap, CPixels &pixels)
     return true;
 }
 
-bool ReadWithOle(const std::vector<BYTE> &file, CPixels &pixels)
+bool ReadWithOle(const CBytes &file, CPixels &pixels)
 {
     CInterface<IStream> stream;
     CInterface<IPicture> picture;
@@ -199,7 +199,7 @@ bool ReadWithOle(const std::vector<BYTE> &file, CPixels &pixels)
 
 }  // namespace
 
-bool ReadWithSystem(const std::vector<BYTE> &file, CPixels &pixels)
+bool ReadWithSystem(const CBytes &file, CPixels &pixels)
 {
     return ReadWithGdiPlus(file, pixels) || ReadWithOle(file, pixels);
 }

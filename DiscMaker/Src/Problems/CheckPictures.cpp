@@ -50,7 +50,7 @@ void CheckReadable(const CSkin &skin, int nPicture, CPixels &pixels, CProblems &
 void CheckKind(const CSkin &skin, int nPicture, CProblems &problems)
 {
     BITMAPINFOHEADER header = {};
-    const std::vector<BYTE> &dib = *skin.m_pictures[nPicture];
+    const CBytes &dib = *skin.m_pictures[nPicture];
     memcpy(&header, dib.data(), dib.size() < sizeof header ? dib.size() : sizeof header);
     const bool bCore = header.biSize == sizeof(BITMAPCOREHEADER);
     if (!bCore && (header.biSize != sizeof header || header.biCompression != BI_RGB ||

@@ -93,6 +93,8 @@ void CDiscDialog::OnOK()
     if (watch.IsGone())
         return;
     m_bWorking = false;
+    if (!Exist())
+        return;
     EnableAll(true);
     m_state.SetText("");
     m_progress.SetPos(0);
@@ -115,6 +117,24 @@ void CDiscDialog::OnCancel()
         CCUIDialog::OnCancel();
 }
 
+// What is written so far is no disc: the session ends when that has been taken back.
+int CDiscDialog::OnQueryEndSession(UINT nReason)
+{
+    if (!m_bWorking || m_bStopped)
+        return CCUIDialog::OnQueryEndSession(nReason);
+    if (m_bAsking)
+        return 0;
+    CCUIMessageBox box("The disc is not finished. Stop making it?", "Make the disc",
+                       MB_ICONQUESTION);
+    box.AddButton(IDYES, "&Stop");
+    box.AddButton(IDCANCEL, "&Go on");
+    m_bAsking = true;
+    m_bStopped = box.DoModal(this) == IDYES || m_bStopped;
+    m_bAsking = false;
+    return m_bStopped;
+}
+
+// Without its window, which an end of the session destroys unasked, the work stops as well.
 bool CDiscDialog::OnProgress(ULONGLONG nDone, ULONGLONG nTotal, const CCUString &sFile)
 {
     if (nTotal)
@@ -122,5 +142,5 @@ bool CDiscDialog::OnProgress(ULONGLONG nDone, ULONGLONG nTotal, const CCUString 
     if (m_state.GetText() != sFile)
         m_state.SetText(sFile);
     IdleLoop(1, 0);
-    return !m_bStopped;
+    return !m_bStopped && Exist();
 }

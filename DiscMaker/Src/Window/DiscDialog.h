@@ -26,6 +26,7 @@ protected:
     void OnCommand(UINT nCode, UINT nID, HWND hControl) override;
     void OnOK() override;
     void OnCancel() override;
+    int OnQueryEndSession(UINT nReason) override;
 
 private:
     bool OnProgress(ULONGLONG nDone, ULONGLONG nTotal, const CCUString &sFile) override;
@@ -43,4 +44,5 @@ private:
     CCUIProgressBar m_progress;
     bool m_bWorking = false;
     bool m_bStopped = false;
+    bool m_bAsking = false;
 };

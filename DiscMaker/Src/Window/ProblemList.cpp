@@ -6,6 +6,23 @@
 
 namespace {
 
+const int COLUMNS = 4;
+
+// Of the columns, in a list of that width: the last two share what the others leave.
+struct CWidths
+{
+    explicit CWidths(int cx)
+    {
+        const int nUnit = Scaled(16);
+        m_n[0] = 4 * nUnit;
+        m_n[1] = 11 * nUnit;
+        const int cxRest = std::max(20 * nUnit, cx - m_n[0] - m_n[1]);
+        m_n[2] = cxRest * 11 / 20;
+        m_n[3] = cxRest - m_n[2];
+    }
+    int m_n[COLUMNS];
+};
+
 const char *WeightText(ProblemWeight weight)
 {
     return weight == ProblemError ? "Error" : weight == ProblemWarning ? "Warning" : "Note";
@@ -27,9 +44,12 @@ int CProblemList::CreateList(HWND hParent, UINT nID)
         return 0;
     SetExtendedStyle(LVS_EX_FULLROWSELECT);
     SetRedraw(false);
-    for (const char *const pszColumn : {"", "Where", "Problem", "On the disc"})
-        InsertColumn(m_nColumns++, pszColumn, 0);
+    const char *const columns[COLUMNS] = {"", "Where", "Problem", "On the disc"};
+    const CWidths widths(0);
+    for (int i = 0; i < COLUMNS; ++i)
+        InsertColumn(i, columns[i], widths.m_n[i]);
     SetRedraw(true);
+    m_bColumns = true;
     return 1;
 }
 
@@ -67,16 +87,21 @@ void CProblemList::OnSize(UINT nType, int cx, int cy)
 
 void CProblemList::FitColumns()
 {
+    if (!m_bColumns)
+        return;
     RECT client;
     GetClientRect(m_hWnd, &client);
-    const int nUnit = Scaled(16);
-    const int cxWeight = 4 * nUnit, cxWhere = 11 * nUnit;
-    const int cxRest = std::max<int>(20 * nUnit, client.right - cxWeight - cxWhere);
-    const int cxProblem = cxRest * 11 / 20;
-    const int widths[] = {cxWeight, cxWhere, cxProblem, cxRest - cxProblem};
-    // Each change of a width has the list place its header and bars a dozen times.
+    const CWidths widths(client.right);
+    bool bFit = true;
+    for (int i = 0; i < COLUMNS; ++i)
+        bFit = bFit && GetColumnWidth(i) == widths.m_n[i];
+    if (bFit)
+        return;
+    // Each width that is set has the list place its header and bars several times.
     SetRedraw(false);
-    for (int i = 0; i < m_nColumns; ++i)
-        SetColumnWidth(i, widths[i]);
+    for (int i = 0; i < COLUMNS; ++i) {
+        if (GetColumnWidth(i) != widths.m_n[i])
+            SetColumnWidth(i, widths.m_n[i]);
+    }
     SetRedraw(true);
 }

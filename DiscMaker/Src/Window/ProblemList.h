@@ -34,5 +34,5 @@ private:
 
     CProblemHost &m_host;
     CProblems m_problems;
-    int m_nColumns = 0;
+    bool m_bColumns = false;
 };
