@@ -128,7 +128,7 @@ TEST(Module, GoesInTheMiddleOfEverythingAndLeavesNothing)
         EXPECT_FALSE(GetClassInfoA(alone.m_hModule, name, &found)) << name;
     }
     EXPECT_EQ(filter, SetUnhandledExceptionFilter(nullptr));
-    EXPECT_EQ(nTimes + 5U, directory.Files("ZELLog-*").size());
+    EXPECT_EQ(static_cast<size_t>(nTimes) + 5, directory.Files("ZELLog-*").size());
     EXPECT_NE("", directory.Contents("ZELTrace-*"));
 }
 
