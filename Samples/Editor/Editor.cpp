@@ -60,7 +60,7 @@ private:
         const bool bLarge = CUIGetWinData()->cyPixelsPerInch >= 120;
         const CCUIBitmap strip(bLarge ? IDB_LARGE_TOOLS : IDB_TOOLS, CUIBMP_SYSCOLORS, m_hInstance);
         m_menu.SetPictures(strip, PICTURES);
-        SetMenu(m_menu.GetHandle());
+        SetMenu(m_menu);
         SetAccelerators(m_hInstance, MAKEINTRESOURCE(IDR_EDITOR));
         AcceptFiles(true);
 

@@ -24,7 +24,7 @@ public:
         const unsigned nLength = file.GetLength();
         char *const psz = sText.GetBuffer(static_cast<int>(nLength));
         sText.ReleaseBuffer(static_cast<int>(file.Read(psz, nLength)));
-        SetWindowTextA(m_edit, sText);
+        m_edit.SetText(sText);
         m_recent.Add(sPath);
         SetDocument(sPath);
         SetModified(false);
@@ -93,13 +93,10 @@ private:
     bool Save()
     {
         CCUFile file;
-        CCUString sText;
-        const int nLength = GetWindowTextLengthA(m_edit);
-        GetWindowTextA(m_edit, sText.GetBuffer(nLength), nLength + 1);
-        sText.ReleaseBuffer();
+        const CCUString sText = m_edit.GetText();
         if (!file.Open(GetDocument(), CCUFile::modeWrite | CCUFile::modeCreate))
             return false;
-        file.Write(sText, static_cast<unsigned>(nLength));
+        file.Write(sText, static_cast<unsigned>(sText.GetLength()));
         m_recent.Add(GetDocument());
         SetModified(false);
         return true;

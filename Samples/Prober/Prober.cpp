@@ -37,7 +37,7 @@ private:
     {
         CUGetWindow();  // this program shows its values, too
         s_interval.SetOpen(true);
-        SetMenu(m_menu.GetHandle());
+        SetMenu(m_menu);
         SetAccelerators(m_hInstance, MAKEINTRESOURCE(IDR_PROBER));
         m_status.CreateBar(*this, 1);
         SetStatusBar(&m_status);

@@ -41,7 +41,7 @@ private:
         const CCUIBitmap strip(bLarge ? IDB_LARGE_TOOLS : IDB_TOOLS, CUIBMP_SYSCOLORS, m_hInstance);
         const int nDpi = bLarge ? 144 : 96;  // that they were drawn for
         m_menu.SetPictures(strip, TOOLS, ARRAYSIZE(TOOLS), nDpi);
-        SetMenu(m_menu.GetHandle());
+        SetMenu(m_menu);
         SetAccelerators(m_hInstance, MAKEINTRESOURCE(IDR_VIEWER));
         AcceptFiles(true);
 

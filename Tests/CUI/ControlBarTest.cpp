@@ -251,14 +251,27 @@ TEST(ControlBar, GoesFromButtonToButtonByTheKeyboardAndGivesTheFocusBack)
     EXPECT_EQ(second.GetHandle(), GetFocus());
     Input(second, {VK_ESCAPE});
     EXPECT_EQ(parent.GetHandle(), GetFocus());
+    EXPECT_EQ(0, Send(bar, WM_NOTIFY));
     // A window in the bar is a stop of its own, which Tab leaves.
     const HWND hEdit = MakePlain("EDIT", bar, 77, WS_TABSTOP);
-    bar.AddControl(hEdit, 0);
+    CTestCommand command(1005);
+    bar.AddControl(hEdit, 1005);
     SetFocus(bar);
     Input(bar, {VK_END});
     parent.Told();
     EXPECT_TRUE(PressKey(VK_TAB));
     EXPECT_EQ(Text("%u/77 help1000 ", UINT(MAKEWPARAM(77, EN_KILLFOCUS))), parent.Told());
+    // So does the focus when its command is disabled, or back out of the bar.
+    for (const bool bOthers : {true, false}) {
+        for (const int i : {0, 2})
+            parent.m_commands[i].m_nState = bOthers ? CUI_COMMAND_ACTIVE : 0;
+        command.m_nState = CUI_COMMAND_ACTIVE;
+        CCUICommandMap::IdleUpdate();
+        SetFocus(hEdit);
+        command.m_nState = 0;
+        CCUICommandMap::IdleUpdate();
+        EXPECT_EQ(bOthers ? bar.GetHandle() : parent.GetHandle(), GetFocus()) << bOthers;
+    }
 }
 
 TEST(ControlBar, DocksWhereItIsDraggedAndRemembersThat)

@@ -248,6 +248,15 @@ std::string PlayDialog(bool bOurs)
         ours[i] = std::make_unique<CCUIButton>(controls[i].kind);
         EXPECT_TRUE(ours[i]->ReplaceControl(dialog, 100 + static_cast<UINT>(i)));
     }
+    if (bOurs) {
+        // One that has a window stays as it is.
+        CReports reports;
+        CCUIButton button;
+        button.CreateControl(dialog, 9, "");
+        EXPECT_EQ("m_hWnd == 0",
+                  reports.Of("Window", [&] { EXPECT_FALSE(button.ReplaceControl(dialog, 105)); }));
+        EXPECT_EQ(nullptr, button.GetFont());
+    }
     CheckRadioButton(dialog, 101, 103, 101);
     std::string record;
     const auto note = [&] {

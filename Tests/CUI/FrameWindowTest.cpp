@@ -260,7 +260,7 @@ TEST(FrameWindow, CoversTheScreenAndComesBackAsItWas)
         ShowWindow(frame, SW_RESTORE);
         EXPECT_EQ(screen + screen + "000 0", look());
         EXPECT_TRUE(frame.SetMenu(GetModuleHandleA(nullptr), MAKEINTRESOURCEA(700)));
-        EXPECT_FALSE(IsMenu(hMenu) || GetMenu(frame));
+        EXPECT_FALSE(IsMenu(hMenu) || GetMenu(frame) || frame.SetMenu(hMenu));
         const HMENU hLast = frame.GetMenu();
         frame.Destroy();
         EXPECT_EQ(kept, CTestSettings::Get("Placement"));

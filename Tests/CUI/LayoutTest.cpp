@@ -18,7 +18,11 @@ struct CLayout : CScripted<CCUILayoutWindow>
     {
         Create(nullptr, "", SHOWN, {0, 0, cx, cy}, hParent, 0);
     }
-    void OnSplitting(HWND, int &nSize) override { nSize = nSize == 13 ? 14 : nSize; }
+    void OnSplitting(HWND hChild, int &nSize) override
+    {
+        nSize = nSize == 13 ? 14 : nSize;
+        SetSplit(hChild, nSize);
+    }
     void OnSplit(HWND, int nSize) override { m_told += Text("%d ", nSize); }
 };
 
@@ -236,6 +240,8 @@ TEST(Layout, SplitterMovesByMouseAndKeysAndGoesBack)
     };
     EXPECT_EQ(13 + 1, drag(-17));
     EXPECT_EQ(58, drag(28)) << "from where it was before the focus went";
+    EXPECT_TRUE(layout.SetSplit(*boxes[0], 40)) << "the drag goes on";
+    EXPECT_EQ("0+40 46+60 ", Along(boxes));
     ReleaseCapture();
     EXPECT_EQ("0+30 36+70 ", Along(boxes));
     drag(28);
@@ -253,12 +259,13 @@ TEST(Layout, SplitterMovesByMouseAndKeysAndGoesBack)
         SendMessageA(hSplitter, WM_KEYDOWN, key.first, 0);
         EXPECT_EQ(key.second, layout.GetSplit(*boxes[0])) << key.first;
     }
+    layout.SetSplit(*boxes[0], 50);
     BYTE control[256] = {};
     control[VK_CONTROL] = 0x80;
     SetKeyboardState(control);
     Input(hSplitter, {VK_RIGHT});
     PressTab();
-    EXPECT_EQ("48 57 ", layout.Told());
+    EXPECT_EQ("48 51 ", layout.Told());
     // Two with weights share otherwise, in a larger window too.
     boxes[0]->SetLayoutFlags(split | CUIPlaceWeight(1));
     boxes[0]->SetFixedSize(10);

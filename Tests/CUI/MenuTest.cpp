@@ -106,6 +106,7 @@ TEST(Menu, TakesItsItemsOverAsTheyAreWhenItOpensAndKeepsTheirTexts)
     EXPECT_EQ("new* " + long_text + "* dos*  more* *", ItemsOf(hMenu));
     const HMENU hPlain = menu.Detach();
     EXPECT_EQ("new " + long_text + " dos  more *", ItemsOf(hPlain));
+    EXPECT_EQ(0u, ItemInfo(hPlain, 0).dwItemData);
     DestroyMenu(hPlain);
 
     EXPECT_EQ("T&hree", ItemsOf(CCUIMenu(MODULE, MAKEINTRESOURCEA(520), 1).GetHandle()));
@@ -304,6 +305,6 @@ TEST(Menu, RunsByKeyboardInItsPopupsAndSurvivesWhatHappensToIt)
     OpenMenu(window, GetSubMenu(bar.GetHandle(), 1));
     EXPECT_EQ("&one &sub", ItemsOf(bar.GetHandle())) << "the bar stays the system's";
     window.Destroy();
-    EXPECT_FALSE(IsMenu(bar.GetHandle()));
+    EXPECT_EQ(nullptr, bar.GetHandle());
     EXPECT_EQ(0, reports.Total());
 }

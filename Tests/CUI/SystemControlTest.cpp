@@ -1,5 +1,7 @@
 // The typed classes over the system's controls, with the system's own messages beside them.
 #include "CUI/ComboBox.h"
+#include "CUI/Control.h"
+#include "CUI/ControlBar.h"
 #include "CUI/Data.h"
 #include "CUI/Dialog.h"
 #include "CUI/Edit.h"
@@ -15,6 +17,7 @@
 #include "CUI/TreeView.h"
 #include "Support/GdiCount.h"
 #include "Support/HeapWatch.h"
+#include "Support/ImportHook.h"
 #include "Support/PixelMap.h"
 #include "Support/Reports.h"
 #include "Support/TestWindow.h"
@@ -103,6 +106,16 @@ TEST(SystemControls, AreControlWindowsThatGoWithTheirObjectsOrStay)
     RegisterClassA(&own);
     MakePlain("Own Edit", parent, 10);
     EXPECT_TRUE(edit.Bind(parent, 10));
+    // Another program's window serves for nothing.
+    const CFakeCall<HWND(HWND, int)> item("GetDlgItem", [](auto...) { return GetDesktopWindow(); });
+    CDumped dumped;
+    CCUIControl control;
+    CCUIControlBar bar;
+    bar.CreateBar(parent, 12);
+    EXPECT_FALSE(CCUIEdit().Bind(parent, 1) || control.ReplaceControl(parent, 1));
+    bar.AddControl(GetDesktopWindow(), 0);
+    CCUIWindow().Attach(GetDesktopWindow());
+    EXPECT_EQ(4, std::count(dumped.m_text.begin(), dumped.m_text.end(), '\n')) << dumped.m_text;
     EXPECT_EQ(1, reports.Total());
 }
 

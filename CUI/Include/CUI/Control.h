@@ -39,6 +39,9 @@ CUI_API int CUITranslateMnemonic(HWND hParent, const MSG *pMsg);
 /// In a mirrored window (WS_EX_LAYOUTRTL, on Windows 98 and 2000) all of it is mirrored, pictures
 /// too, but not the text; WS_EX_RTLREADING has that read from right to left.
 ///
+/// Without comctl32.dll there are no tooltips. Where the system has nothing for TrackMouseLeave, a
+/// timer finds out that the mouse has left.
+///
 /// A control may be deleted by whatever it tells or calls. It uses its CCUTimer (SetAlarm) itself.
 /// For the user-interface thread only.
 class CCUIControl : public CCUIControlWindow, private CCUICommandView
@@ -55,7 +58,8 @@ public:
                               const RECT *prc = nullptr);
     /// Creates the window in the place of a dialog's control, which is destroyed: with its
     /// identifier, text, font, place, turn in the tab order, visible and enabled as that was. 1 on
-    /// success; 0, and a line in the trace, when there is no such control.
+    /// success; 0, and a line in the trace, when there is no such control or another thread or
+    /// program has made it.
     CUI_API int ReplaceControl(HWND hDialog, UINT nID);
 
     /// Binds the control to a command, whose number becomes the control's identifier: enabled,

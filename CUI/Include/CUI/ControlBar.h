@@ -37,6 +37,9 @@ class CCUIMenu;
 /// from one to the next, Enter and Space press it, Escape gives the focus back to the window that
 /// had it, as pressing does, before the command.
 ///
+/// Without comctl32.dll there are no tooltips. Where the system has nothing for TrackMouseLeave, a
+/// timer finds out that the mouse has left.
+///
 /// For the user-interface thread only: changes of its items on another one than the window's are
 /// reported as "IsOwnThread()".
 class CCUIControlBar : public CCUIControlWindow
@@ -77,8 +80,10 @@ public:
     CUI_API void AddSeparator();
     /// Appends a window, which becomes a child of the bar and keeps its size; it stays its owner's.
     /// With the identifier of a command it is enabled as that is, and the command stands for it in
-    /// the menu of what has no room; 0: none does. Needs the bar's window, or it is reported as
-    /// "m_hWnd" and not done. When the window is destroyed, its place closes up at the next layout.
+    /// the menu of what has no room; 0: none does. A focus that would be lost by disabling goes on
+    /// as by Tab. Needs the bar's window, or it is reported as "m_hWnd" and not done; nor is it,
+    /// which is traced, with what the system makes no child or what another thread or program has
+    /// made. When the window is destroyed, its place closes up at the next layout.
     CUI_API void AddControl(HWND hControl, unsigned int nID);
     /// Takes everything away; windows become hidden and stay children.
     CUI_API void RemoveAll();
@@ -86,7 +91,8 @@ public:
     /// long as the bar or until this is called with null.
     CUI_API void SetDropDown(unsigned int nID, CCUIMenu *pMenu);
 
-    /// The strip of pictures, each cxPicture pixels wide; null or narrower: texts in their place.
+    /// The strip of pictures, each cxPicture pixels wide; null or narrower, which is
+    /// traced: texts in their place.
     /// In the disabled look what has the colours of the button's face or highlight is background:
     /// load the strip with CUIBMP_SYSCOLORS, and it goes along with changes of the system's
     /// colours. The pictures are stretched from nDpi, the dots an inch that they were drawn for, to
@@ -178,7 +184,9 @@ private:
     void OpenMenu(int nItem, CCUIMenu &menu);
     void OpenOverflow();
     void LeaveKeyboard();
+    int FindControl(HWND hWnd) const;
     void GoTo(int nItem);
+    void EnableControl(HWND hControl, bool bEnable);
     int NextItem(int nFrom, int nStep) const;
     void PressByKey();
     CUIBarSide SideAt(const POINT &screen) const;

@@ -7,6 +7,7 @@
 #include "CUI/BarSide.h"
 #include "CUI/ControlWindow.h"
 #include "CUI/HelpText.h"
+#include "CUI/Menu.h"
 #include "CUI/ResourceName.h"
 
 class CCUIFrameDocks;
@@ -61,9 +62,12 @@ public:
     // --- Menu and keys ---
 
     /// Puts a menu bar on, and destroys the former one; null: none. It goes with the window. 1, or
-    /// 0 when it stays the caller's: no window, or the system refuses. During full screen the menu
-    /// comes back with the rest.
+    /// 0 when it stays the caller's: no window, no menu, or the system refuses. During full screen
+    /// the menu comes back with the rest.
+    /// @{
     CUI_API int SetMenu(HMENU hMenu);
+    int SetMenu(const CCUIMenu &menu) { return SetMenu(menu.GetHandle()); }
+    /// @}
     /// Loads a menu resource; 0 when there is none.
     /// @{
     CUI_API int SetMenu(HINSTANCE hInstance, const char *name);

@@ -158,17 +158,19 @@ public:
 
     /// The size along the layout of the child in front of a splitter. Setting it does what dragging
     /// does: the next child gets or gives what the first one gives or gets; fixed sizes become
-    /// others, and of two children with weights the parts that they have. False: there is no
-    /// splitter, since one of the two is hidden, or the window was not laid out yet.
-    /// GetSplit answers -1 then.
+    /// others, and of two children with weights the parts that they have. While the user moves this
+    /// splitter it becomes part of that, which Escape takes back; a move of another one ends, and
+    /// stays. False: there is no splitter, since one of the two is hidden, or the window was not
+    /// laid out yet. GetSplit answers -1 then.
     /// @{
     CUI_API int GetSplit(HWND hChild) const;
     CUI_API bool SetSplit(HWND hChild, int nSize);
     /// @}
 
 protected:
-    /// A splitter is about to give that size to the child in front of it; may be changed. A child
-    /// with a weight keeps its fixed size at the least, one with CUI_PLACE_FIT what it answered.
+    /// A splitter is about to give that size to the child in front of it; may be changed. It counts
+    /// in the end, whatever SetSplit does meanwhile. A child with a weight keeps its fixed size at
+    /// the least, one with CUI_PLACE_FIT what it answered.
     CUI_API virtual void OnSplitting(HWND hChild, int &nSize);
     /// A splitter that was moved stays: the mouse has let go of it, or it has lost the focus.
     CUI_API virtual void OnSplit(HWND hChild, int nSize);
@@ -216,7 +218,8 @@ private:
     bool Wheel(int nDelta);
 
     bool BeginSplit(HWND hChild);
-    int DragSplit(int nBy);
+    void MoveSplit(int nBy);
+    void DragSplit(int nBy);
     void PlaceSplit(int nSize);
     void EndSplit(bool bKeep);
 

@@ -43,7 +43,8 @@ enum CUIMenuKind : int
 /// in framework windows; Detach makes a plain one of it.
 ///
 /// For one thread, that of the windows in which it opens. The object may die while it is shown, and
-/// the menu while the object lives: a window's bar goes with the window.
+/// the menu while the object lives: the bar of a framework window goes with the window, and that of
+/// a frame when another one takes its place; the object is empty then.
 class CCUIMenu
 {
 public:

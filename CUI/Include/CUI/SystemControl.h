@@ -56,7 +56,7 @@ public:
     /// Binds the object to the control of a dialog, or of any other window. The control must be of
     /// the right window class, or of one that was made from that; anything else is reported. An
     /// object that the control was bound to before lets go of it. 1 on success; 0, and a line in
-    /// the trace, when there is no such control.
+    /// the trace, when there is no such control or another thread or program has made it.
     CUI_API int Bind(HWND hDialog, UINT nID);
     /// Lets go of the control, which stays; null if there is none. Not to be replaced by Detach,
     /// which leaves the layout's property behind.

@@ -13,6 +13,7 @@
 #include "Control/ControlTip.h"
 #include "Drawing/BufferedPaint.h"
 #include "Drawing/Look.h"
+#include "Window/OwnThread.h"
 
 namespace {
 
@@ -83,16 +84,19 @@ int CCUIControl::CreateControl(HWND hParent, UINT nID, const char *pszText, cons
 int CCUIControl::ReplaceControl(HWND hDialog, UINT nID)
 {
     const HWND hOld = GetDlgItem(hDialog, static_cast<int>(nID));
-    if (!hOld) {
-        CUDump("No control %u to be replaced.\n", nID);
+    if (!CUIIsOwnWindow(hOld)) {
+        CUDump("No control %u of this thread to be replaced.\n", nID);
         return 0;
     }
     RECT rect;
     GetWindowRect(hOld, &rect);
     MapWindowPoints(nullptr, hDialog, reinterpret_cast<POINT *>(&rect), 2);
     const bool bFocus = GetFocus() == hOld;
-    m_hFont = reinterpret_cast<HFONT>(SendMessageA(hOld, WM_GETFONT, 0, 0));
-    m_textSize.cx = -1;
+    // One that has a window stays as it is: the creation reports it.
+    if (!HasWindow()) {
+        m_hFont = reinterpret_cast<HFONT>(SendMessageA(hOld, WM_GETFONT, 0, 0));
+        m_textSize.cx = -1;
+    }
     const LONG nStyle = GetWindowLongA(hOld, GWL_STYLE) & REPLACED_STYLES;
     const LONG nExStyle = GetWindowLongA(hOld, GWL_EXSTYLE) & RTL_READING;
     CWatch watch(this);
@@ -105,6 +109,7 @@ int CCUIControl::ReplaceControl(HWND hDialog, UINT nID)
     SetWindowPos(hWnd, hOld, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
     if (bFocus)
         SetFocus(hWnd);
+    // Of this thread, it can only have gone by itself.
     DestroyWindow(hOld);
     return 1;
 }

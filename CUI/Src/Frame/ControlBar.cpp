@@ -4,6 +4,7 @@
 
 #include "Base/Wrap.h"
 #include "CU/Assert.h"
+#include "CU/Dump.h"
 #include "CUI/Data.h"
 #include "CUI/Settings.h"
 #include "CUI/WindowClass.h"
@@ -153,13 +154,16 @@ void CCUIControlBar::AddSeparator()
 void CCUIControlBar::AddControl(HWND hControl, unsigned int nID)
 {
     CU_ASSERT(m_hWnd);
-    if (!m_hWnd || !IsWindow(hControl))
-        return;
     CWatch watch(this);
-    if (GetParent(hControl) != m_hWnd)
+    if (m_hWnd && CUIIsOwnWindow(hControl) && GetParent(hControl) != m_hWnd)
         SetParent(hControl, m_hWnd);
-    if (!watch.IsGone())
+    if (watch.IsGone() || !m_hWnd)
+        return;
+    if (CUIIsOwnWindow(hControl) && GetParent(hControl) == m_hWnd)
         Append(nID, -1, hControl);
+    else
+        CUDump("Window %p cannot be put into a bar, gle: %lu\n", static_cast<void *>(hControl),
+               GetLastError());
 }
 
 void CCUIControlBar::RemoveAll()
@@ -190,6 +194,8 @@ void CCUIControlBar::SetDropDown(unsigned int nID, CCUIMenu *pMenu)
 
 void CCUIControlBar::SetPictures(const CCUIBitmap &strip, int cxPicture, int nDpi)
 {
+    if (strip.Width() < cxPicture)
+        CUDump("CCUIControlBar: no picture comes from a strip of %d pixels\n", strip.Width());
     m_pItems->SetPictures(strip, cxPicture, nDpi);
     TextsChanged();
 }
@@ -229,7 +235,7 @@ void CCUIControlBar::ShowCommand(CCUIBarItem &item, unsigned short nState, const
     const bool bOther = nSeen != item.nState;
     item.nState = nSeen;
     if (item.hControl) {
-        EnableWindow(item.hControl, (nState & CUI_COMMAND_ACTIVE) != 0);
+        EnableControl(item.hControl, (nState & CUI_COMMAND_ACTIVE) != 0);
         return;
     }
     if (bOther)
@@ -404,8 +410,10 @@ void CCUIControlBar::SaveState() const
     CCURegistry registry;
     if (m_sName.IsEmpty() || !CUIOpenSettings(registry, "Bars\\" + m_sName, false))
         return;
-    registry.SetInt("Side", m_side);
-    registry.SetInt("Shown", m_bShown);
+    const bool bSide = registry.SetInt("Side", m_side);
+    if (!registry.SetInt("Shown", m_bShown) || !bSide)
+        CUDump("Unable to keep the state of bar %s, gle: %lu\n", m_sName.GetString(),
+               GetLastError());
 }
 
 // --- Painting ---

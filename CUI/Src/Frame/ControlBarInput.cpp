@@ -198,6 +198,8 @@ void CCUIControlBar::OnCommand(UINT nCode, UINT nID, HWND hControl)
 
 long CCUIControlBar::OnNotify(UINT nID, NMHDR *pHeader)
 {
+    if (!pHeader)
+        return CCUIControlWindow::OnNotify(nID, pHeader);
     CWatch watch(this);
     long result = 0;
     if (ReflectLastMessage(pHeader->hwndFrom, &result) || watch.IsGone())
@@ -337,6 +339,17 @@ int CCUIControlBar::NextItem(int nFrom, int nStep) const
     return nFrom;
 }
 
+// The item whose window that is, or contains that; -1: none.
+int CCUIControlBar::FindControl(HWND hWnd) const
+{
+    for (int i = 0; i < m_pItems->Count(); ++i) {
+        const HWND hControl = (*m_pItems)[i].hControl;
+        if (hControl && (hWnd == hControl || IsChild(hControl, hWnd)))
+            return i;
+    }
+    return -1;
+}
+
 void CCUIControlBar::GoTo(int nItem)
 {
     const CCUIBarItem *const pItem = m_pItems->At(nItem);
@@ -390,17 +403,34 @@ int CCUIControlBar::PreTranslateMessage(MSG *pMsg)
 {
     if (pMsg->message != WM_KEYDOWN || pMsg->wParam != VK_TAB || pMsg->hwnd == m_hWnd)
         return CCUIControlWindow::PreTranslateMessage(pMsg);
-    for (int i = 0; i < m_pItems->Count(); ++i) {
-        const HWND hControl = (*m_pItems)[i].hControl;
-        if (!hControl || (pMsg->hwnd != hControl && !IsChild(hControl, pMsg->hwnd)))
-            continue;
-        CWatch watch(this);
+    const int nItem = FindControl(pMsg->hwnd);
+    if (nItem < 0)
+        return CCUIControlWindow::PreTranslateMessage(pMsg);
+    CWatch watch(this);
+    SetFocus(m_hWnd);
+    if (!watch.IsGone() && m_hWnd)
+        GoTo(NextItem(nItem, GetKeyState(VK_SHIFT) < 0 ? -1 : 1));
+    return 1;
+}
+
+// A focus that would be lost goes on as by Tab, or back where there is no other item to go to.
+void CCUIControlBar::EnableControl(HWND hControl, bool bEnable)
+{
+    CWatch watch(this);
+    const HWND hFocus = GetFocus();
+    const bool bPassOn = !bEnable && (hFocus == hControl || IsChild(hControl, hFocus));
+    if (bPassOn)
         SetFocus(m_hWnd);
-        if (!watch.IsGone() && m_hWnd)
-            GoTo(NextItem(i, GetKeyState(VK_SHIFT) < 0 ? -1 : 1));
-        return 1;
-    }
-    return CCUIControlWindow::PreTranslateMessage(pMsg);
+    if (!watch.IsGone())
+        EnableWindow(hControl, bEnable);
+    if (!bPassOn || watch.IsGone() || !m_hWnd)
+        return;
+    const int nItem = FindControl(hControl);
+    const int nNext = NextItem(nItem, 1);
+    if (nNext == nItem)
+        LeaveKeyboard();
+    else
+        GoTo(nNext);
 }
 
 // --- Messages ---

@@ -15,6 +15,7 @@
 #include "Frame/FrameDocks.h"
 #include "Frame/Paths.h"
 #include "Menu/MenuClosing.h"
+#include "Menu/MenuHooks.h"
 #include "Window/Input.h"
 
 #define CU_SOURCE "FrameWindow"
@@ -52,6 +53,14 @@ bool OfferPalette(HWND hFrame)
 bool CanFocus(HWND hFrame, HWND hWnd)
 {
     return hWnd && IsChild(hFrame, hWnd) && IsWindowVisible(hWnd) && IsWindowEnabled(hWnd);
+}
+
+void DestroyBar(HMENU hMenu)
+{
+    if (!hMenu)
+        return;
+    CUIMenuGoes(hMenu);
+    DestroyMenu(hMenu);
 }
 
 // Whether the window is a combo box, or the field of one, whose list is open: Escape closes it. No
@@ -156,7 +165,7 @@ void CCUIFrameWindow::End()
     if (Exist())
         KeepPlacement();
     if (m_bCovering)
-        DestroyMenu(m_hMenuBefore);
+        DestroyBar(m_hMenuBefore);
     m_bFullScreen = false;
     m_bCovering = false;
     m_hFocus = nullptr;
@@ -220,15 +229,15 @@ HMENU CCUIFrameWindow::GetMenu() const
 
 int CCUIFrameWindow::SetMenu(HMENU hMenu)
 {
-    if (!Exist())
+    if (!Exist() || (hMenu && !IsMenu(hMenu)))
         return 0;
     const HMENU hOld = GetMenu();
     if (m_bCovering)
         m_hMenuBefore = hMenu;
     else if (!::SetMenu(m_hWnd, hMenu))
         return 0;
-    if (hOld && hOld != hMenu)
-        DestroyMenu(hOld);
+    if (hOld != hMenu)
+        DestroyBar(hOld);
     return 1;
 }
 

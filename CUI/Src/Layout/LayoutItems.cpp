@@ -73,6 +73,8 @@ void CCUILayoutItems::Abandon(CCUISplitter *&pSplitter)
 {
     if (!pSplitter)
         return;
+    if (m_split.first.pSplitter == pSplitter)
+        m_split = {};
     pSplitter->m_pNext = m_pOrphan;
     m_pOrphan = pSplitter;
     pSplitter = nullptr;

@@ -61,6 +61,7 @@ struct CCUISplit
 {
     CCUILayoutItem first, second;  // first.hWnd: null when there is none
     int nSize;                     // of the first, now
+    bool bAsking;                  // OnSplitting is under way
 };
 
 // The children of a layout that have the property of control windows, in their z-order. No function

@@ -47,12 +47,13 @@ int CCUILayoutWindow::GetSplit(HWND hChild) const
 
 bool CCUILayoutWindow::SetSplit(HWND hChild, int nSize)
 {
-    const int nBefore = GetSplit(hChild);
-    if (nBefore < 0 || !BeginSplit(hChild))
-        return false;
     CWatch watch(this);
-    DragSplit(CUIInRange(nSize) - nBefore);
-    if (!watch.IsGone())
+    const CCUISplit &split = m_pItems->m_split;
+    const bool bUnderWay = split.first.hWnd == hChild;
+    if (GetSplit(hChild) < 0 || !BeginSplit(hChild))
+        return false;
+    DragSplit(CUIInRange(nSize) - split.first.nSize);
+    if (!bUnderWay && !watch.IsGone())
         EndSplit(true);
     return true;
 }
@@ -61,18 +62,32 @@ void CCUILayoutWindow::OnSplitting(HWND, int &) {}
 
 void CCUILayoutWindow::OnSplit(HWND, int) {}
 
+// One that is under way goes on; that of another child ends, and stays.
 bool CCUILayoutWindow::BeginSplit(HWND hChild)
 {
+    if (hChild && m_pItems->m_split.first.hWnd == hChild)
+        return true;
+    CWatch watch(this);
+    EndSplit(true);
+    if (watch.IsGone())
+        return false;
     CCUILayoutItem *const pFirst = m_pItems->Find(hChild);
     const CCUILayoutItem *const pSecond = pFirst ? m_pItems->NextShown(*pFirst) : nullptr;
     if (!pSecond || !pFirst->bPlaced || !pSecond->bPlaced)
         return false;
-    m_pItems->m_split = {*pFirst, *pSecond, pFirst->nSize};
+    m_pItems->m_split = {*pFirst, *pSecond, pFirst->nSize, false};
     return true;
 }
 
-// From where it stood at the beginning. Answers how far it went.
-int CCUILayoutWindow::DragSplit(int nBy)
+// From where it stands now.
+void CCUILayoutWindow::MoveSplit(int nBy)
+{
+    const CCUISplit &split = m_pItems->m_split;
+    DragSplit(split.nSize - split.first.nSize + nBy);
+}
+
+// From where it stood at the beginning.
+void CCUILayoutWindow::DragSplit(int nBy)
 {
     const CCUISplit split = m_pItems->m_split;
     const int nLeast = Least(split.first, IsRow());
@@ -80,14 +95,16 @@ int CCUILayoutWindow::DragSplit(int nBy)
     const auto inRange = [=](int n) { return n > nMost ? nMost : n < nLeast ? nLeast : n; };
     int nSize = inRange(split.first.nSize + nBy);
     if (!split.first.hWnd || nMost < nLeast)
-        return 0;
-    CWatch watch(this);
-    OnSplitting(split.first.hWnd, nSize);
-    if (watch.IsGone())
-        return 0;
-    nSize = inRange(nSize);
-    PlaceSplit(nSize);
-    return nSize - split.first.nSize;
+        return;
+    if (!split.bAsking) {
+        CWatch watch(this);
+        m_pItems->m_split.bAsking = true;
+        OnSplitting(split.first.hWnd, nSize);
+        if (watch.IsGone())
+            return;
+        m_pItems->m_split.bAsking = false;
+    }
+    PlaceSplit(inRange(nSize));
 }
 
 void CCUILayoutWindow::PlaceSplit(int nSize)

@@ -21,8 +21,7 @@ CCUISplitter::CCUISplitter(CCUILayoutWindow &layout, HWND hChild)
       m_hChild(hChild),
       m_hFocusBefore(nullptr),
       m_state(Idle),
-      m_nFrom(0),
-      m_nMoved(0)
+      m_nFrom(0)
 {
 }
 
@@ -112,7 +111,7 @@ void CCUISplitter::OnLButtonDown(UINT, POINT &point)
     if (watch.IsGone() || !m_hWnd)
         return;
     End(true);
-    if (watch.IsGone() || !m_layout.BeginSplit(m_hChild))
+    if (watch.IsGone() || !m_layout.BeginSplit(m_hChild) || watch.IsGone())
         return;
     m_state = Dragged;
     m_nFrom = Position(point);
@@ -145,7 +144,6 @@ void CCUISplitter::End(bool bKeep)
     const HWND hFocus = m_hFocusBefore;
     m_state = Idle;
     m_hFocusBefore = nullptr;
-    m_nMoved = 0;
     if (state == Idle)
         return;
     CWatch watch(this);
@@ -203,11 +201,9 @@ void CCUISplitter::OnKeyDown(UINT nKey, UINT nRepeat, UINT nFlags)
 
 void CCUISplitter::MoveByKey(int nBy)
 {
-    if (m_state == Dragged || (m_state == Idle && !m_layout.BeginSplit(m_hChild)))
+    CWatch watch(this);
+    if (m_state == Dragged || !m_layout.BeginSplit(m_hChild) || watch.IsGone())
         return;
     m_state = Moved;
-    CWatch watch(this);
-    const int nMoved = m_layout.DragSplit(m_nMoved + nBy);
-    if (!watch.IsGone())
-        m_nMoved = nMoved;
+    m_layout.MoveSplit(nBy);
 }

@@ -49,6 +49,5 @@ private:
     const HWND m_hChild;
     HWND m_hFocusBefore;
     State m_state;
-    int m_nFrom;   // where the mouse took it
-    int m_nMoved;  // by keys
+    int m_nFrom;  // where the mouse took it
 };

@@ -67,7 +67,7 @@ CCUIMenu::CCUIMenu(HINSTANCE hInstance, const char *name, int nIndex)
 {
 }
 
-CCUIMenu::CCUIMenu(HMENU hMenu) : m_hMenu(hMenu), m_pData(new CCUIMenuData(hMenu)) {}
+CCUIMenu::CCUIMenu(HMENU hMenu) : m_hMenu(hMenu), m_pData(new CCUIMenuData(m_hMenu)) {}
 
 CCUIMenu::~CCUIMenu()
 {
@@ -80,7 +80,6 @@ HMENU CCUIMenu::Detach()
 {
     const HMENU hMenu = m_hMenu;
     m_pData->Release();
-    m_hMenu = nullptr;
     return hMenu;
 }
 

@@ -37,9 +37,10 @@ void AddAccelerators(CCUIAccelerators &keys, HWND hWnd)
 
 }  // namespace
 
-const CUIMenuHooks CCUIMenuData::HOOKS = {OnRecord, OnOpens, OnMeasure, OnDraw, OnCharacter};
+const CUIMenuHooks CCUIMenuData::HOOKS = {OnRecord, OnOpens,     OnMeasure,
+                                          OnDraw,   OnCharacter, OnGoes};
 
-CCUIMenuData::CCUIMenuData(HMENU hRoot) : m_hRoot(hRoot)
+CCUIMenuData::CCUIMenuData(HMENU &hRoot) : m_hRoot(hRoot)
 {
     const CCULockGuard lock(s_lock);
     m_pNext = s_pFirst;
@@ -204,4 +205,13 @@ long CCUIMenuData::OnCharacter(UINT nChar, HMENU hMenu)
     const CCUIMenuPopup *const pPopup =
         FindPopup([&](const CCUIMenuPopup &popup) { return popup.GetMenu() == hMenu; });
     return pPopup ? pPopup->Character(nChar) : 0;
+}
+
+void CCUIMenuData::OnGoes(HMENU hMenu)
+{
+    const CCULockGuard lock(s_lock);
+    for (CCUIMenuData *pData = s_pFirst; pData; pData = pData->m_pNext) {
+        if (pData->m_hRoot == hMenu)
+            pData->m_hRoot = nullptr;
+    }
 }

@@ -11,7 +11,9 @@
 class CCUIMenuData
 {
 public:
-    explicit CCUIMenuData(HMENU hRoot);
+    // For the object's menu. It becomes null when that goes: the system may give the handle to
+    // another one.
+    explicit CCUIMenuData(HMENU &hRoot);
     ~CCUIMenuData();
     CCUIMenuData(const CCUIMenuData &) = delete;
     CCUIMenuData &operator=(const CCUIMenuData &) = delete;
@@ -36,10 +38,11 @@ private:
     static int OnMeasure(MEASUREITEMSTRUCT &measure);
     static int OnDraw(const DRAWITEMSTRUCT &draw);
     static long OnCharacter(UINT nChar, HMENU hMenu);
+    static void OnGoes(HMENU hMenu);
 
     static const CUIMenuHooks HOOKS;
 
-    HMENU m_hRoot;
+    HMENU &m_hRoot;
     CCUIMenuPopup *m_pPopups = nullptr;       // those that have been opened
     CCUIMenuPictures *m_pPictures = nullptr;  // the latest first
     CCUIAccelerators m_keys;

@@ -17,7 +17,15 @@ struct CUIMenuHooks
     int (*measure)(MEASUREITEMSTRUCT &measure);
     int (*draw)(const DRAWITEMSTRUCT &draw);
     long (*character)(UINT nChar, HMENU hMenu);
+    // A window's bar is about to be destroyed, with the window or by it.
+    void (*goes)(HMENU hMenu);
 };
 
 // Null until there is such a menu.
 extern const CUIMenuHooks *volatile g_pMenuHooks;
+
+inline void CUIMenuGoes(HMENU hMenu)
+{
+    if (hMenu && g_pMenuHooks)
+        g_pMenuHooks->goes(hMenu);
+}

@@ -38,6 +38,12 @@ bool CUIMenuItem::Read(HMENU hMenu, UINT nItem)
     return true;
 }
 
+void CUIMenuItem::GiveBack()
+{
+    m_pRecord = nullptr;
+    m_dwData = 0;  // led to the record
+}
+
 void CUIMenuItem::WriteState(HMENU hMenu, UINT nItem) const
 {
     MENUITEMINFOA info = {};

@@ -12,6 +12,8 @@ class CUIMenuItem
 public:
     // False when the menu has no such item.
     bool Read(HMENU hMenu, UINT nItem);
+    // The system's to draw again.
+    void GiveBack();
     // What has been changed: the state alone, or type and text as well.
     void WriteState(HMENU hMenu, UINT nItem) const;
     void Write(HMENU hMenu, UINT nItem) const;

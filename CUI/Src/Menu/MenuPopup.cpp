@@ -157,7 +157,7 @@ void CCUIMenuPopup::GiveBack() const
         CUIMenuItem item;
         if (!item.Read(m_hMenu, static_cast<UINT>(i)) || !item.m_pRecord)
             continue;
-        item.m_pRecord = nullptr;
+        item.GiveBack();
         item.Write(m_hMenu, static_cast<UINT>(i));
     }
 }

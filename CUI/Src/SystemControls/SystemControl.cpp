@@ -7,6 +7,7 @@
 #include "CUI/Data.h"
 #include "CUI/LayoutWindow.h"
 #include "SystemControls/CommonControls.h"
+#include "Window/OwnThread.h"
 
 #define CU_SOURCE "SystemControl"
 
@@ -174,8 +175,8 @@ int CCUISystemControl::Bind(HWND hDialog, UINT nID)
 {
     CU_ASSERT_TEXT(!HasWindow(), "m_hWnd == 0");
     const HWND hWnd = GetDlgItem(hDialog, static_cast<int>(nID));
-    if (!hWnd) {
-        CUDump("No control %u to be bound.\n", nID);
+    if (!CUIIsOwnWindow(hWnd)) {
+        CUDump("No control %u of this thread to be bound.\n", nID);
         return 0;
     }
     const bool bFits = IsOfClass(hWnd);

@@ -8,6 +8,8 @@
 #include "Base/Module.h"
 #include "CU/Assert.h"
 #include "CU/CU.h"
+#include "CU/Dump.h"
+#include "Menu/MenuHooks.h"
 #include "Window/LoadedLibrary.h"
 #include "Window/WindowHookList.h"
 #include "Window/WindowMap.h"
@@ -115,11 +117,13 @@ void CCUIWindow::Attach(HWND hWnd)
         Detach();
     if (CCUIWindow *pBefore = FromHandle(hWnd))
         pBefore->Detach();
-    if (!SetObject(hWnd, this))
-        return;
-    const WNDPROC pOldProc = CSubclassing(hWnd, StaticWindowProc).Begin();
+    const bool bLeads = SetObject(hWnd, this);
+    const WNDPROC pOldProc = bLeads ? CSubclassing(hWnd, StaticWindowProc).Begin() : nullptr;
     if (!pOldProc) {
-        SetObject(hWnd, nullptr);
+        CUDump("Unable to bind to window %p, gle: %lu\n", static_cast<void *>(hWnd),
+               GetLastError());
+        if (bLeads)
+            SetObject(hWnd, nullptr);
         return;
     }
     m_hWnd = hWnd;
@@ -174,6 +178,8 @@ void CCUIWindow::OnDestroy()
     // The object lets go first. Default processing needs the window and the procedure named then.
     const HWND hWnd = m_hWnd;
     const WNDPROC pOldProc = m_pOldProc;
+    if (!(GetWindowLongA(hWnd, GWL_STYLE) & WS_CHILD))
+        CUIMenuGoes(GetMenu(hWnd));
     Detach();
     CallProcedure(pOldProc, hWnd, WM_DESTROY, 0, 0);
 }

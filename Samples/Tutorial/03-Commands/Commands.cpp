@@ -50,7 +50,7 @@ private:
         m_colors.AppendSeparator();
         m_colors.Append(ID_LIGHT, "&Light");
         m_bar.AppendPopup("&Lamp", m_colors);
-        SetMenu(m_bar.GetHandle());
+        SetMenu(m_bar);
 
         ACCEL keys[] = {{FVIRTKEY, VK_F2, ID_RED},
                         {FVIRTKEY, VK_F3, ID_YELLOW},
