@@ -9,7 +9,7 @@
 #include "Support/DotsPerInch.h"
 #include "Support/GdiCount.h"
 #include "Support/HeapWatch.h"
-#include "Support/ImportHook.h"
+#include "Support/MenuItems.h"
 #include "Support/Reports.h"
 #include "Support/TestBitmap.h"
 #include "Support/TestCommand.h"
@@ -19,11 +19,14 @@
 namespace {
 
 // A window that writes down the clicks that it is told of.
-struct CParent : CTestWindow
+struct CParent : CScripted<>
 {
-    explicit CParent(const char *className = nullptr)
-        : CTestWindow(nullptr, WS_POPUP | WS_VISIBLE, className)
+    explicit CParent(int nDialog = 0)
     {
+        if (nDialog)
+            Attach(CreateDialogParamA(nullptr, MAKEINTRESOURCEA(nDialog), nullptr, nullptr, 0));
+        else
+            CreateTestWindow(*this, nullptr, WS_POPUP | WS_VISIBLE);
         m_on[WM_COMMAND] = [&] {
             if (HIWORD(m_wParam) == BN_CLICKED)
                 m_told += Text("%u ", LOWORD(m_wParam));
@@ -68,31 +71,22 @@ TEST(Control, IsPressedWhileMouseOrKeyHoldItAndClicksWhenTheyLetGo)
     CParent parent;
     CButton button(parent);
     const LPARAM in = MAKELPARAM(5, 5), out = MAKELPARAM(-5, 5);
-    const auto send = [&](UINT message, LPARAM lParam, WPARAM wParam = 0) {
-        return [&, message, lParam, wParam] { Send(button, message, wParam, lParam); };
-    };
-    const std::map<char, std::function<void()>> inputs = {{'D', send(WM_LBUTTONDOWN, in)},
-                                                          {'2', send(WM_LBUTTONDBLCLK, in)},
-                                                          {'U', send(WM_LBUTTONUP, in)},
-                                                          {'u', send(WM_LBUTTONUP, out)},
-                                                          {'<', send(WM_MOUSEMOVE, out)},
-                                                          {'>', send(WM_MOUSEMOVE, in)},
-                                                          {'o', [&] { SetCapture(parent); }},
-                                                          {'e', [&] { button.Enable(false); }},
-                                                          {'f', send(WM_KILLFOCUS, 0)},
-                                                          {'S', send(WM_KEYDOWN, 1, VK_SPACE)},
-                                                          {'s', send(WM_KEYUP, 1, VK_SPACE)},
-                                                          {'x', send(WM_KEYDOWN, 1, VK_ESCAPE)},
-                                                          {'r', send(WM_KEYDOWN, 1, VK_RETURN)},
-                                                          {'.', [&] {
-                                                               EXPECT_NE(button.GetHandle(),
-                                                                         GetCapture());
-                                                               button.Enable(true);
-                                                           }}};
+    const std::map<char, std::array<long, 3>> messages = {
+        {'D', {WM_LBUTTONDOWN, 0, in}}, {'2', {WM_LBUTTONDBLCLK, 0, in}},
+        {'U', {WM_LBUTTONUP, 0, in}},   {'u', {WM_LBUTTONUP, 0, out}},
+        {'<', {WM_MOUSEMOVE, 0, out}},  {'>', {WM_MOUSEMOVE, 0, in}},
+        {'S', {WM_KEYDOWN, VK_SPACE}},  {'s', {WM_KEYUP, VK_SPACE}},
+        {'x', {WM_KEYDOWN, VK_ESCAPE}}, {'r', {WM_KEYDOWN, VK_RETURN}},
+        {'e', {WM_ENABLE, FALSE}},      {'.', {WM_ENABLE, TRUE}},
+        {'o', {WM_CAPTURECHANGED}},     {'f', {WM_KILLFOCUS}}};
     // "!" behind what leaves it pressed, and what it tells.
     std::string record;
     for (const char c : std::string("D<>U.D<u.U.DoU.DeU.SSs.Sxs.Sfs.2U.r.")) {
-        inputs.at(c)();
+        const auto [message, wParam, lParam] = messages.at(c);
+        Send(button, UINT(message), WPARAM(wParam), lParam);
+        if (c == '.') {
+            EXPECT_NE(button.GetHandle(), GetCapture());
+        }
         record += c + std::string((button.GetState() & CUI_STATE_PRESSED) ? "!" : "");
         record += parent.Told();
     }
@@ -200,20 +194,6 @@ TEST(Control, MayBeDeletedByItsOwnCommand)
             EXPECT_EQ(nullptr, button);
         }
     }
-    // Or while it is asked for its text; and a neighbour that goes does not keep its group.
-    const CHeapWatch heap;
-    auto pText = std::make_unique<CScripted<CCUIButton>>(CUI_BUTTON_RADIO);
-    CScripted<CCUIControlWindow> neighbour;
-    pText->CreateControl(frame, 5, "text");
-    CreateTestWindow(neighbour, frame, WS_CHILD);
-    CButton last(frame, 6, CUI_BUTTON_RADIO);
-    neighbour.m_on[WM_GETDLGCODE] = [] { return DLGC_RADIOBUTTON; };
-    neighbour.m_on[BM_SETCHECK] = [&] { return neighbour.Destroy(), 0; };
-    last.SetCheck(BST_CHECKED);
-    pText->Click();
-    EXPECT_EQ(UINT(BST_UNCHECKED), last.GetCheck());
-    pText->m_on[WM_GETTEXTLENGTH] = [&] { return pText.reset(), 0; };
-    pText->SetText("new");
 }
 
 namespace {
@@ -221,32 +201,14 @@ namespace {
 // The same keys to a dialog of the system's buttons and to one whose buttons we have replaced.
 std::string PlayDialog(bool bOurs)
 {
-    const struct
-    {
-        const char *text;
-        DWORD style;
-        CUIButtonKind kind;
-    } controls[] = {{"&Check", BS_AUTOCHECKBOX | WS_TABSTOP, CUI_BUTTON_CHECK},
-                    {"&One", BS_AUTORADIOBUTTON | WS_GROUP | WS_TABSTOP, CUI_BUTTON_RADIO},
-                    {"&Two", BS_AUTORADIOBUTTON, CUI_BUTTON_RADIO},
-                    {"T&hree", BS_AUTORADIOBUTTON | WS_DISABLED, CUI_BUTTON_RADIO},
-                    {"&Go", BS_DEFPUSHBUTTON | WS_GROUP | WS_TABSTOP, CUI_BUTTON_PUSH},
-                    {"&Push && pull", BS_PUSHBUTTON | WS_TABSTOP, CUI_BUTTON_PUSH}};
-    CParent dialog("#32770");
-    std::unique_ptr<CCUIButton> ours[std::size(controls)];
-    for (size_t i = 0; i < std::size(controls); ++i) {
-        const int nID = 100 + int(i);
-        const HWND hWnd =
-            MakePlain("BUTTON", dialog, nID, controls[i].style | WS_VISIBLE, controls[i].text);
-        MoveWindow(hWnd, 10, int(i) * 20, 90, 18, FALSE);
-        if (controls[i].style & BS_DEFPUSHBUTTON)
-            Send(dialog, DM_SETDEFID, static_cast<WPARAM>(nID));
-        Send(hWnd, WM_SETFONT, reinterpret_cast<WPARAM>(GetStockObject(ANSI_FIXED_FONT)));
-    }
+    const CUIButtonKind kinds[] = {CUI_BUTTON_CHECK, CUI_BUTTON_RADIO, CUI_BUTTON_RADIO,
+                                   CUI_BUTTON_RADIO, CUI_BUTTON_PUSH,  CUI_BUTTON_PUSH};
+    CParent dialog(502);
+    std::unique_ptr<CCUIButton> ours[6];
     SetFocus(GetDlgItem(dialog, 100));
-    for (size_t i = std::size(controls); bOurs && i-- > 0;) {
-        ours[i] = std::make_unique<CCUIButton>(controls[i].kind);
-        EXPECT_TRUE(ours[i]->ReplaceControl(dialog, 100 + static_cast<UINT>(i)));
+    for (UINT i = 6; bOurs && i-- > 0;) {
+        ours[i] = std::make_unique<CCUIButton>(kinds[i]);
+        EXPECT_TRUE(ours[i]->ReplaceControl(dialog, 100 + i));
     }
     if (bOurs) {
         // One that has a window stays as it is.
@@ -265,9 +227,10 @@ std::string PlayDialog(bool bOurs)
             const HWND hWnd = GetDlgItem(dialog, nID);
             const LONG nStyle = GetWindowLongA(hWnd, GWL_STYLE);
             record += TextOf(hWnd) + PlaceOf(hWnd);
-            record += Text(" %lx %lx%s%s ", Send(hWnd, WM_GETFONT), Send(hWnd, BM_GETSTATE) & 0xF,
-                           (nStyle & WS_TABSTOP) && nID < 104 ? "t" : "",
-                           (Send(hWnd, WM_GETDLGCODE) & DLGC_DEFPUSHBUTTON) ? "d" : "");
+            record +=
+                Text(" %d %lx%s%s ", Send(hWnd, WM_GETFONT) == Send(dialog, WM_GETFONT),
+                     Send(hWnd, BM_GETSTATE) & 0xF, (nStyle & WS_TABSTOP) && nID < 104 ? "t" : "",
+                     (Send(hWnd, WM_GETDLGCODE) & DLGC_DEFPUSHBUTTON) ? "d" : "");
         }
         record += "\n";
     };
@@ -353,11 +316,10 @@ TEST(Control, OpensItsMenuBelowAndStaysDownMeanwhile)
     CCUIMenu menu;
     menu.Append(1001, "item");
     std::string opened;
-    const CFakeCall<BOOL(HMENU, UINT, int, int, HWND, TPMPARAMS *)> track(
-        "TrackPopupMenuEx", [&](HMENU hMenu, UINT nFlags, int x, int y, auto... more) {
-            opened += Text("%d,%d ", x, y);
-            return track.Original(hMenu, nFlags, x, y, more...);
-        });
+    const CFakePopup track("TrackPopupMenuEx", [&](HMENU h, UINT n, int x, int y, auto... more) {
+        opened += Text("%d,%d ", x, y);
+        return track.Original(h, n, x, y, more...);
+    });
     for (const bool bSplit : {true, false}) {
         CButton button(frame, 5, bSplit ? CUI_BUTTON_SPLIT : CUI_BUTTON_DROPDOWN, "");
         button.SetDropMenu(&menu);
