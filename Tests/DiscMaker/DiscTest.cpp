@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <fstream>
+#include <regex>
 #include <sstream>
 
 #include "Disc/DiscLayout.h"
@@ -151,8 +152,16 @@ TEST_F(CDiscTest, ReplacesOnlyWhatItWrote)
     Write(Path() + "\\out\\autorun.inf", "mine");
     ExpectRefused("Somebody has changed this file");
     EXPECT_EQ("mine", Read(Path() + "\\out\\autorun.inf"));
-    DeleteFileA((Path() + "\\out\\SHA256SUMS").c_str());
-    ExpectRefused("not written by Disc Maker");
+    // Sums of another kind of folder, or as another program writes them, make no disc of it.
+    Write(Path() + "\\out\\autorun.inf", "inf\r\n");
+    const std::string path = Path() + "\\out\\SHA256SUMS", sums = Read(path);
+    for (const std::string &other :
+         {std::regex_replace(sums, std::regex(" \\*"), "  "),
+          std::regex_replace(sums, std::regex(".*autorun.inf\n"), ""), std::string()})
+    {
+        Write(path, other);
+        ExpectRefused("not written by Disc Maker");
+    }
     Write(Path() + "\\in\\AUTORUN.INF", "mine");
     ExpectRefused("The contents have a file of the name", "\\new");
 }
@@ -208,10 +217,12 @@ TEST_F(CDiscTest, LosesNothingWhenItFails)
     ASSERT_EQ(1U, m_problems.size());
     EXPECT_TRUE(strstr(ProblemLine(m_problems[0]), "out.unfinished: A disc that was not finished"));
     RemoveDirectoryA(killed.c_str());
-    CStopAt progress(2 << 20);
-    EXPECT_FALSE(Make("\\out", "\\in", &progress));
-    EXPECT_STREQ("The work was stopped.", m_problems[0].m_sWhat);
-    ExpectOldDisc();
+    for (const int nStop : {2 << 20, 0}) {  // 0: while the old disc is looked at
+        CStopAt progress(static_cast<ULONGLONG>(nStop));
+        EXPECT_FALSE(Make("\\out", "\\in", &progress));
+        EXPECT_STREQ("The work was stopped.", m_problems[0].m_sWhat);
+        ExpectOldDisc();
+    }
     int nCall = 0, nFailAt = 0;
     bool bMade = false;
     CFakeCall<BOOL(HANDLE, LPCVOID, DWORD, LPDWORD, LPOVERLAPPED)> *pWrite = nullptr;
@@ -228,6 +239,26 @@ TEST_F(CDiscTest, LosesNothingWhenItFails)
         EXPECT_TRUE(bMade || strstr(m_problems[0].m_sWhat, "the disk is full.")) << nFailAt;
     }
     EXPECT_EQ(8, nFailAt);  // launcher, inf, setup, three pieces, sums, and then none
+}
+
+TEST_F(CDiscTest, KeepsWhatIsChangedInTheOldDiscMeanwhile)
+{
+    ASSERT_TRUE(Make());
+    struct CChange : public CDiscProgress
+    {
+        bool OnProgress(ULONGLONG nDone, ULONGLONG, const CCUString &) override
+        {
+            if (nDone > 0)
+                Write(m_path, "mine");
+            return true;
+        }
+        std::string m_path;
+    } change;
+    change.m_path = Path() + "\\out\\Music\\b.wav";
+    ASSERT_TRUE(Make("\\out", "\\in", &change));
+    EXPECT_EQ("mine", Read(Path() + "\\out.old\\Music\\b.wav"));
+    EXPECT_EQ("", Read(Path() + "\\out.old\\Setup.exe"));
+    EXPECT_STREQ("Some of the old disc could not be deleted.", m_problems[0].m_sWhat);
 }
 
 TEST(AutorunInf, HasTheLabel)

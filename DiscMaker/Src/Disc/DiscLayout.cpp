@@ -1,5 +1,7 @@
 #include "Disc/DiscLayout.h"
 
+#include <algorithm>
+
 #include "CU/ErrorText.h"
 #include "Disc/DiscName.h"
 #include "Disc/DiscWriter.h"
@@ -26,25 +28,31 @@ CDiscPath Relative(const char *pszName)
     return CDiscPath().With(pszName);
 }
 
-// Empty when there is no such file.
+// Empty when there is no such file, and when it is not to the byte one that we write for a disc:
+// others keep such sums of their own files, too.
 CSums ReadSumsFile(const CDiscPath &path)
 {
     const CBlob list = ReadFileBytes(path.Text());
     if (!list || list->empty())
         return CSums();
-    return ReadSums(
-        CCUString(reinterpret_cast<const char *>(list->data()), static_cast<int>(list->size())));
+    const CCUString sText(reinterpret_cast<const char *>(list->data()),
+                          static_cast<int>(list->size()));
+    const CSums sums = ReadSums(sText);
+    const bool bOurs =
+        sums.count(LAUNCHER_NAME) && sums.count(INF_NAME) && sText == WriteSums(sums);
+    return bOurs ? sums : CSums();
 }
 
 // One disc that is being made.
 class CDiscLayout
 {
 public:
-    CDiscLayout(const CCUString &sContents, const CCUString &sOut, CProblems &problems)
-        : m_contents(sContents), m_out(sOut), m_problems(problems)
+    CDiscLayout(const CCUString &sContents, const CCUString &sOut, CDiscProgress *pProgress,
+                CProblems &problems)
+        : m_contents(sContents), m_out(sOut), m_pProgress(pProgress), m_problems(problems)
     {
     }
-    bool Run(const CDiscPath &launcher, const CCUString &sAutorunInf, CDiscProgress *pProgress);
+    bool Run(const CDiscPath &launcher, const CCUString &sAutorunInf);
 
 private:
     bool Fail(const CDiscPath &where, const CCUString &sWhat);
@@ -62,6 +70,7 @@ private:
 
     const CDiscPath m_contents;
     const CDiscPath m_out;
+    CDiscProgress *const m_pProgress;
     CProblems &m_problems;
     CDiscTree m_tree;        // of the contents
     CDiscTree m_old;         // of the disc that is there
@@ -168,7 +177,14 @@ bool CDiscLayout::IsAsWritten(const CSums &sums)
             return Fail(m_out.Join(file.m_path),
                         "This file was not written by Disc Maker. Choose an empty folder for the "
                         "disc, or take the file away.");
-        if (at->second != SumOfFile(m_out.Join(file.m_path)))
+        bool bStop = false;
+        const CCUString sSum = SumOfFile(m_out.Join(file.m_path), [&] {
+            bStop = m_pProgress && !m_pProgress->OnProgress(0, m_tree.Size(), file.m_path.Text());
+            return !bStop;
+        });
+        if (bStop)
+            return Fail(CDiscPath(), WORK_STOPPED);
+        if (at->second != sSum)
             return Fail(m_out.Join(file.m_path),
                         "Somebody has changed this file since the disc was made. Choose another "
                         "folder for the disc, or take the file away.");
@@ -216,11 +232,21 @@ bool CDiscLayout::WriteAll(CDiscWriter &writer, const CDiscPath &launcher,
     return writer.WriteSumsFile();
 }
 
-// What somebody has put there meanwhile stays, in a folder that is told.
+// What somebody has put there or changed meanwhile stays, in a folder that is told.
 void CDiscLayout::RemoveOld(const CDiscPath &old)
 {
-    for (const CDiscTree::CFile &file : m_old.m_files)
-        DiscDeleteFile(old.Join(file.m_path));
+    CDiscTree now;
+    CDiscPath failed;
+    DiscReadTree(old, now, failed);  // of what it cannot read nothing is deleted
+    for (const CDiscTree::CFile &file : now.m_files) {
+        const auto isSame = [&](const CDiscTree::CFile &other) {
+            return !(file.m_path < other.m_path) && !(other.m_path < file.m_path) &&
+                   file.m_nSize == other.m_nSize &&
+                   CompareFileTime(&file.m_written, &other.m_written) == 0;
+        };
+        if (std::any_of(m_old.m_files.begin(), m_old.m_files.end(), isSame))
+            DiscDeleteFile(old.Join(file.m_path));
+    }
     for (size_t i = m_old.m_folders.size(); i > 0; --i)
         DiscRemoveFolder(old.Join(m_old.m_folders[i - 1]));
     if (!DiscRemoveFolder(old))
@@ -248,8 +274,7 @@ bool CDiscLayout::TakePlace()
     return true;
 }
 
-bool CDiscLayout::Run(const CDiscPath &launcher, const CCUString &sAutorunInf,
-                      CDiscProgress *pProgress)
+bool CDiscLayout::Run(const CDiscPath &launcher, const CCUString &sAutorunInf)
 {
     if (!PlacesAreGood() || !ReadContents() || !MayReplaceOld() || !HasSpace())
         return false;
@@ -259,7 +284,7 @@ bool CDiscLayout::Run(const CDiscPath &launcher, const CCUString &sAutorunInf,
             "runs.",
             "It is not needed for this disc.");
     m_unfinished = FreeName(".unfinished");
-    CDiscWriter writer(m_unfinished, m_tree.Size(), pProgress, m_problems);
+    CDiscWriter writer(m_unfinished, m_tree.Size(), m_pProgress, m_problems);
     if (WriteAll(writer, launcher, sAutorunInf) && TakePlace())
         return true;
     writer.TakeBack();
@@ -283,5 +308,5 @@ bool LayOutDisc(const CCUString &sLauncher, const CCUString &sAutorunInf,
                 const CCUString &sContents, const CCUString &sOut, CDiscProgress *pProgress,
                 CProblems &problems)
 {
-    return CDiscLayout(sContents, sOut, problems).Run(CDiscPath(sLauncher), sAutorunInf, pProgress);
+    return CDiscLayout(sContents, sOut, pProgress, problems).Run(CDiscPath(sLauncher), sAutorunInf);
 }

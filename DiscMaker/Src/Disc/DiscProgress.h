@@ -4,6 +4,8 @@
 #include "CUI/Platform.h"
 
 // Hears how far the work is.
+const char *const WORK_STOPPED = "The work was stopped.";
+
 class CDiscProgress
 {
 public:

@@ -41,7 +41,7 @@ CCUString SumsPath(const CDiscPath &relative)
     return sPath;
 }
 
-CCUString SumOfFile(const CDiscPath &path)
+CCUString SumOfFile(const CDiscPath &path, const std::function<bool()> &goOn)
 {
     const CCUFileHandle hFile(DiscOpen(path));
     if (!hFile)
@@ -50,7 +50,7 @@ CCUString SumOfFile(const CDiscPath &path)
     std::vector<BYTE> buffer(BUFFER);
     DWORD nRead = 0;
     do {
-        if (!ReadFile(hFile, buffer.data(), BUFFER, &nRead, nullptr))
+        if (!goOn() || !ReadFile(hFile, buffer.data(), BUFFER, &nRead, nullptr))
             return "";
         sum.Add(buffer.data(), nRead);
     } while (nRead > 0);
@@ -82,7 +82,7 @@ bool CDiscWriter::FailWriting(const CDiscPath &relative)
 bool CDiscWriter::Report(const CDiscPath &relative)
 {
     return !m_pProgress || m_pProgress->OnProgress(m_nDone, m_nTotal, relative.Text()) ||
-           Fail("", "The work was stopped.");
+           Fail("", WORK_STOPPED);
 }
 
 bool CDiscWriter::MakeFolder(const CDiscPath &relative)

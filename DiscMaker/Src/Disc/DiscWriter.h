@@ -1,6 +1,8 @@
 #pragma once
 
 #include "File/DiscFiles.h"
+#include <functional>
+
 #include "Disc/DiscProgress.h"
 #include "Disc/SumsFile.h"
 #include "Model/Problem.h"
@@ -44,5 +46,6 @@ private:
 
 // The path of a file on the disc as sums call it.
 CCUString SumsPath(const CDiscPath &relative);
-// The sum of a whole file; empty when it cannot be read.
-CCUString SumOfFile(const CDiscPath &path);
+// The sum of a whole file; empty when it cannot be read. Asks before each piece whether to go on,
+// and is empty, too, where not.
+CCUString SumOfFile(const CDiscPath &path, const std::function<bool()> &goOn);

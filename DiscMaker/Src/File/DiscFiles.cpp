@@ -54,6 +54,7 @@ struct CFound
     CDiscPath m_name;
     DWORD m_nAttributes;
     ULONGLONG m_nSize;
+    FILETIME m_written;
 };
 
 template <typename Data>
@@ -80,10 +81,12 @@ public:
     CFound Found() const
     {
         if (IsWide())
-            return {CDiscPath(m_wide.cFileName), m_wide.dwFileAttributes, SizeOf(m_wide)};
+            return {CDiscPath(m_wide.cFileName), m_wide.dwFileAttributes, SizeOf(m_wide),
+                    m_wide.ftLastWriteTime};
         WCHAR szName[MAX_PATH] = L"";
         MultiByteToWideChar(CP_ACP, 0, m_narrow.cFileName, -1, szName, MAX_PATH);
-        return {CDiscPath(szName), m_narrow.dwFileAttributes, SizeOf(m_narrow)};
+        return {CDiscPath(szName), m_narrow.dwFileAttributes, SizeOf(m_narrow),
+                m_narrow.ftLastWriteTime};
     }
 
 private:
@@ -232,7 +235,7 @@ bool DiscReadTree(const CDiscPath &folder, CDiscTree &tree, CDiscPath &failed)
         for (const CFound &one : found) {
             const CDiscPath path = relative.Join(one.m_name);
             if (!(one.m_nAttributes & FILE_ATTRIBUTE_DIRECTORY)) {
-                tree.m_files.push_back({path, one.m_nSize});
+                tree.m_files.push_back({path, one.m_nSize, one.m_written});
             } else if (one.m_nAttributes & FILE_ATTRIBUTE_REPARSE_POINT) {
                 tree.m_links.push_back(path);
             } else {

@@ -46,6 +46,7 @@ struct CDiscTree
     {
         CDiscPath m_path;
         ULONGLONG m_nSize;
+        FILETIME m_written;
     };
     std::vector<CDiscPath> m_folders;
     std::vector<CFile> m_files;
