@@ -2,6 +2,7 @@
 
 #include "CUI/Choosers.h"
 #include "CUI/Data.h"
+#include "Support/BoxAnswer.h"
 #include "Support/ImportHook.h"
 #include "Support/TemporaryDirectory.h"
 #include "Support/TestSettings.h"
@@ -11,27 +12,6 @@
 #include <commdlg.h>
 
 namespace {
-
-// Presses a button of the dialog until that has gone: a file chooser has its name some time after
-// it is seen.
-struct CDriver : CTestWindow
-{
-    explicit CDriver(WPARAM nButton)
-    {
-        m_on[WM_TIMER] = [=] { return Drive(nButton), 0; };
-        SetTimer(*this, 1, 20, nullptr);
-    }
-    void Drive(WPARAM nButton)
-    {
-        const HWND hDialog = GetLastActivePopup(*this);
-        if (hDialog == *this || !IsWindowVisible(hDialog))
-            return;
-        EXPECT_FALSE(IsWindowEnabled(*this) || IsIconic(*this));
-        nButton = ++m_nPresses < 1000 ? nButton : IDCANCEL;
-        PostMessageA(hDialog, WM_COMMAND, nButton, LPARAM(GetDlgItem(hDialog, int(nButton))));
-    }
-    int m_nPresses = 0;
-};
 
 DWORD s_dwCode;
 DWORD WINAPI ExtendedError()
@@ -137,20 +117,25 @@ TEST(Choosers, GiveWhatTheUserChooses)
     choice.pszFolder = directory.Path().c_str();
     choice.pszExtension = "txt";
     CCUString sPath("new");
-    CDriver save(IDOK), cancel(IDCANCEL), browse(IDOK), look(IDOK);
-    ShowWindow(cancel, SW_SHOWMINIMIZED);
-    EXPECT_TRUE(CUIChooseSaveFile(&save, sPath, nullptr, &choice));
-    EXPECT_FALSE(CUIChooseSaveFile(&cancel, sPath));
-    EXPECT_EQ(DWORD(ERROR_CANCELLED), GetLastError());
+    CTestWindow owner;
+    ShowWindow(owner, SW_SHOWMINIMIZED);
+    {
+        const CBoxAnswer cancel("", IDCANCEL);
+        EXPECT_FALSE(CUIChooseSaveFile(&owner, sPath));
+        EXPECT_EQ(DWORD(ERROR_CANCELLED), GetLastError());
+    }
+    EXPECT_FALSE(IsIconic(owner));
+    const CBoxAnswer answer("", IDOK);
+    EXPECT_TRUE(CUIChooseSaveFile(&owner, sPath, nullptr, &choice));
     EXPECT_EQ(directory.Path() + "\\new.txt", std::string(sPath));
     // One beside which no other test makes or deletes folders, while the chooser lists them.
     sPath = "C:\\windows\\system32";
-    EXPECT_TRUE(CUIChooseFolder(&browse, sPath, "Where to?"));
+    EXPECT_TRUE(CUIChooseFolder(&owner, sPath, "Where to?"));
     EXPECT_STRCASEEQ("C:\\windows\\system32", sPath);
     COLORREF crText = RGB(255, 0, 0);
     LOGFONTA font = {};
     strcpy(font.lfFaceName, "Liberation Sans");
-    EXPECT_TRUE(CUIChooseFont(&look, font, &crText));
+    EXPECT_TRUE(CUIChooseFont(&owner, font, &crText));
     EXPECT_STREQ("Liberation Sans", font.lfFaceName);
     EXPECT_EQ(COLORREF(RGB(255, 0, 0)), crText);
 }

@@ -17,8 +17,6 @@
 
 namespace {
 
-const LONG MIRRORED = 0x00400000;  // WS_EX_LAYOUTRTL
-
 // Has three commands, and writes down what a bar tells its parent.
 struct CParent : CTestWindow
 {

@@ -177,35 +177,30 @@ TEST(FrameWindow, KeepsItsPlaceAndFindsAScreenForIt)
     const CFakeCall<BOOL(HWND, WINDOWPLACEMENT *)> get("GetWindowPlacement", [&](HWND h, auto *p) {
         return p->length == sizeof *p && get.Original(h, p);
     });
-    RECT work;
-    SystemParametersInfoA(SPI_GETWORKAREA, 0, &work, 0);
-    const struct
-    {
-        const char *kept;
-        std::string place;
-        int nShow = SW_SHOWNORMAL;
-    } rows[] = {
+    const RECT work = WorkArea();
+    const int NORMAL = SW_SHOWNORMAL;
+    const std::tuple<const char *, std::string, int> rows[] = {
         {"100,90,400,290,1,96", "100,90,400,290,1", SW_SHOWMINIMIZED},
         {"100,90,400,290,0,96", "100,90,400,290,1", SW_SHOWMAXIMIZED},
         {"100,90,400,290,1,96", "100,90,400,290,1", SW_SHOWDEFAULT},
-        {"-200,90,100,290,0,96", "-200,90,100,290,0"},
-        {"724,90,924,290,0,48", Text("%ld,90,%ld,490,0", work.right - 400, work.right)},
-        {"100,90,400,9000,0,96", Text("100,%ld,400,%ld,0", work.top, work.bottom)},
-        {"-290,90,10,290,0,96", "0,90,300,290,0"},
-        {"5000,-30,19000,9000,0,96", Of(work) + ",0"},
-        {"100,90,400,290,0,0", "40,50,440,350,0"},
+        {"-200,90,100,290,0,96", "-200,90,100,290,0", NORMAL},
+        {"724,90,924,290,0,48", Text("%ld,90,%ld,490,0", work.right - 400, work.right), NORMAL},
+        {"100,90,400,9000,0,96", Text("100,%ld,400,%ld,0", work.top, work.bottom), NORMAL},
+        {"-290,90,10,290,0,96", "0,90,300,290,0", NORMAL},
+        {"5000,-30,19000,9000,0,96", Of(work) + ",0", NORMAL},
+        {"100,90,400,290,0,0", "40,50,440,350,0", NORMAL},
     };
-    for (const auto &row : rows) {
-        CTestSettings::Set("Placement", row.kept);
+    for (const auto &[kept, place, nShow] : rows) {
+        CTestSettings::Set("Placement", kept);
         CTestFrame frame;
-        frame.ShowKept("Test", row.nShow);
-        EXPECT_EQ(row.nShow == SW_SHOWMINIMIZED, IsIconic(frame) != 0);
+        frame.ShowKept("Test", nShow);
+        EXPECT_EQ(nShow == SW_SHOWMINIMIZED, IsIconic(frame) != 0);
         frame.BringToFront();
         Send(frame, WM_ENDSESSION, FALSE);
         EXPECT_TRUE(IsWindowVisible(frame));
         Send(frame, WM_ENDSESSION, TRUE);
         EXPECT_FALSE(frame.Exist());
-        EXPECT_EQ(row.place + ",96", CTestSettings::Get("Placement"));
+        EXPECT_EQ(place + ",96", CTestSettings::Get("Placement"));
     }
 }
 
@@ -280,14 +275,12 @@ TEST(FrameWindow, LeadsHelpKeysAndFocusBetweenItsParts)
     const CPixelMap ready = look();
     frame.m_status.ShowHelp("Long help");
     const CPixelMap help = look();
-    BYTE keys[256] = {};
     const HWND order[] = {frame.m_bars[0], frame.m_bars[1], frame.m_button, frame.m_bars[1]};
     for (const HWND hExpected : order) {
         PressKey(VK_F6);
         EXPECT_EQ(hExpected, GetFocus());
         EXPECT_EQ(hExpected == frame.m_button ? ready : help, look());
-        keys[VK_SHIFT] = hExpected == frame.m_button ? 0x80 : 0;  // and back
-        SetKeyboardState(keys);
+        HoldKey(hExpected == frame.m_button ? VK_SHIFT : 0);  // and back
     }
     EXPECT_TRUE(PressKey('o', frame.m_bars[0], WM_SYSCHAR));
     EXPECT_EQ("0 ", command.Done());

@@ -1,7 +1,6 @@
 #include "CUI/Data.h"
 #include "CUI/Draw.h"
 #include "CUI/LayoutWindow.h"
-#include "Support/GdiCount.h"
 #include "Support/ImportHook.h"
 #include "Support/PixelMap.h"
 #include "Support/TestControl.h"
@@ -10,7 +9,6 @@ namespace {
 
 const auto COLUMN = CCUILayoutWindow::Column;
 const auto ROW = CCUILayoutWindow::Row;
-const LONG MIRRORED = 0x00400000;  // WS_EX_LAYOUTRTL
 
 struct CLayout : CScripted<CCUILayoutWindow>
 {
@@ -50,15 +48,12 @@ Boxes MakeBoxes(HWND hParent, const std::vector<std::pair<int, unsigned long>> &
 }
 
 // Who has the focus then; null: nobody wanted the key.
-HWND PressTab(bool bShift = false, HWND hDialog = nullptr)
+HWND PressTab(bool bShift = false)
 {
-    BYTE keys[256] = {};
-    keys[VK_SHIFT] = bShift ? 0x80 : 0;
-    SetKeyboardState(keys);
-    MSG key = {GetFocus(), WM_KEYDOWN, VK_TAB, 0, 0, {}};
-    if (!CCUIWindow::PerformPreTranslation(&key) && !IsDialogMessageA(hDialog, &key))
+    HoldKey(bShift ? VK_SHIFT : 0);
+    if (!PressKey(VK_TAB))
         SetFocus(nullptr);
-    SetKeyboardState(std::vector<BYTE>(256).data());
+    HoldKey(0);
     return GetFocus();
 }
 
@@ -71,11 +66,14 @@ TEST(Layout, GivesChildrenTheirPlacesWhateverChanges)
     layout.SetMargins({5, 5, 5, 5});
     layout.SetGap(3);
     const HWND hPlain = MakePlain("STATIC", layout);
-    Boxes boxes = MakeBoxes(layout, {{10, 4}, {20, 4}, {30, 4}});
+    Boxes boxes =
+        MakeBoxes(layout, {{10, CUI_PLACE_NEAR}, {20, CUI_PLACE_CENTER}, {30, CUI_PLACE_FAR}});
+    EXPECT_EQ("5+7 26+7 48+7 ", Along(boxes, false));
     const auto widen = [&](int cx) { SetWindowPos(layout, nullptr, 0, 0, cx, 60, SWP_NOMOVE); };
     const std::pair<const char *, std::function<void()>> steps[] = {
         {"5+10 18+20 41+30 ", [] {}},
-        {"5+10 18+44 65+30 ", [&] { boxes[1]->SetLayoutFlags(4 | CUIPlaceWeight(1)); }},
+        {"5+10 18+44 65+30 ",
+         [&] { boxes[1]->SetLayoutFlags(CUI_PLACE_CENTER | CUIPlaceWeight(1)); }},
         {"5+10 5+57 65+30 ", [&] { ShowWindow(*boxes[0], SW_HIDE); }},
         // Two share by weight, but for what each needs.
         {"5+34 42+20 65+30 ",
@@ -93,17 +91,9 @@ TEST(Layout, GivesChildrenTheirPlacesWhateverChanges)
         EXPECT_EQ(places, Along(boxes));
     }
     EXPECT_EQ("0,0,9,9", PlaceOf(hPlain));
-}
-
-TEST(Layout, PutsChildrenAcrossAsTheyWant)
-{
-    CTestPopup top;
-    CLayout layout(top, ROW, 100, 100);
-    layout.SetMargins({1, 2, 3, 4});
-    Boxes boxes =
-        MakeBoxes(layout, {{5, CUI_PLACE_NEAR}, {5, CUI_PLACE_CENTER}, {5, CUI_PLACE_FAR}, {5, 4}});
+    widen(100);
     layout.SetDirection(COLUMN);
-    EXPECT_EQ("1+5 46+5 92+5 1+96 2+5 7+5 12+5 17+5 ", Along(boxes) + Along(boxes, false));
+    EXPECT_EQ("5+90 55+40 5+90 5+10 18+40 61+7 ", Along(boxes) + Along(boxes, false));
 }
 
 TEST(Layout, MovesAllInOneBatchAndPaintsNothingTwice)
@@ -180,14 +170,6 @@ TEST(Layout, TabGoesThroughAllThatCanHaveTheFocus)
     last.m_on[WM_GETDLGCODE] = [] { return DLGC_WANTTAB; };
     PressTab();
     EXPECT_EQ(nullptr, PressTab());
-    // A dialog moves the focus behind the end.
-    const HWND hDialog = MakePlain("#32770", top, 0, SHOWN);
-    CLayout within(hDialog, ROW);
-    CTestControl one(within);
-    const HWND hOther = MakePlain("BUTTON", hDialog, 0, SHOWN);
-    SetFocus(one);
-    for (const HWND hWnd : {hOther, one.GetHandle()})
-        EXPECT_EQ(hWnd, PressTab(false, hDialog));
 }
 
 TEST(Layout, ScrollsWhenThereIsNoRoom)
@@ -260,9 +242,7 @@ TEST(Layout, SplitterMovesByMouseAndKeysAndGoesBack)
         EXPECT_EQ(key.second, layout.GetSplit(*boxes[0])) << key.first;
     }
     layout.SetSplit(*boxes[0], 50);
-    BYTE control[256] = {};
-    control[VK_CONTROL] = 0x80;
-    SetKeyboardState(control);
+    HoldKey(VK_CONTROL);
     Input(hSplitter, {VK_RIGHT});
     PressTab();
     EXPECT_EQ("48 51 ", layout.Told());
@@ -300,14 +280,6 @@ TEST(Layout, SurvivesWhatHandlersDo)
     // One deletes the layout.
     boxes[0]->m_on[WM_SIZE] = [&] { return pLayout.reset(), 0; };
     boxes[0]->SetFixedSize(5);
-    // One destroys its window, of which a new one is laid out as ever.
-    pLayout = std::make_unique<CLayout>(top, ROW);
-    boxes = MakeBoxes(*pLayout, {{10, CUI_PLACE_FIT}});
-    boxes[0]->m_on[CUI_WM_NATURALSIZE] = [&] { return pLayout->Destroy(), 1; };
-    boxes[0]->SetLayoutFlags(CUI_PLACE_FIT | CUI_PLACE_FILL);
-    boxes.clear();
-    pLayout->Create(nullptr, "", SHOWN, {0, 0, 100, 60}, top, 0);
-    EXPECT_EQ("0+10 ", Along(MakeBoxes(*pLayout, {{10, 4}})));
     // The mouse lets go when the layout is gone.
     pLayout = std::make_unique<CLayout>(top, ROW);
     boxes = MakeBoxes(*pLayout, {{10, 4 | CUI_PLACE_SPLITTER}, {10, 4}});
@@ -320,21 +292,17 @@ TEST(Layout, SurvivesWhatHandlersDo)
     EXPECT_EQ(nullptr, GetCapture());
 }
 
-TEST(Layout, HoldsTenThousandChildrenAndLeavesNothing)
+TEST(Layout, HoldsTenThousandChildren)
 {
     // Hidden: what takes the system minutes is to find out what is seen of 10,000 windows.
     CTestWindow top(nullptr, WS_POPUP);
-    const auto round = [&](int nChildren) {
-        CLayout layout(top, COLUMN);
-        layout.SetScrolling(true);
-        CCUIControlWindow::PropData data = {3, 0, 4, 0, 0};
-        HWND hLast = nullptr;
-        for (int i = 0; i < nChildren; ++i)
-            SetPropA(hLast = MakePlain("STATIC", layout, 0, SHOWN), g_sControlWindowProp, &data);
-        PumpWaiting();
-        layout.ScrollTo(0x7FFFFFFF);
-        EXPECT_EQ(57, RectOf(hLast).top);
-    };
-    ExpectNoGdiLeft(5, [&] { round(30); });
-    round(10000);
+    CLayout layout(top, COLUMN);
+    layout.SetScrolling(true);
+    CCUIControlWindow::PropData data = {3, 0, 4, 0, 0};
+    HWND hLast = nullptr;
+    for (int i = 0; i < 10000; ++i)
+        SetPropA(hLast = MakePlain("STATIC", layout, 0, SHOWN), g_sControlWindowProp, &data);
+    PumpWaiting();
+    layout.ScrollTo(0x7FFFFFFF);
+    EXPECT_EQ(57, RectOf(hLast).top);
 }

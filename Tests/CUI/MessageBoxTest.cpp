@@ -13,18 +13,6 @@
 namespace {
 
 using Act = std::function<void(HWND)>;
-using Show = std::function<int(HWND)>;
-
-Show Ours(UINT nFlags)
-{
-    return [=](HWND owner) {
-        return CUIMessageBox(CCUIWindow::FromHandle(owner), "text", "title", nFlags);
-    };
-}
-Show Systems(UINT nFlags)
-{
-    return [=](HWND owner) { return MessageBoxA(owner, "text", "title", nFlags); };
-}
 
 // The window in front of the owner, once it has the focus: that the box before had it the screen
 // may tell late.
@@ -38,16 +26,20 @@ HWND FocusedBox(HWND owner)
 }
 
 // Shows a box, has `act` called once when it is there, and returns its answer.
-int Ask(const Show &show, const Act &act)
+int Ask(const std::function<int(CCUIWindow *)> &show, const Act &act)
 {
     CTestWindow owner(nullptr, WS_OVERLAPPEDWINDOW | WS_VISIBLE);
     owner.m_on[WM_APP] = [&] { return act(FocusedBox(owner)), 0; };
     PostMessageA(owner, WM_APP, 0, 0);
-    return show(owner);
+    return show(&owner);
 }
 int Ask(CCUIMessageBox &box, const Act &act)
 {
-    return Ask([&](HWND owner) { return box.DoModal(CCUIWindow::FromHandle(owner)); }, act);
+    return Ask([&](CCUIWindow *pOwner) { return box.DoModal(pOwner); }, act);
+}
+int Ask(UINT nFlags, const Act &act)
+{
+    return Ask([=](CCUIWindow *p) { return CUIMessageBox(p, "text", "title", nFlags); }, act);
 }
 
 // From the left to the right, with what has the focus.
@@ -87,12 +79,15 @@ TEST(MessageBoxes, AnswersAsTheSystemsDoes)
     for (UINT nSet = MB_OK; nSet <= 6; ++nSet) {
         for (int i = 0; i < COUNTS[nSet]; ++i) {
             const UINT nFlags = nSet | static_cast<UINT>(i) << 8;
-            std::string ours, systems;
-            const auto click = [&](std::string &text) {
-                return [&, i](HWND hBox) { text = Describe(hBox), Click(i)(hBox); };
+            std::string shown;
+            const auto click = [&](HWND hBox) {
+                shown += Describe(hBox) + "; ";
+                Click(i)(hBox);
             };
-            EXPECT_EQ(Ask(Systems(nFlags), click(systems)), Ask(Ours(nFlags), click(ours)));
-            EXPECT_EQ(systems, ours);
+            const auto system = [=](HWND h) { return MessageBoxA(h, "text", "title", nFlags); };
+            EXPECT_EQ(Ask([=](CCUIWindow *p) { return system(*p); }, click), Ask(nFlags, click));
+            const size_t nHalf = shown.size() / 2;
+            EXPECT_EQ(shown.substr(0, nHalf), shown.substr(nHalf));
         }
     }
 }
@@ -101,9 +96,9 @@ TEST(MessageBoxes, IsCancelledWhereThereIsACancelButton)
 {
     for (const UINT message : {UINT{WM_KEYDOWN}, UINT{WM_CLOSE}}) {
         const Act close = [=](HWND hBox) { PostMessageA(hBox, message, VK_ESCAPE, 1); };
-        EXPECT_EQ(IDOK, Ask(Ours(MB_OK | MB_HELP), close));
-        EXPECT_EQ(IDCANCEL, Ask(Ours(MB_YESNOCANCEL), close));
-        EXPECT_EQ(IDNO, Ask(Ours(MB_YESNO), [&](HWND hBox) {
+        EXPECT_EQ(IDOK, Ask(MB_OK | MB_HELP, close));
+        EXPECT_EQ(IDCANCEL, Ask(MB_YESNOCANCEL, close));
+        EXPECT_EQ(IDNO, Ask(MB_YESNO, [&](HWND hBox) {
                       EXPECT_EQ(-1, int(GetMenuState(GetSystemMenu(hBox, FALSE), SC_CLOSE, 0)));
                       close(hBox);
                       PumpWaiting();
@@ -113,13 +108,13 @@ TEST(MessageBoxes, IsCancelledWhereThereIsACancelButton)
     }
     // The owner goes and takes the box along.
     ExpectNoGdiLeft(40, [] {
-        EXPECT_EQ(IDCANCEL, Ask(Ours(MB_ICONHAND), [](HWND hBox) {
+        EXPECT_EQ(IDCANCEL, Ask(MB_ICONHAND, [](HWND hBox) {
                       CCUIWindow::FromHandle(GetWindow(hBox, GW_OWNER))->Destroy();
                   }));
     });
     // From outside, by the owner; and with a cancel button of another number.
     const auto abort = [](HWND hBox) { CCUIWindow::AbortDialog(GetWindow(hBox, GW_OWNER)); };
-    EXPECT_EQ(IDNO, Ask(Ours(MB_YESNO), abort));
+    EXPECT_EQ(IDNO, Ask(MB_YESNO, abort));
     CCUIMessageBox box("text", "title", MB_YESNO);
     ASSERT_TRUE(box.AddButton(IDOK, "&Now"));
     box.AddButton(101, "&Later");
@@ -136,8 +131,7 @@ TEST(MessageBoxes, IsAsLargeAsItsTextNeedsAndTheScreenAllows)
     std::string lines;
     for (int i = 0; i < 2000; ++i)
         lines += "line\n";
-    RECT work;
-    SystemParametersInfoA(SPI_GETWORKAREA, 0, &work, 0);
+    const RECT work = WorkArea();
     for (const std::string &text :
          {std::string("\"Fox\" was replaced."), words, std::string(900, 'x'), lines})
     {
@@ -233,7 +227,8 @@ TEST(MessageBoxes, CountsDownUntilTheUserTouchesIt)
         const int nAnswer = Ask(box, [&](HWND hBox) {
             pass(2100);
             EXPECT_EQ("title: text *&Yes (3) &No", Describe(hBox));
-            PostMessageA(GetDlgItem(hBox, 0xFFFF), static_cast<UINT>(nTouch), VK_SHIFT, 1), pass(0);
+            PostMessageA(GetDlgItem(hBox, 0xFFFF), UINT(nTouch), VK_SHIFT, 1);
+            pass(0);
             EXPECT_EQ(bTouch, Describe(hBox) == "title: text *&Yes &No");
             pass(3000);
             if (bTouch)
@@ -255,13 +250,11 @@ TEST(MessageBoxes, SpeaksAsTheProgramDoesAndCopiesItselfInTheSystemsForm)
     Ask(box, [&](HWND hBox) {
         EXPECT_EQ("Title: One\nTwo S&chluss *&More", Describe(hBox));
         EXPECT_EQ(hIcon, HICON(SendDlgItemMessageA(hBox, 0xF001, STM_GETICON, 0, 0)));
-        for (const BYTE nDown : {BYTE(0x80), BYTE(0)}) {
-            BYTE keys[256] = {};
-            keys[VK_CONTROL] = nDown;
-            SetKeyboardState(keys);
-            Press(nDown ? 'C' : VK_RETURN)(hBox);
-            PumpWaiting();
-        }
+        HoldKey(VK_CONTROL);
+        Press('C')(hBox);
+        PumpWaiting();
+        HoldKey(0);
+        Press(VK_RETURN)(hBox);
     });
     ASSERT_TRUE(OpenClipboard(nullptr));
     const std::string line(27, '-');

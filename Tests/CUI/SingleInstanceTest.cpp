@@ -13,11 +13,8 @@ struct CInstance : CCUISingleInstance
     explicit CInstance(DWORD nTimeout = 60000) : m_outcome(Start("CUITests\\run", nTimeout)) {}
     void OnLaterRun(const CCUString &sCommandLine, const CCUString &sFolder) override
     {
-        ++m_nRuns, CCUISingleInstance::OnLaterRun(sCommandLine, sFolder);
-    }
-    bool Await(int nRuns)
-    {
-        return PumpUntil([&] { return m_nRuns >= nRuns; });
+        ++m_nRuns;
+        CCUISingleInstance::OnLaterRun(sCommandLine, sFolder);
     }
     int m_nRuns = 0;
     const Outcome m_outcome;
@@ -28,7 +25,7 @@ CHILD_PROCESS(RivalRun)
 {
     CInstance instance(strstr(GetCommandLineA(), "impatient") ? 300 : 60000);
     if (instance.m_outcome == CCUISingleInstance::First)
-        instance.Await(3);
+        PumpUntil([&] { return instance.m_nRuns == 3; });
     exit(instance.m_outcome + 10 * instance.m_nRuns);
 }
 
@@ -40,7 +37,7 @@ TEST(SingleInstance, HandsItsCommandLineAndFolderToTheFirst)
     ShowWindow(frame, SW_SHOWMINIMIZED);
     CInstance instance;
     const CChildProcess later("RivalRun", "\"a b.txt\"", "C:\\windows");
-    EXPECT_TRUE(instance.Await(1));
+    EXPECT_TRUE(PumpUntil([&] { return instance.m_nRuns == 1; }));
     EXPECT_EQ(1u, later.ExitCode());
     EXPECT_STRCASEEQ("C:\\windows\\a b.txt|", frame.m_told.c_str());
     EXPECT_FALSE(IsIconic(frame));

@@ -2,8 +2,8 @@
 
 #include <gtest/gtest.h>
 
-#include "DiscMaker/Boxes.h"
 #include "DiscMaker/SkinFiles.h"
+#include "Support/BoxAnswer.h"
 #include "Support/TestSettings.h"
 #include "Support/TestWindow.h"
 #include "Window/Ids.h"

@@ -3,10 +3,10 @@
 #include <gtest/gtest.h>
 #include <shlobj.h>
 
-#include "DiscMaker/Boxes.h"
 #include "DiscMaker/SkinFiles.h"
 #include "DiscMaker/Skins.h"
 #include "File/PictureFile.h"
+#include "Support/BoxAnswer.h"
 #include "Support/ImportHook.h"
 #include "Support/TestSettings.h"
 #include "Support/TestWindow.h"

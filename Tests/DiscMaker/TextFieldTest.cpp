@@ -1,6 +1,6 @@
 #include "Window/TextField.h"
 
-#include "DiscMaker/Boxes.h"
+#include "Support/BoxAnswer.h"
 #include "Support/ImportHook.h"
 #include "Support/TestWindow.h"
 

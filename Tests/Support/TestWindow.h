@@ -12,6 +12,8 @@
 
 using Texts = std::vector<std::string>;
 
+const LONG MIRRORED = 0x00400000;  // WS_EX_LAYOUTRTL
+
 // The top-level windows of the calling thread.
 inline BOOL CALLBACK CountWindow(HWND, LPARAM lParam)
 {
@@ -74,7 +76,7 @@ public:
     explicit CTestWindow(HWND hParent = nullptr, DWORD style = WS_OVERLAPPEDWINDOW,
                          const char *className = nullptr)
     {
-        CreateTestWindow(*this, hParent, style, className);
+        EXPECT_TRUE(CreateTestWindow(*this, hParent, style, className));
     }
 };
 
@@ -124,6 +126,13 @@ inline RECT ClientOf(HWND hWnd)
     return GetClientRect(hWnd, &rect), rect;
 }
 
+// What the screen has beside the taskbar.
+inline RECT WorkArea()
+{
+    RECT work = {};
+    return SystemParametersInfoA(SPI_GETWORKAREA, 0, &work, 0), work;
+}
+
 inline std::string TextOf(HWND hWnd)
 {
     std::string text(static_cast<size_t>(GetWindowTextLengthA(hWnd)) + 1, '\0');
@@ -160,6 +169,14 @@ inline std::string Of(const RECT &rc)
 inline std::string PlaceOf(HWND hWnd)
 {
     return Of(RectOf(hWnd));
+}
+
+// One key is held down, and no other; 0: none.
+inline void HoldKey(int nKey)
+{
+    BYTE keys[256] = {};
+    keys[nKey] = nKey ? 0x80 : 0;
+    SetKeyboardState(keys);
 }
 
 // A key as the loop gets it, pressed in the window with the focus.

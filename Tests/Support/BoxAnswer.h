@@ -4,7 +4,8 @@
 
 #include "CUI/Platform.h"
 
-// Answers this thread's boxes of that title with a button, as long as it lives.
+// Answers this thread's boxes of that title with a button, as long as it lives; of no title: all
+// of its dialogs. A file chooser has its name some time after it is seen, and is asked again.
 class CBoxAnswer
 {
 public:
@@ -28,7 +29,8 @@ private:
     {
         char szTitle[100] = "";
         GetWindowTextA(hWnd, szTitle, sizeof szTitle);
-        if (!IsWindowVisible(hWnd) || s_title != szTitle)
+        const bool bDialog = GetClassLongA(hWnd, GCW_ATOM) == 32770;
+        if (!IsWindowVisible(hWnd) || (s_title.empty() ? !bDialog : s_title != szTitle))
             return TRUE;
         ++s_nAsked;
         SendMessageA(hWnd, WM_COMMAND, static_cast<WPARAM>(s_nButton), 0);
