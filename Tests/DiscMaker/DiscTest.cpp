@@ -258,6 +258,7 @@ TEST_F(CDiscTest, KeepsWhatIsChangedInTheOldDiscMeanwhile)
     ASSERT_TRUE(Make("\\out", "\\in", &change));
     EXPECT_EQ("mine", Read(Path() + "\\out.old\\Music\\b.wav"));
     EXPECT_EQ("", Read(Path() + "\\out.old\\Setup.exe"));
+    ASSERT_EQ(1U, m_problems.size());
     EXPECT_STREQ("Some of the old disc could not be deleted.", m_problems[0].m_sWhat);
 }
 
