@@ -69,9 +69,15 @@ class Viewer(Package):
         keys("Escape", "Prior")
         self.shown("a", at=first[:2])
 
-        # By the keyboard alone: the bar's first button opens another picture, the splitter moves, and a
-        # picture that is larger than the window moves until its corner can be seen. The mouse drags it
-        # out of sight again.
+        # By the keyboard alone, up to the end of the program: fit and the folder's list, the bar's first
+        # button opens another picture, the splitter moves, and a picture that is larger than the window
+        # moves until its corner can be seen.
+        keys("KP_Add", "KP_Add")
+        self.shown("a", 2)
+        keys("ctrl+0", "F4")
+        wait_for(lambda: self.shown("a")[0] < first[0], "the room of the list")
+        keys("F4")
+        self.shown("a", at=first[:2])
         keys("F6", "Return")
         keys("b", "period", "b", "m", "p", "Return", to="Open")
         self.shown("b")
@@ -81,18 +87,17 @@ class Viewer(Package):
         wait_for(lambda: edges(ImageGrab.grab(xdisplay="").convert("RGB")) is None, "its middle")
         keys(*["Left", "Up"] * 12)
         wait_for(lambda: edges(ImageGrab.grab(xdisplay="").convert("RGB")), "its corner")
-        xdotool("mousemove", *first[:2], "mousedown", 1,
-                "mousemove", first[0] - 100, first[1] - 100, "mouseup", 1)
-        wait_for(lambda: edges(ImageGrab.grab(xdisplay="").convert("RGB")) is None, "its middle")
         keys("Prior", "Prior")
 
-        # Options, a slide show of one second a picture, and the end, by the keyboard alone.
+        # Options, a slide show of one second a picture, and the end.
         keys("alt+t", "o")
         keys("1", "Tab", "Tab", "space", "Return", to="Options")
         keys("F5")
         for name in "cac":  # to the last one, and once more from the start
             wait_for(lambda n=name: windows(f"{n}.bmp - Picture Viewer"), "the slide show")
         keys("F5")
+        keys("alt+t", "l")
+        keys("Return", to="Log")
         keys("alt+F4")
         self.assertEqual(0, viewer.wait(60))
 
@@ -102,6 +107,10 @@ class Viewer(Package):
         third = self.start("Viewer", windows_path(self.folder / "b.bmp"))
         self.assertEqual(0, third.wait(60))
         self.shown("b")
+        keys("Next", "ctrl+1")
+        wait_for(lambda: edges(ImageGrab.grab(xdisplay="").convert("RGB")) is None, "c's middle")
+        xdotool("mousemove", *first[:2], "mousedown", 1, "mousemove", 1000, 700, "mouseup", 1)
+        wait_for(lambda: edges(ImageGrab.grab(xdisplay="").convert("RGB")), "its corner")
         kept = output_of("wine", "reg", "query", SETTINGS, "/s")
         for value in r"Seconds +REG_DWORD +0x1\b", r"Notify +REG_DWORD +0x1\b", r"1 +REG_SZ .*\\b.bmp":
             self.assertRegex(kept, value)
