@@ -1,6 +1,6 @@
 #include "Disc/DiscLayout.h"
 
-#include <algorithm>
+#include <map>
 
 #include "CU/ErrorText.h"
 #include "Disc/DiscName.h"
@@ -235,16 +235,16 @@ bool CDiscLayout::WriteAll(CDiscWriter &writer, const CDiscPath &launcher,
 // What somebody has put there or changed meanwhile stays, in a folder that is told.
 void CDiscLayout::RemoveOld(const CDiscPath &old)
 {
+    std::map<CDiscPath, const CDiscTree::CFile *> before;
+    for (const CDiscTree::CFile &file : m_old.m_files)
+        before[file.m_path] = &file;
     CDiscTree now;
     CDiscPath failed;
     DiscReadTree(old, now, failed);  // of what it cannot read nothing is deleted
     for (const CDiscTree::CFile &file : now.m_files) {
-        const auto isSame = [&](const CDiscTree::CFile &other) {
-            return !(file.m_path < other.m_path) && !(other.m_path < file.m_path) &&
-                   file.m_nSize == other.m_nSize &&
-                   CompareFileTime(&file.m_written, &other.m_written) == 0;
-        };
-        if (std::any_of(m_old.m_files.begin(), m_old.m_files.end(), isSame))
+        const auto at = before.find(file.m_path);
+        if (at != before.end() && file.m_nSize == at->second->m_nSize &&
+            CompareFileTime(&file.m_written, &at->second->m_written) == 0)
             DiscDeleteFile(old.Join(file.m_path));
     }
     for (size_t i = m_old.m_folders.size(); i > 0; --i)

@@ -3,9 +3,9 @@
 #include "CU/String.h"
 #include "CUI/Platform.h"
 
-// Hears how far the work is.
 const char *const WORK_STOPPED = "The work was stopped.";
 
+// Hears how far the work is.
 class CDiscProgress
 {
 public:

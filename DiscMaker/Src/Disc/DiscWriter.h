@@ -1,10 +1,10 @@
 #pragma once
 
-#include "File/DiscFiles.h"
 #include <functional>
 
 #include "Disc/DiscProgress.h"
 #include "Disc/SumsFile.h"
+#include "File/DiscFiles.h"
 #include "Model/Problem.h"
 
 // Writes files below one folder and keeps their sums. The first failure, or the user's wish to
