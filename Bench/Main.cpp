@@ -107,22 +107,24 @@ int main(int argc, char **argv)
     std::sort(Groups().begin(), Groups().end(), [](const CBenchGroup &a, const CBenchGroup &b) {
         return strcmp(a.m_name, b.m_name) < 0;
     });
-    size_t nRun = 0;
-    for (const CBenchGroup &group : Groups()) {
-        const bool bNamed = std::any_of(wanted.begin(), wanted.end(), [&](const char *name) {
-            return strcmp(name, group.m_name) == 0;
-        });
-        nRun += bNamed;
-        s_runningGroup = group.m_name;
-        if (bNamed || wanted.empty())
-            group.m_run();
-    }
-    if (nRun < wanted.size()) {
-        fprintf(stderr, "not each of these is a group; there are");
+    for (const char *const name : wanted) {
+        if (std::any_of(Groups().begin(), Groups().end(),
+                        [=](const CBenchGroup &group) { return strcmp(name, group.m_name) == 0; }))
+            continue;
+        fprintf(stderr, "no group %s; there are", name);
         for (const CBenchGroup &group : Groups())
             fprintf(stderr, " %s", group.m_name);
         fputs("\n", stderr);
         return 2;
+    }
+    for (const CBenchGroup &group : Groups()) {
+        const bool bWanted =
+            wanted.empty() || std::any_of(wanted.begin(), wanted.end(), [&](const char *name) {
+                return strcmp(name, group.m_name) == 0;
+            });
+        s_runningGroup = group.m_name;
+        if (bWanted)
+            group.m_run();
     }
     PrintTable();
     if (json && !WriteJson(json)) {

@@ -64,10 +64,10 @@ def suspects(accepted, runs):
 
 def accept(accepted, runs):
     """The accepted table with the medians of the runs, which measured the same groups."""
-    medians = {
-        group: {row: float(f"{statistics.median(run[group][row] for run in runs):.4g}") for row in rows}
-        for group, rows in runs[0].items()
-    }
+    def median(group, row):
+        return float(f"{statistics.median(run[group][row] for run in runs):.4g}")
+
+    medians = {group: {row: median(group, row) for row in rows} for group, rows in runs[0].items()}
     return dict(sorted({**accepted, **medians}.items()))
 
 
