@@ -77,15 +77,19 @@ TEST(Control, IsPressedWhileMouseOrKeyHoldItAndClicksWhenTheyLetGo)
         {'<', {WM_MOUSEMOVE, 0, out}},  {'>', {WM_MOUSEMOVE, 0, in}},
         {'S', {WM_KEYDOWN, VK_SPACE}},  {'s', {WM_KEYUP, VK_SPACE}},
         {'x', {WM_KEYDOWN, VK_ESCAPE}}, {'r', {WM_KEYDOWN, VK_RETURN}},
-        {'e', {WM_ENABLE, FALSE}},      {'.', {WM_ENABLE, TRUE}},
-        {'o', {WM_CAPTURECHANGED}},     {'f', {WM_KILLFOCUS}}};
-    // "!" behind what leaves it pressed, and what it tells.
+        {'f', {WM_KILLFOCUS}}};
+    // o: another window takes the mouse; e: disabled, .: enabled. "!" behind what leaves it
+    // pressed, and what it tells.
     std::string record;
     for (const char c : std::string("D<>U.D<u.U.DoU.DeU.SSs.Sxs.Sfs.2U.r.")) {
-        const auto [message, wParam, lParam] = messages.at(c);
-        Send(button, UINT(message), WPARAM(wParam), lParam);
-        if (c == '.') {
-            EXPECT_NE(button.GetHandle(), GetCapture());
+        if (c == 'o') {
+            SetCapture(parent);
+        } else if (c == 'e' || c == '.') {
+            EXPECT_TRUE(c == 'e' || GetCapture() != button);
+            button.Enable(c == '.');
+        } else {
+            const auto [message, wParam, lParam] = messages.at(c);
+            Send(button, UINT(message), WPARAM(wParam), lParam);
         }
         record += c + std::string((button.GetState() & CUI_STATE_PRESSED) ? "!" : "");
         record += parent.Told();

@@ -25,7 +25,7 @@ CHILD_PROCESS(RivalRun)
 {
     CInstance instance(strstr(GetCommandLineA(), "impatient") ? 300 : 60000);
     if (instance.m_outcome == CCUISingleInstance::First)
-        PumpUntil([&] { return instance.m_nRuns == 3; });
+        PumpUntil([&] { return instance.m_nRuns >= 3; });
     exit(instance.m_outcome + 10 * instance.m_nRuns);
 }
 
@@ -37,7 +37,7 @@ TEST(SingleInstance, HandsItsCommandLineAndFolderToTheFirst)
     ShowWindow(frame, SW_SHOWMINIMIZED);
     CInstance instance;
     const CChildProcess later("RivalRun", "\"a b.txt\"", "C:\\windows");
-    EXPECT_TRUE(PumpUntil([&] { return instance.m_nRuns == 1; }));
+    EXPECT_TRUE(PumpUntil([&] { return instance.m_nRuns >= 1; }));
     EXPECT_EQ(1u, later.ExitCode());
     EXPECT_STRCASEEQ("C:\\windows\\a b.txt|", frame.m_told.c_str());
     EXPECT_FALSE(IsIconic(frame));

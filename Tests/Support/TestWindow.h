@@ -130,7 +130,8 @@ inline RECT ClientOf(HWND hWnd)
 inline RECT WorkArea()
 {
     RECT work = {};
-    return SystemParametersInfoA(SPI_GETWORKAREA, 0, &work, 0), work;
+    SystemParametersInfoA(SPI_GETWORKAREA, 0, &work, 0);
+    return work;
 }
 
 inline std::string TextOf(HWND hWnd)
