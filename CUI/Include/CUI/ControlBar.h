@@ -91,8 +91,8 @@ public:
     /// long as the bar or until this is called with null.
     CUI_API void SetDropDown(unsigned int nID, CCUIMenu *pMenu);
 
-    /// The strip of pictures, each cxPicture pixels wide; null or narrower, which is
-    /// traced: texts in their place.
+    /// The strip of pictures, each cxPicture pixels wide; null or narrower, which is traced: texts
+    /// in their place.
     /// In the disabled look what has the colours of the button's face or highlight is background:
     /// load the strip with CUIBMP_SYSCOLORS, and it goes along with changes of the system's
     /// colours. The pictures are stretched from nDpi, the dots an inch that they were drawn for, to
