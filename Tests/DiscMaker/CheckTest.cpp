@@ -140,6 +140,25 @@ TEST(Check, TellsEachMistake)
     ExpectLine(skin, "", "warning: Greek: IDS_TITLE: Title: the entry is missing");
 }
 
+// Once, not entry by entry.
+TEST(Check, TellsThatThereAreNoTexts)
+{
+    CSkin skin = GoodSkin();
+    for (const UINT nID : {IDS_CAPTION, IDS_TITLE, IDS_HELP, IDS_RUN, IDS_SETUP, IDS_EXIT}) {
+        skin.m_texts[0].m_entries.erase(nID);
+        EXPECT_EQ(std::string::npos, Lines(skin, "").find("are all empty"));
+    }
+    skin.m_texts[0].m_entries[IDS_ABOUT] = CWideText();
+    ExpectLine(skin, "", "error: IDS_CAPTION: The titles, the lines and the description are all");
+    for (auto &entry : skin.m_texts[0].m_entries)
+        entry.second = CWideText();
+    ExpectLine(skin, "", "error: There are no texts at all. (The launcher would show its pictures");
+    skin.m_texts.push_back({MAKELANGID(LANG_GREEK, SUBLANG_DEFAULT), {}});
+    ExpectLine(skin, "", "error: There are no texts at all.");
+    skin.m_texts.clear();
+    ExpectLine(skin, "", "error: There are no texts at all.");
+}
+
 TEST(Check, TellsMistakesInPictures)
 {
     const auto with = [](SkinPicture picture, const CBlob &blob) {

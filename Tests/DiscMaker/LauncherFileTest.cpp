@@ -37,15 +37,16 @@ std::string OtherSections(const CBytes &file, const char *pszBut)
     return all;
 }
 
-// Some other program.
-std::string WithoutDialog()
+// Some other program, or one in which all texts are empty.
+std::string Without(UINT nType, UINT nFirst, UINT nLast)
 {
     CPeImage image;
     CCUString sWhat;
     CResourceTree tree;
     image.Read(ReadFileBytes(TEST_LAUNCHER), sWhat);
     tree.Read(image.Resources(), image.ResourcesAddress());
-    tree.Remove(5, IDD_AUTORUN, LANG_NEUTRAL);
+    for (UINT nId = nFirst; nId <= nLast; ++nId)
+        tree.RemoveAll(nType, nId);
     const std::vector<BYTE> bytes = image.WithResources(tree);
     return std::string(bytes.begin(), bytes.end());
 }
@@ -247,7 +248,8 @@ TEST(LauncherFile, SaysWhatAFileIsThatIsNone)
         {good.substr(0, good.size() / 2), "cut off"},
         {With(good.find(std::string("\0\0\0\0\0\0\x07\0\x02\0\0\0", 12)), std::string(8, '\xFF')),
          "cut off or damaged"},
-        {WithoutDialog(), "no launcher"},
+        {Without(5, IDD_AUTORUN, IDD_AUTORUN), "no launcher"},
+        {Without(6, 1, 0x1000), "none of a launcher's texts"},
     };
     for (const auto &test : cases) {
         CProblems problems;

@@ -143,6 +143,10 @@ const struct
     {InScript("26,1,0,Arial", "26,1,0,Times New Roman"), "is cut to \"Times\"", 1},
     {InScript("IDS_DISC_LABEL", "99 \"more\" IDS_DISC_LABEL"), "does not use this entry", 0},
     {InScript("LABEL \"Fennick", "LABEL \"What?"), "a character that a label cannot have", 1},
+    {InFile("skin\\Skin.rc",
+            "2 ICON Fennick.ico\n200 BITMAP Background.bmp\n309 BITMAP Product.bmp\n"
+            "311 BITMAP Bullet.bmp\n"),
+     "error: There are no texts at all.", 2},
     {InScript("Exit this program\"", "Exit this program"), "Skin.rc:", 2},
     {InPicture("skin\\Background.bmp", 514, 345, OPAQUE_PIXEL), "too dark under the text", 1, ANY},
     {InPicture("skin\\Background.bmp", 1600, 1200, MakePixel(240, 240, 220)),

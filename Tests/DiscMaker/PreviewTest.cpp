@@ -46,6 +46,19 @@ TEST(Preview, RunsTheSkinAndLeavesNothing)
         CloseHandle(hProcess);
     }
     EXPECT_TRUE(RemoveDirectoryA(taken.c_str()));
+    // Nobody would see it.
+    const CBlob background = skin.m_pictures[PictureBackground];
+    const std::pair<CBlob, const char *> unseen[] = {
+        {nullptr, "The background is missing. (The launcher's window has no size"},
+        {PartOf(background, 0, background->size() / 2), "The background cannot be read: its data"}};
+    for (const auto &test : unseen) {
+        skin.m_pictures[PictureBackground] = test.first;
+        problems.clear();
+        EXPECT_FALSE(CPreview().Run(*launcher, skin, "", problems));
+        EXPECT_TRUE(strstr(Lines(problems).c_str(), test.second)) << Lines(problems);
+        EXPECT_EQ(1U, problems.size());
+    }
+    skin.m_pictures[PictureBackground] = background;
     EXPECT_TRUE(std::filesystem::is_empty(temp.Path()));
     const CFakeCall<BOOL(const char *, LPSECURITY_ATTRIBUTES)> full(
         "CreateDirectoryA", [](const char *, LPSECURITY_ATTRIBUTES) {

@@ -106,21 +106,11 @@ bool PutVersion(CResourceTree &tree, const CVersionStrings &strings)
     return !data.empty();
 }
 
-bool HasKnownEntry(const CSkin &skin)
-{
-    for (const CSkinTexts &texts : skin.m_texts) {
-        for (const auto &entry : texts.m_entries) {
-            if (FindSkinEntry(entry.first))
-                return true;
-        }
-    }
-    return false;
-}
-
 // Whether a launcher can hold it.
 bool IsSound(const CSkin &skin, CProblems &problems)
 {
-    bool bFit = true;
+    // Without any it would not be known for a launcher again.
+    bool bFit = HasTexts(skin, &problems);
     if (skin.m_icon && !IsIconFile(CByteView(*skin.m_icon))) {
         problems.push_back(CProblem{ProblemError, PROBLEM_ICON, "",
                                     "The icon is no whole .ico file.", "it cannot be saved"});
@@ -166,8 +156,11 @@ bool CLauncherFile::ReadBytes(const CBlob &bytes, CProblems &problems)
         return false;
     }
     ReadTexts(problems);
-    if (!m_resources.Find(TypeOf(RT_DIALOG), IDD_AUTORUN) || !HasKnownEntry(m_skin)) {
-        AddProblem(problems, ProblemError, m_sPath, "This program is no launcher of discs.",
+    const bool bDialog = m_resources.Find(TypeOf(RT_DIALOG), IDD_AUTORUN) != nullptr;
+    if (!bDialog || !HasTexts(m_skin)) {
+        AddProblem(problems, ProblemError, m_sPath,
+                   bDialog ? "This program has none of a launcher's texts."
+                           : "This program is no launcher of discs.",
                    "it cannot be opened");
         return false;
     }

@@ -64,6 +64,21 @@ UINT EntryOfSymbol(const CCUString &sSymbol)
     return sSymbol == EntrySymbol(IDS_DISC_LABEL) ? IDS_DISC_LABEL : 0;
 }
 
+bool HasTexts(const CSkin &skin, CProblems *pProblems)
+{
+    for (const CSkinTexts &texts : skin.m_texts) {
+        for (const auto &entry : texts.m_entries) {
+            if (!entry.second.IsEmpty() && FindSkinEntry(entry.first))
+                return true;
+        }
+    }
+    if (pProblems)
+        pProblems->push_back(
+            {ProblemError, 0, "", "There are no texts at all.",
+             "The launcher would show its pictures alone and start nothing; it is not made."});
+    return false;
+}
+
 bool ParsePoint(const CCUString &sText, POINT &point)
 {
     return sscanf(sText, "%ld,%ld", &point.x, &point.y) == 2;

@@ -1,6 +1,7 @@
 #pragma once
 
-#include "Model/WideText.h"
+#include "Model/Problem.h"
+#include "Model/Skin.h"
 
 enum SkinEntryKind
 {
@@ -32,6 +33,9 @@ const SkinEntry *FindSkinEntry(UINT nID);
 // other its number. And back: 0 for what is no name.
 CCUString EntrySymbol(UINT nID);
 UINT EntryOfSymbol(const CCUString &sSymbol);
+
+// Whether there is any text that launchers read; if not, that is told where somebody listens.
+bool HasTexts(const CSkin &skin, CProblems *pProblems = nullptr);
 
 // A font as the table writes it.
 struct SkinFont

@@ -42,9 +42,7 @@ void CheckSkin(const CSkin &skin, const CCUString &sFolder, CProblems &problems)
     // else.
     CheckPictures(skin, problems);
     CProblems found;
-    if (skin.m_texts.empty())
-        found.push_back({ProblemError, 0, "", "There are no texts at all.",
-                         "The launcher shows an empty picture and starts nothing."});
+    HasTexts(skin, &found);
     for (size_t i = 0; i < skin.m_texts.size(); ++i)
         CheckLanguage(skin, i, sContents, found);
     std::stable_sort(found.begin(), found.end(), [](const CProblem &left, const CProblem &right) {

@@ -11,3 +11,6 @@ void CheckSkin(const CSkin &skin, const CCUString &sContents, CProblems &problem
 
 // The lines' commands alone.
 void CheckPrograms(const CSkin &skin, const CCUString &sContents, CProblems &problems);
+
+// Of the background alone: false, with why, when the launcher's window would have no size.
+bool CheckBackground(const CSkin &skin, CProblems &problems);

@@ -15,6 +15,16 @@ const char *MissingEffect(const SkinEntry &entry)
     }
 }
 
+// Whether anything is shown that is no picture.
+bool HasShownText(const CSkinCheck &check)
+{
+    for (const SkinEntry &entry : SKIN_ENTRIES) {
+        if (entry.m_kind == EntryText && check.m_strings.Find(entry.m_nID))
+            return true;
+    }
+    return false;
+}
+
 void CheckMissing(CSkinCheck &check, const SkinEntry &entry)
 {
     if (check.m_strings.Find(entry.m_nID))
@@ -31,8 +41,15 @@ void CheckMissing(CSkinCheck &check, const SkinEntry &entry)
 
 void CheckEntries(CSkinCheck &check)
 {
-    for (const SkinEntry &entry : SKIN_ENTRIES)
-        CheckMissing(check, entry);
+    const bool bTexts = HasTexts(check.m_skin);  // else that has been told
+    const bool bShown = HasShownText(check);
+    if (bTexts && !bShown)
+        check.Fail(IDS_CAPTION, "The titles, the lines and the description are all empty.",
+                   "The launcher shows its pictures alone, with nothing to click.");
+    for (const SkinEntry &entry : SKIN_ENTRIES) {
+        if (bTexts && (bShown || entry.m_kind != EntryText))
+            CheckMissing(check, entry);
+    }
     for (const auto &own : check.m_strings.Own()) {
         if (!own.second.IsEmpty() && !FindSkinEntry(own.first) && own.first != IDS_DISC_LABEL)
             check.Note(own.first, "The launcher does not use this entry.",

@@ -2,6 +2,7 @@
 
 #include "Picture/DibReader.h"
 #include "Picture/Palette.h"
+#include "Problems/Check.h"
 #include "Problems/Checks.h"
 #include "Resource.h"
 
@@ -117,6 +118,13 @@ void CheckIcon(const CSkin &skin, CProblems &problems)
 }
 
 }  // namespace
+
+bool CheckBackground(const CSkin &skin, CProblems &problems)
+{
+    CPixels pixels;
+    CheckReadable(skin, PictureBackground, pixels, problems);
+    return pixels.m_cx > 0;
+}
 
 void CheckPictures(const CSkin &skin, CProblems &problems)
 {

@@ -6,6 +6,7 @@
 #include "Base/Handle.h"
 #include "CU/ErrorText.h"
 #include "Model/TempFolder.h"
+#include "Problems/Check.h"
 
 namespace {
 
@@ -67,6 +68,8 @@ bool CPreview::Run(const CSkinFile &launcher, const CSkin &skin, const CCUString
                    CProblems &problems)
 {
     Clean();
+    if (!CheckBackground(skin, problems))
+        return false;
     const CCUString sTemp = TempFolder();
     RemoveLeftPreviews(sTemp);
     CCUString sFolder;

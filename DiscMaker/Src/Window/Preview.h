@@ -14,7 +14,7 @@ public:
     CPreview &operator=(const CPreview &) = delete;
 
     // Of any launcher. Its lines start programs of the folder `sContents` (empty: there is none).
-    // Why it failed is among the problems.
+    // Why it failed is among the problems; a launcher whose window would have no size is not run.
     bool Run(const CSkinFile &launcher, const CSkin &skin, const CCUString &sContents,
              CProblems &problems);
 
