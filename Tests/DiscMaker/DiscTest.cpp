@@ -6,7 +6,7 @@
 
 #include "Disc/DiscLayout.h"
 #include "Disc/MakeDisc.h"
-#include "Disc/Sha256.h"
+#include "File/Sha256.h"
 #include "DiscMaker/Skins.h"
 #include "Support/FailingCall.h"
 #include "Support/TemporaryDirectory.h"

@@ -286,8 +286,8 @@ CHILD_PROCESS(KeepAndCrash)
 {
     CRecovery kept;
     CProblems problems;
-    kept.Keep(CSkin(), "first", problems);
-    kept.Keep(TestSkin(), "C:\\a b.exe", problems);
+    kept.Keep(CSkin(), "first", "", problems);
+    kept.Keep(TestSkin(), "C:\\a b.exe", "sum *a\n", problems);
     TerminateProcess(GetCurrentProcess(), 3);
 }
 
@@ -298,19 +298,20 @@ TEST(Recovery, GivesBackWhatAProgramThatCrashedHadKept)
     EXPECT_EQ(3U, CChildProcess("KeepAndCrash").ExitCode());
     EXPECT_EQ(2U, temp.Files("*").size());
     CSkin skin;
-    CCUString sPath;
+    CCUString sPath, sFiles;
     CRecovery found;
-    ASSERT_TRUE(found.Find(skin, sPath));
+    ASSERT_TRUE(found.Find(skin, sPath, sFiles));
+    EXPECT_STREQ("sum *a\n", sFiles);
     EXPECT_STREQ("C:\\a b.exe", sPath);
     EXPECT_EQ(PackSkin(TestSkin()), PackSkin(skin));
-    EXPECT_FALSE(CRecovery().Find(skin, sPath)) << "somebody has it";
+    EXPECT_FALSE(CRecovery().Find(skin, sPath, sFiles)) << "somebody has it";
     EXPECT_EQ(1U, temp.Files("*").size());
     // Nothing that is there is overwritten: numbers of processes come again.
     char szTaken[40];
     sprintf(szTaken, "DiscMaker-%lx-1.recovery", GetCurrentProcessId());
     temp.Make(szTaken);
     CProblems problems;
-    EXPECT_TRUE(found.Keep(skin, sPath, problems));
+    EXPECT_TRUE(found.Keep(skin, sPath, sFiles, problems));
     EXPECT_EQ(2U, temp.Files("*").size());
     found.Forget();
     EXPECT_EQ(std::vector<std::string>{szTaken}, temp.Files("*"));
@@ -321,15 +322,17 @@ TEST(Recovery, DeletesOnlyWhatIsItsOwnAndDead)
     const CTemporaryDirectory temp;
     std::ofstream(temp.Path() + "\\DiscMaker-0-1.recovery") << "a.exe" << '\0' << "a later form";
     std::ofstream(temp.Path() + "\\DiscMaker-0-2.recovery") << "a.exe" << '\0' << "SKM1 cut";
+    std::ofstream(temp.Path() + "\\DiscMaker-0-3.recovery")
+        << "a.exe" << '\0' << "5 *a" << '\0' << "SKM1 cut";
     CChildProcess("KeepAndCrash").ExitCode();
     CSkin skin;
-    CCUString sPath;
+    CCUString sPath, sFiles;
     CFailingCall<BOOL(HANDLE, void *, DWORD, DWORD *, OVERLAPPED *)> read("ReadFile");
     CFailPlan::Start(CFailPlan::ALL);
-    EXPECT_FALSE(CRecovery().Find(skin, sPath));
-    EXPECT_EQ(3U, temp.Files("*.recovery").size()) << "none can be read now";
+    EXPECT_FALSE(CRecovery().Find(skin, sPath, sFiles));
+    EXPECT_EQ(4U, temp.Files("*.recovery").size()) << "none can be read now";
     CFailPlan::Start(0);
-    EXPECT_TRUE(CRecovery().Find(skin, sPath));
+    EXPECT_TRUE(CRecovery().Find(skin, sPath, sFiles));
     EXPECT_EQ(std::vector<std::string>{"DiscMaker-0-1.recovery"}, temp.Files("*.recovery"));
 }
 

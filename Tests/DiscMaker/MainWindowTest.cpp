@@ -6,6 +6,7 @@
 #include "DiscMaker/SkinFiles.h"
 #include "DiscMaker/Skins.h"
 #include "File/PictureFile.h"
+#include "Model/SkinBytes.h"
 #include "Support/BoxAnswer.h"
 #include "Support/ImportHook.h"
 #include "Support/TestSettings.h"
@@ -27,6 +28,27 @@ struct CMakerTest : testing::Test
     {
         m_window.Document().MarkSaved();
         m_window.Destroy();
+    }
+    // The session ends, which leaves what is not saved as a crash does.
+    void EndSession()
+    {
+        SendMessageA(m_window, WM_ENDSESSION, TRUE, 0);
+        MSG quit;
+        PeekMessageA(&quit, nullptr, WM_QUIT, WM_QUIT, PM_REMOVE);
+        m_window.CreateFrame("Disc Maker");
+    }
+    void Restore()
+    {
+        const CBoxAnswer box("Disc Maker", IDYES);
+        m_window.OfferRecovery();
+        EXPECT_EQ(1, box.Asked());
+    }
+    // How often it asks, which this button answers.
+    int Save(int nButton)
+    {
+        const CBoxAnswer box("Disc Maker", nButton);
+        SendMessageA(m_window, WM_COMMAND, ID_SAVE, 0);
+        return box.Asked();
     }
     // What the system sends when something is dropped there, on the face.
     void Drop(const std::string &path, const POINT &at)
@@ -126,16 +148,57 @@ TEST_F(CMakerTest, KeepsWhatIsNotSavedWhenTheSessionEnds)
         const CBoxAnswer box("Disc Maker", nButton);
         EXPECT_EQ(nButton == IDNO, SendMessageA(m_window, WM_QUERYENDSESSION, 0, 0));
         EXPECT_EQ(1, box.Asked());
-        SendMessageA(m_window, WM_ENDSESSION, TRUE, 0);
-        EXPECT_FALSE(m_window.Exist());
+        const HWND hWnd = m_window;
+        EndSession();
+        EXPECT_FALSE(IsWindow(hWnd));
         CSkin skin;
-        CCUString sPath;
+        CCUString sPath, sFiles;
         CRecovery recovery;
-        const bool bKept = recovery.Find(skin, sPath);
+        const bool bKept = recovery.Find(skin, sPath, sFiles);
         EXPECT_EQ(nButton == IDCANCEL, bKept && TextOf(skin, IDS_TITLE) == "Kept");
-        MSG quit;
-        PeekMessageA(&quit, nullptr, WM_QUIT, WM_QUIT, PM_REMOVE);
-        m_window.CreateFrame("Disc Maker");
+    }
+}
+
+// What somebody else saves before the next start is not overwritten unseen.
+TEST_F(CMakerTest, AsksBeforeWhatIsRestoredGoesOverTheWorkOfOthers)
+{
+    const std::string launcher = m_temp.Path() + "\\a.exe";
+    CopyFileA(TEST_LAUNCHER, launcher.c_str(), TRUE);
+    const CBlob small = TestPictureBlob(16, 16, MakePixel(1, 2, 3));
+    CProblems problems;
+    for (const std::string &path : {launcher, CopyFolder(m_temp, SKIN_FOLDERS[0]) + "\\Skin.rc"}) {
+        const auto onDisk = [&] { return OpenSkin(path.c_str(), problems); };
+        m_window.OnOpenFile(path.c_str());
+        m_window.Document().SetEntry(IDS_TITLE, "First");
+        EndSession();
+        Restore();
+        EXPECT_EQ(0, Save(IDCANCEL)) << "nobody else was there";
+        m_window.Document().SetEntry(IDS_TITLE, "Kept");
+        EndSession();
+        CSkin other = onDisk()->Skin();
+        other.m_pictures[PictureBullet] = small;
+        ASSERT_TRUE(onDisk()->Save(other, path.c_str(), problems));
+        for (int nCrash = 0; nCrash < 2; ++nCrash) {
+            Restore();
+            EXPECT_EQ(1, Save(IDCANCEL)) << path;
+            ExpectSameSkin(other, onDisk()->Skin());
+            EndSession();
+        }
+        Restore();
+        EXPECT_EQ(1, Save(IDRETRY));
+        ExpectSameSkin(m_window.Document().Skin(), onDisk()->Skin());
+        m_window.Document().SetEntry(IDS_TITLE, "Last");
+        EXPECT_EQ(0, Save(IDCANCEL));
+        EXPECT_EQ("Last", TextOf(onDisk()->Skin(), IDS_TITLE));
+        // Kept by a version that kept no sums.
+        const std::vector<BYTE> skin = PackSkin(other);
+        std::ofstream(m_temp.Path() + "\\DiscMaker-0-1.recovery", std::ios::binary)
+            << path << '\0' << std::string(skin.begin(), skin.end());
+        Restore();
+        EXPECT_EQ(1, Save(IDCANCEL));
+        EXPECT_EQ("Last", TextOf(onDisk()->Skin(), IDS_TITLE));
+        EXPECT_EQ(1, Save(IDRETRY));
+        ExpectSameSkin(other, onDisk()->Skin());
     }
 }
 

@@ -1,7 +1,7 @@
 #include "Disc/DiscWriter.h"
 
 #include "CU/ErrorText.h"
-#include "Disc/Sha256.h"
+#include "File/Sha256.h"
 
 namespace {
 

@@ -3,7 +3,7 @@
 #include <functional>
 
 #include "Disc/DiscProgress.h"
-#include "Disc/SumsFile.h"
+#include "File/SumsFile.h"
 #include "File/DiscFiles.h"
 #include "Model/Problem.h"
 

@@ -319,7 +319,6 @@ bool CLauncherFile::Save(const CSkin &skin, const CCUString &sPath, CProblems &p
     m_bytes = bytes;
     m_image = std::move(changed->m_image);
     m_resources = std::move(changed->m_resources);
-    m_skin = skin;
-    m_bOverwrite = false;
+    BeSaved(skin);
     return true;
 }

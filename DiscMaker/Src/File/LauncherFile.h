@@ -17,6 +17,9 @@ public:
     // The launcher with these looks, as a file. Null when they cannot be put into it.
     CBlob WithSkin(const CSkin &skin, CProblems &problems) const;
 
+protected:
+    CSums Sums() const override { return {{m_sPath, SumOf(m_bytes)}}; }
+
 private:
     CLauncherFile() {}
     bool ReadBytes(const CBlob &bytes, CProblems &problems);

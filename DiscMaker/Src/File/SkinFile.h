@@ -2,6 +2,7 @@
 
 #include <memory>
 
+#include "File/SumsFile.h"
 #include "Model/Problem.h"
 #include "Model/Skin.h"
 
@@ -42,19 +43,41 @@ public:
         m_bOutdated = false;
     }
 
+    // What Save holds against what it would replace, for who keeps a skin that is not saved: sums
+    // of the files. Empty: it is not known.
+    CCUString KnownFiles() const { return WriteSums(m_bRecalled ? m_recalled : Sums()); }
+    // The skin that will be saved is not that which was just read, but one that was kept with
+    // these. Until it is saved Save refuses, too, while they are not those of what is there; of
+    // empty ones always.
+    void RecallFiles(const CCUString &sKnown)
+    {
+        m_recalled = ReadSums(sKnown);
+        m_bRecalled = true;
+    }
+
 protected:
     CSkinFile() : m_bOverwrite(false) {}
+
+    // Of all that was read.
+    virtual CSums Sums() const = 0;
+    static CCUString SumOf(const CBlob &bytes);
 
     // Whether both paths lead to the same place, as far as their names say.
     static bool IsSamePath(const CCUString &sPath, const CCUString &sOther);
     // Whether somebody has changed the file since; told as a problem, but for the case that the
     // file is to be overwritten.
     bool IsChanged(const CCUString &sPath, const CBlob &bytes, CProblems &problems) const;
+    // From here on the file is `skin`, at its path.
+    void BeSaved(const CSkin &skin);
 
     CCUString m_sPath;
     CSkin m_skin;
     bool m_bOverwrite;
 
 private:
+    bool IsRecalled(const CCUString &sPath, const CBlob &bytes) const;
+
     mutable bool m_bOutdated = false;
+    bool m_bRecalled = false;
+    CSums m_recalled;
 };

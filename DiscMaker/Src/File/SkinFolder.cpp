@@ -160,6 +160,16 @@ bool CSkinFolder::IsWhole(const CSkin &skin, CProblems &problems) const
     return bWhole;
 }
 
+CSums CSkinFolder::Sums() const
+{
+    CSums sums = {{m_sPath, SumOf(m_bytes)}};
+    for (const CPictureFile &file : m_files) {
+        if (file.m_bytes)
+            sums[PathOf(file.m_sName)] = SumOf(file.m_bytes);
+    }
+    return sums;
+}
+
 // Whether anything that was read is not what is there now.
 bool CSkinFolder::HasChanged(CProblems &problems) const
 {
@@ -279,8 +289,7 @@ bool CSkinFolder::Save(const CSkin &skin, const CCUString &sPath, CProblems &pro
     m_script = folder->m_script;
     for (int i = 0; i < FILE_COUNT; ++i)
         m_files[i] = folder->m_files[i];
-    m_skin = skin;
-    m_bOverwrite = false;
+    BeSaved(skin);
     return true;
 }
 

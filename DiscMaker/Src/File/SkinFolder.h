@@ -25,6 +25,9 @@ public:
     // A skin as a new folder, for the launcher's build. False when it has a script already.
     static bool Export(const CSkin &skin, const CCUString &sFolder, CProblems &problems);
 
+protected:
+    CSums Sums() const override;
+
 private:
     // The pictures and, behind them, the icon.
     static const int FILE_COUNT = PictureCount + 1;

@@ -1,5 +1,7 @@
 #include "Model/Recovery.h"
 
+#include <string.h>
+
 #include "Base/Handle.h"
 #include "CU/Dump.h"
 #include "CU/ErrorText.h"
@@ -19,20 +21,32 @@ enum KeptState
     KeptUnknown  // it cannot be read now, or is of another program or version
 };
 
-// The path, its end, and the skin.
-bool Write(HANDLE hFile, const CSkin &skin, const CCUString &sPath)
+bool Write(HANDLE hFile, const void *p, size_t nSize)
 {
-    const std::vector<BYTE> bytes = PackSkin(skin);
-    const DWORD nPath = static_cast<DWORD>(sPath.GetLength()) + 1;
-    const DWORD nBytes = static_cast<DWORD>(bytes.size());
+    const DWORD nBytes = static_cast<DWORD>(nSize);
     DWORD nDone = 0;
     SetLastError(ERROR_DISK_FULL);  // of a write that ends early
-    return WriteFile(hFile, static_cast<const char *>(sPath), nPath, &nDone, nullptr) &&
-           nDone == nPath && WriteFile(hFile, bytes.data(), nBytes, &nDone, nullptr) &&
-           nDone == nBytes && FlushFileBuffers(hFile);
+    return WriteFile(hFile, p, nBytes, &nDone, nullptr) && nDone == nBytes;
 }
 
-KeptState Read(HANDLE hFile, CSkin &skin, CCUString &sPath)
+// With its end.
+bool WriteText(HANDLE hFile, const CCUString &sText)
+{
+    return Write(hFile, sText.GetString(), static_cast<size_t>(sText.GetLength()) + 1);
+}
+
+// False: it has no end.
+bool TakeText(const BYTE *&p, const BYTE *pEnd, CCUString &sText)
+{
+    const void *const pZero = memchr(p, 0, static_cast<size_t>(pEnd - p));
+    if (!pZero)
+        return false;
+    sText = reinterpret_cast<const char *>(p);
+    p = static_cast<const BYTE *>(pZero) + 1;
+    return true;
+}
+
+KeptState Read(HANDLE hFile, CSkin &skin, CCUString &sPath, CCUString &sFiles)
 {
     const DWORD nSize = GetFileSize(hFile, nullptr);
     if (nSize == 0)
@@ -43,23 +57,25 @@ KeptState Read(HANDLE hFile, CSkin &skin, CCUString &sPath)
     DWORD nRead = 0;
     if (!ReadFile(hFile, bytes.data(), nSize, &nRead, nullptr) || nRead != nSize)
         return KeptUnknown;
-    size_t nPath = 0;
-    while (nPath < nSize && bytes[nPath])
-        ++nPath;
-    if (nPath == nSize)
+    // The path, the sums and the skin. Before version 4.3 there were no sums, which do not begin as
+    // a skin does.
+    const BYTE *p = bytes.data();
+    const BYTE *const pEnd = p + nSize;
+    sFiles.Empty();
+    if (!TakeText(p, pEnd, sPath) || (p < pEnd && *p != SKIN_BEGINS && !TakeText(p, pEnd, sFiles)))
         return KeptUnknown;
-    const BYTE *const pSkin = bytes.data() + nPath + 1;
-    const size_t nSkin = nSize - nPath - 1;
-    if (!UnpackSkin(pSkin, nSkin, skin))
-        return IsDamagedSkin(pSkin, nSkin) ? KeptCut : KeptUnknown;
-    sPath = reinterpret_cast<const char *>(bytes.data());
-    return KeptWhole;
+    const size_t nSkin = static_cast<size_t>(pEnd - p);
+    if (UnpackSkin(p, nSkin, skin))
+        return KeptWhole;
+    return IsDamagedSkin(p, nSkin) ? KeptCut : KeptUnknown;
 }
 
 }  // namespace
 
-bool CRecovery::Keep(const CSkin &skin, const CCUString &sPath, CProblems &problems)
+bool CRecovery::Keep(const CSkin &skin, const CCUString &sPath, const CCUString &sFiles,
+                     CProblems &problems)
 {
+    const std::vector<BYTE> bytes = PackSkin(skin);
     const CCUString sFolder = TempFolder();
     CCUString sFile;
     HANDLE hFile = INVALID_HANDLE_VALUE;
@@ -72,7 +88,9 @@ bool CRecovery::Keep(const CSkin &skin, const CCUString &sPath, CProblems &probl
         bTaken = hFile == INVALID_HANDLE_VALUE && GetLastError() == ERROR_FILE_EXISTS;
     }
     const bool bOpen = hFile != INVALID_HANDLE_VALUE;
-    if (!bOpen || !Write(hFile, skin, sPath)) {
+    if (!bOpen || !WriteText(hFile, sPath) || !WriteText(hFile, sFiles) ||
+        !Write(hFile, bytes.data(), bytes.size()) || !FlushFileBuffers(hFile))
+    {
         problems.push_back({ProblemNote, 0, bOpen ? sFile : sFolder,
                             "What is not saved cannot be kept for the case of a crash: " +
                                 CUErrorText(GetLastError()),
@@ -104,7 +122,7 @@ void CRecovery::Leave()
     m_hFile = INVALID_HANDLE_VALUE;
 }
 
-bool CRecovery::Find(CSkin &skin, CCUString &sPath)
+bool CRecovery::Find(CSkin &skin, CCUString &sPath, CCUString &sFiles)
 {
     const CCUString sFolder = TempFolder();
     WIN32_FIND_DATAA data;
@@ -120,7 +138,7 @@ bool CRecovery::Find(CSkin &skin, CCUString &sPath)
                                          OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
         if (hFile == INVALID_HANDLE_VALUE)
             continue;  // of a program that runs
-        state = Read(hFile, skin, sPath);
+        state = Read(hFile, skin, sPath, sFiles);
         if (state == KeptUnknown) {
             CUDump("DiscMaker: %s cannot be read: error %lu\n", sFile.GetString(), GetLastError());
             CloseHandle(hFile);

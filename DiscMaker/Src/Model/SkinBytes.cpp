@@ -5,7 +5,7 @@
 namespace {
 
 // Of this form; the sum of the bytes behind it follows.
-const DWORD MARK = 0x314D4B53;
+const DWORD MARK = 0x314D4B00 | SKIN_BEGINS;
 const size_t HEAD_SIZE = 2 * sizeof(DWORD);
 
 DWORD SumOf(const BYTE *pBytes, size_t nBytes)

@@ -38,7 +38,8 @@ void CMainWindow::OfferRecovery()
 {
     CSkin skin;
     CCUString sPath;
-    if (!m_recovery.Find(skin, sPath))
+    CCUString sFiles;
+    if (!m_recovery.Find(skin, sPath, sFiles))
         return;
     const CCUString sName = sPath.IsEmpty() ? CCUString("A new disc") : sPath;
     CCUIMessageBox box(sName + " was not saved when Disc Maker ended last time.", "Disc Maker",
@@ -54,8 +55,10 @@ void CMainWindow::OfferRecovery()
     if (!sPath.IsEmpty())
         file = OpenSkin(sPath, problems);
     m_bUntitled = !file;
-    if (file)
+    if (file) {
+        file->RecallFiles(sFiles);
         m_file = std::move(file);
+    }
     m_fileProblems = problems;
     m_document.Start(skin, false);
     ShowName();
@@ -302,9 +305,11 @@ void CMainWindow::KeepForCrash()
         m_nKept = m_document.Revision();
         return;
     }
-    const CCUString sPath = m_file && !m_bUntitled ? m_file->Path() : CCUString();
+    const bool bFile = m_file && !m_bUntitled;
+    const CCUString sPath = bFile ? m_file->Path() : CCUString();
+    const CCUString sFiles = bFile ? m_file->KnownFiles() : CCUString();
     CProblems problems;
-    if (m_recovery.Keep(m_document.Skin(), sPath, problems))
+    if (m_recovery.Keep(m_document.Skin(), sPath, sFiles, problems))
         m_nKept = m_document.Revision();
     if (problems.empty() == m_keepProblems.empty())
         return;

@@ -4,9 +4,9 @@
 
 #include "CU/String.h"
 
-// What a disc's folder was written with: the SHA-256 sum of each file, by its path from the folder
-// in UTF-8 with "/" between. As a file it is what "sha256sum -c" takes: "SUM *PATH" and a line
-// feed.
+// The SHA-256 sum of each file, by its path. As a text it is what "sha256sum -c" takes: "SUM *PATH"
+// and a line feed. What a disc's folder was written with has paths from that folder, in UTF-8 with
+// "/" between.
 typedef std::map<CCUString, CCUString> CSums;
 
 extern const char *const SUMS_NAME;

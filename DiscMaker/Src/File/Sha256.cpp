@@ -1,4 +1,4 @@
-#include "Disc/Sha256.h"
+#include "File/Sha256.h"
 
 #include <cpuid.h>
 #include <immintrin.h>
@@ -176,4 +176,11 @@ CCUString CSha256::Finish()
         sSum += sWord;
     }
     return sSum;
+}
+
+CCUString CSha256::Of(const void *p, size_t nSize)
+{
+    CSha256 sum;
+    sum.Add(p, nSize);
+    return sum.Finish();
 }

@@ -1,4 +1,4 @@
-#include "Disc/SumsFile.h"
+#include "File/SumsFile.h"
 
 #include <ctype.h>
 

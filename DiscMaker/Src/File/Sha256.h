@@ -15,6 +15,8 @@ public:
     void Add(const void *p, size_t nSize);
     // Once, after the last piece: 64 digits in lower case.
     CCUString Finish();
+    // Of bytes that are all there.
+    static CCUString Of(const void *p, size_t nSize);
 
     // For measures and tests: only the code that runs on every processor.
     void UsePlainCode() { m_pAddBlocks = AddBlocks; }
