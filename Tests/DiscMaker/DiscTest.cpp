@@ -6,6 +6,7 @@
 
 #include "Disc/DiscLayout.h"
 #include "Disc/MakeDisc.h"
+#include "File/DiscFiles.h"
 #include "File/Sha256.h"
 #include "DiscMaker/Skins.h"
 #include "Support/FailingCall.h"
@@ -164,6 +165,33 @@ TEST_F(CDiscTest, ReplacesOnlyWhatItWrote)
     }
     Write(Path() + "\\in\\AUTORUN.INF", "mine");
     ExpectRefused("The contents have a file of the name", "\\new");
+}
+
+// Empty folders of an earlier disc go with it; another one is somebody's.
+TEST_F(CDiscTest, DeletesNoEmptyFolderOfSomebodyElse)
+{
+    const auto path = [&](const char *name) { return CDiscPath((Path() + name).c_str()); };
+    const FILETIME earlier = {0, 0x01D00000};
+    const auto expectMine = [&](const char *name, const char *out) {
+        ASSERT_TRUE(DiscMakeFolder(path(name)) && DiscSetWritten(path(name), earlier));
+        ExpectRefused("mine: Disc Maker does not know this empty folder", out);
+        EXPECT_TRUE(DiscIsFolder(path(name)));
+    };
+    ASSERT_TRUE(Make());
+    ASSERT_TRUE(DiscRemoveFolder(path("\\in\\Empty")));
+    ASSERT_TRUE(Make()) << ProblemLine(m_problems[0]);
+    EXPECT_FALSE(DiscExists(path("\\out\\Empty")));
+    // As in a copy of the disc, whose contents are other ones now.
+    ASSERT_TRUE(DiscSetWritten(path("\\out\\Music"), earlier) && DiscMakeFolder(path("\\next")));
+    ASSERT_TRUE(Make("\\out", "\\next")) << "the list has a file in it";
+    ASSERT_TRUE(Make());
+    expectMine("\\out\\Music\\mine", "\\out");
+    ASSERT_TRUE(DiscMakeFolder(path("\\in\\Music\\mine")));
+    EXPECT_TRUE(Make()) << "it comes again with the contents";
+    ASSERT_TRUE(DiscMakeFolder(path("\\other")));
+    EXPECT_TRUE(Make("\\other")) << "an empty folder holds nobody's";
+    ASSERT_TRUE(DiscMakeFolder(path("\\third")));
+    expectMine("\\third\\mine", "\\third");
 }
 
 TEST_F(CDiscTest, IsNotMadeWithoutABackground)

@@ -77,6 +77,12 @@ class DiscTest(unittest.TestCase):
         code, text = self.make()
         self.assertEqual((code, text.count("mine.txt: This file was not written")), (2, 1), text)
         self.assertEqual((disc / "mine.txt").read_text(), "mine")
+        (disc / "mine.txt").unlink()
+        (disc / "mine").mkdir()
+        os.utime(disc / "mine", (0, 0))
+        code, text = self.make()
+        self.assertEqual((code, text.count("mine: Disc Maker does not know this empty")), (2, 1), text)
+        self.assertTrue((disc / "mine").is_dir())
 
 
 if __name__ == "__main__":

@@ -1,6 +1,9 @@
 #include "Disc/DiscLayout.h"
 
+#include <string.h>
+
 #include <map>
+#include <set>
 
 #include "CU/ErrorText.h"
 #include "Disc/DiscName.h"
@@ -62,6 +65,7 @@ private:
     bool IsNameGood(const CDiscPath &path);
     bool MayReplaceOld();
     bool IsAsWritten(const CSums &sums);
+    bool AreFoldersOurs(const CSums &sums);
     bool HasSpace();
     bool WriteAll(CDiscWriter &writer, const CDiscPath &launcher, const CCUString &sAutorunInf);
     bool TakePlace();
@@ -163,10 +167,11 @@ bool CDiscLayout::MayReplaceOld()
     }
     if (!m_old.m_links.empty())
         return Fail(m_out.Join(m_old.m_links[0]), "This was not written by Disc Maker.");
-    return IsAsWritten(ReadSumsFile(m_out.Join(Relative(SUMS_NAME))));
+    const CSums sums = ReadSumsFile(m_out.Join(Relative(SUMS_NAME)));
+    return IsAsWritten(sums) && AreFoldersOurs(sums);
 }
 
-// Everything in the folder was written by us and is as we wrote it.
+// Every file in the folder was written by us and is as we wrote it.
 bool CDiscLayout::IsAsWritten(const CSums &sums)
 {
     for (const CDiscTree::CFile &file : m_old.m_files) {
@@ -188,6 +193,31 @@ bool CDiscLayout::IsAsWritten(const CSums &sums)
             return Fail(m_out.Join(file.m_path),
                         "Somebody has changed this file since the disc was made. Choose another "
                         "folder for the disc, or take the file away.");
+    }
+    return true;
+}
+
+// All folders, too: they hold something of the list, or come again with the contents, or nobody has
+// changed them since the list was written.
+bool CDiscLayout::AreFoldersOurs(const CSums &sums)
+{
+    const std::set<CDiscPath> contents(m_tree.m_folders.begin(), m_tree.m_folders.end());
+    FILETIME list = {};
+    const bool bList = !sums.empty() && DiscGetWritten(m_out.Join(Relative(SUMS_NAME)), list);
+    for (const CDiscPath &folder : m_old.m_folders) {
+        const CCUString sStart = SumsPath(folder) + "/";
+        const auto at = sums.lower_bound(sStart);
+        FILETIME written = {};
+        const bool bOurs =
+            contents.count(folder) ||
+            (at != sums.end() &&
+             strncmp(at->first, sStart, static_cast<size_t>(sStart.GetLength())) == 0) ||
+            (bList && DiscGetWritten(m_out.Join(folder), written) &&
+             CompareFileTime(&written, &list) == 0);
+        if (!bOurs)
+            return Fail(m_out.Join(folder),
+                        "Disc Maker does not know this empty folder. Choose an empty folder for "
+                        "the disc, or take this one away.");
     }
     return true;
 }

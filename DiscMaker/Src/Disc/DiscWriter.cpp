@@ -151,15 +151,22 @@ bool CDiscWriter::Write(const CCUString &sBytes, const CDiscPath &relative)
     m_files.push_back(relative);
     if (!WriteBytes(hTo, sBytes, static_cast<DWORD>(sBytes.GetLength()), relative))
         return false;
-    CSha256 sum;
-    sum.Add(sBytes.GetString(), static_cast<size_t>(sBytes.GetLength()));
-    m_sums[SumsPath(relative)] = sum.Finish();
+    m_sums[SumsPath(relative)] = CSha256::Of(sBytes, static_cast<size_t>(sBytes.GetLength()));
     return CloseHandle(hTo.Release()) || FailWriting(relative);
 }
 
 bool CDiscWriter::WriteSumsFile()
 {
-    return Write(WriteSums(m_sums), CDiscPath().With(SUMS_NAME));
+    const CDiscPath name = CDiscPath().With(SUMS_NAME);
+    FILETIME written;
+    if (!Write(WriteSums(m_sums), name))
+        return false;
+    const bool bTime = DiscGetWritten(m_folder.Join(name), written);
+    for (const CDiscPath &folder : m_folders) {
+        if (bTime && !folder.IsEmpty())
+            DiscSetWritten(m_folder.Join(folder), written);
+    }
+    return true;
 }
 
 void CDiscWriter::TakeBack()

@@ -3,8 +3,8 @@
 #include <functional>
 
 #include "Disc/DiscProgress.h"
-#include "File/SumsFile.h"
 #include "File/DiscFiles.h"
+#include "File/SumsFile.h"
 #include "Model/Problem.h"
 
 // Writes files below one folder and keeps their sums. The first failure, or the user's wish to
@@ -20,7 +20,8 @@ public:
     bool MakeFolder(const CDiscPath &relative);
     bool Copy(const CDiscPath &from, const CDiscPath &relative);
     bool Write(const CCUString &sBytes, const CDiscPath &relative);
-    // The list of all that was written so far.
+    // The list of all that was written so far. The folders get its time, by which even an empty one
+    // is known for ours as long as nobody changes it.
     bool WriteSumsFile();
 
     // Deletes what was written, and the folder.

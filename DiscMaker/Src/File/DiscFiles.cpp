@@ -40,11 +40,17 @@ HANDLE Create(const CDiscPath &path, DWORD nAccess, DWORD nShare, DWORD nHow, DW
                : CreateFileA(path.Text(), nAccess, nShare, nullptr, nHow, nFlags, nullptr);
 }
 
+// To ask or to tell something of a file or a folder, whoever uses it.
+HANDLE OpenAny(const CDiscPath &path, DWORD nAccess)
+{
+    return Create(path, nAccess, FILE_SHARE_READ | FILE_SHARE_WRITE, OPEN_EXISTING,
+                  FILE_FLAG_BACKUP_SEMANTICS);
+}
+
 // Which one it is on its drive; false where the system cannot tell (Windows 95 to Me).
 bool Identify(const CDiscPath &folder, BY_HANDLE_FILE_INFORMATION &information)
 {
-    const CCUFileHandle hFolder(Create(folder, 0, FILE_SHARE_READ | FILE_SHARE_WRITE, OPEN_EXISTING,
-                                       FILE_FLAG_BACKUP_SEMANTICS));
+    const CCUFileHandle hFolder(OpenAny(folder, 0));
     return hFolder && GetFileInformationByHandle(hFolder, &information);
 }
 
@@ -168,6 +174,18 @@ bool DiscMakeFoldersFor(const CDiscPath &file)
     const CDiscPath folder = file.Parent();
     return folder.IsEmpty() || DiscIsFolder(folder) ||
            (DiscMakeFoldersFor(folder) && DiscMakeFolder(folder));
+}
+
+bool DiscGetWritten(const CDiscPath &path, FILETIME &written)
+{
+    const CCUFileHandle hFile(OpenAny(path, 0));
+    return hFile && GetFileTime(hFile, nullptr, nullptr, &written);
+}
+
+bool DiscSetWritten(const CDiscPath &path, const FILETIME &written)
+{
+    const CCUFileHandle hFile(OpenAny(path, FILE_WRITE_ATTRIBUTES));
+    return hFile && SetFileTime(hFile, nullptr, nullptr, &written);
 }
 
 bool DiscHasFiles(const CDiscPath &folder)

@@ -28,6 +28,9 @@ inline bool DiscIsFolder(const CDiscPath &path)
     return nAttributes != INVALID_FILE_ATTRIBUTES && (nAttributes & FILE_ATTRIBUTE_DIRECTORY);
 }
 
+// When a file or a folder was written last. Windows 95 to Me tell and set no folder's.
+bool DiscGetWritten(const CDiscPath &path, FILETIME &written);
+bool DiscSetWritten(const CDiscPath &path, const FILETIME &written);
 // Folders do not count.
 bool DiscHasFiles(const CDiscPath &folder);
 // Whether both paths lead to the same folder, whatever they call it.
