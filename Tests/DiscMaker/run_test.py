@@ -37,10 +37,17 @@ class Run(unittest.TestCase):
         for part in "DiscMaker", "AutoRun", "Disc":
             (self.tree / "build/gcc" / part).symlink_to(BUILD / part)
         self.disc = self.tree / "build/disc"
-        self.large = self.folder / "large"
-        shutil.copytree(ROOT / "AutoRun/Skin", self.large)
-        Image.new("P", (1034, 778)).save(self.large / "Background.bmp")
+        self.large = self.skin("large", (1034, 778))
         self.environment = dict(os.environ, AUTORUN_WINEPREFIX=os.environ["WINEPREFIX"])
+
+    def skin(self, name, size):
+        """The shipped one with a background of that size, and a colour that is none."""
+        skin = self.folder / name
+        shutil.copytree(ROOT / "AutoRun/Skin", skin)
+        Image.new("P", size).save(skin / "Background.bmp")
+        script = (skin / "Skin.rc").read_text("utf-8")
+        (skin / "Skin.rc").write_text(script.replace('IDS_SPARE_COLOR "', 'IDS_SPARE_COLOR "x'), "utf-8")
+        return skin
 
     def start(self, skin):
         (self.tree / "build/gcc/CMakeCache.txt").write_text(f"AUTORUN_SKIN:PATH={skin}\n")
@@ -72,17 +79,19 @@ class Run(unittest.TestCase):
         return process.returncode, self.told()
 
     def test_with_a_display(self):
-        code, text = self.seen(ROOT / "Tests/AutoRun/Skins/Nothing", "run: the window has no size")
-        self.assertEqual((code, text.count("  File:SkinTable")), (1, 10), text)
-        skin, window, report = map(text.index, ("error: ", "run: ", "Assert:"))
+        code, text = self.seen(self.skin("tiny", (1, 1)), "run: the window has no size")
+        self.assertEqual((code, text.count("File:SkinTable")), (1, 1), text)
+        skin, window, report = map(text.index, ("warning: IDS_SPARE_COLOR: ", "run: ", "Assert:"))
         self.assertTrue(skin < text.index(str(self.disc)) < window < report, text)
         code, text = self.seen(self.large, f"run: {LARGER}\n")
-        self.assertEqual((code, text.count("run: ")), (1, 1), text)
+        self.assertEqual((code, text.count("run: "), text.count("Assert:")), (1, 1, 1), text)
         # What was reported before is not told again.
-        self.assertEqual(self.seen(ROOT / "AutoRun/Skin", "\n"), (0, f"{self.disc}\n"))
+        self.assertEqual(self.seen(ROOT / "AutoRun/Skin", ""), (0, f"{self.disc}\n"))
         (self.disc / "mine.txt").write_text("mine")
         launcher = self.disc / "AutoRun.exe"
         before = launcher.read_bytes()
+        code, text = self.answer(ROOT / "Tests/AutoRun/Skins/Nothing")
+        self.assertEqual((code, text.count("missing, without which")), (2, 1), text)
         code, text = self.answer(self.large)
         self.assertEqual((code, text.count("mine.txt: This file was not written")), (2, 1), text)
         self.assertEqual(((self.disc / "mine.txt").read_text(), launcher.read_bytes()), ("mine", before))
