@@ -64,14 +64,15 @@ def use_disc_maker():
     MakerWindow.forget()
     with tempfile.TemporaryDirectory() as folder:
         launcher = pathlib.Path(folder, "Mine.exe")
+        mine = windows_path(launcher)
         shutil.copy(BUILD / "AutoRun/AutoRun.exe", launcher)
-        for words in (("/check", launcher), ("/apply", other, "/to", launcher)):
-            result = wine(maker, *(windows_path(word) if word is not words[0] else word for word in words))
+        for name, *words in ("/check", mine), ("/apply", windows_path(other), "/to", mine):
+            result = wine(maker, name, *words)
             if result.returncode:
-                sys.exit(f"{words[0]}: exit code {result.returncode}\n{result.stdout}")
+                sys.exit(f"{name}: exit code {result.returncode}\n{result.stdout}")
         if launcher.read_bytes() != other.read_bytes():
             sys.exit("/apply: not as it was built")
-        with subprocess.Popen(["wine", maker, windows_path(launcher)]) as process:
+        with subprocess.Popen(["wine", maker, mine]) as process:
             wait_for(lambda: windows("Mine.exe - Disc Maker"), "the window")
             face = reference(launcher)[0][NONE]
             wait_for(lambda: MakerWindow.find(face), "the launcher's face")

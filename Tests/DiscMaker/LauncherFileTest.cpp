@@ -240,7 +240,7 @@ TEST(LauncherFile, KeepsItsVersionForSkinsThatSayNothingOfIt)
             skin.m_version[name] = name;
         for (const char *pszTitle : {"One", "Two"}) {
             SetText(skin, IDS_TITLE, pszTitle);
-            EXPECT_TRUE(file->Save(skin, sPath, problems)) << Lines(problems);
+            ASSERT_TRUE(file->Save(skin, sPath, problems)) << Lines(problems);
             EXPECT_TRUE(OpenSkin(sPath, problems)->Skin().m_version == version);
         }
         EXPECT_EQ(!name.IsEmpty(), strstr(Lines(problems).c_str(), "has no place for") != nullptr);
