@@ -22,7 +22,7 @@ def joliet(image):
         data, at = extent(folder), 0
         while at < len(data):
             record = data[at:at + data[at]]
-            at = at + len(record) or at // 2048 * 2048 + 2048  # the next sector
+            at = at + len(record) if record else at // 2048 * 2048 + 2048  # the next sector
             name = record[33:33 + record[32]] if record else b"\0"
             if name not in (b"\0", b"\1"):
                 inner = path + name.decode("utf-16-be")
