@@ -97,7 +97,7 @@ def main():
     new = [(group, row) for group, rows in runs[0].items() for row in rows
            if row not in accepted.get(group, {})]
     for group, row in new:
-        print(f"NEW    {row}: in no accepted table; ./bench --accept {group}")
+        print(f"NEW    {row}: in no accepted table; --accept enters {group}")
     return 1 if worse or new else 0
 
 

@@ -1,11 +1,14 @@
 #!/usr/bin/env python3
-"""Measures ./disc beside cp -r of the same contents, in turns. Usage: Bench/time_disc.py [MIB [PAIRS]]
+"""Measures ./disc beside cp -r of the same contents, in turns. Usage: Bench/time_disc.py [--accept]
 
 Prints the median times and the median of the pairs' ratios: with the contents in memory and the disc
 left there; as a maker has it, with contents that come from the drive and a disc that has reached it;
-and with hardly any contents, which is what all but the copy costs.
+and with hardly any contents, which is what all but the copy costs. Tells which of them got worse since
+the last accepted table, Bench/disc.json, and fails if one did, by the rules of ./bench. --accept: what
+is measured now becomes that table.
 """
 
+import json
 import os
 import pathlib
 import shutil
@@ -16,6 +19,8 @@ import tempfile
 import time
 
 ROOT = pathlib.Path(__file__).resolve().parents[1]
+MEBIBYTES = 100
+PAIRS = 9
 PROGRAMS = ("Fennick.exe", "RunFennick.exe", "tutorial.exe")
 
 
@@ -39,7 +44,8 @@ def seconds(drive, contents, target, *words):
     return took
 
 
-def measure(folder, mebibytes, pairs, drive=False):
+def measure(folder, mebibytes, drive=False):
+    """A row as ./bench has them."""
     contents = folder / "in"
     contents.mkdir(exist_ok=True)
     for program in PROGRAMS:
@@ -49,20 +55,24 @@ def measure(folder, mebibytes, pairs, drive=False):
     copy = (drive, contents, folder / "copy", "cp", "-r", contents, folder / "copy")
     seconds(*disc)  # no good: Wine's server starts
     seconds(*copy)
-    times = [(seconds(*disc), seconds(*copy)) for _ in range(pairs)]
+    times = [(seconds(*disc), seconds(*copy)) for _ in range(PAIRS)]
     ours, peer = (statistics.median(side) for side in zip(*times))
     ratio = statistics.median(one / other for one, other in times)
     where = "from drive to drive" if drive else "in memory"
     print(f"{mebibytes} MiB {where}: ./disc {ours:.3f} s, cp -r {peer:.3f} s, ratio {ratio:.2f}",
           flush=True)
+    return {"group": "Disc", "name": f"{mebibytes} MiB {where}", "peer_name": "cp -r", "ratio": ratio}
 
 
 def main():
-    mebibytes, pairs = (int(word) for word in [*sys.argv[1:], *("100", "9")[len(sys.argv) - 1:]])
-    with tempfile.TemporaryDirectory() as folder:
-        measure(pathlib.Path(folder), mebibytes, pairs)
-        measure(pathlib.Path(folder), mebibytes, pairs, drive=True)
-        measure(pathlib.Path(folder), 0, pairs)
+    if sys.argv[1:2] != ["--json"]:
+        return subprocess.run((ROOT / "Bench/compare.py", *sys.argv[1:], "--baseline", ROOT / "Bench/disc.json",
+                               "--json", ROOT / "build/bench-disc.json", "--", __file__), check=False).returncode
+    with tempfile.TemporaryDirectory() as name:
+        folder = pathlib.Path(name)
+        rows = [measure(folder, MEBIBYTES), measure(folder, MEBIBYTES, drive=True), measure(folder, 0)]
+    pathlib.Path(sys.argv[2]).write_text(json.dumps(rows))
+    return 0
 
 
-main()
+sys.exit(main())

@@ -32,7 +32,7 @@ def check(arguments, runs, code, printed=""):
 
 with tempfile.TemporaryDirectory() as name:
     folder = pathlib.Path(name)
-    new = "NEW    {} / peer: in no accepted table; ./bench --accept {}\n"
+    new = "NEW    {} / peer: in no accepted table; --accept enters {}\n"
     check([], [[1, 2]], 1, new.format("a", "A") + new.format("b", "B"))
     check(["--accept"], [[1, 3], [9, 0.01], [1.1, 3]], 0)  # the medians
     check([], [[1.2, 3.2]], 0)

@@ -180,6 +180,77 @@ TEST(LauncherFile, SystemReadsWhatWasSaved)
     EXPECT_TRUE(SameBytes(ReadFileBytes(path.c_str()), ReadFileBytes(TEST_LAUNCHER)));
 }
 
+// Of what was written nothing may be another: a damaged byte of any part is told.
+TEST(LauncherFile, KnowsTheSkinThatItHas)
+{
+    CProblems problems;
+    const auto file = Launcher(problems);
+    CSkin skin = file->Skin();
+    SetText(skin, IDS_TITLE, "Tides");
+    skin.m_pictures[PictureBullet] = BlobOf(3000, 0xA7);
+    skin.m_version = {{CWideText("Name", 1252), CWideText("Isle", 1252)}};
+    // The second picture stands first, behind it a gap; the first has no planes and bits.
+    const std::string icon = std::string(
+                                 "\0\0\1\0\2\0"
+                                 "\x10\x10\x10\0\0\0\0\0\6\0\0\0\x2E\0\0\0"
+                                 "\x20\x20\0\0\1\0\x8\0\6\0\0\0\x26\0\0\0",
+                                 38) +
+                             "second  -first";
+    skin.m_icon = MakeBlob({icon.begin(), icon.end()});
+    const CBlob bytes = file->WithSkin(skin, problems);
+    ASSERT_TRUE(bytes) << Lines(problems);
+    std::string good(bytes->begin(), bytes->end());
+    const auto HasSkin = [&](const std::string &made) {
+        return CLauncherFile::Read("a", MakeBlob({made.begin(), made.end()}), problems)
+            ->HasSkin(skin);
+    };
+    EXPECT_TRUE(HasSkin(good));
+    for (const std::string &part :
+         {std::string("T\0i\0d\0e\0s", 9), std::string(3000, '\xA7'), std::string("-first"),
+          std::string("second"), std::string("N\0a\0m\0e", 7), std::string("I\0s\0l\0e", 7),
+          std::string("\x10\x10\x10\0\1\0\4\0\6", 9), std::string("\1\0\x8\0\6\0\0\0", 8)})
+    {
+        const size_t nOffset = good.rfind(part) + (part[0] != 1 ? 0 : 2);
+        ASSERT_GT(good.size(), nOffset);
+        good[nOffset] ^= 1;
+        EXPECT_FALSE(HasSkin(good)) << part;
+        good[nOffset] ^= 1;
+    }
+    // A name that no version can hold.
+    const WCHAR name[] = {'a', 0, 'b'};
+    skin.m_version[CWideText(name, 3)] = CWideText("c", 1252);
+    EXPECT_FALSE(file->WithSkin(skin, problems));
+    EXPECT_TRUE(strstr(Lines(problems).c_str(), "no room for these")) << Lines(problems);
+}
+
+// Again and again, too: what a skin does not say, or the launcher has no place for, stays.
+TEST(LauncherFile, KeepsItsVersionForSkinsThatSayNothingOfIt)
+{
+    const CTemporaryDirectory directory;
+    const CCUString sPath = (directory.Path() + "\\a.exe").c_str();
+    std::string launcher = Contents(TEST_LAUNCHER);
+    for (const CWideText &name : {CWideText(), CWideText("Name", 1252)}) {
+        CProblems problems;
+        const auto file =
+            CLauncherFile::Read("a", MakeBlob({launcher.begin(), launcher.end()}), problems);
+        CSkin skin = file->Skin();
+        const auto version = skin.m_version;
+        EXPECT_EQ(name.IsEmpty() ? 6U : 0U, version.size());
+        skin.m_version.clear();
+        if (!name.IsEmpty())
+            skin.m_version[name] = name;
+        for (const char *pszTitle : {"One", "Two"}) {
+            SetText(skin, IDS_TITLE, pszTitle);
+            ASSERT_TRUE(file->Save(skin, sPath, problems)) << Lines(problems);
+            EXPECT_TRUE(OpenSkin(sPath, problems)->Skin().m_version == version);
+        }
+        EXPECT_EQ(!name.IsEmpty(), strstr(Lines(problems).c_str(), "has no place for") != nullptr);
+        // The second round's has no texts in its version.
+        const std::string block("S\0t\0r\0i\0n\0g\0F\0i\0l\0e\0I", 21);
+        launcher[launcher.find(block)] = 's';
+    }
+}
+
 // What the system's writer, which Windows 98 has not, makes of the same pictures and texts.
 TEST(LauncherFile, WritesWhatTheSystemsWriterDoes)
 {

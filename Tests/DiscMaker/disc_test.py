@@ -12,6 +12,27 @@ from PIL import Image
 ROOT = pathlib.Path(__file__).resolve().parents[2]
 
 
+def joliet(image):
+    """The label and the files of the tree that Windows reads, out of an image's own bytes."""
+    def extent(record):
+        place, size = (int.from_bytes(record[at:at + 4], "little") for at in (2, 10))
+        return image[place * 2048:place * 2048 + size]
+
+    def files(folder, path):
+        data, at = extent(folder), 0
+        while at < len(data):
+            record = data[at:at + data[at]]
+            at = at + len(record) if record else at // 2048 * 2048 + 2048  # the next sector
+            name = record[33:33 + record[32]] if record else b"\0"
+            if name not in (b"\0", b"\1"):
+                inner = path + name.decode("utf-16-be")
+                yield from files(record, inner + "/") if record[25] & 2 else [(inner, extent(record))]
+
+    volumes = (image[at:at + 2048] for at in range(0x8000, len(image), 2048))
+    volume = next(volume for volume in volumes if volume[0] == 2)
+    return volume[40:72].decode("utf-16-be").strip(" \0"), dict(files(volume[156:190], ""))
+
+
 class DiscTest(unittest.TestCase):
     def setUp(self):
         self.folder = pathlib.Path(tempfile.mkdtemp(prefix="disc"))
@@ -28,6 +49,37 @@ class DiscTest(unittest.TestCase):
                               errors="replace", check=False)
         return done.returncode, done.stdout + done.stderr
 
+    def image(self):
+        return (self.folder / "d.iso").read_bytes()
+
+    def test_an_image_that_was_damaged_is_told(self):
+        (self.folder / "d.iso").write_bytes(b"earlier")
+        tool = self.folder / "bin/xorriso"
+        tool.parent.mkdir()
+        tool.touch(0o755)
+        self.addCleanup(os.environ.__setitem__, "PATH", os.environ["PATH"])
+        os.environ["PATH"] = f"{tool.parent}:{os.environ['PATH']}"
+        for before, after, line in (
+                ("", "LC_ALL=C sed -i 's/\\x00u\\x00t\\x00o/\\x00u\\x00t\\x00a/g' d.iso.unfinished",
+                 "error: tutorial.exe: An image cannot have this name."),
+                ("", "LC_ALL=C sed -i s/RunFennick.exe/RunFennick!exe/g d.iso.unfinished",
+                 "the image does not hold what"),
+                ("", "truncate -s 50000 d.iso.unfinished", "the image cannot be read back"),
+                ("echo >>out/d/tutorial.exe", "", "the image is not what was read")):
+            tool.write_text(f"""#!/bin/sh
+PATH=${{PATH#*:}}
+[ "$1" = -as ] || exec xorriso "$@"
+cd '{self.folder}'
+{before}
+xorriso "$@" || exit
+{after}
+""")
+            shutil.rmtree(self.folder / "out", ignore_errors=True)
+            code, text = self.make("--iso", "d.iso")
+            self.assertEqual((code, text.count(line)), (2, 1), text)
+            self.assertEqual(self.image(), b"earlier")
+            self.assertFalse((self.folder / "d.iso.unfinished").exists())
+
     def test_disc(self):
         self.assertEqual(self.make("--iso", "d.iso", "--picture", "p.png")[0], 0)
         disc = self.folder / "out/d"
@@ -35,7 +87,10 @@ class DiscTest(unittest.TestCase):
         subprocess.run(["sha256sum", "--quiet", "-c", "SHA256SUMS"], cwd=disc, check=True)
         self.assertIn(b"\r\nlabel=Fennick 4.1\r\n", (disc / "autorun.inf").read_bytes())
         self.assertEqual(Image.open(self.folder / "p.png").size, (514, 345))
-        self.assertEqual((self.folder / "d.iso").read_bytes()[32808:32840].strip(), b"Fennick 4.1")
+        self.assertEqual(self.image()[32808:32840].strip(), b"Fennick 4.1")
+        there = {str(path.relative_to(disc)): path.read_bytes() for path in disc.rglob("*")
+                 if path.is_file()}
+        self.assertEqual(joliet(self.image()), ("Fennick 4.1", there))
         for option in "--iso", "--picture":
             for place in "My contents/tutorial.exe", "out/d/p.png":
                 code, text = self.make(option, place)
@@ -59,7 +114,8 @@ class DiscTest(unittest.TestCase):
         script = self.skin / "Skin.rc"
         script.write_text(script.read_text("utf-8").replace('LABEL "', 'LABEL "' + "ä" * 20), "utf-8")
         self.assertEqual(self.make("--iso", "d.iso")[0], 0)
-        self.assertEqual((self.folder / "d.iso").read_bytes()[32808:32840].decode(), "ä" * 16)
+        self.assertEqual(self.image()[32808:32840].decode(), "ä" * 16)
+        self.assertEqual(joliet(self.image())[0], "ä" * 16)
         link = self.contents / "link"
         link.symlink_to("nowhere")
         code, text = self.make()

@@ -44,7 +44,12 @@ CByteView FilePicture(const CByteView &file, size_t nIndex)
     return file.Part(entry.Dword(PICTURE), entry.Dword(BYTES));
 }
 
-// Files may leave these two at 0; a group says them.
+// Files may leave these at 0; a group says them.
+UINT PlanesOf(const CByteView &entry)
+{
+    return entry.Word(PLANE_COUNT) ? entry.Word(PLANE_COUNT) : 1;
+}
+
 UINT BitsOf(const CByteView &entry)
 {
     if (entry.Word(BIT_COUNT) != 0)
@@ -53,6 +58,20 @@ UINT BitsOf(const CByteView &entry)
     while (1U << nBits < entry.Byte(2))
         ++nBits;
     return nBits;
+}
+
+bool IsSameView(const CByteView &a, const CByteView &b)
+{
+    return a.Size() == b.Size() && memcmp(a.Data(), b.Data(), a.Size()) == 0;
+}
+
+bool IsSamePicture(const CByteView &a, const CByteView &b, size_t nIndex)
+{
+    const CByteView left = a.From(EntryAt(nIndex, FILE_ENTRY_SIZE)),
+                    right = b.From(EntryAt(nIndex, FILE_ENTRY_SIZE));
+    return IsSameView(left.Part(0, PLANE_COUNT), right.Part(0, PLANE_COUNT)) &&
+           PlanesOf(left) == PlanesOf(right) && BitsOf(left) == BitsOf(right) &&
+           IsSameView(FilePicture(a, nIndex), FilePicture(b, nIndex));
 }
 
 // The numbers of the pictures that a group has now.
@@ -153,6 +172,20 @@ bool IsIconFile(const CByteView &file)
     return true;
 }
 
+bool IsSameIcon(const CBlob &a, const CBlob &b)
+{
+    if (!a || !b)
+        return !a == !b;
+    const CByteView left(*a), right(*b);
+    if (!IsIconFile(left) || !IsIconFile(right) || left.Word(4) != right.Word(4))
+        return false;
+    for (size_t i = 0; i < left.Word(4); ++i) {
+        if (!IsSamePicture(left, right, i))
+            return false;
+    }
+    return true;
+}
+
 bool WriteIcon(CResourceTree &tree, UINT nIcon, UINT nLanguage, const CBlob &icon)
 {
     if (icon && !IsIconFile(CByteView(*icon)))
@@ -172,7 +205,7 @@ bool WriteIcon(CResourceTree &tree, UINT nIcon, UINT nLanguage, const CBlob &ico
         const CByteView entry = file.From(EntryAt(i, FILE_ENTRY_SIZE));
         const UINT nId = NextId(tree, freed, nUsed);
         Append(group, entry.Part(0, PLANE_COUNT));
-        AppendWord(group, entry.Word(PLANE_COUNT) ? entry.Word(PLANE_COUNT) : 1);
+        AppendWord(group, PlanesOf(entry));
         AppendWord(group, BitsOf(entry));
         AppendDword(group, entry.Dword(BYTES));
         AppendWord(group, nId);

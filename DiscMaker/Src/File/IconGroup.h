@@ -12,3 +12,6 @@ bool ReadIcon(const CResourceTree &tree, UINT nIcon, CBlob &icon);
 bool WriteIcon(CResourceTree &tree, UINT nIcon, UINT nLanguage, const CBlob &icon);
 // Whether every picture of an .ico file is in it.
 bool IsIconFile(const CByteView &file);
+// Whether two .ico files list the same pictures, wherever in the files these stand; both may be
+// null.
+bool IsSameIcon(const CBlob &a, const CBlob &b);

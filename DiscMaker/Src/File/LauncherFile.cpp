@@ -95,6 +95,17 @@ void PutPicture(CResourceTree &tree, UINT nId, LANGID nLanguage, const CBlob &pi
         tree.Remove(TypeOf(RT_BITMAP), nId, nOldLanguage);
 }
 
+// None when it is damaged; false then.
+bool GetVersion(const CResourceTree &tree, CVersionStrings &strings)
+{
+    strings.clear();
+    const CResourceNode *const pNode = tree.Find(TypeOf(RT_VERSION), VERSION_ID);
+    if (!pNode || ReadVersionStrings(CByteView(*pNode->m_data), strings))
+        return true;
+    strings.clear();
+    return false;
+}
+
 bool PutVersion(CResourceTree &tree, const CVersionStrings &strings)
 {
     const CResourceNode *const pOld = tree.Find(TypeOf(RT_VERSION), VERSION_ID);
@@ -215,15 +226,12 @@ void CLauncherFile::ReadPictures(CProblems &problems)
 
 void CLauncherFile::ReadVersion(CProblems &problems)
 {
-    const CResourceNode *const pNode = m_resources.Find(TypeOf(RT_VERSION), VERSION_ID);
-    if (pNode && !ReadVersionStrings(CByteView(*pNode->m_data), m_skin.m_version)) {
-        m_skin.m_version.clear();
+    if (!GetVersion(m_resources, m_skin.m_version))
         AddProblem(problems, ProblemWarning, m_sPath, "The version information is damaged.",
                    "Windows does not show it; it cannot be changed here");
-    }
 }
 
-bool CLauncherFile::PutSkin(CResourceTree &tree, const CSkin &skin, CProblems &problems) const
+bool CLauncherFile::PutSkin(CResourceTree &tree, CSkin &skin, CProblems &problems) const
 {
     bool bChanged = PutTexts(tree, m_skin, skin);
     for (int i = 0; i < PictureCount; ++i) {
@@ -237,17 +245,16 @@ bool CLauncherFile::PutSkin(CResourceTree &tree, const CSkin &skin, CProblems &p
         bChanged = true;
     }
     // A skin without any says nothing about them.
-    if (!skin.m_version.empty() && skin.m_version != m_skin.m_version) {
-        if (PutVersion(tree, skin.m_version))
-            bChanged = true;
-        else
-            AddProblem(problems, ProblemWarning, m_sPath,
-                       "This launcher has no place for version information.", "it is left out");
-    }
+    const bool bVersion = !skin.m_version.empty() && skin.m_version != m_skin.m_version;
+    if (bVersion && PutVersion(tree, skin.m_version))
+        return true;
+    if (bVersion)
+        AddProblem(problems, ProblemWarning, m_sPath,
+                   "This launcher has no place for version information.", "it is left out");
+    GetVersion(m_resources, skin.m_version);
     return bChanged;
 }
 
-// Whether what was written is what was meant.
 bool CLauncherFile::HasSkin(const CSkin &skin) const
 {
     for (const LANGID nLanguage : LanguagesOf(m_skin, skin)) {
@@ -258,7 +265,7 @@ bool CLauncherFile::HasSkin(const CSkin &skin) const
         if (!SameBytes(m_skin.m_pictures[i], skin.m_pictures[i]))
             return false;
     }
-    return !m_skin.m_icon == !skin.m_icon;
+    return IsSameIcon(m_skin.m_icon, skin.m_icon) && m_skin.m_version == skin.m_version;
 }
 
 std::unique_ptr<CLauncherFile> CLauncherFile::Changed(const CSkin &skin, CProblems &problems) const
@@ -267,11 +274,12 @@ std::unique_ptr<CLauncherFile> CLauncherFile::Changed(const CSkin &skin, CProble
         return nullptr;
     CProblems unused;
     CResourceTree tree = m_resources;
-    if (!PutSkin(tree, skin, problems))
+    CSkin meant = skin;
+    if (!PutSkin(tree, meant, problems))
         return Read(m_sPath, m_bytes, unused);
     std::unique_ptr<CLauncherFile> file =
         Read(m_sPath, MakeBlob(m_image.WithResources(tree)), unused);
-    if (!file || !file->HasSkin(skin)) {
+    if (!file || !file->HasSkin(meant)) {
         AddProblem(problems, ProblemError, m_sPath,
                    "The launcher's file has no room for these pictures and texts.",
                    "they cannot be saved; use another launcher");

@@ -16,6 +16,8 @@ public:
     bool SaveCopy(const CSkin &skin, const CCUString &sPath, CProblems &problems) const override;
     // The launcher with these looks, as a file. Null when they cannot be put into it.
     CBlob WithSkin(const CSkin &skin, CProblems &problems) const;
+    // Whether the file, as it was read, holds just these looks: what was written is what was meant.
+    bool HasSkin(const CSkin &skin) const;
 
 protected:
     CSums Sums() const override { return {{m_sPath, SumOf(m_bytes)}}; }
@@ -26,9 +28,8 @@ private:
     void ReadTexts(CProblems &problems);
     void ReadPictures(CProblems &problems);
     void ReadVersion(CProblems &problems);
-    // Whether anything changed.
-    bool PutSkin(CResourceTree &tree, const CSkin &skin, CProblems &problems) const;
-    bool HasSkin(const CSkin &skin) const;
+    // Whether anything changed. The skin gets the launcher's own version where that stays.
+    bool PutSkin(CResourceTree &tree, CSkin &skin, CProblems &problems) const;
     // WithSkin, as it is read from its bytes.
     std::unique_ptr<CLauncherFile> Changed(const CSkin &skin, CProblems &problems) const;
 

@@ -487,7 +487,7 @@ void CSkinScriptReader::VersionValue(bool bStrings)
         return SkipLine();
     }
     entry.m_name.m_nEnd = m_last.m_nEnd;
-    entry.m_sKey = entry.m_sText;
+    entry.m_sKey = UpToNul(entry.m_sText);
     entry.m_sText = CWideText();
     Advance();
     const bool bText = ReadText(entry);
