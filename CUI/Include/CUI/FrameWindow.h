@@ -226,6 +226,7 @@ private:
     void KeepPlacement();
     void UpdateTitle();
     bool RefreshCommands();
+    bool CloseMenu();
     void EnterFullScreen();
     void LeaveFullScreen();
     void CoverScreen();
