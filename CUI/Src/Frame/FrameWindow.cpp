@@ -73,7 +73,8 @@ struct CThreadInfo
 };
 typedef BOOL WINAPI GetThreadInfoCall(DWORD, CThreadInfo *);
 
-// The window whose menu, or popup of its own, the user has open; null: none, or it is not known.
+// The window whose menu the user has open, of a popup in Wine 8 that itself; null: none, or it is
+// not known.
 HWND MenuOwner()
 {
     static GetThreadInfoCall *s_getInfo;
@@ -270,7 +271,10 @@ bool CCUIFrameWindow::CloseMenu()
 {
     CWatch watch(this);
     const HWND hOwner = MenuOwner();
-    if (hOwner && (hOwner == m_hWnd || IsChild(m_hWnd, hOwner)))
+    HWND hWnd = hOwner;
+    while (hWnd && hWnd != m_hWnd)
+        hWnd = GetParent(hWnd);
+    if (hWnd)
         SendMessageA(hOwner, WM_CANCELMODE, 0, 0);
     return !watch.IsGone() && m_hWnd;
 }
