@@ -226,15 +226,17 @@ TEST(Menu, FollowsSettingsThatChangeWhileItIsOpenWhenItOpensAgain)
         };
         POINT point = {50, 50};
         window.DisplayPopupMenu(&menu, 0, point, nullptr);
-        return at.bottom - at.top;
+        return SIZE{at.right - at.left, at.bottom - at.top};
     };
-    const LONG cyBefore = open(large, crNew);
+    const SIZE before = open(large, crNew);
     OpenMenu(window, menu.GetHandle());
     const CPixelMap changed = Draw(window, menu.GetHandle(), 0, 0);
-    const LONG cyLarge = open(old, crOld);
+    const SIZE grown = open(old, crOld);
     EXPECT_EQ(crNew, changed.At(0, 0));
-    EXPECT_LE(cyBefore + 30, cyLarge);
-    EXPECT_EQ(cyBefore, open(old, crOld));
+    EXPECT_LE(before.cx + 60, grown.cx);
+    EXPECT_LE(before.cy + 30, grown.cy);
+    const SIZE after = open(old, crOld);
+    EXPECT_EQ(Text("%ld %ld", before.cx, before.cy), Text("%ld %ld", after.cx, after.cy));
     EXPECT_EQ(crOld, Draw(window, menu.GetHandle(), 0, 0).At(0, 0));
 }
 
