@@ -233,7 +233,7 @@ TEST(Menu, FollowsSettingsThatChangeWhileItIsOpenWhenItOpensAgain)
     const CPixelMap changed = Draw(window, menu.GetHandle(), 0, 0);
     const SIZE grown = open(old, crOld);
     EXPECT_EQ(crNew, changed.At(0, 0));
-    EXPECT_LE(before.cx + 60, grown.cx);
+    EXPECT_LE(before.cx + 120, grown.cx);
     EXPECT_LE(before.cy + 30, grown.cy);
     const SIZE after = open(old, crOld);
     EXPECT_EQ(Text("%ld %ld", before.cx, before.cy), Text("%ld %ld", after.cx, after.cy));
