@@ -126,7 +126,7 @@ class Input(LauncherTest):
 
 # What depends on the colours that the screen has. Whether the palette was realised is only seen
 # from inside.
-DRAWING = "CUITests.exe", "Draw.*:OffScreenDC.*:Data.*:Bitmap.*:BmpLoad.*"
+DRAWING = "CUITests.exe", "Draw.*:OffScreenDC.*:Data.*:Bitmap.*:BmpLoad.*:Menu.*"
 PALETTE = "AutoRunTests.exe", "Palette.*"
 
 

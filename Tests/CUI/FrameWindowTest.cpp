@@ -6,6 +6,7 @@
 #include "CUI/Choosers.h"
 #include "CUI/ControlBar.h"
 #include "CUI/LayoutWindow.h"
+#include "CUI/Menu.h"
 #include "CUI/NotifyIcon.h"
 #include "CUI/StatusBar.h"
 #include "FrameFixture.h"
@@ -260,6 +261,51 @@ TEST(FrameWindow, CoversTheScreenAndComesBackAsItWas)
         frame.Destroy();
         EXPECT_EQ(kept, CTestSettings::Get("Placement"));
         EXPECT_FALSE(IsMenu(hLast) || frame.SetMenu(hLast));
+    }
+}
+
+TEST(FrameWindow, ClosesAnOpenMenuBeforeItChanges)
+{
+    CTestCommand command(1700);
+    const HINSTANCE hModule = GetModuleHandleA(nullptr);
+    const std::function<void(CTestFrame &)> changes[] = {
+        [](CTestFrame &frame) { frame.SetFullScreen(true); },
+        [&](CTestFrame &frame) { frame.SetMenu(hModule, MAKEINTRESOURCEA(700)); },
+        [](CTestFrame &frame) { ShowWindow(frame, SW_MAXIMIZE); }};
+    for (const auto &change : changes) {
+        CFullFrame frame;
+        CCUIMenu menu(hModule, MAKEINTRESOURCEA(700), CUI_MENU_BAR), own;
+        frame.SetMenu(menu);
+        own.Append(1, "own");
+        frame.m_bars[0].SetDropDown(1700, &own);
+        frame.BringToFront();
+        PumpWaiting();
+        const HMENU hMenu = menu.GetHandle();
+        const auto popup = [] { return IsWindowVisible(FindWindowA("#32768", nullptr)); };
+        frame.m_on[WM_CANCELMODE] = [&] {
+            frame.m_on.erase(WM_CANCELMODE);
+            frame.m_told += GetMenu(frame) == hMenu && IsMenu(hMenu) && popup() ? "ends " : "late ";
+            return DefWindowProcA(frame, WM_CANCELMODE, 0, 0);
+        };
+        frame.m_on[WM_APP] = [&] {
+            frame.m_told += popup() ? "open " : "none ";
+            change(frame);
+            return !PostMessageA(frame, WM_APP + 1, 0, 0);
+        };
+        frame.m_on[WM_APP + 1] = [&] { return popup() && (frame.m_told += "left ", EndMenu()); };
+        frame.m_on[WM_ENTERIDLE] = [&] {
+            frame.m_on.erase(WM_ENTERIDLE);
+            return !PostMessageA(frame, WM_APP, 0, 0);
+        };
+        Send(frame, WM_SYSCOMMAND, SC_KEYMENU, 'f');
+        PumpWaiting();
+        EXPECT_EQ("open ends ", frame.Told());
+        frame.SetFullScreen(false);
+        ShowWindow(frame, SW_RESTORE);
+        PostMessageA(frame, WM_APP, 0, 0);
+        Click(frame.m_bars[0], 37, 8);
+        PumpWaiting();
+        EXPECT_EQ("open ", frame.Told()) << "the bar's own menu";
     }
 }
 

@@ -200,6 +200,46 @@ TEST(Menu, LooksAsTheSystemsColoursSayAtThatMoment)
     EXPECT_EQ(4 * 64, Draw(window, hMenu, 1, 0).Count(PICTURE_COLORS[1]));
 }
 
+TEST(Menu, FollowsSettingsThatChangeWhileItIsOpenWhenItOpensAgain)
+{
+    CTestPopup window;
+    CCUIMenu menu;
+    menu.Append(ID, "mmmm");
+    NONCLIENTMETRICSA old = {};
+    old.cbSize = 340;
+    ASSERT_TRUE(SystemParametersInfoA(SPI_GETNONCLIENTMETRICS, 340, &old, 0));
+    NONCLIENTMETRICSA large = old;
+    large.lfMenuFont.lfHeight = -60;
+    const int nIndex = COLOR_MENU;
+    const COLORREF crOld = GetSysColor(nIndex), crNew = 0x00FF00;
+    const auto open = [&](NONCLIENTMETRICSA &metrics, COLORREF cr) {
+        RECT at = {};
+        window.m_on[WM_ENTERIDLE] = [&] {
+            window.m_on.clear();
+            const HWND hPopup = FindWindowA("#32768", nullptr);
+            GetWindowRect(hPopup, &at);
+            SystemParametersInfoA(SPI_SETNONCLIENTMETRICS, 340, &metrics, 0);
+            Send(window, WM_SETTINGCHANGE, SPI_SETNONCLIENTMETRICS);
+            SetSysColors(1, &nIndex, &cr);
+            RedrawWindow(hPopup, nullptr, nullptr, RDW_INVALIDATE | RDW_UPDATENOW);
+            return EndMenu();
+        };
+        POINT point = {50, 50};
+        window.DisplayPopupMenu(&menu, 0, point, nullptr);
+        return SIZE{at.right - at.left, at.bottom - at.top};
+    };
+    const SIZE before = open(large, crNew);
+    OpenMenu(window, menu.GetHandle());
+    const CPixelMap changed = Draw(window, menu.GetHandle(), 0, 0);
+    const SIZE grown = open(old, crOld);
+    EXPECT_EQ(crNew, changed.At(0, 0));
+    EXPECT_LE(before.cx + 120, grown.cx);
+    EXPECT_LE(before.cy + 30, grown.cy);
+    const SIZE after = open(old, crOld);
+    EXPECT_EQ(Text("%ld %ld", before.cx, before.cy), Text("%ld %ld", after.cx, after.cy));
+    EXPECT_EQ(crOld, Draw(window, menu.GetHandle(), 0, 0).At(0, 0));
+}
+
 TEST(Menu, ShowsTheShortcutsOfItsWindowsInAColumnOfTheirOwn)
 {
     CTestWindow window, child(window, WS_CHILD);

@@ -28,6 +28,9 @@ class CCUIRecentFiles;
 ///     | status bar                           |
 ///     +--------------------------------------+
 ///
+/// A menu that is open in it or in a window that it owns is closed before the frame's menu or full
+/// screen changes, and when its size does (from Windows 98 and the service pack 3 of NT 4 on).
+///
 /// It routes commands (CCUIWindow::RouteCommands), shows their help texts while a menu is open,
 /// gives the focus back to the child that had it, and asks before it closes. Commands are refreshed
 /// (CCUICommandMap::IdleUpdate) before it is shown, so that its first painting has their states.
@@ -226,6 +229,7 @@ private:
     void KeepPlacement();
     void UpdateTitle();
     bool RefreshCommands();
+    bool CloseMenu();
     void EnterFullScreen();
     void LeaveFullScreen();
     void CoverScreen();

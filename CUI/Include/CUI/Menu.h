@@ -42,6 +42,11 @@ enum CUIMenuKind : int
 /// object's; screen readers find the text there. Once it has been opened, a menu can only be read
 /// in framework windows; Detach makes a plain one of it.
 ///
+/// A popup that the system mirrors (WS_EX_LAYOUTRTL, on Windows 98 and 2000) has marks, shortcuts
+/// and arrows on the other side, as the system's own, and its pictures mirrored, as a control's;
+/// DisplayPopupMenu is told so by TPM_LAYOUTRTL. MFT_RIGHTORDER has a text read from right to left.
+/// (Wine 8 shows nothing of such an item, nor of the system's own.)
+///
 /// For one thread, that of the windows in which it opens. The object may die while it is shown, and
 /// the menu while the object lives: the bar of a framework window goes with the window, and that of
 /// a frame when another one takes its place; the object is empty then.

@@ -128,7 +128,8 @@ int CCUIFrameWindow::SetFullScreen(bool bFull)
     CWatch watch(this);
     m_bSwitching = true;
     while (m_hWnd && m_bFullScreen != m_bCovering) {
-        m_bCovering ? LeaveFullScreen() : EnterFullScreen();
+        if (CloseMenu() && m_bFullScreen != m_bCovering)
+            m_bCovering ? LeaveFullScreen() : EnterFullScreen();
         if (watch.IsGone())
             return 1;
     }

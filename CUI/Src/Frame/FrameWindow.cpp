@@ -4,6 +4,7 @@
 
 #include "Base/Array.h"
 #include "Base/GdiGuards.h"
+#include "Base/SystemLibrary.h"
 #include "CU/Assert.h"
 #include "CUI/Accelerators.h"
 #include "CUI/CommandMap.h"
@@ -61,6 +62,27 @@ void DestroyBar(HMENU hMenu)
         return;
     CUIMenuGoes(hMenu);
     DestroyMenu(hMenu);
+}
+
+// GUITHREADINFO, and who fills it: Windows 98 and NT 4 with a service pack.
+struct CThreadInfo
+{
+    DWORD cbSize, dwFlags;
+    HWND hActive, hFocus, hCapture, hMenuOwner, hMoved, hCaret;
+    RECT rcCaret;
+};
+typedef BOOL WINAPI GetThreadInfoCall(DWORD, CThreadInfo *);
+
+// The window whose menu the user has open, of a popup in Wine 8 that itself; null: none, or it is
+// not known.
+HWND MenuOwner()
+{
+    static GetThreadInfoCall *s_getInfo;
+    if (!s_getInfo)
+        s_getInfo = CUFindFunction<GetThreadInfoCall>("user32.dll", "GetGUIThreadInfo");
+    CThreadInfo info = {};
+    info.cbSize = sizeof info;
+    return s_getInfo && s_getInfo(GetCurrentThreadId(), &info) ? info.hMenuOwner : nullptr;
 }
 
 // Whether the window is a combo box, or the field of one, whose list is open: Escape closes it. No
@@ -231,6 +253,8 @@ int CCUIFrameWindow::SetMenu(HMENU hMenu)
 {
     if (!Exist() || (hMenu && !IsMenu(hMenu)))
         return 0;
+    if (hMenu != GetMenu() && !CloseMenu())
+        return 0;
     const HMENU hOld = GetMenu();
     if (m_bCovering)
         m_hMenuBefore = hMenu;
@@ -239,6 +263,20 @@ int CCUIFrameWindow::SetMenu(HMENU hMenu)
     if (hOld != hMenu)
         DestroyBar(hOld);
     return 1;
+}
+
+// The menu that is open in the frame would stay behind where it was, or lose its items. False: the
+// frame has gone.
+bool CCUIFrameWindow::CloseMenu()
+{
+    CWatch watch(this);
+    const HWND hOwner = MenuOwner();
+    HWND hWnd = hOwner;
+    while (hWnd && hWnd != m_hWnd)
+        hWnd = GetParent(hWnd);
+    if (hWnd)
+        SendMessageA(hOwner, WM_CANCELMODE, 0, 0);
+    return !watch.IsGone() && m_hWnd;
 }
 
 int CCUIFrameWindow::SetMenu(HINSTANCE hInstance, const char *name)
@@ -375,6 +413,8 @@ void CCUIFrameWindow::Layout()
 void CCUIFrameWindow::OnSize(UINT nType, int cx, int cy)
 {
     CWatch watch(this);
+    if (!CloseMenu())
+        return;
     Layout();
     if (!watch.IsGone() && m_hWnd)
         CCUIWindow::OnSize(nType, cx, cy);
