@@ -41,6 +41,8 @@ TEST(RecentFiles, AreKeptLatestFirstAndSharedWithOtherRuns)
     CTestSettings::Set("2", "C:\\another run");
     CTestSettings::Set("3", "C:\\b");
     EXPECT_EQ("&Open|&1 c:\\B|&2 C:\\another run|E&xit", Open(frame));
+    recent.Add("c:\\B");
+    EXPECT_EQ("C:\\b", CTestSettings::Get("3")) << "nothing is written that stands there";
     recent.Add("C:\\e");
     recent.Remove("C:\\b");
     EXPECT_EQ("C:\\another run", CTestSettings::Get("2") + CTestSettings::Get("3"));

@@ -10,6 +10,7 @@
 #include "Support/BoxAnswer.h"
 #include "Support/ImportHook.h"
 #include "Support/TestSettings.h"
+#include "Support/TestTimer.h"
 #include "Support/TestWindow.h"
 #include "Window/Ids.h"
 
@@ -127,17 +128,20 @@ TEST_F(CMakerTest, KeepsWhatIsTypedWithoutALauncherToBeginWith)
 
 TEST_F(CMakerTest, KeepsForACrashWhatIsNotSavedAndNoMore)
 {
-    m_window.TimeOut(0);
-    EXPECT_EQ(0U, m_temp.Files("*").size());
+    CFakeClock clock;
+    PassStartTick(clock);
+    const auto Kept = [&] {
+        m_window.OnIdle();
+        clock.Run(5000);
+        return m_temp.Files("DiscMaker-*.recovery").size();
+    };
+    EXPECT_EQ(0U, Kept());
     m_window.Document().SetEntry(IDS_TITLE, "Title");
-    m_window.TimeOut(0);
-    EXPECT_EQ(1U, m_temp.Files("DiscMaker-*.recovery").size());
+    EXPECT_EQ(1U, Kept());
     m_window.Document().Undo();
-    m_window.TimeOut(0);
-    EXPECT_EQ(0U, m_temp.Files("*").size());
+    EXPECT_EQ(0U, Kept());
     m_window.Document().Redo();
-    m_window.TimeOut(0);
-    EXPECT_EQ(1U, m_temp.Files("*").size());
+    EXPECT_EQ(1U, Kept());
 }
 
 // Windows ends a session in spite of a question that is open.

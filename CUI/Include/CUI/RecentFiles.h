@@ -61,7 +61,7 @@ private:
     };
 
     int Find(const char *pszPath) const;
-    void Load();
+    bool Load();
     void Save();
     void Drop(int nIndex);
 

@@ -119,8 +119,10 @@ void CCUIRecentFiles::Add(const char *pszPath)
     const CCUString sPath = CUIFullPath(pszPath ? pszPath : "", "");
     if (sPath.IsEmpty())
         return;
-    Load();
+    const bool bRead = Load();
     const int nOld = Find(sPath);
+    if (bRead && nOld == 0 && m_files[0] == sPath)
+        return;  // programs add what they open, most often the same again: nothing to write
     if (nOld >= 0)
         Drop(nOld);
     else if (m_nFiles == static_cast<int>(m_nIDRange))
@@ -143,17 +145,18 @@ void CCUIRecentFiles::Remove(const char *pszPath)
 }
 
 // What another run may have added comes along. What could not be written stays here.
-void CCUIRecentFiles::Load()
+bool CCUIRecentFiles::Load()
 {
     CCURegistry registry;
     if (!m_bKept || !CUIOpenSettings(registry, m_sSection))
-        return;
+        return false;
     m_nFiles = 0;
     CCUString sPath;
     for (int i = 0; i < static_cast<int>(m_nIDRange); ++i) {
         if (registry.GetString(ValueName(i), sPath) && !sPath.IsEmpty() && Find(sPath) < 0)
             m_files[m_nFiles++] = sPath;
     }
+    return true;
 }
 
 void CCUIRecentFiles::Save()

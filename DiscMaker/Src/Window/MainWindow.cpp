@@ -12,7 +12,7 @@
 namespace {
 
 const char *const SECTION = "Window";
-const long KEEP_AFTER = 5000;  // milliseconds between two looks at what a crash would lose
+const long KEEP_AFTER = 5000;  // milliseconds after which a crash loses nothing more of a change
 
 enum
 {
@@ -77,7 +77,6 @@ int CMainWindow::OnCreate(CREATESTRUCTA *pCreate)
     SetStatusBar(&m_status);
     CreateParts();
     CCUIWindow::SetIdleCallback(this);
-    SetAlarm(KEEP_AFTER);
     return CCUIFrameWindow::OnCreate(pCreate);
 }
 
@@ -179,7 +178,6 @@ long CMainWindow::OnMessage(UINT message, WPARAM wParam, LPARAM lParam)
 void CMainWindow::TimeOut(long)
 {
     KeepForCrash();
-    SetAlarm(KEEP_AFTER);
 }
 
 // --- Commands ---
@@ -392,6 +390,8 @@ void CMainWindow::ShowPlace()
 // The problems of what there is now.
 void CMainWindow::OnIdle()
 {
+    if (m_nKept != m_document.Revision())
+        SetAlarmIfEarlier(KEEP_AFTER);
     if (!m_bCheck && m_nChecked == m_document.Revision())
         return;
     m_bCheck = false;
