@@ -9,6 +9,7 @@
 #include "Support/DotsPerInch.h"
 #include "Support/ImportHook.h"
 #include "Support/MenuItems.h"
+#include "Support/Reports.h"
 #include "Support/TestBitmap.h"
 #include "Support/TestCommand.h"
 #include "Support/TestSettings.h"
@@ -304,4 +305,28 @@ TEST(ControlBar, DocksWhereItIsDraggedAndRemembersThat)
     CCUIControlBar later;
     ASSERT_TRUE(later.CreateBar(parent, 4, "main", CUI_BAR_BOTTOM));
     EXPECT_FALSE(later.IsBarShown() || IsWindowVisible(later));
+    // What cannot be kept, or is missing, is told, and the bar goes on.
+    CDumped dumped;
+    std::string refused;
+    const CFakeCall<LONG(HKEY, LPCSTR, DWORD, DWORD, const BYTE *, DWORD)> set(
+        "RegSetValueExA", [&](HKEY hKey, LPCSTR pszName, auto... more) -> LONG {
+            return refused == pszName ? ERROR_ACCESS_DENIED : set.Original(hKey, pszName, more...);
+        });
+    for (const char *pszName : {"Side", "Shown"}) {
+        refused = pszName;
+        bar.ShowBar(true);
+        EXPECT_EQ("Unable to keep the state of bar main, gle: 5\n",
+                  std::exchange(dumped.m_text, ""));
+        EXPECT_TRUE(IsWindowVisible(bar));
+    }
+    const CFakeCall<LONG(HKEY, LPCSTR, DWORD, LPSTR, DWORD, REGSAM, SECURITY_ATTRIBUTES *, HKEY *,
+                         DWORD *)>
+        create("RegCreateKeyExA", [](auto...) { return ERROR_ACCESS_DENIED; });
+    bar.ShowBar(false);
+    bar.SetPictures(CCUIBitmap(), 16);
+    EXPECT_EQ(
+        "Unable to open settings Software\\CUITests\\Own\\Bars\\main, gle: 5\n"
+        "CCUIControlBar: no picture comes from a strip of 0 pixels\n",
+        dumped.m_text);
+    EXPECT_FALSE(IsWindowVisible(bar));
 }

@@ -4,6 +4,7 @@
 #include "Base/GdiGuards.h"
 #include "CUI/Button.h"
 #include "CUI/Choosers.h"
+#include "CUI/CommandMap.h"
 #include "CUI/ControlBar.h"
 #include "CUI/LayoutWindow.h"
 #include "CUI/NotifyIcon.h"
@@ -89,6 +90,57 @@ TEST(FrameWindow, HasCommandsAsTheyStandWhenItIsShown)
     command.m_onUpdate = [&] { pFrame.reset(); };
     pFrame->Show(true);
     EXPECT_EQ(nullptr, pFrame);
+}
+
+TEST(FrameWindow, AsksHandlersOnceForEachKeyAndEachMenu)
+{
+    CTestCommand command(1700);
+    CFullFrame frame;
+    CCUILayoutWindow inner(CCUILayoutWindow::Row);
+    inner.Create(nullptr, "", WS_CHILD | WS_VISIBLE, {0, 0, 9, 9}, frame.m_client, 4);
+    CTestControl deepest(inner);
+    frame.Show(true);
+    std::string asked;
+    command.m_onState = [&] { asked += "state "; };
+    command.m_onUpdate = [&] { asked += "update "; };
+    CCUICommandMap::IdleUpdate();
+    const std::string pass = std::exchange(asked, "");
+    // Three windows look for the button that Alt and a character press.
+    EXPECT_FALSE(PressKey('z', deepest, WM_SYSCHAR));
+    EXPECT_EQ(pass, std::exchange(asked, ""));
+    CCUIMenu menu;
+    menu.Append(1700, "item");
+    for (CCUIWindow *const pOwner : std::initializer_list<CCUIWindow *>{&frame, &frame.m_bars[0]}) {
+        POINT at = {60, 60};
+        PostMessageA(frame, WM_KEYDOWN, VK_ESCAPE, 1);
+        pOwner->DisplayPopupMenu(&menu, 0, at, nullptr);
+        EXPECT_EQ("state update state ", std::exchange(asked, ""));
+    }
+}
+
+namespace {
+
+// What a window of that kind hears of its state, and answers.
+template <typename Base>
+std::string TellState()
+{
+    struct : Base
+    {
+        void OnSetWindowState(UINT nState) override { Base::OnSetWindowState(m_nState = nState); }
+        UINT m_nState = 0;
+    } window;
+    window.Attach(MakePlain());
+    const long nAnswer = Send(window, WM_USER + 0x35, 7);
+    DestroyWindow(window.Detach());
+    return Text("%u%ld ", window.m_nState, nAnswer);
+}
+
+}  // namespace
+
+TEST(FrameWindow, HearsOfItsStateAsAllKindsOfWindowsDo)
+{
+    EXPECT_EQ("70 70 70 70 ", TellState<CCUIFrameWindow>() + TellState<CCUIControlBar>() +
+                                  TellState<CCUIStatusBar>() + TellState<CCUIButton>());
 }
 
 TEST(FrameWindow, PutsBarsAroundItsClient)
@@ -202,6 +254,13 @@ TEST(FrameWindow, KeepsItsPlaceAndFindsAScreenForIt)
         EXPECT_FALSE(frame.Exist());
         EXPECT_EQ(place + ",96", CTestSettings::Get("Placement"));
     }
+    CDumped dumped;
+    CTestFrame frame;
+    frame.ShowKept("Test");
+    const CFakeCall<LONG(HKEY, LPCSTR, DWORD, DWORD, const BYTE *, DWORD)> refuse(
+        "RegSetValueExA", [](auto...) { return ERROR_ACCESS_DENIED; });
+    frame.Destroy();
+    EXPECT_EQ("Unable to keep the place of Test, gle: 5\n", dumped.m_text);
 }
 
 TEST(FrameWindow, CoversTheScreenAndComesBackAsItWas)
