@@ -82,6 +82,23 @@ TEST(FrameWindow, HasCommandsAsTheyStandWhenItIsShown)
     command.m_nState = 0;
     ShowWindow(*pFrame, SW_SHOWMAXIMIZED);
     EXPECT_FALSE(IsWindowEnabled(pFrame->m_button));
+    // They are asked once for Alt and a character, by which all windows look for a button, and
+    // once for a menu.
+    std::string asked;
+    command.m_onState = [&] { asked += "state "; };
+    command.m_onUpdate = [&] { asked += "update "; };
+    CCUICommandMap::IdleUpdate();
+    const std::string pass = std::exchange(asked, "");
+    EXPECT_FALSE(PressKey('z', pFrame->m_button, WM_SYSCHAR));
+    EXPECT_EQ(pass, std::exchange(asked, ""));
+    POINT at = {60, 60};
+    CCUIMenu menu;
+    menu.Append(1700, "item");
+    PostMessageA(*pFrame, WM_KEYDOWN, VK_ESCAPE, 1);
+    pFrame->DisplayPopupMenu(&menu, 0, at, nullptr);
+    EXPECT_EQ("state update state ", asked);
+    EXPECT_EQ(0, Send(*pFrame, WM_USER + 0x35, 7));
+    EXPECT_EQ("state7", pFrame->Told());
     pFrame->Show(false);
     // Handlers that show it themselves, and that delete it.
     command.m_onUpdate = [&] { pFrame->Show(true); };
@@ -90,57 +107,6 @@ TEST(FrameWindow, HasCommandsAsTheyStandWhenItIsShown)
     command.m_onUpdate = [&] { pFrame.reset(); };
     pFrame->Show(true);
     EXPECT_EQ(nullptr, pFrame);
-}
-
-TEST(FrameWindow, AsksHandlersOnceForEachKeyAndEachMenu)
-{
-    CTestCommand command(1700);
-    CFullFrame frame;
-    CCUILayoutWindow inner(CCUILayoutWindow::Row);
-    inner.Create(nullptr, "", WS_CHILD | WS_VISIBLE, {0, 0, 9, 9}, frame.m_client, 4);
-    CTestControl deepest(inner);
-    frame.Show(true);
-    std::string asked;
-    command.m_onState = [&] { asked += "state "; };
-    command.m_onUpdate = [&] { asked += "update "; };
-    CCUICommandMap::IdleUpdate();
-    const std::string pass = std::exchange(asked, "");
-    // Three windows look for the button that Alt and a character press.
-    EXPECT_FALSE(PressKey('z', deepest, WM_SYSCHAR));
-    EXPECT_EQ(pass, std::exchange(asked, ""));
-    CCUIMenu menu;
-    menu.Append(1700, "item");
-    for (CCUIWindow *const pOwner : std::initializer_list<CCUIWindow *>{&frame, &frame.m_bars[0]}) {
-        POINT at = {60, 60};
-        PostMessageA(frame, WM_KEYDOWN, VK_ESCAPE, 1);
-        pOwner->DisplayPopupMenu(&menu, 0, at, nullptr);
-        EXPECT_EQ("state update state ", std::exchange(asked, ""));
-    }
-}
-
-namespace {
-
-// What a window of that kind hears of its state, and answers.
-template <typename Base>
-std::string TellState()
-{
-    struct : Base
-    {
-        void OnSetWindowState(UINT nState) override { Base::OnSetWindowState(m_nState = nState); }
-        UINT m_nState = 0;
-    } window;
-    window.Attach(MakePlain());
-    const long nAnswer = Send(window, WM_USER + 0x35, 7);
-    DestroyWindow(window.Detach());
-    return Text("%u%ld ", window.m_nState, nAnswer);
-}
-
-}  // namespace
-
-TEST(FrameWindow, HearsOfItsStateAsAllKindsOfWindowsDo)
-{
-    EXPECT_EQ("70 70 70 70 ", TellState<CCUIFrameWindow>() + TellState<CCUIControlBar>() +
-                                  TellState<CCUIStatusBar>() + TellState<CCUIButton>());
 }
 
 TEST(FrameWindow, PutsBarsAroundItsClient)
@@ -167,7 +133,7 @@ TEST(FrameWindow, PutsBarsAroundItsClient)
         EXPECT_EQ(place, PlaceOf(client));
     }
     const RECT suggested = {30, 40, 330, 240};
-    SendMessageA(frame, 0x02E0, 0, reinterpret_cast<LPARAM>(&suggested));  // WM_DPICHANGED
+    Send(frame, 0x02E0, 0, reinterpret_cast<LPARAM>(&suggested));  // WM_DPICHANGED
     EXPECT_EQ(Of(suggested), PlaceOf(frame));
 }
 
@@ -295,7 +261,7 @@ TEST(FrameWindow, CoversTheScreenAndComesBackAsItWas)
         PressKey(VK_F7, frame.m_client);
         // Escape first closes a list.
         const HWND hCombo = MakePlain("COMBOBOX", frame.m_client, 0, WS_VISIBLE | CBS_DROPDOWN);
-        SendMessageA(hCombo, CB_SHOWDROPDOWN, TRUE, 0);
+        Send(hCombo, CB_SHOWDROPDOWN, TRUE, 0);
         EXPECT_FALSE(PressKey(VK_ESCAPE, GetWindow(hCombo, GW_CHILD)));
         DestroyWindow(hCombo);
         seen.clear();
@@ -309,7 +275,7 @@ TEST(FrameWindow, CoversTheScreenAndComesBackAsItWas)
         frame.m_onFull = [] {};
         frame.SetFullScreen(true);
         ShowWindow(frame, SW_MINIMIZE);
-        SendMessageA(frame, WM_DISPLAYCHANGE, 32, 0);
+        Send(frame, WM_DISPLAYCHANGE, 32, 0);
         EXPECT_TRUE(IsIconic(frame));
         ShowWindow(frame, SW_RESTORE);
         EXPECT_EQ(screen + screen + "000 0", look());
@@ -363,7 +329,7 @@ TEST(FrameWindow, OpensWhatIsDroppedAndWhatACommandLineNames)
     // As the shell sends it: where the names begin, a point, two flags, the names.
     const std::string longName = "D:\\" + std::string(400, 'n');
     const std::string drop = "\x14" + std::string(19, 0) + "C:\\one.txt" + '\0' + longName;
-    SendMessageA(frame, WM_DROPFILES, 0x1234, 0);
+    Send(frame, WM_DROPFILES, 0x1234, 0);
     frame.AcceptFiles(true);
     for (const BOOL bEnabled : {FALSE, TRUE}) {
         frame.AcceptFiles(bEnabled != 0);
@@ -427,7 +393,7 @@ TEST(FrameWindow, LeavesNothingBehind)
         CFullFrame frame;
         frame.ShowKept("Test");
         PumpWaiting();
-        SendMessageA(frame.m_bars[0], WM_MOUSEMOVE, 0, MAKELPARAM(12, 8));
+        Send(frame.m_bars[0], WM_MOUSEMOVE, 0, MAKELPARAM(12, 8));
         frame.SetFullScreen(true);
     };
     const CHeapWatch heap;
