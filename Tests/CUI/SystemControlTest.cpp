@@ -166,10 +166,10 @@ TEST(SystemControls, LeaveWindowsOfOtherThreadsAndProgramsAlone)
     CCUILayoutWindow layout(CCUILayoutWindow::Column);
     layout.Create(nullptr, "", WS_CHILD, {0, 0, 50, 50}, parent, 13);
     SetParent(hWnd, layout);
+    Send(layout, CUI_WM_LAYOUT, 0, CUI_LAYOUT_ALL);
     EXPECT_EQ(0, layout.GetMinimumSize().cy);
     PostMessageA(hWnd, WM_CLOSE, 0, 0);
     EXPECT_TRUE(PumpUntil([&] { return !lender.IsRunning(); }));
-}
 }
 
 TEST(SystemControls, FindItemsAndHoldTextsOfAnyLength)
