@@ -55,7 +55,7 @@ struct CBar : CCUIControlBar
     void Mouse(UINT message, int nItem, int x = 1)
     {
         const RECT rc = nItem < 0 ? GetOverflowRect() : GetItemRect(nItem);
-        Send(m_hWnd, message, 0, MAKELPARAM(rc.left + x, rc.top + 1));
+        SendMessageA(m_hWnd, message, 0, MAKELPARAM(rc.left + x, rc.top + 1));
     }
     std::string Places() const
     {
@@ -220,7 +220,7 @@ TEST(ControlBar, PressesWhatTheMouseGoesDownAndUpOn)
     bar->Mouse(WM_MOUSEMOVE, 1, 2);
     EXPECT_EQ("Save & go", TipOf(*bar));
     bar->Mouse(WM_MOUSEMOVE, 3);
-    Send(*bar, WM_MOUSELEAVE, 0, 0);
+    SendMessageA(*bar, WM_MOUSELEAVE, 0, 0);
     EXPECT_EQ("help1001 help1002 help0 ", parent.Told());
     // A command goes to the target, which may end the bar.
     CTestWindow target;
@@ -285,7 +285,7 @@ TEST(ControlBar, DocksWhereItIsDraggedAndRemembersThat)
         for (const POINT &to : way)
             PostMessageA(bar, WM_MOUSEMOVE, 0, MAKELPARAM(to.x, to.y));
         PostMessageA(bar, last, VK_ESCAPE, 0);
-        Send(bar, WM_LBUTTONDOWN, 0, MAKELPARAM(3, yFrom));
+        SendMessageA(bar, WM_LBUTTONDOWN, 0, MAKELPARAM(3, yFrom));
         EXPECT_EQ(nullptr, GetCapture());
         PumpWaiting();
         return parent.Told();
@@ -302,7 +302,7 @@ TEST(ControlBar, DocksWhereItIsDraggedAndRemembersThat)
         sides = ItemsOf(hMenu);
         return 1 + CUI_BAR_LEFT;
     });
-    Send(bar, WM_CONTEXTMENU, 0, -1);
+    SendMessageA(bar, WM_CONTEXTMENU, 0, -1);
     EXPECT_EQ("&Top &Unten &Left &Right checked radiolayout3 ", sides + parent.Told());
     EXPECT_EQ(CUI_BAR_LEFT, bar.GetSide());
     bar.ShowBar(false);

@@ -133,7 +133,7 @@ TEST(FrameWindow, PutsBarsAroundItsClient)
         EXPECT_EQ(place, PlaceOf(client));
     }
     const RECT suggested = {30, 40, 330, 240};
-    Send(frame, 0x02E0, 0, reinterpret_cast<LPARAM>(&suggested));  // WM_DPICHANGED
+    SendMessageA(frame, 0x02E0, 0, reinterpret_cast<LPARAM>(&suggested));  // WM_DPICHANGED
     EXPECT_EQ(Of(suggested), PlaceOf(frame));
 }
 
@@ -261,7 +261,7 @@ TEST(FrameWindow, CoversTheScreenAndComesBackAsItWas)
         PressKey(VK_F7, frame.m_client);
         // Escape first closes a list.
         const HWND hCombo = MakePlain("COMBOBOX", frame.m_client, 0, WS_VISIBLE | CBS_DROPDOWN);
-        Send(hCombo, CB_SHOWDROPDOWN, TRUE, 0);
+        SendMessageA(hCombo, CB_SHOWDROPDOWN, TRUE, 0);
         EXPECT_FALSE(PressKey(VK_ESCAPE, GetWindow(hCombo, GW_CHILD)));
         DestroyWindow(hCombo);
         seen.clear();
@@ -275,7 +275,7 @@ TEST(FrameWindow, CoversTheScreenAndComesBackAsItWas)
         frame.m_onFull = [] {};
         frame.SetFullScreen(true);
         ShowWindow(frame, SW_MINIMIZE);
-        Send(frame, WM_DISPLAYCHANGE, 32, 0);
+        SendMessageA(frame, WM_DISPLAYCHANGE, 32, 0);
         EXPECT_TRUE(IsIconic(frame));
         ShowWindow(frame, SW_RESTORE);
         EXPECT_EQ(screen + screen + "000 0", look());
@@ -329,7 +329,7 @@ TEST(FrameWindow, OpensWhatIsDroppedAndWhatACommandLineNames)
     // As the shell sends it: where the names begin, a point, two flags, the names.
     const std::string longName = "D:\\" + std::string(400, 'n');
     const std::string drop = "\x14" + std::string(19, 0) + "C:\\one.txt" + '\0' + longName;
-    Send(frame, WM_DROPFILES, 0x1234, 0);
+    SendMessageA(frame, WM_DROPFILES, 0x1234, 0);
     frame.AcceptFiles(true);
     for (const BOOL bEnabled : {FALSE, TRUE}) {
         frame.AcceptFiles(bEnabled != 0);
@@ -393,7 +393,7 @@ TEST(FrameWindow, LeavesNothingBehind)
         CFullFrame frame;
         frame.ShowKept("Test");
         PumpWaiting();
-        Send(frame.m_bars[0], WM_MOUSEMOVE, 0, MAKELPARAM(12, 8));
+        SendMessageA(frame.m_bars[0], WM_MOUSEMOVE, 0, MAKELPARAM(12, 8));
         frame.SetFullScreen(true);
     };
     const CHeapWatch heap;

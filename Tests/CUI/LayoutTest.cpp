@@ -164,7 +164,7 @@ TEST(Layout, TabGoesThroughAllThatCanHaveTheFocus)
     const HWND order[] = {hEdit, last, first, hEdit, first, last, hEdit};
     for (int i = 0; i < 7; ++i)
         EXPECT_EQ(order[i], PressTab(i > 3));
-    EXPECT_EQ(MAKELONG(0, 4), Send(hEdit, EM_GETSEL, 0, 0));
+    EXPECT_EQ(MAKELONG(0, 4), SendMessageA(hEdit, EM_GETSEL, 0, 0));
     SetFocus(top);
     SetFocus(inner);
     EXPECT_EQ(hEdit, GetFocus()) << "the last one gets it back";
@@ -184,7 +184,7 @@ TEST(Layout, ScrollsWhenThereIsNoRoom)
     SetFocus(*boxes[2]);
     EXPECT_EQ("-80+20 -60+100 40+20 ", Along(boxes, false));
     const auto scroll = [&](WPARAM nCode) {
-        return Send(layout, WM_VSCROLL, nCode, 0), layout.GetScrollPos();
+        return SendMessageA(layout, WM_VSCROLL, nCode, 0), layout.GetScrollPos();
     };
     const int nLine = CUIGetWinData()->cyChar;
     const std::pair<WPARAM, int> codes[] = {{SB_TOP, 0},       {SB_PAGEDOWN, 60},
@@ -215,10 +215,10 @@ TEST(Layout, SplitterMovesByMouseAndKeysAndGoesBack)
     const HWND hSplitter = GetWindow(*boxes[0], GW_HWNDNEXT);
     EXPECT_EQ("30,0,36,60", PlaceOf(hSplitter));
     // The splitter moves under the mouse.
-    const auto move = [&](int x) { Send(hSplitter, WM_MOUSEMOVE, 0, MAKELPARAM(x, 9)); };
+    const auto move = [&](int x) { SendMessageA(hSplitter, WM_MOUSEMOVE, 0, MAKELPARAM(x, 9)); };
     const auto drag = [&](int nBy) {
         SetFocus(*boxes[1]);
-        Send(hSplitter, WM_LBUTTONDOWN, 0, MAKELPARAM(2, 9));
+        SendMessageA(hSplitter, WM_LBUTTONDOWN, 0, MAKELPARAM(2, 9));
         return move(2 + nBy), boxes[0]->GetFixedSize();
     };
     EXPECT_EQ(13 + 1, drag(-17));
@@ -229,7 +229,7 @@ TEST(Layout, SplitterMovesByMouseAndKeysAndGoesBack)
     EXPECT_EQ("0+30 36+70 ", Along(boxes));
     drag(28);
     move(-8);
-    Send(hSplitter, WM_LBUTTONUP, 0, 0);
+    SendMessageA(hSplitter, WM_LBUTTONUP, 0, 0);
     EXPECT_EQ(boxes[1]->GetHandle(), GetFocus());
     SetFocus(*boxes[0]);
     PressTab();
@@ -239,7 +239,7 @@ TEST(Layout, SplitterMovesByMouseAndKeysAndGoesBack)
     const std::pair<WPARAM, int> keys[] = {{VK_LEFT, 40}, {VK_HOME, 0},    {VK_END, 80},
                                            {VK_UP, 80},   {VK_ESCAPE, 48}, {VK_RIGHT, 56}};
     for (const auto &key : keys) {
-        Send(hSplitter, WM_KEYDOWN, key.first, 0);
+        SendMessageA(hSplitter, WM_KEYDOWN, key.first, 0);
         EXPECT_EQ(key.second, layout.GetSplit(*boxes[0])) << key.first;
     }
     layout.SetSplit(*boxes[0], 50);
@@ -254,7 +254,7 @@ TEST(Layout, SplitterMovesByMouseAndKeysAndGoesBack)
     SetWindowPos(layout, nullptr, 0, 0, 206, 60, SWP_NOMOVE);
     EXPECT_EQ("0+50 56+150 ", Along(boxes));
     SetWindowLongA(layout, GWL_EXSTYLE, MIRRORED);
-    Send(hSplitter, WM_KEYDOWN, VK_LEFT, 0);
+    SendMessageA(hSplitter, WM_KEYDOWN, VK_LEFT, 0);
     EXPECT_EQ("0+58 64+142 ", Along(boxes));
     // It goes with either of its neighbours.
     boxes.erase(boxes.begin());
@@ -302,10 +302,10 @@ TEST(Layout, SurvivesWhatHandlersDo)
     pLayout = std::make_unique<CLayout>(top, ROW);
     boxes = MakeBoxes(*pLayout, {{10, 4 | CUI_PLACE_SPLITTER}, {10, 4}});
     const HWND hSplitter = GetWindow(*boxes[0], GW_HWNDNEXT);
-    Send(hSplitter, WM_LBUTTONDOWN, 0, 0);
+    SendMessageA(hSplitter, WM_LBUTTONDOWN, 0, 0);
     boxes[1]->m_on[WM_MOVE] = [&] { return pLayout.reset(), 0; };
-    Send(hSplitter, WM_MOUSEMOVE, 0, 50);
-    Send(hSplitter, WM_MOUSEMOVE, 0, MAKELPARAM(20, 0));
+    SendMessageA(hSplitter, WM_MOUSEMOVE, 0, 50);
+    SendMessageA(hSplitter, WM_MOUSEMOVE, 0, MAKELPARAM(20, 0));
     EXPECT_FALSE(pLayout);
     EXPECT_EQ(nullptr, GetCapture());
 }

@@ -73,14 +73,14 @@ TEST(SystemControls, AreControlWindowsThatGoWithTheirObjectsOrStay)
         SCOPED_TRACE(szClass);
         const RECT rect = RectOf(control);
         SIZE size = {};
-        EXPECT_EQ(1, Send(control, CUI_WM_NATURALSIZE, 0, LPARAM(&size)));
+        EXPECT_EQ(1, SendMessageA(control, CUI_WM_NATURALSIZE, 0, reinterpret_cast<LPARAM>(&size)));
         EXPECT_EQ(Of({0, 0, size.cx, size.cy}), Of(rect));
         EXPECT_FALSE(IsRectEmpty(&rect));
         EXPECT_TRUE(GetPropA(control, g_sControlWindowProp));
         EXPECT_TRUE(IsWindowVisible(control));
         // A font that the user's settings have replaced is left for the new one.
         CUIGetWinData()->UpdateSysFonts();
-        Send(control, WM_WININICHANGE, 0, 0);
+        SendMessageA(control, WM_WININICHANGE, 0, 0);
         EXPECT_TRUE(!control.GetFont() || control.GetFont() == CUIGetWinData()->hMenuFont);
         // Nor is a hidden one shown by painting again.
         control.Show(false);
@@ -296,7 +296,7 @@ TEST(SystemControls, TellTheirObjectsWhatUsersDo)
     edit.SetLimit(1);
     SetFocus(edit);
     for (int i = 0; i < 2; ++i)
-        Send(edit, WM_CHAR, 'x', 1);
+        SendMessageA(edit, WM_CHAR, 'x', 1);
     EXPECT_EQ(1, PressKey(VK_RETURN));
     const std::string told = edit.Taken();
     EXPECT_EQ("change max ", told.substr(0, 11));
@@ -318,7 +318,7 @@ TEST(SystemControls, TellTheirObjectsWhatUsersDo)
     EXPECT_EQ(0, PressKey(VK_RETURN));
     combo.DropDown(false);
     Input(GetFocus(), {VK_DOWN});
-    Send(GetFocus(), WM_CHAR, 'x', 1);
+    SendMessageA(GetFocus(), WM_CHAR, 'x', 1);
     EXPECT_EQ(1, PressKey(VK_RETURN));
     EXPECT_EQ("drop close select edit return ", combo.Taken());
     EXPECT_STREQ("item", combo.GetItemText(19));
@@ -328,7 +328,7 @@ TEST(SystemControls, TellTheirObjectsWhatUsersDo)
     bar.SetLine(7);
     bar.SetPos(50000);
     for (const int nCode : {SB_LINEUP, SB_PAGEDOWN, SB_BOTTOM, SB_LINEDOWN, SB_TOP, SB_ENDSCROLL})
-        Send(parent, WM_VSCROLL, WPARAM(nCode), LPARAM(bar.GetHandle()));
+        SendMessageA(parent, WM_VSCROLL, WPARAM(nCode), reinterpret_cast<LPARAM>(bar.GetHandle()));
     EXPECT_EQ("49993 50993 99001 -100000 ", bar.Taken());
 
     CMade<CPlain<CCUITrackBar>> track(parent, 6);
@@ -433,10 +433,10 @@ TEST(SystemControls, MayBeDeletedByWhatTheyTell)
     pBound->AddString("a");
     pBound->m_onTold = [=] { delete pBound; };
     const HWND hEdit = *pEdit;
-    Send(hEdit, WM_CHAR, 'x', 1);
+    SendMessageA(hEdit, WM_CHAR, 'x', 1);
     pList->AddItem("a");
     pList->Select(0);
-    Send(hBound, WM_KEYDOWN, VK_DOWN, 1);
+    SendMessageA(hBound, WM_KEYDOWN, VK_DOWN, 1);
     EXPECT_EQ("1 0", Text("%d %d", IsWindow(hEdit), IsWindowVisible(hEdit)));
     PumpWaiting();
     EXPECT_EQ("0 1", Text("%d %d", IsWindow(hEdit), IsWindow(hBound)));
@@ -447,7 +447,7 @@ TEST(SystemControls, PassTabOnAndLetTextsHaveIt)
 {
     CTestPopup parent;
     const auto tell = [&](const char *what) {
-        const HWND hChild = HWND(parent.m_wParam);
+        const HWND hChild = reinterpret_cast<HWND>(parent.m_wParam);
         return parent.m_told += Text("%s %d ", what, GetDlgCtrlID(hChild)), 1;
     };
     parent.m_on[CUI_WM_TABKEY] = [&] { return tell("tab"); };
