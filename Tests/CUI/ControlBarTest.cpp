@@ -9,6 +9,7 @@
 #include "Support/DotsPerInch.h"
 #include "Support/ImportHook.h"
 #include "Support/MenuItems.h"
+#include "Support/Reports.h"
 #include "Support/TestBitmap.h"
 #include "Support/TestCommand.h"
 #include "Support/TestSettings.h"
@@ -65,6 +66,8 @@ struct CBar : CCUIControlBar
         }
         return places;
     }
+    void OnSetWindowState(UINT nState) override { m_nState = nState; }
+    UINT m_nState = 0;
     static CCUIBitmap Strip() { return BitmapOf(TestPicture(64, 15, 5)); }
 };
 
@@ -246,6 +249,8 @@ TEST(ControlBar, GoesFromButtonToButtonByTheKeyboardAndGivesTheFocusBack)
     Input(second, {VK_ESCAPE});
     EXPECT_EQ(parent.GetHandle(), GetFocus());
     EXPECT_EQ(0, Send(bar, WM_NOTIFY));
+    EXPECT_EQ(0, Send(bar, WM_USER + 0x35, 7));
+    EXPECT_EQ(7U, bar.m_nState);
     // A window in the bar is a stop of its own, which Tab leaves.
     const HWND hEdit = MakePlain("EDIT", bar, 77, WS_TABSTOP);
     CTestCommand command(1005);
@@ -304,4 +309,26 @@ TEST(ControlBar, DocksWhereItIsDraggedAndRemembersThat)
     CCUIControlBar later;
     ASSERT_TRUE(later.CreateBar(parent, 4, "main", CUI_BAR_BOTTOM));
     EXPECT_FALSE(later.IsBarShown() || IsWindowVisible(later));
+    // What cannot be kept, or is missing, is told, and the bar goes on.
+    CDumped dumped;
+    std::string refused;
+    const CFakeCall<LONG(HKEY, LPCSTR, DWORD, DWORD, const BYTE *, DWORD)> set(
+        "RegSetValueExA", [&](HKEY hKey, LPCSTR pszName, auto... more) -> LONG {
+            return refused == pszName ? ERROR_ACCESS_DENIED : set.Original(hKey, pszName, more...);
+        });
+    for (const char *pszName : {"Side", "Shown"}) {
+        refused = pszName;
+        bar.ShowBar(true);
+        EXPECT_EQ("Unable to keep the state of bar main, gle: 5\n", dumped.m_text);
+        dumped.m_text = "";
+    }
+    const CFakeCall<LONG(HKEY, LPCSTR, DWORD, LPSTR, DWORD, REGSAM, void *, HKEY *, DWORD *)>
+        create("RegCreateKeyExA", [](auto...) { return ERROR_ACCESS_DENIED; });
+    bar.ShowBar(false);
+    bar.SetPictures(CCUIBitmap(), 16);
+    EXPECT_EQ(
+        "Unable to open settings Software\\CUITests\\Own\\Bars\\main, gle: 5\n"
+        "CCUIControlBar: no picture comes from a strip of 0 pixels\n",
+        dumped.m_text);
+    EXPECT_FALSE(IsWindowVisible(bar));
 }

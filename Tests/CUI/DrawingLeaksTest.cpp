@@ -4,13 +4,17 @@
 #include "CUI/BmpBlt.h"
 #include "CUI/BmpLoad.h"
 #include "CUI/BmpState.h"
+#include "CUI/Button.h"
+#include "CUI/ControlBar.h"
 #include "CUI/Data.h"
 #include "CUI/OffScreenDC.h"
 #include "Support/BmpBytes.h"
+#include "Support/DotsPerInch.h"
 #include "Support/FailingCall.h"
 #include "Support/GdiCount.h"
 #include "Support/HeapWatch.h"
 #include "Support/Reports.h"
+#include "Support/TestWindow.h"
 
 namespace {
 
@@ -62,7 +66,10 @@ TEST(DrawingLeaks, NothingOnSuccessAndWhicheverCallFails)
     const std::string path = reports.Directory().Path() + "\\leak.bmp";
     WriteBytes(path, CBmpBytes(8, 2, 8).File());
     CTestSurface image(TestPicture(12, 10, 2)), target(TestPicture(12, 10, 2));
+    const CTestPopup frame;
+    CDumped dumped;
     COLORREF crFace = 0;
+    int cx = 60;
     const auto work = [&] {
         const HINSTANCE hModule = GetModuleHandleA(nullptr);
         HPALETTE hPals[3] = {};
@@ -89,18 +96,34 @@ TEST(DrawingLeaks, NothingOnSuccessAndWhicheverCallFails)
         CCUIOffScreenDC().GetDC(target, 9, 9);
         CUIGetWinData()->UpdateSysColors();
         CUIGetWinData()->UpdateWinIni();
+        const CDotsPerInch dpi(192);
+        CCUIControlBar bar;
+        CCUIButton button;
+        bar.SetPictures(bitmap, 8);
+        button.SetPicture(bitmap);
+        if (bar.CreateBar(frame, 1) && button.CreateControl(bar, 1000, "&Text"))
+            bar.AddControl(button, 1000);
+        bar.AddButton(1001, 0);
+        bar.Move({0, 0, ++cx, 60});  // larger than all that was painted
+        UpdateWindow(bar);
+        UpdateWindow(button);
     };
     const CFailingCall<HBITMAP(HDC, int, int)> compatible("CreateCompatibleBitmap");
     const CFailingCall<HBITMAP(HDC, const BITMAPINFOHEADER *, DWORD, const void *,
                                const BITMAPINFO *, UINT)>
         fromDib("CreateDIBitmap");
     const CFailingCall<HGDIOBJ(HDC, HGDIOBJ)> select("SelectObject");
-    work();  // makes what stays, as does the first line of the trace
+    const CFailingCall<HWND(DWORD, LPCSTR, LPCSTR, DWORD, int, int, int, int, HWND, HMENU,
+                            HINSTANCE, void *)>
+        window("CreateWindowExA");
+    // Makes what stays, as does the first line of the trace.
+    EXPECT_LE(5, CFailPlan::RunAll(work));
     CUDump("Drawing may fail\n");
     const CHeapWatch heap;
     const int nGdi = GdiCount();
-    work();
-    EXPECT_LE(5, CFailPlan::RunAll(work));
+    CFailPlan::RunAll(work);
     EXPECT_NEAR(nGdi, GdiCount(), 2);
     EXPECT_EQ(0, CHeapWatch::Live());
+    for (const char *text : {"stretch pictures", "off-screen surface"})
+        EXPECT_NE(std::string::npos, dumped.m_text.find(text)) << dumped.m_text;
 }

@@ -24,6 +24,7 @@ struct CTestFrame : CScripted<CCUIFrameWindow>
     }
     void OnOpenFile(const CCUString &sPath) override { m_told += std::string(sPath) + "|"; }
     bool QueryClose() override { return m_told += "close?", m_onQuery(); }
+    void OnSetWindowState(UINT nState) override { m_told += Text("state%u", nState); }
     void OnFullScreen(bool) override { m_onFull(); }
 
     std::function<bool()> m_onQuery = [] { return true; };

@@ -4,6 +4,7 @@
 #include "Base/GdiGuards.h"
 #include "CUI/Button.h"
 #include "CUI/Choosers.h"
+#include "CUI/CommandMap.h"
 #include "CUI/ControlBar.h"
 #include "CUI/LayoutWindow.h"
 #include "CUI/Menu.h"
@@ -82,6 +83,23 @@ TEST(FrameWindow, HasCommandsAsTheyStandWhenItIsShown)
     command.m_nState = 0;
     ShowWindow(*pFrame, SW_SHOWMAXIMIZED);
     EXPECT_FALSE(IsWindowEnabled(pFrame->m_button));
+    // They are asked once for Alt and a character, by which all windows look for a button, and
+    // once for a menu.
+    std::string asked;
+    command.m_onState = [&] { asked += "state "; };
+    command.m_onUpdate = [&] { asked += "update "; };
+    CCUICommandMap::IdleUpdate();
+    const std::string pass = std::exchange(asked, "");
+    EXPECT_FALSE(PressKey('z', pFrame->m_button, WM_SYSCHAR));
+    EXPECT_EQ(pass, std::exchange(asked, ""));
+    POINT at = {60, 60};
+    CCUIMenu menu;
+    menu.Append(1700, "item");
+    PostMessageA(*pFrame, WM_KEYDOWN, VK_ESCAPE, 1);
+    pFrame->DisplayPopupMenu(&menu, 0, at, nullptr);
+    EXPECT_EQ("state update state ", asked);
+    EXPECT_EQ(0, Send(*pFrame, WM_USER + 0x35, 7));
+    EXPECT_EQ("state7", pFrame->Told());
     pFrame->Show(false);
     // Handlers that show it themselves, and that delete it.
     command.m_onUpdate = [&] { pFrame->Show(true); };
@@ -203,6 +221,13 @@ TEST(FrameWindow, KeepsItsPlaceAndFindsAScreenForIt)
         EXPECT_FALSE(frame.Exist());
         EXPECT_EQ(place + ",96", CTestSettings::Get("Placement"));
     }
+    CDumped dumped;
+    CTestFrame frame;
+    frame.ShowKept("Test");
+    const CFakeCall<LONG(HKEY, LPCSTR, DWORD, DWORD, const BYTE *, DWORD)> refuse(
+        "RegSetValueExA", [](auto...) { return ERROR_ACCESS_DENIED; });
+    frame.Destroy();
+    EXPECT_EQ("Unable to keep the place of Test, gle: 5\n", dumped.m_text);
 }
 
 TEST(FrameWindow, CoversTheScreenAndComesBackAsItWas)

@@ -1,6 +1,7 @@
 #include "CUI/Data.h"
 #include "CUI/Draw.h"
 #include "CUI/LayoutWindow.h"
+#include "Support/HeapWatch.h"
 #include "Support/ImportHook.h"
 #include "Support/PixelMap.h"
 #include "Support/TestControl.h"
@@ -263,6 +264,7 @@ TEST(Layout, SplitterMovesByMouseAndKeysAndGoesBack)
 
 TEST(Layout, SurvivesWhatHandlersDo)
 {
+    const CHeapWatch heap;  // what is used of a dead layout is wrong
     CTestPopup top;
     auto pLayout = std::make_unique<CLayout>(top, ROW);
     Boxes boxes = MakeBoxes(*pLayout, {{10, 4}, {10, 4 | CUI_PLACE_SPLITTER}, {10, 4}, {10, 4}});
@@ -280,6 +282,22 @@ TEST(Layout, SurvivesWhatHandlersDo)
     // One deletes the layout.
     boxes[0]->m_on[WM_SIZE] = [&] { return pLayout.reset(), 0; };
     boxes[0]->SetFixedSize(5);
+    // One deletes it, or ends its window, when it is asked how large it is: by the layout, or since
+    // others ask that.
+    for (const int nWay : {0, 1, 2, 3}) {
+        pLayout = std::make_unique<CLayout>(top, ROW);
+        boxes = MakeBoxes(*pLayout, {{10, 4}, {10, 4}});
+        boxes[0]->m_on[CUI_WM_NATURALSIZE] = [&] {
+            nWay % 2 ? void(pLayout->Destroy()) : pLayout.reset();
+            return 1;
+        };
+        if (nWay > 1)
+            pLayout->Suspend();
+        boxes[0]->SetLayoutFlags(CUI_PLACE_FIT);
+        EXPECT_EQ(0, nWay > 1 ? pLayout->GetMinimumSize().cx : 0);
+        EXPECT_FALSE(boxes[0]->Exist()) << nWay;
+        EXPECT_EQ(nWay % 2, pLayout != nullptr);
+    }
     // The mouse lets go when the layout is gone.
     pLayout = std::make_unique<CLayout>(top, ROW);
     boxes = MakeBoxes(*pLayout, {{10, 4 | CUI_PLACE_SPLITTER}, {10, 4}});

@@ -15,11 +15,13 @@
 #include "CUI/TabControl.h"
 #include "CUI/TrackBar.h"
 #include "CUI/TreeView.h"
+#include "Support/ChildProcess.h"
 #include "Support/GdiCount.h"
 #include "Support/ImportHook.h"
 #include "Support/PixelMap.h"
 #include "Support/Reports.h"
 #include "Support/TestWindow.h"
+#include "Support/Threads.h"
 
 namespace {
 
@@ -72,8 +74,10 @@ TEST(SystemControls, AreControlWindowsThatGoWithTheirObjectsOrStay)
         const RECT rect = RectOf(control);
         SIZE size = {};
         EXPECT_EQ(1, SendMessageA(control, CUI_WM_NATURALSIZE, 0, reinterpret_cast<LPARAM>(&size)));
-        EXPECT_TRUE(size.cx && size.cy && size.cx == rect.right && size.cy == rect.bottom);
-        EXPECT_TRUE(GetPropA(control, g_sControlWindowProp) && IsWindowVisible(control));
+        EXPECT_EQ(Of({0, 0, size.cx, size.cy}), Of(rect));
+        EXPECT_FALSE(IsRectEmpty(&rect));
+        EXPECT_TRUE(GetPropA(control, g_sControlWindowProp));
+        EXPECT_TRUE(IsWindowVisible(control));
         // A font that the user's settings have replaced is left for the new one.
         CUIGetWinData()->UpdateSysFonts();
         SendMessageA(control, WM_WININICHANGE, 0, 0);
@@ -87,10 +91,13 @@ TEST(SystemControls, AreControlWindowsThatGoWithTheirObjectsOrStay)
         EXPECT_EQ(nullptr, GetWindow(parent, GW_CHILD));
         const HWND hWnd = MakePlain(szClass, parent, 9);
         const LONG nProcedure = GetWindowLongA(hWnd, GWL_WNDPROC);
-        EXPECT_TRUE(pOther->Bind(parent, 9) && pBound->Bind(parent, 9));
-        EXPECT_TRUE(!pOther->GetHandle() && GetPropA(hWnd, g_sControlWindowProp));
+        EXPECT_EQ(1, pOther->Bind(parent, 9));
+        EXPECT_EQ(1, pBound->Bind(parent, 9));
+        EXPECT_EQ(nullptr, pOther->GetHandle());
+        EXPECT_TRUE(GetPropA(hWnd, g_sControlWindowProp));
         pBound.reset();
-        EXPECT_TRUE(IsWindow(hWnd) && !GetPropA(hWnd, g_sControlWindowProp));
+        EXPECT_TRUE(IsWindow(hWnd));
+        EXPECT_FALSE(GetPropA(hWnd, g_sControlWindowProp));
         EXPECT_EQ(nProcedure, GetWindowLongA(hWnd, GWL_WNDPROC));
         DestroyWindow(hWnd);
     }
@@ -105,23 +112,69 @@ TEST(SystemControls, AreControlWindowsThatGoWithTheirObjectsOrStay)
     RegisterClassA(&own);
     MakePlain("Own Edit", parent, 10);
     EXPECT_TRUE(edit.Bind(parent, 10));
-    // Another program's window serves for nothing.
-    const CFakeCall<HWND(HWND, int)> item("GetDlgItem", [](auto...) { return GetDesktopWindow(); });
-    CDumped dumped;
-    CCUIControl control;
-    CCUIControlBar bar;
-    bar.CreateBar(parent, 12);
-    EXPECT_FALSE(CCUIEdit().Bind(parent, 1) || control.ReplaceControl(parent, 1));
-    bar.AddControl(GetDesktopWindow(), 0);
-    CCUIWindow().Attach(GetDesktopWindow());
-    EXPECT_EQ(4, std::count(dumped.m_text.begin(), dumped.m_text.end(), '\n')) << dumped.m_text;
     EXPECT_EQ(1, reports.Total());
+    // A system without the class.
+    CDumped dumped;
+    CCUIListView list;
+    WNDCLASSA kept = {};
+    GetClassInfoA(GetModuleHandleA("comctl32.dll"), WC_LISTVIEWA, &kept);
+    UnregisterClassA(WC_LISTVIEWA, kept.hInstance);
+    EXPECT_EQ(0, list.CreateControl(parent, 13));
+    EXPECT_EQ(nullptr, list.GetHandle());
+    EXPECT_EQ(0U, dumped.m_text.find("No control of class SysListView32, gle: ")) << dumped.m_text;
+    RegisterClassA(&kept);
+}
+
+namespace {
+
+// Another program's control in a window of this one, until that closes it.
+CHILD_PROCESS(Lender)
+{
+    static CCUIControlWindow::PropData s_data = {20, 0, 4, 0, 0};
+    SetTimer(nullptr, 0, 1000, nullptr);
+    const HWND hParent = HWND(strtoul(strrchr(GetCommandLineA(), ' '), nullptr, 10));
+    const HWND hWnd = MakePlain("EDIT", hParent, 20, WS_VISIBLE);
+    SetPropA(hWnd, g_sControlWindowProp, &s_data);
+    for (MSG msg; IsWindow(hWnd) && GetMessageA(&msg, nullptr, 0, 0) > 0;)
+        DispatchMessageA(&msg);
+}
+
+}  // namespace
+
+TEST(SystemControls, LeaveWindowsOfOtherThreadsAndProgramsAlone)
+{
+    CDumped dumped;
+    CTestPopup parent;
+    CCUIControlBar bar, other;
+    const CMade<CCUIEdit> edit(parent, 14);
+    bar.CreateBar(parent, 11);
+    other.CreateBar(parent, 12);
+    const CChildProcess lender("Lender", Text("%u", UINT(bar.GetHandle())).c_str());
+    ASSERT_TRUE(PumpUntil([&] { return GetPropA(GetDlgItem(bar, 20), g_sControlWindowProp); }));
+    const HWND hWnd = GetDlgItem(bar, 20);
+    bar.AddControl(hWnd, 0);
+    other.AddControl(hWnd, 0);
+    EXPECT_EQ(bar.GetHandle(), GetParent(hWnd));
+    EXPECT_FALSE(CCUIEdit().Bind(bar, 20));
+    EXPECT_FALSE(CCUIControl().ReplaceControl(bar, 20));
+    CCUIWindow().Attach(hWnd);
+    CThreads::Run(
+        1, [&](int) { EXPECT_FALSE(CCUIEdit().Bind(parent, 14)); }, PumpWaiting);
+    EXPECT_EQ(6, std::count(dumped.m_text.begin(), dumped.m_text.end(), '\n')) << dumped.m_text;
+    // What a layout is to read of it is in its own program.
+    CCUILayoutWindow layout(CCUILayoutWindow::Column);
+    layout.Create(nullptr, "", WS_CHILD, {0, 0, 50, 50}, parent, 13);
+    SetParent(hWnd, layout);
+    Send(layout, CUI_WM_LAYOUT, 0, CUI_LAYOUT_ALL);
+    EXPECT_EQ(0, layout.GetMinimumSize().cy);
+    PostMessageA(hWnd, WM_CLOSE, 0, 0);
+    EXPECT_TRUE(PumpUntil([&] { return !lender.IsRunning(); }));
 }
 
 TEST(SystemControls, FindItemsAndHoldTextsOfAnyLength)
 {
     CTestPopup parent;
-    const std::string text(5000, 'x');
+    const std::string text(20000, 'x');
     const RECT small = {0, 0, 50, 60};
     const DWORD dwDrawn = LBS_EXTENDEDSEL | LBS_OWNERDRAWVARIABLE | LBS_HASSTRINGS;
     parent.m_on[WM_MEASUREITEM] = [&] {
@@ -132,15 +185,19 @@ TEST(SystemControls, FindItemsAndHoldTextsOfAnyLength)
     for (int i = 0; i < 50; ++i)
         many.AddString(text.substr(0, size_t(i) * 100).c_str());
     many.EnsureVisible(40);
-    EXPECT_TRUE(many.GetTopIndex() == 38 && many.HitTest({3, 36}) == 40);
+    EXPECT_EQ("38 40", Text("%d %d", many.GetTopIndex(), many.HitTest({3, 36})));
     many.EnsureVisible(3);
     EXPECT_EQ(3, many.GetTopIndex());
     many.Select(40, true);
-    EXPECT_TRUE(many.FindSelected(4) == 40 && many.GetItemText(40).GetLength() == 4000);
+    EXPECT_EQ("40 4000", Text("%d %d", many.FindSelected(4), many.GetItemText(40).GetLength()));
+    many.AddString(text.c_str());
+    EXPECT_EQ(text, many.GetItemText(50).GetString());
+    EXPECT_EQ(text, CMade<CCUIStatic>(parent, 1, 0, text.c_str()).GetText().GetString());
+    EXPECT_EQ(text, CMade<CCUIEdit>(parent, 1, 0, text.c_str()).GetLine(0).GetString());
     CMade<CCUIEdit> edit(parent, 9, CCUIEdit::STYLE_LINES, "one\r\ntwo");
     edit.Append("\r\nthree");
     EXPECT_STREQ("three", edit.GetLine(2));
-    EXPECT_TRUE(edit.GetLine(3).IsEmpty() && edit.GetLineLength(3) == 0);
+    EXPECT_EQ(" 0", Text("%s %d", edit.GetLine(3).GetString(), edit.GetLineLength(3)));
     const auto rising = [](LPARAM a, LPARAM b) { return int(a - b); };
     CMade<CCUIListView> list(parent, 7);
     list.SetExtendedStyle(LVS_EX_CHECKBOXES);
@@ -148,14 +205,15 @@ TEST(SystemControls, FindItemsAndHoldTextsOfAnyLength)
     list.AddItem(text.c_str(), -1, 1);
     list.SetCheck(1, true);
     list.SortItems(rising);
-    EXPECT_TRUE(list.GetCheck(0) && !list.GetCheck(1) && list.GetItemText(0) == text.c_str());
-    EXPECT_TRUE(list.FindItem("B") == 1 && list.FindItemData(2) == 1);
+    EXPECT_EQ("1 0", Text("%d %d", list.GetCheck(0), list.GetCheck(1)));
+    EXPECT_EQ(text, list.GetItemText(0).GetString());
+    EXPECT_EQ("1 1", Text("%d %d", list.FindItem("B"), list.FindItemData(2)));
     CMade<CCUITreeView> tree(parent, 8, CCUITreeView::STYLE | TVS_CHECKBOXES);
     const HTREEITEM hB = tree.InsertItem(nullptr, "b");
     const HTREEITEM hA = tree.InsertItem(nullptr, text.c_str());
     tree.SetCheck(hA, true);
     EXPECT_TRUE(tree.FindChild(nullptr, text.c_str()) == hA);
-    EXPECT_TRUE(tree.GetCheck(hA) && !tree.GetCheck(hB));
+    EXPECT_EQ("1 0", Text("%d %d", tree.GetCheck(hA), tree.GetCheck(hB)));
 }
 
 namespace {
@@ -241,7 +299,8 @@ TEST(SystemControls, TellTheirObjectsWhatUsersDo)
         SendMessageA(edit, WM_CHAR, 'x', 1);
     EXPECT_EQ(1, PressKey(VK_RETURN));
     const std::string told = edit.Taken();
-    EXPECT_TRUE(told.find("change max ") == 0 && told.find("return ") == told.size() - 7) << told;
+    EXPECT_EQ("change max ", told.substr(0, 11));
+    EXPECT_EQ("return ", told.substr(told.size() - 7));
 
     CMade<CPlain<CCUIListBox>> list(parent, 3);
     list.AddString("a");
@@ -318,7 +377,8 @@ TEST(SystemControls, TellWhatBecomesOfItems)
     Input(tree, {VK_RIGHT});
     tree.SelectItem(hChild);
     EXPECT_FALSE(tree.EditLabel(hRoot));
-    EXPECT_TRUE(tree.GetSelection() == hRoot && !tree.IsExpanded(hRoot));
+    EXPECT_EQ(hRoot, tree.GetSelection());
+    EXPECT_FALSE(tree.IsExpanded(hRoot));
     tree.m_bRefuse = false;
     Input(tree, {VK_RIGHT});
     EXPECT_EQ(1, PressKey(VK_RETURN));
@@ -377,9 +437,10 @@ TEST(SystemControls, MayBeDeletedByWhatTheyTell)
     pList->AddItem("a");
     pList->Select(0);
     SendMessageA(hBound, WM_KEYDOWN, VK_DOWN, 1);
-    EXPECT_TRUE(IsWindow(hEdit) && !IsWindowVisible(hEdit));
+    EXPECT_EQ("1 0", Text("%d %d", IsWindow(hEdit), IsWindowVisible(hEdit)));
     PumpWaiting();
-    EXPECT_TRUE(!IsWindow(hEdit) && IsWindow(hBound) && !CCUIWindow::FromHandle(hBound));
+    EXPECT_EQ("0 1", Text("%d %d", IsWindow(hEdit), IsWindow(hBound)));
+    EXPECT_EQ(nullptr, CCUIWindow::FromHandle(hBound));
 }
 
 TEST(SystemControls, PassTabOnAndLetTextsHaveIt)

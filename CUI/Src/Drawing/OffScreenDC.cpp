@@ -3,6 +3,7 @@
 #include "Base/Lifetime.h"
 #include "Base/Wrap.h"
 #include "CU/Assert.h"
+#include "CU/Dump.h"
 #include "CU/Prober.h"
 #include "Drawing/DepthMemo.h"
 
@@ -67,8 +68,10 @@ void CCUIOffScreenDC::Grow(HDC hDC, int cx, int cy)
                             nullptr);
     // The old bitmap goes when the new one has taken its place in the DC: before that it cannot be
     // deleted. Without a new one it stays in use.
-    if (!SelectObject(m_memDC, static_cast<HBITMAP>(bitmap)))
+    if (!SelectObject(m_memDC, static_cast<HBITMAP>(bitmap))) {
+        CUDump("No off-screen surface of %d by %d pixels\n", cx, cy);
         return;
+    }
     s_bytes.Add(BytesOf(bitmap) - BytesOf(m_bitmap));
     m_bitmap = bitmap;
 }
