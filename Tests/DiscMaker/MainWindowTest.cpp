@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 #include <shlobj.h>
 
+#include "Base/Handle.h"
 #include "DiscMaker/SkinFiles.h"
 #include "DiscMaker/Skins.h"
 #include "File/PictureFile.h"
@@ -43,6 +44,8 @@ struct CMakerTest : testing::Test
         PostMessageA(m_window, WM_DROPFILES, reinterpret_cast<WPARAM>(hDrop), 0);
         PumpWaiting();
     }
+
+    HWND List() { return FindWindowExA(GetDlgItem(m_window, 3), nullptr, WC_LISTVIEWA, nullptr); }
 
     const CTemporaryDirectory m_temp;
     const CTestSettings m_settings;
@@ -92,14 +95,13 @@ TEST_F(CMakerTest, KeepsWhatIsTypedWithoutALauncherToBeginWith)
     CDocument &document = m_window.Document();
     document.SetEntry(IDS_TITLE, "Title");
     EXPECT_STREQ("Title", document.Entry(IDS_TITLE));
-    const HWND hList = FindWindowExA(GetDlgItem(m_window, 3), nullptr, WC_LISTVIEWA, nullptr);
     m_window.OnIdle();
     char szWhat[100] = "";
     LVITEMA item = {};
     item.iSubItem = 2;
     item.pszText = szWhat;
     item.cchTextMax = sizeof szWhat;
-    SendMessageA(hList, LVM_GETITEMTEXTA, 0, reinterpret_cast<LPARAM>(&item));
+    SendMessageA(List(), LVM_GETITEMTEXTA, 0, reinterpret_cast<LPARAM>(&item));
     EXPECT_EQ(std::string("There is no launcher beside Disc Maker"), std::string(szWhat, 38));
 }
 
@@ -136,6 +138,42 @@ TEST_F(CMakerTest, KeepsWhatIsNotSavedWhenTheSessionEnds)
         MSG quit;
         PeekMessageA(&quit, nullptr, WM_QUIT, WM_QUIT, PM_REMOVE);
         m_window.CreateFrame("Disc Maker");
+    }
+}
+
+// What a crash has left is discarded, or restored and saved when the window closes.
+TEST_F(CMakerTest, RestoresAndSavesOrStays)
+{
+    const std::string launcher = m_temp.Path() + "\\a.exe";
+    CopyFileA(TEST_LAUNCHER, launcher.c_str(), TRUE);
+    for (const bool bRestore : {false, true}) {
+        m_window.OnOpenFile(launcher.c_str());
+        m_window.Document().SetEntry(IDS_TITLE, "Kept");
+        SendMessageA(m_window, WM_ENDSESSION, TRUE, 0);
+        MSG quit;
+        PeekMessageA(&quit, nullptr, WM_QUIT, WM_QUIT, PM_REMOVE);
+        m_window.CreateFrame("Disc Maker");
+        m_window.Begin();
+        const CBoxAnswer box("Disc Maker", IDCANCEL, bRestore ? IDYES : IDNO);
+        m_window.OfferRecovery();
+        EXPECT_EQ(2, box.Asked()) << "Escape is no answer";
+        EXPECT_EQ(bRestore, m_window.Document().Entry(IDS_TITLE) == "Kept");
+        EXPECT_EQ(bRestore, m_window.Document().IsModified());
+        EXPECT_EQ(bRestore, m_temp.Files("*.recovery").size() == 1);
+    }
+    EXPECT_STREQ(launcher.c_str(), m_window.GetDocument());
+    for (const bool bHeld : {true, false}) {
+        const char *const pszHeld = bHeld ? launcher.c_str() : TEST_LAUNCHER;
+        const CCUFileHandle hHeld(CreateFileA(pszHeld, GENERIC_READ, FILE_SHARE_READ, nullptr,
+                                              OPEN_EXISTING, 0, nullptr));
+        const CBoxAnswer box("Disc Maker", IDYES, IDCANCEL);
+        SendMessageA(m_window, WM_CLOSE, 0, 0);
+        EXPECT_EQ(bHeld ? 2 : 1, box.Asked());
+        EXPECT_EQ(bHeld, m_window.Exist() && m_window.Document().IsModified());
+        EXPECT_EQ(bHeld, m_temp.Files("*.recovery").size() == 1);
+        CProblems problems;
+        EXPECT_EQ(bHeld ? "Fennick 4.1" : "Kept",
+                  TextOf(OpenSkin(launcher.c_str(), problems)->Skin(), IDS_TITLE));
     }
 }
 
@@ -185,13 +223,77 @@ TEST_F(CMakerTest, AsksBeforeASkinGoesOverFilesAndBeginsWhereItIs)
     EXPECT_EQ(other + "\\", chooser.m_first);
 }
 
-TEST_F(CMakerTest, SaysThatTheClipboardIsInUse)
+// Between lines, all of a skin, and in fields, with the system's clipboard.
+TEST_F(CMakerTest, CopiesAndPastesByTheKeyboard)
 {
-    const CFakeCall<BOOL(HWND)> open("OpenClipboard", [](HWND) {
-        SetLastError(ERROR_ACCESS_DENIED);
-        return FALSE;
-    });
-    const CBoxAnswer box("Copy", IDCANCEL);
-    SendMessageA(m_window, WM_COMMAND, ID_COPY_SKIN, 0);
-    EXPECT_EQ(1, box.Asked());
+    CDocument &document = m_window.Document();
+    CCanvas &canvas = m_window.Canvas();
+    const CSkin skin = GoodSkin();
+    document.Start(skin);
+    const auto press = [](WPARAM nKey, const char *pszBox = "Paste") {
+        const CBoxAnswer box(pszBox, IDCANCEL);
+        HoldKey(VK_CONTROL);
+        PressKey(nKey);
+        HoldKey(0);
+        return box.Asked();
+    };
+    SetFocus(canvas);
+    press('C');
+    document.SetEntry(IDS_RUN, "x");
+    document.SetPicture(PictureBullet, nullptr);
+    press('V');
+    ExpectSameSkin(skin, document.Skin());
+    document.MarkSaved();
+    canvas.Select(ItemRun);
+    press('C');
+    canvas.Select(ItemHelp);
+    press('X');  // is for fields
+    press('V');
+    EXPECT_STREQ("Run", document.Entry(IDS_HELP));
+    EXPECT_STREQ("Tools\\Run.exe /x", document.Entry(IDS_HELP_COMMAND));
+    press('Z');
+    EXPECT_FALSE(document.IsModified()) << "one step, and no other place";
+    m_window.Properties().SelectEntry(IDS_RUN, true);
+    press('X');
+    EXPECT_STREQ("", document.Entry(IDS_RUN));
+    m_window.Properties().SelectEntry(IDS_TITLE, true);
+    press('V');
+    EXPECT_STREQ("Run", document.Entry(IDS_TITLE));
+    SetFocus(canvas);
+    const unsigned nRevision = document.Revision();
+    EXPECT_EQ(1, press('V')) << "no entry of a skin";
+    ASSERT_TRUE(OpenClipboard(m_window) && EmptyClipboard() && CloseClipboard());
+    EXPECT_EQ(0, press('V')) << "nothing";
+    press('C');
+    const CTestWindow other;
+    ASSERT_TRUE(OpenClipboard(other));
+    EXPECT_EQ(1, press('V'));
+    EXPECT_EQ(1, press('C', "Copy"));
+    CloseClipboard();
+    EXPECT_EQ(nRevision, document.Revision());
+}
+
+// Also where its row is selected already; what is about no entry leads nowhere.
+TEST_F(CMakerTest, GoesToTheProblemThatIsClickedTwice)
+{
+    CSkin skin = GoodSkin();
+    skin.m_texts.push_back({MAKELANGID(LANG_GREEK, SUBLANG_DEFAULT), skin.m_texts[0].m_entries});
+    skin.m_texts[1].m_entries[IDS_RUN_POS] = CWideText("600,140", 1252);
+    m_window.Document().Start(skin);
+    m_window.OnIdle();
+    for (const size_t nItem : {0, 1, 1}) {
+        m_window.Canvas().Select(ItemNone);
+        RECT row = {LVIR_LABEL, 0, 0, 0};
+        Send(List(), LVM_GETITEMRECT, nItem, reinterpret_cast<LPARAM>(&row));
+        const LPARAM at = MAKELPARAM(row.left + 2, row.top + 2);
+        MapWindowPoints(List(), nullptr, reinterpret_cast<POINT *>(&row), 1);
+        SetCursorPos(row.left + 2, row.top + 2);
+        for (const UINT message : {WM_LBUTTONDOWN, WM_LBUTTONUP, WM_LBUTTONDBLCLK, WM_LBUTTONUP})
+            PostMessageA(List(), message, 0, at);
+        PumpWaiting();
+        EXPECT_EQ(std::vector<FaceItem>(nItem, ItemRun), m_window.Canvas().Selection());
+        EXPECT_EQ(nItem == 1, m_window.Properties().Selected()->m_nID == IDS_RUN_POS);
+        EXPECT_EQ(nItem == 1, GetFocus() == GetDlgItem(m_window.Properties(), 1));
+        EXPECT_EQ(nItem, m_window.Document().Language());
+    }
 }

@@ -263,6 +263,8 @@ void CPropertyGrid::SelectRow(int nRow)
         InvalidateRow(nRow);
         KeepBefore();
         LoadEditor(true);
+    } else {
+        m_host.OnPropertyRow(Row(nRow), true);
     }
     RECT client;
     GetClientRect(m_hWnd, &client);
