@@ -120,48 +120,31 @@ TEST_F(CMakerTest, KeepsForACrashWhatIsNotSavedAndNoMore)
     EXPECT_EQ(1U, m_temp.Files("*").size());
 }
 
-// Windows ends a session in spite of a question that is open.
+// Windows ends a session in spite of a question that is open. What is left is offered, and saved
+// before the window closes, or it stays.
 TEST_F(CMakerTest, KeepsWhatIsNotSavedWhenTheSessionEnds)
-{
-    for (const int nButton : {IDCANCEL, IDNO}) {
-        m_window.Document().SetEntry(IDS_TITLE, nButton == IDNO ? "No" : "Kept");
-        const CBoxAnswer box("Disc Maker", nButton);
-        EXPECT_EQ(nButton == IDNO, SendMessageA(m_window, WM_QUERYENDSESSION, 0, 0));
-        EXPECT_EQ(1, box.Asked());
-        SendMessageA(m_window, WM_ENDSESSION, TRUE, 0);
-        EXPECT_FALSE(m_window.Exist());
-        CSkin skin;
-        CCUString sPath;
-        CRecovery recovery;
-        const bool bKept = recovery.Find(skin, sPath);
-        EXPECT_EQ(nButton == IDCANCEL, bKept && TextOf(skin, IDS_TITLE) == "Kept");
-        MSG quit;
-        PeekMessageA(&quit, nullptr, WM_QUIT, WM_QUIT, PM_REMOVE);
-        m_window.CreateFrame("Disc Maker");
-    }
-}
-
-// What a crash has left is discarded, or restored and saved when the window closes.
-TEST_F(CMakerTest, RestoresAndSavesOrStays)
 {
     const std::string launcher = m_temp.Path() + "\\a.exe";
     CopyFileA(TEST_LAUNCHER, launcher.c_str(), TRUE);
-    for (const bool bRestore : {false, true}) {
+    const int answers[][2] = {{IDNO, 0}, {IDCANCEL, IDNO}, {IDCANCEL, IDYES}};
+    for (const auto &answer : answers) {
         m_window.OnOpenFile(launcher.c_str());
         m_window.Document().SetEntry(IDS_TITLE, "Kept");
+        const CBoxAnswer box("Disc Maker", answer[0], IDCANCEL, answer[1]);
+        EXPECT_EQ(answer[0] == IDNO, SendMessageA(m_window, WM_QUERYENDSESSION, 0, 0));
+        EXPECT_EQ(1, box.Asked());
         SendMessageA(m_window, WM_ENDSESSION, TRUE, 0);
+        EXPECT_FALSE(m_window.Exist());
         MSG quit;
         PeekMessageA(&quit, nullptr, WM_QUIT, WM_QUIT, PM_REMOVE);
         m_window.CreateFrame("Disc Maker");
         m_window.Begin();
-        const CBoxAnswer box("Disc Maker", IDCANCEL, bRestore ? IDYES : IDNO);
         m_window.OfferRecovery();
-        EXPECT_EQ(2, box.Asked()) << "Escape is no answer";
-        EXPECT_EQ(bRestore, m_window.Document().Entry(IDS_TITLE) == "Kept");
-        EXPECT_EQ(bRestore, m_window.Document().IsModified());
-        EXPECT_EQ(bRestore, m_temp.Files("*.recovery").size() == 1);
+        EXPECT_EQ(answer[1] ? 3 : 1, box.Asked()) << "Escape is no answer";
+        const bool bTitle = m_window.Document().Entry(IDS_TITLE) == "Kept";
+        EXPECT_EQ(answer[1] == IDYES, bTitle && m_window.Document().IsModified());
+        EXPECT_EQ(answer[1] == IDYES, m_temp.Files("*.recovery").size() == 1);
     }
-    EXPECT_STREQ(launcher.c_str(), m_window.GetDocument());
     for (const bool bHeld : {true, false}) {
         const char *const pszHeld = bHeld ? launcher.c_str() : TEST_LAUNCHER;
         const CCUFileHandle hHeld(CreateFileA(pszHeld, GENERIC_READ, FILE_SHARE_READ, nullptr,
@@ -239,7 +222,6 @@ TEST_F(CMakerTest, CopiesAndPastesByTheKeyboard)
     };
     SetFocus(canvas);
     press('C');
-    document.SetEntry(IDS_RUN, "x");
     document.SetPicture(PictureBullet, nullptr);
     press('V');
     ExpectSameSkin(skin, document.Skin());
