@@ -211,8 +211,7 @@ TEST_F(CMakerTest, CopiesAndPastesByTheKeyboard)
 {
     CDocument &document = m_window.Document();
     CCanvas &canvas = m_window.Canvas();
-    const CSkin skin = GoodSkin();
-    document.Start(skin);
+    document.Start(GoodSkin());
     const auto press = [](WPARAM nKey, const char *pszBox = "Paste") {
         const CBoxAnswer box(pszBox, IDCANCEL);
         HoldKey(VK_CONTROL);
@@ -224,7 +223,7 @@ TEST_F(CMakerTest, CopiesAndPastesByTheKeyboard)
     press('C');
     document.SetPicture(PictureBullet, nullptr);
     press('V');
-    ExpectSameSkin(skin, document.Skin());
+    ExpectSameSkin(GoodSkin(), document.Skin());
     document.MarkSaved();
     canvas.Select(ItemRun);
     press('C');
