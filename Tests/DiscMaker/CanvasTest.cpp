@@ -67,11 +67,7 @@ TEST(Canvas, MovesAndSizesWhatIsDragged)
     EXPECT_STREQ("486,280,490,320", window.m_document.Entry(IDS_ABOUT_RECT));
     // Tab leaves what is dragged selected.
     window.Mouse(WM_LBUTTONDOWN, 60, 180);
-    MSG tab = {};
-    tab.hwnd = canvas;
-    tab.message = WM_KEYDOWN;
-    tab.wParam = VK_TAB;
-    canvas.PreTranslateMessage(&tab);
+    PressKey(VK_TAB, canvas);
     EXPECT_EQ(std::vector<FaceItem>{ItemRun}, canvas.Selection());
     window.Mouse(WM_LBUTTONUP, 60, 180, 0);
     // What ends the drag otherwise takes it back.

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 #include <shlobj.h>
 
+#include "Base/Handle.h"
 #include "DiscMaker/SkinFiles.h"
 #include "DiscMaker/Skins.h"
 #include "File/PictureFile.h"
@@ -67,6 +68,8 @@ struct CMakerTest : testing::Test
         PumpWaiting();
     }
 
+    HWND List() { return FindWindowExA(GetDlgItem(m_window, 3), nullptr, WC_LISTVIEWA, nullptr); }
+
     const CTemporaryDirectory m_temp;
     const CTestSettings m_settings;
     CMainWindow m_window;
@@ -115,14 +118,13 @@ TEST_F(CMakerTest, KeepsWhatIsTypedWithoutALauncherToBeginWith)
     CDocument &document = m_window.Document();
     document.SetEntry(IDS_TITLE, "Title");
     EXPECT_STREQ("Title", document.Entry(IDS_TITLE));
-    const HWND hList = FindWindowExA(GetDlgItem(m_window, 3), nullptr, WC_LISTVIEWA, nullptr);
     m_window.OnIdle();
     char szWhat[100] = "";
     LVITEMA item = {};
     item.iSubItem = 2;
     item.pszText = szWhat;
     item.cchTextMax = sizeof szWhat;
-    SendMessageA(hList, LVM_GETITEMTEXTA, 0, reinterpret_cast<LPARAM>(&item));
+    SendMessageA(List(), LVM_GETITEMTEXTA, 0, reinterpret_cast<LPARAM>(&item));
     EXPECT_EQ(std::string("There is no launcher beside Disc Maker"), std::string(szWhat, 38));
 }
 
@@ -144,22 +146,41 @@ TEST_F(CMakerTest, KeepsForACrashWhatIsNotSavedAndNoMore)
     EXPECT_EQ(1U, Kept());
 }
 
-// Windows ends a session in spite of a question that is open.
+// Windows ends a session in spite of a question that is open. What is left is offered, and saved
+// before the window closes, or it stays.
 TEST_F(CMakerTest, KeepsWhatIsNotSavedWhenTheSessionEnds)
 {
-    for (const int nButton : {IDCANCEL, IDNO}) {
-        m_window.Document().SetEntry(IDS_TITLE, nButton == IDNO ? "No" : "Kept");
-        const CBoxAnswer box("Disc Maker", nButton);
-        EXPECT_EQ(nButton == IDNO, SendMessageA(m_window, WM_QUERYENDSESSION, 0, 0));
+    const std::string launcher = m_temp.Path() + "\\a.exe";
+    CopyFileA(TEST_LAUNCHER, launcher.c_str(), TRUE);
+    const int answers[][2] = {{IDNO, 0}, {IDCANCEL, IDNO}, {IDCANCEL, IDYES}};
+    for (const auto &answer : answers) {
+        m_window.OnOpenFile(launcher.c_str());
+        m_window.Document().SetEntry(IDS_TITLE, "Kept");
+        const CBoxAnswer box("Disc Maker", answer[0], IDCANCEL, answer[1]);
+        EXPECT_EQ(answer[0] == IDNO, SendMessageA(m_window, WM_QUERYENDSESSION, 0, 0));
         EXPECT_EQ(1, box.Asked());
         const HWND hWnd = m_window;
         EndSession();
         EXPECT_FALSE(IsWindow(hWnd));
-        CSkin skin;
-        CCUString sPath, sFiles;
-        CRecovery recovery;
-        const bool bKept = recovery.Find(skin, sPath, sFiles);
-        EXPECT_EQ(nButton == IDCANCEL, bKept && TextOf(skin, IDS_TITLE) == "Kept");
+        m_window.Begin();
+        m_window.OfferRecovery();
+        EXPECT_EQ(answer[1] ? 3 : 1, box.Asked()) << "Escape is no answer";
+        const bool bTitle = m_window.Document().Entry(IDS_TITLE) == "Kept";
+        EXPECT_EQ(answer[1] == IDYES, bTitle && m_window.Document().IsModified());
+        EXPECT_EQ(answer[1] == IDYES, m_temp.Files("*.recovery").size() == 1);
+    }
+    for (const bool bHeld : {true, false}) {
+        const char *const pszHeld = bHeld ? launcher.c_str() : TEST_LAUNCHER;
+        const CCUFileHandle hHeld(CreateFileA(pszHeld, GENERIC_READ, FILE_SHARE_READ, nullptr,
+                                              OPEN_EXISTING, 0, nullptr));
+        const CBoxAnswer box("Disc Maker", IDYES, IDCANCEL);
+        SendMessageA(m_window, WM_CLOSE, 0, 0);
+        EXPECT_EQ(bHeld ? 2 : 1, box.Asked());
+        EXPECT_EQ(bHeld, m_window.Exist() && m_window.Document().IsModified());
+        EXPECT_EQ(bHeld, m_temp.Files("*.recovery").size() == 1);
+        CProblems problems;
+        EXPECT_EQ(bHeld ? "Fennick 4.1" : "Kept",
+                  TextOf(OpenSkin(launcher.c_str(), problems)->Skin(), IDS_TITLE));
     }
 }
 
@@ -252,13 +273,75 @@ TEST_F(CMakerTest, AsksBeforeASkinGoesOverFilesAndBeginsWhereItIs)
     EXPECT_EQ(other + "\\", chooser.m_first);
 }
 
-TEST_F(CMakerTest, SaysThatTheClipboardIsInUse)
+// Between lines, all of a skin, and in fields, with the system's clipboard.
+TEST_F(CMakerTest, CopiesAndPastesByTheKeyboard)
 {
-    const CFakeCall<BOOL(HWND)> open("OpenClipboard", [](HWND) {
-        SetLastError(ERROR_ACCESS_DENIED);
-        return FALSE;
-    });
-    const CBoxAnswer box("Copy", IDCANCEL);
-    SendMessageA(m_window, WM_COMMAND, ID_COPY_SKIN, 0);
-    EXPECT_EQ(1, box.Asked());
+    CDocument &document = m_window.Document();
+    CCanvas &canvas = m_window.Canvas();
+    document.Start(GoodSkin());
+    const auto press = [](WPARAM nKey, const char *pszBox = "Paste") {
+        const CBoxAnswer box(pszBox, IDCANCEL);
+        HoldKey(VK_CONTROL);
+        PressKey(nKey);
+        HoldKey(0);
+        return box.Asked();
+    };
+    SetFocus(canvas);
+    press('C');
+    document.SetPicture(PictureBullet, nullptr);
+    press('V');
+    ExpectSameSkin(GoodSkin(), document.Skin());
+    document.MarkSaved();
+    canvas.Select(ItemRun);
+    press('C');
+    canvas.Select(ItemHelp);
+    press('X');  // is for fields
+    press('V');
+    EXPECT_STREQ("Run", document.Entry(IDS_HELP));
+    EXPECT_STREQ("Tools\\Run.exe /x", document.Entry(IDS_HELP_COMMAND));
+    press('Z');
+    EXPECT_FALSE(document.IsModified()) << "one step, and no other place";
+    m_window.Properties().SelectEntry(IDS_RUN, true);
+    press('X');
+    EXPECT_STREQ("", document.Entry(IDS_RUN));
+    m_window.Properties().SelectEntry(IDS_TITLE, true);
+    press('V');
+    EXPECT_STREQ("Run", document.Entry(IDS_TITLE));
+    SetFocus(canvas);
+    const unsigned nRevision = document.Revision();
+    EXPECT_EQ(1, press('V')) << "no entry of a skin";
+    ASSERT_TRUE(OpenClipboard(m_window) && EmptyClipboard() && CloseClipboard());
+    EXPECT_EQ(0, press('V')) << "nothing";
+    press('C');
+    const CTestWindow other;
+    ASSERT_TRUE(OpenClipboard(other));
+    EXPECT_EQ(1, press('V'));
+    EXPECT_EQ(1, press('C', "Copy"));
+    CloseClipboard();
+    EXPECT_EQ(nRevision, document.Revision());
+}
+
+// Also where its row is selected already; what is about no entry leads nowhere.
+TEST_F(CMakerTest, GoesToTheProblemThatIsClickedTwice)
+{
+    CSkin skin = GoodSkin();
+    skin.m_texts.push_back({MAKELANGID(LANG_GREEK, SUBLANG_DEFAULT), skin.m_texts[0].m_entries});
+    skin.m_texts[1].m_entries[IDS_RUN_POS] = CWideText("600,140", 1252);
+    m_window.Document().Start(skin);
+    m_window.OnIdle();
+    for (const size_t nItem : {0, 1, 1}) {
+        m_window.Canvas().Select(ItemNone);
+        RECT row = {LVIR_LABEL, 0, 0, 0};
+        Send(List(), LVM_GETITEMRECT, nItem, reinterpret_cast<LPARAM>(&row));
+        const LPARAM at = MAKELPARAM(row.left + 2, row.top + 2);
+        MapWindowPoints(List(), nullptr, reinterpret_cast<POINT *>(&row), 1);
+        SetCursorPos(row.left + 2, row.top + 2);
+        for (const UINT message : {WM_LBUTTONDOWN, WM_LBUTTONUP, WM_LBUTTONDBLCLK, WM_LBUTTONUP})
+            PostMessageA(List(), message, 0, at);
+        PumpWaiting();
+        EXPECT_EQ(std::vector<FaceItem>(nItem, ItemRun), m_window.Canvas().Selection());
+        EXPECT_EQ(nItem == 1, m_window.Properties().Selected()->m_nID == IDS_RUN_POS);
+        EXPECT_EQ(nItem == 1, GetFocus() == GetDlgItem(m_window.Properties(), 1));
+        EXPECT_EQ(nItem, m_window.Document().Language());
+    }
 }

@@ -18,14 +18,7 @@ struct CGridWindow : CCUIWindow, CDocumentWatcher, CPropertyHost
     void OnPropertyButton(const PropertyRow &) override {}
 
     HWND Editor() { return GetDlgItem(m_grid, 1); }
-    void PressEscape()
-    {
-        MSG msg = {};
-        msg.hwnd = Editor();
-        msg.message = WM_KEYDOWN;
-        msg.wParam = VK_ESCAPE;
-        EXPECT_TRUE(m_grid.PreTranslateMessage(&msg));
-    }
+    void PressEscape() { EXPECT_TRUE(PressKey(VK_ESCAPE, Editor())); }
 
     CDocument m_document;
     CPropertyGrid m_grid;

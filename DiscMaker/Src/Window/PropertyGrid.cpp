@@ -38,10 +38,11 @@ int CPropertyGrid::OnCreate(CREATESTRUCTA *pCreate)
     m_edit.CreateControl(m_hWnd, ID_EDIT, "", ES_AUTOHSCROLL, &nowhere);
     SetWindowLongA(m_edit, GWL_EXSTYLE, 0);
     m_edit.SetFont(CUIGetWinData()->hMenuFont);
+    SendMessageA(m_edit, EM_SETMARGINS, EC_LEFTMARGIN, 0);  // in line with the other rows
     m_button.CreateControl(m_hWnd, ID_BUTTON, "...", &nowhere);
     ShowWindow(m_button, SW_HIDE);
     m_edit.Show(false);
-    m_cxNames = Scaled(112);
+    m_cxNames = Scaled(134);
     MeasureRows();
     return CCUIControlWindow::OnCreate(pCreate);
 }
@@ -263,6 +264,8 @@ void CPropertyGrid::SelectRow(int nRow)
         InvalidateRow(nRow);
         KeepBefore();
         LoadEditor(true);
+    } else {
+        m_host.OnPropertyRow(Row(nRow), true);
     }
     RECT client;
     GetClientRect(m_hWnd, &client);

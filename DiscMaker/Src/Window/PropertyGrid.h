@@ -12,7 +12,7 @@ class CPropertyGrid;
 class CPropertyHost
 {
 public:
-    // The selected row is another one, which the user has chosen (bChosen), or what it says has
+    // The user has chosen the selected row (bChosen), perhaps once more, or what it says has
     // changed.
     virtual void OnPropertyRow(const PropertyRow &row, bool bChosen) = 0;
     // Something is to be chosen for a row.
