@@ -145,7 +145,8 @@ TEST(Check, TellsEachMistake)
 TEST(Check, TellsThatThereAreNoTexts)
 {
     CSkin skin = GoodSkin();
-    for (const UINT nID : {IDS_CAPTION, IDS_TITLE, IDS_HELP, IDS_RUN, IDS_SETUP, IDS_EXIT}) {
+    const UINT lines[] = {IDS_CAPTION, IDS_TITLE, IDS_HELP, IDS_RUN, IDS_SETUP, IDS_EXIT};
+    for (const UINT nID : lines) {
         skin.m_texts[0].m_entries.erase(nID);
         EXPECT_EQ(std::string::npos, Lines(skin, "").find("are all empty"));
     }
