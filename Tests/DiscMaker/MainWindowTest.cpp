@@ -169,6 +169,14 @@ TEST_F(CMakerTest, KeepsWhatIsNotSavedWhenTheSessionEnds)
         EXPECT_EQ(answer[1] == IDYES, bTitle && m_window.Document().IsModified());
         EXPECT_EQ(answer[1] == IDYES, m_temp.Files("*.recovery").size() == 1);
     }
+    EndSession();
+    m_window.Begin();
+    PostMessageA(m_window, WM_ENDSESSION, TRUE, 0);
+    m_window.OfferRecovery();
+    EXPECT_FALSE(m_window.Exist()) << "the session ends while it asks";
+    EndSession();
+    m_window.Begin();
+    Restore();
     for (const bool bHeld : {true, false}) {
         const char *const pszHeld = bHeld ? launcher.c_str() : TEST_LAUNCHER;
         const CCUFileHandle hHeld(CreateFileA(pszHeld, GENERIC_READ, FILE_SHARE_READ, nullptr,

@@ -46,10 +46,15 @@ void CMainWindow::OfferRecovery()
                        MB_ICONQUESTION);
     box.AddButton(IDYES, "&Restore");
     box.AddButton(IDNO, "&Discard");
-    if (box.DoModal(this) != IDYES) {
+    m_bOffering = true;
+    const int nAnswer = box.DoModal(this);
+    m_bOffering = false;
+    if (nAnswer == IDNO)
         m_recovery.Forget();
+    else if (nAnswer != IDYES)
+        m_recovery.Leave();
+    if (nAnswer != IDYES)
         return;
-    }
     CProblems problems;
     std::unique_ptr<CSkinFile> file;
     if (!sPath.IsEmpty())
@@ -287,6 +292,10 @@ std::unique_ptr<CSkinFile> CMainWindow::OpenLauncher(bool bAsk)
 // The window goes. Who was not asked, or did not answer, finds the skin at the next start.
 void CMainWindow::LeaveOrForget()
 {
+    if (m_bOffering) {
+        m_recovery.Leave();
+        return;
+    }
     if (!m_document.IsModified() || m_nDiscarded == m_document.Revision()) {
         m_recovery.Forget();
         return;

@@ -142,6 +142,7 @@ private:
     unsigned m_nChecked = 0;    // revision whose problems are shown
     unsigned m_nKept = 0;       // revision that is kept in case of a crash
     unsigned m_nDiscarded = 0;  // revision that the user does not want; 0: none
+    bool m_bOffering = false;   // asks about what a crash has left behind
     bool m_bCheck = true;
     bool m_bRealizing = false;  // the screen gets the background's colours
     bool m_bFollowing = false;  // canvas and properties just select what the other has
