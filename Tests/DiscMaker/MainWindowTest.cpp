@@ -337,15 +337,15 @@ TEST_F(CMakerTest, GoesToTheProblemThatIsClickedTwice)
     skin.m_texts[1].m_entries[IDS_RUN_POS] = CWideText("600,140", 1252);
     m_window.Document().Start(skin);
     m_window.OnIdle();
-    for (const size_t nItem : {0, 1, 1}) {
+    for (const size_t nItem : {0U, 1U, 1U}) {
         m_window.Canvas().Select(ItemNone);
         RECT row = {LVIR_LABEL, 0, 0, 0};
         Send(List(), LVM_GETITEMRECT, nItem, reinterpret_cast<LPARAM>(&row));
         const LPARAM at = MAKELPARAM(row.left + 2, row.top + 2);
         MapWindowPoints(List(), nullptr, reinterpret_cast<POINT *>(&row), 1);
         SetCursorPos(row.left + 2, row.top + 2);
-        for (const UINT message : {WM_LBUTTONDOWN, WM_LBUTTONUP, WM_LBUTTONDBLCLK, WM_LBUTTONUP})
-            PostMessageA(List(), message, 0, at);
+        for (const int nMessage : {WM_LBUTTONDOWN, WM_LBUTTONUP, WM_LBUTTONDBLCLK, WM_LBUTTONUP})
+            PostMessageA(List(), static_cast<UINT>(nMessage), 0, at);
         PumpWaiting();
         EXPECT_EQ(std::vector<FaceItem>(nItem, ItemRun), m_window.Canvas().Selection());
         EXPECT_EQ(nItem == 1, m_window.Properties().Selected()->m_nID == IDS_RUN_POS);
