@@ -158,9 +158,17 @@ TEST(SystemControls, LeaveWindowsOfOtherThreadsAndProgramsAlone)
     EXPECT_FALSE(CCUIEdit().Bind(bar, 20));
     EXPECT_FALSE(CCUIControl().ReplaceControl(bar, 20));
     CCUIWindow().Attach(hWnd);
-    CThreads::Run(
-        1, [&](int) { EXPECT_FALSE(CCUIEdit().Bind(parent, 14)); }, PumpWaiting);
-    EXPECT_EQ(6, std::count(dumped.m_text.begin(), dumped.m_text.end(), '\n')) << dumped.m_text;
+    const auto take = [&](int) {
+        CTestPopup elsewhere;
+        CCUIControlBar late;
+        late.CreateBar(elsewhere, 15);
+        late.AddControl(edit, 0);
+        elsewhere.Destroy();
+        EXPECT_FALSE(CCUIEdit().Bind(parent, 14));
+    };
+    CThreads::Run(1, take, PumpWaiting);
+    EXPECT_EQ(parent.GetHandle(), GetParent(edit));
+    EXPECT_EQ(7, std::count(dumped.m_text.begin(), dumped.m_text.end(), '\n')) << dumped.m_text;
     // What a layout is to read of it is in its own program.
     CCUILayoutWindow layout(CCUILayoutWindow::Column);
     layout.Create(nullptr, "", WS_CHILD, {0, 0, 50, 50}, parent, 13);

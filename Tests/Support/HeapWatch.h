@@ -4,14 +4,18 @@
 #include <stdlib.h>
 #include <string.h>
 
+#include <algorithm>
+#include <utility>
+
 #include "../../CU/Src/Text/StringBlock.h"
 #include "Support/ImportHook.h"
 
 // Stands in for the heap of this program, on all threads: counts the blocks, puts them right
 // before pages that nobody may touch, so that a byte too far is a crash, and overwrites what is
 // given back, so that text read from a dead block is seen to be wrong. The up to three bytes
-// between a block and its page are looked at when it is freed. What is larger than a slot, or
-// comes when all are taken, goes to the ordinary heap.
+// between a block and its page are looked at when it is freed, and a dead block, which no other
+// takes the place of for a while, when one does and at the end: nobody may have written there.
+// What is larger than a slot, or comes when all are taken, goes to the ordinary heap.
 class CHeapWatch
 {
 public:
@@ -33,6 +37,12 @@ public:
     }
     ~CHeapWatch()
     {
+        for (int i = 0; i < SLOTS; ++i) {
+            if (s_nSizes[i] == 0)
+                CheckSlot(i);
+        }
+        for (void *&pDead : s_dead)
+            Bury(std::exchange(pDead, nullptr));
         g_nBlockKeeper = GetCurrentThreadId();
         g_bBlocksAreMalloced = true;
     }
@@ -49,7 +59,9 @@ private:
         PAGE = 4096,
         SLOT_SIZE = 1 << 18,
         SLOTS = 12,
-        SLACK = 0xA5
+        GRAVES = 64,
+        SLACK = 0xA5,
+        DEAD = 0xDD
     };
 
     static char *Slot(int i) { return s_base + i * (SLOT_SIZE + PAGE); }
@@ -59,14 +71,33 @@ private:
         const char *block = static_cast<const char *>(p);
         return block < s_base || block >= Slot(SLOTS) ? -1 : (block - s_base) / (SLOT_SIZE + PAGE);
     }
+    static void CheckDead(const void *p, size_t nSize)
+    {
+        const auto *const pBytes = static_cast<const BYTE *>(p);
+        if (std::any_of(pBytes, pBytes + nSize, [](BYTE n) { return n != DEAD; }))
+            abort();
+    }
+    // What the last block left there.
+    static void CheckSlot(int i)
+    {
+        CheckDead(Slot(i) + SLOT_SIZE - s_nDeadSizes[i], s_nDeadSizes[i]);
+    }
+    static void Bury(void *p)
+    {
+        if (p)
+            CheckDead(p, _msize(p));
+        s_free(p);
+    }
     static void *__cdecl Malloc(size_t nSize)
     {
         InterlockedIncrement(&s_nMade);
         s_nLargest = nSize > s_nLargest ? nSize : s_nLargest;
         for (int i = 0; i < SLOTS && nSize <= SLOT_SIZE; ++i) {
             const LONG nLength = static_cast<LONG>(nSize);
-            if (InterlockedCompareExchange(&s_nSizes[i], nLength, 0) == 0)
-                return memset(Slot(i) + SLOT_SIZE - Rounded(nSize), SLACK, Rounded(nSize));
+            if (InterlockedCompareExchange(&s_nSizes[i], nLength, 0) != 0)
+                continue;
+            CheckSlot(i);
+            return memset(Slot(i) + SLOT_SIZE - Rounded(nSize), SLACK, Rounded(nSize));
         }
         return s_malloc(nSize);
     }
@@ -84,22 +115,27 @@ private:
         if (!p)
             return;
         InterlockedIncrement(&s_nFreed);
-        if (SlotOf(p) < 0) {
-            memset(p, 0xDD, _msize(p));
-            s_free(p);
+        const int nSlot = SlotOf(p);
+        if (nSlot < 0) {
+            memset(p, DEAD, _msize(p));
+            const LONG nGrave = InterlockedIncrement(&s_nDead) & (GRAVES - 1);
+            Bury(InterlockedExchangePointer(&s_dead[nGrave], p));
             return;
         }
-        const size_t nSize = static_cast<size_t>(s_nSizes[SlotOf(p)]);
+        const size_t nSize = static_cast<size_t>(s_nSizes[nSlot]);
         if (memcmp(static_cast<char *>(p) + nSize, "\xA5\xA5\xA5", Rounded(nSize) - nSize) != 0)
             abort();
-        memset(p, 0xDD, nSize);
-        InterlockedExchange(&s_nSizes[SlotOf(p)], 0);
+        memset(p, DEAD, Rounded(nSize));
+        s_nDeadSizes[nSlot] = Rounded(nSize);
+        InterlockedExchange(&s_nSizes[nSlot], 0);
     }
 
     inline static void *(__cdecl *s_malloc)(size_t);
     inline static void(__cdecl *s_free)(void *);
     inline static char *s_base = nullptr;
     inline static LONG s_nSizes[SLOTS] = {}, s_nMade = 0, s_nFreed = 0;
-    inline static size_t s_nLargest = 0;
+    inline static size_t s_nLargest = 0, s_nDeadSizes[SLOTS] = {};
+    inline static void *s_dead[GRAVES] = {};
+    inline static LONG s_nDead = 0;
     CImportHook m_malloc{"malloc", Malloc}, m_realloc{"realloc", Realloc}, m_free{"free", Free};
 };
