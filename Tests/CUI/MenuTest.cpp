@@ -212,12 +212,13 @@ TEST(Menu, FollowsSettingsThatChangeWhileItIsOpenWhenItOpensAgain)
     large.lfMenuFont.lfHeight = -60;
     const int nIndex = COLOR_MENU;
     const COLORREF crOld = GetSysColor(nIndex), crNew = 0x00FF00;
+    // What is seen of it before they change.
     const auto open = [&](NONCLIENTMETRICSA &metrics, COLORREF cr) {
-        RECT at = {};
+        CPixelMap map;
         window.m_on[WM_ENTERIDLE] = [&] {
             window.m_on.clear();
             const HWND hPopup = FindWindowA("#32768", nullptr);
-            GetWindowRect(hPopup, &at);
+            map = WindowPixels(hPopup);
             SystemParametersInfoA(SPI_SETNONCLIENTMETRICS, 340, &metrics, 0);
             Send(window, WM_SETTINGCHANGE, SPI_SETNONCLIENTMETRICS);
             SetSysColors(1, &nIndex, &cr);
@@ -226,18 +227,13 @@ TEST(Menu, FollowsSettingsThatChangeWhileItIsOpenWhenItOpensAgain)
         };
         POINT point = {50, 50};
         window.DisplayPopupMenu(&menu, 0, point, nullptr);
-        return SIZE{at.right - at.left, at.bottom - at.top};
+        return map;
     };
-    const SIZE before = open(large, crNew);
-    OpenMenu(window, menu.GetHandle());
-    const CPixelMap changed = Draw(window, menu.GetHandle(), 0, 0);
-    const SIZE grown = open(old, crOld);
-    EXPECT_EQ(crNew, changed.At(0, 0));
+    const CPixelMap before = open(large, crNew), grown = open(old, crOld);
+    EXPECT_EQ(OnScreen(crNew), grown.At(4, grown.cy / 2));
     EXPECT_LE(before.cx + 120, grown.cx);
     EXPECT_LE(before.cy + 30, grown.cy);
-    const SIZE after = open(old, crOld);
-    EXPECT_EQ(Text("%ld %ld", before.cx, before.cy), Text("%ld %ld", after.cx, after.cy));
-    EXPECT_EQ(crOld, Draw(window, menu.GetHandle(), 0, 0).At(0, 0));
+    EXPECT_EQ(before, open(old, crOld));
 }
 
 TEST(Menu, ShowsTheShortcutsOfItsWindowsInAColumnOfTheirOwn)
