@@ -396,6 +396,12 @@ TEST(LauncherFile, LosesNothingWhenItCannotSave)
     file->OverwriteChanges(true);
     EXPECT_TRUE(file->Save(skin, path.c_str(), problems));
     EXPECT_EQ("Other", TextOf(OpenSkin(path.c_str(), problems)->Skin(), IDS_TITLE));
+    // Kept and taken up again; the user may spell the name in another way.
+    const std::string same = directory.Path() + "\\A.EXE";
+    for (const CCUString &sKnown : {CCUString(), file->KnownFiles()}) {
+        file->RecallFiles(sKnown);
+        EXPECT_EQ(!sKnown.IsEmpty(), file->Save(skin, same.c_str(), problems)) << sKnown;
+    }
 }
 
 // Beyond what Windows takes in the narrow form.
