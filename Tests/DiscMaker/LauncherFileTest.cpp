@@ -349,10 +349,7 @@ TEST(LauncherFile, LosesNothingWhenItCannotSave)
     };
     {
         CFakeCall<BOOL(HANDLE, const void *, DWORD, DWORD *, OVERLAPPED *)> full(
-            "WriteFile", [](HANDLE, const void *, DWORD, DWORD *, OVERLAPPED *) {
-                SetLastError(ERROR_DISK_FULL);
-                return FALSE;
-            });
+            "WriteFile", [](auto...) { return SetLastError(ERROR_DISK_FULL), FALSE; });
         ExpectFailure("the disk is full");
     }
     {
@@ -379,10 +376,7 @@ TEST(LauncherFile, LosesNothingWhenItCannotSave)
             CreateFileA(path.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_DELETE, nullptr,
                         OPEN_EXISTING, 0, nullptr);
         CFakeCall<BOOL(const WCHAR *, const WCHAR *, DWORD)> replace(
-            "MoveFileExW", [](const WCHAR *, const WCHAR *, DWORD) {
-                SetLastError(ERROR_ACCESS_DENIED);
-                return FALSE;
-            });
+            "MoveFileExW", [](auto...) { return SetLastError(ERROR_ACCESS_DENIED), FALSE; });
         ExpectFailure("if it runs");
         CloseHandle(runs);
     }
