@@ -331,6 +331,14 @@ TEST(FrameWindow, ClosesAnOpenMenuBeforeItChanges)
         Click(frame.m_bars[0], 37, 8);
         PumpWaiting();
         EXPECT_EQ("open ", frame.Told()) << "the bar's own menu";
+        frame.SetFullScreen(false);
+        ShowWindow(frame, SW_RESTORE);
+        PostMessageA(frame, WM_APP, 0, 0);
+        const HWND hOwned = CreateWindowExA(0, "STATIC", "", WS_OVERLAPPEDWINDOW | WS_VISIBLE, 0, 0,
+                                            99, 99, frame, nullptr, nullptr, nullptr);
+        TrackPopupMenu(own.GetHandle(), 0, 9, 9, 0, hOwned, nullptr);
+        PumpWaiting();
+        EXPECT_EQ("open ", frame.Told()) << "that of a window that it owns";
     }
 }
 

@@ -349,10 +349,7 @@ TEST(LauncherFile, LosesNothingWhenItCannotSave)
     };
     {
         CFakeCall<BOOL(HANDLE, const void *, DWORD, DWORD *, OVERLAPPED *)> full(
-            "WriteFile", [](HANDLE, const void *, DWORD, DWORD *, OVERLAPPED *) {
-                SetLastError(ERROR_DISK_FULL);
-                return FALSE;
-            });
+            "WriteFile", [](auto...) { return SetLastError(ERROR_DISK_FULL), FALSE; });
         ExpectFailure("the disk is full");
     }
     {
@@ -379,10 +376,7 @@ TEST(LauncherFile, LosesNothingWhenItCannotSave)
             CreateFileA(path.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_DELETE, nullptr,
                         OPEN_EXISTING, 0, nullptr);
         CFakeCall<BOOL(const WCHAR *, const WCHAR *, DWORD)> replace(
-            "MoveFileExW", [](const WCHAR *, const WCHAR *, DWORD) {
-                SetLastError(ERROR_ACCESS_DENIED);
-                return FALSE;
-            });
+            "MoveFileExW", [](auto...) { return SetLastError(ERROR_ACCESS_DENIED), FALSE; });
         ExpectFailure("if it runs");
         CloseHandle(runs);
     }
@@ -396,6 +390,12 @@ TEST(LauncherFile, LosesNothingWhenItCannotSave)
     file->OverwriteChanges(true);
     EXPECT_TRUE(file->Save(skin, path.c_str(), problems));
     EXPECT_EQ("Other", TextOf(OpenSkin(path.c_str(), problems)->Skin(), IDS_TITLE));
+    // Kept and taken up again; the user may spell the name in another way.
+    const std::string same = directory.Path() + "\\A.EXE";
+    for (const CCUString &sKnown : {CCUString(), file->KnownFiles()}) {
+        file->RecallFiles(sKnown);
+        EXPECT_EQ(!sKnown.IsEmpty(), file->Save(skin, same.c_str(), problems)) << sKnown;
+    }
 }
 
 // Beyond what Windows takes in the narrow form.

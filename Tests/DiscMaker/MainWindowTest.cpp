@@ -9,6 +9,7 @@
 #include "File/PictureFile.h"
 #include "Model/SkinBytes.h"
 #include "Support/BoxAnswer.h"
+#include "Support/FailingCall.h"
 #include "Support/ImportHook.h"
 #include "Support/TestSettings.h"
 #include "Support/TestTimer.h"
@@ -120,11 +121,7 @@ TEST_F(CMakerTest, KeepsWhatIsTypedWithoutALauncherToBeginWith)
     EXPECT_STREQ("Title", document.Entry(IDS_TITLE));
     m_window.OnIdle();
     char szWhat[100] = "";
-    LVITEMA item = {};
-    item.iSubItem = 2;
-    item.pszText = szWhat;
-    item.cchTextMax = sizeof szWhat;
-    SendMessageA(List(), LVM_GETITEMTEXTA, 0, reinterpret_cast<LPARAM>(&item));
+    ListView_GetItemText(List(), 0, 2, szWhat, sizeof szWhat);
     EXPECT_EQ(std::string("There is no launcher beside Disc Maker"), std::string(szWhat, 38));
 }
 
@@ -143,7 +140,25 @@ TEST_F(CMakerTest, KeepsForACrashWhatIsNotSavedAndNoMore)
     m_window.Document().Undo();
     EXPECT_EQ(0U, Kept());
     m_window.Document().Redo();
-    EXPECT_EQ(1U, Kept());
+    const CFailingCall<BOOL(HANDLE)> flush("FlushFileBuffers");
+    const auto Problems = [&] {
+        m_window.OnIdle();
+        return ListView_GetItemCount(List());
+    };
+    const int nProblems = Problems();
+    for (const bool bSaved : {false, true}) {
+        m_window.Document().SetEntry(IDS_TITLE, bSaved ? "Saved" : "Not saved");
+        CFailPlan::Start(CFailPlan::ALL);
+        EXPECT_EQ(bSaved ? 1U : 0U, Kept());
+        CFailPlan::Start(0);
+        if (bSaved) {
+            EXPECT_EQ(nProblems + 1, Problems());
+            m_window.Document().MarkSaved();
+        }
+        clock.Run(5000);
+        EXPECT_EQ(bSaved ? 0U : 1U, m_temp.Files("*").size()) << "with nobody there";
+        EXPECT_EQ(nProblems, Problems());
+    }
 }
 
 // Windows ends a session in spite of a question that is open. What is left is offered, and saved

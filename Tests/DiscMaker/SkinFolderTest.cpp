@@ -265,12 +265,15 @@ TEST(SkinFolder, WritesPicturesBesideTheScript)
     const std::string copy = both.m_directory.Path() + "\\copy";
     EXPECT_TRUE(both.Open()->SaveCopy(both.Open()->Skin(), copy.c_str(), problems));
     ExpectSameSkin(OpenSkin(copy.c_str(), problems)->Skin(), both.Open()->Skin());
-    // Somebody else draws meanwhile.
+    // Somebody else draws and writes meanwhile; what that was goes if it is wished.
     WriteFileBytes(shared.m_directory.Path() + "\\a.bmp", "BM drawn anew, with many bytes.");
-    SetText(skin, IDS_TITLE, "T");
+    WriteFileBytes(shared.Path(), Contents(shared.Path()) + "STRINGTABLE { 28 \"T\" }\n");
     problems.clear();
     EXPECT_FALSE(file->Save(skin, shared.Path().c_str(), problems));
     EXPECT_TRUE(strstr(Lines(problems).c_str(), "a.bmp: Another program has changed"));
+    file->OverwriteChanges(true);
+    EXPECT_TRUE(file->Save(skin, shared.Path().c_str(), problems));
+    ExpectSameSkin(shared.Open()->Skin(), skin);
 }
 
 TEST(SkinFolder, IsNotWrittenElsewhereWithoutItsHeader)

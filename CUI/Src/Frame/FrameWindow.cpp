@@ -272,8 +272,11 @@ bool CCUIFrameWindow::CloseMenu()
     CWatch watch(this);
     const HWND hOwner = MenuOwner();
     HWND hWnd = hOwner;
-    while (hWnd && hWnd != m_hWnd)
-        hWnd = GetParent(hWnd);
+    while (hWnd && hWnd != m_hWnd) {
+        // Of an owned window that is no popup GetParent does not tell the owner.
+        const HWND hOwns = GetWindow(hWnd, GW_OWNER);
+        hWnd = hOwns ? hOwns : GetParent(hWnd);
+    }
     if (hWnd)
         SendMessageA(hOwner, WM_CANCELMODE, 0, 0);
     return !watch.IsGone() && m_hWnd;

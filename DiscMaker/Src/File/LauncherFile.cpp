@@ -310,7 +310,7 @@ bool CLauncherFile::SaveCopy(const CSkin &skin, const CCUString &sPath, CProblem
 
 bool CLauncherFile::Save(const CSkin &skin, const CCUString &sPath, CProblems &problems)
 {
-    if (IsSamePath(sPath, m_sPath) && IsChanged(sPath, m_bytes, problems))
+    if (IsSamePath(sPath, m_sPath) && IsChanged(m_sPath, m_bytes, problems))
         return false;
     const auto changed = Changed(skin, problems);
     if (!changed)

@@ -205,8 +205,11 @@ void CSkinFolder::AddPicture(int nFile, const CBlob &picture, const CCUString &s
             editor.SetPicture(nFile == ICON, FILE_IDS[nFile], "");
         return;
     }
-    // One that somebody has deleted meanwhile is written again.
-    if (!bChanged && !bElsewhere && FileExists(PathOf(old.m_sName)))
+    // One that somebody has deleted meanwhile is written again, and one that somebody has changed
+    // where that is wished.
+    const CCUString sNow = PathOf(old.m_sName);
+    if (!bChanged && !bElsewhere &&
+        (m_bOverwrite ? SameBytes(ReadFileBytes(sNow), old.m_bytes) : FileExists(sNow)))
         return;
     // Whatever shares a file goes on sharing it until it is another picture.
     const bool bKeepsName =
@@ -260,7 +263,7 @@ bool CSkinFolder::Write(const CSkin &skin, const CCUString &sScript, CProblems &
     const std::vector<BYTE> script = editor.Finish();
     if (!Check(script, skin, problems))
         return false;
-    if (!IsSamePath(sScript, m_sPath) || !SameBytes(MakeBlob(script), m_bytes) ||
+    if (m_bOverwrite || !IsSamePath(sScript, m_sPath) || !SameBytes(MakeBlob(script), m_bytes) ||
         !FileExists(sScript))
         files.Add(sScript, MakeBlob(script));
     return files.Commit(problems);

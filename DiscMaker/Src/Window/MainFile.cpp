@@ -87,10 +87,9 @@ bool CMainWindow::OpenPath(const CCUString &sPath, bool bUntitled)
     m_bUntitled = bUntitled;
     m_fileProblems = problems;
     m_bCheck = true;
-    m_recovery.Forget();
     m_canvas.Select(ItemNone);
     m_document.Start(m_file->Skin());
-    m_nKept = m_document.Revision();
+    KeepForCrash();  // nothing more
     if (!bUntitled)
         m_recent.Add(sPath);
     ShowName();
@@ -308,17 +307,17 @@ void CMainWindow::KeepForCrash()
 {
     if (m_nKept == m_document.Revision())
         return;
-    if (!m_document.IsModified()) {
-        // Undone to what is saved.
-        m_recovery.Forget();
-        m_nKept = m_document.Revision();
-        return;
-    }
-    const bool bFile = m_file && !m_bUntitled;
-    const CCUString sPath = bFile ? m_file->Path() : CCUString();
-    const CCUString sFiles = bFile ? m_file->KnownFiles() : CCUString();
     CProblems problems;
-    if (m_recovery.Keep(m_document.Skin(), sPath, sFiles, problems))
+    bool bDone = true;
+    if (m_document.IsModified()) {
+        const bool bFile = m_file && !m_bUntitled;
+        const CCUString sPath = bFile ? m_file->Path() : CCUString();
+        const CCUString sFiles = bFile ? m_file->KnownFiles() : CCUString();
+        bDone = m_recovery.Keep(m_document.Skin(), sPath, sFiles, problems);
+    } else {
+        m_recovery.Forget();
+    }
+    if (bDone)
         m_nKept = m_document.Revision();
     if (problems.empty() == m_keepProblems.empty())
         return;

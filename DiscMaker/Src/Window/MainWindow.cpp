@@ -178,6 +178,9 @@ long CMainWindow::OnMessage(UINT message, WPARAM wParam, LPARAM lParam)
 void CMainWindow::TimeOut(long)
 {
     KeepForCrash();
+    // What could not be written may be some time later, whether anybody does anything or not.
+    if (m_nKept != m_document.Revision())
+        SetAlarm(KEEP_AFTER);
 }
 
 // --- Commands ---
