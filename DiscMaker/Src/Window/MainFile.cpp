@@ -323,4 +323,6 @@ void CMainWindow::KeepForCrash()
         return;
     m_keepProblems = problems;
     m_bCheck = true;
+    // Shown in the idle pass, which the timer does not bring about.
+    PostMessageA(m_hWnd, WM_NULL, 0, 0);
 }
