@@ -64,11 +64,15 @@ protected:
     }
 };
 
-}  // namespace
-
-TEST(Control, IsPressedWhileMouseOrKeyHoldItAndClicksWhenTheyLetGo)
+struct Control : testing::Test
 {
     CParent parent;
+};
+
+}  // namespace
+
+TEST_F(Control, IsPressedWhileMouseOrKeyHoldItAndClicksWhenTheyLetGo)
+{
     CButton button(parent);
     const LPARAM in = MAKELPARAM(5, 5), out = MAKELPARAM(-5, 5);
     const std::map<char, std::array<long, 3>> messages = {
@@ -97,9 +101,8 @@ TEST(Control, IsPressedWhileMouseOrKeyHoldItAndClicksWhenTheyLetGo)
     EXPECT_EQ("D!<>!U5 .D!<u.U.D!oU.D!eU.S!S!s5 .S!xs.S!fs.2!U5 .r5 .", record);
 }
 
-TEST(Control, IsHotWithATipAndHelpWhileTheMouseIsOverIt)
+TEST_F(Control, IsHotWithATipAndHelpWhileTheMouseIsOverIt)
 {
-    CParent parent;
     parent.RouteCommands(true);
     parent.m_on[WM_MENUSELECT] = [&] {
         return parent.m_told += Text("help%d ", SHORT(parent.m_wParam)), 0;
@@ -142,7 +145,7 @@ TEST(Control, IsHotWithATipAndHelpWhileTheMouseIsOverIt)
     EXPECT_EQ(nullptr, pButton);
 }
 
-TEST(Control, FollowsItsCommandAndRepaintsOnlyWhatChanged)
+TEST_F(Control, FollowsItsCommandAndRepaintsOnlyWhatChanged)
 {
     CReports reports;
     CTestPopup frame;
@@ -181,7 +184,7 @@ TEST(Control, FollowsItsCommandAndRepaintsOnlyWhatChanged)
     EXPECT_EQ(0, reports.Total());
 }
 
-TEST(Control, MayBeDeletedByItsOwnCommand)
+TEST_F(Control, MayBeDeletedByItsOwnCommand)
 {
     CTestPopup frame;
     frame.RouteCommands(true);
@@ -260,14 +263,13 @@ std::string PlayDialog(bool bOurs)
 
 }  // namespace
 
-TEST(Control, DoesInADialogWhatTheSystemsButtonsDo)
+TEST_F(Control, DoesInADialogWhatTheSystemsButtonsDo)
 {
     EXPECT_EQ(PlayDialog(false), PlayDialog(true));
 }
 
-TEST(Control, MnemonicsWorkOutsideOfDialogs)
+TEST_F(Control, MnemonicsWorkOutsideOfDialogs)
 {
-    CParent parent;
     CButton a(parent, 5, CUI_BUTTON_PUSH, "&Go"), b(parent, 6, CUI_BUTTON_PUSH, "&Same"),
         c(parent, 7, CUI_BUTTON_CHECK, "&Same && more");
     MakePlain("STATIC", parent, 0, WS_VISIBLE | WS_TABSTOP, "&Name");
@@ -290,11 +292,10 @@ TEST(Control, MnemonicsWorkOutsideOfDialogs)
     EXPECT_EQ("g1 @5 5 S1 @6 s1 @7 s1 @6 m0 @6 n1 @9 l1 @1000 1000 ", record);
 }
 
-TEST(Control, RepeatsAsTheKeyboardDoesWhileItIsHeldDown)
+TEST_F(Control, RepeatsAsTheKeyboardDoesWhileItIsHeldDown)
 {
     CFakeClock clock;
     PassStartTick(clock);
-    CParent parent;
     CButton button(parent, 5, CUI_BUTTON_REPEAT);
     DWORD nDelay = 0, nSpeed = 0;
     SystemParametersInfoA(SPI_GETKEYBOARDDELAY, 0, &nDelay, 0);
@@ -312,7 +313,7 @@ TEST(Control, RepeatsAsTheKeyboardDoesWhileItIsHeldDown)
     EXPECT_EQ(0u, clicks(5 * nNext));
 }
 
-TEST(Control, OpensItsMenuBelowAndStaysDownMeanwhile)
+TEST_F(Control, OpensItsMenuBelowAndStaysDownMeanwhile)
 {
     CTestPopup frame;
     CTestCommand command(1001);
@@ -365,10 +366,9 @@ TEST(Control, OpensItsMenuBelowAndStaysDownMeanwhile)
     }
 }
 
-TEST(Control, DrawsEachStateAndWhatIsBehind)
+TEST_F(Control, DrawsEachStateAndWhatIsBehind)
 {
     const COLORREF crBehind = RGB(0, 128, 0);
-    CParent parent;
     parent.m_on[WM_CTLCOLORSTATIC] = [&] {
         SetBkColor(reinterpret_cast<HDC>(parent.m_wParam), crBehind);
         static const HBRUSH s_hBehind = CreateSolidBrush(crBehind);
@@ -422,9 +422,8 @@ TEST(Control, DrawsEachStateAndWhatIsBehind)
     });
 }
 
-TEST(Control, HasItsPictureBesideTheTextWhereItIsToBe)
+TEST_F(Control, HasItsPictureBesideTheTextWhereItIsToBe)
 {
-    CParent parent;
     CPixelMap strip(32, 16, 0xFF00FF);
     strip.Set(16, 0, 0x0000FF);  // at the corner of the second one
     CTestSurface surface(CPixelMap(1, 1));
@@ -487,16 +486,18 @@ TEST(Control, HasItsPictureBesideTheTextWhereItIsToBe)
     EXPECT_EQ(0, button.Picture().Count(0x0000FF));
 }
 
-TEST(Control, IsMirroredAllButItsText)
+TEST_F(Control, IsMirroredAllButItsText)
 {
-    CParent parent;
     std::vector<int> columns[2];  // where the text's pixels lie, from column to column
     for (const bool bMirrored : {false, true}) {
         SetWindowLongA(parent, GWL_EXSTYLE, bMirrored ? 0x00400000 : 0);
         CButton button(parent, 5, CUI_BUTTON_CHECK, "FL");
-        UpdateWindow(button);
         const LONG x = RectOf(parent).left + (bMirrored ? 110 : 37), y = RectOf(parent).top + 20;
-        const CPixelMap map = WindowPixels(nullptr, {x, y, x + 63, y + 30});  // all but the mark
+        CPixelMap map;  // all but the mark, once the screen has it
+        EXPECT_TRUE(PumpUntil([&] {
+            map = WindowPixels(nullptr, {x, y, x + 63, y + 30});
+            return map.At(0, 0) == OnScreen(GetSysColor(COLOR_BTNFACE));
+        }));
         for (int i = 0; i < 63 * 30; ++i) {
             if (map.At(i / 30, i % 30) == GetSysColor(COLOR_BTNTEXT))
                 columns[bMirrored].push_back(i % 30);

@@ -58,12 +58,16 @@ CCUISystemControl *(*const KINDS[])() = {
     Make<CCUIScrollBar>,  Make<CCUIProgressBar>, Make<CCUITrackBar>, Make<CCUISpinButton>,
     Make<CCUITabControl>, Make<CCUITreeView>,    Make<CCUIListView>};
 
+struct SystemControls : testing::Test
+{
+    CTestPopup parent;
+};
+
 }  // namespace
 
-TEST(SystemControls, AreControlWindowsThatGoWithTheirObjectsOrStay)
+TEST_F(SystemControls, AreControlWindowsThatGoWithTheirObjectsOrStay)
 {
     CReports reports;
-    CTestPopup parent;
     for (const auto make : KINDS) {
         std::unique_ptr<CCUISystemControl> pControl(make()), pBound(make()), pOther(make());
         CCUISystemControl &control = *pControl;
@@ -141,10 +145,9 @@ CHILD_PROCESS(Lender)
 
 }  // namespace
 
-TEST(SystemControls, LeaveWindowsOfOtherThreadsAndProgramsAlone)
+TEST_F(SystemControls, LeaveWindowsOfOtherThreadsAndProgramsAlone)
 {
     CDumped dumped;
-    CTestPopup parent;
     CCUIControlBar bar, other;
     const CMade<CCUIEdit> edit(parent, 14);
     bar.CreateBar(parent, 11);
@@ -158,9 +161,13 @@ TEST(SystemControls, LeaveWindowsOfOtherThreadsAndProgramsAlone)
     EXPECT_FALSE(CCUIEdit().Bind(bar, 20));
     EXPECT_FALSE(CCUIControl().ReplaceControl(bar, 20));
     CCUIWindow().Attach(hWnd);
-    CThreads::Run(
-        1, [&](int) { EXPECT_FALSE(CCUIEdit().Bind(parent, 14)); }, PumpWaiting);
-    EXPECT_EQ(6, std::count(dumped.m_text.begin(), dumped.m_text.end(), '\n')) << dumped.m_text;
+    const auto take = [&](int) {
+        EXPECT_FALSE(CCUIEdit().Bind(parent, 14));
+        bar.AddControl(edit, 0);
+    };
+    CThreads::Run(1, take, PumpWaiting);
+    EXPECT_EQ(parent.GetHandle(), GetParent(edit));
+    EXPECT_EQ(7, std::count(dumped.m_text.begin(), dumped.m_text.end(), '\n')) << dumped.m_text;
     // What a layout is to read of it is in its own program.
     CCUILayoutWindow layout(CCUILayoutWindow::Column);
     layout.Create(nullptr, "", WS_CHILD, {0, 0, 50, 50}, parent, 13);
@@ -171,9 +178,8 @@ TEST(SystemControls, LeaveWindowsOfOtherThreadsAndProgramsAlone)
     EXPECT_TRUE(PumpUntil([&] { return !lender.IsRunning(); }));
 }
 
-TEST(SystemControls, FindItemsAndHoldTextsOfAnyLength)
+TEST_F(SystemControls, FindItemsAndHoldTextsOfAnyLength)
 {
-    CTestPopup parent;
     const std::string text(20000, 'x');
     const RECT small = {0, 0, 50, 60};
     const DWORD dwDrawn = LBS_EXTENDEDSEL | LBS_OWNERDRAWVARIABLE | LBS_HASSTRINGS;
@@ -288,9 +294,8 @@ void Rename(HWND hLabel)
 
 }  // namespace
 
-TEST(SystemControls, TellTheirObjectsWhatUsersDo)
+TEST_F(SystemControls, TellTheirObjectsWhatUsersDo)
 {
-    CTestPopup parent;
     CMade<CPlain<CCUIEdit>> edit(parent, 1);
     CMade<CPlain<CCUISpinButton>> spin(parent, 7);
     edit.SetLimit(1);
@@ -362,9 +367,8 @@ TEST(SystemControls, TellTheirObjectsWhatUsersDo)
     EXPECT_STREQ("second", tab.GetItemText(1));
 }
 
-TEST(SystemControls, TellWhatBecomesOfItems)
+TEST_F(SystemControls, TellWhatBecomesOfItems)
 {
-    CTestPopup parent;
     const RECT rect = {0, 0, 150, 100};
     RECT row = {};
     CMade<CTree> tree(parent, 1, CCUITreeView::STYLE | TVS_EDITLABELS, nullptr, &rect);
@@ -420,9 +424,8 @@ TEST(SystemControls, TellWhatBecomesOfItems)
     EXPECT_NE(std::string::npos, list.Taken().find("delete 6"));
 }
 
-TEST(SystemControls, MayBeDeletedByWhatTheyTell)
+TEST_F(SystemControls, MayBeDeletedByWhatTheyTell)
 {
-    CTestPopup parent;
     auto *const pEdit = new CMade<CPlain<CCUIEdit>>(parent, 1);
     pEdit->m_onTold = [=] { delete pEdit; };
     auto *const pList = new CMade<CList>(parent, 2);
@@ -443,9 +446,8 @@ TEST(SystemControls, MayBeDeletedByWhatTheyTell)
     EXPECT_EQ(nullptr, CCUIWindow::FromHandle(hBound));
 }
 
-TEST(SystemControls, PassTabOnAndLetTextsHaveIt)
+TEST_F(SystemControls, PassTabOnAndLetTextsHaveIt)
 {
-    CTestPopup parent;
     const auto tell = [&](const char *what) {
         const HWND hChild = reinterpret_cast<HWND>(parent.m_wParam);
         return parent.m_told += Text("%s %d ", what, GetDlgCtrlID(hChild)), 1;
@@ -477,9 +479,8 @@ TEST(SystemControls, PassTabOnAndLetTextsHaveIt)
     EXPECT_EQ(GetDlgItem(dialog, 1004), GetFocus());
 }
 
-TEST(SystemControls, AreColoredAsTheyAreTold)
+TEST_F(SystemControls, AreColoredAsTheyAreTold)
 {
-    CTestPopup parent;
     ExpectNoGdiLeft(20, [&] {
         CMade<CCUIStatic> label(parent, 1, 0, "text");
         label.SetWindowColor(RGB(255, 0, 0));
