@@ -58,6 +58,86 @@ CCUISystemControl *(*const KINDS[])() = {
     Make<CCUIScrollBar>,  Make<CCUIProgressBar>, Make<CCUITrackBar>, Make<CCUISpinButton>,
     Make<CCUITabControl>, Make<CCUITreeView>,    Make<CCUIListView>};
 
+// Another program's control in a window of this one, until that closes it.
+CHILD_PROCESS(Lender)
+{
+    static CCUIControlWindow::PropData s_data = {20, 0, 4, 0, 0};
+    SetTimer(nullptr, 0, 1000, nullptr);
+    const HWND hParent = HWND(strtoul(strrchr(GetCommandLineA(), ' '), nullptr, 10));
+    const HWND hWnd = MakePlain("EDIT", hParent, 20, WS_VISIBLE);
+    SetPropA(hWnd, g_sControlWindowProp, &s_data);
+    for (MSG msg; IsWindow(hWnd) && GetMessageA(&msg, nullptr, 0, 0) > 0;)
+        DispatchMessageA(&msg);
+}
+
+// Writes down what it is told, and refuses what it is told to; m_onTold may delete it.
+struct CRecord
+{
+    int Told(const std::string &what)
+    {
+        *m_pTold += what + " ";
+        const auto function = m_onTold;
+        function();
+        return 1;
+    }
+    int Asked(bool &bRefuse, const std::string &what)
+    {
+        bRefuse = m_bRefuse;
+        return Told(what);
+    }
+    std::string Taken() { return std::exchange(*m_pTold, ""); }
+    std::shared_ptr<std::string> m_pTold = std::make_shared<std::string>();
+    std::function<void()> m_onTold = [] {};
+    bool m_bRefuse = false;
+};
+
+// With the functions that its base has.
+template <typename Base>
+struct CPlain : Base, CRecord
+{
+    int OnDblClk() { return Told("double"); }
+    int OnChange() { return Told("change"); }
+    int OnMaxText() { return Told("max"); }
+    int OnReturn() { return Told("return"); }
+    int OnSelChange() { return Told("select"); }
+    int OnSelChanging(bool &bRefuse) { return Asked(bRefuse, "leave"); }
+    int OnEditChange() { return Told("edit"); }
+    int OnDropDown() { return Told("drop"); }
+    int OnCloseUp() { return Told("close"); }
+    int OnChange(int nPos) { return Told(Text("%d", nPos)); }
+    int OnChange(int nPos, bool) { return Told(Text("%d", nPos)); }
+    int OnDeltaPos(int, int &nDelta, bool &b) { return nDelta *= 5, Asked(b, "step"); }
+};
+struct CTree : CCUITreeView, CRecord
+{
+    std::string Name(HTREEITEM h) { return GetItemText(h).GetString(); }
+    int OnSelChanging(HTREEITEM h, bool &b) override { return Asked(b, "to " + Name(h)); }
+    int OnSelChange(HTREEITEM h) override { return Told("at " + Name(h)); }
+    int OnExpanding(HTREEITEM h, bool, bool &b) override { return Asked(b, "open " + Name(h)); }
+    int OnExpanded(HTREEITEM h, bool) override { return Told("opened " + Name(h)); }
+    int OnItemActivate(HTREEITEM h) override { return Told("activate " + Name(h)); }
+    int OnBeginLabelEdit(HTREEITEM h, bool &b) override { return Asked(b, "label " + Name(h)); }
+    int OnEndLabelEdit(HTREEITEM, const char *psz, bool &b) override { return b = true, Told(psz); }
+    int OnDeleteItem(HTREEITEM, LPARAM lData) override { return Told(Text("delete %ld", lData)); }
+    void OnContextMenu(HWND, POINT &) override { Told("menu"); }
+};
+struct CList : CCUIListView, CRecord
+{
+    int OnSelChange(int n, bool b) override { return Told(Text("%c%d", b ? '+' : '-', n)); }
+    int OnCheck(int n, bool b) override { return Told(Text("check %d %d", n, b)); }
+    int OnItemActivate(int n) override { return Told(Text("activate %d", n)); }
+    int OnColumnClick(int n) override { return Told(Text("column %d", n)); }
+    int OnBeginLabelEdit(int n, bool &b) override { return Asked(b, Text("label %d", n)); }
+    int OnEndLabelEdit(int, const char *psz, bool &b) override { return b = true, Told(psz); }
+    int OnDeleteItem(int n) override { return Told(Text("delete %ld", GetItemData(n))); }
+};
+
+void Rename(HWND hLabel)
+{
+    SetWindowTextA(hLabel, "new");
+    Input(hLabel, {VK_RETURN});
+}
+
 struct SystemControls : testing::Test
 {
     CTestPopup parent;
@@ -128,22 +208,6 @@ TEST_F(SystemControls, AreControlWindowsThatGoWithTheirObjectsOrStay)
     EXPECT_EQ(0U, dumped.m_text.find("No control of class SysListView32, gle: ")) << dumped.m_text;
     RegisterClassA(&kept);
 }
-
-namespace {
-
-// Another program's control in a window of this one, until that closes it.
-CHILD_PROCESS(Lender)
-{
-    static CCUIControlWindow::PropData s_data = {20, 0, 4, 0, 0};
-    SetTimer(nullptr, 0, 1000, nullptr);
-    const HWND hParent = HWND(strtoul(strrchr(GetCommandLineA(), ' '), nullptr, 10));
-    const HWND hWnd = MakePlain("EDIT", hParent, 20, WS_VISIBLE);
-    SetPropA(hWnd, g_sControlWindowProp, &s_data);
-    for (MSG msg; IsWindow(hWnd) && GetMessageA(&msg, nullptr, 0, 0) > 0;)
-        DispatchMessageA(&msg);
-}
-
-}  // namespace
 
 TEST_F(SystemControls, LeaveWindowsOfOtherThreadsAndProgramsAlone)
 {
@@ -221,78 +285,6 @@ TEST_F(SystemControls, FindItemsAndHoldTextsOfAnyLength)
     EXPECT_TRUE(tree.FindChild(nullptr, text.c_str()) == hA);
     EXPECT_EQ("1 0", Text("%d %d", tree.GetCheck(hA), tree.GetCheck(hB)));
 }
-
-namespace {
-
-// Writes down what it is told, and refuses what it is told to; m_onTold may delete it.
-struct CRecord
-{
-    int Told(const std::string &what)
-    {
-        *m_pTold += what + " ";
-        const auto function = m_onTold;
-        function();
-        return 1;
-    }
-    int Asked(bool &bRefuse, const std::string &what)
-    {
-        bRefuse = m_bRefuse;
-        return Told(what);
-    }
-    std::string Taken() { return std::exchange(*m_pTold, ""); }
-    std::shared_ptr<std::string> m_pTold = std::make_shared<std::string>();
-    std::function<void()> m_onTold = [] {};
-    bool m_bRefuse = false;
-};
-
-// With the functions that its base has.
-template <typename Base>
-struct CPlain : Base, CRecord
-{
-    int OnDblClk() { return Told("double"); }
-    int OnChange() { return Told("change"); }
-    int OnMaxText() { return Told("max"); }
-    int OnReturn() { return Told("return"); }
-    int OnSelChange() { return Told("select"); }
-    int OnSelChanging(bool &bRefuse) { return Asked(bRefuse, "leave"); }
-    int OnEditChange() { return Told("edit"); }
-    int OnDropDown() { return Told("drop"); }
-    int OnCloseUp() { return Told("close"); }
-    int OnChange(int nPos) { return Told(Text("%d", nPos)); }
-    int OnChange(int nPos, bool) { return Told(Text("%d", nPos)); }
-    int OnDeltaPos(int, int &nDelta, bool &b) { return nDelta *= 5, Asked(b, "step"); }
-};
-struct CTree : CCUITreeView, CRecord
-{
-    std::string Name(HTREEITEM h) { return GetItemText(h).GetString(); }
-    int OnSelChanging(HTREEITEM h, bool &b) override { return Asked(b, "to " + Name(h)); }
-    int OnSelChange(HTREEITEM h) override { return Told("at " + Name(h)); }
-    int OnExpanding(HTREEITEM h, bool, bool &b) override { return Asked(b, "open " + Name(h)); }
-    int OnExpanded(HTREEITEM h, bool) override { return Told("opened " + Name(h)); }
-    int OnItemActivate(HTREEITEM h) override { return Told("activate " + Name(h)); }
-    int OnBeginLabelEdit(HTREEITEM h, bool &b) override { return Asked(b, "label " + Name(h)); }
-    int OnEndLabelEdit(HTREEITEM, const char *psz, bool &b) override { return b = true, Told(psz); }
-    int OnDeleteItem(HTREEITEM, LPARAM lData) override { return Told(Text("delete %ld", lData)); }
-    void OnContextMenu(HWND, POINT &) override { Told("menu"); }
-};
-struct CList : CCUIListView, CRecord
-{
-    int OnSelChange(int n, bool b) override { return Told(Text("%c%d", b ? '+' : '-', n)); }
-    int OnCheck(int n, bool b) override { return Told(Text("check %d %d", n, b)); }
-    int OnItemActivate(int n) override { return Told(Text("activate %d", n)); }
-    int OnColumnClick(int n) override { return Told(Text("column %d", n)); }
-    int OnBeginLabelEdit(int n, bool &b) override { return Asked(b, Text("label %d", n)); }
-    int OnEndLabelEdit(int, const char *psz, bool &b) override { return b = true, Told(psz); }
-    int OnDeleteItem(int n) override { return Told(Text("delete %ld", GetItemData(n))); }
-};
-
-void Rename(HWND hLabel)
-{
-    SetWindowTextA(hLabel, "new");
-    Input(hLabel, {VK_RETURN});
-}
-
-}  // namespace
 
 TEST_F(SystemControls, TellTheirObjectsWhatUsersDo)
 {

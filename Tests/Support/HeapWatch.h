@@ -8,10 +8,10 @@
 #include "Support/ImportHook.h"
 
 // Stands in for the heap of this program, on all threads: counts the blocks, puts them right
-// before pages that nobody may touch, so that a byte too far is a crash, and overwrites what is
-// given back, so that text read from a dead block is seen to be wrong. The up to three bytes
-// between a block and its page are looked at when it is freed. What is larger than a slot, or
-// comes when all are taken, goes to the ordinary heap.
+// before pages that nobody may touch, so that a byte too far is a crash, as is any use of a block
+// that has been given back. The up to three bytes between a block and its page are looked at when
+// it is freed. What is larger than a slot, or comes when all are taken, goes to the ordinary heap,
+// and is overwritten when it is given back.
 class CHeapWatch
 {
 public:
@@ -53,6 +53,10 @@ private:
     };
 
     static char *Slot(int i) { return s_base + i * (SLOT_SIZE + PAGE); }
+    static void Protect(int i, DWORD nProtection)
+    {
+        VirtualProtect(Slot(i), SLOT_SIZE, nProtection, &nProtection);
+    }
     static size_t Rounded(size_t nSize) { return (nSize + 3) & ~3U; }
     static int SlotOf(const void *p)
     {
@@ -65,8 +69,10 @@ private:
         s_nLargest = nSize > s_nLargest ? nSize : s_nLargest;
         for (int i = 0; i < SLOTS && nSize <= SLOT_SIZE; ++i) {
             const LONG nLength = static_cast<LONG>(nSize);
-            if (InterlockedCompareExchange(&s_nSizes[i], nLength, 0) == 0)
-                return memset(Slot(i) + SLOT_SIZE - Rounded(nSize), SLACK, Rounded(nSize));
+            if (InterlockedCompareExchange(&s_nSizes[i], nLength, 0) != 0)
+                continue;
+            Protect(i, PAGE_READWRITE);
+            return memset(Slot(i) + SLOT_SIZE - Rounded(nSize), SLACK, Rounded(nSize));
         }
         return s_malloc(nSize);
     }
@@ -92,7 +98,7 @@ private:
         const size_t nSize = static_cast<size_t>(s_nSizes[SlotOf(p)]);
         if (memcmp(static_cast<char *>(p) + nSize, "\xA5\xA5\xA5", Rounded(nSize) - nSize) != 0)
             abort();
-        memset(p, 0xDD, nSize);
+        Protect(SlotOf(p), PAGE_NOACCESS);
         InterlockedExchange(&s_nSizes[SlotOf(p)], 0);
     }
 
