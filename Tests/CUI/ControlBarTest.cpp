@@ -71,11 +71,15 @@ struct CBar : CCUIControlBar
     static CCUIBitmap Strip() { return BitmapOf(TestPicture(64, 15, 5)); }
 };
 
-}  // namespace
-
-TEST(ControlBar, PutsItsItemsAlongItsSideAndWhatHasNoRoomIntoAMenu)
+struct ControlBar : testing::Test
 {
     CParent parent;
+};
+
+}  // namespace
+
+TEST_F(ControlBar, PutsItsItemsAlongItsSideAndWhatHasNoRoomIntoAMenu)
+{
     parent.m_commands[1].m_text = "one";
     CBar bar(parent);
     const auto places = [&](int nLength) { return bar.SetLength(nLength), bar.Places(); };
@@ -135,9 +139,8 @@ TEST(ControlBar, PutsItsItemsAlongItsSideAndWhatHasNoRoomIntoAMenu)
     }
 }
 
-TEST(ControlBar, ShowsWhatTheHandlersSayAndRepaintsOnlyWhatThatChanges)
+TEST_F(ControlBar, ShowsWhatTheHandlersSayAndRepaintsOnlyWhatThatChanges)
 {
-    CParent parent;
     CBar bar(parent);
     parent.m_commands[1].m_nState = 0;
     CCUICommandMap::IdleUpdate();
@@ -193,9 +196,8 @@ TEST(ControlBar, ShowsWhatTheHandlersSayAndRepaintsOnlyWhatThatChanges)
     EXPECT_EQ("8,2 - - - - - - ", bar.Places());
 }
 
-TEST(ControlBar, PressesWhatTheMouseGoesDownAndUpOn)
+TEST_F(ControlBar, PressesWhatTheMouseGoesDownAndUpOn)
 {
-    CParent parent;
     auto bar = std::make_unique<CBar>(parent);
     parent.m_commands[1].m_text = "&Save && go\tCtrl+S";
     parent.m_commands[2].m_nState = 0;
@@ -230,9 +232,8 @@ TEST(ControlBar, PressesWhatTheMouseGoesDownAndUpOn)
     EXPECT_FALSE(bar);
 }
 
-TEST(ControlBar, GoesFromButtonToButtonByTheKeyboardAndGivesTheFocusBack)
+TEST_F(ControlBar, GoesFromButtonToButtonByTheKeyboardAndGivesTheFocusBack)
 {
-    CParent parent;
     parent.m_commands[1].m_nState = 0;
     CBar bar(parent), second(parent);
     SetForegroundWindow(parent);
@@ -273,10 +274,9 @@ TEST(ControlBar, GoesFromButtonToButtonByTheKeyboardAndGivesTheFocusBack)
     }
 }
 
-TEST(ControlBar, DocksWhereItIsDraggedAndRemembersThat)
+TEST_F(ControlBar, DocksWhereItIsDraggedAndRemembersThat)
 {
     const CTestSettings settings;
-    CParent parent;
     MoveWindow(parent, 50, 50, 300, 300, FALSE);
     CBar bar(parent, "main");
     PumpWaiting();

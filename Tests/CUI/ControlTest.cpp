@@ -64,144 +64,6 @@ protected:
     }
 };
 
-}  // namespace
-
-TEST(Control, IsPressedWhileMouseOrKeyHoldItAndClicksWhenTheyLetGo)
-{
-    CParent parent;
-    CButton button(parent);
-    const LPARAM in = MAKELPARAM(5, 5), out = MAKELPARAM(-5, 5);
-    const std::map<char, std::array<long, 3>> messages = {
-        {'D', {WM_LBUTTONDOWN, 0, in}}, {'2', {WM_LBUTTONDBLCLK, 0, in}},
-        {'U', {WM_LBUTTONUP, 0, in}},   {'u', {WM_LBUTTONUP, 0, out}},
-        {'<', {WM_MOUSEMOVE, 0, out}},  {'>', {WM_MOUSEMOVE, 0, in}},
-        {'S', {WM_KEYDOWN, VK_SPACE}},  {'s', {WM_KEYUP, VK_SPACE}},
-        {'x', {WM_KEYDOWN, VK_ESCAPE}}, {'r', {WM_KEYDOWN, VK_RETURN}},
-        {'f', {WM_KILLFOCUS}}};
-    // o: another window takes the mouse; e: disabled, .: enabled. "!" behind what leaves it
-    // pressed, and what it tells.
-    std::string record;
-    for (const char c : std::string("D<>U.D<u.U.DoU.DeU.SSs.Sxs.Sfs.2U.r.")) {
-        if (c == 'o') {
-            SetCapture(parent);
-        } else if (c == 'e' || c == '.') {
-            EXPECT_TRUE(c == 'e' || GetCapture() != button);
-            button.Enable(c == '.');
-        } else {
-            const auto [message, wParam, lParam] = messages.at(c);
-            Send(button, UINT(message), WPARAM(wParam), lParam);
-        }
-        record += c + std::string((button.GetState() & CUI_STATE_PRESSED) ? "!" : "");
-        record += parent.Told();
-    }
-    EXPECT_EQ("D!<>!U5 .D!<u.U.D!oU.D!eU.S!S!s5 .S!xs.S!fs.2!U5 .r5 .", record);
-}
-
-TEST(Control, IsHotWithATipAndHelpWhileTheMouseIsOverIt)
-{
-    CParent parent;
-    parent.RouteCommands(true);
-    parent.m_on[WM_MENUSELECT] = [&] {
-        return parent.m_told += Text("help%d ", SHORT(parent.m_wParam)), 0;
-    };
-    CTestCommand command(1000);
-    CButton button(parent);
-    button.SetFlat(true);
-    button.SetCommand(1000);
-    for (const bool bOver : {true, false}) {
-        SetCursorPos(bOver ? 70 : 410, 50);
-        EXPECT_TRUE(PumpUntil([&] { return bOver == !!(button.GetState() & CUI_STATE_HOT); }));
-        EXPECT_EQ(bOver ? "tip" : "", TipOf(button));
-        EXPECT_EQ(bOver ? "help1000 " : "help0 ", parent.Told());
-    }
-    // Both follow the command; a tip that says what the button says is none.
-    Send(button, WM_MOUSEMOVE, 0, MAKELPARAM(5, 5));
-    std::string tips;
-    for (const bool bOwn : {true, false}) {
-        button.SetCommand(0);
-        button.SetToolTip(bOwn ? "own" : nullptr);
-        command.m_text = "&Text";
-        button.SetCommand(1000);
-        tips += TipOf(button) + ";";
-    }
-    EXPECT_EQ("help1000 help0 help1000 help0 help1000 own;;", parent.Told() + tips);
-    Click(button);
-    EXPECT_NE(button.GetHandle(), GetFocus()) << "flat";
-    button.Enable(false);
-    Send(button, WM_MOUSEMOVE, 0, MAKELPARAM(5, 5));
-    button.Enable(true);
-    // The help goes with the button; and its owner may be gone before it comes.
-    Send(button, WM_MOUSEMOVE, 0, MAKELPARAM(5, 5));
-    button.Destroy();
-    EXPECT_EQ("1000 help0 help1000 help0 ", parent.Told());
-    const CHeapWatch heap;
-    auto pButton = std::make_unique<CButton>(parent);
-    pButton->SetCommand(1000);
-    parent.m_on[WM_MENUSELECT] = [&] { return pButton.reset(), 0; };
-    Send(*pButton, WM_MOUSEMOVE, 0, MAKELPARAM(5, 5));
-    EXPECT_EQ(nullptr, pButton);
-}
-
-TEST(Control, FollowsItsCommandAndRepaintsOnlyWhatChanged)
-{
-    CReports reports;
-    CTestPopup frame;
-    CTestWindow panel(frame, WS_CHILD | WS_VISIBLE);  // that routes nothing
-    CTestCommand command(1000);
-    CButton button(panel, 5, CUI_BUTTON_CHECK), other(panel, 6);
-    button.SetCommand(1000);
-    std::string shown;
-    for (const char *text : {"&b\tF5", "&b\tF5", "&c", ""}) {
-        command.m_nState = *text ? 0x142 : 0;
-        command.m_text = text;
-        CCUICommandMap::IdleUpdate();
-        shown += TextOf(button) + Text(" %ld%s;", Send(button, BM_GETCHECK),
-                                       GetUpdateRect(button, nullptr, FALSE) ? " painted" : "");
-        UpdateWindow(button);
-    }
-    EXPECT_EQ("&b 1 painted;&b 1;&c 1 painted;&c 0 painted;", shown);
-    command.m_nState = CUI_COMMAND_ACTIVE;
-    CCUICommandMap::IdleUpdate();
-    frame.RouteCommands(true);
-    Click(button);
-    EXPECT_EQ("0 ", command.Done());
-    EXPECT_EQ(0, Send(button, BM_GETCHECK)) << "the handler does not say so";
-    // Disabled with the focus, it passes that on, so that the keyboard is not lost.
-    SetFocus(button);
-    panel.m_on[CUI_WM_TABKEY] = [&] { return SetFocus(other), 1; };
-    command.m_nState = 0;
-    CCUICommandMap::IdleUpdate();
-    EXPECT_EQ(other.GetHandle(), GetFocus());
-    // What is said before there is a window counts from its start.
-    CCUIButton early;
-    early.SetCommand(1000);
-    early.CreateControl(panel, 9, nullptr);
-    EXPECT_FALSE(IsWindowEnabled(early));
-    EXPECT_EQ(75, ClientOf(early).right) << "as large as by nature";
-    EXPECT_EQ(0, reports.Total());
-}
-
-TEST(Control, MayBeDeletedByItsOwnCommand)
-{
-    CTestPopup frame;
-    frame.RouteCommands(true);
-    CTestCommand command(1000);
-    for (const auto kind : {CUI_BUTTON_PUSH, CUI_BUTTON_RADIO, CUI_BUTTON_REPEAT}) {
-        for (const UINT message : {UINT{WM_LBUTTONDOWN}, UINT{WM_KEYDOWN}}) {
-            const CHeapWatch heap;  // what is used of a dead button is wrong
-            auto button = std::make_unique<CButton>(frame, 1000u, kind);
-            command.m_onCommand = [&] { button.reset(); };
-            button->SetCommand(kind == CUI_BUTTON_RADIO ? 0 : 1000);
-            const HWND hWnd = *button;
-            Send(hWnd, message, VK_SPACE, MAKELPARAM(2, 2));
-            Send(hWnd, message + 1, VK_SPACE, MAKELPARAM(2, 2));
-            EXPECT_EQ(nullptr, button);
-        }
-    }
-}
-
-namespace {
-
 // The same keys to a dialog of the system's buttons and to one whose buttons we have replaced.
 std::string PlayDialog(bool bOurs)
 {
@@ -258,16 +120,150 @@ std::string PlayDialog(bool bOurs)
     return record;
 }
 
+struct Control : testing::Test
+{
+    CParent parent;
+    CTestCommand command{1000};
+};
+
 }  // namespace
 
-TEST(Control, DoesInADialogWhatTheSystemsButtonsDo)
+TEST_F(Control, IsPressedWhileMouseOrKeyHoldItAndClicksWhenTheyLetGo)
+{
+    CButton button(parent);
+    const LPARAM in = MAKELPARAM(5, 5), out = MAKELPARAM(-5, 5);
+    const std::map<char, std::array<long, 3>> messages = {
+        {'D', {WM_LBUTTONDOWN, 0, in}}, {'2', {WM_LBUTTONDBLCLK, 0, in}},
+        {'U', {WM_LBUTTONUP, 0, in}},   {'u', {WM_LBUTTONUP, 0, out}},
+        {'<', {WM_MOUSEMOVE, 0, out}},  {'>', {WM_MOUSEMOVE, 0, in}},
+        {'S', {WM_KEYDOWN, VK_SPACE}},  {'s', {WM_KEYUP, VK_SPACE}},
+        {'x', {WM_KEYDOWN, VK_ESCAPE}}, {'r', {WM_KEYDOWN, VK_RETURN}},
+        {'f', {WM_KILLFOCUS}}};
+    // o: another window takes the mouse; e: disabled, .: enabled. "!" behind what leaves it
+    // pressed, and what it tells.
+    std::string record;
+    for (const char c : std::string("D<>U.D<u.U.DoU.DeU.SSs.Sxs.Sfs.2U.r.")) {
+        if (c == 'o') {
+            SetCapture(parent);
+        } else if (c == 'e' || c == '.') {
+            EXPECT_TRUE(c == 'e' || GetCapture() != button);
+            button.Enable(c == '.');
+        } else {
+            const auto [message, wParam, lParam] = messages.at(c);
+            Send(button, UINT(message), WPARAM(wParam), lParam);
+        }
+        record += c + std::string((button.GetState() & CUI_STATE_PRESSED) ? "!" : "");
+        record += parent.Told();
+    }
+    EXPECT_EQ("D!<>!U5 .D!<u.U.D!oU.D!eU.S!S!s5 .S!xs.S!fs.2!U5 .r5 .", record);
+}
+
+TEST_F(Control, IsHotWithATipAndHelpWhileTheMouseIsOverIt)
+{
+    parent.RouteCommands(true);
+    parent.m_on[WM_MENUSELECT] = [&] {
+        return parent.m_told += Text("help%d ", SHORT(parent.m_wParam)), 0;
+    };
+    CButton button(parent);
+    button.SetFlat(true);
+    button.SetCommand(1000);
+    for (const bool bOver : {true, false}) {
+        SetCursorPos(bOver ? 70 : 410, 50);
+        EXPECT_TRUE(PumpUntil([&] { return bOver == !!(button.GetState() & CUI_STATE_HOT); }));
+        EXPECT_EQ(bOver ? "tip" : "", TipOf(button));
+        EXPECT_EQ(bOver ? "help1000 " : "help0 ", parent.Told());
+    }
+    // Both follow the command; a tip that says what the button says is none.
+    Send(button, WM_MOUSEMOVE, 0, MAKELPARAM(5, 5));
+    std::string tips;
+    for (const bool bOwn : {true, false}) {
+        button.SetCommand(0);
+        button.SetToolTip(bOwn ? "own" : nullptr);
+        command.m_text = "&Text";
+        button.SetCommand(1000);
+        tips += TipOf(button) + ";";
+    }
+    EXPECT_EQ("help1000 help0 help1000 help0 help1000 own;;", parent.Told() + tips);
+    Click(button);
+    EXPECT_NE(button.GetHandle(), GetFocus()) << "flat";
+    button.Enable(false);
+    Send(button, WM_MOUSEMOVE, 0, MAKELPARAM(5, 5));
+    button.Enable(true);
+    // The help goes with the button; and its owner may be gone before it comes.
+    Send(button, WM_MOUSEMOVE, 0, MAKELPARAM(5, 5));
+    button.Destroy();
+    EXPECT_EQ("1000 help0 help1000 help0 ", parent.Told());
+    const CHeapWatch heap;
+    auto pButton = std::make_unique<CButton>(parent);
+    pButton->SetCommand(1000);
+    parent.m_on[WM_MENUSELECT] = [&] { return pButton.reset(), 0; };
+    Send(*pButton, WM_MOUSEMOVE, 0, MAKELPARAM(5, 5));
+    EXPECT_EQ(nullptr, pButton);
+}
+
+TEST_F(Control, FollowsItsCommandAndRepaintsOnlyWhatChanged)
+{
+    CReports reports;
+    CTestPopup frame;
+    CTestWindow panel(frame, WS_CHILD | WS_VISIBLE);  // that routes nothing
+    CButton button(panel, 5, CUI_BUTTON_CHECK), other(panel, 6);
+    button.SetCommand(1000);
+    std::string shown;
+    for (const char *text : {"&b\tF5", "&b\tF5", "&c", ""}) {
+        command.m_nState = *text ? 0x142 : 0;
+        command.m_text = text;
+        CCUICommandMap::IdleUpdate();
+        shown += TextOf(button) + Text(" %ld%s;", Send(button, BM_GETCHECK),
+                                       GetUpdateRect(button, nullptr, FALSE) ? " painted" : "");
+        UpdateWindow(button);
+    }
+    EXPECT_EQ("&b 1 painted;&b 1;&c 1 painted;&c 0 painted;", shown);
+    command.m_nState = CUI_COMMAND_ACTIVE;
+    CCUICommandMap::IdleUpdate();
+    frame.RouteCommands(true);
+    Click(button);
+    EXPECT_EQ("0 ", command.Done());
+    EXPECT_EQ(0, Send(button, BM_GETCHECK)) << "the handler does not say so";
+    // Disabled with the focus, it passes that on, so that the keyboard is not lost.
+    SetFocus(button);
+    panel.m_on[CUI_WM_TABKEY] = [&] { return SetFocus(other), 1; };
+    command.m_nState = 0;
+    CCUICommandMap::IdleUpdate();
+    EXPECT_EQ(other.GetHandle(), GetFocus());
+    // What is said before there is a window counts from its start.
+    CCUIButton early;
+    early.SetCommand(1000);
+    early.CreateControl(panel, 9, nullptr);
+    EXPECT_FALSE(IsWindowEnabled(early));
+    EXPECT_EQ(75, ClientOf(early).right) << "as large as by nature";
+    EXPECT_EQ(0, reports.Total());
+}
+
+TEST_F(Control, MayBeDeletedByItsOwnCommand)
+{
+    CTestPopup frame;
+    frame.RouteCommands(true);
+    for (const auto kind : {CUI_BUTTON_PUSH, CUI_BUTTON_RADIO, CUI_BUTTON_REPEAT}) {
+        for (const UINT message : {UINT{WM_LBUTTONDOWN}, UINT{WM_KEYDOWN}}) {
+            const CHeapWatch heap;  // what is used of a dead button is wrong
+            auto button = std::make_unique<CButton>(frame, 1000u, kind);
+            command.m_onCommand = [&] { button.reset(); };
+            button->SetCommand(kind == CUI_BUTTON_RADIO ? 0 : 1000);
+            const HWND hWnd = *button;
+            Send(hWnd, message, VK_SPACE, MAKELPARAM(2, 2));
+            Send(hWnd, message + 1, VK_SPACE, MAKELPARAM(2, 2));
+            EXPECT_EQ(nullptr, button);
+        }
+    }
+}
+
+TEST_F(Control, DoesInADialogWhatTheSystemsButtonsDo)
 {
     EXPECT_EQ(PlayDialog(false), PlayDialog(true));
 }
 
-TEST(Control, MnemonicsWorkOutsideOfDialogs)
+TEST_F(Control, MnemonicsWorkOutsideOfDialogs)
 {
-    CParent parent;
     CButton a(parent, 5, CUI_BUTTON_PUSH, "&Go"), b(parent, 6, CUI_BUTTON_PUSH, "&Same"),
         c(parent, 7, CUI_BUTTON_CHECK, "&Same && more");
     MakePlain("STATIC", parent, 0, WS_VISIBLE | WS_TABSTOP, "&Name");
@@ -276,7 +272,6 @@ TEST(Control, MnemonicsWorkOutsideOfDialogs)
     CButton inside(disabled, 8, CUI_BUTTON_PUSH, "&More");
     MakePlain("STATIC", parent, 0, WS_VISIBLE | SS_NOPREFIX, "a&more");
     SetFocus(a);
-    CTestCommand command(1000);
     CButton late(parent, 10, CUI_BUTTON_PUSH, "&Late");
     command.m_nState = 0;
     late.SetCommand(1000);
@@ -290,11 +285,10 @@ TEST(Control, MnemonicsWorkOutsideOfDialogs)
     EXPECT_EQ("g1 @5 5 S1 @6 s1 @7 s1 @6 m0 @6 n1 @9 l1 @1000 1000 ", record);
 }
 
-TEST(Control, RepeatsAsTheKeyboardDoesWhileItIsHeldDown)
+TEST_F(Control, RepeatsAsTheKeyboardDoesWhileItIsHeldDown)
 {
     CFakeClock clock;
     PassStartTick(clock);
-    CParent parent;
     CButton button(parent, 5, CUI_BUTTON_REPEAT);
     DWORD nDelay = 0, nSpeed = 0;
     SystemParametersInfoA(SPI_GETKEYBOARDDELAY, 0, &nDelay, 0);
@@ -312,13 +306,12 @@ TEST(Control, RepeatsAsTheKeyboardDoesWhileItIsHeldDown)
     EXPECT_EQ(0u, clicks(5 * nNext));
 }
 
-TEST(Control, OpensItsMenuBelowAndStaysDownMeanwhile)
+TEST_F(Control, OpensItsMenuBelowAndStaysDownMeanwhile)
 {
     CTestPopup frame;
-    CTestCommand command(1001);
     frame.RouteCommands(true);
     CCUIMenu menu;
-    menu.Append(1001, "item");
+    menu.Append(1000, "item");
     std::string opened;
     const CFakePopup track("TrackPopupMenuEx", [&](HMENU h, UINT n, int x, int y, auto... more) {
         opened += Text("%d,%d ", x, y);
@@ -365,10 +358,9 @@ TEST(Control, OpensItsMenuBelowAndStaysDownMeanwhile)
     }
 }
 
-TEST(Control, DrawsEachStateAndWhatIsBehind)
+TEST_F(Control, DrawsEachStateAndWhatIsBehind)
 {
     const COLORREF crBehind = RGB(0, 128, 0);
-    CParent parent;
     parent.m_on[WM_CTLCOLORSTATIC] = [&] {
         SetBkColor(reinterpret_cast<HDC>(parent.m_wParam), crBehind);
         static const HBRUSH s_hBehind = CreateSolidBrush(crBehind);
@@ -377,54 +369,47 @@ TEST(Control, DrawsEachStateAndWhatIsBehind)
     // A raised one does not show the mouse, nor a flat one what is the default.
     const auto PUSH = CUI_BUTTON_PUSH, CHECK = CUI_BUTTON_CHECK, RADIO = CUI_BUTTON_RADIO;
     const UINT UP = EDGE_RAISED, DOWN = EDGE_SUNKEN, SLIGHT = BDR_SUNKENOUTER;
-    const struct
-    {
-        CUIButtonKind kind;
-        bool bFlat;
-        unsigned nState;
-        UINT nEdge, nMark;
-    } rows[] = {
+    const std::tuple<CUIButtonKind, bool, unsigned, UINT, UINT> rows[] = {
         {PUSH, 0, 2, UP, 0},       {PUSH, 0, 4, DOWN, 0},    {PUSH, 0, 8, UP, 0},
         {PUSH, 0, 16, DOWN, 0},    {PUSH, 0, 64, UP, 0},     {PUSH, 1, 4, SLIGHT, 0},
         {CHECK, 1, 16, SLIGHT, 0}, {PUSH, 1, 72, 0, 0},      {PUSH, 1, 2, BDR_RAISEDINNER, 0},
         {CHECK, 0, 24, 0, 0x400},  {RADIO, 0, 16, 0, 0x404}, {CHECK, 0, 32, 0, 0x408},
         {CHECK, 0, 4, 0, 0x200}};
     ExpectNoGdiLeft(1, [&] {
-        for (const auto &row : rows) {
-            CButton button(parent, 5, row.kind, "");
-            button.SetFlat(row.bFlat);
+        for (const auto &[kind, bFlat, nState, nEdge, nMark] : rows) {
+            CButton button(parent, 5, kind, "");
+            button.SetFlat(bFlat);
             UpdateWindow(button);
-            button.SetState(row.nState, true);
-            const bool bRaised = row.nEdge && !row.bFlat, bLit = !row.nMark && row.nState == 16;
+            button.SetState(nState, true);
+            const bool bRaised = nEdge && !bFlat, bLit = !nMark && nState == 16;
             const COLORREF cr = bRaised ? GetSysColor(COLOR_BTNFACE) : crBehind,
                            crLight = bLit ? GetSysColor(COLOR_BTNHIGHLIGHT) : cr;
             const HBRUSH hBrush =
                 CreateSolidBrush(((cr ^ crLight) & 0xFEFEFE) / 2 + (cr & crLight));
-            const LONG n = row.bFlat ? 2 : 4;
+            const LONG n = bFlat ? 2 : 4;
             CTestSurface expected(CPixelMap(80, 30));
             RECT rc = {0, 0, 80, 30}, rcMark = {0, 8, 13, 21}, rcFocus = {n, n, 80 - n, 30 - n};
             FillRect(expected, &rc, bRaised && !bLit ? CUIGetWinData()->hbrBtnFace : hBrush);
             DeleteObject(hBrush);
-            if (bRaised && (row.nState & (CUI_STATE_DEFAULT | CUI_STATE_FOCUSED))) {
+            if (bRaised && (nState & (CUI_STATE_DEFAULT | CUI_STATE_FOCUSED))) {
                 CUIDCDrawRect(expected, &rc, GetSysColor(COLOR_WINDOWFRAME));
                 InflateRect(&rc, -1, -1);
             }
-            if (row.nEdge)
-                DrawEdge(expected, &rc, row.nEdge, BF_RECT | (row.bFlat ? 0 : BF_SOFT));
-            if (row.nMark)
-                DrawFrameControl(expected, &rcMark, DFC_BUTTON, row.nMark);
-            if ((row.nState & CUI_STATE_FOCUSED) && !row.nMark)
+            if (nEdge)
+                DrawEdge(expected, &rc, nEdge, BF_RECT | (bFlat ? 0 : BF_SOFT));
+            if (nMark)
+                DrawFrameControl(expected, &rcMark, DFC_BUTTON, nMark);
+            if ((nState & CUI_STATE_FOCUSED) && !nMark)
                 DrawFocusRect(expected, &rcFocus);
-            EXPECT_EQ(expected.Read(), WindowPixels(button)) << &row - rows;
+            EXPECT_EQ(expected.Read(), WindowPixels(button)) << kind << " " << nState;
             button.Enable(false);
             EXPECT_EQ(button.Picture(), WindowPixels(button)) << "as what it paints elsewhere";
         }
     });
 }
 
-TEST(Control, HasItsPictureBesideTheTextWhereItIsToBe)
+TEST_F(Control, HasItsPictureBesideTheTextWhereItIsToBe)
 {
-    CParent parent;
     CPixelMap strip(32, 16, 0xFF00FF);
     strip.Set(16, 0, 0x0000FF);  // at the corner of the second one
     CTestSurface surface(CPixelMap(1, 1));
@@ -441,23 +426,20 @@ TEST(Control, HasItsPictureBesideTheTextWhereItIsToBe)
     };
     const LONG x = rcText.right, y = rcText.bottom;
     button.SetPicture(BitmapOf(strip), 1, 16, 0xFF00FF);
-    const struct
-    {
-        CUIPicturePlace place;
-        LONG cx, cy, xPicture, yPicture;
-    } rows[] = {{CUI_PICTURE_LEFT, x + 43, 26, 11, 5},
-                {CUI_PICTURE_RIGHT, x + 43, 26, x + 16, 5},
-                {CUI_PICTURE_ABOVE, x + 22, y + 31, 11 + (x - 16) / 2, 5},
-                {CUI_PICTURE_BELOW, x + 22, y + 31, 11 + (x - 16) / 2, y + 10}};
-    for (const auto &row : rows) {
+    const std::tuple<CUIPicturePlace, LONG, LONG, LONG, LONG> rows[] = {
+        {CUI_PICTURE_LEFT, x + 43, 26, 11, 5},
+        {CUI_PICTURE_RIGHT, x + 43, 26, x + 16, 5},
+        {CUI_PICTURE_ABOVE, x + 22, y + 31, 11 + (x - 16) / 2, 5},
+        {CUI_PICTURE_BELOW, x + 22, y + 31, 11 + (x - 16) / 2, y + 10}};
+    for (const auto &[place, cx, cy, xPicture, yPicture] : rows) {
         SIZE size = {};
-        button.SetPicturePlace(row.place);
+        button.SetPicturePlace(place);
         button.GetNaturalSize(size);
-        EXPECT_EQ(Text("%ld,%ld", row.cx, row.cy), Text("%ld,%ld", size.cx, size.cy));
+        EXPECT_EQ(Text("%ld,%ld", cx, cy), Text("%ld,%ld", size.cx, size.cy));
         MoveWindow(button, 0, 0, size.cx, size.cy, FALSE);
         for (const int nDown : {1, 0}) {
             button.SetState(CUI_STATE_PRESSED, nDown);
-            EXPECT_EQ(Text("%ld,%ld", row.xPicture + nDown, row.yPicture + nDown), corner());
+            EXPECT_EQ(Text("%ld,%ld", xPicture + nDown, yPicture + nDown), corner());
         }
     }
     // What changes is painted, and its size told.
@@ -487,16 +469,18 @@ TEST(Control, HasItsPictureBesideTheTextWhereItIsToBe)
     EXPECT_EQ(0, button.Picture().Count(0x0000FF));
 }
 
-TEST(Control, IsMirroredAllButItsText)
+TEST_F(Control, IsMirroredAllButItsText)
 {
-    CParent parent;
     std::vector<int> columns[2];  // where the text's pixels lie, from column to column
     for (const bool bMirrored : {false, true}) {
         SetWindowLongA(parent, GWL_EXSTYLE, bMirrored ? 0x00400000 : 0);
         CButton button(parent, 5, CUI_BUTTON_CHECK, "FL");
-        UpdateWindow(button);
         const LONG x = RectOf(parent).left + (bMirrored ? 110 : 37), y = RectOf(parent).top + 20;
-        const CPixelMap map = WindowPixels(nullptr, {x, y, x + 63, y + 30});  // all but the mark
+        CPixelMap map;  // all but the mark, once the screen has it
+        EXPECT_TRUE(PumpUntil([&] {
+            map = WindowPixels(nullptr, {x, y, x + 63, y + 30});
+            return map.At(0, 0) == OnScreen(GetSysColor(COLOR_BTNFACE));
+        }));
         for (int i = 0; i < 63 * 30; ++i) {
             if (map.At(i / 30, i % 30) == GetSysColor(COLOR_BTNTEXT))
                 columns[bMirrored].push_back(i % 30);

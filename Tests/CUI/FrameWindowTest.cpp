@@ -47,17 +47,22 @@ struct CFullFrame : CTestFrame
     CCUIButton m_button;
 };
 
+struct FrameWindow : testing::Test
+{
+    const CTestSettings settings;
+    CTestCommand command{1700};
+};
+
 }  // namespace
 
 // First, before the libraries are there.
-TEST(FrameWindow, DoesWithoutLibrariesAndFunctionsThatOldSystemsLack)
+TEST_F(FrameWindow, DoesWithoutLibrariesAndFunctionsThatOldSystemsLack)
 {
     CDumped dumped;
     const CFakeCall<HMODULE(LPCSTR, HANDLE, DWORD)> load(
         "LoadLibraryExA", [](auto...) { return SetLastError(ERROR_MOD_NOT_FOUND), HMODULE(); });
     const CFakeCall<FARPROC(HMODULE, LPCSTR)> find(
         "GetProcAddress", [](auto...) { return SetLastError(ERROR_PROC_NOT_FOUND), FARPROC(); });
-    CTestCommand command(1700);
     CFullFrame frame;
     CCUINotifyIcon icon;
     CCUString sPath;
@@ -76,9 +81,8 @@ TEST(FrameWindow, DoesWithoutLibrariesAndFunctionsThatOldSystemsLack)
     frame.SetFullScreen(true);
 }
 
-TEST(FrameWindow, HasCommandsAsTheyStandWhenItIsShown)
+TEST_F(FrameWindow, HasCommandsAsTheyStandWhenItIsShown)
 {
-    CTestCommand command(1700);
     auto pFrame = std::make_unique<CFullFrame>();
     command.m_nState = 0;
     ShowWindow(*pFrame, SW_SHOWMAXIMIZED);
@@ -110,7 +114,7 @@ TEST(FrameWindow, HasCommandsAsTheyStandWhenItIsShown)
     EXPECT_EQ(nullptr, pFrame);
 }
 
-TEST(FrameWindow, PutsBarsAroundItsClient)
+TEST_F(FrameWindow, PutsBarsAroundItsClient)
 {
     CTestFrame frame(WS_POPUP);
     CTestControl top(frame, 30), hidden(frame, 10, 4, WS_CHILD), left(frame, 40), right(frame, 7),
@@ -138,7 +142,7 @@ TEST(FrameWindow, PutsBarsAroundItsClient)
     EXPECT_EQ(Of(suggested), PlaceOf(frame));
 }
 
-TEST(FrameWindow, SurvivesWhateverGoesMeanwhile)
+TEST_F(FrameWindow, SurvivesWhateverGoesMeanwhile)
 {
     CReports reports;
     auto frame = std::make_unique<CTestFrame>();
@@ -165,7 +169,7 @@ TEST(FrameWindow, SurvivesWhateverGoesMeanwhile)
     EXPECT_EQ(0, reports.Total());
 }
 
-TEST(FrameWindow, ClosesWhenAskedAndEndsTheProgramAsTheMainFrame)
+TEST_F(FrameWindow, ClosesWhenAskedAndEndsTheProgramAsTheMainFrame)
 {
     CTestFrame main, other;
     // Not below a dialog, which comes to the front, and not while it is asked.
@@ -189,9 +193,8 @@ TEST(FrameWindow, ClosesWhenAskedAndEndsTheProgramAsTheMainFrame)
     EXPECT_EQ("Editor", TextOf(other));
 }
 
-TEST(FrameWindow, KeepsItsPlaceAndFindsAScreenForIt)
+TEST_F(FrameWindow, KeepsItsPlaceAndFindsAScreenForIt)
 {
-    const CTestSettings settings;
     // A system that looks at how long the record is.
     const CFakeCall<BOOL(HWND, WINDOWPLACEMENT *)> get("GetWindowPlacement", [&](HWND h, auto *p) {
         return p->length == sizeof *p && get.Original(h, p);
@@ -230,10 +233,8 @@ TEST(FrameWindow, KeepsItsPlaceAndFindsAScreenForIt)
     EXPECT_EQ("Unable to keep the place of Test, gle: 5\n", dumped.m_text);
 }
 
-TEST(FrameWindow, CoversTheScreenAndComesBackAsItWas)
+TEST_F(FrameWindow, CoversTheScreenAndComesBackAsItWas)
 {
-    const CTestSettings settings;
-    CTestCommand command(1700);
     const std::string screen =
         Text("0,0,%d,%d ", GetSystemMetrics(SM_CXSCREEN), GetSystemMetrics(SM_CYSCREEN));
     for (const char *const kept : {"100,90,400,290,0,96", "100,90,400,290,1,96"}) {
@@ -289,9 +290,8 @@ TEST(FrameWindow, CoversTheScreenAndComesBackAsItWas)
     }
 }
 
-TEST(FrameWindow, ClosesAnOpenMenuBeforeItChanges)
+TEST_F(FrameWindow, ClosesAnOpenMenuBeforeItChanges)
 {
-    CTestCommand command(1700);
     const HINSTANCE hModule = GetModuleHandleA(nullptr);
     const std::function<void(CTestFrame &)> changes[] = {
         [](CTestFrame &frame) { frame.SetFullScreen(true); },
@@ -342,9 +342,8 @@ TEST(FrameWindow, ClosesAnOpenMenuBeforeItChanges)
     }
 }
 
-TEST(FrameWindow, LeadsHelpKeysAndFocusBetweenItsParts)
+TEST_F(FrameWindow, LeadsHelpKeysAndFocusBetweenItsParts)
 {
-    CTestCommand command(1700);
     CFullFrame frame;
     frame.BringToFront();
     frame.m_bars[1].SetSide(CUI_BAR_LEFT);
@@ -377,7 +376,7 @@ TEST(FrameWindow, LeadsHelpKeysAndFocusBetweenItsParts)
     EXPECT_EQ("", command.Done()) << "a dialog is open";
 }
 
-TEST(FrameWindow, OpensWhatIsDroppedAndWhatACommandLineNames)
+TEST_F(FrameWindow, OpensWhatIsDroppedAndWhatACommandLineNames)
 {
     CTestFrame frame;
     // As the shell sends it: where the names begin, a point, two flags, the names.
@@ -404,7 +403,7 @@ TEST(FrameWindow, OpensWhatIsDroppedAndWhatACommandLineNames)
     EXPECT_TRUE(IsWindowVisible(frame)) << "in front";
 }
 
-TEST(FrameWindow, PassesOnWhatIsSaidOfPalettes)
+TEST_F(FrameWindow, PassesOnWhatIsSaidOfPalettes)
 {
     const CCUIOwned<HPALETTE> palette(CreateHalftonePalette(nullptr));
     CTestFrame frame;
@@ -439,10 +438,8 @@ TEST(FrameWindow, PassesOnWhatIsSaidOfPalettes)
     EXPECT_EQ("window 1 window memory 0 behind window 0 window memory ", realized) << "and painted";
 }
 
-TEST(FrameWindow, LeavesNothingBehind)
+TEST_F(FrameWindow, LeavesNothingBehind)
 {
-    const CTestSettings settings;
-    CTestCommand command(1700);
     const auto make = [&] {
         CFullFrame frame;
         frame.ShowKept("Test");

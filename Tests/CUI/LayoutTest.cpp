@@ -58,11 +58,15 @@ HWND PressTab(bool bShift = false)
     return GetFocus();
 }
 
-}  // namespace
-
-TEST(Layout, GivesChildrenTheirPlacesWhateverChanges)
+struct Layout : testing::Test
 {
     CTestPopup top;
+};
+
+}  // namespace
+
+TEST_F(Layout, GivesChildrenTheirPlacesWhateverChanges)
+{
     CLayout layout(top, ROW);
     layout.SetMargins({5, 5, 5, 5});
     layout.SetGap(3);
@@ -97,9 +101,8 @@ TEST(Layout, GivesChildrenTheirPlacesWhateverChanges)
     EXPECT_EQ("5+90 55+40 5+90 5+10 18+40 61+7 ", Along(boxes) + Along(boxes, false));
 }
 
-TEST(Layout, MovesAllInOneBatchAndPaintsNothingTwice)
+TEST_F(Layout, MovesAllInOneBatchAndPaintsNothingTwice)
 {
-    CTestPopup top;
     CLayout layout(top, ROW);
     Boxes boxes = MakeBoxes(layout, {{10, 4}, {20, 4}, {20, 4}});
     const COLORREF colors[] = {0, 0x0000FF, 0xFFFF00};
@@ -133,9 +136,8 @@ TEST(Layout, MovesAllInOneBatchAndPaintsNothingTwice)
     EXPECT_EQ("0+10 10+20 30+20 ", Along(boxes)) << "without memory for a batch";
 }
 
-TEST(Layout, NestedLayoutsTellWhatTheyNeed)
+TEST_F(Layout, NestedLayoutsTellWhatTheyNeed)
 {
-    CTestPopup top;
     CLayout outer(top, COLUMN), inner(outer, ROW), deepest(inner, COLUMN);
     inner.SetMargins({1, 2, 3, 4});
     inner.SetLayoutFlags(CUI_PLACE_FIT | CUI_PLACE_NEAR);
@@ -149,9 +151,8 @@ TEST(Layout, NestedLayoutsTellWhatTheyNeed)
     EXPECT_EQ("13x31", Text("%ldx%ld", outer.GetMinimumSize().cx, outer.GetMinimumSize().cy));
 }
 
-TEST(Layout, TabGoesThroughAllThatCanHaveTheFocus)
+TEST_F(Layout, TabGoesThroughAllThatCanHaveTheFocus)
 {
-    CTestPopup top;
     CLayout outer(top, COLUMN);
     CTestControl first(outer);
     CLayout inner(outer, ROW), empty(outer, ROW);
@@ -173,9 +174,8 @@ TEST(Layout, TabGoesThroughAllThatCanHaveTheFocus)
     EXPECT_EQ(nullptr, PressTab());
 }
 
-TEST(Layout, ScrollsWhenThereIsNoRoom)
+TEST_F(Layout, ScrollsWhenThereIsNoRoom)
 {
-    CTestPopup top;
     CLayout layout(top, COLUMN);
     layout.SetScrolling(true);
     Boxes boxes = MakeBoxes(layout, {{20, 4}, {20, 4}, {20, 4}});
@@ -206,9 +206,8 @@ TEST(Layout, ScrollsWhenThereIsNoRoom)
     EXPECT_EQ("0,0,100,20", PlaceOf(*boxes[0]));
 }
 
-TEST(Layout, SplitterMovesByMouseAndKeysAndGoesBack)
+TEST_F(Layout, SplitterMovesByMouseAndKeysAndGoesBack)
 {
-    CTestPopup top;
     CLayout layout(top, ROW, 106);
     const unsigned long split = CUI_PLACE_FILL | CUI_PLACE_SPLITTER;
     Boxes boxes = MakeBoxes(layout, {{30, split}, {20, 4 | CUIPlaceWeight(1)}});
@@ -262,10 +261,9 @@ TEST(Layout, SplitterMovesByMouseAndKeysAndGoesBack)
     EXPECT_FALSE(IsWindow(hSplitter));
 }
 
-TEST(Layout, SurvivesWhatHandlersDo)
+TEST_F(Layout, SurvivesWhatHandlersDo)
 {
     const CHeapWatch heap;  // what is used of a dead layout is wrong
-    CTestPopup top;
     auto pLayout = std::make_unique<CLayout>(top, ROW);
     Boxes boxes = MakeBoxes(*pLayout, {{10, 4}, {10, 4 | CUI_PLACE_SPLITTER}, {10, 4}, {10, 4}});
     // One deletes another in the middle of the batch.
@@ -310,10 +308,10 @@ TEST(Layout, SurvivesWhatHandlersDo)
     EXPECT_EQ(nullptr, GetCapture());
 }
 
-TEST(Layout, HoldsTenThousandChildren)
+TEST_F(Layout, HoldsTenThousandChildren)
 {
     // Hidden: what takes the system minutes is to find out what is seen of 10,000 windows.
-    CTestWindow top(nullptr, WS_POPUP);
+    ShowWindow(top, SW_HIDE);
     CLayout layout(top, COLUMN);
     layout.SetScrolling(true);
     CCUIControlWindow::PropData data = {3, 0, 4, 0, 0};

@@ -17,36 +17,44 @@ namespace {
 const UINT ID = 1000;
 const HINSTANCE MODULE = GetModuleHandleA(nullptr);
 
-// What a screen reader finds.
-std::string Accessible(HMENU hMenu, UINT nItem)
+// A window with a menu, which is asked of its items as the system asks.
+struct Menu : testing::Test
 {
-    const auto *const pInfo = reinterpret_cast<const DWORD *>(ItemInfo(hMenu, nItem).dwItemData);
-    if (!pInfo || pInfo[0] != 0xAA0DF00D)
-        return Text("no record: %p", reinterpret_cast<const void *>(pInfo));
-    const CCUString sText(*reinterpret_cast<wchar_t *const *>(pInfo + 2));
-    EXPECT_EQ(pInfo[1], static_cast<DWORD>(sText.GetLength()));
-    return std::string(sText);
-}
+    void Open() { OpenMenu(window, hMenu); }
+    // What a screen reader finds.
+    std::string Accessible(UINT nItem)
+    {
+        const auto *const pInfo =
+            reinterpret_cast<const DWORD *>(ItemInfo(hMenu, nItem).dwItemData);
+        if (!pInfo || pInfo[0] != 0xAA0DF00D)
+            return Text("no record: %p", reinterpret_cast<const void *>(pInfo));
+        const CCUString sText(*reinterpret_cast<wchar_t *const *>(pInfo + 2));
+        EXPECT_EQ(pInfo[1], static_cast<DWORD>(sText.GetLength()));
+        return std::string(sText);
+    }
+    MEASUREITEMSTRUCT Measure(UINT nItem)
+    {
+        MEASUREITEMSTRUCT measure = {ODT_MENU, 0, 0, 0, 0, ItemInfo(hMenu, nItem).dwItemData};
+        EXPECT_EQ(1, Send(window, WM_MEASUREITEM, 0, reinterpret_cast<LPARAM>(&measure)));
+        return measure;
+    }
+    // What an item of the size that it asks for draws over a red ground.
+    CPixelMap Draw(UINT nItem, UINT nState = 0)
+    {
+        const MEASUREITEMSTRUCT measure = Measure(nItem);
+        const RECT rc = {0, 0, LONG(measure.itemWidth), LONG(measure.itemHeight)};
+        CTestSurface surface(CPixelMap(rc.right, rc.bottom, RGB(255, 0, 0)));
+        DRAWITEMSTRUCT draw = {ODT_MENU, 0,       0,  ODA_DRAWENTIRE,  nState,
+                               nullptr,  surface, rc, measure.itemData};
+        draw.hwndItem = reinterpret_cast<HWND>(hMenu);
+        EXPECT_EQ(1, Send(window, WM_DRAWITEM, 0, reinterpret_cast<LPARAM>(&draw)));
+        return surface.Read();
+    }
 
-MEASUREITEMSTRUCT Measure(HWND hWnd, HMENU hMenu, UINT nItem)
-{
-    MEASUREITEMSTRUCT measure = {ODT_MENU, 0, 0, 0, 0, ItemInfo(hMenu, nItem).dwItemData};
-    EXPECT_EQ(1, SendMessageA(hWnd, WM_MEASUREITEM, 0, reinterpret_cast<LPARAM>(&measure)));
-    return measure;
-}
-
-// What an item of the size that it asks for draws over a red ground.
-CPixelMap Draw(HWND hWnd, HMENU hMenu, UINT nItem, UINT nState)
-{
-    const MEASUREITEMSTRUCT measure = Measure(hWnd, hMenu, nItem);
-    const int cx = static_cast<int>(measure.itemWidth), cy = static_cast<int>(measure.itemHeight);
-    CTestSurface surface(CPixelMap(cx, cy, RGB(255, 0, 0)));
-    DRAWITEMSTRUCT draw = {
-        ODT_MENU, 0, 0, ODA_DRAWENTIRE, nState, nullptr, surface, {0, 0, cx, cy}, measure.itemData};
-    draw.hwndItem = reinterpret_cast<HWND>(hMenu);
-    EXPECT_EQ(1, SendMessageA(hWnd, WM_DRAWITEM, 0, reinterpret_cast<LPARAM>(&draw)));
-    return surface.Read();
-}
+    CTestPopup window;
+    CCUIMenu menu;
+    const HMENU hMenu = menu.GetHandle();
+};
 
 // Three pictures of 16 pixels: a square, of a colour of each one's own, in another colour.
 const COLORREF PICTURE_COLORS[] = {0xFF0000, 0x0000FF, 0};
@@ -61,7 +69,7 @@ CCUIBitmap Strip()
 
 }  // namespace
 
-TEST(Menu, CallsKeysAsTheLayoutDoesAndInEnglishWhereThatHasNoWords)
+TEST_F(Menu, CallsKeysAsTheLayoutDoesAndInEnglishWhereThatHasNoWords)
 {
     const ACCEL rows[] = {{FVIRTKEY | FCONTROL | FSHIFT, VK_F5, 1},
                           {FVIRTKEY, VK_PRIOR, 2},
@@ -79,17 +87,15 @@ TEST(Menu, CallsKeysAsTheLayoutDoesAndInEnglishWhereThatHasNoWords)
     EXPECT_EQ("STRG+42+F5 73e Num 5 42+A 56+? ", names);
 }
 
-TEST(Menu, TakesItsItemsOverAsTheyAreWhenItOpensAndKeepsTheirTexts)
+TEST_F(Menu, TakesItsItemsOverAsTheyAreWhenItOpensAndKeepsTheirTexts)
 {
-    CTestWindow window;
-    CCUIMenu menu, sub;
-    const HMENU hMenu = menu.GetHandle();
+    CCUIMenu sub;
     EXPECT_TRUE(menu.Append(ID, "one\tF9") && menu.AppendSeparator() && menu.Append(ID + 1, "two"));
     sub.Append(ID + 2, "three");
     EXPECT_TRUE(menu.AppendPopup("more", sub));
     EXPECT_EQ(nullptr, sub.GetHandle());
     AppendMenuA(hMenu, MF_OWNERDRAW, 7, "foreign");
-    OpenMenu(window, hMenu);
+    Open();
     EXPECT_EQ("one\tF9*  two* more* *", ItemsOf(hMenu));
     OpenMenu(window, GetSubMenu(hMenu, 3));
     EXPECT_EQ("three*", ItemsOf(GetSubMenu(hMenu, 3)));
@@ -99,7 +105,7 @@ TEST(Menu, TakesItsItemsOverAsTheyAreWhenItOpensAndKeepsTheirTexts)
     EXPECT_TRUE(menu.Remove(ID + 1) && !menu.Remove(ID + 1) && menu.SetText(ID, "uno"));
     menu.Insert(0, 20, "new");
     ModifyMenuA(hMenu, 2, MF_BYPOSITION | MF_STRING, ID, "dos");
-    OpenMenu(window, hMenu);
+    Open();
     EXPECT_EQ("new* " + long_text + "* dos*  more* *", ItemsOf(hMenu));
     const HMENU hPlain = menu.Detach();
     EXPECT_EQ("new " + long_text + " dos  more *", ItemsOf(hPlain));
@@ -109,16 +115,13 @@ TEST(Menu, TakesItsItemsOverAsTheyAreWhenItOpensAndKeepsTheirTexts)
     EXPECT_EQ("T&hree", ItemsOf(CCUIMenu(MODULE, MAKEINTRESOURCEA(520), 1).GetHandle()));
 }
 
-TEST(Menu, ShowsWhatHandlersSay)
+TEST_F(Menu, ShowsWhatHandlersSay)
 {
     CTestCommand handler(ID);
     handler.m_nState = CUI_COMMAND_ACTIVE | CUI_COMMAND_TEXT | CUI_COMMAND_RADIO;
-    CTestWindow window;
     window.RouteCommands(true);
-    CCUIMenu menu;
     menu.Append(ID, "old\tF4");
     menu.Append(ID + 1, "&plain");
-    const HMENU hMenu = menu.GetHandle();
     // A system that keeps no text of drawn items.
     const CFakeCall<BOOL(HMENU, UINT, BOOL, LPCMENUITEMINFOA)> set(
         "SetMenuItemInfoA", [&](HMENU h, UINT n, BOOL b, LPCMENUITEMINFOA p) -> BOOL {
@@ -131,10 +134,10 @@ TEST(Menu, ShowsWhatHandlersSay)
         });
     const auto width = [&](const char *pszText) {
         handler.m_text = pszText;
-        OpenMenu(window, hMenu);
+        Open();
         const std::string text = std::string(pszText) + "\tF4";
-        EXPECT_EQ(text + text, menu.GetText(ID).GetString() + Accessible(hMenu, 0));
-        return Measure(window, hMenu, 1).itemWidth;
+        EXPECT_EQ(text + text, menu.GetText(ID).GetString() + Accessible(0));
+        return Measure(1).itemWidth;
     };
     const UINT cxOther = width("Other name");
     EXPECT_GT(cxOther, width("Name"));
@@ -143,11 +146,8 @@ TEST(Menu, ShowsWhatHandlersSay)
     DestroyMenu(hMenu);
 }
 
-TEST(Menu, LooksAsTheSystemsColoursSayAtThatMoment)
+TEST_F(Menu, LooksAsTheSystemsColoursSayAtThatMoment)
 {
-    CTestWindow window;
-    CCUIMenu menu;
-    const HMENU hMenu = menu.GetHandle();
     for (UINT i = 0; i < 5; ++i)
         menu.Append(ID + i, "mmmmmm");
     CCUIMenu sub;
@@ -171,39 +171,37 @@ TEST(Menu, LooksAsTheSystemsColoursSayAtThatMoment)
                 const BOOL bKnown = settings.Original(n, nMore, p, nSave);
                 return n == 0x1022 ? (*static_cast<BOOL *>(p) = bFlat, TRUE) : bKnown;
             });
-        OpenMenu(window, hMenu);
-        const CPixelMap plain = Draw(window, hMenu, 3, 0);
+        Open();
+        const CPixelMap plain = Draw(3);
         EXPECT_EQ(0, plain.Count(0x0000FF)) << "all of it is drawn";
-        EXPECT_LT(plain.Count(crText), Draw(window, hMenu, 5, 0).Count(crText)) << "an arrow";
-        EXPECT_LT(Draw(window, hMenu, 2, 0).Count(crMenu), plain.Count(crMenu)) << "bold";
-        const CPixelMap selected = Draw(window, hMenu, 3, ODS_SELECTED);
+        EXPECT_LT(plain.Count(crText), Draw(5).Count(crText)) << "an arrow";
+        EXPECT_LT(Draw(2).Count(crMenu), plain.Count(crMenu)) << "bold";
+        const CPixelMap selected = Draw(3, ODS_SELECTED);
         EXPECT_EQ(crHilite, selected.At(0, 0)) << "a frame";
         EXPECT_EQ(bFlat ? 0xFF00FF : crHilite, selected.At(1, 1));
         EXPECT_EQ(plain.Count(crText), selected.Count(GetSysColor(COLOR_HIGHLIGHTTEXT)));
-        const CPixelMap gray = Draw(window, hMenu, 3, ODS_GRAYED);
+        const CPixelMap gray = Draw(3, ODS_GRAYED);
         EXPECT_EQ(plain.Count(crText), gray.Count(crGray));
         EXPECT_EQ(bFlat, gray.Count(GetSysColor(COLOR_BTNHIGHLIGHT)) == 0) << "embossed";
-        const CPixelMap dot = Draw(window, hMenu, 0, ODS_CHECKED);
-        const CPixelMap tick = Draw(window, hMenu, 3, ODS_CHECKED);
+        const CPixelMap dot = Draw(0, ODS_CHECKED);
+        const CPixelMap tick = Draw(3, ODS_CHECKED);
         EXPECT_LT(plain.Count(crText) + 15, std::min(dot.Count(crText), tick.Count(crText)));
         EXPECT_FALSE(dot == tick);
         // Pictures: of 8 by 8 pixels, around which the item's own ground shows.
-        const CPixelMap picture = Draw(window, hMenu, 1, ODS_SELECTED);
+        const CPixelMap picture = Draw(1, ODS_SELECTED);
         EXPECT_EQ(64, picture.Count(PICTURE_COLORS[1]));
         EXPECT_EQ(0, picture.Count(PICTURE_GROUND));
-        EXPECT_FALSE(Draw(window, hMenu, 4, ODS_CHECKED) == Draw(window, hMenu, 4, 0)) << "pressed";
-        EXPECT_LE(50, Draw(window, hMenu, 1, ODS_GRAYED).Count(0)) << "faint";
+        EXPECT_FALSE(Draw(4, ODS_CHECKED) == Draw(4)) << "pressed";
+        EXPECT_LE(50, Draw(1, ODS_GRAYED).Count(0)) << "faint";
     }
     data.UpdateSysColors();
     const CDotsPerInch dpi(192);
-    OpenMenu(window, hMenu);
-    EXPECT_EQ(4 * 64, Draw(window, hMenu, 1, 0).Count(PICTURE_COLORS[1]));
+    Open();
+    EXPECT_EQ(4 * 64, Draw(1).Count(PICTURE_COLORS[1]));
 }
 
-TEST(Menu, FollowsSettingsThatChangeWhileItIsOpenWhenItOpensAgain)
+TEST_F(Menu, FollowsSettingsThatChangeWhileItIsOpenWhenItOpensAgain)
 {
-    CTestPopup window;
-    CCUIMenu menu;
     menu.Append(ID, "mmmm");
     NONCLIENTMETRICSA old = {};
     old.cbSize = 340;
@@ -236,82 +234,74 @@ TEST(Menu, FollowsSettingsThatChangeWhileItIsOpenWhenItOpensAgain)
     EXPECT_EQ(before, open(old, crOld));
 }
 
-TEST(Menu, ShowsTheShortcutsOfItsWindowsInAColumnOfTheirOwn)
+TEST_F(Menu, ShowsTheShortcutsOfItsWindowsInAColumnOfTheirOwn)
 {
-    CTestWindow window, child(window, WS_CHILD);
+    CTestWindow child(window, WS_CHILD);
     ACCEL outer[] = {{FVIRTKEY, VK_F6, ID}, {FVIRTKEY, VK_F7, ID + 1}}, inner = {FVIRTKEY, 'W', ID};
     window.SetAccelerators(outer, 2);
     child.SetAccelerators(&inner, 1);
-    CCUIMenu menu;
     for (const char *const text : {"own\tSpace", "&column", "x", "\tF7"})
-        menu.Append(ID + static_cast<UINT>(GetMenuItemCount(menu.GetHandle())), text);
+        menu.Append(ID + UINT(GetMenuItemCount(hMenu)), text);
     const auto width = [&](HWND hWnd) {
-        OpenMenu(hWnd, menu.GetHandle());
-        return static_cast<int>(Measure(hWnd, menu.GetHandle(), 2).itemWidth);
+        OpenMenu(hWnd, hMenu);
+        return Measure(2).itemWidth;
     };
-    const auto accessible = [&](UINT nItem) { return Accessible(menu.GetHandle(), nItem); };
-    const auto ink = [&](UINT nItem) {
-        return Draw(window, menu.GetHandle(), nItem, 0).Count(GetSysColor(COLOR_MENUTEXT));
-    };
-    const int cxSpace = width(window), nBoth = ink(1), nKey = ink(3);
+    const auto ink = [&](UINT nItem) { return Draw(nItem).Count(GetSysColor(COLOR_MENUTEXT)); };
+    const UINT cxSpace = width(window);
+    const int nBoth = ink(1), nKey = ink(3);
     EXPECT_EQ("own\tSpace &column\tF7 x",
-              accessible(0) + " " + accessible(1) + " " + accessible(2));
+              Accessible(0) + " " + Accessible(1) + " " + Accessible(2));
     menu.SetText(ID, "own");
-    const int cxF7 = width(child);
-    EXPECT_EQ("own\tW", accessible(0));
+    const UINT cxF7 = width(child);
+    EXPECT_EQ("own\tW", Accessible(0));
     EXPECT_LT(cxF7, cxSpace);
     CCUIAccelerators keys(MODULE, MAKEINTRESOURCEA(520));
     keys.Add(nullptr, 1);  // of none
     menu.SetAccelerators(keys);
     width(child);
-    EXPECT_EQ("own\tShift+F2 &column", accessible(0) + " " + accessible(1));
+    EXPECT_EQ("own\tShift+F2 &column", Accessible(0) + " " + Accessible(1));
     EXPECT_EQ(nBoth, ink(1) + nKey) << "one is over the other";
 }
 
-TEST(Menu, AnswersCharactersAsASystemMenu)
+TEST_F(Menu, AnswersCharactersAsASystemMenu)
 {
-    CTestWindow window;
-    CCUIMenu menu;
     for (const char *const text : {"&Ab", "&Cd\ta&x", "e&&&f", "&Cg", "&No", "Plain", "Cup", "Q"})
-        menu.Append(ID + static_cast<UINT>(GetMenuItemCount(menu.GetHandle())), text);
+        menu.Append(ID + UINT(GetMenuItemCount(hMenu)), text);
     menu.Enable(ID + 4, false);
-    const HMENU hMenu = menu.GetHandle();
     const auto answer = [&](int ch) {
         const long n = Send(window, WM_MENUCHAR, WPARAM(ch), LPARAM(hMenu));
         return Text("%d %d", HIWORD(n), LOWORD(n));
     };
-    OpenMenu(window, hMenu);
+    Open();
     const char *const rows[] = {"a2 0", "A2 0", "F2 2", "c3 1", "n3 4", "p2 5", "&0 0", "x0 0"};
     for (const char *const row : rows)
         EXPECT_EQ(row + 1, answer(row[0])) << row;
 }
 
-TEST(Menu, RunsByKeyboardInItsPopupsAndSurvivesWhatHappensToIt)
+TEST_F(Menu, RunsByKeyboardInItsPopupsAndSurvivesWhatHappensToIt)
 {
     CReports reports;
     CTestCommand handler(ID, 3);
-    CTestWindow window;
     window.RouteCommands(true);
-    ShowWindow(window, SW_SHOWNORMAL);
     POINT at = {50, 50};
-    const auto run = [&](CCUIMenu &menu, const std::vector<int> &keys) {
+    const auto run = [&](CCUIMenu &popup, const std::vector<int> &keys) {
         for (const int nKey : keys)
             PostMessageA(window, nKey < 'a' ? WM_KEYDOWN : WM_CHAR, static_cast<WPARAM>(nKey), 1);
-        window.DisplayPopupMenu(&menu, 0, at, nullptr);
+        window.DisplayPopupMenu(&popup, 0, at, nullptr);
         PumpWaiting();
     };
-    const auto fill = [](CCUIMenu &menu) {
+    const auto fill = [](CCUIMenu &popup) {
         CCUIMenu sub;
-        menu.Append(ID + 1, "&one");
+        popup.Append(ID + 1, "&one");
         sub.Append(ID + 2, "&two");
-        return menu.AppendPopup("&sub", sub);
+        return popup.AppendPopup("&sub", sub);
     };
     ExpectNoGdiLeft(30, [&] {
-        CCUIMenu menu;
-        fill(menu);
-        menu.SetPictures(Strip(), &ID, 1);
-        run(menu, {VK_DOWN, VK_RETURN});
-        run(menu, {'s', 't'});
+        CCUIMenu popup;
+        fill(popup);
+        popup.SetPictures(Strip(), &ID, 1);
+        run(popup, {VK_DOWN, VK_RETURN});
+        run(popup, {'s', 't'});
         EXPECT_EQ("1 2 ", handler.Done());
     });
 

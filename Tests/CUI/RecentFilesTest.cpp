@@ -28,12 +28,16 @@ std::string Open(CTestFrame &frame)
     return ItemsOf(hMenu, "|");
 }
 
-}  // namespace
-
-TEST(RecentFiles, AreKeptLatestFirstAndSharedWithOtherRuns)
+struct RecentFiles : testing::Test
 {
     const CTestSettings settings;
     CTestFrame frame;
+};
+
+}  // namespace
+
+TEST_F(RecentFiles, AreKeptLatestFirstAndSharedWithOtherRuns)
+{
     CRecent recent(frame, 3);
     for (const char *path : {"C:\\0", "C:\\a", "C:\\b", "C:\\c", "c:\\B"})
         recent.Add(path);
@@ -52,10 +56,8 @@ TEST(RecentFiles, AreKeptLatestFirstAndSharedWithOtherRuns)
     EXPECT_EQ("&Open|&1 C:\\f|&2 C:\\e|&3 C:\\another run|E&xit", Open(frame)) << "it refuses";
 }
 
-TEST(RecentFiles, ShowInTheMenuOpenAndTellWhatIsGone)
+TEST_F(RecentFiles, ShowInTheMenuOpenAndTellWhatIsGone)
 {
-    const CTestSettings settings;
-    CTestFrame frame;
     CRecent recent(frame, 11);
     EXPECT_EQ("&Open|No files disabled|E&xit", Open(frame));
     recent.Add("C:\\A & B.txt");

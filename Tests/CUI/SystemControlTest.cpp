@@ -58,75 +58,6 @@ CCUISystemControl *(*const KINDS[])() = {
     Make<CCUIScrollBar>,  Make<CCUIProgressBar>, Make<CCUITrackBar>, Make<CCUISpinButton>,
     Make<CCUITabControl>, Make<CCUITreeView>,    Make<CCUIListView>};
 
-}  // namespace
-
-TEST(SystemControls, AreControlWindowsThatGoWithTheirObjectsOrStay)
-{
-    CReports reports;
-    CTestPopup parent;
-    for (const auto make : KINDS) {
-        std::unique_ptr<CCUISystemControl> pControl(make()), pBound(make()), pOther(make());
-        CCUISystemControl &control = *pControl;
-        ASSERT_EQ(1, control.CreateControl(parent, 7, "text"));
-        char szClass[32];
-        GetClassNameA(control, szClass, sizeof szClass);
-        SCOPED_TRACE(szClass);
-        const RECT rect = RectOf(control);
-        SIZE size = {};
-        EXPECT_EQ(1, SendMessageA(control, CUI_WM_NATURALSIZE, 0, reinterpret_cast<LPARAM>(&size)));
-        EXPECT_EQ(Of({0, 0, size.cx, size.cy}), Of(rect));
-        EXPECT_FALSE(IsRectEmpty(&rect));
-        EXPECT_TRUE(GetPropA(control, g_sControlWindowProp));
-        EXPECT_TRUE(IsWindowVisible(control));
-        // A font that the user's settings have replaced is left for the new one.
-        CUIGetWinData()->UpdateSysFonts();
-        SendMessageA(control, WM_WININICHANGE, 0, 0);
-        EXPECT_TRUE(!control.GetFont() || control.GetFont() == CUIGetWinData()->hMenuFont);
-        // Nor is a hidden one shown by painting again.
-        control.Show(false);
-        control.SetRedraw(false);
-        control.SetRedraw(true);
-        EXPECT_FALSE(control.IsShown());
-        pControl.reset();
-        EXPECT_EQ(nullptr, GetWindow(parent, GW_CHILD));
-        const HWND hWnd = MakePlain(szClass, parent, 9);
-        const LONG nProcedure = GetWindowLongA(hWnd, GWL_WNDPROC);
-        EXPECT_EQ(1, pOther->Bind(parent, 9));
-        EXPECT_EQ(1, pBound->Bind(parent, 9));
-        EXPECT_EQ(nullptr, pOther->GetHandle());
-        EXPECT_TRUE(GetPropA(hWnd, g_sControlWindowProp));
-        pBound.reset();
-        EXPECT_TRUE(IsWindow(hWnd));
-        EXPECT_FALSE(GetPropA(hWnd, g_sControlWindowProp));
-        EXPECT_EQ(nProcedure, GetWindowLongA(hWnd, GWL_WNDPROC));
-        DestroyWindow(hWnd);
-    }
-    CCUIEdit edit;
-    MakePlain("BUTTON", parent, 8);
-    EXPECT_EQ("IsOfClass(hWnd)",
-              reports.Of("SystemControl", [&] { EXPECT_FALSE(edit.Bind(parent, 8)); }));
-    EXPECT_FALSE(edit.Bind(parent, 11));
-    WNDCLASSA own = {};
-    GetClassInfoA(nullptr, "Edit", &own);
-    own.lpszClassName = "Own Edit";
-    RegisterClassA(&own);
-    MakePlain("Own Edit", parent, 10);
-    EXPECT_TRUE(edit.Bind(parent, 10));
-    EXPECT_EQ(1, reports.Total());
-    // A system without the class.
-    CDumped dumped;
-    CCUIListView list;
-    WNDCLASSA kept = {};
-    GetClassInfoA(GetModuleHandleA("comctl32.dll"), WC_LISTVIEWA, &kept);
-    UnregisterClassA(WC_LISTVIEWA, kept.hInstance);
-    EXPECT_EQ(0, list.CreateControl(parent, 13));
-    EXPECT_EQ(nullptr, list.GetHandle());
-    EXPECT_EQ(0U, dumped.m_text.find("No control of class SysListView32, gle: ")) << dumped.m_text;
-    RegisterClassA(&kept);
-}
-
-namespace {
-
 // Another program's control in a window of this one, until that closes it.
 CHILD_PROCESS(Lender)
 {
@@ -138,93 +69,6 @@ CHILD_PROCESS(Lender)
     for (MSG msg; IsWindow(hWnd) && GetMessageA(&msg, nullptr, 0, 0) > 0;)
         DispatchMessageA(&msg);
 }
-
-}  // namespace
-
-TEST(SystemControls, LeaveWindowsOfOtherThreadsAndProgramsAlone)
-{
-    CDumped dumped;
-    CTestPopup parent;
-    CCUIControlBar bar, other;
-    const CMade<CCUIEdit> edit(parent, 14);
-    bar.CreateBar(parent, 11);
-    other.CreateBar(parent, 12);
-    const CChildProcess lender("Lender", Text("%u", UINT(bar.GetHandle())).c_str());
-    ASSERT_TRUE(PumpUntil([&] { return GetPropA(GetDlgItem(bar, 20), g_sControlWindowProp); }));
-    const HWND hWnd = GetDlgItem(bar, 20);
-    bar.AddControl(hWnd, 0);
-    other.AddControl(hWnd, 0);
-    EXPECT_EQ(bar.GetHandle(), GetParent(hWnd));
-    EXPECT_FALSE(CCUIEdit().Bind(bar, 20));
-    EXPECT_FALSE(CCUIControl().ReplaceControl(bar, 20));
-    CCUIWindow().Attach(hWnd);
-    const auto take = [&](int) {
-        CTestPopup elsewhere;
-        CCUIControlBar late;
-        late.CreateBar(elsewhere, 15);
-        late.AddControl(edit, 0);
-        elsewhere.Destroy();
-        EXPECT_FALSE(CCUIEdit().Bind(parent, 14));
-    };
-    CThreads::Run(1, take, PumpWaiting);
-    EXPECT_EQ(parent.GetHandle(), GetParent(edit));
-    EXPECT_EQ(7, std::count(dumped.m_text.begin(), dumped.m_text.end(), '\n')) << dumped.m_text;
-    // What a layout is to read of it is in its own program.
-    CCUILayoutWindow layout(CCUILayoutWindow::Column);
-    layout.Create(nullptr, "", WS_CHILD, {0, 0, 50, 50}, parent, 13);
-    SetParent(hWnd, layout);
-    Send(layout, CUI_WM_LAYOUT, 0, CUI_LAYOUT_ALL);
-    EXPECT_EQ(0, layout.GetMinimumSize().cy);
-    PostMessageA(hWnd, WM_CLOSE, 0, 0);
-    EXPECT_TRUE(PumpUntil([&] { return !lender.IsRunning(); }));
-}
-
-TEST(SystemControls, FindItemsAndHoldTextsOfAnyLength)
-{
-    CTestPopup parent;
-    const std::string text(20000, 'x');
-    const RECT small = {0, 0, 50, 60};
-    const DWORD dwDrawn = LBS_EXTENDEDSEL | LBS_OWNERDRAWVARIABLE | LBS_HASSTRINGS;
-    parent.m_on[WM_MEASUREITEM] = [&] {
-        auto &measure = *reinterpret_cast<MEASUREITEMSTRUCT *>(parent.m_lParam);
-        return measure.itemHeight = measure.itemID % 2 ? 25 : 10, 1L;
-    };
-    CMade<CCUIListBox> many(parent, 8, CCUIListBox::STYLE | dwDrawn, nullptr, &small);
-    for (int i = 0; i < 50; ++i)
-        many.AddString(text.substr(0, size_t(i) * 100).c_str());
-    many.EnsureVisible(40);
-    EXPECT_EQ("38 40", Text("%d %d", many.GetTopIndex(), many.HitTest({3, 36})));
-    many.EnsureVisible(3);
-    EXPECT_EQ(3, many.GetTopIndex());
-    many.Select(40, true);
-    EXPECT_EQ("40 4000", Text("%d %d", many.FindSelected(4), many.GetItemText(40).GetLength()));
-    many.AddString(text.c_str());
-    EXPECT_EQ(text, many.GetItemText(50).GetString());
-    EXPECT_EQ(text, CMade<CCUIStatic>(parent, 1, 0, text.c_str()).GetText().GetString());
-    EXPECT_EQ(text, CMade<CCUIEdit>(parent, 1, 0, text.c_str()).GetLine(0).GetString());
-    CMade<CCUIEdit> edit(parent, 9, CCUIEdit::STYLE_LINES, "one\r\ntwo");
-    edit.Append("\r\nthree");
-    EXPECT_STREQ("three", edit.GetLine(2));
-    EXPECT_EQ(" 0", Text("%s %d", edit.GetLine(3).GetString(), edit.GetLineLength(3)));
-    const auto rising = [](LPARAM a, LPARAM b) { return int(a - b); };
-    CMade<CCUIListView> list(parent, 7);
-    list.SetExtendedStyle(LVS_EX_CHECKBOXES);
-    list.AddItem("b", -1, 2);
-    list.AddItem(text.c_str(), -1, 1);
-    list.SetCheck(1, true);
-    list.SortItems(rising);
-    EXPECT_EQ("1 0", Text("%d %d", list.GetCheck(0), list.GetCheck(1)));
-    EXPECT_EQ(text, list.GetItemText(0).GetString());
-    EXPECT_EQ("1 1", Text("%d %d", list.FindItem("B"), list.FindItemData(2)));
-    CMade<CCUITreeView> tree(parent, 8, CCUITreeView::STYLE | TVS_CHECKBOXES);
-    const HTREEITEM hB = tree.InsertItem(nullptr, "b");
-    const HTREEITEM hA = tree.InsertItem(nullptr, text.c_str());
-    tree.SetCheck(hA, true);
-    EXPECT_TRUE(tree.FindChild(nullptr, text.c_str()) == hA);
-    EXPECT_EQ("1 0", Text("%d %d", tree.GetCheck(hA), tree.GetCheck(hB)));
-}
-
-namespace {
 
 // Writes down what it is told, and refuses what it is told to; m_onTold may delete it.
 struct CRecord
@@ -294,11 +138,156 @@ void Rename(HWND hLabel)
     Input(hLabel, {VK_RETURN});
 }
 
-}  // namespace
-
-TEST(SystemControls, TellTheirObjectsWhatUsersDo)
+struct SystemControls : testing::Test
 {
     CTestPopup parent;
+};
+
+}  // namespace
+
+TEST_F(SystemControls, AreControlWindowsThatGoWithTheirObjectsOrStay)
+{
+    CReports reports;
+    for (const auto make : KINDS) {
+        std::unique_ptr<CCUISystemControl> pControl(make()), pBound(make()), pOther(make());
+        CCUISystemControl &control = *pControl;
+        ASSERT_EQ(1, control.CreateControl(parent, 7, "text"));
+        char szClass[32];
+        GetClassNameA(control, szClass, sizeof szClass);
+        SCOPED_TRACE(szClass);
+        const RECT rect = RectOf(control);
+        SIZE size = {};
+        EXPECT_EQ(1, SendMessageA(control, CUI_WM_NATURALSIZE, 0, reinterpret_cast<LPARAM>(&size)));
+        EXPECT_EQ(Of({0, 0, size.cx, size.cy}), Of(rect));
+        EXPECT_FALSE(IsRectEmpty(&rect));
+        EXPECT_TRUE(GetPropA(control, g_sControlWindowProp));
+        EXPECT_TRUE(IsWindowVisible(control));
+        // A font that the user's settings have replaced is left for the new one.
+        CUIGetWinData()->UpdateSysFonts();
+        SendMessageA(control, WM_WININICHANGE, 0, 0);
+        EXPECT_TRUE(!control.GetFont() || control.GetFont() == CUIGetWinData()->hMenuFont);
+        // Nor is a hidden one shown by painting again.
+        control.Show(false);
+        control.SetRedraw(false);
+        control.SetRedraw(true);
+        EXPECT_FALSE(control.IsShown());
+        pControl.reset();
+        EXPECT_EQ(nullptr, GetWindow(parent, GW_CHILD));
+        const HWND hWnd = MakePlain(szClass, parent, 9);
+        const LONG nProcedure = GetWindowLongA(hWnd, GWL_WNDPROC);
+        EXPECT_EQ(1, pOther->Bind(parent, 9));
+        EXPECT_EQ(1, pBound->Bind(parent, 9));
+        EXPECT_EQ(nullptr, pOther->GetHandle());
+        EXPECT_TRUE(GetPropA(hWnd, g_sControlWindowProp));
+        pBound.reset();
+        EXPECT_TRUE(IsWindow(hWnd));
+        EXPECT_FALSE(GetPropA(hWnd, g_sControlWindowProp));
+        EXPECT_EQ(nProcedure, GetWindowLongA(hWnd, GWL_WNDPROC));
+        DestroyWindow(hWnd);
+    }
+    CCUIEdit edit;
+    MakePlain("BUTTON", parent, 8);
+    EXPECT_EQ("IsOfClass(hWnd)",
+              reports.Of("SystemControl", [&] { EXPECT_FALSE(edit.Bind(parent, 8)); }));
+    EXPECT_FALSE(edit.Bind(parent, 11));
+    WNDCLASSA own = {};
+    GetClassInfoA(nullptr, "Edit", &own);
+    own.lpszClassName = "Own Edit";
+    RegisterClassA(&own);
+    MakePlain("Own Edit", parent, 10);
+    EXPECT_TRUE(edit.Bind(parent, 10));
+    EXPECT_EQ(1, reports.Total());
+    // A system without the class.
+    CDumped dumped;
+    CCUIListView list;
+    WNDCLASSA kept = {};
+    GetClassInfoA(GetModuleHandleA("comctl32.dll"), WC_LISTVIEWA, &kept);
+    UnregisterClassA(WC_LISTVIEWA, kept.hInstance);
+    EXPECT_EQ(0, list.CreateControl(parent, 13));
+    EXPECT_EQ(nullptr, list.GetHandle());
+    EXPECT_EQ(0U, dumped.m_text.find("No control of class SysListView32, gle: ")) << dumped.m_text;
+    RegisterClassA(&kept);
+}
+
+TEST_F(SystemControls, LeaveWindowsOfOtherThreadsAndProgramsAlone)
+{
+    CDumped dumped;
+    CCUIControlBar bar, other;
+    const CMade<CCUIEdit> edit(parent, 14);
+    bar.CreateBar(parent, 11);
+    other.CreateBar(parent, 12);
+    const CChildProcess lender("Lender", Text("%u", UINT(bar.GetHandle())).c_str());
+    ASSERT_TRUE(PumpUntil([&] { return GetPropA(GetDlgItem(bar, 20), g_sControlWindowProp); }));
+    const HWND hWnd = GetDlgItem(bar, 20);
+    bar.AddControl(hWnd, 0);
+    other.AddControl(hWnd, 0);
+    EXPECT_EQ(bar.GetHandle(), GetParent(hWnd));
+    EXPECT_FALSE(CCUIEdit().Bind(bar, 20));
+    EXPECT_FALSE(CCUIControl().ReplaceControl(bar, 20));
+    CCUIWindow().Attach(hWnd);
+    const auto take = [&](int) {
+        EXPECT_FALSE(CCUIEdit().Bind(parent, 14));
+        bar.AddControl(edit, 0);
+    };
+    CThreads::Run(1, take, PumpWaiting);
+    EXPECT_EQ(parent.GetHandle(), GetParent(edit));
+    EXPECT_EQ(7, std::count(dumped.m_text.begin(), dumped.m_text.end(), '\n')) << dumped.m_text;
+    // What a layout is to read of it is in its own program.
+    CCUILayoutWindow layout(CCUILayoutWindow::Column);
+    layout.Create(nullptr, "", WS_CHILD, {0, 0, 50, 50}, parent, 13);
+    SetParent(hWnd, layout);
+    Send(layout, CUI_WM_LAYOUT, 0, CUI_LAYOUT_ALL);
+    EXPECT_EQ(0, layout.GetMinimumSize().cy);
+    PostMessageA(hWnd, WM_CLOSE, 0, 0);
+    EXPECT_TRUE(PumpUntil([&] { return !lender.IsRunning(); }));
+}
+
+TEST_F(SystemControls, FindItemsAndHoldTextsOfAnyLength)
+{
+    const std::string text(20000, 'x');
+    const RECT small = {0, 0, 50, 60};
+    const DWORD dwDrawn = LBS_EXTENDEDSEL | LBS_OWNERDRAWVARIABLE | LBS_HASSTRINGS;
+    parent.m_on[WM_MEASUREITEM] = [&] {
+        auto &measure = *reinterpret_cast<MEASUREITEMSTRUCT *>(parent.m_lParam);
+        return measure.itemHeight = measure.itemID % 2 ? 25 : 10, 1L;
+    };
+    CMade<CCUIListBox> many(parent, 8, CCUIListBox::STYLE | dwDrawn, nullptr, &small);
+    for (int i = 0; i < 50; ++i)
+        many.AddString(text.substr(0, size_t(i) * 100).c_str());
+    many.EnsureVisible(40);
+    EXPECT_EQ("38 40", Text("%d %d", many.GetTopIndex(), many.HitTest({3, 36})));
+    many.EnsureVisible(3);
+    EXPECT_EQ(3, many.GetTopIndex());
+    many.Select(40, true);
+    EXPECT_EQ("40 4000", Text("%d %d", many.FindSelected(4), many.GetItemText(40).GetLength()));
+    many.AddString(text.c_str());
+    EXPECT_EQ(text, many.GetItemText(50).GetString());
+    EXPECT_EQ(text, CMade<CCUIStatic>(parent, 1, 0, text.c_str()).GetText().GetString());
+    EXPECT_EQ(text, CMade<CCUIEdit>(parent, 1, 0, text.c_str()).GetLine(0).GetString());
+    CMade<CCUIEdit> edit(parent, 9, CCUIEdit::STYLE_LINES, "one\r\ntwo");
+    edit.Append("\r\nthree");
+    EXPECT_STREQ("three", edit.GetLine(2));
+    EXPECT_EQ(" 0", Text("%s %d", edit.GetLine(3).GetString(), edit.GetLineLength(3)));
+    const auto rising = [](LPARAM a, LPARAM b) { return int(a - b); };
+    CMade<CCUIListView> list(parent, 7);
+    list.SetExtendedStyle(LVS_EX_CHECKBOXES);
+    list.AddItem("b", -1, 2);
+    list.AddItem(text.c_str(), -1, 1);
+    list.SetCheck(1, true);
+    list.SortItems(rising);
+    EXPECT_EQ("1 0", Text("%d %d", list.GetCheck(0), list.GetCheck(1)));
+    EXPECT_EQ(text, list.GetItemText(0).GetString());
+    EXPECT_EQ("1 1", Text("%d %d", list.FindItem("B"), list.FindItemData(2)));
+    CMade<CCUITreeView> tree(parent, 8, CCUITreeView::STYLE | TVS_CHECKBOXES);
+    const HTREEITEM hB = tree.InsertItem(nullptr, "b");
+    const HTREEITEM hA = tree.InsertItem(nullptr, text.c_str());
+    tree.SetCheck(hA, true);
+    EXPECT_TRUE(tree.FindChild(nullptr, text.c_str()) == hA);
+    EXPECT_EQ("1 0", Text("%d %d", tree.GetCheck(hA), tree.GetCheck(hB)));
+}
+
+TEST_F(SystemControls, TellTheirObjectsWhatUsersDo)
+{
     CMade<CPlain<CCUIEdit>> edit(parent, 1);
     CMade<CPlain<CCUISpinButton>> spin(parent, 7);
     edit.SetLimit(1);
@@ -370,9 +359,8 @@ TEST(SystemControls, TellTheirObjectsWhatUsersDo)
     EXPECT_STREQ("second", tab.GetItemText(1));
 }
 
-TEST(SystemControls, TellWhatBecomesOfItems)
+TEST_F(SystemControls, TellWhatBecomesOfItems)
 {
-    CTestPopup parent;
     const RECT rect = {0, 0, 150, 100};
     RECT row = {};
     CMade<CTree> tree(parent, 1, CCUITreeView::STYLE | TVS_EDITLABELS, nullptr, &rect);
@@ -428,9 +416,8 @@ TEST(SystemControls, TellWhatBecomesOfItems)
     EXPECT_NE(std::string::npos, list.Taken().find("delete 6"));
 }
 
-TEST(SystemControls, MayBeDeletedByWhatTheyTell)
+TEST_F(SystemControls, MayBeDeletedByWhatTheyTell)
 {
-    CTestPopup parent;
     auto *const pEdit = new CMade<CPlain<CCUIEdit>>(parent, 1);
     pEdit->m_onTold = [=] { delete pEdit; };
     auto *const pList = new CMade<CList>(parent, 2);
@@ -451,9 +438,8 @@ TEST(SystemControls, MayBeDeletedByWhatTheyTell)
     EXPECT_EQ(nullptr, CCUIWindow::FromHandle(hBound));
 }
 
-TEST(SystemControls, PassTabOnAndLetTextsHaveIt)
+TEST_F(SystemControls, PassTabOnAndLetTextsHaveIt)
 {
-    CTestPopup parent;
     const auto tell = [&](const char *what) {
         const HWND hChild = reinterpret_cast<HWND>(parent.m_wParam);
         return parent.m_told += Text("%s %d ", what, GetDlgCtrlID(hChild)), 1;
@@ -485,9 +471,8 @@ TEST(SystemControls, PassTabOnAndLetTextsHaveIt)
     EXPECT_EQ(GetDlgItem(dialog, 1004), GetFocus());
 }
 
-TEST(SystemControls, AreColoredAsTheyAreTold)
+TEST_F(SystemControls, AreColoredAsTheyAreTold)
 {
-    CTestPopup parent;
     ExpectNoGdiLeft(20, [&] {
         CMade<CCUIStatic> label(parent, 1, 0, "text");
         label.SetWindowColor(RGB(255, 0, 0));

@@ -11,11 +11,11 @@
 #include "Support/ImportHook.h"
 
 // Stands in for the heap of this program, on all threads: counts the blocks, puts them right
-// before pages that nobody may touch, so that a byte too far is a crash, and overwrites what is
-// given back, so that text read from a dead block is seen to be wrong. The up to three bytes
-// between a block and its page are looked at when it is freed, and a dead block, which no other
-// takes the place of for a while, when one does and at the end: nobody may have written there.
-// What is larger than a slot, or comes when all are taken, goes to the ordinary heap.
+// before pages that nobody may touch, so that a byte too far is a crash, as is any use of a block
+// that has been given back. The up to three bytes between a block and its page are looked at when
+// it is freed. What is larger than a slot, or comes when all are taken, goes to the ordinary heap;
+// given back it is overwritten, kept for a while, and then looked at: nobody may have written
+// there.
 class CHeapWatch
 {
 public:
@@ -37,10 +37,6 @@ public:
     }
     ~CHeapWatch()
     {
-        for (int i = 0; i < SLOTS; ++i) {
-            if (s_nSizes[i] == 0)
-                CheckSlot(i);
-        }
         for (void *&pDead : s_dead)
             Bury(std::exchange(pDead, nullptr));
         g_nBlockKeeper = GetCurrentThreadId();
@@ -65,27 +61,21 @@ private:
     };
 
     static char *Slot(int i) { return s_base + i * (SLOT_SIZE + PAGE); }
+    static void Protect(int i, DWORD nProtection)
+    {
+        VirtualProtect(Slot(i), SLOT_SIZE, nProtection, &nProtection);
+    }
     static size_t Rounded(size_t nSize) { return (nSize + 3) & ~3U; }
     static int SlotOf(const void *p)
     {
         const char *block = static_cast<const char *>(p);
         return block < s_base || block >= Slot(SLOTS) ? -1 : (block - s_base) / (SLOT_SIZE + PAGE);
     }
-    static void CheckDead(const void *p, size_t nSize)
-    {
-        const auto *const pBytes = static_cast<const BYTE *>(p);
-        if (std::any_of(pBytes, pBytes + nSize, [](BYTE n) { return n != DEAD; }))
-            abort();
-    }
-    // What the last block left there.
-    static void CheckSlot(int i)
-    {
-        CheckDead(Slot(i) + SLOT_SIZE - s_nDeadSizes[i], s_nDeadSizes[i]);
-    }
     static void Bury(void *p)
     {
-        if (p)
-            CheckDead(p, _msize(p));
+        const auto *const pBytes = static_cast<const BYTE *>(p);
+        if (p && std::any_of(pBytes, pBytes + _msize(p), [](BYTE n) { return n != DEAD; }))
+            abort();
         s_free(p);
     }
     static void *__cdecl Malloc(size_t nSize)
@@ -96,7 +86,7 @@ private:
             const LONG nLength = static_cast<LONG>(nSize);
             if (InterlockedCompareExchange(&s_nSizes[i], nLength, 0) != 0)
                 continue;
-            CheckSlot(i);
+            Protect(i, PAGE_READWRITE);
             return memset(Slot(i) + SLOT_SIZE - Rounded(nSize), SLACK, Rounded(nSize));
         }
         return s_malloc(nSize);
@@ -125,8 +115,7 @@ private:
         const size_t nSize = static_cast<size_t>(s_nSizes[nSlot]);
         if (memcmp(static_cast<char *>(p) + nSize, "\xA5\xA5\xA5", Rounded(nSize) - nSize) != 0)
             abort();
-        memset(p, DEAD, Rounded(nSize));
-        s_nDeadSizes[nSlot] = Rounded(nSize);
+        Protect(nSlot, PAGE_NOACCESS);
         InterlockedExchange(&s_nSizes[nSlot], 0);
     }
 
@@ -134,7 +123,7 @@ private:
     inline static void(__cdecl *s_free)(void *);
     inline static char *s_base = nullptr;
     inline static LONG s_nSizes[SLOTS] = {}, s_nMade = 0, s_nFreed = 0;
-    inline static size_t s_nLargest = 0, s_nDeadSizes[SLOTS] = {};
+    inline static size_t s_nLargest = 0;
     inline static void *s_dead[GRAVES] = {};
     inline static LONG s_nDead = 0;
     CImportHook m_malloc{"malloc", Malloc}, m_realloc{"realloc", Realloc}, m_free{"free", Free};
